@@ -1,0 +1,44 @@
+#include "ZoPrimitives/XStream.h"
+
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/TTranslatedString.h"
+
+namespace ZoPrimitives {
+
+XStream::XStream(const ZoString& message, const ZoString& location) : message(message), location(location) {}
+XStream::XStream(const XStream&) = default;
+XStream& XStream::operator=(const XStream&) = default;
+XStream::~XStream() = default;
+
+XReadStream::XReadStream(const ZoString& message, const ZoString& location) : XStream(message, location) {}
+XReadStream::~XReadStream() = default;
+
+XWriteStream::XWriteStream(const ZoString& message, const ZoString& location) : XStream(message, location) {}
+XWriteStream::~XWriteStream() = default;
+
+XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& location)
+    : XWriteStream(TTranslatedString("Espaço em disco insuficiente."_ansi).Text(), location) {}
+XWriteStreamOutOfSpace::~XWriteStreamOutOfSpace() = default;
+
+XEndOfStream::XEndOfStream() : XStream("End-of-file", "") {}
+XEndOfStream::~XEndOfStream() = default;
+
+XInvalidObject::XInvalidObject() : XReadStream("Invalid object : data still incomplete after read.", "") {}
+XInvalidObject::~XInvalidObject() = default;
+
+XNewerVersion::XNewerVersion() : XReadStream("", "") {}
+XNewerVersion::~XNewerVersion() = default;
+
+XUnversionableVersion::XUnversionableVersion() : XReadStream("", "") {}
+XUnversionableVersion::~XUnversionableVersion() = default;
+
+XInvalidFileType::XInvalidFileType() : XReadStream("", "") {}
+XInvalidFileType::~XInvalidFileType() = default;
+
+XInvalidLanguage::XInvalidLanguage() : XReadStream("", "") {}
+XInvalidLanguage::~XInvalidLanguage() = default;
+
+XInvalidVersion::XInvalidVersion() : XReadStream("", "") {}
+XInvalidVersion::~XInvalidVersion() = default;
+
+} // namespace ZoPrimitives

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "ZoPrimitives/ZoString.h"
+
+namespace ZoPrimitives {
+
+/// Root of the failures of data and of input and output: what happened, and the operation in which it arose, often
+/// with a numbered failure point ("TBinInStream::LoadRecord #3"). Texts are Windows-1252.
+class ZO_API XStream {
+public:
+    XStream(const ZoString& message, const ZoString& location);
+    XStream(const XStream&);
+    XStream& operator=(const XStream&);
+    virtual ~XStream();
+
+    const ZoString& Message() const { return message; }
+    const ZoString& Location() const { return location; }
+
+private:
+    ZoString message;
+    ZoString location;
+};
+
+/// Reading failed: the device, or damaged data.
+class ZO_API XReadStream : public XStream {
+public:
+    XReadStream(const ZoString& message, const ZoString& location);
+    ~XReadStream() override;
+};
+
+/// Writing failed.
+class ZO_API XWriteStream : public XStream {
+public:
+    XWriteStream(const ZoString& message, const ZoString& location);
+    ~XWriteStream() override;
+};
+
+/// The device is full. The message is translated; the location is the caller's.
+class ZO_API XWriteStreamOutOfSpace : public XWriteStream {
+public:
+    explicit XWriteStreamOutOfSpace(const ZoString& location);
+    ~XWriteStreamOutOfSpace() override;
+};
+
+/// Nothing is left to read: "End-of-file", without location.
+class ZO_API XEndOfStream : public XStream {
+public:
+    XEndOfStream();
+    ~XEndOfStream() override;
+};
+
+/// "Invalid object : data still incomplete after read.", without location.
+class ZO_API XInvalidObject : public XReadStream {
+public:
+    XInvalidObject();
+    ~XInvalidObject() override;
+};
+
+/// The data was written by a newer version than the reader supports. Empty texts.
+class ZO_API XNewerVersion : public XReadStream {
+public:
+    XNewerVersion();
+    ~XNewerVersion() override;
+};
+
+/// The data's version cannot be brought to the reader's. Empty texts.
+class ZO_API XUnversionableVersion : public XReadStream {
+public:
+    XUnversionableVersion();
+    ~XUnversionableVersion() override;
+};
+
+// Declared for the applications, which throw them. Empty texts.
+
+class ZO_API XInvalidFileType : public XReadStream {
+public:
+    XInvalidFileType();
+    ~XInvalidFileType() override;
+};
+
+class ZO_API XInvalidLanguage : public XReadStream {
+public:
+    XInvalidLanguage();
+    ~XInvalidLanguage() override;
+};
+
+class ZO_API XInvalidVersion : public XReadStream {
+public:
+    XInvalidVersion();
+    ~XInvalidVersion() override;
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ZoPrimitives/Export.h"
+
+#include <cstdint>
+
+namespace ZoPrimitives {
+
+/// Small polymorphic root of the library's classes.
+///
+/// Its one field counts the `pointer`s that hold the object. The count belongs to the object's address, not to
+/// its value: copies start at zero and assignment leaves it alone. Not guarded: an object belongs to one thread.
+class ZO_API ZoObject {
+public:
+    ZoObject() noexcept : references(0) {}
+    ZoObject(const ZoObject&) noexcept : references(0) {}
+    ZoObject& operator=(const ZoObject&) noexcept { return *this; }
+    virtual ~ZoObject();
+
+    /// Identity here; classes that are values compare values.
+    virtual bool operator==(const ZoObject& other) const;
+    /// The opposite of the most derived `operator==`.
+    virtual bool operator!=(const ZoObject& other) const;
+
+private:
+    friend struct ZoReferenceCount;
+    mutable std::uint32_t references;
+};
+
+/// The reference count as `pointer` sees it. Null objects are allowed everywhere.
+struct ZoReferenceCount {
+    static void Add(const ZoObject* object) noexcept {
+        if (object != nullptr) ++object->references;
+    }
+    /// Deletes the object when its last reference goes. Objects released by its destructor wait in a list, so that
+    /// a chain of any length is released without recursion.
+    static void Release(const ZoObject* object) noexcept {
+        if (object != nullptr && --object->references == 0) Destroy(object);
+    }
+    /// Gives a reference back and leaves an object without references alive, for whoever owns it now.
+    static void Surrender(const ZoObject* object) noexcept {
+        if (object != nullptr) --object->references;
+    }
+    static std::uint32_t Count(const ZoObject* object) noexcept { return object->references; }
+
+private:
+    ZO_API static void Destroy(const ZoObject* object) noexcept;
+};
+
+} // namespace ZoPrimitives

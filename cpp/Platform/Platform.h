@@ -11,6 +11,7 @@ namespace ZoPrimitives::Platform {
 
 enum Error : unsigned long {
     ErrorNone = 0,
+    ErrorInvalidFunction = 1,
     ErrorFileNotFound = 2,
     ErrorPathNotFound = 3,
     ErrorTooManyOpenFiles = 4,
@@ -20,13 +21,23 @@ enum Error : unsigned long {
     ErrorWriteProtect = 19,
     ErrorGeneralFailure = 31,
     ErrorSharingViolation = 32,
+    ErrorLockViolation = 33,
     ErrorHandleDiskFull = 39,
+    ErrorNotSupported = 50,
+    ErrorDeviceGone = 55,
+    ErrorNetwork = 59,
     ErrorFileExists = 80,
     ErrorInvalidParameter = 87,
+    ErrorBrokenPipe = 109,
     ErrorDiskFull = 112,
     ErrorInvalidName = 123,
+    ErrorNegativeSeek = 131,
     ErrorAlreadyExists = 183,
     ErrorFilenameTooLong = 206,
+    ErrorOperationAborted = 995,
+    ErrorInvalidAddress = 998,
+    ErrorDevice = 1117,
+    ErrorUnresolvedLink = 1921,
 };
 
 enum class Access { Read, ReadWrite };
@@ -36,48 +47,65 @@ enum class Origin { Begin, Current, End };
 
 using FileHandle = void*; // null: none
 
-/// The services that can fail, wait or show something. A test replaces them by a class of its own (`Install`),
-/// usually one that derives from `Services` as the system provides it and overrides one operation.
-/// An operation that returns false, or a null handle, leaves its reason in `LastError()` of the calling thread.
-/// Paths are bytes of the ANSI code page on Windows and plain bytes elsewhere.
+/// The services that can fail, wait or show something. A test replaces them by a class of its own
+/// (`Install`), usually one that derives from `Services` as the system provides it and overrides one
+/// operation. An operation that returns false, or a null handle, leaves its reason in `LastError()` of the
+/// calling thread; one that succeeds leaves `LastError()` unspecified. Paths are bytes of the ANSI code page
+/// on Windows and plain bytes elsewhere; a null path is an empty one.
 class Services {
 public:
     virtual ~Services();
 
-    /// Sharing is an access x share matrix between all users of the library, within one process too.
+    /// Sharing is an access x share matrix between all users of the library, within one process too: an
+    /// opening succeeds when every other opening of the file shares what this one accesses, and this one
+    /// shares what they access. `CreateAlways` counts as writing and empties an existing file only once that
+    /// has been settled. A read-only file is never opened for writing, whoever asks: access denied. Nor is a
+    /// folder opened.
     virtual FileHandle OpenFile(const char* path, Access access, Share share, Creation creation);
+    /// The handle is gone in either case; false tells that something written before was lost.
     virtual bool CloseFile(FileHandle file);
     /// False on a failure of the device; at the end of the file true with `done` < `size`.
     virtual bool ReadFile(FileHandle file, void* data, std::size_t size, std::size_t& done);
     /// True only when all of `size` was written.
     virtual bool WriteFile(FileHandle file, const void* data, std::size_t size);
+    /// `position`, in bytes from the beginning, may lie beyond the end.
     virtual bool SeekFile(FileHandle file, long long offset, Origin origin, unsigned long long& position);
+    /// In bytes; false for a device, which has none.
     virtual bool FileSize(FileHandle file, unsigned long long& size);
-    /// Returns when what was written is on the device.
+    /// Returns when what was written is on the device, the file's name included.
     virtual bool SynchroniseFile(FileHandle file);
 
-    /// Copies a whole file, overwriting, and returns when the copy is on the device. The target keeps its identity
-    /// (links, permissions); a target that others have open without sharing for writing is a sharing violation.
+    /// Copies a whole file, overwriting, and returns when the copy is on the device, its name included. An
+    /// existing target keeps its identity (links, permissions); a new one gets the permissions of `from`. A
+    /// target that others have open without sharing for writing, or that is `from` itself, is a sharing
+    /// violation; a read-only one is access denied. A target without room for the copy is left as it was
+    /// where the file system can tell beforehand; after any other failure an existing target may hold part of
+    /// the copy, and a new one is removed.
     virtual bool CopyWholeFile(const char* from, const char* to);
+    /// A read-only file is access denied; a file that is open is a sharing violation.
     virtual bool DeleteWholeFile(const char* path);
-    /// Whether a file of that name exists; `readOnly` (may be null) tells whether its attributes forbid writing.
+    /// Whether a file (not a folder) of that name exists; `readOnly` (may be null) tells whether it forbids
+    /// writing.
     virtual bool FileExists(const char* path, bool* readOnly);
-    /// Whether the path lies on a network drive.
+    /// Whether the path, or its folder when there is no such file, lies on a network drive.
     virtual bool NetworkFile(const char* path);
-    /// A fresh name for a file beside `target`, in the same folder; the file has been created, empty.
-    /// Empty when none could be made.
+    /// A fresh name for a file beside `target`, in the same folder; the file has been created, empty, and can
+    /// be opened for writing even where `target` is read-only. Empty when none could be made.
     virtual std::string TemporaryFileName(const char* target);
 
     /// An error box with an OK button, without owner and caption; returns when it was closed.
+    /// Without a display (POSIX) it does nothing: an application there says it by an assertion functor of its
+    /// own.
     virtual void ShowMessageBox(const char* text);
 };
 
 /// The services in use.
 Services& Current();
-/// Puts `services` (not owned; null for the system's) in place and returns what was in use, null for the system's.
-/// For tests; unguarded.
+/// Puts `services` (not owned; null for the system's) in place and returns what was in use, null for the
+/// system's. For tests; whoever installs sees to it that no operation is under way.
 Services* Install(Services* services);
 
+/// Of the calling thread.
 unsigned long LastError();
 void SetLastError(unsigned long error);
 

@@ -1,0 +1,111 @@
+#include "Platform/posix/Errors.h"
+
+#include <cerrno>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace ZoPrimitives::Platform {
+
+namespace {
+
+thread_local unsigned long lastError = ErrorNone;
+
+} // namespace
+
+unsigned long LastError() { return lastError; }
+void SetLastError(unsigned long error) { lastError = error; }
+
+unsigned long ErrorFromErrno(int number) {
+    switch (number) {
+    case 0:
+        return ErrorNone;
+    case ENOENT:
+        return ErrorFileNotFound;
+    case ENOTDIR:
+        return ErrorPathNotFound;
+    case EMFILE:
+    case ENFILE:
+        return ErrorTooManyOpenFiles;
+    case EACCES:
+    case EPERM:
+    case EISDIR:
+        return ErrorAccessDenied;
+    case EBADF:
+        return ErrorInvalidHandle;
+    case ENOMEM:
+        return ErrorNotEnoughMemory;
+    case EROFS:
+        return ErrorWriteProtect;
+    case ETXTBSY:
+    case EBUSY:
+        return ErrorSharingViolation;
+    case EAGAIN:
+        return ErrorLockViolation;
+    case EEXIST:
+        return ErrorFileExists;
+    case EINVAL:
+    case EOVERFLOW:
+        return ErrorInvalidParameter;
+    // A file that outgrows its file system is a full disk to Windows too.
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return ErrorDiskFull;
+    case ENAMETOOLONG:
+        return ErrorFilenameTooLong;
+    case ELOOP:
+        return ErrorUnresolvedLink;
+    case ESPIPE:
+        return ErrorInvalidFunction;
+    case EPIPE:
+        return ErrorBrokenPipe;
+    case EINTR:
+        return ErrorOperationAborted;
+    case EFAULT:
+        return ErrorInvalidAddress;
+    case EIO:
+        return ErrorDevice;
+    case ENXIO:
+    case ENODEV:
+        return ErrorDeviceGone;
+    case ENOSYS:
+    case EOPNOTSUPP:
+        return ErrorNotSupported;
+    case ESTALE:
+    case EREMOTEIO:
+    case ETIMEDOUT:
+    case EHOSTDOWN:
+    case EHOSTUNREACH:
+    case ENETDOWN:
+    case ENETUNREACH:
+    case ENOTCONN:
+    case ECONNRESET:
+        return ErrorNetwork;
+    default:
+        return ErrorGeneralFailure;
+    }
+}
+
+void SetErrorFromErrno(const char* path) {
+    const int number = errno;
+    unsigned long error = ErrorFromErrno(number);
+    if (number == ENOENT) {
+        struct stat status;
+        if (path == nullptr || *path == '\0' || stat(FolderOf(path).c_str(), &status) != 0 ||
+            !S_ISDIR(status.st_mode))
+            error = ErrorPathNotFound;
+    }
+    SetLastError(error);
+}
+
+void SetErrorFromErrno() { SetLastError(ErrorFromErrno(errno)); }
+
+std::string FolderOf(const char* path) {
+    std::string_view folder = path;
+    while (folder.size() > 1 && folder.back() == '/') folder.remove_suffix(1);
+    const std::size_t slash = folder.rfind('/');
+    if (slash == std::string_view::npos) return ".";
+    return std::string(folder.substr(0, slash == 0 ? 1 : slash));
+}
+
+} // namespace ZoPrimitives::Platform

@@ -1,0 +1,7 @@
+#include "Platform/Platform.h"
+
+namespace ZoPrimitives::Platform {
+
+void Services::ShowMessageBox(const char*) {}
+
+} // namespace ZoPrimitives::Platform

@@ -1,0 +1,120 @@
+#include "Platform/posix/Sharing.h"
+
+#include <bit>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <fcntl.h>
+#include <random>
+#include <thread>
+#include <unistd.h>
+
+// An opening tells what it does and what it denies by shared locks on single bytes far beyond any data:
+// shared locks suffice, so that a descriptor for reading can place them, and asking for a conflict with an
+// exclusive lock finds those of others. The locks belong to the open file description: two openings in one
+// process meet each other, and the locks of a process that dies are gone.
+//
+// Placing and asking are two steps. An opening first shows its marks on the tentative bytes, then asks for
+// others' tentative ones, then for settled ones, and only then places its own settled ones. Of two rivals at
+// least one sees the other's tentative marks and starts over; one that has settled is seen for good. Asking
+// in the other order would miss a rival that settles in between.
+
+namespace ZoPrimitives::Platform {
+
+namespace {
+
+static_assert(sizeof(off_t) == 8);
+
+// In this order what an opening places is always one run of bytes.
+enum Mark : unsigned { Writes = 1, Reads = 2, DeniesWriting = 4, DeniesReading = 8 };
+constexpr int MarkCount = 4;
+
+constexpr off_t Settled = off_t{1} << 62;
+constexpr off_t Tentative = Settled + 8;
+constexpr off_t AllMarks = 16;
+
+constexpr std::chrono::milliseconds Patience{1000};
+
+enum class Answer { Free, Taken, Unsupported };
+
+Answer Lock(int descriptor, int command, short type, off_t start, off_t length) {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = start;
+    lock.l_len = length;
+    int result;
+    do result = fcntl(descriptor, command, &lock);
+    while (result != 0 && errno == EINTR);
+    if (result != 0) return errno == EAGAIN || errno == EACCES ? Answer::Taken : Answer::Unsupported;
+    return command == F_OFD_GETLK && lock.l_type != F_UNLCK ? Answer::Taken : Answer::Free;
+}
+
+Answer Place(int descriptor, off_t base, unsigned marks) {
+    return Lock(descriptor, F_OFD_SETLK, F_RDLCK, base + std::countr_zero(marks), std::popcount(marks));
+}
+
+bool OthersHold(int descriptor, off_t base, unsigned marks) {
+    while (marks != 0) {
+        const int first = std::countr_zero(marks);
+        const int length = std::countr_one(marks >> first);
+        if (Lock(descriptor, F_OFD_GETLK, F_WRLCK, base + first, length) == Answer::Taken) return true;
+        marks &= ~0U << (first + length);
+    }
+    return false;
+}
+
+void Clear(int descriptor, off_t base, off_t length) { Lock(descriptor, F_OFD_SETLK, F_UNLCK, base, length); }
+
+unsigned OwnMarks(Access access, Share share) {
+    unsigned marks = Reads;
+    if (access == Access::ReadWrite) marks |= Writes;
+    if (share != Share::ReadWrite) marks |= DeniesWriting;
+    if (share == Share::None) marks |= DeniesReading;
+    return marks;
+}
+
+unsigned HostileMarks(Access access, Share share) {
+    unsigned marks = DeniesReading;
+    if (access == Access::ReadWrite) marks |= DeniesWriting;
+    if (share != Share::ReadWrite) marks |= Writes;
+    if (share == Share::None) marks |= Reads;
+    return marks;
+}
+
+void WaitForRival(int attempt) {
+    static thread_local std::minstd_rand random{std::random_device{}()};
+    const int longest = 100 << (attempt < 5 ? attempt : 5);
+    std::this_thread::sleep_for(
+        std::chrono::microseconds(std::uniform_int_distribution<int>{20, longest}(random)));
+}
+
+const pid_t ownProcess = getpid();
+
+} // namespace
+
+bool ClaimShare(int descriptor, Access access, Share share) {
+    const unsigned own = OwnMarks(access, share);
+    const unsigned hostile = HostileMarks(access, share);
+    const auto start = std::chrono::steady_clock::now();
+    for (int attempt = 0;; ++attempt) {
+        const Answer shown = Place(descriptor, Tentative, own);
+        if (shown != Answer::Free) return shown == Answer::Unsupported;
+        const bool rival = OthersHold(descriptor, Tentative, hostile);
+        const bool holder = OthersHold(descriptor, Settled, hostile);
+        if (!rival && !holder) Place(descriptor, Settled, own);
+        Clear(descriptor, Tentative, MarkCount);
+        if (holder) return false;
+        if (!rival) return true;
+        // A rival settles or gives up at once, unless its process was stopped on the way.
+        if (std::chrono::steady_clock::now() - start > Patience) return false;
+        WaitForRival(attempt);
+    }
+}
+
+void ReleaseShare(int descriptor) {
+    // A child that closes what it inherited must not release its parent's claim.
+    if (getpid() == ownProcess) Clear(descriptor, Settled, AllMarks);
+}
+
+} // namespace ZoPrimitives::Platform

@@ -1,0 +1,263 @@
+#pragma once
+
+#include "ZoPrimitives/ParallelFind.h"
+#include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/pointer.h"
+#include "ZoPrimitives/xContainer.h"
+
+#include <cstddef>
+#include <memory>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+// What the containers of objects share. Positions count from 1; an access outside 1 to `NItems()` fails the
+// assertion "index >= 1 && index <= NItems()". Items may be null. Nothing here is guarded: a container
+// belongs to one thread at a time.
+
+namespace ZoPrimitives {
+
+/// What collects objects of class `T`.
+template <class T>
+class TIAccumulator : public ZoObject {
+public:
+    using ObjectType = T;
+
+    virtual void Add(T* object) = 0;
+    virtual bool Remove(const T* object) = 0;
+    virtual bool Contains(const T* object) const = 0;
+    virtual unsigned long long NItems() const = 0;
+    virtual void RemoveAll() = 0;
+};
+
+/// The holders of a container's objects, in one contiguous array. Pointers and references to the holders are
+/// good until objects are added or removed.
+template <class T, class P = pointer<T>>
+class TIContainer : public TIAccumulator<T> {
+public:
+    using PointerType = P;
+
+    unsigned long long NItems() const override { return items.size(); }
+    /// Keeps the capacity. Objects that nothing else holds are deleted.
+    void RemoveAll() override { ZoClearElements<P>(items); }
+
+    P* data() noexcept { return items.data(); }
+    const P* data() const noexcept { return items.data(); }
+    P* begin() noexcept { return items.data(); }
+    const P* begin() const noexcept { return items.data(); }
+    P* end() noexcept { return items.data() + items.size(); }
+    const P* end() const noexcept { return items.data() + items.size(); }
+
+    unsigned long long Capacity() const noexcept { return items.capacity(); }
+    /// Makes room for `count` objects in all. More than can exist throws `xContainerSizeExceeded`.
+    void Reserve(unsigned long long count) {
+        if (count > items.max_size()) throw xContainerSizeExceeded();
+        items.reserve(static_cast<std::size_t>(count));
+    }
+
+protected:
+    TIContainer() = default;
+    TIContainer(const TIContainer&) = default;
+    TIContainer(TIContainer&&) noexcept = default;
+    ~TIContainer() override = default;
+    TIContainer& operator=(const TIContainer&) = delete;
+
+    std::vector<P> items;
+};
+
+/// The position of an iterator over objects, whatever their class.
+class TIContainerIteratorBase {
+public:
+    void First() noexcept { position = 1; }
+    /// From 1; `NItems()` + 1 at the end.
+    unsigned long long Position() const noexcept { return position; }
+
+protected:
+    TIContainerIteratorBase() = default;
+
+    /// Whatever is behind the end throws `xIteratorOverrunContainerLimit`.
+    void Check(unsigned long long count) const {
+        if (position > count) throw xIteratorOverrunContainerLimit();
+    }
+    void Advance(unsigned long long count) {
+        Check(count);
+        ++position;
+    }
+
+private:
+    unsigned long long position = 1;
+};
+
+/// Walks a container of objects: `for (TIContainerIterator<T> i(list); !i.IsDone(); i.Next())
+/// use(i.Current());` It refers to the container, which must outlive it and may grow or shrink meanwhile.
+/// Without a container it is at its end from the start. Cheap to copy.
+template <class T, class P = pointer<T>>
+class TIContainerIterator : public TIContainerIteratorBase {
+public:
+    TIContainerIterator() = default;
+    explicit TIContainerIterator(const TIContainer<T, P>& walked) noexcept : container(&walked) {}
+
+    bool IsDone() const noexcept { return Position() > Count(); }
+    /// Past the end already: throws `xIteratorOverrunContainerLimit`.
+    void Next() { Advance(Count()); }
+    /// The holder here, which may be null; at the end throws `xIteratorOverrunContainerLimit`.
+    const P& Current() const {
+        Check(Count());
+        return container->data()[Position() - 1];
+    }
+
+private:
+    unsigned long long Count() const noexcept {
+        return container == nullptr ? 0
+                                    : static_cast<unsigned long long>(container->end() - container->begin());
+    }
+
+    const TIContainer<T, P>* container = nullptr;
+};
+
+/// The operations of the containers of objects. `Self` is the container: it says whether long searches run in
+/// parallel (`SEARCHES_IN_PARALLEL`) and the source of its assertions (`SOURCE`).
+///
+/// The last holder deletes the object. `T` needs to be complete only where the container is made, used or
+/// destroyed.
+template <class T, class P, class Self>
+class TObjectContainer : public TIContainer<T, P> {
+public:
+    /// Same class, and the same objects in the same order, by `Equal`.
+    bool operator==(const ZoObject& other) const override {
+        if (typeid(*this) != typeid(other)) return false;
+        const auto& right = static_cast<const TObjectContainer&>(other);
+        if (items.size() != right.items.size()) return false;
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            if (!Same(items[i].get(), right.items[i].get())) return false;
+        }
+        return true;
+    }
+
+    /// A new object is deleted if there is no room for it.
+    void Add(T* object) override {
+        P holder(object);
+        items.push_back(std::move(holder));
+    }
+    void Add(const P& object) { this->Add(object.get()); }
+
+    /// Removes the item that `Find` gives; those behind it move down by one. False when absent.
+    bool Remove(const T* object) override {
+        unsigned long long position;
+        if (!Find(object, position)) return false;
+        RemoveAt(position);
+        return true;
+    }
+    bool Remove(const P& object) { return this->Remove(static_cast<const T*>(object.get())); }
+
+    bool Contains(const T* object) const override {
+        unsigned long long position;
+        return Find(object, position);
+    }
+    bool Contains(const P& object) const { return this->Contains(static_cast<const T*>(object.get())); }
+
+    virtual Self& operator=(const Self& other) = 0;
+
+    /// `other` may be this container.
+    virtual void Append(const Self& other) {
+        const auto& added = static_cast<const TObjectContainer&>(other).items;
+        if (&added != &items) {
+            items.insert(items.end(), added.begin(), added.end());
+            return;
+        }
+        const std::vector<P> copy(items);
+        items.insert(items.end(), copy.begin(), copy.end());
+    }
+
+    /// False, and nothing changes, when the object is there already; a new object remains the caller's then.
+    virtual bool AddUnique(T* object) {
+        if (this->Contains(static_cast<const T*>(object))) return false;
+        this->Add(object);
+        return true;
+    }
+
+    /// The equality that every search uses: the same object. Null equals null only, without a call.
+    virtual bool Equal(const T& a, const T& b) const { return std::addressof(a) == std::addressof(b); }
+
+    /// Gives the position of the first equal item, `NItems()` + 1 when there is none.
+    virtual bool Find(const T* object, unsigned long long& position) const {
+        const std::size_t found = Search(object);
+        position = found + 1;
+        return found != items.size();
+    }
+
+    /// `Equal` for items that may be null.
+    bool Same(const T* a, const T* b) const { return a == nullptr || b == nullptr ? a == b : Equal(*a, *b); }
+
+    P& operator[](unsigned long long index) { return items[Index(index)]; }
+    const P& operator[](unsigned long long index) const { return items[Index(index)]; }
+    P& First() { return (*this)[1]; }
+    const P& First() const { return (*this)[1]; }
+    P& Last() { return (*this)[items.size()]; }
+    const P& Last() const { return (*this)[items.size()]; }
+
+    // These move the items behind the position.
+
+    void AddFirst(T* object) { InsertAt(1, object); }
+    /// Puts the object at the position; that may be `NItems()` + 1.
+    void InsertAt(unsigned long long index, T* object) {
+        P holder(object);
+        ZO_ASSERT(index >= 1 && index <= items.size() + 1, "index >= 1 && index <= NItems() + 1",
+                  Self::SOURCE);
+        items.insert(items.begin() + static_cast<std::ptrdiff_t>(index - 1), std::move(holder));
+    }
+    void RemoveAt(unsigned long long index) {
+        const auto place = items.begin() + static_cast<std::ptrdiff_t>(Index(index));
+        // Released last: the object's destructor may use this container.
+        const P leaving = std::move(*place);
+        items.erase(place);
+    }
+    void RemoveFirst() { RemoveAt(1); }
+    void RemoveLast() { RemoveAt(items.size()); }
+
+protected:
+    using TIContainer<T, P>::items;
+
+    TObjectContainer() = default;
+    TObjectContainer(const TObjectContainer&) = default;
+    TObjectContainer(TObjectContainer&&) noexcept = default;
+    ~TObjectContainer() override = default;
+
+    void Assign(const TObjectContainer& other) {
+        if (this == &other) return;
+        std::vector<P> copy(other.items);
+        items.swap(copy);
+    }
+    void Assign(TObjectContainer&& other) {
+        if (this == &other) return;
+        std::vector<P> taken(std::move(other.items));
+        items.swap(taken);
+    }
+
+private:
+    std::size_t Index(unsigned long long index) const {
+        ZO_ASSERT(index >= 1 && index <= items.size(), "index >= 1 && index <= NItems()", Self::SOURCE);
+        return static_cast<std::size_t>(index - 1);
+    }
+
+    /// Index from 0, the count when absent.
+    std::size_t Search(const T* object) const {
+        const std::size_t count = items.size();
+        const bool parallel = Self::SEARCHES_IN_PARALLEL && count > ZoSerialFindLimit;
+        // A class derived from the container may compare in its own way.
+        const bool direct = typeid(*this) == typeid(Self);
+        if (direct) {
+            const std::size_t prefix = parallel ? ZoSerialFindPrefix(count) : count;
+            const std::size_t found = ZoFindFirstHolder(items.data(), prefix, object);
+            if (found < prefix || !parallel) return found;
+        } else if (!parallel) {
+            std::size_t found = 0;
+            while (found < count && !Same(items[found].get(), object)) ++found;
+            return found;
+        }
+        return static_cast<std::size_t>(
+            TBBParallelFinderPointer<Self>(static_cast<const Self&>(*this), object, direct).Find());
+    }
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,204 @@
+#pragma once
+
+#include "ZoPrimitives/Export.h"
+#include "ZoPrimitives/pointer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+namespace ZoPrimitives {
+
+using ZoRangeFunction = void (*)(unsigned long long begin, unsigned long long end, void* context);
+
+/// Calls `function` with subranges that cover [0, count) once, on this thread and on TBB's workers, and
+/// returns when all have ended. The first exception of `function` is thrown here; subranges not yet begun are
+/// then left out.
+ZO_API void ZoParallelFor(unsigned long long count, ZoRangeFunction function, void* context);
+
+// The index of the first element that equals the value, `count` when none does. The data needs the alignment
+// of its elements only.
+
+ZO_API std::size_t ZoFindBits32(const void* data, std::size_t count, std::uint32_t value) noexcept;
+ZO_API std::size_t ZoFindBits64(const void* data, std::size_t count, std::uint64_t value) noexcept;
+/// By `==`: NaN is never found, and the two zeros are equal.
+ZO_API std::size_t ZoFindDouble(const double* data, std::size_t count, double value) noexcept;
+
+/// The index in [0, count) of the first element that equals `value` by `==`, `count` when none does.
+template <class T>
+std::size_t ZoFindFirst(const T* data, std::size_t count, const T& value) {
+    constexpr bool bitwise = std::is_integral_v<T> || std::is_pointer_v<T>;
+    if constexpr (bitwise && sizeof(T) == sizeof(std::uint32_t)) {
+        std::uint32_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        return ZoFindBits32(data, count, bits);
+    } else if constexpr (bitwise && sizeof(T) == sizeof(std::uint64_t)) {
+        std::uint64_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        return ZoFindBits64(data, count, bits);
+    } else if constexpr (std::is_same_v<T, double>) {
+        return ZoFindDouble(data, count, value);
+    } else {
+        std::size_t index = 0;
+        while (index < count && !(data[index] == value)) ++index;
+        return index;
+    }
+}
+
+/// The index in [0, count) of the first holder of `object` (null for an empty one), `count` when none holds
+/// it.
+template <class P, class T>
+std::size_t ZoFindFirstHolder(const P* holders, std::size_t count, const T* object) {
+    if constexpr (std::is_same_v<P, pointer<T>> && sizeof(P) == sizeof(std::uint64_t)) {
+        return ZoFindBits64(holders, count, reinterpret_cast<std::uintptr_t>(object));
+    } else {
+        std::size_t index = 0;
+        while (index < count && holders[index].get() != object) ++index;
+        return index;
+    }
+}
+
+/// What the two finders share: the lowest match that any task has seen so far. A task that finds itself
+/// behind it stops, so the position reported is that of the first match.
+class ZoParallelMatch {
+public:
+    explicit ZoParallelMatch(unsigned long long end) noexcept : lowest(end) {}
+
+    /// Index of the first match, from 0; the end when there is none.
+    unsigned long long Lowest() const noexcept { return lowest.load(std::memory_order_relaxed); }
+
+    /// Runs `search(first, last)`, which gives the index of the first match or `last`, over [begin, end) in
+    /// steps short enough to notice a match of another task in time.
+    template <class Search>
+    void Run(unsigned long long begin, unsigned long long end, unsigned long long step,
+             const Search& search) {
+        for (unsigned long long first = begin; first < end && first < Lowest(); first += step) {
+            const unsigned long long last = std::min(first + step, end);
+            const unsigned long long found = search(first, last);
+            if (found == last) continue;
+            unsigned long long seen = Lowest();
+            while (found < seen && !lowest.compare_exchange_weak(seen, found, std::memory_order_relaxed)) {
+            }
+            return;
+        }
+    }
+
+private:
+    std::atomic<unsigned long long> lowest;
+};
+
+/// Parallel search of a value container, through the container's `Equal` or, where that is known to be `==`,
+/// directly. An overridden `Equal` runs on several threads at once.
+template <class Container>
+class TBBParallelFinder {
+public:
+    using ValueType = typename Container::ValueType;
+
+    TBBParallelFinder(const Container& where, const ValueType& what, bool directly)
+        : container(where), value(what), direct(directly),
+          count(static_cast<unsigned long long>(where.end() - where.begin())), match(count) {}
+
+    /// Index of the first match, from 0; the count when there is none.
+    unsigned long long Find() {
+        ZoParallelFor(count, &Search, this);
+        return match.Lowest();
+    }
+
+private:
+    static constexpr unsigned long long STEP = 8192;
+
+    static void Search(unsigned long long begin, unsigned long long end, void* finder) {
+        static_cast<TBBParallelFinder*>(finder)->Search(begin, end);
+    }
+    void Search(unsigned long long begin, unsigned long long end) {
+        const ValueType* data = container.data();
+        if (direct) {
+            match.Run(begin, end, STEP, [&](unsigned long long first, unsigned long long last) {
+                return first + ZoFindFirst(data + first, static_cast<std::size_t>(last - first), value);
+            });
+        } else {
+            match.Run(begin, end, 1, [&](unsigned long long first, unsigned long long last) {
+                return container.Equal(data[first], value) ? first : last;
+            });
+        }
+    }
+
+    const Container& container;
+    const ValueType& value;
+    const bool direct;
+    const unsigned long long count;
+    ZoParallelMatch match;
+};
+
+/// Parallel search of an object container, through the container's `Equal` or, where that is known to be
+/// identity, directly. An overridden `Equal` runs on several threads at once.
+template <class Container>
+class TBBParallelFinderPointer {
+public:
+    using ObjectType = typename Container::ObjectType;
+
+    TBBParallelFinderPointer(const Container& where, const ObjectType* what, bool directly)
+        : container(where), object(what), direct(directly),
+          count(static_cast<unsigned long long>(where.end() - where.begin())), match(count) {}
+
+    /// Index of the first match, from 0; the count when there is none.
+    unsigned long long Find() {
+        ZoParallelFor(count, &Search, this);
+        return match.Lowest();
+    }
+
+private:
+    static constexpr unsigned long long STEP = 8192;
+
+    static void Search(unsigned long long begin, unsigned long long end, void* finder) {
+        static_cast<TBBParallelFinderPointer*>(finder)->Search(begin, end);
+    }
+    void Search(unsigned long long begin, unsigned long long end) {
+        const auto* data = container.data();
+        if (direct) {
+            match.Run(begin, end, STEP, [&](unsigned long long first, unsigned long long last) {
+                return first +
+                       ZoFindFirstHolder(data + first, static_cast<std::size_t>(last - first), object);
+            });
+        } else {
+            match.Run(begin, end, 1, [&](unsigned long long first, unsigned long long last) {
+                return container.Same(data[first].get(), object) ? first : last;
+            });
+        }
+    }
+
+    const Container& container;
+    const ObjectType* const object;
+    const bool direct;
+    const unsigned long long count;
+    ZoParallelMatch match;
+};
+
+/// Vectors longer than this are searched in parallel; up to here the search runs in order on the calling
+/// thread.
+constexpr unsigned long long ZoSerialFindLimit = 1000;
+
+/// How much of a longer vector is looked at before the workers are called, where elements are compared
+/// directly: a match near the beginning does not pay for them.
+constexpr std::size_t ZoSerialFindPrefix(std::size_t count) {
+    return std::max(static_cast<std::size_t>(ZoSerialFindLimit), count / 256);
+}
+
+/// Destroys all elements and keeps the capacity. The vector is already empty when destructors run, so that
+/// they may use its container.
+template <class E, class Vector>
+void ZoClearElements(Vector& elements) {
+    if constexpr (std::is_trivially_destructible_v<E>) {
+        elements.clear();
+    } else {
+        Vector leaving;
+        leaving.swap(elements);
+        leaving.clear();
+        if (elements.empty() && elements.capacity() < leaving.capacity()) elements.swap(leaving);
+    }
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "ZoPrimitives/container.h"
+
+namespace ZoPrimitives {
+
+/// Vector of values. A search in more than 1000 values runs in parallel; an overridden `Equal` must then be
+/// safe to call from several threads.
+template <class T>
+class TDVector : public TValueContainer<T, TDVector<T>> {
+    using Base = TValueContainer<T, TDVector<T>>;
+
+public:
+    static constexpr bool SEARCHES_IN_PARALLEL = true;
+    static constexpr const char* SOURCE = "public/include/ZoPrimitives/dvector";
+
+    TDVector() = default;
+    TDVector(const TDVector&) = default;
+    TDVector(TDVector&&) noexcept = default;
+    ~TDVector() override = default;
+
+    TDVector& operator=(const TDVector& other) override {
+        this->Assign(other);
+        return *this;
+    }
+    TDVector& operator=(TDVector&& other) {
+        this->Assign(std::move(other));
+        return *this;
+    }
+    using Base::operator==;
+    bool operator==(const TDVector& other) const { return *this == static_cast<const ZoObject&>(other); }
+};
+
+/// List of values. A search runs in order on the calling thread, whatever the length.
+template <class T>
+class TDList : public TValueContainer<T, TDList<T>> {
+    using Base = TValueContainer<T, TDList<T>>;
+
+public:
+    static constexpr bool SEARCHES_IN_PARALLEL = false;
+    static constexpr const char* SOURCE = "public/include/ZoPrimitives/dvector";
+
+    TDList() = default;
+    TDList(const TDList&) = default;
+    TDList(TDList&&) noexcept = default;
+    ~TDList() override = default;
+
+    TDList& operator=(const TDList& other) override {
+        this->Assign(other);
+        return *this;
+    }
+    TDList& operator=(TDList&& other) {
+        this->Assign(std::move(other));
+        return *this;
+    }
+    using Base::operator==;
+    bool operator==(const TDList& other) const { return *this == static_cast<const ZoObject&>(other); }
+};
+
+} // namespace ZoPrimitives

@@ -3,6 +3,7 @@
 // The only thing that the library sees of the system. The build picks posix/ or windows/.
 // Error numbers are Windows' on every system.
 
+#include <cstdarg>
 #include <cstddef>
 #include <string>
 #include <typeinfo>
@@ -112,6 +113,9 @@ void SetLastError(unsigned long error);
 /// ANSI case mapping, in place, by the table of Windows-1252.
 void UppercaseAnsi(char* text, std::size_t size);
 void LowercaseAnsi(char* text, std::size_t size);
+
+/// `vsnprintf` in the C locale, whatever the process's locale is.
+int FormatText(char* buffer, std::size_t size, const char* format, std::va_list arguments);
 
 /// The readable name of a type, without "class " or "struct ": "ZoPrimitives::ZoBoolean".
 std::string TypeName(const std::type_info& type);

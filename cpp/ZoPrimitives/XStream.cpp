@@ -5,19 +5,19 @@
 
 namespace ZoPrimitives {
 
-XStream::XStream(const ZoString& message, const ZoString& location) : message(message), location(location) {}
+XStream::XStream(const ZoString& what, const ZoString& where) : message(what), location(where) {}
 XStream::XStream(const XStream&) = default;
 XStream& XStream::operator=(const XStream&) = default;
 XStream::~XStream() = default;
 
-XReadStream::XReadStream(const ZoString& message, const ZoString& location) : XStream(message, location) {}
+XReadStream::XReadStream(const ZoString& what, const ZoString& where) : XStream(what, where) {}
 XReadStream::~XReadStream() = default;
 
-XWriteStream::XWriteStream(const ZoString& message, const ZoString& location) : XStream(message, location) {}
+XWriteStream::XWriteStream(const ZoString& what, const ZoString& where) : XStream(what, where) {}
 XWriteStream::~XWriteStream() = default;
 
-XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& location)
-    : XWriteStream(TTranslatedString("Espaço em disco insuficiente."_ansi).Text(), location) {}
+XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& where)
+    : XWriteStream(TTranslatedString("Espaço em disco insuficiente."_ansi).Text(), where) {}
 XWriteStreamOutOfSpace::~XWriteStreamOutOfSpace() = default;
 
 XEndOfStream::XEndOfStream() : XStream("End-of-file", "") {}

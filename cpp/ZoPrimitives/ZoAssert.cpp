@@ -46,7 +46,7 @@ void ZoAssertFunctor::operator()(const char* expression, const char* message, co
     HandleAsserting(expression, message, file, line);
 }
 
-XZoAssert::XZoAssert(const char* message) noexcept : message(message) {}
+XZoAssert::XZoAssert(const char* text) noexcept : message(text) {}
 XZoAssert::XZoAssert(const XZoAssert&) noexcept = default;
 XZoAssert::XZoAssert(XZoAssert&&) noexcept = default;
 XZoAssert& XZoAssert::operator=(const XZoAssert&) noexcept = default;

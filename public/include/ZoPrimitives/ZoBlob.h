@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ZoPrimitives/ZoObject.h"
+
+namespace ZoPrimitives {
+
+/// A run of bytes, owned. Without memory for it `std::bad_alloc` is thrown and the blob stays as it was.
+class ZO_API ZoBlob : public ZoObject {
+public:
+    ZoBlob() noexcept = default;
+    /// `size` zero bytes; pages that are not touched cost no memory.
+    explicit ZoBlob(unsigned long long size);
+    /// A copy of `size` bytes; a null `data` gives the empty blob.
+    ZoBlob(const void* data, unsigned long long size);
+    ZoBlob(const ZoBlob& other);
+    ZoBlob(ZoBlob&& other) noexcept;
+    ~ZoBlob() override;
+
+    ZoBlob& operator=(const ZoBlob& other);
+    ZoBlob& operator=(ZoBlob&& other) noexcept;
+
+    /// In bytes.
+    unsigned long long Size() const noexcept { return size; }
+    /// May be null when the blob is empty.
+    const void* Data() const noexcept { return bytes; }
+    void* Data() noexcept { return bytes; }
+
+    /// Copies `size` bytes, which may lie in this blob; the memory at hand is used again.
+    void Assign(const void* data, unsigned long long size);
+
+    friend bool operator==(const ZoBlob& a, const ZoBlob& b) noexcept { return a.SameBytes(b); }
+    friend bool operator!=(const ZoBlob& a, const ZoBlob& b) noexcept { return !a.SameBytes(b); }
+    /// False when `other` is not a `ZoBlob`.
+    bool operator==(const ZoObject& other) const override;
+
+private:
+    bool SameBytes(const ZoBlob& other) const noexcept;
+
+    unsigned char* bytes = nullptr; // of malloc
+    unsigned long long size = 0;
+    unsigned long long capacity = 0;
+};
+
+} // namespace ZoPrimitives

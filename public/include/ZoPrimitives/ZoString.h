@@ -1,0 +1,276 @@
+#pragma once
+
+#include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoObject.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#if defined(__GNUC__)
+#define ZO_PRINTF(text, first) __attribute__((format(printf, text, first)))
+#else
+#define ZO_PRINTF(text, first)
+#endif
+
+namespace ZoPrimitives {
+
+/// An owned, NUL-terminated 8-bit string in Windows-1252; the first 0 byte ends it for every purpose.
+///
+/// Positions count from 0; searches return -1 for "not found"; 0xFFFFFFFF as a start or end means "the last".
+/// The length is not kept: asking for it scans the text. No result depends on the process's locale.
+/// A null `const char*` is taken as empty everywhere. A moved-from string is meant to be destroyed or
+/// assigned to; reading it gives the empty string.
+class ZO_API ZoString : public ZoObject {
+public:
+    static constexpr unsigned NO_POSITION = 0xFFFFFFFFu;
+
+    ZoString() noexcept;
+    ZoString(const char* text) noexcept;
+    /// Exactly `count` bytes of `text`.
+    ZoString(const char* text, unsigned count) noexcept;
+    ZoString(const unsigned char* text, unsigned count) noexcept;
+    ZoString(std::nullptr_t, unsigned) noexcept : ZoString() {}
+    /// The one character, not its number.
+    ZoString(char c) noexcept;
+    ZoString(char c, unsigned count) noexcept;
+
+    // Numbers in decimal.
+    ZoString(int value) noexcept;
+    ZoString(unsigned value) noexcept;
+    ZoString(long value) noexcept;
+    ZoString(unsigned long value) noexcept;
+    ZoString(long long value) noexcept;
+    ZoString(unsigned long long value) noexcept;
+    /// Six decimals and a point, without exponent; "inf", "-inf" and "nan".
+    ZoString(double value) noexcept;
+
+    // Wide characters are no text here, and must not pass as numbers.
+    ZoString(wchar_t) = delete;
+    ZoString(char16_t) = delete;
+    ZoString(char32_t) = delete;
+
+    ZoString(const ZoString& other) noexcept;
+    ZoString(ZoString&& other) noexcept : buffer(std::exchange(other.buffer, nullptr)) {}
+    ~ZoString() override;
+
+    ZoString& operator=(const ZoString& other) noexcept;
+    ZoString& operator=(ZoString&& other) noexcept;
+    /// `text` may point into this string.
+    ZoString& operator=(const char* text) noexcept;
+    template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
+    ZoString& operator=(Number value) noexcept {
+        return *this = ZoString(value);
+    }
+
+    /// Takes exactly `count` bytes, which may lie in this string, and keeps the buffer where it is known to
+    /// be large enough: for a string that is filled again and again.
+    void Assign(const char* bytes, unsigned count) noexcept;
+
+    unsigned length() const noexcept { return static_cast<unsigned>(Size()); }
+    /// Never null.
+    const char* c_str() const noexcept { return buffer != nullptr ? buffer : ""; }
+
+    char& operator[](unsigned pos) {
+        ZO_ASSERT_AT(Holds(pos), "pos < length()", "public/include/ZoPrimitives/ZoString", 514);
+        return buffer[pos];
+    }
+    const char& operator[](unsigned pos) const {
+        ZO_ASSERT_AT(Holds(pos), "pos < length()", "public/include/ZoPrimitives/ZoString", 524);
+        return buffer[pos];
+    }
+
+    /// Blanks, a sign and digits at the start; 0 when there are none; the nearest `int` when out of range.
+    int ToInt() const noexcept;
+    /// As C's `atof` in the C locale (hexadecimal, "inf" and "nan" included); infinite when out of range.
+    double ToDouble() const noexcept;
+
+    // Appending and joining. Without memory the string stays as it was.
+    ZoString& operator+=(const ZoString& text) noexcept { return Append(text.c_str(), text.Size()); }
+    ZoString& operator+=(const char* text) noexcept {
+        return Append(text, text != nullptr ? std::strlen(text) : 0);
+    }
+    template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
+    ZoString& operator+=(Number value) noexcept {
+        return *this += ZoString(value);
+    }
+
+    ZoString operator+(const ZoString& text) const noexcept;
+    ZoString operator+(const char* text) const noexcept;
+    /// A character as itself, a number as the constructors write it.
+    template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
+    ZoString operator+(Number value) const noexcept {
+        return *this + ZoString(value);
+    }
+    friend ZoString operator+(const char* a, const ZoString& b) noexcept { return ZoString(a) += b; }
+
+    // Byte-wise order, bytes unsigned.
+    friend bool operator==(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) == 0; }
+    friend bool operator!=(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) != 0; }
+    friend bool operator<(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) < 0; }
+    friend bool operator<=(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) <= 0; }
+    friend bool operator>(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) > 0; }
+    friend bool operator>=(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) >= 0; }
+    friend bool operator==(const ZoString& a, const char* b) noexcept { return Order(a, b) == 0; }
+    friend bool operator!=(const ZoString& a, const char* b) noexcept { return Order(a, b) != 0; }
+    friend bool operator<(const ZoString& a, const char* b) noexcept { return Order(a, b) < 0; }
+    friend bool operator<=(const ZoString& a, const char* b) noexcept { return Order(a, b) <= 0; }
+    friend bool operator>(const ZoString& a, const char* b) noexcept { return Order(a, b) > 0; }
+    friend bool operator>=(const ZoString& a, const char* b) noexcept { return Order(a, b) >= 0; }
+    friend bool operator==(const char* a, const ZoString& b) noexcept { return Order(b, a) == 0; }
+    friend bool operator!=(const char* a, const ZoString& b) noexcept { return Order(b, a) != 0; }
+    friend bool operator<(const char* a, const ZoString& b) noexcept { return Order(b, a) > 0; }
+    friend bool operator<=(const char* a, const ZoString& b) noexcept { return Order(b, a) >= 0; }
+    friend bool operator>(const char* a, const ZoString& b) noexcept { return Order(b, a) < 0; }
+    friend bool operator>=(const char* a, const ZoString& b) noexcept { return Order(b, a) <= 0; }
+
+    /// False when `other` is not a `ZoString`.
+    bool operator==(const ZoObject& other) const override;
+
+    bool Equal(const ZoString& other, bool caseSensitive) const noexcept;
+    bool Less(const ZoString& other, bool caseSensitive) const noexcept;
+    /// -1, 0 or 1 by an order in which a digit weighs more the more digits follow it: "a9" before "a10".
+    int Compare(const ZoString& other) const noexcept;
+
+    /// Asserts `initPos < length()` unless the string is empty.
+    int find(char c, unsigned initPos = 0) const;
+    /// An empty `text` is found at `initPos`; beyond the end nothing is found.
+    int find(const ZoString& text, unsigned initPos = 0, bool caseSensitive = true) const noexcept;
+    /// The searches that never assert.
+    int hasChar(char c, unsigned initPos = 0) const noexcept;
+    int hasText(const ZoString& text, unsigned initPos = 0) const noexcept;
+    /// Backwards from `initPos`, which is asserted to be below the length unless the string is empty.
+    int rfind(char c, unsigned initPos = NO_POSITION) const;
+    /// Backwards, leaving the last `count` characters out; -1 for a string without other characters than
+    /// spaces.
+    int findLast(char c, unsigned count = 0) const noexcept;
+    /// First position of the last `text` that ends at or before `initPos` (-1: the end). Asserts `initPos <
+    /// length()` unless the string is empty. An empty `text` is found just after `initPos`.
+    int textRFind(const ZoString& text, int initPos = -1, bool caseSensitive = true) const;
+    /// The text before the `count`th `delimiter`, without delimiters, in `out`; no field on the way may be
+    /// empty. Returns the length of the last field, or -1 with an empty `out` (for `count` below 1 too).
+    int findDelimiter(ZoString& out, char delimiter, int count) const noexcept;
+    int FirstNumericChar() const noexcept;
+
+    /// Characters `first` to `last`, both inclusive.
+    ZoString substr(unsigned first, unsigned last = NO_POSITION) const noexcept;
+    /// Empty for the empty string.
+    ZoString LastChar() const noexcept;
+    /// The trims drop spaces only, and leave a string of nothing but spaces as it is.
+    ZoString TrimLeft() const noexcept;
+    ZoString TrimRight() const noexcept;
+    ZoString Trim() const noexcept;
+    ZoString RemoveSpace() const noexcept;
+    ZoString Remove(char c) const noexcept;
+    /// The first, or every, non-overlapping occurrence in one pass; an empty `text` occurs nowhere.
+    ZoString Remove(const ZoString& text, bool all) const noexcept;
+    /// One pass from the left; an empty `find` occurs nowhere. A result that would be empty leaves the string
+    /// as it is.
+    ZoString ReplaceString(const ZoString& find, const ZoString& replace, bool all) const noexcept;
+    ZoString ReplaceLastOccurrence(const ZoString& find, const ZoString& replace) const noexcept;
+    /// Drops the bytes 'A' to 'z', the six marks between 'Z' and 'a' included.
+    ZoString RemoveLetters() const noexcept;
+    ZoString RemoveAccents() const noexcept;
+    /// Drops line feeds at the end.
+    ZoString RemoveTrailingBreaklines() const noexcept;
+
+    // In place, and the result as a copy.
+    ZoString Inverter() noexcept;
+    ZoString ChangeFloatSeparator(char from, char to) noexcept;
+    ZoString ChangeLineTerminator(char from, char to) noexcept;
+    /// Every `c` becomes a space.
+    ZoString ChangeBreakLine(char c) noexcept;
+
+    // In place.
+    /// Word wrap: turns one space in about every `width` characters into a line feed.
+    void AddBreakLines(unsigned width) noexcept;
+    ZoString& Lowercase() noexcept;
+    ZoString& Uppercase() noexcept;
+
+    /// Capitals for the first character and for those after a space, but for the very last. Asserts that `s`
+    /// is not empty.
+    static ZoString FirstCharToUppercase(const ZoString& s);
+    /// Without directory and extension. Without any '.' the whole path is returned; a '.' of the directory
+    /// ends no name.
+    ZoString ExtractFileName() const noexcept;
+    /// What follows the last '.' of the whole path.
+    ZoString GetFileExtension() const noexcept;
+
+    /// `printf` in the C locale; the result is cut to 9,999 bytes and empty when the format is at fault.
+    static ZoString FormatString(const char* format, ...) noexcept ZO_PRINTF(1, 2);
+    /// As above; arguments may be `ZoString`s for "%s".
+    template <class Format, class... Arguments,
+              class = std::enable_if_t<std::is_base_of_v<ZoString, std::decay_t<Format>>>>
+    static ZoString FormatString(const Format& format, const Arguments&... arguments) noexcept {
+        return FormatUnchecked(format.c_str(), Argument(arguments)...);
+    }
+
+    /// Empty, or only spaces.
+    bool IsNull() const noexcept;
+    bool HasNonWhitespaceChar() const noexcept;
+    bool HasNumericChar() const noexcept;
+    /// True for the empty string.
+    bool HasOnlyNumbers() const noexcept;
+    /// An optional minus, digits, and at most one point or comma with digits after it.
+    bool IsNumeric() const noexcept;
+    /// Not empty; digits, at most one point, and a minus at the start only.
+    bool IsValidFloat() const noexcept;
+    /// Whether a character reaches below the base line.
+    bool HasUnderlineChars() const noexcept;
+    /// Whether a character may not stand in a file name.
+    bool HasInvalidNameChars() const noexcept;
+    bool HasInvalidNameChars(const ZoString& set) const noexcept;
+    ZoString RemoveInvalidChars() const noexcept;
+    ZoString RemoveInvalidChars(const ZoString& set) const noexcept;
+    ZoString ReplaceInvalidChars(char with) const noexcept;
+
+private:
+    static const char* InvalidNameChars() noexcept;
+    static bool CharacterInRange(char c, char low, char high) noexcept;
+
+    static int Order(const ZoString& a, const char* b) noexcept {
+        return std::strcmp(a.c_str(), b != nullptr ? b : "");
+    }
+    static ZoString FormatUnchecked(const char* format, ...) noexcept;
+    template <class T>
+    static decltype(auto) Argument(const T& argument) noexcept {
+        if constexpr (std::is_base_of_v<ZoString, T>) {
+            return argument.c_str();
+        } else {
+            static_assert(std::is_scalar_v<std::decay_t<const T&>>,
+                          "FormatString takes numbers, pointers and ZoStrings");
+            return static_cast<std::decay_t<const T&>>(argument);
+        }
+    }
+
+    std::size_t Size() const noexcept { return buffer != nullptr ? std::strlen(buffer) : 0; }
+    bool Holds(unsigned pos) const noexcept {
+        return buffer != nullptr && std::memchr(buffer, 0, std::size_t{pos} + 1) == nullptr;
+    }
+    ZoString& Append(const char* text, std::size_t count) noexcept;
+    void Replace(const char* text, std::size_t count) noexcept;
+    template <class Keep>
+    ZoString Filtered(Keep keep) const noexcept;
+    ZoString Substituted(const ZoString& find, const char* replace, bool all) const noexcept;
+    void Exchange(char from, char to) noexcept;
+
+    char* buffer; // of malloc; null only when moved from or when there is no memory at all
+};
+
+// Other modules construct and read strings directly: table of operations, reference count, buffer.
+static_assert(sizeof(void*) != 8 || sizeof(ZoString) == 24, "the layout of ZoString is exported");
+
+// A number is not compared with a text nor leads one: without these, 0 would be a null `const char*`.
+template <class Text, class Number>
+using ZoNumberBesideText =
+    std::enable_if_t<std::is_same_v<Text, ZoString> && std::is_arithmetic_v<Number>, bool>;
+template <class Text, class Number>
+ZoNumberBesideText<Text, Number> operator==(const Text&, Number) = delete;
+template <class Text, class Number>
+ZoNumberBesideText<Text, Number> operator!=(const Text&, Number) = delete;
+template <class Text, class Number>
+ZoNumberBesideText<Text, Number> operator+(Number, const Text&) = delete;
+
+} // namespace ZoPrimitives

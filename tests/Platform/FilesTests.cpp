@@ -1,0 +1,419 @@
+#include "Platform/Platform.h"
+#include "support/FaultyServices.h"
+#include "support/TemporaryFolder.h"
+
+#include <atomic>
+#include <barrier>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace ZoPrimitives::Platform;
+using testing::ElementsAre;
+using ZoPrimitives::Testing::FaultyServices;
+using ZoPrimitives::Testing::TemporaryFolder;
+
+FileHandle Open(const std::string& path, Access access = Access::ReadWrite, Share share = Share::Read,
+                Creation creation = Creation::OpenExisting) {
+    return Current().OpenFile(path.c_str(), access, share, creation);
+}
+
+FileHandle Create(const std::string& path) {
+    return Open(path, Access::ReadWrite, Share::Read, Creation::CreateAlways);
+}
+
+struct FilesTests : testing::Test {
+    TemporaryFolder folder;
+};
+
+// Each row: the first opening; whether a second one succeeds, in the order of `Openings`.
+struct Mode {
+    const char* name;
+    Access access;
+    Share share;
+};
+constexpr Mode Openings[] = {
+    {"read, alone", Access::Read, Share::None},
+    {"read, among readers", Access::Read, Share::Read},
+    {"read, among all", Access::Read, Share::ReadWrite},
+    {"write, alone", Access::ReadWrite, Share::None},
+    {"write, among readers", Access::ReadWrite, Share::Read},
+    {"write, among all", Access::ReadWrite, Share::ReadWrite},
+};
+constexpr bool Together[6][6] = {
+    {false, false, false, false, false, false}, // read, alone
+    {false, true, true, false, false, false},   // read, among readers
+    {false, true, true, false, true, true},     // read, among all
+    {false, false, false, false, false, false}, // write, alone
+    {false, false, true, false, false, false},  // write, among readers
+    {false, false, true, false, false, true},   // write, among all
+};
+
+TEST_F(FilesTests, SharingIsAMatrixWithinOneProcess) {
+    folder.Write("f", "data");
+    for (int i = 0; i < 6; ++i) {
+        for (int k = 0; k < 6; ++k) {
+            SCOPED_TRACE(std::string(Openings[i].name) + " / " + Openings[k].name);
+            const FileHandle first = Open(folder.Path("f"), Openings[i].access, Openings[i].share);
+            ASSERT_NE(first, nullptr);
+            const FileHandle second = Open(folder.Path("f"), Openings[k].access, Openings[k].share);
+            EXPECT_EQ(second != nullptr, Together[i][k]);
+            if (second == nullptr)
+                EXPECT_EQ(LastError(), ErrorSharingViolation);
+            else
+                Current().CloseFile(second);
+            Current().CloseFile(first);
+        }
+    }
+}
+
+TEST_F(FilesTests, EveryEarlierOpeningCounts) {
+    folder.Write("f", "data");
+    const FileHandle reader = Open(folder.Path("f"), Access::Read, Share::ReadWrite);
+    const FileHandle denier = Open(folder.Path("f"), Access::Read, Share::Read);
+    EXPECT_EQ(Open(folder.Path("f"), Access::ReadWrite, Share::ReadWrite), nullptr);
+    Current().CloseFile(denier);
+    const FileHandle writer = Open(folder.Path("f"), Access::ReadWrite, Share::ReadWrite);
+    EXPECT_NE(writer, nullptr);
+    Current().CloseFile(writer);
+    Current().CloseFile(reader);
+}
+
+TEST_F(FilesTests, ARefusedCreationLeavesTheContent) {
+    folder.Write("f", "precious");
+    const FileHandle reader = Open(folder.Path("f"), Access::Read, Share::Read);
+    EXPECT_EQ(Create(folder.Path("f")), nullptr);
+    EXPECT_EQ(LastError(), ErrorSharingViolation);
+    Current().CloseFile(reader);
+    EXPECT_EQ(folder.Read("f"), "precious");
+    // Creating writes, whatever access it asks for.
+    const FileHandle writer = Open(folder.Path("f"), Access::ReadWrite, Share::Read);
+    EXPECT_EQ(Open(folder.Path("f"), Access::Read, Share::ReadWrite, Creation::CreateAlways), nullptr);
+    Current().CloseFile(writer);
+    EXPECT_EQ(folder.Read("f"), "precious");
+}
+
+TEST_F(FilesTests, OpeningsTellWhyTheyFail) {
+    folder.Write("file", "");
+    folder.Write("readonly", "old");
+    folder.MakeReadOnly("readonly");
+    const struct {
+        const char* name;
+        std::string path;
+        Access access;
+        Creation creation;
+        unsigned long error;
+    } rows[] = {
+        {"no such file", folder.Path("none"), Access::ReadWrite, Creation::OpenExisting, ErrorFileNotFound},
+        {"no such folder", folder.Path("none/file"), Access::ReadWrite, Creation::OpenExisting,
+         ErrorPathNotFound},
+        {"create in no such folder", folder.Path("none/file"), Access::ReadWrite, Creation::CreateAlways,
+         ErrorPathNotFound},
+        {"no name", "", Access::Read, Creation::OpenExisting, ErrorPathNotFound},
+        {"a folder", folder.Path(), Access::Read, Creation::OpenExisting, ErrorAccessDenied},
+        {"create over a folder", folder.Path(), Access::ReadWrite, Creation::CreateAlways, ErrorAccessDenied},
+        {"write a read-only file", folder.Path("readonly"), Access::ReadWrite, Creation::OpenExisting,
+         ErrorAccessDenied},
+        {"create over a read-only file", folder.Path("readonly"), Access::ReadWrite, Creation::CreateAlways,
+         ErrorAccessDenied},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        SetLastError(ErrorNone);
+        EXPECT_EQ(Open(row.path, row.access, Share::ReadWrite, row.creation), nullptr);
+        EXPECT_EQ(LastError(), row.error);
+    }
+    EXPECT_EQ(folder.Read("readonly"), "old");
+    EXPECT_THAT(folder.Names(), ElementsAre("file", "readonly"));
+
+    const FileHandle reader = Open(folder.Path("readonly"), Access::Read, Share::ReadWrite);
+    EXPECT_NE(reader, nullptr);
+    EXPECT_FALSE(Current().WriteFile(reader, "x", 1));
+    Current().CloseFile(reader);
+}
+
+TEST_F(FilesTests, NoHandleIsAnInvalidHandle) {
+    char byte = 0;
+    std::size_t done = 0;
+    unsigned long long number = 0;
+    const std::pair<const char*, std::function<bool()>> rows[] = {
+        {"close", [&] { return Current().CloseFile(nullptr); }},
+        {"read", [&] { return Current().ReadFile(nullptr, &byte, 1, done); }},
+        {"write", [&] { return Current().WriteFile(nullptr, &byte, 1); }},
+        {"seek", [&] { return Current().SeekFile(nullptr, 0, Origin::Begin, number); }},
+        {"size", [&] { return Current().FileSize(nullptr, number); }},
+        {"synchronise", [&] { return Current().SynchroniseFile(nullptr); }},
+    };
+    for (const auto& [name, operation] : rows) {
+        SetLastError(ErrorNone);
+        EXPECT_FALSE(operation()) << name;
+        EXPECT_EQ(LastError(), ErrorInvalidHandle) << name;
+    }
+}
+
+TEST_F(FilesTests, WritesSeeksAndReadsBeyondFourGigabytes) {
+    constexpr unsigned long long Far = 5'000'000'000;
+    const FileHandle file = Create(folder.Path("big"));
+    unsigned long long number = 0;
+    ASSERT_TRUE(Current().SeekFile(file, static_cast<long long>(Far), Origin::Begin, number));
+    EXPECT_EQ(number, Far);
+    ASSERT_TRUE(Current().WriteFile(file, "end", 3));
+    ASSERT_TRUE(Current().FileSize(file, number));
+    EXPECT_EQ(number, Far + 3);
+    ASSERT_TRUE(Current().SeekFile(file, -5, Origin::End, number));
+    EXPECT_EQ(number, Far - 2);
+
+    char text[8] = "zzzzzzz";
+    std::size_t done = 0;
+    EXPECT_TRUE(Current().ReadFile(file, text, 8, done));
+    EXPECT_EQ(std::string(text, done), std::string("\0\0end", 5));
+    EXPECT_TRUE(Current().ReadFile(file, text, 8, done));
+    EXPECT_EQ(done, 0U);
+
+    EXPECT_TRUE(Current().SeekFile(file, -1, Origin::Current, number));
+    EXPECT_EQ(number, Far + 2);
+    EXPECT_FALSE(Current().SeekFile(file, -1, Origin::Begin, number));
+    EXPECT_EQ(LastError(), ErrorNegativeSeek);
+    EXPECT_TRUE(Current().SynchroniseFile(file));
+    EXPECT_TRUE(Current().CloseFile(file));
+}
+
+TEST_F(FilesTests, CreatingEmptiesAnExistingFile) {
+    folder.Write("f", "a long text");
+    const FileHandle file = Create(folder.Path("f"));
+    EXPECT_TRUE(Current().WriteFile(file, "new", 3));
+    EXPECT_TRUE(Current().CloseFile(file));
+    EXPECT_EQ(folder.Read("f"), "new");
+}
+
+TEST_F(FilesTests, TellsWhetherAFileExistsAndForbidsWriting) {
+    folder.Write("file", "");
+    folder.Write("readonly", "");
+    folder.MakeReadOnly("readonly");
+    const struct {
+        const char* name;
+        bool exists, readOnly;
+    } rows[] = {{"file", true, false}, {"readonly", true, true}, {"none", false, false}, {"", false, false}};
+    for (const auto& row : rows) {
+        bool readOnly = !row.readOnly;
+        EXPECT_EQ(Current().FileExists(folder.Path(row.name).c_str(), &readOnly), row.exists) << row.name;
+        EXPECT_EQ(readOnly, row.readOnly) << row.name;
+        EXPECT_EQ(Current().FileExists(folder.Path(row.name).c_str(), nullptr), row.exists) << row.name;
+    }
+    EXPECT_FALSE(Current().FileExists(nullptr, nullptr));
+}
+
+TEST_F(FilesTests, CopiesOverAnExistingFileKeepingItsLinks) {
+    const std::string large(3'000'001, 'x');
+    for (const std::string& content : {std::string("new"), std::string(), large}) {
+        folder.Write("source", content);
+        folder.Write("target", "the old content");
+        std::filesystem::remove(folder.Path("link"));
+        std::filesystem::create_hard_link(folder.Path("target"), folder.Path("link"));
+        ASSERT_TRUE(Current().CopyWholeFile(folder.Path("source").c_str(), folder.Path("target").c_str()));
+        EXPECT_EQ(folder.Read("target"), content);
+        EXPECT_EQ(folder.Read("link"), content);
+        EXPECT_EQ(folder.Read("source"), content);
+        EXPECT_EQ(std::filesystem::last_write_time(folder.Path("target")),
+                  std::filesystem::last_write_time(folder.Path("source")));
+    }
+    EXPECT_TRUE(Current().CopyWholeFile(folder.Path("source").c_str(), folder.Path("fresh").c_str()));
+    EXPECT_EQ(folder.Read("fresh"), large);
+}
+
+TEST_F(FilesTests, RefusedCopiesLeaveTheTarget) {
+    folder.Write("source", "new");
+    folder.Write("target", "old");
+    folder.Write("readonly", "old");
+    folder.MakeReadOnly("readonly");
+    const struct {
+        const char* name;
+        const char *from, *to;
+        unsigned long error;
+    } rows[] = {
+        {"no source", "none", "target", ErrorFileNotFound},
+        {"no source, no target", "none", "fresh", ErrorFileNotFound},
+        {"no folder", "source", "none/fresh", ErrorPathNotFound},
+        {"onto a folder", "source", "", ErrorAccessDenied},
+        {"from a folder", "", "target", ErrorAccessDenied},
+        {"onto a read-only file", "source", "readonly", ErrorAccessDenied},
+        {"onto itself", "target", "target", ErrorSharingViolation},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_FALSE(Current().CopyWholeFile(folder.Path(row.from).c_str(), folder.Path(row.to).c_str()));
+        EXPECT_EQ(LastError(), row.error);
+    }
+    EXPECT_EQ(folder.Read("target"), "old");
+    EXPECT_EQ(folder.Read("readonly"), "old");
+    EXPECT_THAT(folder.Names(), ElementsAre("readonly", "source", "target"));
+}
+
+TEST_F(FilesTests, CopiesRespectWhatOthersHaveOpen) {
+    const struct {
+        const char* name;
+        const char* held;
+        Access access;
+        Share share;
+        bool copies;
+    } rows[] = {
+        {"target read among all", "target", Access::Read, Share::ReadWrite, true},
+        {"target read among readers", "target", Access::Read, Share::Read, false},
+        {"target written among readers", "target", Access::ReadWrite, Share::Read, false},
+        {"source written among readers", "source", Access::ReadWrite, Share::Read, true},
+        {"source read alone", "source", Access::Read, Share::None, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        folder.Write("source", "new");
+        folder.Write("target", "old");
+        const FileHandle holder = Open(folder.Path(row.held), row.access, row.share);
+        const bool copied =
+            Current().CopyWholeFile(folder.Path("source").c_str(), folder.Path("target").c_str());
+        const unsigned long error = LastError();
+        Current().CloseFile(holder);
+        EXPECT_EQ(copied, row.copies);
+        EXPECT_TRUE(copied || error == ErrorSharingViolation) << error;
+        EXPECT_EQ(folder.Read("target"), row.copies ? "new" : "old");
+    }
+}
+
+TEST_F(FilesTests, DeletesWhatIsFreeAndWritable) {
+    folder.Write("file", "");
+    folder.Write("open", "");
+    folder.Write("readonly", "");
+    folder.MakeReadOnly("readonly");
+    const FileHandle holder = Open(folder.Path("open"), Access::Read, Share::ReadWrite);
+    const struct {
+        const char* name;
+        bool deleted;
+        unsigned long error;
+    } rows[] = {
+        {"file", true, 0},
+        {"file", false, ErrorFileNotFound},
+        {"none/file", false, ErrorPathNotFound},
+        {"open", false, ErrorSharingViolation},
+        {"readonly", false, ErrorAccessDenied},
+        {"", false, ErrorAccessDenied},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(Current().DeleteWholeFile(folder.Path(row.name).c_str()), row.deleted);
+        EXPECT_TRUE(row.deleted || LastError() == row.error) << LastError();
+    }
+    Current().CloseFile(holder);
+    EXPECT_TRUE(Current().DeleteWholeFile(folder.Path("open").c_str()));
+    EXPECT_THAT(folder.Names(), ElementsAre("readonly"));
+}
+
+TEST_F(FilesTests, TemporaryNamesAreFreshFilesBesideTheTarget) {
+    folder.Write("plan.zo", "old");
+    folder.MakeReadOnly("plan.zo");
+    std::vector<std::string> names;
+    for (const char* target : {"plan.zo", "plan.zo", "new.zo"}) {
+        const std::string name = Current().TemporaryFileName(folder.Path(target).c_str());
+        ASSERT_FALSE(name.empty());
+        const FileHandle file = Create(name);
+        EXPECT_NE(file, nullptr) << target;
+        Current().CloseFile(file);
+        names.push_back(std::filesystem::path(name).filename().string());
+        EXPECT_TRUE(folder.Has(names.back()));
+        EXPECT_THAT(names.back(), testing::AllOf(testing::StartsWith("~zo"), testing::EndsWith(".tmp")));
+    }
+    EXPECT_NE(names[0], names[1]);
+
+    EXPECT_EQ(Current().TemporaryFileName(folder.Path("none/plan.zo").c_str()), "");
+    EXPECT_EQ(LastError(), ErrorPathNotFound);
+    EXPECT_EQ(Current().TemporaryFileName(""), "");
+}
+
+TEST_F(FilesTests, TheLastErrorIsTheThreadsOwn) {
+    SetLastError(ErrorDiskFull);
+    std::thread([] {
+        EXPECT_EQ(LastError(), ErrorNone);
+        SetLastError(ErrorAccessDenied);
+    }).join();
+    EXPECT_EQ(LastError(), ErrorDiskFull);
+}
+
+TEST_F(FilesTests, OfRivalsThatOpenAtOnceExactlyOneWins) {
+    constexpr int Rivals = 6, Rounds = 40;
+    folder.Write("f", "");
+    for (const Mode& mode : {Openings[0], Openings[3], Openings[4]}) {
+        std::atomic<int> winners = 0, strangers = 0;
+        std::barrier ready(Rivals), held(Rivals);
+        std::vector<std::thread> threads;
+        for (int i = 0; i < Rivals; ++i) {
+            threads.emplace_back([&] {
+                for (int round = 0; round < Rounds; ++round) {
+                    ready.arrive_and_wait();
+                    const FileHandle file = Open(folder.Path("f"), mode.access, mode.share);
+                    if (file != nullptr)
+                        ++winners;
+                    else if (LastError() != ErrorSharingViolation)
+                        ++strangers;
+                    held.arrive_and_wait();
+                    if (file != nullptr) Current().CloseFile(file);
+                }
+            });
+        }
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_EQ(winners, Rounds) << mode.name;
+        EXPECT_EQ(strangers, 0) << mode.name;
+    }
+}
+
+TEST_F(FilesTests, AFileThatIsOpenIsNeverDeletedUnderItsUser) {
+    std::atomic<bool> done = false;
+    std::thread deleter([&] {
+        while (!done) Current().DeleteWholeFile(folder.Path("f").c_str());
+    });
+    int opened = 0;
+    for (int round = 0; round < 500; ++round) {
+        const FileHandle file = Create(folder.Path("f"));
+        if (file == nullptr) continue;
+        ++opened;
+        EXPECT_TRUE(folder.Has("f"));
+        Current().CloseFile(file);
+    }
+    done = true;
+    deleter.join();
+    EXPECT_GT(opened, 0);
+}
+
+TEST_F(FilesTests, FailuresComeOnOrderAndCallsAreRecorded) {
+    folder.Write("plan.zo", "12345678");
+    {
+        FaultyServices services;
+        services.network = true;
+        services.Fail("WriteFile", 2, ErrorDiskFull, FaultyServices::Half);
+        services.Fail("CopyWholeFile", 0, ErrorDevice, FaultyServices::Half);
+        EXPECT_TRUE(Current().NetworkFile(folder.Path("plan.zo").c_str()));
+        const std::string temporary = Current().TemporaryFileName(folder.Path("plan.zo").c_str());
+        const FileHandle file = Create(temporary);
+        EXPECT_TRUE(Current().WriteFile(file, "abcd", 4));
+        EXPECT_FALSE(Current().WriteFile(file, "efgh", 4));
+        EXPECT_EQ(LastError(), ErrorDiskFull);
+        EXPECT_TRUE(Current().WriteFile(file, "ij", 2));
+        EXPECT_EQ(services.OpenHandles(), 1U);
+        EXPECT_TRUE(Current().CloseFile(file));
+        EXPECT_EQ(folder.Read(std::filesystem::path(temporary).filename().string()), "abcdefij");
+        EXPECT_FALSE(Current().CopyWholeFile(folder.Path("plan.zo").c_str(), temporary.c_str()));
+        EXPECT_EQ(LastError(), ErrorDevice);
+        EXPECT_EQ(folder.Read(std::filesystem::path(temporary).filename().string()), "1234");
+        EXPECT_TRUE(Current().DeleteWholeFile(temporary.c_str()));
+        EXPECT_THAT(services.Calls(),
+                    ElementsAre("NetworkFile plan.zo", "TemporaryFileName plan.zo", "OpenFile <temporary>",
+                                "WriteFile <temporary>", "WriteFile <temporary>", "WriteFile <temporary>",
+                                "CloseFile <temporary>", "CopyWholeFile plan.zo <temporary>",
+                                "DeleteWholeFile <temporary>"));
+        EXPECT_THAT(services.Steps(),
+                    ElementsAre("CopyWholeFile plan.zo <temporary>", "DeleteWholeFile <temporary>"));
+    }
+    EXPECT_TRUE(Current().CopyWholeFile(folder.Path("plan.zo").c_str(), folder.Path("other").c_str()));
+}
+
+} // namespace

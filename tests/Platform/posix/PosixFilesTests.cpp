@@ -1,0 +1,376 @@
+#include "Platform/Platform.h"
+#include "Platform/posix/Files.h"
+#include "support/TemporaryFolder.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <gmock/gmock.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace ZoPrimitives::Platform;
+using testing::ElementsAre;
+using ZoPrimitives::Testing::TemporaryFolder;
+
+FileHandle Open(const std::string& path, Access access, Share share,
+                Creation creation = Creation::OpenExisting) {
+    return Current().OpenFile(path.c_str(), access, share, creation);
+}
+
+// Another process that runs `body`; its result is its exit code.
+class Child {
+public:
+    explicit Child(const std::function<int()>& body) : process(fork()) {
+        if (process != 0) return;
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        try {
+            _exit(body());
+        } catch (...) {
+            _exit(99);
+        }
+    }
+    int Wait() const {
+        int status = 0;
+        waitpid(process, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    void Kill() const {
+        kill(process, SIGKILL);
+        Wait();
+    }
+
+private:
+    pid_t process;
+};
+
+int Idle() {
+    for (;;) pause();
+}
+
+// What another process gets: 0, or its last error.
+int OpenElsewhere(const std::string& path, Access access, Share share) {
+    return Child([&] { return Open(path, access, share) != nullptr ? 0 : static_cast<int>(LastError()); })
+        .Wait();
+}
+
+// Blocks the reader until the writer closes or writes.
+struct Signal {
+    Signal() { EXPECT_EQ(pipe(ends), 0); }
+    ~Signal() {
+        close(ends[0]);
+        close(ends[1]);
+    }
+    void Give() const { EXPECT_EQ(write(ends[1], "x", 1), 1); }
+    void Await() const {
+        char byte;
+        EXPECT_EQ(read(ends[0], &byte, 1), 1);
+    }
+    int ends[2];
+};
+
+mode_t Permissions(const std::string& path) {
+    struct stat status = {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+struct PosixFilesTests : testing::Test {
+    PosixFilesTests() { folder.Write("f", "data"); }
+    TemporaryFolder folder;
+};
+
+TEST_F(PosixFilesTests, SharingHoldsBetweenProcesses) {
+    const struct {
+        const char* name;
+        Access access;
+        Share share;
+        Access otherAccess;
+        Share otherShare;
+        int error;
+    } rows[] = {
+        {"two writers", Access::ReadWrite, Share::Read, Access::ReadWrite, Share::Read, 32},
+        {"writer, then reader of an open model", Access::ReadWrite, Share::Read, Access::Read,
+         Share::ReadWrite, 0},
+        {"writer, then reader that denies writing", Access::ReadWrite, Share::Read, Access::Read, Share::Read,
+         32},
+        {"readers", Access::Read, Share::Read, Access::Read, Share::Read, 0},
+        {"reader alone, then reader", Access::Read, Share::None, Access::Read, Share::ReadWrite, 32},
+        {"reader, then reader alone", Access::Read, Share::ReadWrite, Access::Read, Share::None, 32},
+        {"all share", Access::ReadWrite, Share::ReadWrite, Access::ReadWrite, Share::ReadWrite, 0},
+    };
+    for (const auto& row : rows) {
+        const FileHandle file = Open(folder.Path("f"), row.access, row.share);
+        ASSERT_NE(file, nullptr) << row.name;
+        EXPECT_EQ(OpenElsewhere(folder.Path("f"), row.otherAccess, row.otherShare), row.error) << row.name;
+        Current().CloseFile(file);
+    }
+}
+
+TEST_F(PosixFilesTests, AClaimGoesWithItsProcess) {
+    const Signal opened;
+    const Child child([&] {
+        if (Open(folder.Path("f"), Access::ReadWrite, Share::None) != nullptr) opened.Give();
+        return Idle();
+    });
+    opened.Await();
+    EXPECT_EQ(Open(folder.Path("f"), Access::Read, Share::ReadWrite), nullptr);
+    child.Kill();
+    const FileHandle file = Open(folder.Path("f"), Access::Read, Share::ReadWrite);
+    EXPECT_NE(file, nullptr);
+    Current().CloseFile(file);
+}
+
+TEST_F(PosixFilesTests, AChildNeitherKeepsNorReleasesWhatItsParentOpened) {
+    const FileHandle file = Open(folder.Path("f"), Access::ReadWrite, Share::None);
+    EXPECT_EQ(Child([&] { return Current().CloseFile(file) ? 0 : 1; }).Wait(), 0);
+    EXPECT_EQ(OpenElsewhere(folder.Path("f"), Access::Read, Share::ReadWrite), 32);
+
+    const Child holder(Idle);
+    Current().CloseFile(file);
+    EXPECT_EQ(OpenElsewhere(folder.Path("f"), Access::ReadWrite, Share::None), 0);
+    holder.Kill();
+}
+
+TEST_F(PosixFilesTests, OpeningAloneExcludesOtherProcesses) {
+    constexpr int Processes = 4, Rounds = 100;
+    folder.Write("counter", std::string(sizeof(int), '\0'));
+    chmod(folder.Path("f").c_str(), 0444); // descriptors for reading exclude each other too
+    std::vector<Child> children;
+    for (int i = 0; i < Processes; ++i) {
+        children.emplace_back([&] {
+            const int counter = open(folder.Path("counter").c_str(), O_RDWR);
+            for (int round = 0; round < Rounds; ++round) {
+                FileHandle file = nullptr;
+                while ((file = Open(folder.Path("f"), Access::Read, Share::None)) == nullptr) sched_yield();
+                int value = 0;
+                if (pread(counter, &value, sizeof value, 0) != sizeof value) return 1;
+                ++value;
+                sched_yield();
+                if (pwrite(counter, &value, sizeof value, 0) != sizeof value) return 1;
+                Current().CloseFile(file);
+            }
+            return 0;
+        });
+    }
+    for (const Child& child : children) EXPECT_EQ(child.Wait(), 0);
+    int value = 0;
+    folder.Read("counter").copy(reinterpret_cast<char*>(&value), sizeof value);
+    EXPECT_EQ(value, Processes * Rounds);
+}
+
+TEST_F(PosixFilesTests, AFullDeviceIsAFullDisk) {
+    const FileHandle full = Open("/dev/full", Access::ReadWrite, Share::Read, Creation::CreateAlways);
+    ASSERT_NE(full, nullptr);
+    const FileHandle again = Open("/dev/full", Access::ReadWrite, Share::None, Creation::CreateAlways);
+    EXPECT_NE(again, nullptr); // devices are not locked
+    Current().CloseFile(again);
+    EXPECT_FALSE(Current().WriteFile(full, "x", 1));
+    EXPECT_EQ(LastError(), ErrorDiskFull);
+    EXPECT_TRUE(Current().SynchroniseFile(full));
+    unsigned long long size = 0;
+    EXPECT_FALSE(Current().FileSize(full, size));
+    EXPECT_TRUE(Current().CloseFile(full));
+
+    EXPECT_FALSE(Current().CopyWholeFile(folder.Path("f").c_str(), "/dev/full"));
+    EXPECT_EQ(LastError(), ErrorDiskFull);
+}
+
+TEST_F(PosixFilesTests, OddPathsTellWhyTheyFail) {
+    std::filesystem::create_symlink("loop", folder.Path("loop"));
+    ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0666), 0);
+    const struct {
+        const char* name;
+        std::string path;
+        unsigned long error;
+    } rows[] = {
+        {"a file as a folder", folder.Path("f/x"), ErrorPathNotFound},
+        {"a link to itself", folder.Path("loop"), ErrorUnresolvedLink},
+        {"a name too long", folder.Path(std::string(300, 'n')), ErrorFilenameTooLong},
+        {"a pipe without another end", folder.Path("pipe"), ErrorAccessDenied},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Open(row.path, Access::Read, Share::ReadWrite), nullptr) << row.name;
+        EXPECT_EQ(LastError(), row.error) << row.name;
+    }
+}
+
+TEST_F(PosixFilesTests, RunningOutOfDescriptorsIsTooManyOpenFiles) {
+    const auto crowded = [path = folder.Path("f")] {
+        Current().CloseFile(
+            Open(path, Access::Read, Share::Read)); // sanitizers look at an object's type once
+        const rlimit limit{3, 3};
+        if (setrlimit(RLIMIT_NOFILE, &limit) != 0) return -1;
+        return Open(path, Access::Read, Share::Read) == nullptr ? static_cast<int>(LastError()) : 0;
+    };
+    EXPECT_EQ(Child(crowded).Wait(), 4);
+}
+
+TEST_F(PosixFilesTests, TheNumberOfStandardInputIsNoHandle) {
+    const Child child([&] {
+        close(STDIN_FILENO);
+        return Open(folder.Path("f"), Access::Read, Share::Read) != nullptr ? 0 : 1;
+    });
+    EXPECT_EQ(child.Wait(), 0);
+}
+
+TEST_F(PosixFilesTests, ACopyThatFailsLeavesNoNewFile) {
+    folder.Write("large", std::string(100'000, 'x'));
+    const Child child([&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{50'000, 50'000};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        return Current().CopyWholeFile(folder.Path("large").c_str(), folder.Path("new").c_str())
+                   ? 0
+                   : static_cast<int>(LastError());
+    });
+    EXPECT_EQ(child.Wait(), 112);
+    EXPECT_THAT(folder.Names(), ElementsAre("f", "large"));
+}
+
+// Lets this process mount for itself alone.
+bool MayMount() {
+    const auto map = [](const char* file, unsigned id) { std::ofstream(file) << "0 " << id << " 1"; };
+    const unsigned user = geteuid(), group = getegid();
+    if (unshare(CLONE_NEWNS | (user == 0 ? 0 : CLONE_NEWUSER)) != 0) return false;
+    if (user != 0) {
+        std::ofstream("/proc/self/setgroups") << "deny";
+        map("/proc/self/uid_map", user);
+        map("/proc/self/gid_map", group);
+    }
+    return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+// Runs `body` in a process that sees a file system of 64 KiB on the folder "small". 77: not allowed here.
+int OnSmallDisk(const TemporaryFolder& folder, const std::function<int()>& body) {
+    const std::string small = folder.Path("small");
+    std::filesystem::create_directory(small);
+    return Child([&] {
+               if (!MayMount() || mount("tmpfs", small.c_str(), "tmpfs", 0, "size=64k") != 0) return 77;
+               return body();
+           })
+        .Wait();
+}
+
+TEST_F(PosixFilesTests, ACopyWithoutRoomLeavesTheTargetAndItsRoom) {
+    folder.Write("large", std::string(100'000, 'x'));
+    folder.Write("fits", std::string(50'000, 'y'));
+    const int result = OnSmallDisk(folder, [&] {
+        folder.Write("small/target", "old");
+        const std::string target = folder.Path("small/target");
+        if (Current().CopyWholeFile(folder.Path("large").c_str(), target.c_str())) return 1;
+        if (LastError() != ErrorDiskFull) return 2;
+        if (folder.Read("small/target") != "old") return 3;
+        if (!Current().CopyWholeFile(folder.Path("fits").c_str(), folder.Path("small/other").c_str()))
+            return 4;
+        if (folder.Read("small/other") != folder.Read("fits")) return 5;
+        if (Current().CopyWholeFile(folder.Path("large").c_str(), folder.Path("small/new").c_str())) return 6;
+        return folder.Has("small/new") ? 7 : 0;
+    });
+    if (result == 77) GTEST_SKIP() << "may not mount";
+    EXPECT_EQ(result, 0);
+}
+
+TEST_F(PosixFilesTests, AReadOnlyDiskForbidsWriting) {
+    const int result = OnSmallDisk(folder, [&] {
+        folder.Write("small/file", "old");
+        const std::string small = folder.Path("small"), file = folder.Path("small/file");
+        if (mount(nullptr, small.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0) return 77;
+        bool readOnly = false;
+        if (!Current().FileExists(file.c_str(), &readOnly) || !readOnly) return 1;
+        if (Open(file, Access::ReadWrite, Share::Read) != nullptr || LastError() != ErrorWriteProtect)
+            return 2;
+        if (Current().DeleteWholeFile(file.c_str()) || LastError() != ErrorWriteProtect) return 3;
+        if (!Current().TemporaryFileName(file.c_str()).empty() || LastError() != ErrorWriteProtect) return 4;
+        return Open(file, Access::Read, Share::ReadWrite) != nullptr ? 0 : 5;
+    });
+    if (result == 77) GTEST_SKIP() << "may not mount";
+    EXPECT_EQ(result, 0);
+}
+
+TEST_F(PosixFilesTests, InterruptedCallsGoOn) {
+    struct sigaction action = {}, previous = {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGALRM, &action, &previous);
+    const itimerval often{{0, 300}, {0, 300}}, never{};
+
+    const Signal pipe;
+    std::string sent(2'000'000, '\0'), received(sent.size(), '\0');
+    for (std::size_t i = 0; i < sent.size(); ++i) sent[i] = static_cast<char>(i * 7 / 3);
+    // The handle is the descriptor. The slow reader keeps the writer waiting, where signals find it.
+    std::thread reader([&] {
+        for (std::size_t at = 0; at < received.size();) {
+            const ssize_t count = read(pipe.ends[0], &received[at], 100);
+            if (count > 0) at += static_cast<std::size_t>(count);
+        }
+    });
+    setitimer(ITIMER_REAL, &often, nullptr);
+    const auto handle = reinterpret_cast<FileHandle>(static_cast<std::intptr_t>(pipe.ends[1]));
+    EXPECT_TRUE(Current().WriteFile(handle, sent.data(), sent.size()));
+    reader.join();
+    setitimer(ITIMER_REAL, &never, nullptr);
+    sigaction(SIGALRM, &previous, nullptr);
+    EXPECT_TRUE(sent == received);
+}
+
+TEST_F(PosixFilesTests, LinksAreFollowedButDeletedThemselves) {
+    std::filesystem::create_symlink("f", folder.Path("link"));
+    const FileHandle file = Open(folder.Path("link"), Access::ReadWrite, Share::Read, Creation::CreateAlways);
+    EXPECT_EQ(Open(folder.Path("f"), Access::ReadWrite, Share::Read), nullptr);
+    EXPECT_TRUE(Current().WriteFile(file, "through", 7));
+    Current().CloseFile(file);
+    EXPECT_EQ(folder.Read("f"), "through");
+
+    folder.Write("source", "copied");
+    EXPECT_TRUE(Current().CopyWholeFile(folder.Path("source").c_str(), folder.Path("link").c_str()));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link")));
+    EXPECT_EQ(folder.Read("f"), "copied");
+
+    EXPECT_TRUE(Current().DeleteWholeFile(folder.Path("link").c_str()));
+    EXPECT_THAT(folder.Names(), ElementsAre("f", "source"));
+}
+
+TEST_F(PosixFilesTests, PermissionsAreNeverWidened) {
+    const mode_t previous = umask(022);
+    chmod(folder.Path("f").c_str(), 0600);
+    EXPECT_EQ(Permissions(Current().TemporaryFileName(folder.Path("f").c_str())), 0600U);
+    EXPECT_EQ(Permissions(Current().TemporaryFileName(folder.Path("new").c_str())), 0644U);
+
+    EXPECT_TRUE(Current().CopyWholeFile(folder.Path("f").c_str(), folder.Path("copy").c_str()));
+    EXPECT_EQ(Permissions(folder.Path("copy")), 0600U);
+    chmod(folder.Path("f").c_str(), 0664); // the copy of a group's file stays the group's
+    EXPECT_TRUE(Current().CopyWholeFile(folder.Path("f").c_str(), folder.Path("shared").c_str()));
+    EXPECT_EQ(Permissions(folder.Path("shared")), 0664U);
+    EXPECT_TRUE(Current().CopyWholeFile(folder.Path("f").c_str(), folder.Path("copy").c_str()));
+    EXPECT_EQ(Permissions(folder.Path("copy")), 0600U); // an existing target keeps its own
+    umask(previous);
+}
+
+TEST_F(PosixFilesTests, KnowsTheFileSystemsOfOtherMachines) {
+    const struct {
+        const char* name;
+        std::uint32_t type;
+        bool network;
+    } rows[] = {
+        {"nfs", 0x6969, true},       {"cifs", 0xFF534D42, true},   {"smb2", 0xFE534D42, true},
+        {"9p", 0x01021997, true},    {"ext4", 0xEF53, false},      {"tmpfs", 0x01021994, false},
+        {"fuse", 0x65735546, false}, {"btrfs", 0x9123683E, false},
+    };
+    for (const auto& row : rows) EXPECT_EQ(NetworkFileSystem(row.type), row.network) << row.name;
+    EXPECT_FALSE(Current().NetworkFile("/proc/none"));
+    EXPECT_FALSE(Current().NetworkFile("/none/none"));
+}
+
+} // namespace

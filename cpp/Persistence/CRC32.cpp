@@ -2,9 +2,10 @@
 
 #include "Persistence/Crc32Kernel.h"
 #include "Platform/Platform.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/XStream.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -12,10 +13,11 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr std::size_t blockSize = 256 * 1024;
+constexpr std::size_t largestBlock = 256 * 1024;
 
 [[noreturn]] void ThrowUnreadable() {
-    throw XReadStream("The file cannot be read", "CRC32::generateCRCFromFile");
+    throw XReadStream(TTranslatedString("Não foi possível ler o arquivo"_ansi).Text(),
+                      "CRC32::generateCRCFromFile");
 }
 
 class InputFile {
@@ -51,15 +53,16 @@ void CRC32::update(const unsigned char* data, unsigned size) noexcept {
 }
 
 std::uint32_t CRC32::generateCRCFromFile(const std::string& path) {
-    unsigned long long left = getFileSize(path);
+    const unsigned long long size = getFileSize(path);
     InputFile file(path);
-    std::vector<unsigned char> block(
-        static_cast<std::size_t>(std::min<unsigned long long>(left + 1, blockSize)));
+    std::vector<unsigned char> block(size < largestBlock ? static_cast<std::size_t>(size) + 1 : largestBlock);
     std::uint32_t sum = 0xFFFFFFFF;
-    for (std::size_t done; (done = file.Read(block.data(), block.size())) > 0;
-         left -= std::min<unsigned long long>(left, done))
-        sum = Crc32Update(sum, block.data(), done);
-    if (left > 0) ThrowUnreadable();
+    unsigned long long done = 0;
+    while (const std::size_t read = file.Read(block.data(), block.size())) {
+        sum = Crc32Update(sum, block.data(), read);
+        done += read;
+    }
+    if (done < size) ThrowUnreadable();
     reg = sum;
     return getUint32Value();
 }

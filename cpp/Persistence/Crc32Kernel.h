@@ -10,8 +10,10 @@ struct Crc32Kernels {
     using Kernel = std::uint32_t (*)(std::uint32_t reg, const unsigned char* data, std::size_t size) noexcept;
 
     static std::uint32_t Tables(std::uint32_t reg, const unsigned char* data, std::size_t size) noexcept;
-    /// Null where the processor lacks carry-less multiplication.
+    /// By carry-less multiplication of 16 bytes at a time; null where the processor has none.
     static Kernel Folding() noexcept;
+    /// By that of 64 bytes at a time; null where the processor has none.
+    static Kernel WideFolding() noexcept;
 };
 
 /// Feeds `size` bytes into a CRC-32 register, which starts at 0xFFFFFFFF and is inverted at the very end.

@@ -1,9 +1,14 @@
 #include "ZoPrimitives/CRC32.h"
 #include "Persistence/Crc32Kernel.h"
+#include "Platform/Platform.h"
+#include "ZoPrimitives/XStream.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <string>
@@ -42,7 +47,8 @@ protected:
 INSTANTIATE_TEST_SUITE_P(All, CRC32Kernel,
                          testing::Values(NamedKernel{"Chosen", &Crc32Update},
                                          NamedKernel{"Tables", &Crc32Kernels::Tables},
-                                         NamedKernel{"Folding", Crc32Kernels::Folding()}),
+                                         NamedKernel{"Folding", Crc32Kernels::Folding()},
+                                         NamedKernel{"WideFolding", Crc32Kernels::WideFolding()}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_P(CRC32Kernel, EveryLengthAtEveryAlignment) {
@@ -75,6 +81,16 @@ TEST_P(CRC32Kernel, PiecesGiveTheSumOfTheWhole) {
         }
 }
 
+TEST_P(CRC32Kernel, BuffersThatBeginJustBehindAPageStart) {
+    const auto noise = Noise(3 * 4096);
+    const std::size_t page = 4096 - reinterpret_cast<std::uintptr_t>(noise.data()) % 4096;
+    for (std::size_t offset = 0; offset <= 64; ++offset)
+        for (std::size_t size = 1; size <= 260; ++size) {
+            const unsigned char* data = noise.data() + page + offset;
+            ASSERT_EQ(~Update(0xFFFFFFFF, data, size), Oracle(data, size)) << size << " bytes at " << offset;
+        }
+}
+
 TEST_P(CRC32Kernel, Megabytes) {
     const auto noise = Noise((std::size_t{3} << 20) + 5);
     EXPECT_EQ(~Update(0xFFFFFFFF, noise.data(), noise.size()), Oracle(noise.data(), noise.size()));
@@ -92,6 +108,90 @@ TEST(CRC32, CheckValue) {
     EXPECT_EQ(crc.getUint32Value(), 0xCBF43926u);
     crc.reset();
     EXPECT_EQ(crc.getUint32Value(), 0u);
+}
+
+TEST(CRC32, SumsAWholeFile) {
+    for (const std::size_t size :
+         {std::size_t{0}, std::size_t{1}, std::size_t{256} * 1024, std::size_t{700001}}) {
+        const auto noise = Noise(size);
+        const std::string path = testing::TempDir() + "crc32_test.bin";
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(noise.data()), static_cast<std::streamsize>(size));
+        CRC32 crc;
+        crc.update(noise.data(), 1);
+        EXPECT_EQ(crc.generateCRCFromFile(path), Oracle(noise.data(), size)) << size;
+        EXPECT_EQ(crc.getUint32Value(), Oracle(noise.data(), size));
+        std::remove(path.c_str());
+    }
+}
+
+/// A file that claims `size` bytes, holds `content` and fails where it is told to.
+class FakeFile : public Platform::Services {
+public:
+    unsigned long long size = 3;
+    std::string content = "abc";
+    bool opens = true, measures = true, reads = true;
+    int open = 0;
+
+    FakeFile() : before(Platform::Install(this)) {}
+    ~FakeFile() override { Platform::Install(before); }
+
+    Platform::FileHandle OpenFile(const char*, Platform::Access access, Platform::Share,
+                                  Platform::Creation) override {
+        EXPECT_EQ(access, Platform::Access::Read);
+        left = content;
+        return opens ? ++open, this : nullptr;
+    }
+    bool CloseFile(Platform::FileHandle) override { return --open, true; }
+    bool FileSize(Platform::FileHandle, unsigned long long& result) override {
+        return result = size, measures;
+    }
+    bool ReadFile(Platform::FileHandle, void* data, std::size_t wanted, std::size_t& done) override {
+        done = left.copy(static_cast<char*>(data), wanted);
+        left.erase(0, done);
+        return reads || done > 0;
+    }
+
+private:
+    Platform::Services* before;
+    std::string left;
+};
+
+TEST(CRC32, UnreadableFilesThrowAndLeaveTheSum) {
+    struct Case {
+        const char* name;
+        void (*spoil)(FakeFile&);
+    };
+    const Case cases[] = {
+        {"missing", [](FakeFile& file) { file.opens = false; }},
+        {"size unknown", [](FakeFile& file) { file.measures = false; }},
+        {"device fails halfway", [](FakeFile& file) { file.reads = false; }},
+        {"ends early", [](FakeFile& file) { file.size = 4; }},
+        {"ends early, above 4 GiB", [](FakeFile& file) { file.size = (1ULL << 32) + 3; }},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        FakeFile file;
+        row.spoil(file);
+        CRC32 crc;
+        crc.update(reinterpret_cast<const unsigned char*>("123456789"), 9);
+        try {
+            crc.generateCRCFromFile("any");
+            ADD_FAILURE() << "did not throw";
+        } catch (const XReadStream& failure) {
+            EXPECT_EQ(failure.Location(), "CRC32::generateCRCFromFile");
+            EXPECT_NE(failure.Message(), "");
+        }
+        EXPECT_EQ(crc.getUint32Value(), 0xCBF43926u);
+        EXPECT_EQ(file.open, 0);
+    }
+}
+
+TEST(CRC32, AFileThatGrowsMeanwhileIsSummedToItsEnd) {
+    FakeFile file;
+    file.size = 4;
+    file.content = "123456789";
+    EXPECT_EQ(CRC32().generateCRCFromFile("any"), 0xCBF43926u);
 }
 
 } // namespace

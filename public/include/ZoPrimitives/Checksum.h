@@ -1,0 +1,76 @@
+#pragma once
+
+#include "ZoPrimitives/ZoString.h"
+
+#include <cstdint>
+#include <type_traits>
+
+namespace ZoPrimitives {
+
+/// The fingerprint of a value: 64 bits, compared by value.
+class ZO_API TChecksumType {
+public:
+    TChecksumType() noexcept : value(0) {}
+    TChecksumType(std::uint64_t newValue) noexcept : value(newValue) {}
+    TChecksumType(const TChecksumType&) noexcept;
+    TChecksumType& operator=(const TChecksumType&) noexcept;
+    virtual ~TChecksumType();
+    virtual bool operator==(const TChecksumType& other) const;
+    /// The opposite of the most derived `operator==`.
+    virtual bool operator!=(const TChecksumType& other) const;
+
+    unsigned long long GetValue() const noexcept { return value; }
+    void SetValue(unsigned long long newValue) noexcept { value = newValue; }
+
+private:
+    std::uint64_t value;
+};
+
+/// The 64-bit FNV-1a hash of a value's bytes, the same in every process and on every platform.
+ZO_API TChecksumType CreateChecksum(int value);
+ZO_API TChecksumType CreateChecksum(bool value);
+/// 0.0 and -0.0 are one value; every other bit pattern, of NaN too, is its own.
+ZO_API TChecksumType CreateChecksum(double value);
+/// The characters, without terminator.
+ZO_API TChecksumType CreateChecksum(const ZoString& text);
+/// As of the `ZoString` of that text; null is the empty text.
+ZO_API TChecksumType CreateChecksum(const char* text);
+
+/// Types that would become another value on the way to `CreateChecksum`, or another width from one platform
+/// to the next: integers that do not fit an int, long double, and pointers but those to text.
+template <class T>
+inline constexpr bool NeedsExplicitChecksumType =
+    (std::is_pointer_v<T> && !std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, char>) ||
+    std::is_member_pointer_v<T> ||
+    (std::is_integral_v<T> && sizeof(T) >= sizeof(int) && !std::is_same_v<T, int>) ||
+    std::is_same_v<T, long double>;
+
+template <class T, std::enable_if_t<NeedsExplicitChecksumType<T>, int> = 0>
+TChecksumType CreateChecksum(T) = delete; // cast to the int, bool, double or text that is meant
+
+/// The starting value of a combination.
+ZO_API TChecksumType GetChecksumSeed();
+/// A value drawn uniformly from 1 to 2,147,483,648.
+ZO_API TChecksumType CreateRandomChecksum();
+
+/// The fingerprint of a structure: start from `GetChecksumSeed()` and combine the checksum of each member.
+/// The order counts; what was combined more than 63 calls ago has left the value.
+class ZO_API TCombinedChecksum {
+public:
+    explicit TCombinedChecksum(TChecksumType seed);
+    TCombinedChecksum(const TCombinedChecksum&);
+    TCombinedChecksum& operator=(const TCombinedChecksum&);
+    virtual ~TCombinedChecksum();
+
+    void Combine(const TChecksumType& other);
+    template <class T, std::enable_if_t<std::is_arithmetic_v<T>, int> = 0>
+    void Combine(T) = delete; // a plain number is no checksum: combine CreateChecksum(number)
+
+    TChecksumType GetChecksum() const { return checksum; }
+    void SetChecksum(TChecksumType newChecksum) { checksum = newChecksum; }
+
+private:
+    TChecksumType checksum;
+};
+
+} // namespace ZoPrimitives

@@ -61,8 +61,11 @@ std::size_t ZoFindFirstHolder(const P* holders, std::size_t count, const T* obje
     }
 }
 
-/// What the two finders share: the lowest match that any task has seen so far. A task that finds itself
-/// behind it stops, so the position reported is that of the first match.
+/// What the two finders share: where the tasks stand, and the lowest match so far.
+///
+/// A task compares as many elements as its range has, but takes them from the front of what is left: all
+/// tasks move through the array together, stop soon after the first match, and the match reported is the
+/// first one.
 class ZoParallelMatch {
 public:
     explicit ZoParallelMatch(unsigned long long end) noexcept : lowest(end) {}
@@ -70,23 +73,28 @@ public:
     /// Index of the first match, from 0; the end when there is none.
     unsigned long long Lowest() const noexcept { return lowest.load(std::memory_order_relaxed); }
 
-    /// Runs `search(first, last)`, which gives the index of the first match or `last`, over [begin, end) in
-    /// steps short enough to notice a match of another task in time.
+    /// Takes `count` elements, at most `step` at a time. `search(first, last)` gives the index of the first
+    /// match, or `last`.
     template <class Search>
-    void Run(unsigned long long begin, unsigned long long end, unsigned long long step,
-             const Search& search) {
-        for (unsigned long long first = begin; first < end && first < Lowest(); first += step) {
-            const unsigned long long last = std::min(first + step, end);
-            const unsigned long long found = search(first, last);
-            if (found == last) continue;
-            unsigned long long seen = Lowest();
-            while (found < seen && !lowest.compare_exchange_weak(seen, found, std::memory_order_relaxed)) {
-            }
-            return;
+    void Run(unsigned long long count, unsigned long long step, const Search& search) {
+        while (count > 0) {
+            const unsigned long long taken = std::min(count, step);
+            const unsigned long long first = next.fetch_add(taken, std::memory_order_relaxed);
+            if (first >= Lowest()) return;
+            const unsigned long long found = search(first, first + taken);
+            if (found != first + taken) Lower(found);
+            count -= taken;
         }
     }
 
 private:
+    void Lower(unsigned long long found) noexcept {
+        unsigned long long seen = Lowest();
+        while (found < seen && !lowest.compare_exchange_weak(seen, found, std::memory_order_relaxed)) {
+        }
+    }
+
+    std::atomic<unsigned long long> next{0};
     std::atomic<unsigned long long> lowest;
 };
 
@@ -108,20 +116,23 @@ public:
     }
 
 private:
-    static constexpr unsigned long long STEP = 8192;
+    // What is compared in no time is taken in pieces that memory likes.
+    static constexpr unsigned long long STEP = std::is_scalar_v<ValueType> ? 65536 : 1024;
+    static constexpr unsigned long long STEP_BY_EQUAL = 64;
 
     static void Search(unsigned long long begin, unsigned long long end, void* finder) {
-        static_cast<TBBParallelFinder*>(finder)->Search(begin, end);
+        static_cast<TBBParallelFinder*>(finder)->Search(end - begin);
     }
-    void Search(unsigned long long begin, unsigned long long end) {
+    void Search(unsigned long long amount) {
         const ValueType* data = container.data();
         if (direct) {
-            match.Run(begin, end, STEP, [&](unsigned long long first, unsigned long long last) {
+            match.Run(amount, STEP, [&](unsigned long long first, unsigned long long last) {
                 return first + ZoFindFirst(data + first, static_cast<std::size_t>(last - first), value);
             });
         } else {
-            match.Run(begin, end, 1, [&](unsigned long long first, unsigned long long last) {
-                return container.Equal(data[first], value) ? first : last;
+            match.Run(amount, STEP_BY_EQUAL, [&](unsigned long long first, unsigned long long last) {
+                while (first < last && !container.Equal(data[first], value)) ++first;
+                return first;
             });
         }
     }
@@ -151,21 +162,23 @@ public:
     }
 
 private:
-    static constexpr unsigned long long STEP = 8192;
+    static constexpr unsigned long long STEP = 65536;
+    static constexpr unsigned long long STEP_BY_EQUAL = 64;
 
     static void Search(unsigned long long begin, unsigned long long end, void* finder) {
-        static_cast<TBBParallelFinderPointer*>(finder)->Search(begin, end);
+        static_cast<TBBParallelFinderPointer*>(finder)->Search(end - begin);
     }
-    void Search(unsigned long long begin, unsigned long long end) {
+    void Search(unsigned long long amount) {
         const auto* data = container.data();
         if (direct) {
-            match.Run(begin, end, STEP, [&](unsigned long long first, unsigned long long last) {
+            match.Run(amount, STEP, [&](unsigned long long first, unsigned long long last) {
                 return first +
                        ZoFindFirstHolder(data + first, static_cast<std::size_t>(last - first), object);
             });
         } else {
-            match.Run(begin, end, 1, [&](unsigned long long first, unsigned long long last) {
-                return container.Same(data[first].get(), object) ? first : last;
+            match.Run(amount, STEP_BY_EQUAL, [&](unsigned long long first, unsigned long long last) {
+                while (first < last && !container.Same(data[first].get(), object)) ++first;
+                return first;
             });
         }
     }

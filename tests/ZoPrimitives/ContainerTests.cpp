@@ -1,0 +1,606 @@
+#include "ZoPrimitives/IList.h"
+#include "ZoPrimitives/IMap.h"
+#include "ZoPrimitives/IVector.h"
+#include "ZoPrimitives/SDList.h"
+#include "ZoPrimitives/dvector.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <gtest/gtest.h>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+struct Item : ZoObject {
+    explicit Item(int number = 0) : id(number) { ++alive; }
+    Item(const Item&) = delete;
+    Item& operator=(const Item&) = delete;
+    ~Item() override {
+        --alive;
+        if (onEnd) onEnd();
+    }
+
+    int id;
+    std::function<void()> onEnd;
+
+    static inline int alive = 0;
+};
+
+template <class List>
+std::vector<typename List::ValueType> Values(const List& list) {
+    return {list.begin(), list.end()};
+}
+
+template <class List>
+std::vector<int> Ids(const List& list) {
+    std::vector<int> ids;
+    for (const auto& item : list) ids.push_back(item ? item->id : -1);
+    return ids;
+}
+
+using Texts = std::vector<std::string>;
+using Numbers = std::vector<int>;
+
+// Long enough to live on the heap, so that a reference into a moved array is seen by the sanitizer.
+std::string Long(const char* text) { return text + std::string(40, '.'); }
+
+// --- positions
+// -------------------------------------------------------------------------------------------------
+
+struct Failure {
+    std::string expression, message, source;
+};
+
+struct RecordingFunctor : IAssertFunctor {
+    explicit RecordingFunctor(Failure& kept) : failure(kept) {}
+    void operator()(const char* expression, const char* message, const char* file, int) override {
+        failure = {expression, message, file};
+    }
+    Failure& failure;
+};
+
+template <class List>
+Failure FailureOf(List& list, unsigned long long position) {
+    Failure failure;
+    SetAssertionFunctor(new RecordingFunctor(failure));
+    EXPECT_THROW((void)list[position], XZoAssert);
+    SetAssertionFunctor(nullptr);
+    return failure;
+}
+
+template <class List>
+void ExpectPositionsFrom1To(unsigned long long count, const List& list, const char* source) {
+    SCOPED_TRACE(source);
+    for (unsigned long long position = 1; position <= count; ++position)
+        EXPECT_NO_THROW((void)list[position]);
+    for (unsigned long long position : {0ULL, count + 1, ~0ULL}) {
+        const Failure failure = FailureOf(list, position);
+        EXPECT_EQ(failure.expression, "index >= 1 && index <= NItems()");
+        EXPECT_EQ(failure.message, "");
+        EXPECT_EQ(failure.source, source);
+    }
+}
+
+template <class List>
+void FillAndExpectPositions(const char* source) {
+    List list;
+    ExpectPositionsFrom1To(0, list, source);
+    list.Add({});
+    list.Add({});
+    ExpectPositionsFrom1To(2, list, source);
+    EXPECT_EQ(&list.First(), &list[1]);
+    EXPECT_EQ(&list.Last(), &list[2]);
+}
+
+TEST(ContainerTests, PositionsCountFrom1) {
+    FillAndExpectPositions<TDVector<int>>("public/include/ZoPrimitives/dvector");
+    FillAndExpectPositions<TDList<int>>("public/include/ZoPrimitives/dvector");
+    FillAndExpectPositions<TSDList<int>>("public/include/ZoPrimitives/SDList");
+    FillAndExpectPositions<TIVector<Item>>("public/include/ZoPrimitives/IVector");
+    FillAndExpectPositions<TIList<Item>>("public/include/ZoPrimitives/IList");
+    FillAndExpectPositions<TSIList<Item>>("public/include/ZoPrimitives/SDList");
+}
+
+TEST(ContainerTests, OperationsAtTheEndsOfAnEmptyContainerFail) {
+    TDList<int> list;
+    EXPECT_THROW(list.First(), XZoAssert);
+    EXPECT_THROW(list.Last(), XZoAssert);
+    EXPECT_THROW(list.RemoveFirst(), XZoAssert);
+    EXPECT_THROW(list.RemoveLast(), XZoAssert);
+    EXPECT_THROW(list.InsertAt(2, 1), XZoAssert);
+    EXPECT_THROW(list.InsertAt(0, 1), XZoAssert);
+    EXPECT_EQ(list.NItems(), 0u);
+}
+
+// --- layout
+// ----------------------------------------------------------------------------------------------------
+
+#if defined(__GXX_ABI_VERSION) && defined(__x86_64__)
+template <class Member>
+std::ptrdiff_t Slot(Member member) {
+    std::ptrdiff_t encoded; // of a virtual member: 1 + its offset in the table
+    std::memcpy(&encoded, &member, sizeof encoded);
+    return (encoded - 1) / 8;
+}
+
+TEST(ContainerTests, TheOperationsOfTDVectorStandInTheirOrder) {
+    using V = TDVector<int>;
+    // Two slots for destruction, then the two comparisons.
+    EXPECT_EQ(Slot(static_cast<bool (ZoObject::*)(const ZoObject&) const>(&V::operator==)), 2);
+    EXPECT_EQ(Slot(&ZoObject::operator!=), 3);
+    const std::ptrdiff_t slots[] = {
+        Slot(&V::Add),    Slot(&V::Remove),    Slot(&V::Contains),
+        Slot(&V::NItems), Slot(&V::RemoveAll), Slot(static_cast<V& (V::*)(const V&)>(&V::operator=)),
+        Slot(&V::Append), Slot(&V::AddUnique), Slot(&V::Equal),
+        Slot(&V::Find)};
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(slots[i], 4 + i) << "operation " << i;
+}
+
+TEST(ContainerTests, TDVectorKeepsBeginEndAndCapacity) {
+    TDVector<int> v;
+    v.Reserve(10);
+    v.Add(7);
+    const int* pointers[3];
+    static_assert(sizeof v == 16 + sizeof pointers);
+    std::memcpy(pointers, reinterpret_cast<const char*>(&v) + 16, sizeof pointers);
+    EXPECT_EQ(pointers[0], v.data());
+    EXPECT_EQ(pointers[1], v.data() + 1);
+    EXPECT_EQ(pointers[2], v.data() + 10);
+}
+#endif
+
+// --- values
+// ----------------------------------------------------------------------------------------------------
+
+template <class List>
+class ValueContainerTests : public testing::Test {};
+using ValueContainers = testing::Types<TDVector<std::string>, TDList<std::string>, TSDList<std::string>>;
+TYPED_TEST_SUITE(ValueContainerTests, ValueContainers);
+
+TYPED_TEST(ValueContainerTests, RemoveKeepsTheOrderOfTheOthers) {
+    TypeParam list;
+    for (const char* text : {"a", "b", "c", "b"}) list.Add(text);
+    EXPECT_FALSE(list.Remove("x"));
+    EXPECT_TRUE(list.Remove("b"));
+    EXPECT_EQ(Values(list), (Texts{"a", "c", "b"}));
+    list.RemoveAll();
+    EXPECT_EQ(list.NItems(), 0u);
+    EXPECT_GE(list.Capacity(), 4u);
+}
+
+TYPED_TEST(ValueContainerTests, AddUniqueAddsOnce) {
+    TypeParam list;
+    EXPECT_TRUE(list.AddUnique("a"));
+    EXPECT_FALSE(list.AddUnique("a"));
+    EXPECT_EQ(list.NItems(), 1u);
+}
+
+TYPED_TEST(ValueContainerTests, AValueOfTheContainerItselfMayBeGiven) {
+    TypeParam list;
+    for (const char* text : {"a", "b", "c"}) list.Add(Long(text));
+    while (list.NItems() < list.Capacity()) list.Add(Long("d"));
+    list.Add(list[1]);
+    EXPECT_EQ(list.Last(), Long("a"));
+    list.RemoveLast();
+    while (list.NItems() < list.Capacity()) list.Add(Long("d"));
+    list.InsertAt(2, list[3]);
+    EXPECT_EQ(list[2], Long("c"));
+    list.AddFirst(list[3]);
+    EXPECT_EQ(list[1], Long("b"));
+    EXPECT_TRUE(list.Remove(list[1]));
+    EXPECT_EQ(list[1], Long("a"));
+}
+
+TYPED_TEST(ValueContainerTests, TheContainerItselfMayBeGiven) {
+    TypeParam list;
+    list.Add(Long("a"));
+    list.Add(Long("b"));
+    list.Append(list);
+    const Texts expected{Long("a"), Long("b"), Long("a"), Long("b")};
+    EXPECT_EQ(Values(list), expected);
+    TypeParam& same = list;
+    list = same;
+    EXPECT_EQ(Values(list), expected);
+    list = std::move(same);
+    EXPECT_EQ(Values(list), expected);
+}
+
+TYPED_TEST(ValueContainerTests, CopiesAreIndependentAndMovesTakeAll) {
+    TypeParam list;
+    list.Add("a");
+    TypeParam copy(list);
+    copy[1] = "b";
+    EXPECT_EQ(list[1], "a");
+    list = copy;
+    EXPECT_EQ(Values(list), Texts{"b"});
+    TypeParam moved(std::move(copy));
+    EXPECT_EQ(copy.NItems(), 0u);
+    copy = std::move(moved);
+    EXPECT_EQ(Values(copy), Texts{"b"});
+}
+
+TYPED_TEST(ValueContainerTests, InsertionAndRemovalByPosition) {
+    TypeParam list;
+    list.InsertAt(1, "c");
+    list.InsertAt(2, "d");
+    list.InsertAt(1, "b");
+    list.AddFirst("a");
+    EXPECT_EQ(Values(list), (Texts{"a", "b", "c", "d"}));
+    list.RemoveAt(3);
+    list.RemoveFirst();
+    list.RemoveLast();
+    EXPECT_EQ(Values(list), Texts{"b"});
+}
+
+TYPED_TEST(ValueContainerTests, EqualityIsOfClassAndValues) {
+    struct Other : TypeParam {};
+    TypeParam a, b;
+    Other other;
+    a.Add("x");
+    EXPECT_NE(a, b);
+    b.Add("x");
+    other.Add("x");
+    EXPECT_EQ(a, b);
+    EXPECT_FALSE(static_cast<const ZoObject&>(a) == static_cast<const ZoObject&>(other));
+    b[1] = "y";
+    EXPECT_TRUE(static_cast<const ZoObject&>(a) != b);
+}
+
+TEST(ContainerTests, MoreThanCanExistIsNotReserved) {
+    TDVector<int> values;
+    TIVector<Item> items;
+    TIMap<int, Item> map;
+    EXPECT_THROW(values.Reserve(~0ULL), xContainerSizeExceeded);
+    EXPECT_THROW(items.Reserve(~0ULL), xContainerSizeExceeded);
+    EXPECT_THROW(map.Reserve(~0ULL), xContainerSizeExceeded);
+}
+
+// --- searching
+// -------------------------------------------------------------------------------------------------
+
+template <class List>
+class SearchTests : public testing::Test {};
+using Searched = testing::Types<TDVector<int>, TDVector<std::int64_t>, TDVector<double>, TDVector<short>,
+                                TDVector<float>, TDVector<unsigned>, TDList<int>, TSDList<double>>;
+TYPED_TEST_SUITE(SearchTests, Searched);
+
+TYPED_TEST(SearchTests, FindGivesTheFirstMatch) {
+    using T = typename TypeParam::ValueType;
+    const T filler = 1, wanted = 2;
+    for (std::size_t count : {0u, 1u, 7u, 16u, 33u, 999u, 1000u, 1001u, 5000u, 300000u}) {
+        TypeParam list;
+        for (std::size_t i = 0; i < count; ++i) list.Add(filler);
+        const auto expect = [&](std::size_t expected) {
+            unsigned long long position = 0;
+            EXPECT_EQ(list.Find(wanted, position), expected <= count) << count;
+            EXPECT_EQ(position, expected) << count;
+        };
+        expect(count + 1);
+        // From the end, so that every match stands before those of the rounds before.
+        for (std::size_t index : {count, count - 1, count / 2 + 1, count / 3, std::size_t{1001},
+                                  std::size_t{2}, std::size_t{1}}) {
+            if (index < 1 || index > count) continue;
+            list[index] = wanted;
+            expect(static_cast<std::size_t>(std::find(list.begin(), list.end(), wanted) - list.begin()) + 1);
+        }
+    }
+}
+
+TEST(ContainerTests, EveryPlaceOfAShortArrayIsFound) {
+    for (std::size_t count = 0; count < 70; ++count) {
+        for (std::size_t place = 0; place <= count; ++place) {
+            // One element in, so that the array is not aligned to more than its elements.
+            std::vector<std::int32_t> ints(count + 2, 1);
+            std::vector<std::int64_t> longs(count + 2, 1);
+            std::vector<double> doubles(count + 2, 1);
+            ints[place + 1] = 2;
+            longs[place + 1] = 2;
+            doubles[place + 1] = 2;
+            EXPECT_EQ(ZoFindFirst(ints.data() + 1, count, 2), place);
+            EXPECT_EQ(ZoFindFirst(longs.data() + 1, count, std::int64_t{2}), place);
+            EXPECT_EQ(ZoFindFirst(doubles.data() + 1, count, 2.0), place);
+        }
+    }
+}
+
+TEST(ContainerTests, HalfOfA64BitValueIsNoMatch) {
+    TDVector<std::int64_t> v;
+    for (int i = 0; i < 64; ++i) v.Add(i % 2 == 0 ? 0x0000000700000008LL : 0x0000000800000007LL);
+    EXPECT_FALSE(v.Contains(0x0000000700000007LL));
+    EXPECT_FALSE(v.Contains(0x0000000800000008LL));
+    EXPECT_TRUE(v.Contains(0x0000000800000007LL));
+}
+
+TEST(ContainerTests, DoublesAreComparedAsNumbers) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (int count : {1, 100, 2000}) {
+        TDVector<double> v;
+        for (int i = 0; i < count; ++i) v.Add(nan);
+        EXPECT_FALSE(v.Contains(nan)) << count;
+        EXPECT_NE(v, v) << count;
+        v.Last() = -0.0;
+        EXPECT_TRUE(v.Contains(0.0)) << count;
+    }
+}
+
+struct LastDigits : TDVector<int> {
+    bool Equal(const int& a, const int& b) const override {
+        ++calls;
+        return a % 100000 == b % 100000;
+    }
+    mutable std::atomic<int> calls = 0;
+};
+
+TEST(ContainerTests, AnOverriddenEqualIsHonoured) {
+    for (int count : {3, 1000, 1001, 60000}) {
+        SCOPED_TRACE(count);
+        LastDigits v;
+        for (int i = 1; i <= count; ++i) v.Add(100000 + i);
+        unsigned long long position = 0;
+        EXPECT_TRUE(v.Find(700000 + count - 1, position));
+        EXPECT_EQ(position, static_cast<unsigned>(count - 1));
+        EXPECT_FALSE(v.AddUnique(count));
+        EXPECT_TRUE(v.Remove(2));
+        EXPECT_EQ(v[2], 100003);
+        v.calls = 0;
+        EXPECT_FALSE(v.Contains(0));
+        EXPECT_EQ(v.calls, count - 1) << "each element once";
+    }
+}
+
+struct Refusing : TDVector<int> {
+    bool Equal(const int& a, const int&) const override {
+        if (a == 4321) throw std::runtime_error("4321");
+        return false;
+    }
+};
+
+TEST(ContainerTests, WhatEqualThrowsLeavesFind) {
+    Refusing v;
+    for (int i = 0; i < 20000; ++i) v.Add(i);
+    EXPECT_THROW(v.Contains(1), std::runtime_error);
+    EXPECT_EQ(v.NItems(), 20000u);
+}
+
+// --- objects
+// ---------------------------------------------------------------------------------------------------
+
+template <class List>
+class ObjectContainerTests : public testing::Test {
+protected:
+    void SetUp() override { Item::alive = 0; }
+    void TearDown() override { EXPECT_EQ(Item::alive, 0) << "objects leaked or deleted twice"; }
+
+    static List Of(std::initializer_list<int> ids) {
+        List list;
+        for (int id : ids) list.Add(new Item(id));
+        return list;
+    }
+};
+using ObjectContainers = testing::Types<TIVector<Item>, TIList<Item>, TSIList<Item>>;
+TYPED_TEST_SUITE(ObjectContainerTests, ObjectContainers);
+
+TYPED_TEST(ObjectContainerTests, TheLastHolderDeletes) {
+    TypeParam list = this->Of({1, 2, 3});
+    const TypeParam other(list);
+    list.RemoveAll();
+    EXPECT_EQ(Item::alive, 3);
+    list = other;
+    EXPECT_EQ(Ids(list), (Numbers{1, 2, 3}));
+    const pointer<Item> kept(list[2]);
+    EXPECT_TRUE(list.Remove(kept));
+    EXPECT_FALSE(list.Remove(kept));
+    EXPECT_EQ(Ids(list), (Numbers{1, 3}));
+    EXPECT_EQ(Ids(other), (Numbers{1, 2, 3}));
+}
+
+TYPED_TEST(ObjectContainerTests, AnItemOrTheContainerItselfMayBeGiven) {
+    TypeParam list = this->Of({1, 2});
+    list.Append(list);
+    list.Add(list[2]);
+    EXPECT_FALSE(list.AddUnique(list[1].get()));
+    EXPECT_EQ(Ids(list), (Numbers{1, 2, 1, 2, 2}));
+    list.Remove(list[1]);
+    EXPECT_EQ(Ids(list), (Numbers{2, 1, 2, 2}));
+    TypeParam& same = list;
+    list = same;
+    list = std::move(same);
+    EXPECT_EQ(Ids(list), (Numbers{2, 1, 2, 2}));
+}
+
+TYPED_TEST(ObjectContainerTests, ItemsMayBeNull) {
+    TypeParam list = this->Of({1});
+    list.Add(nullptr);
+    list.AddFirst(nullptr);
+    unsigned long long position = 0;
+    EXPECT_TRUE(list.Find(nullptr, position));
+    EXPECT_EQ(position, 1u);
+    EXPECT_FALSE(list.AddUnique(nullptr));
+    EXPECT_TRUE(list.Remove(nullptr));
+    EXPECT_EQ(Ids(list), (Numbers{1, -1}));
+}
+
+TYPED_TEST(ObjectContainerTests, SearchIsForTheSameObject) {
+    for (int count : {5, 1000, 1001, 40000}) {
+        SCOPED_TRACE(count);
+        TypeParam list;
+        for (int i = 1; i <= count; ++i) list.Add(new Item(7));
+        for (unsigned long long wanted = 1; wanted <= list.NItems(); wanted += 1 + list.NItems() / 5) {
+            unsigned long long position = 0;
+            EXPECT_TRUE(list.Find(list[wanted].get(), position));
+            EXPECT_EQ(position, wanted);
+        }
+        const Item stranger(7);
+        unsigned long long position = 0;
+        EXPECT_FALSE(list.Find(&stranger, position));
+        EXPECT_EQ(position, list.NItems() + 1);
+    }
+}
+
+template <class List>
+struct ById : List {
+    bool Equal(const Item& a, const Item& b) const override { return a.id == b.id; }
+};
+
+TYPED_TEST(ObjectContainerTests, AnOverriddenEqualIsHonoured) {
+    for (int count : {5, 1000, 1001, 40000}) {
+        SCOPED_TRACE(count);
+        ById<TypeParam> list, other;
+        list.Add(nullptr);
+        for (int i = 2; i <= count; ++i) list.Add(new Item(i));
+        const Item wanted(count - 1), absent(-5);
+        unsigned long long position = 0;
+        EXPECT_TRUE(list.Find(&wanted, position));
+        EXPECT_EQ(position, static_cast<unsigned>(count - 1));
+        EXPECT_FALSE(list.Contains(&absent));
+        other.Add(nullptr);
+        for (int i = 2; i <= count; ++i) other.Add(new Item(i));
+        EXPECT_TRUE(static_cast<const ZoObject&>(list) == other);
+        other.Last()->id = 1;
+        EXPECT_FALSE(static_cast<const ZoObject&>(list) == other);
+    }
+}
+
+TYPED_TEST(ObjectContainerTests, ADyingItemMayUseItsContainer) {
+    TypeParam list = this->Of({1, 2, 3});
+    std::vector<unsigned long long> seen;
+    for (auto& item : list) item->onEnd = [&] { seen.push_back(list.NItems()); };
+    list.RemoveAt(1);
+    list.RemoveAll();
+    EXPECT_EQ(seen, (std::vector<unsigned long long>{2, 0, 0}));
+    EXPECT_GE(list.Capacity(), 3u);
+    list.Add(new Item(4));
+    list.Last()->onEnd = [&] { list.Add(new Item(5)); };
+    list.RemoveAll();
+    EXPECT_EQ(Ids(list), Numbers{5});
+}
+
+TYPED_TEST(ObjectContainerTests, AnObjectThatIsRefusedIsDeleted) {
+    TypeParam list;
+    EXPECT_THROW(list.InsertAt(2, new Item), XZoAssert);
+    EXPECT_EQ(Item::alive, 0);
+}
+
+// --- iterators
+// -------------------------------------------------------------------------------------------------
+
+template <class Iterator, class List>
+void ExpectWalk(const List& list) {
+    Iterator i(list);
+    for (int round = 0; round < 2; ++round) {
+        unsigned long long position = 1;
+        for (i.First(); !i.IsDone(); i.Next(), ++position) {
+            EXPECT_EQ(i.Position(), position);
+            EXPECT_EQ(&i.Current(), &list[position]);
+        }
+        EXPECT_EQ(position, list.NItems() + 1);
+        EXPECT_THROW(i.Next(), xIteratorOverrunContainerLimit);
+        EXPECT_THROW((void)i.Current(), xIteratorOverrunContainerLimit);
+    }
+}
+
+template <class Iterator, class List>
+void ExpectWalks() {
+    List list;
+    ExpectWalk<Iterator>(list);
+    for (int i = 0; i < 3; ++i) list.Add({});
+    ExpectWalk<Iterator>(list);
+}
+
+TEST(ContainerTests, IteratorsWalkToTheEndAndNoFurther) {
+    ExpectWalks<TContainerIterator<int>, TDVector<int>>();
+    ExpectWalks<TContainerIterator<int>, TSDList<int>>();
+    ExpectWalks<TIContainerIterator<Item>, TIList<Item>>();
+    ExpectWalks<TIContainerVectorIterator<Item>, TIVector<Item>>();
+    ExpectWalks<TSIContainerIterator<Item>, TSIList<Item>>();
+}
+
+TEST(ContainerTests, AnIteratorFollowsAContainerThatShrinks) {
+    TDVector<int> v;
+    v.Add(1);
+    v.Add(2);
+    TContainerIterator<int> i(v);
+    i.Next();
+    v.RemoveAll();
+    EXPECT_TRUE(i.IsDone());
+    EXPECT_THROW((void)i.Current(), xIteratorOverrunContainerLimit);
+}
+
+TEST(ContainerTests, AnIteratorWithoutContainerIsAtItsEnd) {
+    TIContainerIterator<Item> i;
+    EXPECT_TRUE(i.IsDone());
+    EXPECT_THROW(i.Next(), xIteratorOverrunContainerLimit);
+}
+
+// --- map
+// -------------------------------------------------------------------------------------------------------
+
+TEST(MapTests, AnExistingKeyGetsTheNewObjectInItsPlace) {
+    Item::alive = 0;
+    TIMap<int, Item> map;
+    for (int key : {5, 3, 4}) map.Add(key, new Item(key));
+    map.Add(3, new Item(33));
+    map.Add(3, map.Find(3));
+    EXPECT_EQ(Item::alive, 3);
+    ASSERT_EQ(map.NItems(), 3u);
+    EXPECT_EQ(map.KeyAt(2), 3);
+    EXPECT_EQ(map.ValueAt(2)->id, 33);
+    EXPECT_EQ(map.Find(9), nullptr);
+    EXPECT_TRUE(map.Remove(map.KeyAt(1)));
+    EXPECT_FALSE(map.Remove(5));
+    EXPECT_EQ(map.KeyAt(1), 3);
+    EXPECT_EQ(map.Find(4)->id, 4);
+    EXPECT_THROW((void)map.KeyAt(0), XZoAssert);
+    EXPECT_THROW((void)map.ValueAt(3), XZoAssert);
+    map.RemoveAll();
+    EXPECT_EQ(Item::alive, 0);
+}
+
+TEST(MapTests, ObjectKeysAreToldApartByIdentity) {
+    Item::alive = 0;
+    {
+        TIMap<Item, Item> map;
+        auto* key = new Item(1);
+        map.Add(key, nullptr);
+        map.Add(new Item(1), new Item(2));
+        EXPECT_TRUE(map.Contains(key));
+        EXPECT_EQ(map.Find(key), nullptr);
+        EXPECT_EQ(map.Find(map.KeyAt(2).get())->id, 2);
+        const Item stranger(1);
+        EXPECT_FALSE(map.Contains(&stranger));
+        const TIMap<Item, Item> copy(map);
+        EXPECT_EQ(copy, map);
+        EXPECT_TRUE(map.Remove(key));
+        EXPECT_NE(copy, map);
+    }
+    EXPECT_EQ(Item::alive, 0);
+}
+
+TEST(MapTests, AnAppendedPairIsNotLookedFor) {
+    TIMap<std::string, Item> map;
+    map.Append("a", new Item(1));
+    map.Append("a", new Item(2));
+    EXPECT_EQ(map.NItems(), 2u);
+    EXPECT_EQ(map.Find("a")->id, 1);
+}
+
+TEST(MapTests, TheMapMayBeAssignedToItself) {
+    TIMap<std::string, Item> map;
+    map.Add("a", new Item(1));
+    TIMap<std::string, Item>& same = map;
+    map = same;
+    map = std::move(same);
+    EXPECT_EQ(map.Find("a")->id, 1);
+}
+
+} // namespace

@@ -229,7 +229,6 @@ protected:
         items.swap(copy);
     }
     void Assign(TObjectContainer&& other) {
-        if (this == &other) return;
         std::vector<P> taken(std::move(other.items));
         items.swap(taken);
     }

@@ -199,7 +199,6 @@ protected:
         }
     }
     void Assign(TValueContainer&& other) {
-        if (this == &other) return;
         std::vector<T> taken(std::move(other.values));
         values.swap(taken);
     }

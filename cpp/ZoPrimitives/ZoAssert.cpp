@@ -3,7 +3,8 @@
 #include "Platform/Platform.h"
 
 #include <cstdio>
-#include <memory>
+#include <cstring>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -12,25 +13,35 @@ namespace {
 constexpr std::size_t MESSAGE_SIZE = 2048;
 constexpr std::size_t BOX_SIZE = 512;
 
-std::unique_ptr<IAssertFunctor> installed;
+IAssertFunctor* installed = nullptr;
 bool showMessageBox = true;
 char assertionMessage[MESSAGE_SIZE];
 char expectationMessage[MESSAGE_SIZE];
 
-/// Composes the text into `buffer`, cut to its size, and shows it when boxes are enabled.
-void ComposeAndShow(char (&buffer)[MESSAGE_SIZE], const char* expression, const char* message, const char* file,
-                    int line) {
+const struct DeleteAtUnload {
+    ~DeleteAtUnload() { SetAssertionFunctor(nullptr); }
+} deleteAtUnload;
+
+/// Composes the text into `buffer`, cut to its size, and shows it when boxes are enabled; returns whether it
+/// did.
+bool ComposeAndShow(char (&buffer)[MESSAGE_SIZE], const char* expression, const char* message,
+                    const char* file, int line) {
+    if (expression == nullptr) expression = "";
+    if (file == nullptr) file = "";
+    char text[MESSAGE_SIZE] =
+        {}; // the arguments may be the text of an earlier assertion, which lies in `buffer`
     if (message == nullptr || *message == '\0') {
-        std::snprintf(buffer, sizeof buffer, "Error: ( %s )", expression);
+        std::snprintf(text, sizeof text, "Error: ( %s )", expression);
     } else {
-        std::snprintf(buffer, sizeof buffer, "FAILED: %s\nError: ( %s )", message, expression);
+        std::snprintf(text, sizeof text, "FAILED: %s\nError: ( %s )", message, expression);
     }
-    if (showMessageBox) {
-        char box[BOX_SIZE] = {};
-        std::snprintf(box, sizeof box, "Assertion failed!\n\nFile: %s\nLine: %d\n\nExpression: %s", file, line,
-                      buffer);
-        Platform::Current().ShowMessageBox(box);
-    }
+    std::memcpy(buffer, text, sizeof buffer);
+    if (!showMessageBox) return false;
+    char box[BOX_SIZE] = {};
+    std::snprintf(box, sizeof box, "Assertion failed!\n\nFile: %s\nLine: %d\n\nExpression: %s", file, line,
+                  buffer);
+    Platform::Current().ShowMessageBox(box);
+    return true;
 }
 
 } // namespace
@@ -57,13 +68,13 @@ bool XZoAssert::ShowMessageBox() noexcept { return showMessageBox; }
 void XZoAssert::ShowMessageBox(bool show) noexcept { showMessageBox = show; }
 
 void AssertWithFunctor(const char* expression, const char* message, const char* file, int line) {
-    if (installed) (*installed)(expression, message, file, line);
+    if (installed != nullptr) (*installed)(expression, message, file, line);
     throw XZoAssert("AssertWithFunctor");
 }
 
 void HandleAsserting(const char* expression, const char* message, const char* file, int line) {
-    ComposeAndShow(assertionMessage, expression, message, file, line);
-    throw XZoAssert(showMessageBox ? "CrashRpt" : assertionMessage);
+    const bool shown = ComposeAndShow(assertionMessage, expression, message, file, line);
+    throw XZoAssert(shown ? "CrashRpt" : assertionMessage);
 }
 
 void Expect(const char* expression, const char* message, const char* file, int line) {
@@ -71,7 +82,7 @@ void Expect(const char* expression, const char* message, const char* file, int l
 }
 
 void SetAssertionFunctor(IAssertFunctor* functor) {
-    if (functor != installed.get()) installed.reset(functor);
+    if (functor != installed) delete std::exchange(installed, functor);
 }
 
 } // namespace ZoPrimitives

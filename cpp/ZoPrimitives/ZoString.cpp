@@ -223,19 +223,19 @@ double ZoString::ToDouble() const noexcept {
     while (IsBlank(*p)) ++p;
     const bool negative = *p == '-';
     if (*p == '-' || *p == '+') ++p;
-    if (*p == '-' || *p == '+') return 0;
+    if (*p == '-') return 0; // `from_chars` would take a second minus
 
     const char* end = p + std::strlen(p);
     double value = 0;
     std::from_chars_result result{p, std::errc::invalid_argument};
     const bool hexadecimal = p[0] == '0' && (p[1] == 'x' || p[1] == 'X');
     if (hexadecimal) {
-        // A second sign is no part of a number.
         if (p[2] != '-') result = std::from_chars(p + 2, end, value, std::chars_format::hex);
         // Not "0xinf" or "0xnan" either: there the number is the leading zero.
         if (!std::isfinite(value)) value = 0;
     } else {
         result = std::from_chars(p, end, value);
+        if (result.ec == std::errc::invalid_argument) return 0;
     }
     if (result.ec == std::errc::result_out_of_range) {
         const char* digits = hexadecimal ? p + 2 : p;

@@ -2,10 +2,10 @@
 
 namespace ZoPrimitives {
 
-#define ZO_EMPTY_EXCEPTION_BODY(name)                                                                             \
-    name::name() = default;                                                                                       \
-    name::name(const name&) = default;                                                                            \
-    name& name::operator=(const name&) = default;                                                                 \
+#define ZO_EMPTY_EXCEPTION_BODY(name)                                                                        \
+    name::name() = default;                                                                                  \
+    name::name(const name&) = default;                                                                       \
+    name& name::operator=(const name&) = default;                                                            \
     name::~name() = default;
 
 ZO_EMPTY_EXCEPTION_BODY(XStreamer)

@@ -4,8 +4,8 @@
 
 namespace ZoPrimitives {
 
-/// Root of the failures of data and of input and output: what happened, and the operation in which it arose, often
-/// with a numbered failure point ("TBinInStream::LoadRecord #3"). Texts are Windows-1252.
+/// Root of the failures of data and of input and output: what happened, and the operation in which it arose,
+/// often with a numbered failure point ("TBinInStream::LoadRecord #3"). Texts are Windows-1252.
 class ZO_API XStream {
 public:
     XStream(const ZoString& message, const ZoString& location);

@@ -43,24 +43,26 @@ private:
 };
 
 /// The entry point of every assertion: calls the installed functor, if any, then throws `XZoAssert`.
-/// `file` is relative to the source root and carries no extension; the texts need to live only during the call.
+/// `file` is relative to the source root and carries no extension; the texts need to live only during the
+/// call.
 [[noreturn]] ZO_API void AssertWithFunctor(const char* expression, const char* message, const char* file,
                                            int line);
 
-/// Composes the text, shows it when enabled, and throws `XZoAssert`: with "CrashRpt" when a box was shown, with the
-/// composed text otherwise (held in a static buffer until the next assertion).
-[[noreturn]] ZO_API void HandleAsserting(const char* expression, const char* message, const char* file, int line);
+/// Composes the text, shows it when enabled, and throws `XZoAssert`: with "CrashRpt" when a box was shown,
+/// with the composed text otherwise (held in a static buffer until the next assertion).
+[[noreturn]] ZO_API void HandleAsserting(const char* expression, const char* message, const char* file,
+                                         int line);
 
 /// A soft check: composes and shows as `HandleAsserting` does, then returns.
 ZO_API void Expect(const char* expression, const char* message, const char* file, int line);
 
-/// Installs `functor` (null for none). The library owns it and deletes the one it replaces; installing the one that
-/// is installed changes nothing. Meant for start-up: unguarded.
+/// Installs `functor` (null for none). The library owns it and deletes the one it replaces; installing the
+/// one that is installed changes nothing. Meant for start-up: unguarded.
 ZO_API void SetAssertionFunctor(IAssertFunctor* functor);
 
 } // namespace ZoPrimitives
 
 /// Fails with the given text, which is the check's name in crash reports, unless the condition holds.
-#define ZO_ASSERT_AT(condition, text, source, line)                                                               \
+#define ZO_ASSERT_AT(condition, text, source, line)                                                          \
     ((condition) ? static_cast<void>(0) : ::ZoPrimitives::AssertWithFunctor(text, "", source, line))
 #define ZO_ASSERT(condition, text, source) ZO_ASSERT_AT(condition, text, source, __LINE__)

@@ -271,6 +271,10 @@ ZoNumberBesideText<Text, Number> operator==(const Text&, Number) = delete;
 template <class Text, class Number>
 ZoNumberBesideText<Text, Number> operator!=(const Text&, Number) = delete;
 template <class Text, class Number>
+ZoNumberBesideText<Text, Number> operator==(Number, const Text&) = delete;
+template <class Text, class Number>
+ZoNumberBesideText<Text, Number> operator!=(Number, const Text&) = delete;
+template <class Text, class Number>
 ZoNumberBesideText<Text, Number> operator+(Number, const Text&) = delete;
 
 } // namespace ZoPrimitives

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ZoPrimitives/ZoAssert.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+
+/// A failed assertion as its handler sees it; empty when none failed.
+struct FailedAssertion {
+    std::string expression;
+    std::string source;
+    int line = 0;
+
+    bool operator==(const FailedAssertion&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, const FailedAssertion& failed) {
+        return out << '"' << failed.expression << "\" in " << failed.source << ':' << failed.line;
+    }
+};
+
+/// Runs `operation` and tells which assertion ended it.
+template <class Operation>
+FailedAssertion AssertionOf(Operation operation) {
+    struct Recorder : ZoPrimitives::IAssertFunctor {
+        explicit Recorder(FailedAssertion& last) : failed(last) {}
+        void operator()(const char* expression, const char* message, const char* file, int line) override {
+            EXPECT_STREQ(message, "");
+            failed = {expression, file, line};
+        }
+        FailedAssertion& failed;
+    };
+    FailedAssertion failed;
+    ZoPrimitives::SetAssertionFunctor(new Recorder(failed));
+    try {
+        operation();
+    } catch (const ZoPrimitives::XZoAssert& e) {
+        EXPECT_STREQ(e.Message(), "AssertWithFunctor");
+        EXPECT_NE(failed.line, 0) << "thrown without the handler";
+    }
+    ZoPrimitives::SetAssertionFunctor(nullptr);
+    return failed;
+}

@@ -114,6 +114,8 @@ static_assert(PLAIN_LETTERS.size() == 64);
 
 } // namespace
 
+const char ZoString::NOTHING[] = "";
+
 ZoString::ZoString() noexcept : buffer(Allocated("", 0)) {}
 ZoString::ZoString(const char* text) noexcept
     : buffer(Allocated(text, text != nullptr ? std::strlen(text) : 0)) {}

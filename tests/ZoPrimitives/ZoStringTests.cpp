@@ -1,9 +1,9 @@
 #include "ZoPrimitives/ZoString.h"
 
-#include "Assertions.h"
-#include "CommaLocale.h"
 #include "Platform/Platform.h"
 #include "ZoPrimitives/ZoUtf8.h"
+#include "support/Assertions.h"
+#include "support/CommaLocale.h"
 
 #include <gtest/gtest.h>
 

@@ -71,7 +71,7 @@ public:
 
     unsigned length() const noexcept { return static_cast<unsigned>(Size()); }
     /// Never null.
-    const char* c_str() const noexcept { return buffer != nullptr ? buffer : ""; }
+    const char* c_str() const noexcept { return buffer != nullptr ? buffer : NOTHING; }
 
     char& operator[](unsigned pos) {
         ZO_ASSERT_AT(Holds(pos), "pos < length()", "public/include/ZoPrimitives/ZoString", 514);
@@ -256,7 +256,8 @@ private:
     ZoString Substituted(const ZoString& find, const char* replace, bool all) const noexcept;
     void Exchange(char from, char to) noexcept;
 
-    char* buffer; // of malloc; null only when moved from or when there is no memory at all
+    static const char NOTHING[]; // no literal: compilers would warn of positions in `c_str()` beyond it
+    char* buffer;                // of malloc; null only when moved from or when there is no memory at all
 };
 
 // Other modules construct and read strings directly: table of operations, reference count, buffer.

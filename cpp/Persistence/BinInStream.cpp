@@ -1,0 +1,399 @@
+#include "ZoPrimitives/BinInStream.h"
+
+#include "Persistence/ClassNames.h"
+#include "Persistence/Crc32Kernel.h"
+#include "Persistence/ErrorText.h"
+#include "Persistence/RecordFormat.h"
+#include "Persistence/UidTable.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoStreamable.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <unordered_set>
+#include <vector>
+
+namespace ZoPrimitives {
+
+using RecordFormat::HEAD_SIZE;
+
+namespace {
+
+constexpr unsigned ROUND_LIMIT = 65'535;
+
+} // namespace
+
+struct TBinInStream::Tables {
+    struct Excluded {
+        TZoClassField* field;
+        unsigned recordPosition;
+    };
+
+    std::vector<int> uids; // of `objects`, in the same order
+    bool uidsRise = true;
+    UidTable handles;
+    std::vector<Excluded> excluded;
+};
+
+TBinInStream::TBinInStream(unsigned supportedVersion, bool ownsSource)
+    : supportedVersion(supportedVersion), ownsSource(ownsSource), tables(new Tables),
+      unresolved(new TBinUnresolvedPointers) {}
+
+TBinInStream::TBinInStream(const TBinInStream& other) : TBinInStream(other.supportedVersion, false) {
+    *this = other;
+}
+
+TBinInStream& TBinInStream::operator=(const TBinInStream& other) {
+    if (this == &other) return *this;
+    version = other.version;
+    reserved1 = other.reserved1;
+    reserved2 = other.reserved2;
+    recordCount = other.recordCount;
+    release = other.release;
+    reserved3 = other.reserved3;
+    extraLength = other.extraLength;
+    supportedVersion = other.supportedVersion;
+    crc = other.crc;
+    classId = other.classId;
+    uid = other.uid;
+    key = other.key;
+    currentUid = other.currentUid;
+    skipped = other.skipped;
+    if (other.recordSize != 0) std::memcpy(Buffer(), other.record, other.recordSize);
+    UseBuffer(other.recordSize);
+    position = other.position;
+    return *this;
+}
+
+TBinInStream::~TBinInStream() { std::free(buffer); }
+
+bool TBinInStream::operator==(const TBinInStream& other) const {
+    return version == other.version && reserved1 == other.reserved1 && reserved2 == other.reserved2 &&
+           recordCount == other.recordCount && release == other.release && reserved3 == other.reserved3 &&
+           extraLength == other.extraLength && recordSize == other.recordSize &&
+           (recordSize == 0 || std::memcmp(record, other.record, recordSize) == 0);
+}
+
+unsigned char* TBinInStream::Buffer() {
+    if (buffer == nullptr) {
+        buffer = static_cast<unsigned char*>(std::calloc(1, DEFAULT_BUFFER_SIZE));
+        if (buffer == nullptr) throw std::bad_alloc();
+    }
+    return buffer;
+}
+
+void TBinInStream::UseBuffer(unsigned size) {
+    record = buffer;
+    recordSize = size;
+    position = 0;
+}
+
+void* TBinInStream::GetFile() const { return nullptr; }
+
+// Values
+
+const unsigned char* TBinInStream::TakeBlock(unsigned& size, const char* location) {
+    Take(size);
+    if (position > recordSize || size > recordSize - position) {
+        throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location);
+    }
+    const unsigned char* bytes = record + position;
+    position += size;
+    return bytes;
+}
+
+TBinInStream& TBinInStream::operator>>(ZoBlob& value) {
+    unsigned size = 0;
+    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoBlob)");
+    value.Assign(bytes, size);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(ZoString& value) {
+    unsigned size = 0;
+    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoString)");
+    value.Assign(reinterpret_cast<const char*>(bytes), size);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(char* value) {
+    unsigned size = 0;
+    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(char*)");
+    if (size != 0) std::memcpy(value, bytes, size);
+    value[size] = '\0';
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(short& value) {
+    Take(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(unsigned short& value) {
+    Take(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(int& value) {
+    Take(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(unsigned& value) {
+    Take(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(float& value) {
+    Take(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(double& value) {
+    Take(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(long double& value) {
+    double stored = 0;
+    Take(stored);
+    value = stored;
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(bool& value) {
+    unsigned char byte = 0;
+    Take(byte);
+    value = byte != 0;
+    return *this;
+}
+
+void TBinInStream::TakePastEnd(void* value, unsigned size) {
+    if (size > DEFAULT_BUFFER_SIZE - std::min(position, DEFAULT_BUFFER_SIZE)) {
+        throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), "TBinInStream::operator>>");
+    }
+    std::memset(value, 0, size);
+    const unsigned inside = GetRemaining();
+    if (inside != 0) std::memcpy(value, record + position, std::min(inside, size));
+    position += size;
+}
+
+void TBinInStream::SetRecordPosition(unsigned newPosition) { position = std::min(newPosition, recordSize); }
+
+// Raw reading
+
+void TBinInStream::SetWindow(const unsigned char* begin, const unsigned char* end) {
+    windowBegin = windowCursor = begin;
+    windowEnd = end;
+}
+
+bool TBinInStream::ReadWindow(void* data, unsigned size, unsigned& done) {
+    readError = 0;
+    const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
+    done = left < size ? static_cast<unsigned>(left) : size;
+    if (done != 0) std::memcpy(data, windowCursor, done);
+    windowCursor += done;
+    return done == size;
+}
+
+bool TBinInStream::ReadAll(void* data, unsigned size) {
+    unsigned done = 0;
+    const bool read = HasWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
+    return read && done == size;
+}
+
+void TBinInStream::ThrowReadError(const char* location) const {
+    throw XReadStream(ErrorText(readError), location);
+}
+
+void TBinInStream::ReadOrThrow(void* data, unsigned size, const char* location) {
+    if (!ReadAll(data, size)) ThrowReadError(location);
+}
+
+unsigned TBinInStream::GetSecurityKey(unsigned stored) { return RecordFormat::DecodeKey(stored); }
+
+void TBinInStream::ApplySecurityKey(unsigned key, unsigned char* data, unsigned size) {
+    RecordFormat::Scramble(key, data, size);
+}
+
+// Header
+
+void TBinInStream::ReadHeader(const char* location) {
+    ReadOrThrow(Buffer(), RecordFormat::HEADER_SIZE, location);
+    UseBuffer(RecordFormat::HEADER_SIZE);
+    if (!LoadHeader()) {
+        throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(), "TBinInStream::LoadHeader");
+    }
+    UseBuffer(0);
+}
+
+bool TBinInStream::LoadHeader() {
+    *this >> version >> reserved1 >> reserved2 >> recordCount >> release >> reserved3 >> extraLength;
+    if (version >= RecordFormat::VERSION_LIMIT || release >= RecordFormat::RELEASE_LIMIT ||
+        extraLength >= RecordFormat::EXTRA_LENGTH_LIMIT) {
+        return false;
+    }
+    if (extraLength != 0 && !ReadAll(Buffer(), extraLength)) return false;
+    if (supportedVersion < version) throw XNewerVersion();
+    return true;
+}
+
+// Records
+
+/// The usual case, without a copy: the next bytes of the window are a whole, plain, good record.
+bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
+    const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
+    if (left < HEAD_SIZE) return false;
+    const RecordFormat::RecordHead head = RecordFormat::ReadHead(windowCursor);
+    if (!RecordFormat::IsMarker(head.marker) || head.size > DEFAULT_BUFFER_SIZE || head.size > left - HEAD_SIZE ||
+        RecordFormat::DecodeKey(head.key) != 0) {
+        return false;
+    }
+    const unsigned char* payload = windowCursor + HEAD_SIZE;
+    if (~Crc32Update(0xFFFFFFFFu, payload, head.size) != head.crc) return false;
+    windowCursor = payload + head.size;
+    record = payload;
+    recordSize = head.size;
+    position = 0;
+    crc = head.crc;
+    key = 0;
+    *recordUid = uid = currentUid = head.uid;
+    *recordClassId = classId = head.classId;
+    return true;
+}
+
+bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
+    if (HasWindow() && NextInWindow(recordUid, recordClassId)) return true;
+    position = 0;
+    recordSize = 0;
+    std::uint32_t window = 0;
+    if (!ReadAll(&window, sizeof window)) {
+        // A device that fails is not the end of the data.
+        if (readError != 0) ThrowReadError("TBinInStream::LoadRecord #1");
+        return false;
+    }
+    for (unsigned round = 1; round <= ROUND_LIMIT; ++round) {
+        if (RecordFormat::IsMarker(window)) {
+            unsigned size = 0;
+            ReadOrThrow(&size, sizeof size, "TBinInStream::LoadRecord #1");
+            if (size > DEFAULT_BUFFER_SIZE) {
+                skipped += 8;
+                window = 0;
+                continue;
+            }
+            ReadOrThrow(&crc, sizeof crc, "TBinInStream::LoadRecord #2");
+            ReadOrThrow(&classId, sizeof classId, "TBinInStream::LoadRecord #3");
+            ReadOrThrow(&uid, sizeof uid, "TBinInStream::LoadRecord #4");
+            ReadOrThrow(&key, sizeof key, "TBinInStream::LoadRecord #5");
+            ReadOrThrow(Buffer(), size, "TBinInStream::LoadRecord #3");
+            if (const unsigned usedKey = GetSecurityKey(key); usedKey != 0) ApplySecurityKey(usedKey, buffer, size);
+            if (~Crc32Update(0xFFFFFFFFu, buffer, size) == crc) {
+                UseBuffer(size);
+                currentUid = uid;
+                *recordUid = uid;
+                *recordClassId = classId;
+                return true;
+            }
+            skipped += size + HEAD_SIZE;
+            window = 0;
+        } else {
+            ++skipped;
+            unsigned char byte = 0;
+            if (!ReadAll(&byte, 1)) {
+                if (readError != 0) ThrowReadError("TBinInStream::LoadRecord #5");
+                return false;
+            }
+            // Seen as bytes, least significant first: (1, new, 3, 0) of the old window. Markers repeat two bytes, so
+            // one is still met, starting from a cleared window.
+            window = (static_cast<std::uint32_t>(byte) << 8) | ((window >> 8) & 0x00FF00FFu) | (window << 24);
+        }
+    }
+    throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), "TBinInStream::LoadRecord #5");
+}
+
+// Objects
+
+void TBinInStream::AddInstance(ZoStreamableBase* object) {
+    objects.Add(object);
+    auto& uids = tables->uids;
+    if (!uids.empty() && uids.back() > currentUid) tables->uidsRise = false;
+    uids.push_back(currentUid);
+}
+
+ZoStreamableBase* TBinInStream::GetInstance(int wanted) const {
+    const auto& uids = tables->uids;
+    const auto found = tables->uidsRise ? std::lower_bound(uids.begin(), uids.end(), wanted)
+                                        : std::find(uids.begin(), uids.end(), wanted);
+    if (found == uids.end() || *found != wanted) return nullptr;
+    return objects[static_cast<unsigned long long>(found - uids.begin()) + 1];
+}
+
+ZoStreamableBase* TBinInStream::FirstObject() const { return objects.NItems() == 0 ? nullptr : objects[1]; }
+
+ZoStreamableBase* TBinInStream::FindFirstObject(const ZoString& className) const {
+    for (ZoStreamableBase* object : objects) {
+        if (PlainClassName(object->StreamableClassName()) == className) return object;
+    }
+    return nullptr;
+}
+
+void TBinInStream::FillObjects(TDVector<ZoStreamableBase*>* list) const { list->Append(objects); }
+
+void TBinInStream::RemoveInstances(const TDVector<ZoStreamableBase*>& list) {
+    const std::unordered_set<const ZoStreamableBase*> removed(list.begin(), list.end());
+    TDVector<ZoStreamableBase*> kept;
+    std::vector<int> keptUids;
+    for (std::size_t i = 0; i < tables->uids.size(); ++i) {
+        if (removed.count(objects[i + 1]) != 0) continue;
+        kept.Add(objects[i + 1]);
+        keptUids.push_back(tables->uids[i]);
+    }
+    objects = kept;
+    tables->uids = std::move(keptUids);
+}
+
+void TBinInStream::SetHandle(ZoStreamableBase* object, int handle) { tables->handles.Set(handle, object); }
+
+ZoStreamableBase* TBinInStream::GetHandle(int handle) const { return tables->handles.Get(handle); }
+
+void TBinInStream::ResetHandles() { tables->handles.Clear(); }
+
+void TBinInStream::AddUnresolved(ZoStreamableBase* object, int objectUid, TZoClass* fileClass) {
+    unresolved->Open(object, objectUid, fileClass);
+}
+
+const TBinUnresolved* TBinInStream::GetUnresolved(int objectUid) const { return unresolved->Find(objectUid); }
+
+void TBinInStream::AddExcludedField(TZoClassField* field, unsigned recordPosition) {
+    tables->excluded.push_back({field, recordPosition});
+}
+
+void TBinInStream::RemoveExcludedField(TZoClassField* field) {
+    auto& excluded = tables->excluded;
+    const auto found = std::find_if(excluded.begin(), excluded.end(),
+                                    [field](const Tables::Excluded& entry) { return entry.field == field; });
+    if (found != excluded.end()) excluded.erase(found);
+}
+
+TZoClassField* TBinInStream::GetFirstExcludedField() {
+    if (tables->excluded.empty()) return nullptr;
+    position = tables->excluded.front().recordPosition;
+    return tables->excluded.front().field;
+}
+
+void TBinInStream::ForgetInstances() {
+    objects.RemoveAll();
+    tables->uids.clear();
+    tables->handles.Clear();
+    tables->excluded.clear();
+    unresolved->Clear();
+}
+
+void TBinInStream::ClearExcludedFields() { tables->excluded.clear(); }
+
+} // namespace ZoPrimitives

@@ -1,0 +1,340 @@
+#include "ZoPrimitives/BinInStreamer.h"
+
+#include "Persistence/PointerResolver.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/XStream.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace ZoPrimitives {
+
+namespace {
+
+[[noreturn]] void Throw(const char* literal, const char* location) {
+    throw XStream(TTranslatedString(literal).Text(), location);
+}
+
+} // namespace
+
+/// What becomes of the records of one class of the file.
+struct TBinInStreamer::Use {
+    TZoClass* readAs;   // the class itself, or the ancestor that stands for it; null: records are dropped
+    bool substituted;   // readAs is an ancestor
+    bool hasValues;     // its objects have members that are objects
+};
+
+/// The objects made by one reading. Each is held until the end, so that none goes when a setter lets go of it.
+class TBinInStreamer::Made {
+public:
+    explicit Made(TBinInStream& stream) : stream(stream) {}
+    Made(const Made&) = delete;
+    Made& operator=(const Made&) = delete;
+    ~Made() {
+        if (owned) {
+            stream.ForgetInstances();
+            for (const ZoStreamableBase* object : objects) delete object;
+        } else {
+            for (const ZoStreamableBase* object : objects) ZoReferenceCount::Surrender(object);
+        }
+        for (const ZoStreamableBase* object : consumed) delete object;
+    }
+
+    void Add(ZoStreamableBase* object) {
+        const std::unique_ptr<ZoStreamableBase> holder(object);
+        objects.push_back(object);
+        ZoReferenceCount::Add(object);
+        (void)const_cast<std::unique_ptr<ZoStreamableBase>&>(holder).release();
+    }
+    void DropLast() {
+        const ZoStreamableBase* object = objects.back();
+        objects.pop_back();
+        delete object;
+    }
+    /// From here on the objects are the caller's.
+    void HandOver() { owned = false; }
+    /// The objects whose members stand for them now are to be deleted here.
+    void Consume(const std::unordered_set<const ZoStreamableBase*>& taken) {
+        const auto isTaken = [&](const ZoStreamableBase* object) { return taken.count(object) != 0; };
+        objects.erase(std::remove_if(objects.begin(), objects.end(), isTaken), objects.end());
+        consumed.insert(consumed.end(), taken.begin(), taken.end());
+    }
+    void Forget(const std::unordered_set<const ZoStreamableBase*>& ended) {
+        const auto hasEnded = [&](const ZoStreamableBase* object) { return ended.count(object) != 0; };
+        objects.erase(std::remove_if(objects.begin(), objects.end(), hasEnded), objects.end());
+    }
+
+    const std::vector<ZoStreamableBase*>& Objects() const { return objects; }
+    std::vector<ZoStreamableBase*> invalid;                // by their own word, while they were read
+    std::unordered_set<const ZoStreamableBase*> members;   // objects that stand inside others
+    bool hasValues = false;
+
+private:
+    TBinInStream& stream;
+    std::vector<ZoStreamableBase*> objects;
+    std::vector<const ZoStreamableBase*> consumed;
+    bool owned = true;
+};
+
+/// Copies objects that are held by value into their owners, owners first, and lets the members stand for them.
+class TBinInStreamer::Values : public ValueTaker {
+public:
+    Values(TBinInStream& stream, Made& made) : stream(stream), made(made) {}
+
+    void Run() {
+        auto& entries = stream.UnresolvedPointers().Entries();
+        for (std::size_t i = 0; i < entries.size(); ++i) byUid[entries[i].uid] = i;
+        collecting = true;
+        for (const TBinUnresolved& entry : entries) Walk(entry);
+        collecting = false;
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            if (claims.count(entries[i].uid) == 0) waiting.push_back(i);
+        }
+        while (!waiting.empty()) {
+            const std::size_t next = waiting.back();
+            waiting.pop_back();
+            Walk(entries[next]);
+        }
+        MoveInvalidToOwners();
+        made.Consume(taken);
+        TDVector<ZoStreamableBase*> gone;
+        for (const ZoStreamableBase* object : taken) gone.Add(const_cast<ZoStreamableBase*>(object));
+        stream.RemoveInstances(gone);
+    }
+
+    void TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) override {
+        ZoStreamableBase* value = stream.GetHandle(uid);
+        if (value == nullptr || !field.Accepts(value)) return;
+        if (collecting) {
+            claims.emplace(uid, owner);
+            return;
+        }
+        const auto claim = claims.find(uid);
+        field.Set(owner, value);
+        // A second owner gets a copy and no more.
+        if (claim == claims.end() || claim->second != owner || made.members.count(value) != 0) return;
+        ZoStreamableBase* member = field.Get(owner);
+        const auto entry = byUid.find(uid);
+        if (member == nullptr || member == value || entry == byUid.end()) return;
+        ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
+        made.members.insert(member);
+        stream.SetHandle(member, uid);
+        stream.UnresolvedPointers().Entries()[entry->second].object = member;
+        taken.insert(value);
+        owners[value] = owner;
+        owners[member] = owner;
+        waiting.push_back(entry->second);
+    }
+
+private:
+    void Walk(const TBinUnresolved& entry) {
+        TZoPointerResolver resolver(stream, nullptr, this);
+        resolver.Begin(stream.UnresolvedPointers().Uids() + entry.firstUid);
+        entry.fileClass->LoadResolvePointers(resolver, entry.object);
+    }
+
+    void MoveInvalidToOwners() {
+        for (ZoStreamableBase*& object : made.invalid) {
+            for (auto owner = owners.find(object); owner != owners.end(); owner = owners.find(object)) {
+                object = owner->second;
+            }
+        }
+    }
+
+    TBinInStream& stream;
+    Made& made;
+    bool collecting = false;
+    std::unordered_map<int, std::size_t> byUid;               // entries
+    std::unordered_map<int, const ZoStreamableBase*> claims;  // who takes a value first
+    std::unordered_map<const ZoStreamableBase*, ZoStreamableBase*> owners;
+    std::unordered_set<const ZoStreamableBase*> taken;
+    std::vector<std::size_t> waiting;
+};
+
+TBinInStreamer::TBinInStreamer(TBinInStream* stream, TZoMetaData* schema) : stream(stream), schema(schema) {}
+TBinInStreamer::~TBinInStreamer() = default;
+
+void TBinInStreamer::OnAfterLoadInstance(ZoStreamableBase*) {}
+void TBinInStreamer::OnAfterResolveInstance(ZoStreamableBase*) {}
+
+ZoStreamableBase* TBinInStreamer::CreateInstance(TZoClass* fileClass, TZoMetaData* fileMetaData,
+                                                 TZoMetaData* appMetaData) {
+    return fileClass->CreateInstance(fileMetaData, appMetaData);
+}
+
+void* TBinInStreamer::GetFile() const { return stream->GetFile(); }
+
+ZoStreamableBase* TBinInStreamer::ReadObjects() {
+    int uid = 0;
+    int classId = 0;
+    if (!stream->LoadRecord(&uid, &classId)) Throw("Metadado corrompido", "TBinInStreamer::ReadObjects #1");
+    if (!fileSchema.LoadFromStream(stream, schema)) {
+        Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #2");
+    }
+    uses.clear();
+    stream->ForgetInstances();
+    Made made(*stream);
+    while (stream->LoadRecord(&uid, &classId)) ReadRecord(uid, classId, made);
+    made.HandOver();
+    Resolve(made);
+    Validate(made);
+    return stream->FirstObject();
+}
+
+const TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
+    // Ids are small as a rule; the table never grows beyond a small multiple of the number of classes.
+    const auto index = static_cast<std::size_t>(classId);
+    const bool dense = classId > 0 && index < 1024 + 4 * static_cast<std::size_t>(fileSchema.GetClassCount());
+    if (dense && index < uses.size() && uses[index] != nullptr) return *uses[index];
+    if (!dense) {
+        const auto found = rareUses.find(classId);
+        if (found != rareUses.end()) return *found->second;
+    }
+    TZoClass* fileClass = fileSchema.FindClass(classId);
+    if (fileClass == nullptr) Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #3");
+    auto use = std::make_unique<Use>(Use{fileClass, false, false});
+    if (fileClass->GetOriginal() == nullptr) {
+        unknown.AddUnique(fileClass);
+        use->substituted = true;
+        while (use->readAs != nullptr && use->readAs->GetOriginal() == nullptr) {
+            TZoClass* parent = use->readAs->GetParentClass();
+            use->readAs = parent == nullptr || parent->GetAbstract() ? nullptr : parent;
+        }
+    }
+    use->hasValues = use->readAs != nullptr && use->readAs->GetOriginal()->HasValueChildren();
+    if (!dense) return *(rareUses[classId] = std::move(use));
+    if (index >= uses.size()) uses.resize(index + 1);
+    uses[index] = std::move(use);
+    return *uses[index];
+}
+
+void TBinInStreamer::ReadRecord(int uid, int classId, Made& made) {
+    const Use& use = UseOf(classId);
+    if (use.readAs == nullptr) return;
+    ZoStreamableBase* object = CreateInstance(use.readAs, &fileSchema, schema);
+    if (object == nullptr) return;
+    made.Add(object);
+    if (use.substituted && !object->CanBeConvertedToBaseClass()) {
+        made.DropLast();
+        return;
+    }
+    made.hasValues = made.hasValues || use.hasValues;
+    stream->SetHandle(object, uid);
+    use.readAs->LoadFromStream(stream, object);
+    if (!object->OnRead(stream, use.substituted)) made.invalid.push_back(object);
+    stream->AddInstance(object);
+    OnAfterLoadInstance(object);
+    object->CheckForExcludedFields(stream);
+}
+
+void TBinInStreamer::Resolve(Made& made) {
+    if (made.hasValues) Values(*stream, made).Run();
+    TBinUnresolvedPointers& unresolved = stream->UnresolvedPointers();
+    TZoPointerResolver resolver(*stream, made.members.empty() ? nullptr : &made.members, nullptr);
+    for (const TBinUnresolved& entry : unresolved.Entries()) {
+        resolver.Begin(unresolved.Uids() + entry.firstUid);
+        entry.fileClass->LoadResolvePointers(resolver, entry.object);
+        OnAfterResolveInstance(entry.object);
+    }
+    unresolved.Clear();
+    stream->ResetHandles();
+}
+
+void TBinInStreamer::Validate(Made& made) {
+    const std::unordered_set<const ZoStreamableBase*> known(made.invalid.begin(), made.invalid.end());
+    TDList<ZoStreamableBase*> invalid;
+    for (ZoStreamableBase* object : made.Objects()) {
+        const bool foundBefore = !known.empty() && known.count(object) != 0;
+        if (!OnReadInstance(object, foundBefore)) invalid.Add(object);
+    }
+    if (invalid.NItems() == 0) return;
+    const std::unordered_set<const ZoStreamableBase*> ended = Remove(invalid);
+    made.Forget(ended);
+}
+
+bool TBinInStreamer::OnReadInstance(ZoStreamableBase* object, bool invalid) {
+    if (invalid || !object->GetIsValid()) return false;
+    TZoClass* objectClass = object->GetOriginalClass(schema);
+    if (objectClass == nullptr || !objectClass->HasValueChildren()) return true;
+    for (ZoStreamableBase* member : ChildsByValueOfInstance(object)) {
+        if (!OnReadInstance(member, false)) return false;
+    }
+    return true;
+}
+
+TDVector<ZoStreamableBase*> TBinInStreamer::ChildsByValueOfInstance(ZoStreamableBase* object) {
+    TDVector<ZoStreamableBase*> members;
+    if (TZoClass* objectClass = object->GetOriginalClass(schema)) objectClass->FillValueChildren(object, &members);
+    return members;
+}
+
+void TBinInStreamer::RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid) { Remove(*invalid); }
+
+std::unordered_set<const ZoStreamableBase*> TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
+    TDVector<ZoStreamableBase*> cascade;
+    std::unordered_set<const ZoStreamableBase*> members;
+    for (ZoStreamableBase* object : invalid) cascade.AddUnique(object);
+    schema->FillObjectsCascade(&cascade);
+    std::unordered_set<const ZoStreamableBase*> removed(cascade.begin(), cascade.end());
+
+    // What an object that stays owns stays too, with all that hangs from it.
+    const std::unordered_set<const ZoStreamableBase*> doomed(invalid.begin(), invalid.end());
+    TDVector<ZoStreamableBase*> staying;
+    for (ZoStreamableBase* object : stream->Objects()) {
+        if (removed.count(object) == 0) staying.Add(object);
+    }
+    class Keeper : public ZoStreamableBaseFunctor {
+    public:
+        Keeper(std::unordered_set<const ZoStreamableBase*>& removed,
+               const std::unordered_set<const ZoStreamableBase*>& doomed, TDVector<ZoStreamableBase*>& staying)
+            : removed(removed), doomed(doomed), staying(staying) {}
+        void operator()(ZoStreamableBase* item) override {
+            if (item != nullptr && doomed.count(item) == 0 && removed.erase(item) != 0) staying.Add(item);
+        }
+
+    private:
+        std::unordered_set<const ZoStreamableBase*>& removed;
+        const std::unordered_set<const ZoStreamableBase*>& doomed;
+        TDVector<ZoStreamableBase*>& staying;
+    };
+    Keeper keep(removed, doomed, staying);
+    for (unsigned long long i = 1; i <= staying.NItems(); ++i) {
+        ZoStreamableBase* object = staying[i];
+        if (TZoClass* objectClass = object->GetOriginalClass(schema)) objectClass->ChildsReferences(object, keep);
+    }
+
+    // Members go with their owners and are not objects to delete.
+    const auto isRemoved = [](const void* context, const ZoStreamableBase* object) {
+        return static_cast<const std::unordered_set<const ZoStreamableBase*>*>(context)->count(object) != 0;
+    };
+    std::unordered_set<const ZoStreamableBase*> inside;
+    for (const ZoStreamableBase* object : removed) {
+        TDVector<ZoStreamableBase*> owned = ChildsByValueOfInstance(const_cast<ZoStreamableBase*>(object));
+        for (unsigned long long i = 1; i <= owned.NItems(); ++i) {
+            if (inside.insert(owned[i]).second) owned.Append(ChildsByValueOfInstance(owned[i]));
+        }
+    }
+    std::unordered_set<const ZoStreamableBase*> unreachable = removed;
+    unreachable.insert(inside.begin(), inside.end());
+    for (const ZoStreamableBase* object : inside) removed.erase(object);
+
+    for (const ZoStreamableBase* object : removed) ZoReferenceCount::Add(object);
+    const auto detach = [&](ZoStreamableBase* object) {
+        if (TZoClass* objectClass = object->GetOriginalClass(schema)) {
+            objectClass->DeleteReferences(object, isRemoved, &unreachable);
+        }
+    };
+    for (ZoStreamableBase* object : staying) detach(object);
+    for (const ZoStreamableBase* object : unreachable) detach(const_cast<ZoStreamableBase*>(object));
+    TDVector<ZoStreamableBase*> ended;
+    for (const ZoStreamableBase* object : removed) ended.Add(const_cast<ZoStreamableBase*>(object));
+    stream->RemoveInstances(ended);
+    for (const ZoStreamableBase* object : removed) delete object;
+    return removed;
+}
+
+} // namespace ZoPrimitives

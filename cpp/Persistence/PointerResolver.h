@@ -1,0 +1,58 @@
+#pragma once
+
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/ZoClassField.h"
+
+#include <cstdint>
+#include <typeinfo>
+#include <unordered_set>
+
+namespace ZoPrimitives {
+
+/// Takes the objects that are members of others: `owner`'s member behind `field` stands for the one read under `uid`.
+class ValueTaker {
+public:
+    virtual ~ValueTaker() = default;
+    virtual void TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) = 0;
+};
+
+/// Walks the uids that one object's pointer fields hold and finds the objects that they name: in one pass those that
+/// are members of their owner (with a `ValueTaker`), in the other all the rest.
+class TZoPointerResolver {
+public:
+    /// `members` (may be null): objects that stand inside others and can have no other owner.
+    TZoPointerResolver(TBinInStream& stream, const std::unordered_set<const ZoStreamableBase*>* members,
+                       ValueTaker* taker)
+        : stream(stream), members(members), taker(taker) {}
+
+    void Begin(const std::int32_t* uids) { next = uids; }
+    int Next() { return *next++; }
+    /// A block of uids; the cursor moves behind it.
+    const std::int32_t* Take(int count) {
+        const std::int32_t* begin = next;
+        next += count;
+        return begin;
+    }
+    ZoStreamableBase* Find(int uid) const { return stream.GetHandle(uid); }
+
+    TZoClassField* Original(const TZoClassField& field) const { return field.GetOriginal(stream); }
+    void SetPassingOver(bool passing) { stream.SetPassingOver(passing); }
+
+    bool ResolvesReferences() const { return taker == nullptr; }
+    void ResolveValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) {
+        if (taker != nullptr) taker->TakeValue(field, owner, uid);
+    }
+    /// Whether a setter may be given the object.
+    bool Allows(const TZoClassFieldPointerBase& field, const ZoStreamableBase* target) const {
+        if (members != nullptr && field.Owns() && members->count(target) != 0) return false;
+        return field.Accepts(target);
+    }
+
+private:
+    TBinInStream& stream;
+    const std::unordered_set<const ZoStreamableBase*>* members;
+    ValueTaker* taker;
+    const std::int32_t* next = nullptr;
+};
+
+} // namespace ZoPrimitives

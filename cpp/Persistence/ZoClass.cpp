@@ -1,0 +1,549 @@
+#include "Persistence/GraphWalk.h"
+#include "Persistence/PointerResolver.h"
+#include "Persistence/RecordChecks.h"
+#include "Persistence/RecordFormat.h"
+#include "Persistence/SchemaWalk.h"
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/BinOutStreamer.h"
+#include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/ZoMetaData.h"
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
+constexpr int PARENTS_FOLLOW = -1; // stands where older files have their one parent
+
+/// Whether a file's field of one kind can be read into an application's field of another.
+bool SameEncoding(TZoClassFieldType a, TZoClassFieldType b) {
+    const auto shape = [](TZoClassFieldType kind) {
+        switch (kind) {
+        case ftChildValue:
+            return ftChildPointer;
+        case ftPointerEx:
+            return ftPointer;
+        case ftPointerListEx:
+            return ftPointerList;
+        case ftInt:
+        case ftFloat:
+        case ftDouble:
+        case ftString:
+        case ftBlob:
+        case ftChildPointer:
+        case ftChildPointerList:
+        case ftPointer:
+        case ftPointerList:
+        case ftBool:
+        case ftListInt:
+        case ftListFloat:
+        case ftListDouble:
+        case ftListString:
+        case ftUnsigned:
+        case ftChildPointerMap:
+            return kind;
+        }
+        return kind;
+    };
+    return shape(a) == shape(b);
+}
+
+/// Lets a stream, or a resolver of its pointers, pass fields over for a while.
+template <class Target>
+class PassingOver {
+public:
+    PassingOver(Target& target, bool passing) : target(target) { target.SetPassingOver(passing); }
+    PassingOver(const PassingOver&) = delete;
+    PassingOver& operator=(const PassingOver&) = delete;
+    ~PassingOver() { target.SetPassingOver(false); }
+
+private:
+    Target& target;
+};
+
+} // namespace
+
+TZoCadastre::TZoCadastre(const ZoString& className) : className(className) {}
+TZoCadastre::~TZoCadastre() = default;
+
+TZoClass::TZoClass(TZoMetaData* schema, Parents* parentClasses, const ZoString& name, TZoCreateFunction create,
+                   bool abstract, TZoCadastre* cadastre)
+    : name(name), abstract(abstract), create(create), cadastre(cadastre), schema(schema) {
+    if (parentClasses != nullptr) parents.Append(*parentClasses);
+}
+
+// Fields
+
+TZoClass::FieldList& TZoClass::ListOf(TZoClassFieldType kind) {
+    switch (kind) {
+    case ftChildPointer:
+    case ftChildValue:
+        return fieldsChilds;
+    case ftPointer:
+    case ftPointerEx:
+        return fieldsReferences;
+    case ftChildPointerList:
+        return fieldsChildLists;
+    case ftPointerList:
+    case ftPointerListEx:
+        return fieldsReferencesLists;
+    case ftChildPointerMap:
+        return fieldsChildMaps;
+    case ftInt:
+    case ftFloat:
+    case ftDouble:
+    case ftString:
+    case ftBlob:
+    case ftBool:
+    case ftListInt:
+    case ftListFloat:
+    case ftListDouble:
+    case ftListString:
+    case ftUnsigned:
+        return fields;
+    }
+    return fields;
+}
+
+template <class Field>
+Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
+    pointer<TZoClassField> holder(field);
+    TZoClassField& base = *field;
+    base.owner = this;
+    base.fieldClass = fieldClass;
+    base.ordinal = fieldCount;
+    if (fieldClass != nullptr) base.className = fieldClass->GetName();
+    ListOf(base.kind).Add(field);
+    ++fieldCount;
+    if (base.kind == ftPointerEx || base.kind == ftPointerListEx) collectsExternals = true;
+    return field;
+}
+
+TZoClassField* TZoClass::AddFieldInt(const ZoString& field, TZoSetter<int> set, TZoGetter<int> get) {
+    return Adopt(new TZoClassFieldInt(field, set, get), nullptr);
+}
+TZoClassField* TZoClass::AddFieldUnsigned(const ZoString& field, TZoSetter<unsigned> set, TZoGetter<unsigned> get) {
+    return Adopt(new TZoClassFieldUnsigned(field, set, get), nullptr);
+}
+TZoClassField* TZoClass::AddFieldBool(const ZoString& field, TZoSetter<bool> set, TZoGetter<bool> get) {
+    return Adopt(new TZoClassFieldBool(field, set, get), nullptr);
+}
+TZoClassField* TZoClass::AddFieldFloat(const ZoString& field, TZoSetter<float> set, TZoGetter<float> get) {
+    return Adopt(new TZoClassFieldFloat(field, set, get), nullptr);
+}
+TZoClassField* TZoClass::AddFieldDouble(const ZoString& field, TZoSetter<double> set, TZoGetter<double> get) {
+    return Adopt(new TZoClassFieldDouble(field, set, get), nullptr);
+}
+TZoClassField* TZoClass::AddFieldString(const ZoString& field, TZoSetter<ZoString> set, TZoGetter<ZoString> get) {
+    return Adopt(new TZoClassFieldString(field, set, get), nullptr);
+}
+TZoClassField* TZoClass::AddFieldBlob(const ZoString& field, TZoSetter<ZoBlob> set, TZoGetter<ZoBlob> get) {
+    return Adopt(new TZoClassFieldBlob(field, set, get), nullptr);
+}
+TZoClassField* TZoClass::AddFieldListInt(const ZoString& field, const TZoListAccessors<int>& access) {
+    return Adopt(new TZoClassFieldListInt(field, access), nullptr);
+}
+TZoClassField* TZoClass::AddFieldListFloat(const ZoString& field, const TZoListAccessors<float>& access) {
+    return Adopt(new TZoClassFieldListFloat(field, access), nullptr);
+}
+TZoClassField* TZoClass::AddFieldListDouble(const ZoString& field, const TZoListAccessors<double>& access) {
+    return Adopt(new TZoClassFieldListDouble(field, access), nullptr);
+}
+TZoClassField* TZoClass::AddFieldListString(const ZoString& field, const TZoListAccessors<ZoString>& access) {
+    return Adopt(new TZoClassFieldListString(field, access), nullptr);
+}
+TZoClassFieldPointer* TZoClass::AddFieldChildPointer(const ZoString& field, TZoClass* fieldClass,
+                                                     TZoPointerSetter set, TZoPointerGetter get) {
+    return Adopt(new TZoClassFieldPointer(field, ftChildPointer, set, get), fieldClass);
+}
+TZoClassFieldPointer* TZoClass::AddFieldChildValue(const ZoString& field, TZoClass* fieldClass,
+                                                   TZoPointerSetter set, TZoPointerGetter get) {
+    return Adopt(new TZoClassFieldPointer(field, ftChildValue, set, get), fieldClass);
+}
+TZoClassFieldPointer* TZoClass::AddFieldPointer(const ZoString& field, TZoClass* fieldClass, TZoPointerSetter set,
+                                                TZoPointerGetter get) {
+    return Adopt(new TZoClassFieldPointer(field, ftPointer, set, get), fieldClass);
+}
+TZoClassFieldPointer* TZoClass::AddFieldPointerEx(const ZoString& field, TZoClass* fieldClass, TZoPointerSetter set,
+                                                  TZoPointerGetter get) {
+    return Adopt(new TZoClassFieldPointer(field, ftPointerEx, set, get), fieldClass);
+}
+TZoClassFieldPointerList* TZoClass::AddFieldChildPointerList(const ZoString& field, TZoClass* fieldClass,
+                                                             const TZoPointerListAccessors& access) {
+    return Adopt(new TZoClassFieldPointerList(field, ftChildPointerList, access), fieldClass);
+}
+TZoClassFieldPointerList* TZoClass::AddFieldPointerList(const ZoString& field, TZoClass* fieldClass,
+                                                        const TZoPointerListAccessors& access) {
+    return Adopt(new TZoClassFieldPointerList(field, ftPointerList, access), fieldClass);
+}
+TZoClassFieldPointerList* TZoClass::AddFieldPointerListEx(const ZoString& field, TZoClass* fieldClass,
+                                                          const TZoPointerListAccessors& access) {
+    return Adopt(new TZoClassFieldPointerList(field, ftPointerListEx, access), fieldClass);
+}
+TZoClassFieldPointerMap* TZoClass::AddFieldChildPointerMap(const ZoString& field, TZoClass* fieldClass,
+                                                           TZoClassField* key, TZoClassField* value) {
+    auto* map = Adopt(new TZoClassFieldPointerMap(field), fieldClass);
+    map->AddFields(key, value);
+    return map;
+}
+
+TZoClassField* TZoClass::AddField(int fieldClassId, TZoClassFieldType kind, const ZoString& field) {
+    TZoClassField* made = nullptr;
+    switch (kind) {
+    case ftInt:
+        made = AddFieldInt(field, nullptr, nullptr);
+        break;
+    case ftFloat:
+        made = AddFieldFloat(field, nullptr, nullptr);
+        break;
+    case ftDouble:
+        made = AddFieldDouble(field, nullptr, nullptr);
+        break;
+    case ftString:
+        made = AddFieldString(field, nullptr, nullptr);
+        break;
+    case ftBlob:
+        made = AddFieldBlob(field, nullptr, nullptr);
+        break;
+    case ftBool:
+        made = AddFieldBool(field, nullptr, nullptr);
+        break;
+    case ftUnsigned:
+        made = AddFieldUnsigned(field, nullptr, nullptr);
+        break;
+    case ftListInt:
+        made = AddFieldListInt(field, {});
+        break;
+    case ftListFloat:
+        made = AddFieldListFloat(field, {});
+        break;
+    case ftListDouble:
+        made = AddFieldListDouble(field, {});
+        break;
+    case ftListString:
+        made = AddFieldListString(field, {});
+        break;
+    case ftChildPointer:
+        made = AddFieldChildPointer(field, nullptr, nullptr, nullptr);
+        break;
+    case ftChildValue:
+        made = AddFieldChildValue(field, nullptr, nullptr, nullptr);
+        break;
+    case ftPointer:
+        made = AddFieldPointer(field, nullptr, nullptr, nullptr);
+        break;
+    case ftPointerEx:
+        made = AddFieldPointerEx(field, nullptr, nullptr, nullptr);
+        break;
+    case ftChildPointerList:
+        made = AddFieldChildPointerList(field, nullptr, {});
+        break;
+    case ftPointerList:
+        made = AddFieldPointerList(field, nullptr, {});
+        break;
+    case ftPointerListEx:
+        made = AddFieldPointerListEx(field, nullptr, {});
+        break;
+    case ftChildPointerMap:
+        made = AddFieldChildPointerMap(field, nullptr, nullptr, nullptr);
+        break;
+    }
+    if (made != nullptr) made->fieldClassId = fieldClassId;
+    return made;
+}
+
+TZoClassField* TZoClass::FindField(const ZoString& wanted) {
+    for (const FieldList* list : StreamingOrder()) {
+        for (const auto& field : *list) {
+            if (field->GetFieldName() == wanted) return field.get();
+        }
+    }
+    for (const auto& parent : parents) {
+        if (TZoClassField* field = parent->FindField(wanted)) return field;
+    }
+    return nullptr;
+}
+
+std::array<const TZoClass::FieldList*, 6> TZoClass::StreamingOrder() const {
+    return {&fieldsChildMaps, &fields, &fieldsChilds, &fieldsChildLists, &fieldsReferences, &fieldsReferencesLists};
+}
+
+TZoClassField* TZoClass::GetField(int index) {
+    ZO_ASSERT(index >= 1 && index <= GetFieldCount(), "index >= 1 && index <= GetFieldCount()", SOURCE);
+    auto left = static_cast<unsigned long long>(index);
+    for (const FieldList* list : StreamingOrder()) {
+        if (left <= list->NItems()) return (*list)[left].get();
+        left -= list->NItems();
+    }
+    return nullptr;
+}
+
+int TZoClass::GetFieldCount() const { return static_cast<int>(fieldCount); }
+
+unsigned long long TZoClass::GetFieldPointerCount() const {
+    unsigned long long count = fieldsChildMaps.NItems();
+    ForEachPointerField([&count](const TZoClassField&) { ++count; });
+    for (const auto& parent : parents) count += parent->GetFieldPointerCount();
+    return count;
+}
+
+void TZoClass::FillAllClassFields(TIList<TZoClassField>* list) {
+    for (const auto& parent : parents) parent->FillAllClassFields(list);
+    for (const FieldList* own : StreamingOrder()) {
+        for (const auto& field : *own) list->Add(field.get());
+    }
+}
+
+bool TZoClass::IsInherited(const TZoClass* ancestor) const {
+    if (this == ancestor) return true;
+    for (const auto& parent : parents) {
+        if (parent->IsInherited(ancestor)) return true;
+    }
+    return false;
+}
+
+bool TZoClass::IsInherited(const ZoString& ancestorName) const {
+    if (name == ancestorName) return true;
+    for (const auto& parent : parents) {
+        if (parent->IsInherited(ancestorName)) return true;
+    }
+    return false;
+}
+
+bool TZoClass::HasValueChildren() const {
+    for (const auto& field : fieldsChilds) {
+        if (field->GetFieldType() == ftChildValue) return true;
+    }
+    for (const auto& parent : parents) {
+        if (parent->HasValueChildren()) return true;
+    }
+    return false;
+}
+
+ZoStreamableBase* TZoClass::CreateInstance(TZoMetaData* fileSchema, TZoMetaData* applicationSchema) {
+    TZoClass* made = original != nullptr ? original : this;
+    return made->create == nullptr ? nullptr : made->create(fileSchema, applicationSchema, made);
+}
+
+void TZoClass::SetOriginal(TZoClass* applicationClass) {
+    original = applicationClass;
+    for (const FieldList* list : StreamingOrder()) {
+        for (const auto& field : *list) {
+            TZoClassField* target =
+                applicationClass == nullptr ? nullptr : applicationClass->FindField(field->GetFieldName());
+            const bool fits = target != nullptr && SameEncoding(target->GetFieldType(), field->GetFieldType());
+            field->original = fits ? target : nullptr;
+        }
+    }
+}
+
+// The class's entry in the schema record
+
+void TZoClass::SaveMetaToStream(TBinOutStream* stream) { SaveMetaToStream(stream, nullptr); }
+
+void TZoClass::SaveMetaToStream(TBinOutStream* stream, const TZoMetaData* target) {
+    *stream << classId << name << abstract << PARENTS_FOLLOW << static_cast<int>(parents.NItems());
+    for (const auto& parent : parents) *stream << parent->GetClassId();
+    if (fieldsChildMaps.NItems() != 0) {
+        SaveBlock(stream, fieldsChildMaps, "fieldsChildMaps->NItems() <= MAX_INT_SIZE", target);
+    }
+    SaveBlock(stream, fields, "fields->NItems() <= MAX_INT_SIZE", target);
+    SaveBlock(stream, fieldsChilds, "fieldsChilds->NItems() <= MAX_INT_SIZE", target);
+    SaveBlock(stream, fieldsChildLists, "fieldsChildLists->NItems() <= MAX_INT_SIZE", target);
+    SaveBlock(stream, fieldsReferences, "fieldsReferences->NItems() <= MAX_INT_SIZE", target);
+    SaveBlock(stream, fieldsReferencesLists, "fieldsReferencesLists->NItems() <= MAX_INT_SIZE", target);
+}
+
+void TZoClass::SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
+                         const TZoMetaData* target) {
+    ZO_ASSERT(list.NItems() <= RecordFormat::MAX_INT_SIZE, countCheck, SOURCE);
+    *stream << static_cast<unsigned>(list.NItems());
+    for (const auto& field : list) {
+        const TZoClass* fieldClass = field->GetFieldClass();
+        // A class that the file does not list cannot be looked up in it.
+        const bool listed = fieldClass != nullptr &&
+                            (target == nullptr || target->FindClass(fieldClass->GetClassId()) == fieldClass);
+        *stream << (listed ? fieldClass->GetClassId() : 0) << static_cast<int>(field->GetFieldType())
+                << field->GetFieldName();
+    }
+}
+
+void TZoClass::LoadMetaFromStream(TBinInStream* stream) {
+    int marker = 0;
+    *stream >> classId >> name >> abstract >> marker;
+    storedParentIds.clear();
+    if (marker == PARENTS_FOLLOW) {
+        int count = 0;
+        *stream >> count;
+        CheckRemaining(*stream, count, sizeof(std::int32_t));
+        for (int i = 0; i < count; ++i) {
+            int id = 0;
+            *stream >> id;
+            storedParentIds.push_back(id);
+        }
+    } else {
+        storedParentIds.push_back(marker);
+    }
+    if (LoadBlock(stream) == ftChildPointerMap) LoadBlock(stream);
+    for (int block = 0; block < 4; ++block) LoadBlock(stream);
+}
+
+/// Returns the kind of the block's last entry as it is stored, even when no field was made of it; 0 without entries.
+int TZoClass::LoadBlock(TBinInStream* stream) {
+    constexpr unsigned SMALLEST_ENTRY = 12;
+    int count = 0;
+    *stream >> count;
+    CheckRemaining(*stream, count, SMALLEST_ENTRY);
+    int kind = 0;
+    for (int i = 0; i < count; ++i) {
+        int fieldClassId = 0;
+        ZoString fieldName;
+        TZoClassField::LoadMetaFromStream(stream, fieldClassId, kind, fieldName);
+        AddField(fieldClassId, static_cast<TZoClassFieldType>(kind), fieldName);
+    }
+    return kind;
+}
+
+// Writing
+
+void TZoClass::GetClassMetaData(TZoMetaData* applicationSchema, ZoStreamableBase* root, TDVector<ZoString>* names) {
+    SchemaWalk walk(applicationSchema);
+    walk.Run(root);
+    for (int i = 1; i <= applicationSchema->GetClassCount(); ++i) {
+        const TZoClass* candidate = applicationSchema->GetClass(i);
+        if (walk.Uses(candidate)) names->AddUnique(candidate->GetName());
+    }
+}
+
+void TZoClass::AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,
+                               TDList<ZoStreamableBase*>* externals) {
+    GraphWalk(*stream, schema, *externals).Run(object);
+}
+
+void TZoClass::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
+    streamer->SaveInstance(stream, object);
+}
+
+void TZoClass::SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
+    for (const auto& parent : parents) parent->SaveToStreamPre(stream, streamer, object);
+    object->WillWrite();
+    for (const auto& field : fieldsChildMaps) {
+        static_cast<TZoClassFieldPointerMap*>(field.get())->SavePair(stream, streamer, object);
+    }
+    for (const auto& field : fields) field->SaveToStream(stream, streamer, object);
+    for (const auto& field : fieldsChilds) {
+        static_cast<TZoClassFieldPointer*>(field.get())->SavePointer(stream, streamer, object);
+    }
+    for (const auto& field : fieldsChildLists) {
+        static_cast<TZoClassFieldPointerList*>(field.get())->SavePointers(stream, streamer, object);
+    }
+    for (const auto& field : fieldsReferences) {
+        static_cast<TZoClassFieldPointer*>(field.get())->SavePointer(stream, streamer, object);
+    }
+    for (const auto& field : fieldsReferencesLists) {
+        static_cast<TZoClassFieldPointerList*>(field.get())->SavePointers(stream, streamer, object);
+    }
+}
+
+void TZoClass::SaveToStreamPos(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
+    for (const auto& parent : parents) parent->SaveToStreamPos(stream, streamer, object);
+    for (const auto& field : fieldsChildMaps) field->SaveToStream(stream, streamer, object);
+    for (const auto& field : fieldsChilds) field->SaveToStream(stream, streamer, object);
+    for (const auto& field : fieldsChildLists) field->SaveToStream(stream, streamer, object);
+}
+
+void TZoClass::ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {
+    for (const auto& parent : parents) parent->ChildsReferences(object, action);
+    for (const auto& field : fieldsChildMaps) field->GetFieldMetaData(object, action);
+    for (const auto& field : fieldsChilds) field->GetFieldMetaData(object, action);
+    for (const auto& field : fieldsChildLists) field->GetFieldMetaData(object, action);
+}
+
+// Reading
+
+void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
+    stream->AddUnresolved(object, stream->GetCurrentUID(), this);
+    stream->ClearExcludedFields();
+    if (LevelsApply()) {
+        LoadFromStreamPre(stream, object);
+    } else {
+        ForEachLevel([&](TZoClass& level) {
+            const PassingOver guard(*stream, !AppliesTo(level));
+            level.LoadOwnFields(stream, object);
+        });
+    }
+}
+
+/// Whether the accessors of a level's application class may be used on objects of this class's application class:
+/// a file may give a class parents that it does not have in the application.
+bool TZoClass::AppliesTo(const TZoClass& level) const {
+    return level.original == nullptr || (original != nullptr && original->IsInherited(level.original));
+}
+
+bool TZoClass::LevelsApply() {
+    if (levelsApply == Unknown) {
+        levelsApply = Yes;
+        ForEachLevel([this](const TZoClass& level) {
+            if (!AppliesTo(level)) levelsApply = No;
+        });
+    }
+    return levelsApply == Yes;
+}
+
+template <class Action>
+void TZoClass::ForEachLevel(Action action) {
+    for (const auto& parent : parents) parent->ForEachLevel(action);
+    action(*this);
+}
+
+void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object) {
+    for (const auto& parent : parents) parent->LoadFromStreamPre(stream, object);
+    LoadOwnFields(stream, object);
+}
+
+void TZoClass::LoadOwnFields(TBinInStream* stream, ZoStreamableBase* object) {
+    for (const auto& field : fieldsChildMaps) field->LoadFromStream(stream, object);
+    for (const auto& field : fields) field->LoadFromStream(stream, object);
+    for (const auto& field : fieldsChilds) field->LoadFromStream(stream, object);
+    for (const auto& field : fieldsChildLists) field->LoadFromStream(stream, object);
+    for (const auto& field : fieldsReferences) field->LoadFromStream(stream, object);
+    for (const auto& field : fieldsReferencesLists) field->LoadFromStream(stream, object);
+}
+
+void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBase* object) {
+    if (LevelsApply()) {
+        ForEachLevel([&](const TZoClass& level) { level.ResolveOwnFields(resolver, object); });
+    } else {
+        ForEachLevel([&](const TZoClass& level) {
+            const PassingOver guard(resolver, !AppliesTo(level));
+            level.ResolveOwnFields(resolver, object);
+        });
+    }
+}
+
+void TZoClass::ResolveOwnFields(TZoPointerResolver& resolver, ZoStreamableBase* object) const {
+    ForEachPointerField([&](TZoClassField& field) {
+        static_cast<TZoClassFieldPointerBase&>(field).Resolve(resolver, object);
+    });
+}
+
+void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members) {
+    for (const auto& parent : parents) parent->FillValueChildren(object, members);
+    for (const auto& field : fieldsChilds) {
+        if (field->GetFieldType() != ftChildValue) continue;
+        if (ZoStreamableBase* member = static_cast<TZoClassFieldPointer*>(field.get())->Get(object)) {
+            members->Add(member);
+        }
+    }
+}
+
+void TZoClass::DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
+                                const void* context) {
+    for (const auto& parent : parents) parent->DeleteReferences(object, isRemoved, context);
+    ForEachPointerField([&](TZoClassField& field) {
+        static_cast<TZoClassFieldPointerBase&>(field).DeleteReferences(object, isRemoved, context);
+    });
+}
+
+} // namespace ZoPrimitives

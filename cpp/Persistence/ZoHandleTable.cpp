@@ -1,0 +1,95 @@
+#include "ZoPrimitives/ZoHandleTable.h"
+
+#include "Persistence/HandleAccess.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+namespace ZoPrimitives {
+
+namespace {
+
+/// The runs of all tables of the process that hold handles now, rising.
+class LiveRuns {
+public:
+    std::uint64_t Begin() {
+        const std::lock_guard<std::mutex> lock(guard);
+        runs.reserve(runs.size() + 1);
+        const std::uint64_t run = ++last;
+        runs.push_back(run);
+        oldest.store(runs.front(), std::memory_order_relaxed);
+        return run;
+    }
+    void End(std::uint64_t run) noexcept {
+        const std::lock_guard<std::mutex> lock(guard);
+        runs.erase(std::lower_bound(runs.begin(), runs.end(), run));
+        oldest.store(runs.empty() ? last + 1 : runs.front(), std::memory_order_relaxed);
+    }
+    bool IsLive(std::uint64_t run) {
+        // The caller's own run is live, so what is older than the oldest has ended for good.
+        if (run < oldest.load(std::memory_order_relaxed)) return false;
+        const std::lock_guard<std::mutex> lock(guard);
+        return std::binary_search(runs.begin(), runs.end(), run);
+    }
+
+private:
+    std::mutex guard;
+    std::vector<std::uint64_t> runs;
+    std::uint64_t last = 0;
+    std::atomic<std::uint64_t> oldest{0};
+};
+
+LiveRuns& Runs() {
+    static LiveRuns* runs = new LiveRuns; // outlives every table, static ones included
+    return *runs;
+}
+
+} // namespace
+
+/// Handles of objects whose own place another live table holds.
+struct ZoHandleTable::Shared {
+    std::unordered_map<const ZoStreamableBase*, int> handles;
+};
+
+ZoHandleTable::~ZoHandleTable() { Reset(); }
+
+int ZoHandleTable::Get(const ZoStreamableBase* object) const {
+    return object == nullptr ? 0 : HandleAccess::Get(*this, object);
+}
+
+void ZoHandleTable::Set(const ZoStreamableBase* object, int handle) {
+    if (object != nullptr) HandleAccess::Set(*this, object, handle);
+}
+
+void ZoHandleTable::Reset() {
+    if (run != 0) Runs().End(run);
+    run = 0;
+    delete shared;
+    shared = nullptr;
+}
+
+int ZoHandleTable::GetShared(const ZoStreamableBase* object) const {
+    const auto found = shared->handles.find(object);
+    return found == shared->handles.end() ? 0 : found->second;
+}
+
+bool ZoHandleTable::Claim(const ZoStreamableBase* object) {
+    if (run == 0) run = Runs().Begin();
+    const std::uint64_t other = HandleAccess::Run(object);
+    return other == 0 || !Runs().IsLive(other);
+}
+
+void HandleAccess::SetNew(ZoHandleTable& table, const ZoStreamableBase* object, int handle) {
+    const bool inMap = table.shared != nullptr && table.shared->handles.count(object) != 0;
+    if (!inMap && table.Claim(object)) {
+        Put(object, table.run, handle);
+        return;
+    }
+    if (table.shared == nullptr) table.shared = new ZoHandleTable::Shared;
+    table.shared->handles[object] = handle;
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,352 @@
+#include "ZoPrimitives/ZoMetaData.h"
+
+#include "Persistence/RecordChecks.h"
+#include "Persistence/RecordFormat.h"
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/BinOutStream.h"
+
+#include <algorithm>
+#include <atomic>
+#include <climits>
+#include <cstring>
+#include <mutex>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace ZoPrimitives {
+
+namespace {
+
+// Class levels that one object may walk: repeated parents count each time.
+constexpr unsigned MAX_LEVELS = 1000;
+// The smallest entry of a class: id, name, flag, parents' layout and count, five empty blocks.
+constexpr unsigned SMALLEST_CLASS = 4 + 4 + 1 + 4 + 5 * 4;
+
+std::atomic<bool> writingGenericFile{false};
+
+std::string_view View(const ZoString& text) { return {text.c_str(), text.length()}; }
+
+/// The classes registered last, by the number of their C++ class.
+class LatestClasses {
+public:
+    void Set(unsigned slot, TZoClass* latest) {
+        const std::lock_guard<std::mutex> lock(guard);
+        if (slot >= classes.size()) classes.resize(slot + 1);
+        classes[slot] = latest;
+    }
+    void Forget(unsigned slot, const TZoClass* ended) {
+        const std::lock_guard<std::mutex> lock(guard);
+        if (slot < classes.size() && classes[slot] == ended) classes[slot] = nullptr;
+    }
+    TZoClass* Get(unsigned slot) {
+        const std::lock_guard<std::mutex> lock(guard);
+        return slot < classes.size() ? classes[slot] : nullptr;
+    }
+
+private:
+    std::mutex guard;
+    std::vector<TZoClass*> classes;
+};
+
+LatestClasses& Latest() {
+    static LatestClasses* latest = new LatestClasses; // outlives every class
+    return *latest;
+}
+
+} // namespace
+
+unsigned ZoNewClassSlot() {
+    static std::atomic<unsigned> last{0};
+    return ++last;
+}
+
+/// Classes by name and by id. Of equal names the first one is found.
+class TZoMetaData::TClassNameAndIdMap {
+public:
+    void Add(TZoClass* added) {
+        byName.emplace(View(added->GetName()), added);
+        byId.emplace(added->GetClassId(), added);
+    }
+    void Clear() {
+        byName.clear();
+        byId.clear();
+    }
+    TZoClass* Find(const ZoString& name) const {
+        const auto found = byName.find(View(name));
+        return found == byName.end() ? nullptr : found->second;
+    }
+    TZoClass* Find(int id) const {
+        const auto found = byId.find(id);
+        return found == byId.end() ? nullptr : found->second;
+    }
+
+private:
+    std::unordered_map<std::string_view, TZoClass*> byName; // keys lie in the classes
+    std::unordered_map<int, TZoClass*> byId;
+};
+
+TZoClass::~TZoClass() {
+    if (slot != 0) Latest().Forget(slot, this);
+}
+
+void TZoClass::SetType(const std::type_info& newType, unsigned newSlot) {
+    type = &newType;
+    slot = newSlot;
+}
+
+TZoMetaData::TZoMetaData() : index(new TClassNameAndIdMap) {}
+
+TZoMetaData::~TZoMetaData() { Clear(); }
+
+TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
+    const pointer<TZoClass> holder(newClass);
+    if (TZoClass* present = FindClass(newClass->GetName())) return present;
+    if (newClass->classId == 0) newClass->classId = nextId;
+    if (newClass->classId >= nextId && newClass->classId < INT_MAX) nextId = newClass->classId + 1;
+    classes.Add(newClass);
+    index->Add(newClass);
+    if (newClass->slot != 0 && newClass->schema == this) {
+        while (slots.NItems() <= newClass->slot) slots.Add(nullptr);
+        slots[newClass->slot + 1ULL] = newClass;
+        Latest().Set(newClass->slot, newClass);
+    }
+    return newClass;
+}
+
+TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Find(name); }
+
+TZoClass* TZoMetaData::FindClass(int id) const { return index->Find(id); }
+
+TZoClass* TZoMetaData::FindClass(unsigned slot, const char* name) const {
+    if (slot < slots.NItems()) {
+        if (TZoClass* bound = slots.data()[slot]) return bound;
+    }
+    return FindClass(ZoString(name));
+}
+
+TZoClass* TZoMetaData::FindLatestClass(unsigned slot) { return Latest().Get(slot); }
+
+TZoClass* TZoMetaData::GetClass(int position) const {
+    return classes[static_cast<unsigned long long>(position)].get();
+}
+
+int TZoMetaData::GetClassCount() const { return static_cast<int>(classes.NItems()); }
+
+TZoClass* TZoMetaData::FindInherited(const ZoString& ancestorName) const {
+    for (const auto& candidate : classes) {
+        if (candidate->GetName() != ancestorName && candidate->IsInherited(ancestorName)) return candidate.get();
+    }
+    return nullptr;
+}
+
+bool TZoMetaData::IsClassInherited(const ZoString& name, const ZoString& ancestorName) const {
+    const TZoClass* found = FindClass(name);
+    return found != nullptr && found->IsInherited(ancestorName);
+}
+
+void TZoMetaData::Unbind(TZoClass* leaving) {
+    if (leaving->slot != 0 && leaving->slot < slots.NItems() && slots[leaving->slot + 1ULL] == leaving) {
+        slots[leaving->slot + 1ULL] = nullptr;
+        Latest().Forget(leaving->slot, leaving);
+    }
+    for (unsigned long long i = unresolved.NItems(); i >= 1; --i) {
+        if (unresolved[i]->owner == leaving) unresolved.Remove(unresolved[i]);
+    }
+    if (leaving->schema == this) leaving->schema = nullptr;
+}
+
+void TZoMetaData::ExcludeClass(const ZoString& name) {
+    const pointer<TZoClass> leaving(FindClass(name));
+    if (!leaving) return;
+    classes.Remove(leaving.get());
+    Unbind(leaving.get());
+    index->Clear();
+    for (const auto& left : classes) index->Add(left.get());
+    for (const auto& left : classes) {
+        left->ForEachPointerField([&](TZoClassField& field) {
+            if (field.fieldClass != leaving.get()) return;
+            field.fieldClass = nullptr;
+            AddToResolveCrossRefs(&field);
+        });
+    }
+}
+
+void TZoMetaData::Clear() {
+    unresolved.RemoveAll();
+    index->Clear();
+    for (const auto& leaving : classes) Unbind(leaving.get());
+    classes.RemoveAll();
+    cadastres.RemoveAll();
+}
+
+void TZoMetaData::AddCadastre(TZoCadastre* cadastre) { cadastres.Add(cadastre); }
+
+TZoCadastre* TZoMetaData::FindCadastre(const ZoString& className) const {
+    for (const auto& cadastre : cadastres) {
+        if (cadastre->GetName() == className) return cadastre.get();
+    }
+    return nullptr;
+}
+
+void TZoMetaData::AddToResolveCrossRefs(TZoClassField* field) {
+    if (field != nullptr && field->IsPointerKind()) unresolved.AddUnique(field);
+}
+
+void TZoMetaData::ResolveCrossRefs() {
+    TDVector<TZoClassField*> left;
+    for (TZoClassField* field : unresolved) {
+        field->fieldClass = FindClass(field->GetFieldClassName());
+        if (field->fieldClass == nullptr) left.Add(field);
+    }
+    unresolved = left;
+}
+
+bool TZoMetaData::IsGenericBase(const ZoString& className) {
+    return className == "ZoStreamableBase" || className == "ZoObjectStreamable" || className == "Streamable";
+}
+
+bool TZoMetaData::Check(ZoString* report) const {
+    bool sound = true;
+    const auto line = [&](const ZoString& text) {
+        sound = false;
+        if (report == nullptr) return;
+        if (report->length() != 0) *report += "\n";
+        *report += text;
+    };
+    for (const auto& checked : classes) {
+        bool parentsThere = !checked->parentMissing;
+        for (const auto& parent : checked->parents) {
+            parentsThere = parentsThere && FindClass(parent->GetName()) == parent.get();
+        }
+        if (!parentsThere) {
+            line(ZoString::FormatString("[zoerror] parent class of %s not registered", checked->GetName().c_str()));
+        }
+        checked->ForEachPointerField([&](const TZoClassField& field) {
+            if (field.GetFieldClass() != nullptr || IsGenericBase(field.GetFieldClassName())) return;
+            if (field.GetFieldClassName().length() == 0) {
+                line(ZoString::FormatString("[zoerror] class of reference field %s not registered",
+                                            field.GetFieldName().c_str()));
+            } else {
+                line(ZoString::FormatString("[zoerror] class %s of reference field %s not registered",
+                                            field.GetFieldClassName().c_str(), field.GetFieldName().c_str()));
+            }
+        });
+    }
+    return sound;
+}
+
+bool TZoMetaData::WritingGenericFile() { return writingGenericFile.load(std::memory_order_relaxed); }
+
+void TZoMetaData::WritingGenericFile(bool writing) { writingGenericFile.store(writing, std::memory_order_relaxed); }
+
+// The schema record
+
+void TZoMetaData::SaveToStream(TBinOutStream* stream) {
+    ZO_ASSERT(classes.NItems() <= RecordFormat::MAX_INT_SIZE, "classes->NItems() <= MAX_INT_SIZE",
+              "cpp/Persistence/ZoMetaData");
+    *stream << static_cast<int>(classes.NItems());
+    for (const auto& written : classes) written->SaveMetaToStream(stream, this);
+    stream->FlushRecord(0, 0);
+}
+
+bool TZoMetaData::LoadFromStream(TBinInStream* stream, TZoMetaData* application) {
+    Clear();
+    int count = 0;
+    *stream >> count;
+    CheckRemaining(*stream, count, SMALLEST_CLASS);
+    for (int i = 0; i < count; ++i) {
+        const pointer<TZoClass> read(new TZoClass(this, nullptr, "", nullptr, false, nullptr));
+        read->LoadMetaFromStream(stream);
+        if (read->classId <= 0 || index->Find(read->classId) != nullptr) return false;
+        classes.Add(read.get());
+        index->Add(read.get());
+    }
+    if (LinkClasses(application)) return true;
+    // Parents are counted references: classes among their own ancestors would hold each other for ever.
+    for (const auto& read : classes) read->parents.RemoveAll();
+    return false;
+}
+
+bool TZoMetaData::LinkClasses(const TZoMetaData* application) {
+    for (const auto& linked : classes) {
+        linked->parents.RemoveAll();
+        for (const int id : linked->storedParentIds) {
+            if (id == 0) continue;
+            TZoClass* parent = FindClass(id);
+            if (parent == nullptr) return false;
+            linked->parents.Add(parent);
+        }
+    }
+    if (!LevelsAreSound()) return false;
+    for (const auto& linked : classes) {
+        linked->SetOriginal(application == nullptr ? nullptr : application->FindClass(linked->GetName()));
+        bool known = true;
+        linked->ForEachPointerField([&](TZoClassField& field) {
+            if (field.fieldClassId == 0) return;
+            field.fieldClass = FindClass(field.fieldClassId);
+            known = known && field.fieldClass != nullptr;
+        });
+        if (!known) return false;
+    }
+    return true;
+}
+
+/// Whether no class is its own ancestor and the levels of each are few enough.
+bool TZoMetaData::LevelsAreSound() const {
+    enum : unsigned { Unknown = 0, Open = UINT_MAX };
+    std::unordered_map<const TZoClass*, unsigned> levels;
+    std::vector<const TZoClass*> stack;
+    for (const auto& root : classes) {
+        if (levels[root.get()] == Unknown) stack.push_back(root.get());
+        while (!stack.empty()) {
+            const TZoClass* top = stack.back();
+            unsigned& own = levels[top];
+            if (own != Unknown && own != Open) {
+                stack.pop_back();
+                continue;
+            }
+            const bool parentsDone = own == Open;
+            own = Open;
+            unsigned long long sum = 1;
+            for (const auto& parent : top->parents) {
+                const unsigned parentLevels = levels[parent.get()];
+                if (parentLevels == Unknown) {
+                    stack.push_back(parent.get());
+                } else if (parentLevels == Open) {
+                    return false;
+                } else {
+                    sum += parentLevels;
+                }
+            }
+            if (sum > MAX_LEVELS) return false;
+            if (stack.back() == top || parentsDone) {
+                levels[top] = static_cast<unsigned>(sum);
+                stack.pop_back();
+            }
+        }
+    }
+    return true;
+}
+
+void TZoMetaData::FillObjectsCascade(TDVector<ZoStreamableBase*>* objects) {
+    class Owned : public ZoStreamableBaseFunctor {
+    public:
+        explicit Owned(TDVector<ZoStreamableBase*>& list) : list(list), known(list.begin(), list.end()) {}
+        void operator()(ZoStreamableBase* item) override {
+            if (item != nullptr && known.insert(item).second) list.Add(item);
+        }
+
+    private:
+        TDVector<ZoStreamableBase*>& list;
+        std::unordered_set<const ZoStreamableBase*> known;
+    };
+
+    Owned owned(*objects);
+    for (unsigned long long i = 1; i <= objects->NItems(); ++i) {
+        ZoStreamableBase* object = (*objects)[i];
+        if (TZoClass* objectClass = object->GetOriginalClass(this)) objectClass->ChildsReferences(object, owned);
+    }
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,56 @@
+#include "ZoPrimitives/ZoStreamable.h"
+
+#include "Persistence/ClassNames.h"
+#include "Platform/Platform.h"
+#include "ZoPrimitives/BinInStream.h"
+
+namespace ZoPrimitives {
+
+ZoString ClassText(const std::type_info& type) {
+    return ZoString("class ") + ZoString(Platform::TypeName(type).c_str()).Remove("ZoPrimitives::", true);
+}
+
+ZoString PlainClassName(const ZoString& classText) {
+    return classText.Remove("ZoPrimitives::", true).Remove("class ", true);
+}
+
+ZoStreamableBase::ZoStreamableBase() = default;
+ZoStreamableBase::ZoStreamableBase(const ZoStreamableBase& other) : ZoObject(other) {}
+ZoStreamableBase::ZoStreamableBase(StreamableInit) {}
+ZoStreamableBase& ZoStreamableBase::operator=(const ZoStreamableBase&) { return *this; }
+ZoStreamableBase::~ZoStreamableBase() = default;
+
+void ZoStreamableBase::Write(OutputStreamer&) {}
+void ZoStreamableBase::WillWrite() {}
+void ZoStreamableBase::Read(InputStreamer&) {}
+bool ZoStreamableBase::GetIsValid() const { return true; }
+TZoClass* ZoStreamableBase::GetClass() const { return nullptr; }
+TZoClass* ZoStreamableBase::GetOriginalClass(TZoMetaData*) const { return nullptr; }
+bool ZoStreamableBase::OnRead(TBinInStream*, bool) { return true; }
+bool ZoStreamableBase::CanBeConvertedToBaseClass() const { return true; }
+void ZoStreamableBase::OnReadPointer(TZoClassField*, ZoStreamableBase*, unsigned) {}
+void ZoStreamableBase::HandleExcludedField(TZoClassField*, TBinInStream*) {}
+
+void ZoStreamableBase::CheckForExcludedFields(TBinInStream* stream) {
+    while (TZoClassField* field = stream->GetFirstExcludedField()) {
+        HandleExcludedField(field, stream);
+        stream->RemoveExcludedField(field);
+    }
+}
+
+ZoString ZoStreamableBase::ToString() const { return StreamableClassName(); }
+bool ZoStreamableBase::ReadData(int, InputStreamer&) { return false; }
+
+ZoObjectStreamable::ZoObjectStreamable() = default;
+ZoObjectStreamable::ZoObjectStreamable(const ZoObjectStreamable& other) = default;
+ZoObjectStreamable::ZoObjectStreamable(StreamableInit init) : ZoStreamableBase(init) {}
+ZoObjectStreamable& ZoObjectStreamable::operator=(const ZoObjectStreamable& other) = default;
+ZoObjectStreamable::~ZoObjectStreamable() = default;
+
+ZoObject* ZoObjectStreamable::CreateBusinessObject() { return nullptr; }
+void ZoObjectStreamable::FillBusinessObject(ZoObject*, TStreamableToBusinessObjectConvertionHelper*) {}
+void ZoObjectStreamable::FillFromBusinessObject(ZoObject*, TBusinessToStreamableObjectConvertionHelper*) {}
+
+ZoStreamableBaseFunctor::~ZoStreamableBaseFunctor() = default;
+
+} // namespace ZoPrimitives

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "ZoPrimitives/ZoObject.h"
+#include "ZoPrimitives/ZoStreamable.h"
+#include "ZoPrimitives/dvector.h"
+
+#include <vector>
+
+namespace ZoPrimitives {
+
+class SchemaWalk;
+class TBinOutStream;
+class TZoClass;
+class TZoMetaData;
+
+/// Writes a graph of objects: the schema record of the classes that it uses, then one record for each object, in
+/// rising uid order, with pointers as uids.
+///
+/// Construct, write the schema (`WriteObjectMetaData`), then the objects (`WriteObject`); one streamer writes one
+/// file. What is only referred to must be owned by something in the graph, or be referred to by a field declared
+/// with DECLARE_ZO_FIELD_EXTERNAL_REFERENCE, which writes it behind the main graph.
+class ZO_API TBinOutStreamer : public ZoObject {
+public:
+    /// Neither is owned.
+    TBinOutStreamer(TBinOutStream* stream, TZoMetaData* schema);
+    ~TBinOutStreamer() override;
+    TBinOutStreamer(const TBinOutStreamer&) = delete;
+    TBinOutStreamer& operator=(const TBinOutStreamer&) = delete;
+
+    /// Called when an object's record was written.
+    virtual void OnAfterSaveInstance(ZoStreamableBase* object);
+    /// Called when all records were written: puts the record count into the header.
+    virtual void RewriteHeader();
+
+    TZoMetaData* GetMetaData() const { return schema; }
+    TBinOutStream* GetStream() const { return stream; }
+    /// The file handle of a file stream; null for other streams.
+    void* GetFile() const;
+    void SetFile(void* file);
+
+    /// Write the schema record: of the classes that the graph under one root, or under several, uses, in the
+    /// application's order and under its ids. A null root uses none.
+    void WriteObjectMetaData(ZoStreamableBase* root);
+    void WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots);
+    /// Writes the whole application's schema.
+    void WriteMetaData();
+
+    /// Write the records. An object of a class that is not registered, or registered only by its base, fails an
+    /// assertion; a reference to an object that is not written throws `XStream`. After any failure the stream's
+    /// resources are freed.
+    void WriteObject(ZoStreamableBase* object);
+    void WriteObjects(TDList<ZoStreamableBase*>* objects);
+    /// Gives uids to what the external references point to and to what hangs from it. Both lists as in `WriteObjects`;
+    /// `externals` may grow meanwhile.
+    void AlocateExternalInstancesHandles(TDList<ZoStreamableBase*>* objects, TDList<ZoStreamableBase*>* externals);
+
+    bool InstanceIsAlreadySaved(const ZoStreamableBase* object) const;
+    /// Writes the record of an object and those of what it owns, unless written before. The objects must have uids.
+    void SaveInstance(TBinOutStream* target, ZoStreamableBase* object);
+
+private:
+    void WriteSchemaOf(const SchemaWalk& walk);
+    void SaveRecord(TBinOutStream* target, ZoStreamableBase* object, TZoClass* objectClass);
+
+    TBinOutStream* stream;
+    TZoMetaData* schema;
+    std::vector<bool> saved; // by uid
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ZoPrimitives/Export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace ZoPrimitives {
+
+class TBinInStream;
+class TZoClass;
+class TZoClassField;
+class ZoStreamableBase;
+
+/// An object whose pointers wait for the objects that they name.
+struct TBinUnresolved {
+    ZoStreamableBase* object;
+    TZoClass* fileClass; ///< the file's class under which the record was read
+    int uid;
+    std::size_t firstUid; ///< where the object's uids begin in `TBinUnresolvedPointers`
+};
+
+/// The uids that the pointer fields of all objects read hold, in one flat array: for each field in the order read one
+/// uid, or a count and that many uids.
+class ZO_API TBinUnresolvedPointers {
+public:
+    TBinUnresolvedPointers();
+    ~TBinUnresolvedPointers();
+
+    /// Opens the entry of the object that is read next.
+    void Open(ZoStreamableBase* object, int uid, TZoClass* fileClass);
+    /// Adds a single pointer of the entry opened last.
+    void LoadPointer(TZoClassField* field, int uid);
+    /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` when the record holds fewer.
+    void LoadPointers(TZoClassField* field, int count, TBinInStream* stream);
+
+    const TBinUnresolved* Find(int uid) const;
+    std::vector<TBinUnresolved>& Entries() { return entries; }
+    const std::int32_t* Uids() const { return uids.data(); }
+    void Clear();
+
+private:
+    std::vector<TBinUnresolved> entries;
+    std::vector<std::int32_t> uids;
+};
+
+} // namespace ZoPrimitives

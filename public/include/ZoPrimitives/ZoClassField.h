@@ -1,0 +1,321 @@
+#pragma once
+
+#include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoObject.h"
+#include "ZoPrimitives/ZoStreamable.h"
+#include "ZoPrimitives/ZoString.h"
+#include "ZoPrimitives/pointer.h"
+
+#include <type_traits>
+
+namespace ZoPrimitives {
+
+class TBinInStream;
+class TBinOutStream;
+class TBinOutStreamer;
+class TZoClass;
+struct TBinUnresolved;
+
+/// Kinds of field, as stored in files. Negative, so that none is a class id.
+enum TZoClassFieldType : int {
+    ftInt = -1,
+    ftFloat = -2,
+    ftDouble = -3,
+    ftString = -4,
+    ftBlob = -5,
+    ftChildPointer = -6,      ///< an owned object
+    ftChildPointerList = -7,  ///< a list of owned objects
+    ftPointer = -8,           ///< an object that somebody else owns
+    ftPointerList = -9,       ///< a list of them
+    ftBool = -10,
+    ftListInt = -11,
+    ftListFloat = -12,
+    ftListDouble = -13,
+    ftListString = -14,
+    ftPointerEx = -15,        ///< an object that nobody in the graph need own: written after the main graph
+    ftPointerListEx = -16,    ///< a list of them
+    ftUnsigned = -17,
+    ftChildValue = -18,       ///< an object that is a member of its owner
+    ftChildPointerMap = -19,  ///< owned objects under owned keys
+};
+
+/// How accessors take and give a value: strings and blobs by reference.
+template <class T>
+using TZoParameter = std::conditional_t<std::is_class_v<T>, const T&, T>;
+
+// Accessors: plain functions. `object` is of the class that declared the field; `field` is the application's, never
+// the file's. Item indices count from 1.
+template <class T>
+using TZoSetter = void (*)(ZoStreamableBase* object, TZoClassField* field, TZoParameter<T> value);
+template <class T>
+using TZoGetter = TZoParameter<T> (*)(ZoStreamableBase* object, TZoClassField* field);
+template <class T>
+using TZoItemGetter = TZoParameter<T> (*)(ZoStreamableBase* object, TZoClassField* field, int index);
+using TZoItemCount = unsigned long long (*)(ZoStreamableBase* object, TZoClassField* field);
+/// An integer of the application's that is stored with a list, between its count and its items. Files do not tell
+/// whether a list has it: adding or removing it makes older files unreadable.
+using TZoListInteger = int (*)(ZoStreamableBase* object, TZoClassField* field);
+/// Prepares a list for `count` items: empties it, and may reserve. `first` and `second` are the list's integers, 0
+/// where it has none.
+using TZoListCreator = void (*)(ZoStreamableBase* object, int count, int first, int second);
+using TZoPointerSetter = void (*)(ZoStreamableBase* object, TZoClassField* field, ZoStreamableBase* target);
+using TZoPointerGetter = ZoStreamableBase* (*)(ZoStreamableBase* object, TZoClassField* field);
+using TZoPointerItemGetter = ZoStreamableBase* (*)(ZoStreamableBase* object, TZoClassField* field, int index);
+/// Applies the functor to every item, in order.
+using TZoListIterator = void (*)(ZoStreamableBase* object, TZoClassField* field, ZoStreamableBaseFunctor& action);
+/// Whether an object is of the C++ type that the setter takes.
+using TZoTypeTest = bool (*)(const ZoStreamableBase* target);
+
+/// One field of a class: its name and kind and, in an application's schema, the accessors to its value.
+///
+/// A field of a file's schema has no accessors; it is linked to the application's field of the same name, if any.
+class ZO_API TZoClassField : public ZoObject {
+public:
+    ~TZoClassField() override;
+    TZoClassField(const TZoClassField&) = delete;
+    TZoClassField& operator=(const TZoClassField&) = delete;
+
+    const ZoString& GetFieldName() const { return name; }
+    TZoClassFieldType GetFieldType() const { return kind; }
+    bool IsPointerKind() const;
+    /// The class that declares the field.
+    TZoClass* GetOwnerClass() const { return owner; }
+    /// The class of what a pointer field points to; null while unknown and for value fields.
+    TZoClass* GetFieldClass() const { return fieldClass; }
+    /// The name of that class as declared, or the name of the value's type.
+    const ZoString& GetFieldClassName() const { return className; }
+    /// The id of that class as read from a file; 0 for none.
+    int GetFieldClassId() const { return fieldClassId; }
+    /// In a file's schema: the application's field that takes the value; null when there is none.
+    TZoClassField* GetOriginal() const { return original; }
+    /// The same, null while the stream passes fields over.
+    TZoClassField* GetOriginal(const TBinInStream& stream) const;
+    void SetFieldClass(TZoClass* newClass) { fieldClass = newClass; }
+    void SetFieldClassName(const ZoString& newName) { className = newName; }
+
+    /// Writes a value into the open record. Of pointer kinds: writes the records of the owned objects that the field
+    /// holds, unless they were written before.
+    virtual void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) = 0;
+    /// Reads the field's part of the current record and hands a value to the application's setter; uids are kept
+    /// until all records are read. Without an application's field the value is passed over and kept as excluded.
+    virtual void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) = 0;
+    /// Applies the functor to everything that the field points to, nulls included. Nothing for value fields.
+    virtual void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
+    /// Reads kind-independent metadata: class id, kind and name are read by the class; see `TZoClass`.
+    static void LoadMetaFromStream(TBinInStream* stream, int& classId, int& kind, ZoString& name);
+
+protected:
+    TZoClassField(const ZoString& name, TZoClassFieldType kind);
+    static void SetOriginal(TZoClassField* field, TZoClassField* application) {
+        if (field != nullptr) field->original = application;
+    }
+
+    TZoClassField* original = nullptr;
+
+private:
+    friend class SchemaWalk;
+    friend class TZoClass;
+    friend class TZoMetaData;
+
+    ZoString name;
+    ZoString className;
+    TZoClassFieldType kind;
+    int fieldClassId = 0;
+    unsigned ordinal = 0; // among the fields of its class
+    TZoClass* owner = nullptr;
+    TZoClass* fieldClass = nullptr;
+};
+
+/// A single value: int, unsigned, bool, float, double, `ZoString` or `ZoBlob`.
+template <class T>
+class TZoClassFieldValue : public TZoClassField {
+public:
+    TZoClassFieldValue(const ZoString& name, TZoSetter<T> set, TZoGetter<T> get);
+    void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
+
+private:
+    TZoSetter<T> set;
+    TZoGetter<T> get;
+};
+
+/// Accessors of a list of values; those below `nItems` may be null.
+template <class T>
+struct TZoListAccessors {
+    TZoSetter<T> add;
+    TZoItemGetter<T> elementAt;
+    TZoItemCount nItems;
+    TZoListCreator createList = nullptr;
+    TZoListInteger first = nullptr;
+    TZoListInteger second = nullptr;
+};
+
+/// A list of values: int, float, double or `ZoString`.
+template <class T>
+class TZoClassFieldList : public TZoClassField {
+public:
+    TZoClassFieldList(const ZoString& name, const TZoListAccessors<T>& access);
+    void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
+
+private:
+    TZoListAccessors<T> access;
+};
+
+extern template class ZO_API TZoClassFieldValue<int>;
+extern template class ZO_API TZoClassFieldValue<unsigned>;
+extern template class ZO_API TZoClassFieldValue<bool>;
+extern template class ZO_API TZoClassFieldValue<float>;
+extern template class ZO_API TZoClassFieldValue<double>;
+extern template class ZO_API TZoClassFieldValue<ZoString>;
+extern template class ZO_API TZoClassFieldValue<ZoBlob>;
+extern template class ZO_API TZoClassFieldList<int>;
+extern template class ZO_API TZoClassFieldList<float>;
+extern template class ZO_API TZoClassFieldList<double>;
+extern template class ZO_API TZoClassFieldList<ZoString>;
+
+using TZoClassFieldInt = TZoClassFieldValue<int>;
+using TZoClassFieldUnsigned = TZoClassFieldValue<unsigned>;
+using TZoClassFieldBool = TZoClassFieldValue<bool>;
+using TZoClassFieldFloat = TZoClassFieldValue<float>;
+using TZoClassFieldDouble = TZoClassFieldValue<double>;
+using TZoClassFieldString = TZoClassFieldValue<ZoString>;
+using TZoClassFieldBlob = TZoClassFieldValue<ZoBlob>;
+using TZoClassFieldListInt = TZoClassFieldList<int>;
+using TZoClassFieldListFloat = TZoClassFieldList<float>;
+using TZoClassFieldListDouble = TZoClassFieldList<double>;
+using TZoClassFieldListString = TZoClassFieldList<ZoString>;
+
+/// What resolves the uids of one object, in the order in which they were read.
+class TZoPointerResolver;
+
+/// Base of the fields that point to objects.
+class ZO_API TZoClassFieldPointerBase : public TZoClassField {
+public:
+    ~TZoClassFieldPointerBase() override;
+    /// Writes the uids of what the field points to into the open record.
+    virtual void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) = 0;
+    /// Hands the objects that the field's uids name to the setter of the application's field.
+    virtual void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) = 0;
+    /// Takes every reference to an object that `isRemoved` names out of the field.
+    virtual void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
+                                  const void* context) = 0;
+    /// Whether an object may be handed to the setter: by the test of the C++ type bound with the accessors, or,
+    /// without one, by the declared class.
+    bool Accepts(const ZoStreamableBase* target) const;
+    void SetTypeTest(TZoTypeTest test) { typeTest = test; }
+    /// Whether the field's objects belong to it.
+    bool Owns() const;
+
+protected:
+    TZoClassFieldPointerBase(const ZoString& name, TZoClassFieldType kind);
+
+private:
+    TZoTypeTest typeTest = nullptr;
+};
+
+/// A pointer to one object: owned, by value, or a reference.
+class ZO_API TZoClassFieldPointer : public TZoClassFieldPointerBase {
+public:
+    TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set, TZoPointerGetter get);
+    ~TZoClassFieldPointer() override;
+
+    ZoStreamableBase* Get(ZoStreamableBase* object) { return get == nullptr ? nullptr : get(object, this); }
+    void Set(ZoStreamableBase* object, ZoStreamableBase* target) {
+        if (set != nullptr) set(object, this, target);
+    }
+    /// Writes the target's uid, 0 for null. A target without uid throws `XStream`.
+    void SavePointer(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
+    /// Reads one uid.
+    void LoadPointer(TBinInStream* stream);
+
+    void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
+    void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
+    void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
+    void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
+                          const void* context) override;
+
+private:
+    TZoPointerSetter set;
+    TZoPointerGetter get;
+};
+
+/// Accessors of a list of pointers; those below `iterateOver` may be null. `createList` must empty the list.
+struct TZoPointerListAccessors {
+    TZoPointerSetter add = nullptr;
+    TZoPointerItemGetter elementAt = nullptr;
+    TZoItemCount nItems = nullptr;
+    TZoListIterator iterateOver = nullptr;
+    TZoListCreator createList = nullptr;
+    TZoListInteger first = nullptr;
+    TZoListInteger second = nullptr;
+};
+
+/// A list of pointers: owned, or references.
+class ZO_API TZoClassFieldPointerList : public TZoClassFieldPointerBase {
+public:
+    TZoClassFieldPointerList(const ZoString& name, TZoClassFieldType kind, const TZoPointerListAccessors& access);
+    ~TZoClassFieldPointerList() override;
+
+    unsigned long long NItems(ZoStreamableBase* object);
+    void Add(ZoStreamableBase* object, ZoStreamableBase* target) {
+        if (access.add != nullptr) access.add(object, this, target);
+    }
+    void CreateList(ZoStreamableBase* object, int count, int first, int second) {
+        if (access.createList != nullptr) access.createList(object, count, first, second);
+    }
+    bool HasFirst() const { return access.first != nullptr; }
+    bool HasSecond() const { return access.second != nullptr; }
+    /// Writes the count, the list's integers, and each item's uid, 0 for null. An item without uid throws `XStream`.
+    void SavePointers(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
+    /// Reads a list of uids and prepares the application's list; `application` null passes the list over.
+    static void LoadPointers(TBinInStream* stream, ZoStreamableBase* object, TZoClassFieldPointerList* application);
+
+    void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
+    void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
+    void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
+    void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
+                          const void* context) override;
+
+private:
+    TZoPointerListAccessors access;
+};
+
+/// Owned objects under owned keys: two sub-fields, one for the keys and one for the values, each a list of pointers
+/// (`ftChildPointerList`), a single pointer (`ftChildPointer`) or a value.
+class ZO_API TZoClassFieldPointerMap : public TZoClassFieldPointerBase {
+public:
+    explicit TZoClassFieldPointerMap(const ZoString& name);
+    ~TZoClassFieldPointerMap() override;
+
+    /// Creates both sub-fields, without accessors, under the name of the map's class or, while it is unknown,
+    /// "<unresolve>". Each kind is `ftChildPointer` or `ftChildPointerList`.
+    void AddFields(TZoClassFieldType keyKind, TZoClassFieldType valueKind);
+    /// Takes both sub-fields over.
+    void AddFields(TZoClassField* key, TZoClassField* value);
+    TZoClassField* GetKeyField() const { return key.get(); }
+    TZoClassField* GetValueField() const { return value.get(); }
+
+    /// Writes the key sub-field, then the value sub-field, into the open record.
+    void SavePair(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
+    /// Reads both; without an application's map as two lists.
+    void LoadPair(TBinInStream* stream, ZoStreamableBase* object);
+
+    void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
+    void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
+    void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
+    void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
+    void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
+                          const void* context) override;
+
+private:
+    pointer<TZoClassField> key;
+    pointer<TZoClassField> value;
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ZoPrimitives/Export.h"
+
+#include <cstdint>
+
+namespace ZoPrimitives {
+
+class ZoStreamableBase;
+
+/// Handles (uids) that one stream gave to objects.
+///
+/// A handle stands in the object itself, beside the number of the table's current run, so that finding it is a
+/// comparison; only an object that two tables hold at once goes to a map. Objects must outlive the run.
+class ZO_API ZoHandleTable {
+public:
+    ZoHandleTable() noexcept = default;
+    /// Handles are not copied.
+    ZoHandleTable(const ZoHandleTable&) noexcept {}
+    ZoHandleTable& operator=(const ZoHandleTable&) noexcept { return *this; }
+    ~ZoHandleTable();
+
+    /// 0 when the object has none.
+    int Get(const ZoStreamableBase* object) const;
+    void Set(const ZoStreamableBase* object, int handle);
+    /// Forgets all handles, in constant time.
+    void Reset();
+
+private:
+    friend class HandleAccess;
+    struct Shared;
+    bool Claim(const ZoStreamableBase* object);
+    int GetShared(const ZoStreamableBase* object) const;
+
+    std::uint64_t run = 0; // unique in the process; 0: nothing was set since the last Reset
+    Shared* shared = nullptr;
+};
+
+} // namespace ZoPrimitives

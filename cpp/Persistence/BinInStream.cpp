@@ -175,7 +175,8 @@ TBinInStream& TBinInStream::operator>>(bool& value) {
 
 void TBinInStream::TakePastEnd(void* value, unsigned size) {
     if (size > DEFAULT_BUFFER_SIZE - std::min(position, DEFAULT_BUFFER_SIZE)) {
-        throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), "TBinInStream::operator>>");
+        throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(),
+                          "TBinInStream::operator>>");
     }
     std::memset(value, 0, size);
     const unsigned inside = GetRemaining();
@@ -227,7 +228,8 @@ void TBinInStream::ReadHeader(const char* location) {
     ReadOrThrow(Buffer(), RecordFormat::HEADER_SIZE, location);
     UseBuffer(RecordFormat::HEADER_SIZE);
     if (!LoadHeader()) {
-        throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(), "TBinInStream::LoadHeader");
+        throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
+                          "TBinInStream::LoadHeader");
     }
     UseBuffer(0);
 }
@@ -250,8 +252,8 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
     const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
     if (left < HEAD_SIZE) return false;
     const RecordFormat::RecordHead head = RecordFormat::ReadHead(windowCursor);
-    if (!RecordFormat::IsMarker(head.marker) || head.size > DEFAULT_BUFFER_SIZE || head.size > left - HEAD_SIZE ||
-        RecordFormat::DecodeKey(head.key) != 0) {
+    if (!RecordFormat::IsMarker(head.marker) || head.size > DEFAULT_BUFFER_SIZE ||
+        head.size > left - HEAD_SIZE || RecordFormat::DecodeKey(head.key) != 0) {
         return false;
     }
     const unsigned char* payload = windowCursor + HEAD_SIZE;
@@ -291,7 +293,8 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
             ReadOrThrow(&uid, sizeof uid, "TBinInStream::LoadRecord #4");
             ReadOrThrow(&key, sizeof key, "TBinInStream::LoadRecord #5");
             ReadOrThrow(Buffer(), size, "TBinInStream::LoadRecord #3");
-            if (const unsigned usedKey = GetSecurityKey(key); usedKey != 0) ApplySecurityKey(usedKey, buffer, size);
+            if (const unsigned usedKey = GetSecurityKey(key); usedKey != 0)
+                ApplySecurityKey(usedKey, buffer, size);
             if (~Crc32Update(0xFFFFFFFFu, buffer, size) == crc) {
                 UseBuffer(size);
                 currentUid = uid;
@@ -308,8 +311,8 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
                 if (readError != 0) ThrowReadError("TBinInStream::LoadRecord #5");
                 return false;
             }
-            // Seen as bytes, least significant first: (1, new, 3, 0) of the old window. Markers repeat two bytes, so
-            // one is still met, starting from a cleared window.
+            // Seen as bytes, least significant first: (1, new, 3, 0) of the old window. Markers repeat two
+            // bytes, so one is still met, starting from a cleared window.
             window = (static_cast<std::uint32_t>(byte) << 8) | ((window >> 8) & 0x00FF00FFu) | (window << 24);
         }
     }

@@ -23,12 +23,13 @@ namespace {
 
 /// What becomes of the records of one class of the file.
 struct TBinInStreamer::Use {
-    TZoClass* readAs;   // the class itself, or the ancestor that stands for it; null: records are dropped
-    bool substituted;   // readAs is an ancestor
-    bool hasValues;     // its objects have members that are objects
+    TZoClass* readAs; // the class itself, or the ancestor that stands for it; null: records are dropped
+    bool substituted; // readAs is an ancestor
+    bool hasValues;   // its objects have members that are objects
 };
 
-/// The objects made by one reading. Each is held until the end, so that none goes when a setter lets go of it.
+/// The objects made by one reading. Each is held until the end, so that none goes when a setter lets go of
+/// it.
 class TBinInStreamer::Made {
 public:
     explicit Made(TBinInStream& stream) : stream(stream) {}
@@ -69,8 +70,8 @@ public:
     }
 
     const std::vector<ZoStreamableBase*>& Objects() const { return objects; }
-    std::vector<ZoStreamableBase*> invalid;                // by their own word, while they were read
-    std::unordered_set<const ZoStreamableBase*> members;   // objects that stand inside others
+    std::vector<ZoStreamableBase*> invalid;              // by their own word, while they were read
+    std::unordered_set<const ZoStreamableBase*> members; // objects that stand inside others
     bool hasValues = false;
 
 private:
@@ -80,7 +81,8 @@ private:
     bool owned = true;
 };
 
-/// Copies objects that are held by value into their owners, owners first, and lets the members stand for them.
+/// Copies objects that are held by value into their owners, owners first, and lets the members stand for
+/// them.
 class TBinInStreamer::Values : public ValueTaker {
 public:
     Values(TBinInStream& stream, Made& made) : stream(stream), made(made) {}
@@ -148,8 +150,8 @@ private:
     TBinInStream& stream;
     Made& made;
     bool collecting = false;
-    std::unordered_map<int, std::size_t> byUid;               // entries
-    std::unordered_map<int, const ZoStreamableBase*> claims;  // who takes a value first
+    std::unordered_map<int, std::size_t> byUid;              // entries
+    std::unordered_map<int, const ZoStreamableBase*> claims; // who takes a value first
     std::unordered_map<const ZoStreamableBase*, ZoStreamableBase*> owners;
     std::unordered_set<const ZoStreamableBase*> taken;
     std::vector<std::size_t> waiting;
@@ -268,7 +270,8 @@ bool TBinInStreamer::OnReadInstance(ZoStreamableBase* object, bool invalid) {
 
 TDVector<ZoStreamableBase*> TBinInStreamer::ChildsByValueOfInstance(ZoStreamableBase* object) {
     TDVector<ZoStreamableBase*> members;
-    if (TZoClass* objectClass = object->GetOriginalClass(schema)) objectClass->FillValueChildren(object, &members);
+    if (TZoClass* objectClass = object->GetOriginalClass(schema))
+        objectClass->FillValueChildren(object, &members);
     return members;
 }
 
@@ -290,7 +293,8 @@ std::unordered_set<const ZoStreamableBase*> TBinInStreamer::Remove(const TDList<
     class Keeper : public ZoStreamableBaseFunctor {
     public:
         Keeper(std::unordered_set<const ZoStreamableBase*>& removed,
-               const std::unordered_set<const ZoStreamableBase*>& doomed, TDVector<ZoStreamableBase*>& staying)
+               const std::unordered_set<const ZoStreamableBase*>& doomed,
+               TDVector<ZoStreamableBase*>& staying)
             : removed(removed), doomed(doomed), staying(staying) {}
         void operator()(ZoStreamableBase* item) override {
             if (item != nullptr && doomed.count(item) == 0 && removed.erase(item) != 0) staying.Add(item);
@@ -304,7 +308,8 @@ std::unordered_set<const ZoStreamableBase*> TBinInStreamer::Remove(const TDList<
     Keeper keep(removed, doomed, staying);
     for (unsigned long long i = 1; i <= staying.NItems(); ++i) {
         ZoStreamableBase* object = staying[i];
-        if (TZoClass* objectClass = object->GetOriginalClass(schema)) objectClass->ChildsReferences(object, keep);
+        if (TZoClass* objectClass = object->GetOriginalClass(schema))
+            objectClass->ChildsReferences(object, keep);
     }
 
     // Members go with their owners and are not objects to delete.

@@ -25,8 +25,8 @@ constexpr std::size_t GATHER_SIZE = 256 * 1024;
 constexpr std::size_t GATHER_CAPACITY = GATHER_SIZE + RecordFormat::HEAD_SIZE + DEFAULT_BUFFER_SIZE;
 constexpr std::size_t FIRST_KEEP_CAPACITY = 64 * 1024;
 
-// A sum reads 16 bytes at a time what was stored in smaller pieces: right after the stores the processor stalls.
-// Frames are summed once they lie this far behind.
+// A sum reads 16 bytes at a time what was stored in smaller pieces: right after the stores the processor
+// stalls. Frames are summed once they lie this far behind.
 constexpr std::ptrdiff_t SUM_LAG = 4 * 1024;
 constexpr std::ptrdiff_t SUM_BATCH = 8 * 1024;
 
@@ -173,8 +173,8 @@ TBinOutStream& TBinOutStream::operator<<(bool value) {
 }
 
 void TBinOutStream::FlushRecord(int uid, [[maybe_unused]] int classId) {
-    // "[zoerror] uids must be save in sequence. uid=%d, expected uid=%d": callers are told so, and any order is taken;
-    // the check on this path always holds, so the text is composed for nobody.
+    // "[zoerror] uids must be save in sequence. uid=%d, expected uid=%d": callers are told so, and any order
+    // is taken; the check on this path always holds, so the text is composed for nobody.
     if (lastUid <= uid) ZO_ASSERT_AT(lastUid <= uid, "last_uid <= streamableUid", SOURCE, 249);
     lastUid = uid;
     ++recordCount;
@@ -238,7 +238,8 @@ void TBinOutStream::StartRecord() {
     if (left < RecordFormat::HEAD_SIZE) {
         const auto gathered = static_cast<std::size_t>(gatheredEnd - buffer);
         const auto summed = static_cast<std::size_t>(summedEnd - buffer);
-        Allocate(std::max(static_cast<std::size_t>(bufferEnd - buffer) * 2, gathered + RecordFormat::HEAD_SIZE));
+        Allocate(
+            std::max(static_cast<std::size_t>(bufferEnd - buffer) * 2, gathered + RecordFormat::HEAD_SIZE));
         gatheredEnd = buffer + gathered;
         summedEnd = buffer + summed;
     }

@@ -23,8 +23,9 @@ void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& ob
                           ? *objectClass.GetType() == type
                           : PlainClassName(object.StreamableClassName()) == objectClass.GetName();
     if (same) return;
-    const ZoString message = ZoString::FormatString("[zoerror] invalid class (%s - %s). See REGISTER_ZO_BEGIN.",
-                                                    ClassText(type).c_str(), objectClass.GetName().c_str());
+    const ZoString message =
+        ZoString::FormatString("[zoerror] invalid class (%s - %s). See REGISTER_ZO_BEGIN.",
+                               ClassText(type).c_str(), objectClass.GetName().c_str());
     AssertWithFunctor(
         "(instance_pointer->GetOriginalClass(streamer->GetMetaData())->GetName() == instanceClassName)",
         message.c_str(), SOURCE, __LINE__);
@@ -32,7 +33,8 @@ void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& ob
 
 } // namespace
 
-TBinOutStreamer::TBinOutStreamer(TBinOutStream* stream, TZoMetaData* schema) : stream(stream), schema(schema) {}
+TBinOutStreamer::TBinOutStreamer(TBinOutStream* stream, TZoMetaData* schema)
+    : stream(stream), schema(schema) {}
 TBinOutStreamer::~TBinOutStreamer() = default;
 
 void TBinOutStreamer::OnAfterSaveInstance(ZoStreamableBase*) {}
@@ -80,7 +82,8 @@ void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
             if (object != nullptr) walk.Run(object);
         }
         for (unsigned long long i = 1; i <= externals.NItems(); ++i) walk.Run(externals[i]);
-        for (const GraphWalk::Entry& entry : walk.Order()) SaveRecord(stream, entry.object, entry.objectClass);
+        for (const GraphWalk::Entry& entry : walk.Order())
+            SaveRecord(stream, entry.object, entry.objectClass);
         stream->ResetHandles();
         RewriteHeader();
     } catch (...) {

@@ -14,9 +14,12 @@ void TBinUnresolvedPointers::Open(ZoStreamableBase* object, int uid, TZoClass* f
     entries.push_back({object, fileClass, uid, uids.size()});
 }
 
-void TBinUnresolvedPointers::LoadPointer([[maybe_unused]] TZoClassField* field, int uid) { uids.push_back(uid); }
+void TBinUnresolvedPointers::LoadPointer([[maybe_unused]] TZoClassField* field, int uid) {
+    uids.push_back(uid);
+}
 
-void TBinUnresolvedPointers::LoadPointers([[maybe_unused]] TZoClassField* field, int count, TBinInStream* stream) {
+void TBinUnresolvedPointers::LoadPointers([[maybe_unused]] TZoClassField* field, int count,
+                                          TBinInStream* stream) {
     CheckRemaining(*stream, count, sizeof(std::int32_t));
     uids.push_back(count);
     for (int i = 0; i < count; ++i) {

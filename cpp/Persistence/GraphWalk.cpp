@@ -11,10 +11,10 @@ namespace ZoPrimitives {
 TZoClass* ClassToWrite(TZoMetaData* schema, const ZoStreamableBase* object) {
     TZoClass* objectClass = object->GetOriginalClass(schema);
     if (objectClass == nullptr) {
-        const ZoString message =
-            ZoString::FormatString("[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
-                                   "'class : public ZoStreamableBase'",
-                                   ClassText(typeid(*object)).c_str());
+        const ZoString message = ZoString::FormatString(
+            "[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
+            "'class : public ZoStreamableBase'",
+            ClassText(typeid(*object)).c_str());
         AssertWithFunctor("instance_pointer->GetOriginalClass(parentMetaData)", message.c_str(),
                           "cpp/Persistence/ZoMetaData", __LINE__);
     }
@@ -33,7 +33,8 @@ private:
 };
 
 GraphWalk::GraphWalk(TBinOutStream& stream, TZoMetaData* schema, TDList<ZoStreamableBase*>& externals)
-    : stream(stream), schema(schema), externals(externals), knownExternals(externals.begin(), externals.end()) {}
+    : stream(stream), schema(schema), externals(externals),
+      knownExternals(externals.begin(), externals.end()) {}
 
 void GraphWalk::Run(ZoStreamableBase* root) {
     stack.push_back({root, nullptr});

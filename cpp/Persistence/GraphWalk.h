@@ -10,8 +10,9 @@ namespace ZoPrimitives {
 
 class TBinOutStream;
 
-/// Walks a graph of objects depth first, with a stack of its own: gives each object the next uid and keeps the order.
-/// What an object owns follows it in the order of its record: ancestors' maps, children and child lists, then its own.
+/// Walks a graph of objects depth first, with a stack of its own: gives each object the next uid and keeps
+/// the order. What an object owns follows it in the order of its record: ancestors' maps, children and child
+/// lists, then its own.
 class GraphWalk {
 public:
     struct Entry {
@@ -48,7 +49,8 @@ private:
     std::vector<Entry> order;
 };
 
-/// The registered class of an object that is to be written. An object without one fails the writer's assertion.
+/// The registered class of an object that is to be written. An object without one fails the writer's
+/// assertion.
 TZoClass* ClassToWrite(TZoMetaData* schema, const ZoStreamableBase* object);
 
 } // namespace ZoPrimitives

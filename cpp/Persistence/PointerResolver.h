@@ -9,15 +9,16 @@
 
 namespace ZoPrimitives {
 
-/// Takes the objects that are members of others: `owner`'s member behind `field` stands for the one read under `uid`.
+/// Takes the objects that are members of others: `owner`'s member behind `field` stands for the one read
+/// under `uid`.
 class ValueTaker {
 public:
     virtual ~ValueTaker() = default;
     virtual void TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) = 0;
 };
 
-/// Walks the uids that one object's pointer fields hold and finds the objects that they name: in one pass those that
-/// are members of their owner (with a `ValueTaker`), in the other all the rest.
+/// Walks the uids that one object's pointer fields hold and finds the objects that they name: in one pass
+/// those that are members of their owner (with a `ValueTaker`), in the other all the rest.
 class TZoPointerResolver {
 public:
     /// `members` (may be null): objects that stand inside others and can have no other owner.

@@ -41,11 +41,14 @@ inline RecordHead ReadHead(const unsigned char* bytes) {
     std::memcpy(&head, bytes, sizeof head);
     return head;
 }
-inline void WriteHead(unsigned char* bytes, const RecordHead& head) { std::memcpy(bytes, &head, sizeof head); }
+inline void WriteHead(unsigned char* bytes, const RecordHead& head) {
+    std::memcpy(bytes, &head, sizeof head);
+}
 
 /// Scrambles or unscrambles in place; twice restores the data.
 inline void Scramble(unsigned key, unsigned char* data, std::size_t size) {
-    const unsigned char pattern[3] = {static_cast<unsigned char>(key * 11), static_cast<unsigned char>(key * 13),
+    const unsigned char pattern[3] = {static_cast<unsigned char>(key * 11),
+                                      static_cast<unsigned char>(key * 13),
                                       static_cast<unsigned char>(key * 15)};
     for (std::size_t i = 0; i < size; ++i) data[i] = static_cast<unsigned char>(data[i] ^ pattern[i % 3]);
 }

@@ -72,7 +72,8 @@ void SchemaWalk::VisitLevel(ZoStreamableBase* object, const TZoClass* level) {
     for (const auto& field : level->fieldsChildMaps) follow(*field, true);
     for (const auto& field : level->fieldsChildLists) follow(*field, true);
     for (const auto& field : level->fieldsReferences) follow(*field, field->GetFieldType() == ftPointerEx);
-    for (const auto& field : level->fieldsReferencesLists) follow(*field, field->GetFieldType() == ftPointerListEx);
+    for (const auto& field : level->fieldsReferencesLists)
+        follow(*field, field->GetFieldType() == ftPointerListEx);
 }
 
 void SchemaWalk::Use(const TZoClass* usedClass) {
@@ -96,11 +97,13 @@ void SchemaWalk::FollowDeclared(const TZoClass* declared) {
         const TZoClass* next = waiting.back();
         waiting.pop_back();
         // A pointer typed by a generic base says nothing about what the file may hold.
-        if (next == nullptr || TZoMetaData::IsGenericBase(next->GetName()) || State(next).declaredFollowed) continue;
+        if (next == nullptr || TZoMetaData::IsGenericBase(next->GetName()) || State(next).declaredFollowed)
+            continue;
         State(next).declaredFollowed = true;
         Use(next);
         for (const auto& parent : next->parents) waiting.push_back(parent.get());
-        next->ForEachPointerField([&waiting](const TZoClassField& field) { waiting.push_back(field.GetFieldClass()); });
+        next->ForEachPointerField(
+            [&waiting](const TZoClassField& field) { waiting.push_back(field.GetFieldClass()); });
     }
 }
 

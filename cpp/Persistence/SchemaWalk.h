@@ -7,8 +7,9 @@
 
 namespace ZoPrimitives {
 
-/// Finds the classes that a file of the graph under some roots needs: those of all objects that would be written,
-/// with their ancestors, and, where a pointer is null or a list empty, the declared class with all that it declares.
+/// Finds the classes that a file of the graph under some roots needs: those of all objects that would be
+/// written, with their ancestors, and, where a pointer is null or a list empty, the declared class with all
+/// that it declares.
 class SchemaWalk {
 public:
     explicit SchemaWalk(TZoMetaData* schema) : schema(schema) {}

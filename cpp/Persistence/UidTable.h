@@ -8,8 +8,8 @@ namespace ZoPrimitives {
 
 class ZoStreamableBase;
 
-/// Objects by uid. Uids are dense as a rule, so the table is an array; those that would make it much larger than the
-/// number of objects go to a map.
+/// Objects by uid. Uids are dense as a rule, so the table is an array; those that would make it much larger
+/// than the number of objects go to a map.
 class UidTable {
 public:
     void Set(int uid, ZoStreamableBase* object) {

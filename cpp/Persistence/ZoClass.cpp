@@ -67,8 +67,8 @@ private:
 TZoCadastre::TZoCadastre(const ZoString& className) : className(className) {}
 TZoCadastre::~TZoCadastre() = default;
 
-TZoClass::TZoClass(TZoMetaData* schema, Parents* parentClasses, const ZoString& name, TZoCreateFunction create,
-                   bool abstract, TZoCadastre* cadastre)
+TZoClass::TZoClass(TZoMetaData* schema, Parents* parentClasses, const ZoString& name,
+                   TZoCreateFunction create, bool abstract, TZoCadastre* cadastre)
     : name(name), abstract(abstract), create(create), cadastre(cadastre), schema(schema) {
     if (parentClasses != nullptr) parents.Append(*parentClasses);
 }
@@ -123,7 +123,8 @@ Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
 TZoClassField* TZoClass::AddFieldInt(const ZoString& field, TZoSetter<int> set, TZoGetter<int> get) {
     return Adopt(new TZoClassFieldInt(field, set, get), nullptr);
 }
-TZoClassField* TZoClass::AddFieldUnsigned(const ZoString& field, TZoSetter<unsigned> set, TZoGetter<unsigned> get) {
+TZoClassField* TZoClass::AddFieldUnsigned(const ZoString& field, TZoSetter<unsigned> set,
+                                          TZoGetter<unsigned> get) {
     return Adopt(new TZoClassFieldUnsigned(field, set, get), nullptr);
 }
 TZoClassField* TZoClass::AddFieldBool(const ZoString& field, TZoSetter<bool> set, TZoGetter<bool> get) {
@@ -135,7 +136,8 @@ TZoClassField* TZoClass::AddFieldFloat(const ZoString& field, TZoSetter<float> s
 TZoClassField* TZoClass::AddFieldDouble(const ZoString& field, TZoSetter<double> set, TZoGetter<double> get) {
     return Adopt(new TZoClassFieldDouble(field, set, get), nullptr);
 }
-TZoClassField* TZoClass::AddFieldString(const ZoString& field, TZoSetter<ZoString> set, TZoGetter<ZoString> get) {
+TZoClassField* TZoClass::AddFieldString(const ZoString& field, TZoSetter<ZoString> set,
+                                        TZoGetter<ZoString> get) {
     return Adopt(new TZoClassFieldString(field, set, get), nullptr);
 }
 TZoClassField* TZoClass::AddFieldBlob(const ZoString& field, TZoSetter<ZoBlob> set, TZoGetter<ZoBlob> get) {
@@ -161,12 +163,12 @@ TZoClassFieldPointer* TZoClass::AddFieldChildValue(const ZoString& field, TZoCla
                                                    TZoPointerSetter set, TZoPointerGetter get) {
     return Adopt(new TZoClassFieldPointer(field, ftChildValue, set, get), fieldClass);
 }
-TZoClassFieldPointer* TZoClass::AddFieldPointer(const ZoString& field, TZoClass* fieldClass, TZoPointerSetter set,
-                                                TZoPointerGetter get) {
+TZoClassFieldPointer* TZoClass::AddFieldPointer(const ZoString& field, TZoClass* fieldClass,
+                                                TZoPointerSetter set, TZoPointerGetter get) {
     return Adopt(new TZoClassFieldPointer(field, ftPointer, set, get), fieldClass);
 }
-TZoClassFieldPointer* TZoClass::AddFieldPointerEx(const ZoString& field, TZoClass* fieldClass, TZoPointerSetter set,
-                                                  TZoPointerGetter get) {
+TZoClassFieldPointer* TZoClass::AddFieldPointerEx(const ZoString& field, TZoClass* fieldClass,
+                                                  TZoPointerSetter set, TZoPointerGetter get) {
     return Adopt(new TZoClassFieldPointer(field, ftPointerEx, set, get), fieldClass);
 }
 TZoClassFieldPointerList* TZoClass::AddFieldChildPointerList(const ZoString& field, TZoClass* fieldClass,
@@ -266,7 +268,8 @@ TZoClassField* TZoClass::FindField(const ZoString& wanted) {
 }
 
 std::array<const TZoClass::FieldList*, 6> TZoClass::StreamingOrder() const {
-    return {&fieldsChildMaps, &fields, &fieldsChilds, &fieldsChildLists, &fieldsReferences, &fieldsReferencesLists};
+    return {&fieldsChildMaps,  &fields,           &fieldsChilds,
+            &fieldsChildLists, &fieldsReferences, &fieldsReferencesLists};
 }
 
 TZoClassField* TZoClass::GetField(int index) {
@@ -332,7 +335,8 @@ void TZoClass::SetOriginal(TZoClass* applicationClass) {
         for (const auto& field : *list) {
             TZoClassField* target =
                 applicationClass == nullptr ? nullptr : applicationClass->FindField(field->GetFieldName());
-            const bool fits = target != nullptr && SameEncoding(target->GetFieldType(), field->GetFieldType());
+            const bool fits =
+                target != nullptr && SameEncoding(target->GetFieldType(), field->GetFieldType());
             field->original = fits ? target : nullptr;
         }
     }
@@ -389,7 +393,8 @@ void TZoClass::LoadMetaFromStream(TBinInStream* stream) {
     for (int block = 0; block < 4; ++block) LoadBlock(stream);
 }
 
-/// Returns the kind of the block's last entry as it is stored, even when no field was made of it; 0 without entries.
+/// Returns the kind of the block's last entry as it is stored, even when no field was made of it; 0 without
+/// entries.
 int TZoClass::LoadBlock(TBinInStream* stream) {
     constexpr unsigned SMALLEST_ENTRY = 12;
     int count = 0;
@@ -407,7 +412,8 @@ int TZoClass::LoadBlock(TBinInStream* stream) {
 
 // Writing
 
-void TZoClass::GetClassMetaData(TZoMetaData* applicationSchema, ZoStreamableBase* root, TDVector<ZoString>* names) {
+void TZoClass::GetClassMetaData(TZoMetaData* applicationSchema, ZoStreamableBase* root,
+                                TDVector<ZoString>* names) {
     SchemaWalk walk(applicationSchema);
     walk.Run(root);
     for (int i = 1; i <= applicationSchema->GetClassCount(); ++i) {
@@ -475,8 +481,8 @@ void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
     }
 }
 
-/// Whether the accessors of a level's application class may be used on objects of this class's application class:
-/// a file may give a class parents that it does not have in the application.
+/// Whether the accessors of a level's application class may be used on objects of this class's application
+/// class: a file may give a class parents that it does not have in the application.
 bool TZoClass::AppliesTo(const TZoClass& level) const {
     return level.original == nullptr || (original != nullptr && original->IsInherited(level.original));
 }
@@ -538,7 +544,8 @@ void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamable
     }
 }
 
-void TZoClass::DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
+void TZoClass::DeleteReferences(ZoStreamableBase* object,
+                                bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                 const void* context) {
     for (const auto& parent : parents) parent->DeleteReferences(object, isRemoved, context);
     ForEachPointerField([&](TZoClassField& field) {

@@ -76,8 +76,8 @@ struct ListHead {
     }
 };
 
-void SaveListHead(TBinOutStream& stream, unsigned long long count, TZoListInteger first, TZoListInteger second,
-                  ZoStreamableBase* object, TZoClassField* field) {
+void SaveListHead(TBinOutStream& stream, unsigned long long count, TZoListInteger first,
+                  TZoListInteger second, ZoStreamableBase* object, TZoClassField* field) {
     stream << StoredCount(count);
     if (first != nullptr) stream << first(object, field);
     if (second != nullptr) stream << second(object, field);
@@ -144,11 +144,13 @@ void TZoClassFieldValue<T>::LoadFromStream(TBinInStream* stream, ZoStreamableBas
     if constexpr (std::is_same_v<T, ZoString>) {
         ZoString& value = stream->ScratchString();
         *stream >> value;
-        if (application != nullptr && application->set != nullptr) application->set(object, application, value);
+        if (application != nullptr && application->set != nullptr)
+            application->set(object, application, value);
     } else {
         T value{};
         *stream >> value;
-        if (application != nullptr && application->set != nullptr) application->set(object, application, value);
+        if (application != nullptr && application->set != nullptr)
+            application->set(object, application, value);
     }
     if (application == nullptr) stream->AddExcludedField(this, begin);
 }
@@ -247,22 +249,24 @@ void TZoClassFieldPointer::SavePointer(TBinOutStream* stream, TBinOutStreamer*, 
     if (target != nullptr) {
         uid = stream->GetHandle(target);
         if (uid == 0) {
-            throw XStream(ZoString::FormatString("[zoerror] child reference '%s' (%p) in class '%s' (%p) not found. "
-                                                 "See DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD.",
-                                                 GetFieldName().c_str(), static_cast<const void*>(target),
-                                                 ClassText(typeid(*object)).c_str(),
-                                                 static_cast<const void*>(object)),
-                          "TZoClassFieldPointer::SavePointer");
+            throw XStream(
+                ZoString::FormatString("[zoerror] child reference '%s' (%p) in class '%s' (%p) not found. "
+                                       "See DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD.",
+                                       GetFieldName().c_str(), static_cast<const void*>(target),
+                                       ClassText(typeid(*object)).c_str(), static_cast<const void*>(object)),
+                "TZoClassFieldPointer::SavePointer");
         }
     }
     *stream << uid;
 }
 
-void TZoClassFieldPointer::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
+void TZoClassFieldPointer::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer,
+                                    ZoStreamableBase* object) {
     SavePointer(stream, streamer, object);
 }
 
-void TZoClassFieldPointer::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
+void TZoClassFieldPointer::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
+                                        ZoStreamableBase* object) {
     if (ZoStreamableBase* target = Get(object)) streamer->SaveInstance(stream, target);
 }
 
@@ -350,7 +354,8 @@ private:
 /// Writes the record of each item of a list.
 class SaveToStreamAction : public ZoStreamableBaseFunctor {
 public:
-    SaveToStreamAction(TBinOutStream* stream, TBinOutStreamer* streamer) : stream(stream), streamer(streamer) {}
+    SaveToStreamAction(TBinOutStream* stream, TBinOutStreamer* streamer)
+        : stream(stream), streamer(streamer) {}
     void operator()(ZoStreamableBase* item) override {
         if (item != nullptr) streamer->SaveInstance(stream, item);
     }
@@ -369,13 +374,14 @@ public:
 
 } // namespace
 
-void TZoClassFieldPointerList::SavePointers(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
+void TZoClassFieldPointerList::SavePointers(TBinOutStream* stream, TBinOutStreamer*,
+                                            ZoStreamableBase* object) {
     const unsigned long long count = NItems(object);
     SaveListHead(*stream, count, access.first, access.second, object, this);
     SavePointerFunc save(*stream, *this);
     GetFieldMetaData(object, save);
-    ZO_ASSERT(save.Count() == count, "save.Count() == NItems && \"[zoerror] the list gave another number of items\"",
-              SOURCE);
+    ZO_ASSERT(save.Count() == count,
+              "save.Count() == NItems && \"[zoerror] the list gave another number of items\"", SOURCE);
 }
 
 void TZoClassFieldPointerList::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer,
@@ -437,7 +443,8 @@ void TZoClassFieldPointerList::DeleteReferences(ZoStreamableBase* object,
     GatherAction gather;
     GetFieldMetaData(object, gather);
     bool any = false;
-    for (const ZoStreamableBase* item : gather.items) any = any || (item != nullptr && isRemoved(context, item));
+    for (const ZoStreamableBase* item : gather.items)
+        any = any || (item != nullptr && isRemoved(context, item));
     if (!any) return;
     const int first = access.first != nullptr ? access.first(object, this) : 0;
     const int second = access.second != nullptr ? access.second(object, this) : 0;
@@ -457,7 +464,8 @@ TZoClassFieldPointerMap::TZoClassFieldPointerMap(const ZoString& name)
 TZoClassFieldPointerMap::~TZoClassFieldPointerMap() = default;
 
 void TZoClassFieldPointerMap::AddFields(TZoClassFieldType keyKind, TZoClassFieldType valueKind) {
-    const ZoString subName = GetFieldClass() != nullptr ? GetFieldClass()->GetName() : ZoString("<unresolve>");
+    const ZoString subName =
+        GetFieldClass() != nullptr ? GetFieldClass()->GetName() : ZoString("<unresolve>");
     const auto make = [&subName](TZoClassFieldType kind) -> TZoClassField* {
         if (kind == ftChildPointerList) return new TZoClassFieldPointerList(subName, kind, {});
         return new TZoClassFieldPointer(subName, kind, nullptr, nullptr);
@@ -475,7 +483,8 @@ void TZoClassFieldPointerMap::AddFields(TZoClassField* newKey, TZoClassField* ne
 namespace {
 
 TZoClassFieldPointerBase* AsPointers(TZoClassField* field) {
-    return field != nullptr && field->IsPointerKind() ? static_cast<TZoClassFieldPointerBase*>(field) : nullptr;
+    return field != nullptr && field->IsPointerKind() ? static_cast<TZoClassFieldPointerBase*>(field)
+                                                      : nullptr;
 }
 
 TZoClassFieldPointerList* AsList(TZoClassField* field) {
@@ -486,7 +495,8 @@ TZoClassFieldPointerList* AsList(TZoClassField* field) {
 
 } // namespace
 
-void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
+void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer* streamer,
+                                       ZoStreamableBase* object) {
     for (TZoClassField* field : {key.get(), value.get()}) {
         if (TZoClassFieldPointerBase* pointers = AsPointers(field)) {
             pointers->SaveUids(stream, streamer, object);
@@ -496,14 +506,16 @@ void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer* s
     }
 }
 
-void TZoClassFieldPointerMap::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
+void TZoClassFieldPointerMap::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer,
+                                       ZoStreamableBase* object) {
     SavePair(stream, streamer, object);
 }
 
 void TZoClassFieldPointerMap::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
                                            ZoStreamableBase* object) {
     for (TZoClassField* field : {key.get(), value.get()}) {
-        if (TZoClassFieldPointerBase* pointers = AsPointers(field)) pointers->SaveToStream(stream, streamer, object);
+        if (TZoClassFieldPointerBase* pointers = AsPointers(field))
+            pointers->SaveToStream(stream, streamer, object);
     }
 }
 
@@ -575,7 +587,9 @@ void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
     GatherAction gatheredValues;
     keys->GetFieldMetaData(object, gatheredKeys);
     values->GetFieldMetaData(object, gatheredValues);
-    const auto removed = [&](const ZoStreamableBase* item) { return item != nullptr && isRemoved(context, item); };
+    const auto removed = [&](const ZoStreamableBase* item) {
+        return item != nullptr && isRemoved(context, item);
+    };
     std::vector<std::pair<ZoStreamableBase*, ZoStreamableBase*>> kept;
     const std::size_t count = std::min(gatheredKeys.items.size(), gatheredValues.items.size());
     for (std::size_t i = 0; i < count; ++i) {

@@ -135,7 +135,8 @@ int TZoMetaData::GetClassCount() const { return static_cast<int>(classes.NItems(
 
 TZoClass* TZoMetaData::FindInherited(const ZoString& ancestorName) const {
     for (const auto& candidate : classes) {
-        if (candidate->GetName() != ancestorName && candidate->IsInherited(ancestorName)) return candidate.get();
+        if (candidate->GetName() != ancestorName && candidate->IsInherited(ancestorName))
+            return candidate.get();
     }
     return nullptr;
 }
@@ -220,7 +221,8 @@ bool TZoMetaData::Check(ZoString* report) const {
             parentsThere = parentsThere && FindClass(parent->GetName()) == parent.get();
         }
         if (!parentsThere) {
-            line(ZoString::FormatString("[zoerror] parent class of %s not registered", checked->GetName().c_str()));
+            line(ZoString::FormatString("[zoerror] parent class of %s not registered",
+                                        checked->GetName().c_str()));
         }
         checked->ForEachPointerField([&](const TZoClassField& field) {
             if (field.GetFieldClass() != nullptr || IsGenericBase(field.GetFieldClassName())) return;
@@ -238,7 +240,9 @@ bool TZoMetaData::Check(ZoString* report) const {
 
 bool TZoMetaData::WritingGenericFile() { return writingGenericFile.load(std::memory_order_relaxed); }
 
-void TZoMetaData::WritingGenericFile(bool writing) { writingGenericFile.store(writing, std::memory_order_relaxed); }
+void TZoMetaData::WritingGenericFile(bool writing) {
+    writingGenericFile.store(writing, std::memory_order_relaxed);
+}
 
 // The schema record
 
@@ -345,7 +349,8 @@ void TZoMetaData::FillObjectsCascade(TDVector<ZoStreamableBase*>* objects) {
     Owned owned(*objects);
     for (unsigned long long i = 1; i <= objects->NItems(); ++i) {
         ZoStreamableBase* object = (*objects)[i];
-        if (TZoClass* objectClass = object->GetOriginalClass(this)) objectClass->ChildsReferences(object, owned);
+        if (TZoClass* objectClass = object->GetOriginalClass(this))
+            objectClass->ChildsReferences(object, owned);
     }
 }
 

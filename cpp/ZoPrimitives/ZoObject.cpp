@@ -6,8 +6,8 @@
 namespace ZoPrimitives {
 
 namespace {
-// A dying object may be held and released again by its own destructor or by a neighbour's: from here no balanced
-// number of holds brings the count back to zero.
+// A dying object may be held and released again by its own destructor or by a neighbour's: from here no
+// balanced number of holds brings the count back to zero.
 constexpr std::uint32_t DYING = 0x80000000u;
 
 thread_local std::vector<const ZoObject*>* waiting = nullptr;

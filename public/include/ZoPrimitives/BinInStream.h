@@ -18,14 +18,15 @@ class ZoStreamableBase;
 class TZoClass;
 class TZoClassField;
 
-/// Abstract reader of the binary record format: delivers one verified record at a time, from which values are taken
-/// with `operator>>`, and hunts over damaged bytes for the next record.
+/// Abstract reader of the binary record format: delivers one verified record at a time, from which values are
+/// taken with `operator>>`, and hunts over damaged bytes for the next record.
 ///
 /// A source of one's own supplies `Read`. A stream belongs to one thread.
 class ZO_API TBinInStream : public ZoObject {
 public:
-    /// Data written by a version above `supportedVersion` is refused. `ownsSource` tells whether what the stream was
-    /// given (a file handle, a block) goes with it; a source that opens its own data always closes it.
+    /// Data written by a version above `supportedVersion` is refused. `ownsSource` tells whether what the
+    /// stream was given (a file handle, a block) goes with it; a source that opens its own data always closes
+    /// it.
     TBinInStream(unsigned supportedVersion, bool ownsSource);
     /// Copies the header's values and the current record, not the objects' tables and not the source.
     TBinInStream(const TBinInStream& other);
@@ -38,9 +39,9 @@ public:
     bool operator==(const TBinInStream& other) const;
     bool operator!=(const TBinInStream& other) const { return !(*this == other); }
 
-    // Values come from the current record. A string or blob that reaches past the record's end throws `XReadStream`
-    // "Tamanho de registro corrompido". A value of fixed size past the end is defined but unspecified, and throws the
-    // same past `DEFAULT_BUFFER_SIZE`.
+    // Values come from the current record. A string or blob that reaches past the record's end throws
+    // `XReadStream` "Tamanho de registro corrompido". A value of fixed size past the end is defined but
+    // unspecified, and throws the same past `DEFAULT_BUFFER_SIZE`.
     virtual TBinInStream& operator>>(ZoBlob& value);
     virtual TBinInStream& operator>>(ZoString& value);
     /// The caller's storage must hold the string's bytes and a terminator: nothing here knows its size.
@@ -58,15 +59,15 @@ protected:
     /// Checks the header, whose bytes are the current record. False when it is none of this format's; throws
     /// `XNewerVersion` when it is above the supported version.
     virtual bool LoadHeader();
-    /// Reads raw bytes. `done` tells how many came; true when all of `size` were read, or for some sources when any
-    /// were.
+    /// Reads raw bytes. `done` tells how many came; true when all of `size` were read, or for some sources
+    /// when any were.
     virtual bool Read(void* data, unsigned size, unsigned& done) = 0;
 
 public:
-    /// Loads the next good record; false at the end of the data. Bytes that are no record, and records whose sum is
-    /// wrong, are passed over; 65,535 rounds of that without a good record throw `XReadStream` "Arquivo corrompido".
-    /// A record that ends before its head says throws `XReadStream` with the error's text: "No error" when the data
-    /// just ended, "Input/output error" when the device failed.
+    /// Loads the next good record; false at the end of the data. Bytes that are no record, and records whose
+    /// sum is wrong, are passed over; 65,535 rounds of that without a good record throw `XReadStream`
+    /// "Arquivo corrompido". A record that ends before its head says throws `XReadStream` with the error's
+    /// text: "No error" when the data just ended, "Input/output error" when the device failed.
     bool LoadRecord(int* uid, int* classId);
 
     /// The handle of the file that the stream reads; null where there is none.
@@ -136,8 +137,8 @@ public:
             TakePastEnd(&value, sizeof(T));
         }
     }
-    /// Takes the bytes of a string or blob without copying them: valid until the next record. The same checks as
-    /// `operator>>`; `location` names the operation in the exception.
+    /// Takes the bytes of a string or blob without copying them: valid until the next record. The same checks
+    /// as `operator>>`; `location` names the operation in the exception.
     const unsigned char* TakeBlock(unsigned& size, const char* location);
     /// A string to read into whose buffer is kept.
     ZoString& ScratchString() { return scratch; }
@@ -148,7 +149,8 @@ protected:
     static unsigned GetSecurityKey(unsigned stored);
     static void ApplySecurityKey(unsigned key, unsigned char* data, unsigned size);
 
-    /// Data that lies in memory as a whole: records are then used where they lie, without `Read`. Null for none.
+    /// Data that lies in memory as a whole: records are then used where they lie, without `Read`. Null for
+    /// none.
     void SetWindow(const unsigned char* begin, const unsigned char* end);
     bool HasWindow() const { return windowBegin != nullptr; }
     unsigned long long WindowPosition() const {
@@ -159,8 +161,8 @@ protected:
     /// `Read` from the window.
     bool ReadWindow(void* data, unsigned size, unsigned& done);
 
-    /// Reads the header's bytes and checks them. Throws `XReadStream` with the error's text and `location` when they
-    /// cannot be read, "Header de arquivo inválido" when they are none, and `XNewerVersion`.
+    /// Reads the header's bytes and checks them. Throws `XReadStream` with the error's text and `location`
+    /// when they cannot be read, "Header de arquivo inválido" when they are none, and `XNewerVersion`.
     void ReadHeader(const char* location);
     /// The device's error behind a `Read` that failed; 0 for the end of the data.
     void SetReadError(unsigned long error) { readError = error; }

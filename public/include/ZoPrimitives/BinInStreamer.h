@@ -11,13 +11,13 @@ namespace ZoPrimitives {
 
 class TBinInStream;
 
-/// Reads what `TBinOutStreamer` wrote: one object for each record, with its fields filled through the file's schema
-/// and its pointers resolved.
+/// Reads what `TBinOutStreamer` wrote: one object for each record, with its fields filled through the file's
+/// schema and its pointers resolved.
 ///
-/// An object of a class that the application does not know is replaced by one of the class's first ancestor that it
-/// knows, or dropped; pointers to it become null. The objects belong to the caller: the first one is the root, which
-/// usually owns the rest, and `TBinInStream::Objects` lists them all. A file in which objects own each other in a
-/// circle is legal; such objects are never released by `pointer`s alone.
+/// An object of a class that the application does not know is replaced by one of the class's first ancestor
+/// that it knows, or dropped; pointers to it become null. The objects belong to the caller: the first one is
+/// the root, which usually owns the rest, and `TBinInStream::Objects` lists them all. A file in which objects
+/// own each other in a circle is legal; such objects are never released by `pointer`s alone.
 class ZO_API TBinInStreamer : public ZoObject {
 public:
     /// Neither is owned.
@@ -33,7 +33,8 @@ public:
 
 protected:
     /// Makes the empty object for a record of the file's class `fileClass`; null drops the record.
-    virtual ZoStreamableBase* CreateInstance(TZoClass* fileClass, TZoMetaData* fileSchema, TZoMetaData* appSchema);
+    virtual ZoStreamableBase* CreateInstance(TZoClass* fileClass, TZoMetaData* fileSchema,
+                                             TZoMetaData* appSchema);
 
 public:
     TBinInStream* GetStream() const { return stream; }
@@ -44,20 +45,20 @@ public:
     TIList<TZoClass, pointer<TZoClass>>* GetUnknowObjects() { return &unknown; }
 
     /// Reads the whole file and returns the root, null when it holds no objects. Throws `XStream` "Metadado
-    /// corrompido" (#1) or "Metadado inválido" (#2, #3) with the failure point in "TBinInStreamer::ReadObjects", and
-    /// whatever the stream throws.
+    /// corrompido" (#1) or "Metadado inválido" (#2, #3) with the failure point in
+    /// "TBinInStreamer::ReadObjects", and whatever the stream throws.
     ///
-    /// Until all records are read a failure deletes the objects made; later failures (thrown by setters and hooks
-    /// while pointers are resolved) leave them to the caller, in the stream's list.
+    /// Until all records are read a failure deletes the objects made; later failures (thrown by setters and
+    /// hooks while pointers are resolved) leave them to the caller, in the stream's list.
     ZoStreamableBase* ReadObjects();
 
-    /// Whether the object may stay: it was not found `invalid` before, it says so itself (`GetIsValid`), and so do
-    /// the objects that are members of it.
+    /// Whether the object may stay: it was not found `invalid` before, it says so itself (`GetIsValid`), and
+    /// so do the objects that are members of it.
     bool OnReadInstance(ZoStreamableBase* object, bool invalid);
     /// The objects that are members of another (`ftChildValue`).
     TDVector<ZoStreamableBase*> ChildsByValueOfInstance(ZoStreamableBase* object);
-    /// Deletes the objects of the list and what they own, unless an object that stays owns it too. References to
-    /// them become null and they leave the lists that hold them.
+    /// Deletes the objects of the list and what they own, unless an object that stays owns it too. References
+    /// to them become null and they leave the lists that hold them.
     void RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid);
 
 private:

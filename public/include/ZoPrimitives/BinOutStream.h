@@ -15,8 +15,8 @@ class ZoString;
 /// The largest payload of a record, in bytes.
 inline constexpr unsigned DEFAULT_BUFFER_SIZE = 10'485'760;
 
-/// Abstract writer of the binary record format: values are appended to the open record, and `FlushRecord` frames it
-/// (marker, size, CRC-32, class id, uid, scrambling key) and hands it to the sink.
+/// Abstract writer of the binary record format: values are appended to the open record, and `FlushRecord`
+/// frames it (marker, size, CRC-32, class id, uid, scrambling key) and hands it to the sink.
 ///
 /// Values are little-endian, without tags or alignment; strings and blobs are a 32-bit length and the bytes.
 /// Appending past `DEFAULT_BUFFER_SIZE` fails an assertion and leaves the record as it was.
@@ -49,8 +49,8 @@ public:
     virtual TBinOutStream& operator<<(long double value);
     virtual TBinOutStream& operator<<(bool value);
 
-    /// Closes the open record. A record without values is counted and not emitted. Uids are meant to rise; that is
-    /// the caller's to keep and is not enforced. This base does the bookkeeping only.
+    /// Closes the open record. A record without values is counted and not emitted. Uids are meant to rise;
+    /// that is the caller's to keep and is not enforced. This base does the bookkeeping only.
     virtual void FlushRecord(int uid, int classId);
     /// Emits the open record's bytes raw, without a frame, and empties it.
     virtual void FlushBuffer() = 0;
@@ -106,7 +106,8 @@ protected:
     unsigned GetSecurityKey() const;
     static void ApplySecurityKey(unsigned key, unsigned char* data, unsigned size);
 
-    /// Frames the open record behind the frames gathered before, after the bookkeeping. False when it was empty.
+    /// Frames the open record behind the frames gathered before, after the bookkeeping. False when it was
+    /// empty.
     bool Frame(int uid, int classId, bool mayScramble);
     /// Puts the open record's bytes behind the frames gathered before, as they are.
     void FrameRaw();
@@ -142,7 +143,8 @@ private:
     bool usesSecurity = false;
     Buffering buffering;
 
-    // [buffer, gatheredEnd) are frames; the head of the open record follows, then its payload [record, position).
+    // [buffer, gatheredEnd) are frames; the head of the open record follows, then its payload [record,
+    // position).
     unsigned char* buffer = nullptr;
     unsigned char* bufferEnd = nullptr;
     unsigned char* gatheredEnd = nullptr;

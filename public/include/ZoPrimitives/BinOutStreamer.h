@@ -13,12 +13,12 @@ class TBinOutStream;
 class TZoClass;
 class TZoMetaData;
 
-/// Writes a graph of objects: the schema record of the classes that it uses, then one record for each object, in
-/// rising uid order, with pointers as uids.
+/// Writes a graph of objects: the schema record of the classes that it uses, then one record for each object,
+/// in rising uid order, with pointers as uids.
 ///
-/// Construct, write the schema (`WriteObjectMetaData`), then the objects (`WriteObject`); one streamer writes one
-/// file. What is only referred to must be owned by something in the graph, or be referred to by a field declared
-/// with DECLARE_ZO_FIELD_EXTERNAL_REFERENCE, which writes it behind the main graph.
+/// Construct, write the schema (`WriteObjectMetaData`), then the objects (`WriteObject`); one streamer writes
+/// one file. What is only referred to must be owned by something in the graph, or be referred to by a field
+/// declared with DECLARE_ZO_FIELD_EXTERNAL_REFERENCE, which writes it behind the main graph.
 class ZO_API TBinOutStreamer : public ZoObject {
 public:
     /// Neither is owned.
@@ -45,17 +45,19 @@ public:
     /// Writes the whole application's schema.
     void WriteMetaData();
 
-    /// Write the records. An object of a class that is not registered, or registered only by its base, fails an
-    /// assertion; a reference to an object that is not written throws `XStream`. After any failure the stream's
-    /// resources are freed.
+    /// Write the records. An object of a class that is not registered, or registered only by its base, fails
+    /// an assertion; a reference to an object that is not written throws `XStream`. After any failure the
+    /// stream's resources are freed.
     void WriteObject(ZoStreamableBase* object);
     void WriteObjects(TDList<ZoStreamableBase*>* objects);
-    /// Gives uids to what the external references point to and to what hangs from it. Both lists as in `WriteObjects`;
-    /// `externals` may grow meanwhile.
-    void AlocateExternalInstancesHandles(TDList<ZoStreamableBase*>* objects, TDList<ZoStreamableBase*>* externals);
+    /// Gives uids to what the external references point to and to what hangs from it. Both lists as in
+    /// `WriteObjects`; `externals` may grow meanwhile.
+    void AlocateExternalInstancesHandles(TDList<ZoStreamableBase*>* objects,
+                                         TDList<ZoStreamableBase*>* externals);
 
     bool InstanceIsAlreadySaved(const ZoStreamableBase* object) const;
-    /// Writes the record of an object and those of what it owns, unless written before. The objects must have uids.
+    /// Writes the record of an object and those of what it owns, unless written before. The objects must have
+    /// uids.
     void SaveInstance(TBinOutStream* target, ZoStreamableBase* object);
 
 private:

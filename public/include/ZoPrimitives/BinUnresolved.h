@@ -21,8 +21,8 @@ struct TBinUnresolved {
     std::size_t firstUid; ///< where the object's uids begin in `TBinUnresolvedPointers`
 };
 
-/// The uids that the pointer fields of all objects read hold, in one flat array: for each field in the order read one
-/// uid, or a count and that many uids.
+/// The uids that the pointer fields of all objects read hold, in one flat array: for each field in the order
+/// read one uid, or a count and that many uids.
 class ZO_API TBinUnresolvedPointers {
 public:
     TBinUnresolvedPointers();
@@ -32,7 +32,8 @@ public:
     void Open(ZoStreamableBase* object, int uid, TZoClass* fileClass);
     /// Adds a single pointer of the entry opened last.
     void LoadPointer(TZoClassField* field, int uid);
-    /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` when the record holds fewer.
+    /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` when the record holds
+    /// fewer.
     void LoadPointers(TZoClassField* field, int count, TBinInStream* stream);
 
     const TBinUnresolved* Find(int uid) const;

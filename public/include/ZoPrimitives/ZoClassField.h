@@ -23,28 +23,28 @@ enum TZoClassFieldType : int {
     ftDouble = -3,
     ftString = -4,
     ftBlob = -5,
-    ftChildPointer = -6,      ///< an owned object
-    ftChildPointerList = -7,  ///< a list of owned objects
-    ftPointer = -8,           ///< an object that somebody else owns
-    ftPointerList = -9,       ///< a list of them
+    ftChildPointer = -6,     ///< an owned object
+    ftChildPointerList = -7, ///< a list of owned objects
+    ftPointer = -8,          ///< an object that somebody else owns
+    ftPointerList = -9,      ///< a list of them
     ftBool = -10,
     ftListInt = -11,
     ftListFloat = -12,
     ftListDouble = -13,
     ftListString = -14,
-    ftPointerEx = -15,        ///< an object that nobody in the graph need own: written after the main graph
-    ftPointerListEx = -16,    ///< a list of them
+    ftPointerEx = -15,     ///< an object that nobody in the graph need own: written after the main graph
+    ftPointerListEx = -16, ///< a list of them
     ftUnsigned = -17,
-    ftChildValue = -18,       ///< an object that is a member of its owner
-    ftChildPointerMap = -19,  ///< owned objects under owned keys
+    ftChildValue = -18,      ///< an object that is a member of its owner
+    ftChildPointerMap = -19, ///< owned objects under owned keys
 };
 
 /// How accessors take and give a value: strings and blobs by reference.
 template <class T>
 using TZoParameter = std::conditional_t<std::is_class_v<T>, const T&, T>;
 
-// Accessors: plain functions. `object` is of the class that declared the field; `field` is the application's, never
-// the file's. Item indices count from 1.
+// Accessors: plain functions. `object` is of the class that declared the field; `field` is the application's,
+// never the file's. Item indices count from 1.
 template <class T>
 using TZoSetter = void (*)(ZoStreamableBase* object, TZoClassField* field, TZoParameter<T> value);
 template <class T>
@@ -52,23 +52,25 @@ using TZoGetter = TZoParameter<T> (*)(ZoStreamableBase* object, TZoClassField* f
 template <class T>
 using TZoItemGetter = TZoParameter<T> (*)(ZoStreamableBase* object, TZoClassField* field, int index);
 using TZoItemCount = unsigned long long (*)(ZoStreamableBase* object, TZoClassField* field);
-/// An integer of the application's that is stored with a list, between its count and its items. Files do not tell
-/// whether a list has it: adding or removing it makes older files unreadable.
+/// An integer of the application's that is stored with a list, between its count and its items. Files do not
+/// tell whether a list has it: adding or removing it makes older files unreadable.
 using TZoListInteger = int (*)(ZoStreamableBase* object, TZoClassField* field);
-/// Prepares a list for `count` items: empties it, and may reserve. `first` and `second` are the list's integers, 0
-/// where it has none.
+/// Prepares a list for `count` items: empties it, and may reserve. `first` and `second` are the list's
+/// integers, 0 where it has none.
 using TZoListCreator = void (*)(ZoStreamableBase* object, int count, int first, int second);
 using TZoPointerSetter = void (*)(ZoStreamableBase* object, TZoClassField* field, ZoStreamableBase* target);
 using TZoPointerGetter = ZoStreamableBase* (*)(ZoStreamableBase* object, TZoClassField* field);
 using TZoPointerItemGetter = ZoStreamableBase* (*)(ZoStreamableBase* object, TZoClassField* field, int index);
 /// Applies the functor to every item, in order.
-using TZoListIterator = void (*)(ZoStreamableBase* object, TZoClassField* field, ZoStreamableBaseFunctor& action);
+using TZoListIterator = void (*)(ZoStreamableBase* object, TZoClassField* field,
+                                 ZoStreamableBaseFunctor& action);
 /// Whether an object is of the C++ type that the setter takes.
 using TZoTypeTest = bool (*)(const ZoStreamableBase* target);
 
 /// One field of a class: its name and kind and, in an application's schema, the accessors to its value.
 ///
-/// A field of a file's schema has no accessors; it is linked to the application's field of the same name, if any.
+/// A field of a file's schema has no accessors; it is linked to the application's field of the same name, if
+/// any.
 class ZO_API TZoClassField : public ZoObject {
 public:
     ~TZoClassField() override;
@@ -93,11 +95,12 @@ public:
     void SetFieldClass(TZoClass* newClass) { fieldClass = newClass; }
     void SetFieldClassName(const ZoString& newName) { className = newName; }
 
-    /// Writes a value into the open record. Of pointer kinds: writes the records of the owned objects that the field
-    /// holds, unless they were written before.
+    /// Writes a value into the open record. Of pointer kinds: writes the records of the owned objects that
+    /// the field holds, unless they were written before.
     virtual void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) = 0;
-    /// Reads the field's part of the current record and hands a value to the application's setter; uids are kept
-    /// until all records are read. Without an application's field the value is passed over and kept as excluded.
+    /// Reads the field's part of the current record and hands a value to the application's setter; uids are
+    /// kept until all records are read. Without an application's field the value is passed over and kept as
+    /// excluded.
     virtual void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) = 0;
     /// Applies the functor to everything that the field points to, nulls included. Nothing for value fields.
     virtual void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
@@ -198,10 +201,11 @@ public:
     /// Hands the objects that the field's uids name to the setter of the application's field.
     virtual void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) = 0;
     /// Takes every reference to an object that `isRemoved` names out of the field.
-    virtual void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
+    virtual void DeleteReferences(ZoStreamableBase* object,
+                                  bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                   const void* context) = 0;
-    /// Whether an object may be handed to the setter: by the test of the C++ type bound with the accessors, or,
-    /// without one, by the declared class.
+    /// Whether an object may be handed to the setter: by the test of the C++ type bound with the accessors,
+    /// or, without one, by the declared class.
     bool Accepts(const ZoStreamableBase* target) const;
     void SetTypeTest(TZoTypeTest test) { typeTest = test; }
     /// Whether the field's objects belong to it.
@@ -217,7 +221,8 @@ private:
 /// A pointer to one object: owned, by value, or a reference.
 class ZO_API TZoClassFieldPointer : public TZoClassFieldPointerBase {
 public:
-    TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set, TZoPointerGetter get);
+    TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set,
+                         TZoPointerGetter get);
     ~TZoClassFieldPointer() override;
 
     ZoStreamableBase* Get(ZoStreamableBase* object) { return get == nullptr ? nullptr : get(object, this); }
@@ -256,7 +261,8 @@ struct TZoPointerListAccessors {
 /// A list of pointers: owned, or references.
 class ZO_API TZoClassFieldPointerList : public TZoClassFieldPointerBase {
 public:
-    TZoClassFieldPointerList(const ZoString& name, TZoClassFieldType kind, const TZoPointerListAccessors& access);
+    TZoClassFieldPointerList(const ZoString& name, TZoClassFieldType kind,
+                             const TZoPointerListAccessors& access);
     ~TZoClassFieldPointerList() override;
 
     unsigned long long NItems(ZoStreamableBase* object);
@@ -268,10 +274,12 @@ public:
     }
     bool HasFirst() const { return access.first != nullptr; }
     bool HasSecond() const { return access.second != nullptr; }
-    /// Writes the count, the list's integers, and each item's uid, 0 for null. An item without uid throws `XStream`.
+    /// Writes the count, the list's integers, and each item's uid, 0 for null. An item without uid throws
+    /// `XStream`.
     void SavePointers(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
     /// Reads a list of uids and prepares the application's list; `application` null passes the list over.
-    static void LoadPointers(TBinInStream* stream, ZoStreamableBase* object, TZoClassFieldPointerList* application);
+    static void LoadPointers(TBinInStream* stream, ZoStreamableBase* object,
+                             TZoClassFieldPointerList* application);
 
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
@@ -285,7 +293,8 @@ private:
     TZoPointerListAccessors access;
 };
 
-/// Owned objects under owned keys: two sub-fields, one for the keys and one for the values, each a list of pointers
+/// Owned objects under owned keys: two sub-fields, one for the keys and one for the values, each a list of
+/// pointers
 /// (`ftChildPointerList`), a single pointer (`ftChildPointer`) or a value.
 class ZO_API TZoClassFieldPointerMap : public TZoClassFieldPointerBase {
 public:

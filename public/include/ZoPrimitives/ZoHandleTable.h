@@ -10,8 +10,8 @@ class ZoStreamableBase;
 
 /// Handles (uids) that one stream gave to objects.
 ///
-/// A handle stands in the object itself, beside the number of the table's current run, so that finding it is a
-/// comparison; only an object that two tables hold at once goes to a map. Objects must outlive the run.
+/// A handle stands in the object itself, beside the number of the table's current run, so that finding it is
+/// a comparison; only an object that two tables hold at once goes to a map. Objects must outlive the run.
 class ZO_API ZoHandleTable {
 public:
     ZoHandleTable() noexcept = default;

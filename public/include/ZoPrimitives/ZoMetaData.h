@@ -42,8 +42,8 @@ public:
     using Fields = TIVector<TZoClassField, pointer<TZoClassField>>;
 
     /// `parents` is copied and may be null.
-    TZoClass(TZoMetaData* schema, Parents* parents, const ZoString& name, TZoCreateFunction create, bool abstract,
-             TZoCadastre* cadastre);
+    TZoClass(TZoMetaData* schema, Parents* parents, const ZoString& name, TZoCreateFunction create,
+             bool abstract, TZoCadastre* cadastre);
     ~TZoClass() override;
     TZoClass(const TZoClass&) = delete;
     TZoClass& operator=(const TZoClass&) = delete;
@@ -59,8 +59,8 @@ public:
     TZoClass* GetParentClass() const { return parents.NItems() == 0 ? nullptr : parents[1].get(); }
     /// In a file's schema: the application's class of the same name; null when it has none.
     TZoClass* GetOriginal() const { return original; }
-    /// Links this class of a file to the application's, and its fields to the fields that the application's class has
-    /// or inherits under the same name in the same encoding.
+    /// Links this class of a file to the application's, and its fields to the fields that the application's
+    /// class has or inherits under the same name in the same encoding.
     void SetOriginal(TZoClass* applicationClass);
     /// The C++ type of the class's objects; null when it was not given.
     const std::type_info* GetType() const { return type; }
@@ -69,7 +69,8 @@ public:
     /// Notes that a parent named at registration was not in the schema; `TZoMetaData::Check` reports it.
     void NoteMissingParent() { parentMissing = true; }
 
-    // Fields are declared in the order in which they are streamed. Each belongs to the class; the result stays its.
+    // Fields are declared in the order in which they are streamed. Each belongs to the class; the result
+    // stays its.
     TZoClassField* AddFieldInt(const ZoString& name, TZoSetter<int> set, TZoGetter<int> get);
     TZoClassField* AddFieldUnsigned(const ZoString& name, TZoSetter<unsigned> set, TZoGetter<unsigned> get);
     TZoClassField* AddFieldBool(const ZoString& name, TZoSetter<bool> set, TZoGetter<bool> get);
@@ -81,8 +82,8 @@ public:
     TZoClassField* AddFieldListFloat(const ZoString& name, const TZoListAccessors<float>& access);
     TZoClassField* AddFieldListDouble(const ZoString& name, const TZoListAccessors<double>& access);
     TZoClassField* AddFieldListString(const ZoString& name, const TZoListAccessors<ZoString>& access);
-    TZoClassFieldPointer* AddFieldChildPointer(const ZoString& name, TZoClass* fieldClass, TZoPointerSetter set,
-                                               TZoPointerGetter get);
+    TZoClassFieldPointer* AddFieldChildPointer(const ZoString& name, TZoClass* fieldClass,
+                                               TZoPointerSetter set, TZoPointerGetter get);
     /// The setter copies the object that it is given; the getter gives the address of the member.
     TZoClassFieldPointer* AddFieldChildValue(const ZoString& name, TZoClass* fieldClass, TZoPointerSetter set,
                                              TZoPointerGetter get);
@@ -97,8 +98,8 @@ public:
     TZoClassFieldPointerList* AddFieldPointerListEx(const ZoString& name, TZoClass* fieldClass,
                                                     const TZoPointerListAccessors& access);
     /// Both sub-fields are taken over: lists of pointers, single pointers, or values.
-    TZoClassFieldPointerMap* AddFieldChildPointerMap(const ZoString& name, TZoClass* fieldClass, TZoClassField* key,
-                                                     TZoClassField* value);
+    TZoClassFieldPointerMap* AddFieldChildPointerMap(const ZoString& name, TZoClass* fieldClass,
+                                                     TZoClassField* key, TZoClassField* value);
     /// A field without accessors, as a file declares it; null for a kind that is none of the 19.
     TZoClassField* AddField(int fieldClassId, TZoClassFieldType kind, const ZoString& name);
 
@@ -124,17 +125,18 @@ public:
 
     /// Collects the names of the classes that the graph under `root` uses, with their ancestors.
     void GetClassMetaData(TZoMetaData* schema, ZoStreamableBase* root, TDVector<ZoString>* names);
-    /// Gives a uid to every object of the graph under `object` that has none, depth first, and collects the external
-    /// instances that it refers to.
-    void AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object, TDList<ZoStreamableBase*>* externals);
+    /// Gives a uid to every object of the graph under `object` that has none, depth first, and collects the
+    /// external instances that it refers to.
+    void AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,
+                         TDList<ZoStreamableBase*>* externals);
     /// Writes the record of `object` and the records of what it owns, each once.
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
     /// Writes the object's fields into the open record: ancestors' first.
     void SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
     /// Writes the records of what the object owns.
     void SaveToStreamPos(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
-    /// Applies the functor to what the object owns through the fields of this class and of its ancestors, in the
-    /// order of the records: nulls included.
+    /// Applies the functor to what the object owns through the fields of this class and of its ancestors, in
+    /// the order of the records: nulls included.
     void ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
 
     /// Reads the current record into `object`; this is the file's class.
@@ -158,7 +160,8 @@ private:
     Field* Adopt(Field* field, TZoClass* fieldClass);
     std::array<const FieldList*, 6> StreamingOrder() const;
     FieldList& ListOf(TZoClassFieldType kind);
-    void SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck, const TZoMetaData* target);
+    void SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
+                   const TZoMetaData* target);
     void SaveMetaToStream(TBinOutStream* stream, const TZoMetaData* target);
     int LoadBlock(TBinInStream* stream);
     bool HasValueChildren() const;
@@ -198,7 +201,7 @@ private:
     TZoClass* original = nullptr;
     TZoMetaData* schema = nullptr;
     const std::type_info* type = nullptr;
-    unsigned slot = 0; // of the application's class in the process; 0 for none
+    unsigned slot = 0;                // of the application's class in the process; 0 for none
     std::vector<int> storedParentIds; // of a class read from a file
 };
 
@@ -212,8 +215,9 @@ public:
     TZoMetaData(const TZoMetaData&) = delete;
     TZoMetaData& operator=(const TZoMetaData&) = delete;
 
-    /// Takes the class over and returns it. A class without id gets the next one, from 1 upward; ids are never used
-    /// twice in one schema. When a class of that name is there already, that one stays and is returned.
+    /// Takes the class over and returns it. A class without id gets the next one, from 1 upward; ids are
+    /// never used twice in one schema. When a class of that name is there already, that one stays and is
+    /// returned.
     TZoClass* AddClass(TZoClass* newClass);
     TZoClass* FindClass(const ZoString& name) const;
     TZoClass* FindClass(int id) const;
@@ -237,19 +241,21 @@ public:
     /// Remembers a pointer field whose class is not registered yet; other fields are ignored.
     void AddToResolveCrossRefs(TZoClassField* field);
     void ResolveCrossRefs();
-    /// Whether all parents and field classes are registered. `report` (may be null) gets one line for each that is
-    /// not. Fields declared with a generic base ("ZoStreamableBase", "ZoObjectStreamable", "Streamable") count as
-    /// resolved.
+    /// Whether all parents and field classes are registered. `report` (may be null) gets one line for each
+    /// that is not. Fields declared with a generic base ("ZoStreamableBase", "ZoObjectStreamable",
+    /// "Streamable") count as resolved.
     bool Check(ZoString* report) const;
 
     /// Writes the schema record: uid 0, class 0.
     void SaveToStream(TBinOutStream* stream);
-    /// Reads the schema record, which is current in `stream`, and links its classes to the application's of the same
-    /// name. False when it contradicts itself: an unknown parent or field class, an id that is not positive or stands
-    /// twice, a class among its own ancestors, more than 1,000 class levels for one object.
+    /// Reads the schema record, which is current in `stream`, and links its classes to the application's of
+    /// the same name. False when it contradicts itself: an unknown parent or field class, an id that is not
+    /// positive or stands twice, a class among its own ancestors, more than 1,000 class levels for one
+    /// object.
     bool LoadFromStream(TBinInStream* stream, TZoMetaData* application);
 
-    /// Whether an object is written under its registered class even though its C++ type is a subclass. Process-wide.
+    /// Whether an object is written under its registered class even though its C++ type is a subclass.
+    /// Process-wide.
     static bool WritingGenericFile();
     static void WritingGenericFile(bool writing);
     /// Whether the name is "ZoStreamableBase", "ZoObjectStreamable" or "Streamable".

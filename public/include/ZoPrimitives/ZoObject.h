@@ -8,8 +8,9 @@ namespace ZoPrimitives {
 
 /// Small polymorphic root of the library's classes.
 ///
-/// Its one field counts the `pointer`s that hold the object. The count belongs to the object's address, not to
-/// its value: copies start at zero and assignment leaves it alone. Not guarded: an object belongs to one thread.
+/// Its one field counts the `pointer`s that hold the object. The count belongs to the object's address, not
+/// to its value: copies start at zero and assignment leaves it alone. Not guarded: an object belongs to one
+/// thread.
 class ZO_API ZoObject {
 public:
     ZoObject() noexcept : references(0) {}
@@ -32,8 +33,8 @@ struct ZoReferenceCount {
     static void Add(const ZoObject* object) noexcept {
         if (object != nullptr) ++object->references;
     }
-    /// Deletes the object when its last reference goes. Objects released by its destructor wait in a list, so that
-    /// a chain of any length is released without recursion.
+    /// Deletes the object when its last reference goes. Objects released by its destructor wait in a list, so
+    /// that a chain of any length is released without recursion.
     static void Release(const ZoObject* object) noexcept {
         if (object != nullptr && --object->references == 0) Destroy(object);
     }

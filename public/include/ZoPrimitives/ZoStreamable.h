@@ -18,8 +18,8 @@ class TZoMetaData;
 
 /// Base of every object that the streamers save and open.
 ///
-/// A class describes itself to a `TZoMetaData` through the macros of ZoRegister.h. The virtual operations are called
-/// by the streamers; the versions here suit a class that needs nothing special.
+/// A class describes itself to a `TZoMetaData` through the macros of ZoRegister.h. The virtual operations are
+/// called by the streamers; the versions here suit a class that needs nothing special.
 class ZO_API ZoStreamableBase : public ZoObject {
 public:
     /// Selects the constructor of an empty object, which a reader then fills.
@@ -41,20 +41,21 @@ public:
     virtual void Read(InputStreamer& streamer);
     /// Whether the object, as read, may stay in the model. True here.
     virtual bool GetIsValid() const;
-    /// The application's class of this object, from the schema in which it was registered last; null for none.
+    /// The application's class of this object, from the schema in which it was registered last; null for
+    /// none.
     virtual TZoClass* GetClass() const;
     /// The class under which the object is registered in a schema; null when it is not.
     virtual TZoClass* GetOriginalClass(TZoMetaData* schema) const;
-    /// Called when the object's fields have been read, pointers excepted. `substituted` tells that the object stands
-    /// for one of a class that the application does not know. False makes the object invalid.
+    /// Called when the object's fields have been read, pointers excepted. `substituted` tells that the object
+    /// stands for one of a class that the application does not know. False makes the object invalid.
     virtual bool OnRead(TBinInStream* stream, bool substituted);
     /// Whether an object of this class may stand for one of an unknown class that derives from it. True here.
     virtual bool CanBeConvertedToBaseClass() const;
-    /// Called after a pointer was handed to the setter of `field`, the application's field, with the target (or null)
-    /// and its uid in the file.
+    /// Called after a pointer was handed to the setter of `field`, the application's field, with the target
+    /// (or null) and its uid in the file.
     virtual void OnReadPointer(TZoClassField* field, ZoStreamableBase* target, unsigned uid);
-    /// Called for each field that the file holds and the class does not, with the stream at the field's value, which
-    /// may be read with `operator>>`. `field` is the file's: its name and kind.
+    /// Called for each field that the file holds and the class does not, with the stream at the field's
+    /// value, which may be read with `operator>>`. `field` is the file's: its name and kind.
     virtual void HandleExcludedField(TZoClassField* field, TBinInStream* stream);
     /// Offers every excluded field of the record just read to `HandleExcludedField`.
     virtual void CheckForExcludedFields(TBinInStream* stream);
@@ -67,8 +68,8 @@ protected:
 
 private:
     friend class HandleAccess;
-    // The handle that a stream gave to this object, and the run of that stream. They belong to the object's address:
-    // never copied, never assigned.
+    // The handle that a stream gave to this object, and the run of that stream. They belong to the object's
+    // address: never copied, never assigned.
     mutable std::int32_t handle = 0;
     mutable std::uint64_t handleRun = 0;
 };
@@ -85,7 +86,8 @@ public:
     /// A new, empty counterpart, owned by the caller. Null here.
     virtual ZoObject* CreateBusinessObject();
     virtual void FillBusinessObject(ZoObject* business, TStreamableToBusinessObjectConvertionHelper* helper);
-    virtual void FillFromBusinessObject(ZoObject* business, TBusinessToStreamableObjectConvertionHelper* helper);
+    virtual void FillFromBusinessObject(ZoObject* business,
+                                        TBusinessToStreamableObjectConvertionHelper* helper);
 };
 
 /// What list fields apply to each of their items. Items may be null.

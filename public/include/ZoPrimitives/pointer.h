@@ -11,10 +11,11 @@ namespace ZoPrimitives {
 template <class T>
 class crossRef;
 
-/// Counted reference to an object of class `T`, which derives from `ZoObject`. The last one deletes the object.
+/// Counted reference to an object of class `T`, which derives from `ZoObject`. The last one deletes the
+/// object.
 ///
-/// The count lives in the object, so a plain pointer can become a `pointer` again. An object that is not on the heap
-/// must never be handed to one. `T` must be complete where a `pointer<T>` is copied or destroyed.
+/// The count lives in the object, so a plain pointer can become a `pointer` again. An object that is not on
+/// the heap must never be handed to one. `T` must be complete where a `pointer<T>` is copied or destroyed.
 template <class T>
 class pointer {
 public:

@@ -1,0 +1,35 @@
+#include "ZoPrimitives/MemoryBinInStream.h"
+
+#include <cstdlib>
+
+namespace ZoPrimitives {
+
+TMemoryBinInStream::TMemoryBinInStream(const void* sourceBlock, unsigned long long size,
+                                       unsigned supportedVersion, bool ownsSource)
+    : TBinInStream(supportedVersion, ownsSource), block(sourceBlock) {
+    static const unsigned char nothing = 0;
+    const auto* begin = size == 0 ? &nothing : static_cast<const unsigned char*>(block);
+    SetWindow(begin, begin + size);
+}
+
+TMemoryBinInStream::~TMemoryBinInStream() {
+    if (GetOwnsSource()) std::free(const_cast<void*>(block));
+}
+
+void TMemoryBinInStream::Initialize() {
+    SetWindowPosition(0);
+    ReadHeader("TMemoryBinInStream::TMemoryBinInStream");
+}
+
+bool TMemoryBinInStream::Read(void* data, unsigned size, unsigned& done) {
+    return ReadWindow(data, size, done);
+}
+
+std::unique_ptr<TMemoryBinInStream> CreateMemoryBinInStream(const void* block, unsigned long long size,
+                                                            unsigned supportedVersion) {
+    auto stream = std::make_unique<TMemoryBinInStream>(block, size, supportedVersion);
+    stream->Initialize();
+    return stream;
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,58 @@
+#include "ZoPrimitives/MemoryBinOutStream.h"
+
+#include "Persistence/RecordFormat.h"
+#include "ZoPrimitives/XStream.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace ZoPrimitives {
+
+TMemoryBinOutStream::TMemoryBinOutStream() : TMemoryBinOutStream(0, 0) {}
+TMemoryBinOutStream::TMemoryBinOutStream(unsigned version, unsigned release)
+    : TBinOutStream(version, release, Buffering::Keep) {}
+TMemoryBinOutStream::~TMemoryBinOutStream() = default;
+
+void TMemoryBinOutStream::Initialize() {
+    DropGathered();
+    if (GetBufferSize() == 0) SaveHeader();
+    FlushBuffer();
+    hasHeader = true;
+}
+
+void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId, true); }
+
+void TMemoryBinOutStream::FlushBuffer() { FrameRaw(); }
+
+void TMemoryBinOutStream::FreeResourses() {
+    DropRecord();
+    DropGathered();
+    hasHeader = false;
+}
+
+void TMemoryBinOutStream::RewriteHeader() {
+    if (!hasHeader) return;
+    SaveHeader();
+    PatchGathered(0, RecordBytes(), RecordFormat::HEADER_SIZE);
+    DropRecord();
+}
+
+const unsigned char* TMemoryBinOutStream::GetData() {
+    unsigned long long size = 0;
+    return Gathered(size);
+}
+
+unsigned char* TMemoryBinOutStream::Detach(unsigned long long& size) {
+    hasHeader = false;
+    return TakeGathered(size);
+}
+
+unsigned long long TMemoryBinOutStream::WriteInMemory(void* block, unsigned long long size) {
+    unsigned long long written = 0;
+    const unsigned char* data = Gathered(written);
+    if (written > size) throw XWriteStreamOutOfSpace("TMemoryBinOutStream::WriteInMemory");
+    if (written != 0) std::memcpy(block, data, static_cast<std::size_t>(written));
+    return written;
+}
+
+} // namespace ZoPrimitives

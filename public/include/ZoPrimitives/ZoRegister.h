@@ -1,0 +1,539 @@
+#pragma once
+
+// How an application's class tells the library about itself: two lines, and one line for each field.
+//
+//     class Storey : public Entity {
+//         REGISTER_ZO_BEGIN(Storey, Entity)
+//         DECLARE_ZO_FIELD(double, height)
+//         DECLARE_ZO_FIELD_CHILD_LIST(Member, members)
+//         DECLARE_ZO_FIELD_REFERENCE(Building, building)
+//         REGISTER_ZO_END
+//     };
+//
+// Each field line declares the member and its accessors; no two field lines may share a source line. What
+// follows REGISTER_ZO_END is public. The class needs a constructor that takes
+// `ZoStreamableBase::StreamableInit`, or a default constructor. An abstract class is recognised as such. Call
+// `Storey::Register(&schema)` once, parents first.
+//
+//     REGISTER_ZO_BEGIN(Class, Parent, ...)                  up to three parents, each registered and a base
+//     in C++ DECLARE_ZO_FIELD(Type, field)                          int, unsigned, bool, float, double,
+//     ZoString, ZoBlob DECLARE_ZO_FIELD_LIST(Type, field)                     int, float, double, ZoString:
+//     TDVector<Type> DECLARE_ZO_FIELD_CHILD(Class, field)                   owned: pointer<Class>
+//     DECLARE_ZO_FIELD_CHILD_VALUE(Class, field)             a member that is an object: Class
+//     DECLARE_ZO_FIELD_CHILD_LIST(Class, field)              owned: TIVector<Class, pointer<Class>>
+//     DECLARE_ZO_FIELD_CHILD_MAP(Key, Class, field)          owned: TIMap<Key, Class, pointer<Class>>
+//     DECLARE_ZO_FIELD_REFERENCE(Class, field)               owned elsewhere in the graph: crossRef<Class>
+//     DECLARE_ZO_FIELD_REFERENCE_LIST(Class, field)          the same: TDVector<Class*>
+//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Class, field)      need not be owned in the graph: crossRef<Class>
+//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Class, field) the same: TDVector<Class*>
+//
+// A class that derives from several streamable classes derives from each virtually-based one in the C++ way;
+// the accessors find their part of the object.
+
+#include "ZoPrimitives/IMap.h"
+#include "ZoPrimitives/IVector.h"
+#include "ZoPrimitives/ZoMetaData.h"
+#include "ZoPrimitives/dvector.h"
+
+#include <cstddef>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+
+namespace ZoPrimitives {
+
+/// Marks the registration of the field that is declared on one source line.
+template <int Line>
+struct ZoFieldLine {};
+
+/// The object that a plain streamable pointer stands for; `dynamic_cast` only where the language needs it.
+template <class T, class = void>
+struct ZoDowncast {
+    static T* To(ZoStreamableBase* object) { return dynamic_cast<T*>(object); }
+};
+template <class T>
+struct ZoDowncast<T, std::void_t<decltype(static_cast<T*>(std::declval<ZoStreamableBase*>()))>> {
+    static T* To(ZoStreamableBase* object) { return static_cast<T*>(object); }
+};
+
+template <class T>
+T& ZoSelf(ZoStreamableBase* object) {
+    return *ZoDowncast<T>::To(object);
+}
+
+/// Whether an object is of class `T`, as a setter of `T` needs it.
+template <class T>
+bool ZoIsA(const ZoStreamableBase* object) {
+    return typeid(*object) == typeid(T) || dynamic_cast<const T*>(object) != nullptr;
+}
+
+/// Declares fields of values: the kinds by C++ type.
+template <class T>
+struct ZoValueField {
+    static_assert(sizeof(T) == 0,
+                  "DECLARE_ZO_FIELD takes int, unsigned, bool, float, double, ZoString or ZoBlob; use "
+                  "DECLARE_ZO_FIELD_CHILD, ..._VALUE or ..._REFERENCE for objects");
+};
+template <class T>
+struct ZoListField {
+    static_assert(sizeof(T) == 0, "DECLARE_ZO_FIELD_LIST takes int, float, double or ZoString; use "
+                                  "DECLARE_ZO_FIELD_CHILD_LIST or ..._REFERENCE_LIST for objects");
+};
+
+#define ZO_VALUE_FIELD(Type, Kind, TypeName)                                                                 \
+    template <>                                                                                              \
+    struct ZoValueField<Type> {                                                                              \
+        static constexpr TZoClassFieldType kind = ft##Kind;                                                  \
+        static constexpr const char* name = TypeName;                                                        \
+        static TZoClassField* Add(TZoClass* owner, const char* field, TZoSetter<Type> set,                   \
+                                  TZoGetter<Type> get) {                                                     \
+            return owner->AddField##Kind(field, set, get);                                                   \
+        }                                                                                                    \
+    };
+#define ZO_LIST_FIELD(Type, Kind, TypeName)                                                                  \
+    template <>                                                                                              \
+    struct ZoListField<Type> {                                                                               \
+        static constexpr TZoClassFieldType kind = ftList##Kind;                                              \
+        static constexpr const char* name = TypeName;                                                        \
+        static TZoClassField* Add(TZoClass* owner, const char* field,                                        \
+                                  const TZoListAccessors<Type>& access) {                                    \
+            return owner->AddFieldList##Kind(field, access);                                                 \
+        }                                                                                                    \
+    };
+ZO_VALUE_FIELD(int, Int, "int")
+ZO_VALUE_FIELD(unsigned, Unsigned, "unsigned")
+ZO_VALUE_FIELD(bool, Bool, "bool")
+ZO_VALUE_FIELD(float, Float, "float")
+ZO_VALUE_FIELD(double, Double, "double")
+ZO_VALUE_FIELD(ZoString, String, "ZoString")
+ZO_VALUE_FIELD(ZoBlob, Blob, "ZoBlob")
+ZO_LIST_FIELD(int, Int, "list<int>")
+ZO_LIST_FIELD(float, Float, "list<float>")
+ZO_LIST_FIELD(double, Double, "list<double>")
+ZO_LIST_FIELD(ZoString, String, "list<ZoString>")
+#undef ZO_VALUE_FIELD
+#undef ZO_LIST_FIELD
+
+// What the macros' accessors do with the members that hold pointers.
+
+template <class T>
+void ZoPut(pointer<T>& member, ZoStreamableBase* target) {
+    member = target == nullptr ? nullptr : ZoDowncast<T>::To(target);
+}
+template <class T>
+void ZoPut(crossRef<T>& member, ZoStreamableBase* target) {
+    member = target == nullptr ? nullptr : ZoDowncast<T>::To(target);
+}
+template <class T, class P>
+void ZoAppend(TIVector<T, P>& list, ZoStreamableBase* target) {
+    list.Add(target == nullptr ? nullptr : ZoDowncast<T>::To(target));
+}
+template <class T>
+void ZoAppend(TDVector<T*>& list, ZoStreamableBase* target) {
+    list.Add(target == nullptr ? nullptr : ZoDowncast<T>::To(target));
+}
+template <class T>
+ZoStreamableBase* ZoTarget(const pointer<T>& holder) {
+    return holder.get();
+}
+template <class T>
+ZoStreamableBase* ZoTarget(T* target) {
+    return target;
+}
+template <class List>
+bool ZoDelete(List& list, ZoStreamableBase* target) {
+    const auto count = list.NItems();
+    for (unsigned long long i = 1; i <= count; ++i) {
+        if (ZoTarget(list[i]) == target) return list.RemoveAt(i), true;
+    }
+    return false;
+}
+template <class List>
+void ZoIterate(List& list, ZoStreamableBaseFunctor& action) {
+    for (auto& item : list) action(ZoTarget(item));
+}
+template <class List>
+void ZoPrepare(List& list, int count) {
+    list.RemoveAll();
+    list.Reserve(static_cast<unsigned long long>(count));
+}
+
+/// The class of a field's objects as a member function of a class not yet complete may name it.
+template <class Member>
+struct ZoMemberTarget;
+template <class T>
+struct ZoMemberTarget<pointer<T>> {
+    using Object = T;
+};
+template <class T>
+struct ZoMemberTarget<crossRef<T>> {
+    using Object = T;
+};
+template <class T, class P>
+struct ZoMemberTarget<TIVector<T, P>> {
+    using Object = T;
+};
+template <class T>
+struct ZoMemberTarget<TDVector<T*>> {
+    using Object = T;
+};
+
+template <class T, class Field>
+Field* ZoBind(Field* field) {
+    static_assert(std::is_base_of_v<ZoStreamableBase, T>,
+                  "a field's objects must derive from ZoStreamableBase: use DECLARE_ZO_FIELD for values");
+    field->SetTypeTest(ZoIsA<T>);
+    return field;
+}
+
+/// The accessors of a map's two lists, of one length. On reading, a key is added first and then its value.
+template <class Owner, auto Member>
+struct ZoMapAccessors;
+template <class Owner, class K, class V, class P, TIMap<K, V, P> Owner::*Member>
+struct ZoMapAccessors<Owner, Member> {
+    static TIMap<K, V, P>& Map(ZoStreamableBase* object) { return ZoSelf<Owner>(object).*Member; }
+
+    static unsigned long long NItems(ZoStreamableBase* object, TZoClassField*) {
+        return Map(object).NItems();
+    }
+    static void Clear(ZoStreamableBase* object, int, int, int) { Map(object).RemoveAll(); }
+    static void ClearNothing(ZoStreamableBase*, int, int, int) {}
+    static void AddKey(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* key) {
+        Map(object).Append(key == nullptr ? nullptr : ZoDowncast<K>::To(key), nullptr);
+    }
+    static void AddValue(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* value) {
+        TIMap<K, V, P>& map = Map(object);
+        if (map.NItems() != 0) ZoPut(map.ValueAt(map.NItems()), value);
+    }
+    static ZoStreamableBase* KeyAt(ZoStreamableBase* object, TZoClassField*, int index) {
+        return ZoTarget(Map(object).KeyAt(static_cast<unsigned long long>(index)));
+    }
+    static ZoStreamableBase* ValueAt(ZoStreamableBase* object, TZoClassField*, int index) {
+        return ZoTarget(Map(object).ValueAt(static_cast<unsigned long long>(index)));
+    }
+
+    static TZoClassFieldPointerMap* AddField(TZoClass* owner, const char* name, TZoClass* fieldClass) {
+        auto* keys = new TZoClassFieldPointerList(name, ftChildPointerList,
+                                                  {AddKey, KeyAt, NItems, nullptr, Clear, nullptr, nullptr});
+        auto* values = new TZoClassFieldPointerList(
+            name, ftChildPointerList, {AddValue, ValueAt, NItems, nullptr, ClearNothing, nullptr, nullptr});
+        return owner->AddFieldChildPointerMap(name, fieldClass, ZoBind<K>(keys), ZoBind<V>(values));
+    }
+};
+
+/// A registration's name for a class: without the namespaces that precede it.
+ZO_API ZoString ZoRegisteredName(const char* qualifiedName);
+/// "class " and the run-time type's name without "ZoPrimitives::".
+ZO_API ZoString ZoStreamableClassName(const std::type_info& type);
+/// What every `Getfieldclassfor_<field>` does: finds the class of that name, null when it is not registered.
+ZO_API ZoString ZoFieldClass(TZoMetaData* schema, TZoClass** fieldClass, TZoClassFieldType* kind,
+                             const char* name, TZoClassFieldType fieldKind);
+
+/// What the macros' `Register` does, without its templates.
+class ZO_API ZoRegistration {
+public:
+    using FieldClassFunction = ZoString (*)(TZoMetaData*, TZoClass**, TZoClassFieldType*);
+    using AddFieldFunction = TZoClassField* (*)(TZoClass*, TZoClass*, const ZoString&);
+
+    /// Parents: up to three names, "0" or "NULL" for none. One that is not registered is skipped.
+    ZoRegistration(TZoMetaData* schema, const char* name, const char* const (&parents)[3],
+                   TZoCreateFunction create, bool abstract, const std::type_info& type, unsigned slot);
+    ~ZoRegistration();
+    ZoRegistration(const ZoRegistration&) = delete;
+    ZoRegistration& operator=(const ZoRegistration&) = delete;
+
+    void AddField(FieldClassFunction fieldClassOf, AddFieldFunction add);
+    /// Puts the class into the schema and returns it; the class that is there already, when the name is
+    /// taken.
+    TZoClass* Finish();
+
+private:
+    TZoMetaData* schema;
+    pointer<TZoClass> made;
+    TDVector<TZoClassField*> unresolved;
+};
+
+template <class T>
+unsigned ZoSlotOf() {
+    static const unsigned slot = ZoNewClassSlot();
+    return slot;
+}
+
+template <class T>
+ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass*) {
+    if constexpr (std::is_constructible_v<T, ZoStreamableBase::StreamableInit>) {
+        return new T(ZoStreamableBase::InitEmpty);
+    } else {
+        return new T();
+    }
+}
+
+template <class Class, class Parent>
+constexpr bool ZoIsParent() {
+    static_assert(std::is_base_of_v<Parent, Class>,
+                  "REGISTER_ZO_BEGIN: a parent must be a base of the class in C++ too");
+    return true;
+}
+
+template <class T, int... Lines>
+void AddFieldsOfLines(ZoRegistration& registration, std::integer_sequence<int, Lines...>) {
+    (T::ZoAddField(ZoFieldLine<T::ZoFirstLine + Lines>(), registration), ...);
+}
+
+template <class T>
+TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* const (&parents)[3]) {
+    static_assert(std::is_base_of_v<ZoStreamableBase, T>,
+                  "REGISTER_ZO_BEGIN: the class must derive from ZoStreamableBase or ZoObjectStreamable");
+    static_assert(T::template ZoParentsHold<T>());
+    constexpr bool abstract = std::is_abstract_v<T>;
+    TZoCreateFunction create = nullptr;
+    if constexpr (!abstract) {
+        static_assert(std::is_constructible_v<T, ZoStreamableBase::StreamableInit> ||
+                          std::is_default_constructible_v<T>,
+                      "REGISTER_ZO_BEGIN: the class needs a public constructor that takes "
+                      "ZoStreamableBase::StreamableInit, or a default constructor");
+        create = ZoCreateInstance<T>;
+    }
+    ZoRegistration registration(schema, name, parents, create, abstract, typeid(T), ZoSlotOf<T>());
+    AddFieldsOfLines<T>(registration, std::make_integer_sequence<int, T::ZoLastLine - T::ZoFirstLine>());
+    return registration.Finish();
+}
+
+} // namespace ZoPrimitives
+
+#define ZO_EXPAND_(x) x
+#define ZO_FIFTH_(a, b, c, d, e, ...) e
+#define ZO_PARENTS_(...)                                                                                     \
+    template <class ZoThis>                                                                                  \
+    static constexpr bool ZoParentsHold() {                                                                  \
+        return __VA_ARGS__;                                                                                  \
+    }
+#define ZO_IS_PARENT_(Parent) ::ZoPrimitives::ZoIsParent<ZoThis, Parent>()
+#define ZO_BEGIN_1_(Class, unused) ZO_BEGIN_NAMES(Class, "NULL", "NULL", "NULL")
+#define ZO_BEGIN_2_(Class, P1, unused) ZO_BEGIN_CHECKED_(Class, #P1, "NULL", "NULL", ZO_IS_PARENT_(P1))
+#define ZO_BEGIN_3_(Class, P1, P2, unused)                                                                   \
+    ZO_BEGIN_CHECKED_(Class, #P1, #P2, "NULL", ZO_IS_PARENT_(P1) && ZO_IS_PARENT_(P2))
+#define ZO_BEGIN_4_(Class, P1, P2, P3, unused)                                                               \
+    ZO_BEGIN_CHECKED_(Class, #P1, #P2, #P3, ZO_IS_PARENT_(P1) && ZO_IS_PARENT_(P2) && ZO_IS_PARENT_(P3))
+
+/// Opens a class's registration: the class, then up to three parents.
+#define REGISTER_ZO_BEGIN(...)                                                                               \
+    ZO_EXPAND_(ZO_FIFTH_(__VA_ARGS__, ZO_BEGIN_4_, ZO_BEGIN_3_, ZO_BEGIN_2_, ZO_BEGIN_1_, )(__VA_ARGS__, ))
+
+/// The same with the parents' names as texts, unchecked; "0" and "NULL" stand for none.
+#define ZO_BEGIN_NAMES(Class, Parent1, Parent2, Parent3)                                                     \
+    ZO_BEGIN_CHECKED_(Class, Parent1, Parent2, Parent3, true)
+
+#define ZO_BEGIN_CHECKED_(Class, Parent1, Parent2, Parent3, ...)                                             \
+public:                                                                                                      \
+    using ZoClass = Class;                                                                                   \
+    static constexpr int ZoFirstLine = __LINE__;                                                             \
+    static constexpr const char* ZoName() { return #Class; }                                                 \
+    static const char* const(&ZoParents())[3] {                                                              \
+        static constexpr const char* parents[3] = {Parent1, Parent2, Parent3};                               \
+        return parents;                                                                                      \
+    }                                                                                                        \
+    template <int ZoLine>                                                                                    \
+    static void ZoAddField(::ZoPrimitives::ZoFieldLine<ZoLine>, ::ZoPrimitives::ZoRegistration&) {}          \
+    ZO_PARENTS_(__VA_ARGS__)
+
+/// Closes a class's registration.
+#define REGISTER_ZO_END                                                                                      \
+    static constexpr int ZoLastLine = __LINE__;                                                              \
+    template <class ZoThis = ZoClass>                                                                        \
+    static ::ZoPrimitives::TZoClass* Register(::ZoPrimitives::TZoMetaData* schema) {                         \
+        return ::ZoPrimitives::ZoRegisterClass<ZoThis>(schema, ZoName(), ZoParents());                       \
+    }                                                                                                        \
+    static void Unregister(::ZoPrimitives::TZoMetaData* schema) { schema->ExcludeClass(ZoName()); }          \
+    ::ZoPrimitives::TZoClass* GetOriginalClass(::ZoPrimitives::TZoMetaData* schema) const override {         \
+        return schema->FindClass(::ZoPrimitives::ZoSlotOf<ZoClass>(), ZoName());                             \
+    }                                                                                                        \
+    ::ZoPrimitives::TZoClass* GetClass() const override {                                                    \
+        return ::ZoPrimitives::TZoMetaData::FindLatestClass(::ZoPrimitives::ZoSlotOf<ZoClass>());            \
+    }                                                                                                        \
+    ::ZoPrimitives::ZoString StreamableClassName() const override {                                          \
+        return ::ZoPrimitives::ZoStreamableClassName(typeid(*this));                                         \
+    }
+
+#define ZO_FIELD_LINE_(field)                                                                                \
+    static void ZoAddField(::ZoPrimitives::ZoFieldLine<__LINE__>,                                            \
+                           ::ZoPrimitives::ZoRegistration& registration) {                                   \
+        registration.AddField(Getfieldclassfor_##field, Addfieldfor_##field);                                \
+    }
+#define ZO_FIELD_CLASS_(field, typeName, fieldKind)                                                          \
+    static ::ZoPrimitives::ZoString Getfieldclassfor_##field(::ZoPrimitives::TZoMetaData* schema,            \
+                                                             ::ZoPrimitives::TZoClass** fieldClass,          \
+                                                             ::ZoPrimitives::TZoClassFieldType* kind) {      \
+        return ::ZoPrimitives::ZoFieldClass(schema, fieldClass, kind, typeName, fieldKind);                  \
+    }
+
+#define DECLARE_ZO_FIELD(Type, field)                                                                        \
+    Type field{};                                                                                            \
+    static void Set##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
+                           ::ZoPrimitives::TZoParameter<Type> value) {                                       \
+        ::ZoPrimitives::ZoSelf<ZoClass>(object).field = value;                                               \
+    }                                                                                                        \
+    static ::ZoPrimitives::TZoParameter<Type> Get##field(::ZoPrimitives::ZoStreamableBase* object,           \
+                                                         ::ZoPrimitives::TZoClassField*) {                   \
+        return ::ZoPrimitives::ZoSelf<ZoClass>(object).field;                                                \
+    }                                                                                                        \
+    ZO_FIELD_CLASS_(field, ::ZoPrimitives::ZoValueField<Type>::name,                                         \
+                    ::ZoPrimitives::ZoValueField<Type>::kind)                                                \
+    static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(                                               \
+        ::ZoPrimitives::TZoClass* owner, ::ZoPrimitives::TZoClass*, const ::ZoPrimitives::ZoString&) {       \
+        return ::ZoPrimitives::ZoValueField<Type>::Add(owner, #field, Set##field, Get##field);               \
+    }                                                                                                        \
+    ZO_FIELD_LINE_(field)
+
+#define DECLARE_ZO_FIELD_LIST(Type, field)                                                                   \
+    ::ZoPrimitives::TDVector<Type> field;                                                                    \
+    static void Add##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
+                           ::ZoPrimitives::TZoParameter<Type> value) {                                       \
+        ::ZoPrimitives::ZoSelf<ZoClass>(object).field.Add(value);                                            \
+    }                                                                                                        \
+    static ::ZoPrimitives::TZoParameter<Type> ElementAt##field(::ZoPrimitives::ZoStreamableBase* object,     \
+                                                               ::ZoPrimitives::TZoClassField*, int index) {  \
+        return ::ZoPrimitives::ZoSelf<ZoClass>(object).field[static_cast<unsigned long long>(index)];        \
+    }                                                                                                        \
+    ZO_LIST_COUNT_(field, field)                                                                             \
+    ZO_FIELD_CLASS_(field, ::ZoPrimitives::ZoListField<Type>::name, ::ZoPrimitives::ZoListField<Type>::kind) \
+    static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(                                               \
+        ::ZoPrimitives::TZoClass* owner, ::ZoPrimitives::TZoClass*, const ::ZoPrimitives::ZoString&) {       \
+        return ::ZoPrimitives::ZoListField<Type>::Add(                                                       \
+            owner, #field,                                                                                   \
+            {Add##field, ElementAt##field, NItems##field, CreateList_##field, nullptr, nullptr});            \
+    }                                                                                                        \
+    ZO_FIELD_LINE_(field)
+
+#define ZO_LIST_COUNT_(field, member)                                                                        \
+    static unsigned long long NItems##field(::ZoPrimitives::ZoStreamableBase* object,                        \
+                                            ::ZoPrimitives::TZoClassField*) {                                \
+        return ::ZoPrimitives::ZoSelf<ZoClass>(object).member.NItems();                                      \
+    }                                                                                                        \
+    static void CreateList_##field(::ZoPrimitives::ZoStreamableBase* object, int count, int, int) {          \
+        ::ZoPrimitives::ZoPrepare(::ZoPrimitives::ZoSelf<ZoClass>(object).member, count);                    \
+    }
+
+// The accessors of pointers are templates, so that the target's class may be declared later.
+#define ZO_POINTER_FIELD_(Member, Type, field, Kind)                                                         \
+    Member field;                                                                                            \
+    template <class ZoThis = ZoClass>                                                                        \
+    static void Set##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
+                           ::ZoPrimitives::ZoStreamableBase* target) {                                       \
+        ::ZoPrimitives::ZoPut(::ZoPrimitives::ZoSelf<ZoThis>(object).field, target);                         \
+    }                                                                                                        \
+    template <class ZoThis = ZoClass>                                                                        \
+    static ::ZoPrimitives::ZoStreamableBase* Get##field(::ZoPrimitives::ZoStreamableBase* object,            \
+                                                        ::ZoPrimitives::TZoClassField*) {                    \
+        return ::ZoPrimitives::ZoSelf<ZoThis>(object).field.get();                                           \
+    }                                                                                                        \
+    ZO_FIELD_CLASS_(field, #Type, ::ZoPrimitives::ft##Kind)                                                  \
+    template <class ZoThis = ZoClass>                                                                        \
+    static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(::ZoPrimitives::TZoClass* owner,               \
+                                                              ::ZoPrimitives::TZoClass* fieldClass,          \
+                                                              const ::ZoPrimitives::ZoString& typeName) {    \
+        using Target = typename ::ZoPrimitives::ZoMemberTarget<decltype(ZoThis::field)>::Object;             \
+        auto* made = ::ZoPrimitives::ZoBind<Target>(                                                         \
+            owner->AddField##Kind(#field, fieldClass, Set##field<ZoThis>, Get##field<ZoThis>));              \
+        made->SetFieldClassName(typeName);                                                                   \
+        return made;                                                                                         \
+    }                                                                                                        \
+    ZO_FIELD_LINE_(field)
+
+#define ZO_POINTER_LIST_FIELD_(Member, Type, field, Kind)                                                    \
+    Member field;                                                                                            \
+    template <class ZoThis = ZoClass>                                                                        \
+    static void Add##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
+                           ::ZoPrimitives::ZoStreamableBase* target) {                                       \
+        ::ZoPrimitives::ZoAppend(::ZoPrimitives::ZoSelf<ZoThis>(object).field, target);                      \
+    }                                                                                                        \
+    template <class ZoThis = ZoClass>                                                                        \
+    static bool Del##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
+                           ::ZoPrimitives::ZoStreamableBase* target) {                                       \
+        return ::ZoPrimitives::ZoDelete(::ZoPrimitives::ZoSelf<ZoThis>(object).field, target);               \
+    }                                                                                                        \
+    template <class ZoThis = ZoClass>                                                                        \
+    static ::ZoPrimitives::ZoStreamableBase* ElementAt##field(::ZoPrimitives::ZoStreamableBase* object,      \
+                                                              ::ZoPrimitives::TZoClassField*, int index) {   \
+        return ::ZoPrimitives::ZoTarget(                                                                     \
+            ::ZoPrimitives::ZoSelf<ZoThis>(object).field[static_cast<unsigned long long>(index)]);           \
+    }                                                                                                        \
+    template <class ZoThis = ZoClass>                                                                        \
+    static unsigned long long NItems##field(::ZoPrimitives::ZoStreamableBase* object,                        \
+                                            ::ZoPrimitives::TZoClassField*) {                                \
+        return ::ZoPrimitives::ZoSelf<ZoThis>(object).field.NItems();                                        \
+    }                                                                                                        \
+    template <class ZoThis = ZoClass>                                                                        \
+    static void CreateList_##field(::ZoPrimitives::ZoStreamableBase* object, int count, int, int) {          \
+        ::ZoPrimitives::ZoPrepare(::ZoPrimitives::ZoSelf<ZoThis>(object).field, count);                      \
+    }                                                                                                        \
+    template <class ZoThis = ZoClass>                                                                        \
+    static void IterateOver##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*, \
+                                   ::ZoPrimitives::ZoStreamableBaseFunctor& action) {                        \
+        ::ZoPrimitives::ZoIterate(::ZoPrimitives::ZoSelf<ZoThis>(object).field, action);                     \
+    }                                                                                                        \
+    ZO_FIELD_CLASS_(field, #Type, ::ZoPrimitives::ft##Kind)                                                  \
+    template <class ZoThis = ZoClass>                                                                        \
+    static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(::ZoPrimitives::TZoClass* owner,               \
+                                                              ::ZoPrimitives::TZoClass* fieldClass,          \
+                                                              const ::ZoPrimitives::ZoString& typeName) {    \
+        using Target = typename ::ZoPrimitives::ZoMemberTarget<decltype(ZoThis::field)>::Object;             \
+        auto* made = ::ZoPrimitives::ZoBind<Target>(owner->AddField##Kind(                                   \
+            #field, fieldClass,                                                                              \
+            {Add##field<ZoThis>, ElementAt##field<ZoThis>, NItems##field<ZoThis>,                            \
+             IterateOver##field<ZoThis>, CreateList_##field<ZoThis>, nullptr, nullptr}));                    \
+        made->SetFieldClassName(typeName);                                                                   \
+        return made;                                                                                         \
+    }                                                                                                        \
+    ZO_FIELD_LINE_(field)
+
+#define DECLARE_ZO_FIELD_CHILD(Type, field)                                                                  \
+    ZO_POINTER_FIELD_(::ZoPrimitives::pointer<Type>, Type, field, ChildPointer)
+#define DECLARE_ZO_FIELD_REFERENCE(Type, field)                                                              \
+    ZO_POINTER_FIELD_(::ZoPrimitives::crossRef<Type>, Type, field, Pointer)
+#define DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Type, field)                                                     \
+    ZO_POINTER_FIELD_(::ZoPrimitives::crossRef<Type>, Type, field, PointerEx)
+
+#define ZO_CHILD_VECTOR_(Type) ::ZoPrimitives::TIVector<Type, ::ZoPrimitives::pointer<Type>>
+#define DECLARE_ZO_FIELD_CHILD_LIST(Type, field)                                                             \
+    ZO_POINTER_LIST_FIELD_(ZO_CHILD_VECTOR_(Type), Type, field, ChildPointerList)
+#define DECLARE_ZO_FIELD_REFERENCE_LIST(Type, field)                                                         \
+    ZO_POINTER_LIST_FIELD_(::ZoPrimitives::TDVector<Type*>, Type, field, PointerList)
+#define DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Type, field)                                                \
+    ZO_POINTER_LIST_FIELD_(::ZoPrimitives::TDVector<Type*>, Type, field, PointerListEx)
+
+#define DECLARE_ZO_FIELD_CHILD_VALUE(Type, field)                                                            \
+    Type field{};                                                                                            \
+    static void Set##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
+                           ::ZoPrimitives::ZoStreamableBase* value) {                                        \
+        ::ZoPrimitives::ZoSelf<ZoClass>(object).field = ::ZoPrimitives::ZoSelf<Type>(value);                 \
+    }                                                                                                        \
+    static ::ZoPrimitives::ZoStreamableBase* Get##field(::ZoPrimitives::ZoStreamableBase* object,            \
+                                                        ::ZoPrimitives::TZoClassField*) {                    \
+        return &::ZoPrimitives::ZoSelf<ZoClass>(object).field;                                               \
+    }                                                                                                        \
+    ZO_FIELD_CLASS_(field, #Type, ::ZoPrimitives::ftChildValue)                                              \
+    static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(::ZoPrimitives::TZoClass* owner,               \
+                                                              ::ZoPrimitives::TZoClass* fieldClass,          \
+                                                              const ::ZoPrimitives::ZoString& typeName) {    \
+        auto* made = ::ZoPrimitives::ZoBind<Type>(                                                           \
+            owner->AddFieldChildValue(#field, fieldClass, Set##field, Get##field));                          \
+        made->SetFieldClassName(typeName);                                                                   \
+        return made;                                                                                         \
+    }                                                                                                        \
+    ZO_FIELD_LINE_(field)
+
+#define ZO_CHILD_MAP_(Key, Type) ::ZoPrimitives::TIMap<Key, Type, ::ZoPrimitives::pointer<Type>>
+#define DECLARE_ZO_FIELD_CHILD_MAP(Key, Type, field)                                                         \
+    ZO_CHILD_MAP_(Key, Type) field;                                                                          \
+    ZO_FIELD_CLASS_(field, #Type, ::ZoPrimitives::ftChildPointerMap)                                         \
+    template <class ZoThis = ZoClass>                                                                        \
+    static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(::ZoPrimitives::TZoClass* owner,               \
+                                                              ::ZoPrimitives::TZoClass* fieldClass,          \
+                                                              const ::ZoPrimitives::ZoString& typeName) {    \
+        using Accessors = ::ZoPrimitives::ZoMapAccessors<ZoThis, &ZoThis::field>;                            \
+        auto* made = Accessors::AddField(owner, #field, fieldClass);                                         \
+        made->SetFieldClassName(typeName);                                                                   \
+        return made;                                                                                         \
+    }                                                                                                        \
+    ZO_FIELD_LINE_(field)

@@ -25,6 +25,7 @@ namespace {
 
 static_assert(sizeof(off_t) == 8);
 
+// Processes that use two versions of the library meet here: the places never change.
 // In this order what an opening places is always one run of bytes.
 enum Mark : unsigned { Writes = 1, Reads = 2, DeniesWriting = 4, DeniesReading = 8 };
 constexpr int MarkCount = 4;

@@ -191,6 +191,7 @@ void TBinInStream::SetRecordPosition(unsigned newPosition) { position = std::min
 void TBinInStream::SetWindow(const unsigned char* begin, const unsigned char* end) {
     windowBegin = windowCursor = begin;
     windowEnd = end;
+    UseBuffer(0); // the current record may lie in the window that was
 }
 
 bool TBinInStream::ReadWindow(void* data, unsigned size, unsigned& done) {

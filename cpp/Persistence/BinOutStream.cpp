@@ -20,9 +20,8 @@ namespace {
 
 constexpr const char* SOURCE = "cpp/Persistence/BinOutStream";
 
-// Gathered frames leave in blocks of about this size.
-constexpr std::size_t GATHER_SIZE = 256 * 1024;
-constexpr std::size_t GATHER_CAPACITY = GATHER_SIZE + RecordFormat::HEAD_SIZE + DEFAULT_BUFFER_SIZE;
+constexpr std::size_t GATHER_CAPACITY =
+    RecordFormat::GATHER_SIZE + RecordFormat::HEAD_SIZE + DEFAULT_BUFFER_SIZE;
 constexpr std::size_t FIRST_KEEP_CAPACITY = 64 * 1024;
 
 // A sum reads 16 bytes at a time what was stored in smaller pieces: right after the stores the processor

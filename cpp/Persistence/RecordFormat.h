@@ -58,6 +58,9 @@ inline constexpr unsigned DecodeKey(unsigned stored) {
     return (stored & 1) != 0 ? 1u : (stored & 2) != 0 ? 2u : stored & 4;
 }
 
+/// Frames that a sink gathers leave in blocks of about this size.
+inline constexpr std::size_t GATHER_SIZE = 256 * 1024;
+
 /// The largest count of classes, fields or list items that may be stored.
 inline constexpr unsigned MAX_INT_SIZE = 16'777'215;
 

@@ -1,0 +1,219 @@
+#include "ZoPrimitives/FileBinOutStream.h"
+
+#include "Persistence/ErrorText.h"
+#include "Persistence/RecordFormat.h"
+#include "Platform/Platform.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoAssert.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* SOURCE = "cpp/Persistence/FileBinOutStream";
+constexpr const char* WRITE = "TFileBinOutStream::WriteToFile";
+constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
+constexpr const char* BACKUP_SUFFIX = "-bak";
+
+Platform::Services& System() { return Platform::Current(); }
+
+} // namespace
+
+TFileBinOutStream* TFileBinOutStream::Create(const char* fileName, bool backup) {
+    return new TFileBinOutStream(fileName, backup);
+}
+
+TFileBinOutStream* TFileBinOutStream::Create(const char* fileName, unsigned version, unsigned release,
+                                             bool backup) {
+    return new TFileBinOutStream(fileName, version, release, backup);
+}
+
+TFileBinOutStream::TFileBinOutStream(const char* name, bool keepBackup)
+    : TFileBinOutStream(name, 0, 0, keepBackup) {}
+
+TFileBinOutStream::TFileBinOutStream(const char* name, unsigned version, unsigned release, bool keepBackup)
+    : TBinOutStream(version, release), fileName(name), writtenPath(name), backup(keepBackup) {}
+
+TFileBinOutStream::~TFileBinOutStream() { TFileBinOutStream::FreeResourses(); }
+
+void TFileBinOutStream::Initialize() {
+    ZO_ASSERT(state == State::New, "state == State::New && \"[zoerror] a stream writes one file\"", SOURCE);
+    if (GetBufferSize() == 0) SaveHeader();
+    plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
+    headerCount = GetNInstances();
+    if (file == nullptr) {
+        throughTemporary = backup || System().NetworkFile(fileName.c_str());
+        writtenPath = fileName;
+        if (throughTemporary) {
+            const std::string temporary = System().TemporaryFileName(fileName.c_str());
+            if (temporary.empty()) Throw("TFileBinOutStream::Initialize", Platform::LastError());
+            writtenPath = temporary.c_str();
+        }
+        OpenFile(writtenPath.c_str());
+    } else if (!System().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
+        headerStart = 0;
+    }
+    state = State::Writing;
+    FlushBuffer();
+}
+
+void TFileBinOutStream::OpenFile(const char* path) {
+    file = System().OpenFile(path, Platform::Access::ReadWrite, Platform::Share::Read,
+                             Platform::Creation::CreateAlways);
+    if (file != nullptr) {
+        ownsFile = true;
+        return;
+    }
+    const unsigned long error = Platform::LastError();
+    if (throughTemporary) {
+        // Empty still.
+        System().DeleteWholeFile(path);
+        writtenPath = fileName;
+    }
+    Throw("TFileBinOutStream::Initialize", error);
+}
+
+void TFileBinOutStream::Throw(const ZoString& location, unsigned long error) {
+    if (error == Platform::ErrorDiskFull || error == Platform::ErrorHandleDiskFull)
+        throw XWriteStreamOutOfSpace(location);
+    throw XWriteStream(ErrorText(error), location);
+}
+
+void TFileBinOutStream::CheckWriting() const {
+    if (state != State::Writing) Throw(WRITE, Platform::ErrorInvalidHandle);
+}
+
+// Writing
+
+void TFileBinOutStream::FlushRecord(int uid, int classId) {
+    CheckWriting();
+    Frame(uid, classId, true);
+    if (GatheredSize() >= RecordFormat::GATHER_SIZE) WriteGathered();
+}
+
+void TFileBinOutStream::FlushBuffer() {
+    CheckWriting();
+    FrameRaw();
+    WriteGathered();
+}
+
+void TFileBinOutStream::WriteGathered() {
+    unsigned long long size = 0;
+    const unsigned char* data = Gathered(size);
+    if (size == 0) return;
+    WriteToFile(data, static_cast<unsigned>(size));
+    DropGathered();
+}
+
+void TFileBinOutStream::WriteToFile(const unsigned char* data, unsigned size) {
+    CheckWriting();
+    if (System().WriteFile(file, data, size)) return;
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    Throw(WRITE, error);
+}
+
+void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) {
+    unsigned long long reached = 0;
+    if (System().SeekFile(file, static_cast<long long>(offset), Platform::Origin::Begin, reached)) return;
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    Throw(location, error);
+}
+
+unsigned long long TFileBinOutStream::GetPosition() {
+    CheckWriting();
+    WriteGathered();
+    unsigned long long position = 0;
+    if (System().SeekFile(file, 0, Platform::Origin::Current, position)) return position;
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    Throw("TFileBinOutStream::GetPosition", error);
+}
+
+void TFileBinOutStream::Reset() {
+    CheckWriting();
+    WriteGathered();
+    SeekTo(headerStart, "TFileBinOutStream::Reset");
+}
+
+void TFileBinOutStream::RewriteHeader() {
+    if (state != State::Writing) return;
+    const unsigned long long after = GetPosition();
+    const std::vector<unsigned char> open(RecordBytes(), RecordBytes() + GetBufferSize());
+    DropRecord();
+    SeekTo(headerStart, "TFileBinOutStream::RewriteHeader");
+    SaveHeader();
+    FlushBuffer();
+    headerCount = GetNInstances();
+    SeekTo(after, "TFileBinOutStream::RewriteHeader");
+    Append(open.data(), open.size());
+}
+
+void* TFileBinOutStream::GetFile() const {
+    // The file is to hold what the stream was given; the stream's value stays the same.
+    if (state == State::Writing) const_cast<TFileBinOutStream*>(this)->WriteGathered();
+    return file;
+}
+
+void TFileBinOutStream::SetFile(void* openFile) {
+    ZO_ASSERT(state == State::New,
+              "state == State::New && \"[zoerror] the file is chosen before writing begins\"", SOURCE);
+    file = openFile;
+}
+
+// Ending
+
+void TFileBinOutStream::Abandon() {
+    state = State::Ended;
+    DropGathered();
+    if (ownsFile && file != nullptr) System().CloseFile(std::exchange(file, nullptr));
+}
+
+void TFileBinOutStream::FreeResourses() {
+    if (state != State::Writing) return;
+    unsigned long long size = 0;
+    const unsigned char* data = Gathered(size);
+    if (size != 0) System().WriteFile(file, data, static_cast<std::size_t>(size));
+    Abandon();
+}
+
+void TFileBinOutStream::Finalize() {
+    if (state != State::Writing) return;
+    if (plainHeader && headerCount != GetNInstances()) RewriteHeader();
+    WriteGathered();
+    state = State::Ended;
+    if (!ownsFile) return;
+    CloseWritten();
+    if (backup) MakeBackup();
+    if (throughTemporary) ReplaceTarget();
+}
+
+void TFileBinOutStream::CloseWritten() {
+    const bool synchronised = !throughTemporary || System().SynchroniseFile(file);
+    const unsigned long error = Platform::LastError();
+    const bool closed = System().CloseFile(std::exchange(file, nullptr));
+    if (!synchronised) Throw(FINALIZE, error);
+    if (!closed) Throw(FINALIZE, Platform::LastError());
+}
+
+void TFileBinOutStream::MakeBackup() {
+    if (!System().FileExists(fileName.c_str(), nullptr)) return;
+    const ZoString name = fileName + BACKUP_SUFFIX;
+    if (System().FileExists(name.c_str(), nullptr) && !System().DeleteWholeFile(name.c_str()))
+        Throw(FINALIZE, Platform::LastError());
+    if (!System().CopyWholeFile(fileName.c_str(), name.c_str())) Throw(FINALIZE, Platform::LastError());
+}
+
+void TFileBinOutStream::ReplaceTarget() {
+    if (!System().CopyWholeFile(writtenPath.c_str(), fileName.c_str()))
+        Throw(FINALIZE, Platform::LastError());
+    System().DeleteWholeFile(writtenPath.c_str());
+    writtenPath = fileName;
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// What a save into memory leaves: bytes on the C heap.
+class Bytes {
+public:
+    Bytes() = default;
+    Bytes(unsigned char* block, std::size_t count) : block(block), count(count) {}
+    Bytes(Bytes&& other) noexcept;
+    Bytes& operator=(Bytes&& other) noexcept;
+    ~Bytes();
+
+    const unsigned char* data() const { return block; }
+    std::size_t size() const { return count; }
+    void Store(const std::string& path) const;
+    static Bytes Load(const std::string& path);
+
+private:
+    unsigned char* block = nullptr;
+    std::size_t count = 0;
+};
+
+/// Output for hand-written code and the peers: memory that grows by doubling or, with a file, blocks of 256
+/// KiB that go to it.
+class Sink {
+public:
+    Sink();
+    explicit Sink(const std::string& path);
+    Sink(const Sink&) = delete;
+    Sink& operator=(const Sink&) = delete;
+    ~Sink();
+
+    /// At least `count` free bytes, to be filled from the front and given with `Advance`.
+    unsigned char* Room(std::size_t count) {
+        if (count > static_cast<std::size_t>(end - next)) MakeRoom(count);
+        return next;
+    }
+    void Advance(std::size_t count) { next += count; }
+    bool IsFile() const { return file >= 0; }
+    /// The bytes not yet written.
+    unsigned char* Pending() { return begin; }
+    std::size_t PendingSize() const { return static_cast<std::size_t>(next - begin); }
+    bool IsDue() const { return IsFile() && PendingSize() >= BLOCK; }
+    void Flush();
+    /// Ends a file.
+    void Close();
+    /// Ends memory.
+    Bytes Take();
+
+    static constexpr std::size_t BLOCK = 256 * 1024;
+
+private:
+    void MakeRoom(std::size_t count);
+
+    unsigned char* begin = nullptr;
+    unsigned char* next = nullptr;
+    unsigned char* end = nullptr;
+    int file = -1;
+};
+
+/// What a model holds, for comparing one model with another whatever library they belong to.
+struct Digest {
+    std::uint64_t objects = 0;
+    std::uint64_t values = 0;
+    bool operator==(const Digest&) const = default;
+};
+
+/// One way to save and open the model. Only `Save...`, `Open...` and `DropOpened` are timed.
+class Contender {
+public:
+    virtual ~Contender() = default;
+    virtual void BuildFrame(std::size_t objects) = 0;
+    virtual void BuildChain(std::size_t objects) = 0;
+
+    virtual Bytes SaveMemory() = 0;
+    virtual void SaveFile(const std::string& path) = 0;
+    virtual void OpenMemory(const Bytes& bytes) = 0;
+    virtual void OpenFile(const std::string& path) = 0;
+
+    virtual Digest Built() const = 0;
+    virtual Digest Opened() const = 0;
+    virtual void DropOpened() = 0;
+};
+
+std::unique_ptr<Contender> MakeZo();
+std::unique_ptr<Contender> MakeFloor();
+std::unique_ptr<Contender> MakeBoost();
+std::unique_ptr<Contender> MakeCereal();
+
+/// Sums and searches; see micro.cpp.
+void RunMicro(int runs);
+
+/// In nanoseconds, monotonic.
+double Now();
+double Median(std::vector<double> values);
+double Least(const std::vector<double>& values);
+
+} // namespace bench

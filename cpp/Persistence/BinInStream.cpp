@@ -81,7 +81,7 @@ bool TBinInStream::operator==(const TBinInStream& other) const {
 
 unsigned char* TBinInStream::Buffer() {
     if (buffer == nullptr) {
-        buffer = static_cast<unsigned char*>(std::calloc(1, DEFAULT_BUFFER_SIZE));
+        buffer = static_cast<unsigned char*>(std::malloc(DEFAULT_BUFFER_SIZE));
         if (buffer == nullptr) throw std::bad_alloc();
     }
     return buffer;
@@ -107,17 +107,27 @@ const unsigned char* TBinInStream::TakeBlock(unsigned& size, const char* locatio
     return bytes;
 }
 
-TBinInStream& TBinInStream::operator>>(ZoBlob& value) {
+void TBinInStream::Get(ZoBlob& value) {
     unsigned size = 0;
     const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoBlob)");
     value.Assign(bytes, size);
+}
+
+void TBinInStream::Get(ZoString& value) {
+    unsigned size = 0;
+    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoString)");
+    value.Assign(reinterpret_cast<const char*>(bytes), size);
+}
+
+bool TBinInStream::GetsDirectly() const { return false; }
+
+TBinInStream& TBinInStream::operator>>(ZoBlob& value) {
+    Get(value);
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(ZoString& value) {
-    unsigned size = 0;
-    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoString)");
-    value.Assign(reinterpret_cast<const char*>(bytes), size);
+    Get(value);
     return *this;
 }
 
@@ -130,46 +140,44 @@ TBinInStream& TBinInStream::operator>>(char* value) {
 }
 
 TBinInStream& TBinInStream::operator>>(short& value) {
-    Take(value);
+    Get(value);
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(unsigned short& value) {
-    Take(value);
+    Get(value);
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(int& value) {
-    Take(value);
+    Get(value);
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(unsigned& value) {
-    Take(value);
+    Get(value);
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(float& value) {
-    Take(value);
+    Get(value);
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(double& value) {
-    Take(value);
+    Get(value);
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(long double& value) {
     double stored = 0;
-    Take(stored);
+    Get(stored);
     value = stored;
     return *this;
 }
 
 TBinInStream& TBinInStream::operator>>(bool& value) {
-    unsigned char byte = 0;
-    Take(byte);
-    value = byte != 0;
+    Get(value);
     return *this;
 }
 
@@ -364,6 +372,8 @@ void TBinInStream::RemoveInstances(const TDVector<ZoStreamableBase*>& list) {
 void TBinInStream::SetHandle(ZoStreamableBase* object, int handle) { tables->handles.Set(handle, object); }
 
 ZoStreamableBase* TBinInStream::GetHandle(int handle) const { return tables->handles.Get(handle); }
+
+const UidTable& TBinInStream::Handles() const { return tables->handles; }
 
 void TBinInStream::ResetHandles() { tables->handles.Clear(); }
 

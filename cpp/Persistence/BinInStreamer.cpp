@@ -15,6 +15,8 @@ namespace ZoPrimitives {
 
 namespace {
 
+constexpr unsigned PREFETCH = 8; // objects ahead
+
 [[noreturn]] void Throw(const char* literal, const char* location) {
     throw XStream(TTranslatedString(literal).Text(), location);
 }
@@ -28,56 +30,60 @@ struct TBinInStreamer::Use {
     bool hasValues;   // its objects have members that are objects
 };
 
-/// The objects made by one reading. Each is held until the end, so that none goes when a setter lets go of
-/// it.
+/// What one reading made. Each object is held until the end, so that none goes when a setter lets go of it.
+/// The finished ones stand in the stream's list.
 class TBinInStreamer::Made {
 public:
-    explicit Made(TBinInStream& stream) : stream(stream) {}
+    explicit Made(TBinInStream& readStream) : stream(readStream) {}
     Made(const Made&) = delete;
     Made& operator=(const Made&) = delete;
     ~Made() {
-        if (owned) {
-            stream.ForgetInstances();
-            for (const ZoStreamableBase* object : objects) delete object;
-        } else {
-            for (const ZoStreamableBase* object : objects) ZoReferenceCount::Surrender(object);
-        }
+        delete current;
         for (const ZoStreamableBase* object : consumed) delete object;
+        if (!owned) {
+            for (auto i = surrendered + 1; i <= stream.Objects().NItems(); ++i) {
+                ZoReferenceCount::Surrender(stream.Objects()[i]);
+            }
+            return;
+        }
+        const TDVector<ZoStreamableBase*> objects = stream.Objects();
+        stream.ForgetInstances();
+        for (const ZoStreamableBase* object : objects) delete object;
     }
 
-    void Add(ZoStreamableBase* object) {
-        const std::unique_ptr<ZoStreamableBase> holder(object);
-        objects.push_back(object);
+    void Begin(ZoStreamableBase* object) {
+        current = object;
         ZoReferenceCount::Add(object);
-        (void)const_cast<std::unique_ptr<ZoStreamableBase>&>(holder).release();
     }
-    void DropLast() {
-        const ZoStreamableBase* object = objects.back();
-        objects.pop_back();
-        delete object;
+    void Drop() {
+        delete current;
+        current = nullptr;
+    }
+    void Finish() {
+        stream.AddInstance(current);
+        current = nullptr;
     }
     /// From here on the objects are the caller's.
     void HandOver() { owned = false; }
+    /// Lets go of an object that is done, in the order of the stream's list.
+    void Surrender(const ZoStreamableBase* object) {
+        ZoReferenceCount::Surrender(object);
+        ++surrendered;
+    }
     /// The objects whose members stand for them now are to be deleted here.
     void Consume(const std::unordered_set<const ZoStreamableBase*>& taken) {
-        const auto isTaken = [&](const ZoStreamableBase* object) { return taken.count(object) != 0; };
-        objects.erase(std::remove_if(objects.begin(), objects.end(), isTaken), objects.end());
         consumed.insert(consumed.end(), taken.begin(), taken.end());
     }
-    void Forget(const std::unordered_set<const ZoStreamableBase*>& ended) {
-        const auto hasEnded = [&](const ZoStreamableBase* object) { return ended.count(object) != 0; };
-        objects.erase(std::remove_if(objects.begin(), objects.end(), hasEnded), objects.end());
-    }
 
-    const std::vector<ZoStreamableBase*>& Objects() const { return objects; }
     std::vector<ZoStreamableBase*> invalid;              // by their own word, while they were read
     std::unordered_set<const ZoStreamableBase*> members; // objects that stand inside others
     bool hasValues = false;
 
 private:
     TBinInStream& stream;
-    std::vector<ZoStreamableBase*> objects;
+    ZoStreamableBase* current = nullptr;
     std::vector<const ZoStreamableBase*> consumed;
+    unsigned long long surrendered = 0;
     bool owned = true;
 };
 
@@ -180,6 +186,7 @@ ZoStreamableBase* TBinInStreamer::ReadObjects() {
     uses.clear();
     stream->ForgetInstances();
     Made made(*stream);
+    direct = stream->GetsDirectly();
     while (stream->LoadRecord(&uid, &classId)) ReadRecord(uid, classId, made);
     made.HandOver();
     Resolve(made);
@@ -219,16 +226,16 @@ void TBinInStreamer::ReadRecord(int uid, int classId, Made& made) {
     if (use.readAs == nullptr) return;
     ZoStreamableBase* object = CreateInstance(use.readAs, &fileSchema, schema);
     if (object == nullptr) return;
-    made.Add(object);
+    made.Begin(object);
     if (use.substituted && !object->CanBeConvertedToBaseClass()) {
-        made.DropLast();
+        made.Drop();
         return;
     }
     made.hasValues = made.hasValues || use.hasValues;
     stream->SetHandle(object, uid);
-    use.readAs->LoadFromStream(stream, object);
+    use.readAs->LoadObject(*stream, direct, object);
     if (!object->OnRead(stream, use.substituted)) made.invalid.push_back(object);
-    stream->AddInstance(object);
+    made.Finish();
     OnAfterLoadInstance(object);
     object->CheckForExcludedFields(stream);
 }
@@ -237,10 +244,12 @@ void TBinInStreamer::Resolve(Made& made) {
     if (made.hasValues) Values(*stream, made).Run();
     TBinUnresolvedPointers& unresolved = stream->UnresolvedPointers();
     TZoPointerResolver resolver(*stream, made.members.empty() ? nullptr : &made.members, nullptr);
-    for (const TBinUnresolved& entry : unresolved.Entries()) {
-        resolver.Begin(unresolved.Uids() + entry.firstUid);
-        entry.fileClass->LoadResolvePointers(resolver, entry.object);
-        OnAfterResolveInstance(entry.object);
+    const auto& entries = unresolved.Entries();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (i + PREFETCH < entries.size()) __builtin_prefetch(entries[i + PREFETCH].object);
+        resolver.Begin(unresolved.Uids() + entries[i].firstUid);
+        entries[i].fileClass->LoadResolvePointers(resolver, entries[i].object);
+        OnAfterResolveInstance(entries[i].object);
     }
     unresolved.Clear();
     stream->ResetHandles();
@@ -249,17 +258,24 @@ void TBinInStreamer::Resolve(Made& made) {
 void TBinInStreamer::Validate(Made& made) {
     const std::unordered_set<const ZoStreamableBase*> known(made.invalid.begin(), made.invalid.end());
     TDList<ZoStreamableBase*> invalid;
-    for (ZoStreamableBase* object : made.Objects()) {
+    const TDVector<ZoStreamableBase*>& objects = stream->Objects();
+    for (unsigned long long i = 0; i < objects.NItems(); ++i) {
+        if (i + PREFETCH < objects.NItems()) __builtin_prefetch(objects.data()[i + PREFETCH]);
+        ZoStreamableBase* object = objects.data()[i];
         const bool foundBefore = !known.empty() && known.count(object) != 0;
-        if (!OnReadInstance(object, foundBefore)) invalid.Add(object);
+        if (!IsValid(object, foundBefore, made.hasValues)) invalid.Add(object);
+        made.Surrender(object);
     }
-    if (invalid.NItems() == 0) return;
-    const std::unordered_set<const ZoStreamableBase*> ended = Remove(invalid);
-    made.Forget(ended);
+    if (invalid.NItems() != 0) Remove(invalid);
 }
 
 bool TBinInStreamer::OnReadInstance(ZoStreamableBase* object, bool invalid) {
+    return IsValid(object, invalid, true);
+}
+
+bool TBinInStreamer::IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues) {
     if (invalid || !object->GetIsValid()) return false;
+    if (!mayHaveValues) return true;
     TZoClass* objectClass = object->GetOriginalClass(schema);
     if (objectClass == nullptr || !objectClass->HasValueChildren()) return true;
     for (ZoStreamableBase* member : ChildsByValueOfInstance(object)) {
@@ -277,9 +293,11 @@ TDVector<ZoStreamableBase*> TBinInStreamer::ChildsByValueOfInstance(ZoStreamable
 
 void TBinInStreamer::RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid) { Remove(*invalid); }
 
-std::unordered_set<const ZoStreamableBase*> TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
+void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
+    // Nothing goes before the end, whoever lets go of it.
+    const TDVector<ZoStreamableBase*> all = stream->Objects();
+    for (const ZoStreamableBase* object : all) ZoReferenceCount::Add(object);
     TDVector<ZoStreamableBase*> cascade;
-    std::unordered_set<const ZoStreamableBase*> members;
     for (ZoStreamableBase* object : invalid) cascade.AddUnique(object);
     schema->FillObjectsCascade(&cascade);
     std::unordered_set<const ZoStreamableBase*> removed(cascade.begin(), cascade.end());
@@ -338,8 +356,8 @@ std::unordered_set<const ZoStreamableBase*> TBinInStreamer::Remove(const TDList<
     TDVector<ZoStreamableBase*> ended;
     for (const ZoStreamableBase* object : removed) ended.Add(const_cast<ZoStreamableBase*>(object));
     stream->RemoveInstances(ended);
+    for (const ZoStreamableBase* object : all) ZoReferenceCount::Surrender(object);
     for (const ZoStreamableBase* object : removed) delete object;
-    return removed;
 }
 
 } // namespace ZoPrimitives

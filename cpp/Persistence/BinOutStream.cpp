@@ -101,17 +101,25 @@ void TBinOutStream::MakeRoom(std::size_t size) {
     summedEnd = buffer + summed;
 }
 
-TBinOutStream& TBinOutStream::operator<<(const ZoBlob& value) {
+void TBinOutStream::Put(const ZoBlob& value) {
     ZO_ASSERT_AT(value.Size() <= UINT_MAX && value.Size() <= DEFAULT_BUFFER_SIZE,
                  "blob.Size() <= UINT_MAX && blob.Size() <= DEFAULT_BUFFER_SIZE && "
                  "\"[zoerror] the blob is too big\"",
                  SOURCE, 211);
     AppendBlock(value.Data(), static_cast<std::size_t>(value.Size()));
+}
+
+void TBinOutStream::Put(const ZoString& value) { AppendBlock(value.c_str(), value.length()); }
+
+bool TBinOutStream::PutsDirectly() const { return false; }
+
+TBinOutStream& TBinOutStream::operator<<(const ZoBlob& value) {
+    Put(value);
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(const ZoString& value) {
-    AppendBlock(value.c_str(), value.length());
+    Put(value);
     return *this;
 }
 
@@ -120,54 +128,43 @@ TBinOutStream& TBinOutStream::operator<<(const char* value) {
     return *this;
 }
 
-void TBinOutStream::AppendBlock(const void* data, std::size_t size) {
-    if (size + 4 > static_cast<std::size_t>(limit - position)) MakeRoom(size + 4);
-    const auto length = static_cast<std::uint32_t>(size);
-    std::memcpy(position, &length, sizeof length);
-    if (size != 0) std::memcpy(position + sizeof length, data, size);
-    position += sizeof length + size;
-}
-
 TBinOutStream& TBinOutStream::operator<<(short value) {
-    Append(&value, sizeof value);
+    Put(value);
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(unsigned short value) {
-    Append(&value, sizeof value);
+    Put(value);
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(int value) {
-    Append(&value, sizeof value);
+    Put(value);
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(unsigned value) {
-    Append(&value, sizeof value);
+    Put(value);
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(float value) {
-    Append(&value, sizeof value);
+    Put(value);
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(double value) {
-    Append(&value, sizeof value);
+    Put(value);
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(long double value) {
-    // Wider than a double on some systems; never in the file.
-    const auto stored = static_cast<double>(value);
-    Append(&stored, sizeof stored);
+    Put(static_cast<double>(value)); // wider than a double on some systems, never in the file
     return *this;
 }
 
 TBinOutStream& TBinOutStream::operator<<(bool value) {
-    const unsigned char byte = value ? 1 : 0;
-    Append(&byte, sizeof byte);
+    Put(value);
     return *this;
 }
 
@@ -192,9 +189,12 @@ void* TBinOutStream::GetFile() const { return nullptr; }
 void TBinOutStream::SetFile(void*) {}
 
 int TBinOutStream::AllocateHandle(const ZoStreamableBase* object) {
-    ZO_ASSERT(nextHandle < INT_MAX, "nextHandle < INT_MAX && \"[zoerror] too many objects\"", SOURCE);
-    HandleAccess::Set(handles, object, nextHandle);
-    return nextHandle++;
+    HandleAccess::Allocate(*this, object);
+    return nextHandle - 1;
+}
+
+void TBinOutStream::RefuseHandle() {
+    AssertWithFunctor("nextHandle < INT_MAX && \"[zoerror] too many objects\"", "", SOURCE, __LINE__);
 }
 
 void TBinOutStream::ResetHandles() {
@@ -247,12 +247,11 @@ void TBinOutStream::StartRecord() {
 
 void TBinOutStream::SumGathered(const unsigned char* end) {
     while (summedEnd < end) {
-        RecordFormat::RecordHead head = RecordFormat::ReadHead(summedEnd);
-        const unsigned char* next = summedEnd + RecordFormat::HEAD_SIZE + head.size;
-        if (next > end) break;
-        head.crc = ~Crc32Update(0xFFFFFFFFu, summedEnd + RecordFormat::HEAD_SIZE, head.size);
-        RecordFormat::WriteHead(summedEnd, head);
-        summedEnd += next - summedEnd;
+        unsigned char* payload = summedEnd + RecordFormat::HEAD_SIZE;
+        const std::uint32_t size = RecordFormat::ReadSize(summedEnd);
+        if (payload + size > end) break;
+        RecordFormat::WriteCrc(summedEnd, ~Crc32Update(0xFFFFFFFFu, payload, size));
+        summedEnd = payload + size;
     }
 }
 

@@ -14,6 +14,8 @@ namespace {
 
 constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
 
+constexpr std::size_t PREFETCH = 8; // objects ahead
+
 /// A subclass that is not registered itself answers with its base's class, and would be saved as such.
 void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& object) {
     const std::type_info& type = typeid(object);
@@ -75,6 +77,7 @@ void TBinOutStreamer::WriteObject(ZoStreamableBase* object) {
 
 void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
     try {
+        savedUpTo = 0;
         saved.clear();
         TDList<ZoStreamableBase*> externals;
         GraphWalk walk(*stream, schema, externals);
@@ -82,8 +85,12 @@ void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
             if (object != nullptr) walk.Run(object);
         }
         for (unsigned long long i = 1; i <= externals.NItems(); ++i) walk.Run(externals[i]);
-        for (const GraphWalk::Entry& entry : walk.Order())
-            SaveRecord(stream, entry.object, entry.objectClass);
+        const bool direct = stream->PutsDirectly();
+        const auto& order = walk.Order();
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            if (i + PREFETCH < order.size()) __builtin_prefetch(order[i + PREFETCH].object);
+            SaveRecord(stream, direct, order[i].object, order[i].objectClass);
+        }
         stream->ResetHandles();
         RewriteHeader();
     } catch (...) {
@@ -100,18 +107,21 @@ void TBinOutStreamer::AlocateExternalInstancesHandles([[maybe_unused]] TDList<Zo
 }
 
 bool TBinOutStreamer::InstanceIsAlreadySaved(const ZoStreamableBase* object) const {
-    const auto uid = static_cast<std::size_t>(stream->GetHandle(object));
-    return uid < saved.size() && saved[uid];
+    const int uid = stream->GetHandle(object);
+    return uid != 0 && (uid <= savedUpTo || saved.count(uid) != 0);
 }
 
-void TBinOutStreamer::SaveRecord(TBinOutStream* target, ZoStreamableBase* object, TZoClass* objectClass) {
+void TBinOutStreamer::SaveRecord(TBinOutStream* target, bool direct, ZoStreamableBase* object,
+                                 TZoClass* objectClass) {
     CheckRegisteredType(*objectClass, *object);
-    objectClass->SaveToStreamPre(target, this, object);
-    const int uid = target->GetHandle(object);
+    objectClass->SaveFields(*target, direct, object);
+    const int uid = HandleAccess::Get(*target, object);
     target->FlushRecord(uid, objectClass->GetClassId());
-    const auto index = static_cast<std::size_t>(uid);
-    if (index >= saved.size()) saved.resize(std::max(index + 1, saved.size() * 2));
-    saved[index] = true;
+    if (uid == savedUpTo + 1) {
+        savedUpTo = uid;
+    } else {
+        saved.insert(uid);
+    }
     OnAfterSaveInstance(object);
 }
 
@@ -138,7 +148,7 @@ void TBinOutStreamer::SaveInstance(TBinOutStream* target, ZoStreamableBase* obje
             AssertWithFunctor("instance_pointer->GetOriginalClass(streamer->GetMetaData())",
                               "[zoerror] class not registered. See class::Register", SOURCE, __LINE__);
         }
-        SaveRecord(target, next, nextClass);
+        SaveRecord(target, target->PutsDirectly(), next, nextClass);
         const std::size_t first = stack.size();
         nextClass->ChildsReferences(next, push);
         std::reverse(stack.begin() + static_cast<std::ptrdiff_t>(first), stack.end());

@@ -10,14 +10,6 @@ namespace ZoPrimitives {
 TBinUnresolvedPointers::TBinUnresolvedPointers() = default;
 TBinUnresolvedPointers::~TBinUnresolvedPointers() = default;
 
-void TBinUnresolvedPointers::Open(ZoStreamableBase* object, int uid, TZoClass* fileClass) {
-    entries.push_back({object, fileClass, uid, uids.size()});
-}
-
-void TBinUnresolvedPointers::LoadPointer([[maybe_unused]] TZoClassField* field, int uid) {
-    uids.push_back(uid);
-}
-
 void TBinUnresolvedPointers::LoadPointers([[maybe_unused]] TZoClassField* field, int count,
                                           TBinInStream* stream) {
     CheckRemaining(*stream, count, sizeof(std::int32_t));

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <typeinfo>
 #include <utility>
 
 namespace ZoPrimitives {
@@ -132,5 +133,7 @@ unsigned long long TFileBinInStream::SeekFar(long long offset, int origin) {
     if (!valid) throw XReadStream(ErrorText(INVALID_SEEK), "TFileBinInStream::Seek");
     return position;
 }
+
+bool TFileBinInStream::GetsDirectly() const { return typeid(*this) == typeid(TFileBinInStream); }
 
 } // namespace ZoPrimitives

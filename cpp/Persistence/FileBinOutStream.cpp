@@ -7,6 +7,7 @@
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -215,5 +216,7 @@ void TFileBinOutStream::ReplaceTarget() {
     System().DeleteWholeFile(writtenPath.c_str());
     writtenPath = fileName;
 }
+
+bool TFileBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TFileBinOutStream); }
 
 } // namespace ZoPrimitives

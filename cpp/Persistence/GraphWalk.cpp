@@ -4,72 +4,84 @@
 #include "Persistence/HandleAccess.h"
 #include "ZoPrimitives/BinOutStream.h"
 
-#include <algorithm>
-
 namespace ZoPrimitives {
 
-TZoClass* ClassToWrite(TZoMetaData* schema, const ZoStreamableBase* object) {
-    TZoClass* objectClass = object->GetOriginalClass(schema);
-    if (objectClass == nullptr) {
-        const ZoString message = ZoString::FormatString(
-            "[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
-            "'class : public ZoStreamableBase'",
-            ClassText(typeid(*object)).c_str());
-        AssertWithFunctor("instance_pointer->GetOriginalClass(parentMetaData)", message.c_str(),
-                          "cpp/Persistence/ZoMetaData", __LINE__);
-    }
-    return objectClass;
+void FailUnregistered(const ZoStreamableBase* object) {
+    const ZoString message = ZoString::FormatString(
+        "[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
+        "'class : public ZoStreamableBase'",
+        ClassText(typeid(*object)).c_str());
+    AssertWithFunctor("instance_pointer->GetOriginalClass(parentMetaData)", message.c_str(),
+                      "cpp/Persistence/ZoMetaData", __LINE__);
 }
 
 class GraphWalk::Pusher : public ZoStreamableBaseFunctor {
 public:
-    explicit Pusher(std::vector<Step>& stack) : stack(stack) {}
+    explicit Pusher(std::vector<Visit>& visits) : waiting(visits) {}
     void operator()(ZoStreamableBase* item) override {
-        if (item != nullptr) stack.push_back({item, nullptr});
+        if (item != nullptr) waiting.push_back({item, nullptr});
     }
 
 private:
-    std::vector<Step>& stack;
+    std::vector<Visit>& waiting;
 };
 
-GraphWalk::GraphWalk(TBinOutStream& stream, TZoMetaData* schema, TDList<ZoStreamableBase*>& externals)
-    : stream(stream), schema(schema), externals(externals),
+GraphWalk::GraphWalk(TBinOutStream& outStream, TZoMetaData* applicationSchema,
+                     TDList<ZoStreamableBase*>& externalInstances)
+    : stream(outStream), schema(applicationSchema), externals(externalInstances),
       knownExternals(externals.begin(), externals.end()) {}
 
 void GraphWalk::Run(ZoStreamableBase* root) {
-    stack.push_back({root, nullptr});
-    while (!stack.empty()) {
-        const Step step = stack.back();
-        stack.pop_back();
-        if (step.level != nullptr) {
-            CollectExternals(step.object, step.level);
-        } else if (stream.GetHandle(step.object) == 0) {
-            Visit(step.object);
+    if (HandleAccess::Get(stream, root) == 0) Enter(root);
+    while (!frames.empty()) {
+        Frame& frame = frames.back();
+        if (frame.next == frame.end) {
+            waiting.resize(frame.begin);
+            frames.pop_back();
+            continue;
+        }
+        const Visit visit = waiting[frame.next++];
+        if (visit.externalsOf != nullptr) {
+            CollectExternals(visit.object, visit.externalsOf);
+        } else if (HandleAccess::Get(stream, visit.object) == 0) {
+            Enter(visit.object);
         }
     }
 }
 
-void GraphWalk::Visit(ZoStreamableBase* object) {
+void GraphWalk::Enter(ZoStreamableBase* object) {
     TZoClass* objectClass = ClassToWrite(schema, object);
-    stream.AllocateHandle(object);
+    HandleAccess::Allocate(stream, object);
     order.push_back({object, objectClass});
-    const std::size_t first = stack.size();
-    PushLevels(object, objectClass);
-    // The stack gives the last step first.
-    std::reverse(stack.begin() + static_cast<std::ptrdiff_t>(first), stack.end());
-}
-
-void GraphWalk::PushLevels(ZoStreamableBase* object, const TZoClass* level) {
-    for (const auto& parent : level->parents) PushLevels(object, parent.get());
-    Pusher push(stack);
-    for (const auto& field : level->fieldsChildMaps) field->GetFieldMetaData(object, push);
-    for (const auto& field : level->fieldsChilds) {
-        if (ZoStreamableBase* child = static_cast<TZoClassFieldPointer*>(field.get())->Get(object)) {
-            stack.push_back({child, nullptr});
+    const Plan& plan = PlanOf(objectClass);
+    const std::size_t begin = waiting.size();
+    Pusher push(waiting);
+    for (const Step& step : plan.steps) {
+        if (step.externalsOf != nullptr) {
+            waiting.push_back({object, step.externalsOf});
+        } else {
+            step.field->GetFieldMetaData(object, push);
         }
     }
-    for (const auto& field : level->fieldsChildLists) field->GetFieldMetaData(object, push);
-    if (level->collectsExternals) stack.push_back({object, level});
+    if (waiting.size() != begin) frames.push_back({begin, begin, waiting.size()});
+}
+
+const GraphWalk::Plan& GraphWalk::PlanOf(const TZoClass* objectClass) {
+    const auto id = static_cast<std::size_t>(objectClass->GetClassId());
+    if (id >= plans.size()) plans.resize(id + 1);
+    if (plans[id] == nullptr) {
+        plans[id] = std::make_unique<Plan>();
+        AddSteps(*plans[id], objectClass);
+    }
+    return *plans[id];
+}
+
+void GraphWalk::AddSteps(Plan& plan, const TZoClass* level) {
+    for (const auto& parent : level->parents) AddSteps(plan, parent.get());
+    for (const auto* list : {&level->fieldsChildMaps, &level->fieldsChilds, &level->fieldsChildLists}) {
+        for (const auto& field : *list) plan.steps.push_back({field.get(), nullptr});
+    }
+    if (level->collectsExternals) plan.steps.push_back({nullptr, level});
 }
 
 void GraphWalk::CollectExternals(ZoStreamableBase* object, const TZoClass* level) {

@@ -3,6 +3,7 @@
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/dvector.h"
 
+#include <memory>
 #include <unordered_set>
 #include <vector>
 
@@ -30,14 +31,29 @@ public:
 
 private:
     class Pusher;
-    // An object to visit, or, with a class, the external references of one level of an object to collect.
-    struct Step {
+    /// An object to visit, or, with a class, the external references of one level of an object to collect.
+    struct Visit {
         ZoStreamableBase* object;
-        const TZoClass* level;
+        const TZoClass* externalsOf;
+    };
+    /// What an object of some class owns: one field, or the external references of a level.
+    struct Step {
+        TZoClassField* field;
+        const TZoClass* externalsOf;
+    };
+    struct Plan {
+        std::vector<Step> steps;
+    };
+    /// The visits below one object, a part of `waiting`.
+    struct Frame {
+        std::size_t begin;
+        std::size_t next;
+        std::size_t end;
     };
 
-    void Visit(ZoStreamableBase* object);
-    void PushLevels(ZoStreamableBase* object, const TZoClass* level);
+    void Enter(ZoStreamableBase* object);
+    const Plan& PlanOf(const TZoClass* objectClass);
+    void AddSteps(Plan& plan, const TZoClass* level);
     void CollectExternals(ZoStreamableBase* object, const TZoClass* level);
     void AddExternal(ZoStreamableBase* target);
 
@@ -45,12 +61,20 @@ private:
     TZoMetaData* schema;
     TDList<ZoStreamableBase*>& externals;
     std::unordered_set<const ZoStreamableBase*> knownExternals;
-    std::vector<Step> stack;
+    std::vector<std::unique_ptr<Plan>> plans; // by class id
+    std::vector<Visit> waiting;
+    std::vector<Frame> frames;
     std::vector<Entry> order;
 };
 
+[[noreturn]] void FailUnregistered(const ZoStreamableBase* object);
+
 /// The registered class of an object that is to be written. An object without one fails the writer's
 /// assertion.
-TZoClass* ClassToWrite(TZoMetaData* schema, const ZoStreamableBase* object);
+inline TZoClass* ClassToWrite(TZoMetaData* schema, const ZoStreamableBase* object) {
+    TZoClass* objectClass = object->GetOriginalClass(schema);
+    if (objectClass == nullptr) FailUnregistered(object);
+    return objectClass;
+}
 
 } // namespace ZoPrimitives

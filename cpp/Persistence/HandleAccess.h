@@ -1,7 +1,10 @@
 #pragma once
 
+#include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/ZoHandleTable.h"
 #include "ZoPrimitives/ZoStreamable.h"
+
+#include <climits>
 
 namespace ZoPrimitives {
 
@@ -12,12 +15,22 @@ public:
         if (object->handleRun == table.run && table.run != 0) return object->handle;
         return table.shared == nullptr ? 0 : table.GetShared(object);
     }
+    static int Get(const TBinOutStream& stream, const ZoStreamableBase* object) {
+        return Get(stream.handles, object);
+    }
     static void Set(ZoHandleTable& table, const ZoStreamableBase* object, int handle) {
-        if (table.run != 0 && object->handleRun == table.run) {
-            object->handle = handle;
+        // Runs before `endedBefore` ended before this one began; nobody else holds what they left behind.
+        if (table.run != 0 && (object->handleRun == table.run || object->handleRun < table.endedBefore)) {
+            Put(object, table.run, handle);
         } else {
             SetNew(table, object, handle);
         }
+    }
+
+    /// Gives the stream's next uid to an object that has none.
+    static void Allocate(TBinOutStream& stream, const ZoStreamableBase* object) {
+        if (stream.nextHandle == INT_MAX) stream.RefuseHandle();
+        Set(stream.handles, object, stream.nextHandle++);
     }
 
     static std::uint64_t Run(const ZoStreamableBase* object) { return object->handleRun; }

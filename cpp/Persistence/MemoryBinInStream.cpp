@@ -1,6 +1,7 @@
 #include "ZoPrimitives/MemoryBinInStream.h"
 
 #include <cstdlib>
+#include <typeinfo>
 
 namespace ZoPrimitives {
 
@@ -20,6 +21,8 @@ void TMemoryBinInStream::Initialize() {
     SetWindowPosition(0);
     ReadHeader("TMemoryBinInStream::TMemoryBinInStream");
 }
+
+bool TMemoryBinInStream::GetsDirectly() const { return typeid(*this) == typeid(TMemoryBinInStream); }
 
 bool TMemoryBinInStream::Read(void* data, unsigned size, unsigned& done) {
     return ReadWindow(data, size, done);

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <typeinfo>
 
 namespace ZoPrimitives {
 
@@ -36,6 +37,8 @@ void TMemoryBinOutStream::RewriteHeader() {
     PatchGathered(0, RecordBytes(), RecordFormat::HEADER_SIZE);
     DropRecord();
 }
+
+bool TMemoryBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TMemoryBinOutStream); }
 
 const unsigned char* TMemoryBinOutStream::GetData() {
     unsigned long long size = 0;

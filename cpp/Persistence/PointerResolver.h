@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Persistence/UidTable.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/ZoClassField.h"
 
@@ -24,7 +25,7 @@ public:
     /// `members` (may be null): objects that stand inside others and can have no other owner.
     TZoPointerResolver(TBinInStream& stream, const std::unordered_set<const ZoStreamableBase*>* members,
                        ValueTaker* taker)
-        : stream(stream), members(members), taker(taker) {}
+        : handles(stream.Handles()), members(members), taker(taker) {}
 
     void Begin(const std::int32_t* uids) { next = uids; }
     int Next() { return *next++; }
@@ -34,23 +35,28 @@ public:
         next += count;
         return begin;
     }
-    ZoStreamableBase* Find(int uid) const { return stream.GetHandle(uid); }
-
-    TZoClassField* Original(const TZoClassField& field) const { return field.GetOriginal(stream); }
-    void SetPassingOver(bool passing) { stream.SetPassingOver(passing); }
+    ZoStreamableBase* Find(int uid) const { return handles.Get(uid); }
 
     bool ResolvesReferences() const { return taker == nullptr; }
     void ResolveValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) {
         if (taker != nullptr) taker->TakeValue(field, owner, uid);
     }
-    /// Whether a setter may be given the object.
-    bool Allows(const TZoClassFieldPointerBase& field, const ZoStreamableBase* target) const {
-        if (members != nullptr && field.Owns() && members->count(target) != 0) return false;
-        return field.Accepts(target);
+    /// Whether the setter of `application` may be given the object; `fileField` is what is being resolved.
+    bool Allows(TZoClassFieldPointerBase& fileField, const TZoClassFieldPointerBase& application,
+                const ZoStreamableBase* target) const {
+        if (members != nullptr && application.Owns() && members->count(target) != 0) return false;
+        const std::type_info* type = &typeid(*target);
+        if (type == fileField.accepted[0] || type == fileField.accepted[1]) return true;
+        if (!application.Accepts(target)) return false;
+        if (application.typeTest != nullptr) {
+            fileField.accepted[1] = fileField.accepted[0];
+            fileField.accepted[0] = type;
+        }
+        return true;
     }
 
 private:
-    TBinInStream& stream;
+    const UidTable& handles;
     const std::unordered_set<const ZoStreamableBase*>* members;
     ValueTaker* taker;
     const std::int32_t* next = nullptr;

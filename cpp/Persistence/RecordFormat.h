@@ -41,9 +41,22 @@ inline RecordHead ReadHead(const unsigned char* bytes) {
     std::memcpy(&head, bytes, sizeof head);
     return head;
 }
+/// Field by field: copied as a whole, the head would be loaded in other pieces than it was just stored in,
+/// which stalls the processor.
 inline void WriteHead(unsigned char* bytes, const RecordHead& head) {
-    std::memcpy(bytes, &head, sizeof head);
+    std::memcpy(bytes, &head.marker, 4);
+    std::memcpy(bytes + 4, &head.size, 4);
+    std::memcpy(bytes + 8, &head.crc, 4);
+    std::memcpy(bytes + 12, &head.classId, 4);
+    std::memcpy(bytes + 16, &head.uid, 4);
+    std::memcpy(bytes + 20, &head.key, 4);
 }
+inline std::uint32_t ReadSize(const unsigned char* head) {
+    std::uint32_t size = 0;
+    std::memcpy(&size, head + 4, 4);
+    return size;
+}
+inline void WriteCrc(unsigned char* head, std::uint32_t crc) { std::memcpy(head + 8, &crc, 4); }
 
 /// Scrambles or unscrambles in place; twice restores the data.
 inline void Scramble(unsigned key, unsigned char* data, std::size_t size) {

@@ -2,33 +2,68 @@
 
 #include "Persistence/HandleAccess.h"
 
+#include <memory>
+#include <unordered_set>
+
 namespace ZoPrimitives {
 
-/// Puts a field's targets on the stack and notes whether there was one.
+/// Puts those of a field's targets on the stack that can lead further, and notes whether there was any.
 class SchemaWalk::Targets : public ZoStreamableBaseFunctor {
 public:
-    explicit Targets(std::vector<ZoStreamableBase*>& stack) : stack(stack) {}
+    Targets(SchemaWalk& visitingWalk, bool follow) : walk(visitingWalk), follows(follow) {}
     void operator()(ZoStreamableBase* item) override {
         if (item == nullptr) return;
         any = true;
-        stack.push_back(item);
+        if (!follows) return;
+        const TZoClass* itemClass = walk.ClassOf(item);
+        if (itemClass != nullptr && !walk.BuiltPlanOf(itemClass).steps.empty()) walk.stack.push_back(item);
     }
 
     bool any = false;
 
 private:
-    std::vector<ZoStreamableBase*>& stack;
+    SchemaWalk& walk;
+    bool follows;
 };
 
-SchemaWalk::ClassState& SchemaWalk::State(const TZoClass* someClass) {
+SchemaWalk::SchemaWalk(TZoMetaData* applicationSchema) : schema(applicationSchema) {}
+
+SchemaWalk::~SchemaWalk() {
+    for (const Plan* plan : plans) delete plan;
+}
+
+TZoClass* SchemaWalk::ClassOf(const ZoStreamableBase* object) {
+    return object->GetOriginalClass(schema); // null: giving out the uids reports it
+}
+
+SchemaWalk::Plan& SchemaWalk::PlanOf(const TZoClass* someClass) {
     const auto id = static_cast<std::size_t>(someClass->GetClassId());
-    if (id >= states.size()) states.resize(id + 1);
-    return states[id];
+    if (id >= plans.size()) plans.resize(id + 1, nullptr);
+    if (plans[id] == nullptr) plans[id] = new Plan;
+    return *plans[id];
+}
+
+SchemaWalk::Plan& SchemaWalk::BuiltPlanOf(const TZoClass* objectClass) {
+    const auto id = static_cast<std::size_t>(objectClass->GetClassId());
+    if (id < plans.size() && plans[id] != nullptr && plans[id]->built) return *plans[id];
+    Plan& plan = PlanOf(objectClass);
+    plan.built = true;
+    Use(objectClass);
+    AddSteps(plan, objectClass);
+    return plan;
+}
+
+void SchemaWalk::AddSteps(Plan& plan, const TZoClass* level) {
+    for (const auto& parent : level->parents) AddSteps(plan, parent.get());
+    level->ForEachPointerField([&](TZoClassField& field) {
+        const bool follows = field.GetFieldType() != ftPointer && field.GetFieldType() != ftPointerList;
+        plan.steps.push_back({static_cast<TZoClassFieldPointerBase*>(&field), follows, false, 0});
+    });
 }
 
 bool SchemaWalk::Uses(const TZoClass* someClass) const {
     const auto id = static_cast<std::size_t>(someClass->GetClassId());
-    return id < states.size() && states[id].used;
+    return id < plans.size() && plans[id] != nullptr && plans[id]->used;
 }
 
 void SchemaWalk::Run(ZoStreamableBase* root) {
@@ -37,74 +72,66 @@ void SchemaWalk::Run(ZoStreamableBase* root) {
     while (!stack.empty()) {
         ZoStreamableBase* object = stack.back();
         stack.pop_back();
-        if (HandleAccess::Get(visited, object) == 0) Visit(object);
+        if (HandleAccess::Get(visited, object) != 0) continue;
+        if (const TZoClass* objectClass = ClassOf(object)) Visit(object, objectClass);
     }
 }
 
-void SchemaWalk::Visit(ZoStreamableBase* object) {
+void SchemaWalk::Visit(ZoStreamableBase* object, const TZoClass* objectClass) {
+    Plan& plan = BuiltPlanOf(objectClass);
+    // Objects that lead nowhere need no mark: meeting them again does no harm.
+    if (plan.steps.empty()) return;
     HandleAccess::Set(visited, object, 1);
-    const TZoClass* objectClass = object->GetOriginalClass(schema);
-    if (objectClass == nullptr) return; // giving out the uids reports it
-    Use(objectClass);
-    VisitLevel(object, objectClass);
-}
-
-void SchemaWalk::VisitLevel(ZoStreamableBase* object, const TZoClass* level) {
-    for (const auto& parent : level->parents) VisitLevel(object, parent.get());
-    for (const auto& field : level->fieldsChilds) {
-        if (ZoStreamableBase* child = static_cast<TZoClassFieldPointer*>(field.get())->Get(object)) {
-            stack.push_back(child);
-        } else {
-            FollowDeclared(*field, level);
+    for (std::size_t i = 0; i < plan.steps.size();) {
+        Step& step = plan.steps[i];
+        if (!step.follows && IsSettled(step)) {
+            step = plan.steps.back();
+            plan.steps.pop_back();
+            continue;
         }
+        Targets targets(*this, step.follows);
+        step.field->GetFieldMetaData(object, targets);
+        if (!targets.any && !step.nullTold) {
+            step.nullTold = true;
+            for (const TZoClass* declared : ClosureOf(step.field->GetFieldClass())) Use(declared);
+        }
+        ++i;
     }
-    const auto follow = [&](const TZoClassField& field, bool written) {
-        if (!written && State(level).fieldFollowed.size() > field.ordinal &&
-            State(level).fieldFollowed[field.ordinal]) {
-            return;
-        }
-        const std::size_t before = stack.size();
-        Targets targets(stack);
-        const_cast<TZoClassField&>(field).GetFieldMetaData(object, targets);
-        if (!written) stack.resize(before); // whoever owns the target leads to it
-        if (!targets.any) FollowDeclared(field, level);
-    };
-    for (const auto& field : level->fieldsChildMaps) follow(*field, true);
-    for (const auto& field : level->fieldsChildLists) follow(*field, true);
-    for (const auto& field : level->fieldsReferences) follow(*field, field->GetFieldType() == ftPointerEx);
-    for (const auto& field : level->fieldsReferencesLists)
-        follow(*field, field->GetFieldType() == ftPointerListEx);
 }
 
 void SchemaWalk::Use(const TZoClass* usedClass) {
-    ClassState& state = State(usedClass);
-    if (state.used) return;
-    state.used = true;
+    Plan& plan = PlanOf(usedClass);
+    if (plan.used) return;
+    plan.used = true;
     for (const auto& parent : usedClass->parents) Use(parent.get());
 }
 
-void SchemaWalk::FollowDeclared(const TZoClassField& field, const TZoClass* level) {
-    auto& followed = State(level).fieldFollowed;
-    if (followed.size() <= field.ordinal) followed.resize(level->fieldCount);
-    if (followed[field.ordinal]) return;
-    followed[field.ordinal] = true;
-    FollowDeclared(field.GetFieldClass());
+bool SchemaWalk::IsSettled(Step& step) {
+    if (step.nullTold) return true;
+    const auto& closure = ClosureOf(step.field->GetFieldClass());
+    while (step.missing < closure.size() && PlanOf(closure[step.missing]).used) ++step.missing;
+    return step.missing == closure.size();
 }
 
-void SchemaWalk::FollowDeclared(const TZoClass* declared) {
-    std::vector<const TZoClass*> waiting{declared};
-    while (!waiting.empty()) {
-        const TZoClass* next = waiting.back();
-        waiting.pop_back();
-        // A pointer typed by a generic base says nothing about what the file may hold.
-        if (next == nullptr || TZoMetaData::IsGenericBase(next->GetName()) || State(next).declaredFollowed)
-            continue;
-        State(next).declaredFollowed = true;
-        Use(next);
-        for (const auto& parent : next->parents) waiting.push_back(parent.get());
-        next->ForEachPointerField(
-            [&waiting](const TZoClassField& field) { waiting.push_back(field.GetFieldClass()); });
+const std::vector<const TZoClass*>& SchemaWalk::ClosureOf(const TZoClass* declared) {
+    static const std::vector<const TZoClass*> nothing;
+    // A pointer typed only by a generic base says nothing about what the file may hold.
+    if (declared == nullptr || TZoMetaData::IsGenericBase(declared->GetName())) return nothing;
+    Plan& plan = PlanOf(declared);
+    if (plan.closed) return plan.closure;
+    std::unordered_set<const TZoClass*> known;
+    const auto add = [&](const TZoClass* reached) {
+        if (reached == nullptr || TZoMetaData::IsGenericBase(reached->GetName())) return;
+        if (known.insert(reached).second) plan.closure.push_back(reached);
+    };
+    add(declared);
+    for (std::size_t i = 0; i < plan.closure.size(); ++i) {
+        const TZoClass* next = plan.closure[i];
+        for (const auto& parent : next->parents) add(parent.get());
+        next->ForEachPointerField([&](const TZoClassField& field) { add(field.GetFieldClass()); });
     }
+    plan.closed = true;
+    return plan.closure;
 }
 
 } // namespace ZoPrimitives

@@ -12,7 +12,8 @@ namespace ZoPrimitives {
 /// that it declares.
 class SchemaWalk {
 public:
-    explicit SchemaWalk(TZoMetaData* schema) : schema(schema) {}
+    explicit SchemaWalk(TZoMetaData* schema);
+    ~SchemaWalk();
 
     void Run(ZoStreamableBase* root);
     /// Whether the class was found to be used.
@@ -20,23 +21,35 @@ public:
 
 private:
     class Targets;
-    struct ClassState {
+    /// A pointer field that may still tell something new.
+    struct Step {
+        TZoClassFieldPointerBase* field;
+        bool follows;     // leads to objects that would be written
+        bool nullTold;    // the declared class is in, with all that it declares
+        unsigned missing; // in the closure of the declared class: the first class not known to be used
+    };
+    struct Plan {
+        bool built = false;
         bool used = false;
-        bool declaredFollowed = false;   // what its fields declare was followed
-        std::vector<bool> fieldFollowed; // the same of single fields, by ordinal
+        bool closed = false;
+        std::vector<Step> steps;              // of all levels
+        std::vector<const TZoClass*> closure; // the class, and all that it declares or derives from
     };
 
-    void Visit(ZoStreamableBase* object);
-    void VisitLevel(ZoStreamableBase* object, const TZoClass* level);
+    TZoClass* ClassOf(const ZoStreamableBase* object);
+    Plan& PlanOf(const TZoClass* someClass);
+    Plan& BuiltPlanOf(const TZoClass* objectClass);
+    void AddSteps(Plan& plan, const TZoClass* level);
+    void Visit(ZoStreamableBase* object, const TZoClass* objectClass);
     void Use(const TZoClass* usedClass);
-    void FollowDeclared(const TZoClassField& field, const TZoClass* level);
-    void FollowDeclared(const TZoClass* declared);
-    ClassState& State(const TZoClass* someClass);
+    /// Whether nothing new can come of the field's declared class.
+    bool IsSettled(Step& step);
+    const std::vector<const TZoClass*>& ClosureOf(const TZoClass* declared);
 
     TZoMetaData* schema;
     ZoHandleTable visited;
     std::vector<ZoStreamableBase*> stack;
-    std::vector<ClassState> states; // by class id
+    std::vector<Plan*> plans; // by class id
 };
 
 } // namespace ZoPrimitives

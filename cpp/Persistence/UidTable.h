@@ -17,6 +17,8 @@ public:
         const auto index = static_cast<std::size_t>(uid);
         if (uid >= 0 && index < dense.size()) {
             dense[index] = object;
+        } else if (uid >= 0 && index == dense.size()) {
+            dense.push_back(object);
         } else if (uid >= 0 && index < SLACK + 4 * count) {
             if (index >= dense.capacity()) dense.reserve(2 * index + SLACK);
             dense.resize(index + 1);

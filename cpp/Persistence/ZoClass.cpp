@@ -1,13 +1,11 @@
+#include "Persistence/FieldCodec.h"
 #include "Persistence/GraphWalk.h"
 #include "Persistence/PointerResolver.h"
-#include "Persistence/RecordChecks.h"
-#include "Persistence/RecordFormat.h"
 #include "Persistence/SchemaWalk.h"
-#include "ZoPrimitives/BinInStream.h"
-#include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/BinOutStreamer.h"
-#include "ZoPrimitives/BinUnresolved.h"
 #include "ZoPrimitives/ZoMetaData.h"
+
+#include <algorithm>
 
 namespace ZoPrimitives {
 
@@ -49,19 +47,6 @@ bool SameEncoding(TZoClassFieldType a, TZoClassFieldType b) {
     return shape(a) == shape(b);
 }
 
-/// Lets a stream, or a resolver of its pointers, pass fields over for a while.
-template <class Target>
-class PassingOver {
-public:
-    PassingOver(Target& target, bool passing) : target(target) { target.SetPassingOver(passing); }
-    PassingOver(const PassingOver&) = delete;
-    PassingOver& operator=(const PassingOver&) = delete;
-    ~PassingOver() { target.SetPassingOver(false); }
-
-private:
-    Target& target;
-};
-
 } // namespace
 
 TZoCadastre::TZoCadastre(const ZoString& className) : className(className) {}
@@ -75,21 +60,13 @@ TZoClass::TZoClass(TZoMetaData* schema, Parents* parentClasses, const ZoString& 
 
 // Fields
 
-TZoClass::FieldList& TZoClass::ListOf(TZoClassFieldType kind) {
-    switch (kind) {
-    case ftChildPointer:
-    case ftChildValue:
-        return fieldsChilds;
-    case ftPointer:
-    case ftPointerEx:
-        return fieldsReferences;
-    case ftChildPointerList:
-        return fieldsChildLists;
-    case ftPointerList:
-    case ftPointerListEx:
-        return fieldsReferencesLists;
+namespace {
+
+/// The place of a field's list in a record.
+int StreamingRank(const TZoClassField& field) {
+    switch (field.GetFieldType()) {
     case ftChildPointerMap:
-        return fieldsChildMaps;
+        return 0;
     case ftInt:
     case ftFloat:
     case ftDouble:
@@ -101,9 +78,36 @@ TZoClass::FieldList& TZoClass::ListOf(TZoClassFieldType kind) {
     case ftListDouble:
     case ftListString:
     case ftUnsigned:
-        return fields;
+        return 1;
+    case ftChildPointer:
+    case ftChildValue:
+        return 2;
+    case ftChildPointerList:
+        return 3;
+    case ftPointer:
+    case ftPointerEx:
+        return 4;
+    case ftPointerList:
+    case ftPointerListEx:
+        return 5;
     }
-    return fields;
+    return 1;
+}
+
+} // namespace
+
+TZoClass::FieldList& TZoClass::ListOf(const TZoClassField& field) {
+    FieldList* lists[] = {&fieldsChildMaps,  &fields,           &fieldsChilds,
+                          &fieldsChildLists, &fieldsReferences, &fieldsReferencesLists};
+    return *lists[StreamingRank(field)];
+}
+
+void TZoClass::PutInOrder() {
+    inOrder.clear();
+    for (const FieldList* list : {&fieldsChildMaps, &fields, &fieldsChilds, &fieldsChildLists,
+                                  &fieldsReferences, &fieldsReferencesLists}) {
+        for (const auto& field : *list) inOrder.push_back(field.get());
+    }
 }
 
 template <class Field>
@@ -112,10 +116,13 @@ Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
     TZoClassField& base = *field;
     base.owner = this;
     base.fieldClass = fieldClass;
-    base.ordinal = fieldCount;
     if (fieldClass != nullptr) base.className = fieldClass->GetName();
-    ListOf(base.kind).Add(field);
-    ++fieldCount;
+    ListOf(base).Add(field);
+    if (!inOrder.empty() && StreamingRank(*inOrder.back()) > StreamingRank(base)) {
+        if (!loading) PutInOrder();
+    } else {
+        inOrder.push_back(field);
+    }
     if (base.kind == ftPointerEx || base.kind == ftPointerListEx) collectsExternals = true;
     return field;
 }
@@ -256,10 +263,8 @@ TZoClassField* TZoClass::AddField(int fieldClassId, TZoClassFieldType kind, cons
 }
 
 TZoClassField* TZoClass::FindField(const ZoString& wanted) {
-    for (const FieldList* list : StreamingOrder()) {
-        for (const auto& field : *list) {
-            if (field->GetFieldName() == wanted) return field.get();
-        }
+    for (TZoClassField* field : inOrder) {
+        if (field->GetFieldName() == wanted) return field;
     }
     for (const auto& parent : parents) {
         if (TZoClassField* field = parent->FindField(wanted)) return field;
@@ -267,22 +272,12 @@ TZoClassField* TZoClass::FindField(const ZoString& wanted) {
     return nullptr;
 }
 
-std::array<const TZoClass::FieldList*, 6> TZoClass::StreamingOrder() const {
-    return {&fieldsChildMaps,  &fields,           &fieldsChilds,
-            &fieldsChildLists, &fieldsReferences, &fieldsReferencesLists};
-}
-
 TZoClassField* TZoClass::GetField(int index) {
     ZO_ASSERT(index >= 1 && index <= GetFieldCount(), "index >= 1 && index <= GetFieldCount()", SOURCE);
-    auto left = static_cast<unsigned long long>(index);
-    for (const FieldList* list : StreamingOrder()) {
-        if (left <= list->NItems()) return (*list)[left].get();
-        left -= list->NItems();
-    }
-    return nullptr;
+    return inOrder[static_cast<std::size_t>(index) - 1];
 }
 
-int TZoClass::GetFieldCount() const { return static_cast<int>(fieldCount); }
+int TZoClass::GetFieldCount() const { return static_cast<int>(inOrder.size()); }
 
 unsigned long long TZoClass::GetFieldPointerCount() const {
     unsigned long long count = fieldsChildMaps.NItems();
@@ -293,9 +288,7 @@ unsigned long long TZoClass::GetFieldPointerCount() const {
 
 void TZoClass::FillAllClassFields(TIList<TZoClassField>* list) {
     for (const auto& parent : parents) parent->FillAllClassFields(list);
-    for (const FieldList* own : StreamingOrder()) {
-        for (const auto& field : *own) list->Add(field.get());
-    }
+    for (TZoClassField* field : inOrder) list->Add(field);
 }
 
 bool TZoClass::IsInherited(const TZoClass* ancestor) const {
@@ -331,14 +324,11 @@ ZoStreamableBase* TZoClass::CreateInstance(TZoMetaData* fileSchema, TZoMetaData*
 
 void TZoClass::SetOriginal(TZoClass* applicationClass) {
     original = applicationClass;
-    for (const FieldList* list : StreamingOrder()) {
-        for (const auto& field : *list) {
-            TZoClassField* target =
-                applicationClass == nullptr ? nullptr : applicationClass->FindField(field->GetFieldName());
-            const bool fits =
-                target != nullptr && SameEncoding(target->GetFieldType(), field->GetFieldType());
-            field->original = fits ? target : nullptr;
-        }
+    for (TZoClassField* field : inOrder) {
+        TZoClassField* target =
+            applicationClass == nullptr ? nullptr : applicationClass->FindField(field->GetFieldName());
+        const bool fits = target != nullptr && SameEncoding(target->GetFieldType(), field->GetFieldType());
+        field->original = fits ? target : nullptr;
     }
 }
 
@@ -377,6 +367,7 @@ void TZoClass::LoadMetaFromStream(TBinInStream* stream) {
     int marker = 0;
     *stream >> classId >> name >> abstract >> marker;
     storedParentIds.clear();
+    loading = true;
     if (marker == PARENTS_FOLLOW) {
         int count = 0;
         *stream >> count;
@@ -391,6 +382,8 @@ void TZoClass::LoadMetaFromStream(TBinInStream* stream) {
     }
     if (LoadBlock(stream) == ftChildPointerMap) LoadBlock(stream);
     for (int block = 0; block < 4; ++block) LoadBlock(stream);
+    loading = false;
+    PutInOrder();
 }
 
 /// Returns the kind of the block's last entry as it is stored, even when no field was made of it; 0 without
@@ -431,25 +424,23 @@ void TZoClass::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, Zo
     streamer->SaveInstance(stream, object);
 }
 
-void TZoClass::SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
-    for (const auto& parent : parents) parent->SaveToStreamPre(stream, streamer, object);
+void TZoClass::SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
+    SaveFields(*stream, stream->PutsDirectly(), object);
+}
+
+void TZoClass::SaveFields(TBinOutStream& stream, bool direct, ZoStreamableBase* object) {
+    if (direct) {
+        SaveLevels(DirectSink{stream}, object);
+    } else {
+        SaveLevels(VirtualSink{stream}, object);
+    }
+}
+
+template <class Sink>
+void TZoClass::SaveLevels(Sink put, ZoStreamableBase* object) {
+    for (const auto& parent : parents) parent->SaveLevels(put, object);
     object->WillWrite();
-    for (const auto& field : fieldsChildMaps) {
-        static_cast<TZoClassFieldPointerMap*>(field.get())->SavePair(stream, streamer, object);
-    }
-    for (const auto& field : fields) field->SaveToStream(stream, streamer, object);
-    for (const auto& field : fieldsChilds) {
-        static_cast<TZoClassFieldPointer*>(field.get())->SavePointer(stream, streamer, object);
-    }
-    for (const auto& field : fieldsChildLists) {
-        static_cast<TZoClassFieldPointerList*>(field.get())->SavePointers(stream, streamer, object);
-    }
-    for (const auto& field : fieldsReferences) {
-        static_cast<TZoClassFieldPointer*>(field.get())->SavePointer(stream, streamer, object);
-    }
-    for (const auto& field : fieldsReferencesLists) {
-        static_cast<TZoClassFieldPointerList*>(field.get())->SavePointers(stream, streamer, object);
-    }
+    for (TZoClassField* field : inOrder) FieldCodec::SaveField(put, *field, object);
 }
 
 void TZoClass::SaveToStreamPos(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
@@ -468,16 +459,47 @@ void TZoClass::ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFuncto
 
 // Reading
 
+template <class Action>
+void TZoClass::ForEachLevel(Action action) {
+    for (const auto& parent : parents) parent->ForEachLevel(action);
+    action(*this);
+}
+
 void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    stream->AddUnresolved(object, stream->GetCurrentUID(), this);
-    stream->ClearExcludedFields();
-    if (LevelsApply()) {
-        LoadFromStreamPre(stream, object);
+    LoadObject(*stream, stream->GetsDirectly(), object);
+}
+
+void TZoClass::LoadObject(TBinInStream& stream, bool direct, ZoStreamableBase* object) {
+    stream.UnresolvedPointers().Open(object, stream.GetCurrentUID(), this);
+    stream.ClearExcludedFields();
+    LoadFields(stream, direct, object);
+}
+
+void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object) {
+    LoadFields(*stream, stream->GetsDirectly(), object);
+}
+
+void TZoClass::LoadFields(TBinInStream& stream, bool direct, ZoStreamableBase* object) {
+    if (direct) {
+        LoadLevels(DirectSource{stream}, object);
     } else {
-        ForEachLevel([&](TZoClass& level) {
-            const PassingOver guard(*stream, !AppliesTo(level));
-            level.LoadOwnFields(stream, object);
-        });
+        LoadLevels(VirtualSource{stream}, object);
+    }
+}
+
+template <class Source>
+void TZoClass::LoadLevels(Source take, ZoStreamableBase* object) {
+    if (LevelsApply()) {
+        ForEachLevel([&](TZoClass& level) { level.LoadOwnFields(take, true, object); });
+    } else {
+        ForEachLevel([&](TZoClass& level) { level.LoadOwnFields(take, AppliesTo(level), object); });
+    }
+}
+
+template <class Source>
+void TZoClass::LoadOwnFields(Source take, bool applies, ZoStreamableBase* object) {
+    for (TZoClassField* field : inOrder) {
+        FieldCodec::LoadField(take, *field, applies ? field->original : nullptr, object);
     }
 }
 
@@ -497,33 +519,12 @@ bool TZoClass::LevelsApply() {
     return levelsApply == Yes;
 }
 
-template <class Action>
-void TZoClass::ForEachLevel(Action action) {
-    for (const auto& parent : parents) parent->ForEachLevel(action);
-    action(*this);
-}
-
-void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object) {
-    for (const auto& parent : parents) parent->LoadFromStreamPre(stream, object);
-    LoadOwnFields(stream, object);
-}
-
-void TZoClass::LoadOwnFields(TBinInStream* stream, ZoStreamableBase* object) {
-    for (const auto& field : fieldsChildMaps) field->LoadFromStream(stream, object);
-    for (const auto& field : fields) field->LoadFromStream(stream, object);
-    for (const auto& field : fieldsChilds) field->LoadFromStream(stream, object);
-    for (const auto& field : fieldsChildLists) field->LoadFromStream(stream, object);
-    for (const auto& field : fieldsReferences) field->LoadFromStream(stream, object);
-    for (const auto& field : fieldsReferencesLists) field->LoadFromStream(stream, object);
-}
-
 void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBase* object) {
     if (LevelsApply()) {
         ForEachLevel([&](const TZoClass& level) { level.ResolveOwnFields(resolver, object); });
     } else {
         ForEachLevel([&](const TZoClass& level) {
-            const PassingOver guard(resolver, !AppliesTo(level));
-            level.ResolveOwnFields(resolver, object);
+            if (AppliesTo(level)) level.ResolveOwnFields(resolver, object);
         });
     }
 }

@@ -1,96 +1,64 @@
 #include "ZoPrimitives/ZoClassField.h"
 
-#include "Persistence/ClassNames.h"
-#include "Persistence/HandleAccess.h"
+#include "Persistence/FieldCodec.h"
 #include "Persistence/PointerResolver.h"
-#include "Persistence/RecordChecks.h"
-#include "Persistence/RecordFormat.h"
-#include "ZoPrimitives/BinInStream.h"
-#include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/BinOutStreamer.h"
-#include "ZoPrimitives/BinUnresolved.h"
-#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
-#include <climits>
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
+template <class T>
+constexpr TZoClassFieldType VALUE_KIND = ftInt;
+template <>
+constexpr TZoClassFieldType VALUE_KIND<unsigned> = ftUnsigned;
+template <>
+constexpr TZoClassFieldType VALUE_KIND<bool> = ftBool;
+template <>
+constexpr TZoClassFieldType VALUE_KIND<float> = ftFloat;
+template <>
+constexpr TZoClassFieldType VALUE_KIND<double> = ftDouble;
+template <>
+constexpr TZoClassFieldType VALUE_KIND<ZoString> = ftString;
+template <>
+constexpr TZoClassFieldType VALUE_KIND<ZoBlob> = ftBlob;
 
 template <class T>
-struct ValueKind;
+constexpr TZoClassFieldType LIST_KIND = ftListInt;
 template <>
-struct ValueKind<int> {
-    static constexpr TZoClassFieldType value = ftInt, list = ftListInt;
-};
+constexpr TZoClassFieldType LIST_KIND<float> = ftListFloat;
 template <>
-struct ValueKind<unsigned> {
-    static constexpr TZoClassFieldType value = ftUnsigned;
-};
+constexpr TZoClassFieldType LIST_KIND<double> = ftListDouble;
 template <>
-struct ValueKind<bool> {
-    static constexpr TZoClassFieldType value = ftBool;
-};
-template <>
-struct ValueKind<float> {
-    static constexpr TZoClassFieldType value = ftFloat, list = ftListFloat;
-};
-template <>
-struct ValueKind<double> {
-    static constexpr TZoClassFieldType value = ftDouble, list = ftListDouble;
-};
-template <>
-struct ValueKind<ZoString> {
-    static constexpr TZoClassFieldType value = ftString, list = ftListString;
-};
-template <>
-struct ValueKind<ZoBlob> {
-    static constexpr TZoClassFieldType value = ftBlob;
-};
-
-/// The fewest bytes that a value takes in a record: of strings and blobs the length.
-template <class T>
-constexpr unsigned StoredSize = std::is_class_v<T> ? 4 : static_cast<unsigned>(sizeof(T));
-
-int StoredCount(unsigned long long count) {
-    ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE", SOURCE);
-    return static_cast<int>(count);
-}
-
-/// The count of a list, checked against what is left of the record, and its integers.
-struct ListHead {
-    int count = 0;
-    int first = 0;
-    int second = 0;
-
-    ListHead(TBinInStream& stream, bool hasFirst, bool hasSecond, unsigned itemSize) {
-        CheckRemaining(stream, 1, 4);
-        stream >> count;
-        if (hasFirst) stream >> first;
-        if (hasSecond) stream >> second;
-        CheckRemaining(stream, count, itemSize);
-    }
-};
-
-void SaveListHead(TBinOutStream& stream, unsigned long long count, TZoListInteger first,
-                  TZoListInteger second, ZoStreamableBase* object, TZoClassField* field) {
-    stream << StoredCount(count);
-    if (first != nullptr) stream << first(object, field);
-    if (second != nullptr) stream << second(object, field);
-}
+constexpr TZoClassFieldType LIST_KIND<ZoString> = ftListString;
 
 } // namespace
 
+void FieldCodec::ThrowDangling(const TZoClassField& field, const ZoStreamableBase* object,
+                               const ZoStreamableBase* target) {
+    throw XStream(
+        ZoString::FormatString("[zoerror] child reference '%s' (%p) in class '%s' (%p) not found. See "
+                               "DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD.",
+                               field.GetFieldName().c_str(), static_cast<const void*>(target),
+                               ClassText(typeid(*object)).c_str(), static_cast<const void*>(object)),
+        "TZoClassFieldPointer::SavePointer");
+}
+
+void FieldCodec::ThrowDanglingItem(const TZoClassField& field, const ZoStreamableBase* item) {
+    throw XStream(ZoString::FormatString("[zoerror] child reference <%s> (%p) not found in %s. See "
+                                         "DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD.",
+                                         ClassText(typeid(*item)).c_str(), static_cast<const void*>(item),
+                                         field.GetFieldName().c_str()),
+                  "SavePointerFunc::operator()");
+}
+
 TZoClassField::TZoClassField(const ZoString& name, TZoClassFieldType kind) : name(name), kind(kind) {}
 TZoClassField::~TZoClassField() = default;
-
-TZoClassField* TZoClassField::GetOriginal(const TBinInStream& stream) const {
-    return stream.GetPassingOver() ? nullptr : original;
-}
 
 bool TZoClassField::IsPointerKind() const {
     switch (kind) {
@@ -129,64 +97,30 @@ void TZoClassField::LoadMetaFromStream(TBinInStream* stream, int& classId, int& 
 
 template <class T>
 TZoClassFieldValue<T>::TZoClassFieldValue(const ZoString& name, TZoSetter<T> set, TZoGetter<T> get)
-    : TZoClassField(name, ValueKind<T>::value), set(set), get(get) {}
+    : TZoClassField(name, VALUE_KIND<T>), set(set), get(get) {}
 
 template <class T>
 void TZoClassFieldValue<T>::SaveToStream(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
-    *stream << get(object, this);
+    FieldCodec::Save(VirtualSink{*stream}, *this, object);
 }
 
 template <class T>
 void TZoClassFieldValue<T>::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    const unsigned begin = stream->GetRecordPosition();
-    CheckRemaining(*stream, 1, StoredSize<T>);
-    auto* application = static_cast<TZoClassFieldValue*>(GetOriginal(*stream));
-    if constexpr (std::is_same_v<T, ZoString>) {
-        ZoString& value = stream->ScratchString();
-        *stream >> value;
-        if (application != nullptr && application->set != nullptr)
-            application->set(object, application, value);
-    } else {
-        T value{};
-        *stream >> value;
-        if (application != nullptr && application->set != nullptr)
-            application->set(object, application, value);
-    }
-    if (application == nullptr) stream->AddExcludedField(this, begin);
+    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
 }
 
 template <class T>
 TZoClassFieldList<T>::TZoClassFieldList(const ZoString& name, const TZoListAccessors<T>& access)
-    : TZoClassField(name, ValueKind<T>::list), access(access) {}
+    : TZoClassField(name, LIST_KIND<T>), access(access) {}
 
 template <class T>
 void TZoClassFieldList<T>::SaveToStream(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
-    const unsigned long long count = access.nItems(object, this);
-    SaveListHead(*stream, count, access.first, access.second, object, this);
-    for (int i = 1; i <= static_cast<int>(count); ++i) *stream << access.elementAt(object, this, i);
+    FieldCodec::Save(VirtualSink{*stream}, *this, object);
 }
 
 template <class T>
 void TZoClassFieldList<T>::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    const unsigned begin = stream->GetRecordPosition();
-    auto* application = static_cast<TZoClassFieldList*>(GetOriginal(*stream));
-    const TZoListAccessors<T> none{};
-    const TZoListAccessors<T>& target = application != nullptr ? application->access : none;
-    const ListHead head(*stream, target.first != nullptr, target.second != nullptr, StoredSize<T>);
-    if (target.createList != nullptr) target.createList(object, head.count, head.first, head.second);
-    std::conditional_t<std::is_same_v<T, ZoString>, ZoString&, T> value = [stream]() -> decltype(auto) {
-        if constexpr (std::is_same_v<T, ZoString>) {
-            return static_cast<ZoString&>(stream->ScratchString());
-        } else {
-            return T{};
-        }
-    }();
-    for (int i = 0; i < head.count; ++i) {
-        CheckRemaining(*stream, 1, StoredSize<T>);
-        *stream >> value;
-        if (target.add != nullptr) target.add(object, application, value);
-    }
-    if (application == nullptr) stream->AddExcludedField(this, begin);
+    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
 }
 
 template class TZoClassFieldValue<int>;
@@ -227,9 +161,10 @@ struct Resolved {
     ZoStreamableBase* target;
     bool dropped;
 
-    Resolved(const TZoPointerResolver& resolver, const TZoClassFieldPointerBase& field, int uid)
+    Resolved(const TZoPointerResolver& resolver, TZoClassFieldPointerBase& fileField,
+             const TZoClassFieldPointerBase& application, int uid)
         : target(resolver.Find(uid)), dropped(uid != 0 && target == nullptr) {
-        if (target != nullptr && !resolver.Allows(field, target)) {
+        if (target != nullptr && !resolver.Allows(fileField, application, target)) {
             target = nullptr;
             dropped = true;
         }
@@ -244,25 +179,7 @@ TZoClassFieldPointer::TZoClassFieldPointer(const ZoString& name, TZoClassFieldTy
 TZoClassFieldPointer::~TZoClassFieldPointer() = default;
 
 void TZoClassFieldPointer::SavePointer(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
-    ZoStreamableBase* target = Get(object);
-    int uid = 0;
-    if (target != nullptr) {
-        uid = stream->GetHandle(target);
-        if (uid == 0) {
-            throw XStream(
-                ZoString::FormatString("[zoerror] child reference '%s' (%p) in class '%s' (%p) not found. "
-                                       "See DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD.",
-                                       GetFieldName().c_str(), static_cast<const void*>(target),
-                                       ClassText(typeid(*object)).c_str(), static_cast<const void*>(object)),
-                "TZoClassFieldPointer::SavePointer");
-        }
-    }
-    *stream << uid;
-}
-
-void TZoClassFieldPointer::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer,
-                                    ZoStreamableBase* object) {
-    SavePointer(stream, streamer, object);
+    FieldCodec::SaveUids(VirtualSink{*stream}, *this, object);
 }
 
 void TZoClassFieldPointer::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
@@ -275,20 +192,15 @@ void TZoClassFieldPointer::GetFieldMetaData(ZoStreamableBase* object, ZoStreamab
 }
 
 void TZoClassFieldPointer::LoadPointer(TBinInStream* stream) {
-    CheckRemaining(*stream, 1, sizeof(std::int32_t));
-    int uid = 0;
-    *stream >> uid;
-    if (GetOriginal(*stream) != nullptr) stream->UnresolvedPointers().LoadPointer(this, uid);
+    FieldCodec::Load(VirtualSource{*stream}, static_cast<TZoClassFieldPointer*>(GetOriginal()), nullptr);
 }
 
-void TZoClassFieldPointer::LoadFromStream(TBinInStream* stream, ZoStreamableBase*) {
-    const unsigned begin = stream->GetRecordPosition();
-    LoadPointer(stream);
-    if (GetOriginal(*stream) == nullptr) stream->AddExcludedField(this, begin);
+void TZoClassFieldPointer::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
+    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
 }
 
 void TZoClassFieldPointer::Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    auto* application = static_cast<TZoClassFieldPointer*>(resolver.Original(*this));
+    auto* application = static_cast<TZoClassFieldPointer*>(GetOriginal());
     if (application == nullptr) return;
     const int uid = resolver.Next();
     if (application->GetFieldType() == ftChildValue) {
@@ -296,7 +208,7 @@ void TZoClassFieldPointer::Resolve(TZoPointerResolver& resolver, ZoStreamableBas
         return;
     }
     if (!resolver.ResolvesReferences()) return;
-    const Resolved resolved(resolver, *application, uid);
+    const Resolved resolved(resolver, *this, *application, uid);
     application->Set(object, resolved.target);
     object->OnReadPointer(application, resolved.target, static_cast<unsigned>(uid));
 }
@@ -321,35 +233,6 @@ unsigned long long TZoClassFieldPointerList::NItems(ZoStreamableBase* object) {
 }
 
 namespace {
-
-/// Writes the uid of each item of a list.
-class SavePointerFunc : public ZoStreamableBaseFunctor {
-public:
-    SavePointerFunc(TBinOutStream& stream, const TZoClassField& field) : stream(stream), field(field) {}
-
-    void operator()(ZoStreamableBase* item) override {
-        int uid = 0;
-        if (item != nullptr) {
-            uid = stream.GetHandle(item);
-            if (uid == 0) {
-                throw XStream(
-                    ZoString::FormatString("[zoerror] child reference <%s> (%p) not found in %s. See "
-                                           "DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD.",
-                                           ClassText(typeid(*item)).c_str(), static_cast<const void*>(item),
-                                           field.GetFieldName().c_str()),
-                    "SavePointerFunc::operator()");
-            }
-        }
-        stream << uid;
-        ++count;
-    }
-    unsigned long long Count() const { return count; }
-
-private:
-    TBinOutStream& stream;
-    const TZoClassField& field;
-    unsigned long long count = 0;
-};
 
 /// Writes the record of each item of a list.
 class SaveToStreamAction : public ZoStreamableBaseFunctor {
@@ -376,17 +259,7 @@ public:
 
 void TZoClassFieldPointerList::SavePointers(TBinOutStream* stream, TBinOutStreamer*,
                                             ZoStreamableBase* object) {
-    const unsigned long long count = NItems(object);
-    SaveListHead(*stream, count, access.first, access.second, object, this);
-    SavePointerFunc save(*stream, *this);
-    GetFieldMetaData(object, save);
-    ZO_ASSERT(save.Count() == count,
-              "save.Count() == NItems && \"[zoerror] the list gave another number of items\"", SOURCE);
-}
-
-void TZoClassFieldPointerList::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer,
-                                        ZoStreamableBase* object) {
-    SavePointers(stream, streamer, object);
+    FieldCodec::SaveUids(VirtualSink{*stream}, *this, object);
 }
 
 void TZoClassFieldPointerList::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
@@ -406,31 +279,21 @@ void TZoClassFieldPointerList::GetFieldMetaData(ZoStreamableBase* object, ZoStre
 
 void TZoClassFieldPointerList::LoadPointers(TBinInStream* stream, ZoStreamableBase* object,
                                             TZoClassFieldPointerList* application) {
-    const bool hasFirst = application != nullptr && application->HasFirst();
-    const bool hasSecond = application != nullptr && application->HasSecond();
-    const ListHead head(*stream, hasFirst, hasSecond, sizeof(std::int32_t));
-    if (application == nullptr) {
-        stream->SetRecordPosition(stream->GetRecordPosition() + static_cast<unsigned>(head.count) * 4);
-        return;
-    }
-    application->CreateList(object, head.count, head.first, head.second);
-    stream->UnresolvedPointers().LoadPointers(application, head.count, stream);
+    FieldCodec::LoadUids(VirtualSource{*stream}, object, application);
 }
 
 void TZoClassFieldPointerList::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    const unsigned begin = stream->GetRecordPosition();
-    LoadPointers(stream, object, static_cast<TZoClassFieldPointerList*>(GetOriginal(*stream)));
-    if (GetOriginal(*stream) == nullptr) stream->AddExcludedField(this, begin);
+    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
 }
 
 void TZoClassFieldPointerList::Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    auto* application = static_cast<TZoClassFieldPointerList*>(resolver.Original(*this));
+    auto* application = static_cast<TZoClassFieldPointerList*>(GetOriginal());
     if (application == nullptr) return;
     const int count = resolver.Next();
     const std::int32_t* uids = resolver.Take(count);
     if (!resolver.ResolvesReferences()) return;
     for (int i = 0; i < count; ++i) {
-        const Resolved resolved(resolver, *application, uids[i]);
+        const Resolved resolved(resolver, *this, *application, uids[i]);
         if (resolved.dropped) continue;
         application->Add(object, resolved.target);
         object->OnReadPointer(application, resolved.target, static_cast<unsigned>(uids[i]));
@@ -495,20 +358,8 @@ TZoClassFieldPointerList* AsList(TZoClassField* field) {
 
 } // namespace
 
-void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer* streamer,
-                                       ZoStreamableBase* object) {
-    for (TZoClassField* field : {key.get(), value.get()}) {
-        if (TZoClassFieldPointerBase* pointers = AsPointers(field)) {
-            pointers->SaveUids(stream, streamer, object);
-        } else if (field != nullptr) {
-            field->SaveToStream(stream, streamer, object);
-        }
-    }
-}
-
-void TZoClassFieldPointerMap::SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer,
-                                       ZoStreamableBase* object) {
-    SavePair(stream, streamer, object);
+void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
+    FieldCodec::SaveUids(VirtualSink{*stream}, *this, object);
 }
 
 void TZoClassFieldPointerMap::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
@@ -526,24 +377,15 @@ void TZoClassFieldPointerMap::GetFieldMetaData(ZoStreamableBase* object, ZoStrea
 }
 
 void TZoClassFieldPointerMap::LoadPair(TBinInStream* stream, ZoStreamableBase* object) {
-    if (auto* application = static_cast<TZoClassFieldPointerMap*>(GetOriginal(*stream))) {
-        for (TZoClassField* field : {application->key.get(), application->value.get()}) {
-            if (field != nullptr) field->LoadFromStream(stream, object);
-        }
-    } else {
-        TZoClassFieldPointerList::LoadPointers(stream, object, nullptr);
-        TZoClassFieldPointerList::LoadPointers(stream, object, nullptr);
-    }
+    FieldCodec::Load(VirtualSource{*stream}, static_cast<TZoClassFieldPointerMap*>(GetOriginal()), object);
 }
 
 void TZoClassFieldPointerMap::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    const unsigned begin = stream->GetRecordPosition();
-    LoadPair(stream, object);
-    if (GetOriginal(*stream) == nullptr) stream->AddExcludedField(this, begin);
+    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
 }
 
 void TZoClassFieldPointerMap::Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    auto* application = static_cast<TZoClassFieldPointerMap*>(resolver.Original(*this));
+    auto* application = static_cast<TZoClassFieldPointerMap*>(GetOriginal());
     if (application == nullptr) return;
     TZoClassFieldPointerList* keys = AsList(application->key.get());
     TZoClassFieldPointerList* values = AsList(application->value.get());
@@ -558,10 +400,12 @@ void TZoClassFieldPointerMap::Resolve(TZoPointerResolver& resolver, ZoStreamable
     const int valueCount = resolver.Next();
     const std::int32_t* valueUids = resolver.Take(valueCount);
     if (!resolver.ResolvesReferences()) return;
+    TZoClassFieldPointerList keyTypes("", ftChildPointerList, {}); // what each half took last
+    TZoClassFieldPointerList valueTypes("", ftChildPointerList, {});
     // Pairs: both halves or none.
     for (int i = 0; i < keyCount && i < valueCount; ++i) {
-        const Resolved resolvedKey(resolver, *keys, keyUids[i]);
-        const Resolved resolvedValue(resolver, *values, valueUids[i]);
+        const Resolved resolvedKey(resolver, keyTypes, *keys, keyUids[i]);
+        const Resolved resolvedValue(resolver, valueTypes, *values, valueUids[i]);
         if (resolvedKey.dropped || resolvedValue.dropped) continue;
         keys->Add(object, resolvedKey.target);
         values->Add(object, resolvedValue.target);

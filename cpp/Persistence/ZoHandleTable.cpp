@@ -3,7 +3,6 @@
 #include "Persistence/HandleAccess.h"
 
 #include <algorithm>
-#include <atomic>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
@@ -15,22 +14,19 @@ namespace {
 /// The runs of all tables of the process that hold handles now, rising.
 class LiveRuns {
 public:
-    std::uint64_t Begin() {
+    std::uint64_t Begin(std::uint64_t& endedBefore) {
         const std::lock_guard<std::mutex> lock(guard);
         runs.reserve(runs.size() + 1);
         const std::uint64_t run = ++last;
         runs.push_back(run);
-        oldest.store(runs.front(), std::memory_order_relaxed);
+        endedBefore = runs.front();
         return run;
     }
     void End(std::uint64_t run) noexcept {
         const std::lock_guard<std::mutex> lock(guard);
         runs.erase(std::lower_bound(runs.begin(), runs.end(), run));
-        oldest.store(runs.empty() ? last + 1 : runs.front(), std::memory_order_relaxed);
     }
     bool IsLive(std::uint64_t run) {
-        // The caller's own run is live, so what is older than the oldest has ended for good.
-        if (run < oldest.load(std::memory_order_relaxed)) return false;
         const std::lock_guard<std::mutex> lock(guard);
         return std::binary_search(runs.begin(), runs.end(), run);
     }
@@ -39,7 +35,6 @@ private:
     std::mutex guard;
     std::vector<std::uint64_t> runs;
     std::uint64_t last = 0;
-    std::atomic<std::uint64_t> oldest{0};
 };
 
 LiveRuns& Runs() {
@@ -77,7 +72,7 @@ int ZoHandleTable::GetShared(const ZoStreamableBase* object) const {
 }
 
 bool ZoHandleTable::Claim(const ZoStreamableBase* object) {
-    if (run == 0) run = Runs().Begin();
+    if (run == 0) run = Runs().Begin(endedBefore);
     const std::uint64_t other = HandleAccess::Run(object);
     return other == 0 || !Runs().IsLive(other);
 }

@@ -107,8 +107,8 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     classes.Add(newClass);
     index->Add(newClass);
     if (newClass->slot != 0 && newClass->schema == this) {
-        while (slots.NItems() <= newClass->slot) slots.Add(nullptr);
-        slots[newClass->slot + 1ULL] = newClass;
+        if (newClass->slot >= slots.size()) slots.resize(newClass->slot + 1ULL);
+        slots[newClass->slot] = newClass;
         Latest().Set(newClass->slot, newClass);
     }
     return newClass;
@@ -118,12 +118,7 @@ TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Fin
 
 TZoClass* TZoMetaData::FindClass(int id) const { return index->Find(id); }
 
-TZoClass* TZoMetaData::FindClass(unsigned slot, const char* name) const {
-    if (slot < slots.NItems()) {
-        if (TZoClass* bound = slots.data()[slot]) return bound;
-    }
-    return FindClass(ZoString(name));
-}
+TZoClass* TZoMetaData::FindUnbound(const char* name) const { return FindClass(ZoString(name)); }
 
 TZoClass* TZoMetaData::FindLatestClass(unsigned slot) { return Latest().Get(slot); }
 
@@ -147,8 +142,8 @@ bool TZoMetaData::IsClassInherited(const ZoString& name, const ZoString& ancesto
 }
 
 void TZoMetaData::Unbind(TZoClass* leaving) {
-    if (leaving->slot != 0 && leaving->slot < slots.NItems() && slots[leaving->slot + 1ULL] == leaving) {
-        slots[leaving->slot + 1ULL] = nullptr;
+    if (leaving->slot < slots.size() && slots[leaving->slot] == leaving) {
+        slots[leaving->slot] = nullptr;
         Latest().Forget(leaving->slot, leaving);
     }
     for (unsigned long long i = unresolved.NItems(); i >= 1; --i) {

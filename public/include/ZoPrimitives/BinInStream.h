@@ -8,10 +8,12 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <type_traits>
 
 namespace ZoPrimitives {
 
 class TBinUnresolvedPointers;
+class UidTable;
 struct TBinUnresolved;
 class ZoBlob;
 class ZoStreamableBase;
@@ -108,6 +110,7 @@ public:
     /// Null for a uid without object.
     ZoStreamableBase* GetHandle(int uid) const;
     void ResetHandles();
+    const UidTable& Handles() const;
 
     // Pointers that wait to be resolved: one entry for each object read.
     /// Opens an entry; `fileClass` is the file's class under which the record is read.
@@ -115,10 +118,6 @@ public:
     /// The entry of the object read under a uid; null for none.
     const TBinUnresolved* GetUnresolved(int uid) const;
     TBinUnresolvedPointers& UnresolvedPointers() const { return *unresolved; }
-
-    /// While true, fields have no application's field to read into.
-    void SetPassingOver(bool passing) { passingOver = passing; }
-    bool GetPassingOver() const { return passingOver; }
 
     // Fields of the current record that its class does not have, each with its place in the record.
     void AddExcludedField(TZoClassField* field, unsigned recordPosition);
@@ -137,6 +136,20 @@ public:
             TakePastEnd(&value, sizeof(T));
         }
     }
+    // What the `operator>>`s of this class do, without the virtual call.
+    template <class T, class = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, long double>>>
+    void Get(T& value) {
+        Take(value);
+    }
+    void Get(bool& value) {
+        unsigned char byte = 0;
+        Take(byte);
+        value = byte != 0;
+    }
+    void Get(ZoString& value);
+    void Get(ZoBlob& value);
+    /// Whether `operator>>` is this library's own for all types, so that `Get` may stand for it.
+    virtual bool GetsDirectly() const;
     /// Takes the bytes of a string or blob without copying them: valid until the next record. The same checks
     /// as `operator>>`; `location` names the operation in the exception.
     const unsigned char* TakeBlock(unsigned& size, const char* location);
@@ -187,7 +200,6 @@ private:
     unsigned extraLength = 0;
     unsigned supportedVersion;
     bool ownsSource;
-    bool passingOver = false;
 
     unsigned crc = 0;
     int classId = 0;
@@ -200,7 +212,7 @@ private:
     const unsigned char* record = nullptr; // in `buffer` or in the window
     unsigned recordSize = 0;
     unsigned position = 0;
-    unsigned char* buffer = nullptr; // DEFAULT_BUFFER_SIZE bytes, zeroed, from the first record that needs it
+    unsigned char* buffer = nullptr; // DEFAULT_BUFFER_SIZE bytes, from the first record that needs it
 
     const unsigned char* windowBegin = nullptr;
     const unsigned char* windowCursor = nullptr;

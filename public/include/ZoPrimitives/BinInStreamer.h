@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -67,7 +66,8 @@ private:
     class Values;
 
     const Use& UseOf(int classId);
-    std::unordered_set<const ZoStreamableBase*> Remove(const TDList<ZoStreamableBase*>& invalid);
+    bool IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues);
+    void Remove(const TDList<ZoStreamableBase*>& invalid);
     void ReadRecord(int uid, int classId, Made& made);
     void Resolve(Made& made);
     void Validate(Made& made);
@@ -78,6 +78,7 @@ private:
     TIList<TZoClass, pointer<TZoClass>> unknown;
     std::vector<std::unique_ptr<Use>> uses; // by class id
     std::unordered_map<int, std::unique_ptr<Use>> rareUses;
+    bool direct = false; // the stream's values are taken without virtual calls
 };
 
 } // namespace ZoPrimitives

@@ -4,7 +4,9 @@
 #include "ZoPrimitives/ZoObject.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace ZoPrimitives {
 
@@ -91,6 +93,27 @@ public:
         std::memcpy(position, data, size);
         position += size;
     }
+    /// Appends a 32-bit length and the bytes.
+    void AppendBlock(const void* data, std::size_t size) {
+        if (size + 4 > static_cast<std::size_t>(limit - position)) MakeRoom(size + 4);
+        const auto length = static_cast<std::uint32_t>(size);
+        std::memcpy(position, &length, 4);
+        if (size != 0) std::memcpy(position + 4, data, size);
+        position += size + 4;
+    }
+    // What the `operator<<`s of this class do, without the virtual call.
+    template <class T, class = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, long double>>>
+    void Put(T value) {
+        Append(&value, sizeof value);
+    }
+    void Put(bool value) {
+        const unsigned char byte = value ? 1 : 0;
+        Append(&byte, 1);
+    }
+    void Put(const ZoString& value);
+    void Put(const ZoBlob& value);
+    /// Whether `operator<<` is this library's own for all types, so that `Put` may stand for it.
+    virtual bool PutsDirectly() const;
 
 protected:
     /// What becomes of frames when the buffer is full.
@@ -125,11 +148,13 @@ protected:
     const unsigned char* RecordBytes() const { return record; }
 
 private:
+    friend class HandleAccess;
+
     void Allocate(std::size_t capacity);
     void SetBounds(std::size_t gathered, std::size_t payload);
     void MakeRoom(std::size_t size);
-    void AppendBlock(const void* data, std::size_t size);
     void StartRecord();
+    [[noreturn]] void RefuseHandle();
     void SumGathered(const unsigned char* end);
 
     unsigned version = 0;

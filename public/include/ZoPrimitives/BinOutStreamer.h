@@ -4,7 +4,7 @@
 #include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/dvector.h"
 
-#include <vector>
+#include <unordered_set>
 
 namespace ZoPrimitives {
 
@@ -62,11 +62,12 @@ public:
 
 private:
     void WriteSchemaOf(const SchemaWalk& walk);
-    void SaveRecord(TBinOutStream* target, ZoStreamableBase* object, TZoClass* objectClass);
+    void SaveRecord(TBinOutStream* target, bool direct, ZoStreamableBase* object, TZoClass* objectClass);
 
     TBinOutStream* stream;
     TZoMetaData* schema;
-    std::vector<bool> saved; // by uid
+    int savedUpTo = 0;             // all uids up to here were saved
+    std::unordered_set<int> saved; // others that were
 };
 
 } // namespace ZoPrimitives

@@ -29,9 +29,11 @@ public:
     ~TBinUnresolvedPointers();
 
     /// Opens the entry of the object that is read next.
-    void Open(ZoStreamableBase* object, int uid, TZoClass* fileClass);
+    void Open(ZoStreamableBase* object, int uid, TZoClass* fileClass) {
+        entries.push_back({object, fileClass, uid, uids.size()});
+    }
     /// Adds a single pointer of the entry opened last.
-    void LoadPointer(TZoClassField* field, int uid);
+    void LoadPointer([[maybe_unused]] TZoClassField* field, int uid) { uids.push_back(uid); }
     /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` when the record holds
     /// fewer.
     void LoadPointers(TZoClassField* field, int count, TBinInStream* stream);

@@ -50,6 +50,7 @@ public:
 
     /// Null when the file is not open.
     void* GetFile() const override { return file; }
+    bool GetsDirectly() const override;
     /// Empty for a stream over an open file.
     const ZoString& GetFileName() const { return fileName; }
 

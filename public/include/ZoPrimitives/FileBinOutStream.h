@@ -42,6 +42,7 @@ public:
     void FreeResourses() override;
     /// Returns to the place after it; an open record stays.
     void RewriteHeader() override;
+    bool PutsDirectly() const override;
 
     /// Where in the file, in bytes, the next ones are written. Writes what is gathered first.
     unsigned long long GetPosition();

@@ -19,6 +19,7 @@ public:
 
     /// Reads and checks the header, from the start of the block. Throws `XReadStream` or `XNewerVersion`.
     void Initialize();
+    bool GetsDirectly() const override;
 
 protected:
     bool Read(void* data, unsigned size, unsigned& done) override;

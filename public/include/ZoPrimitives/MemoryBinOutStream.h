@@ -17,6 +17,7 @@ public:
     void FlushBuffer() override;
     void FreeResourses() override;
     void RewriteHeader() override;
+    bool PutsDirectly() const override;
 
     /// What was written so far, valid until the next write.
     const unsigned char* GetData();

@@ -10,6 +10,7 @@
 
 namespace ZoPrimitives {
 
+class FieldCodec;
 class TBinInStream;
 class TBinOutStream;
 class TBinOutStreamer;
@@ -90,8 +91,6 @@ public:
     int GetFieldClassId() const { return fieldClassId; }
     /// In a file's schema: the application's field that takes the value; null when there is none.
     TZoClassField* GetOriginal() const { return original; }
-    /// The same, null while the stream passes fields over.
-    TZoClassField* GetOriginal(const TBinInStream& stream) const;
     void SetFieldClass(TZoClass* newClass) { fieldClass = newClass; }
     void SetFieldClassName(const ZoString& newName) { className = newName; }
 
@@ -124,7 +123,6 @@ private:
     ZoString className;
     TZoClassFieldType kind;
     int fieldClassId = 0;
-    unsigned ordinal = 0; // among the fields of its class
     TZoClass* owner = nullptr;
     TZoClass* fieldClass = nullptr;
 };
@@ -138,6 +136,8 @@ public:
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
 
 private:
+    friend class FieldCodec;
+
     TZoSetter<T> set;
     TZoGetter<T> get;
 };
@@ -162,6 +162,8 @@ public:
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
 
 private:
+    friend class FieldCodec;
+
     TZoListAccessors<T> access;
 };
 
@@ -196,8 +198,6 @@ class TZoPointerResolver;
 class ZO_API TZoClassFieldPointerBase : public TZoClassField {
 public:
     ~TZoClassFieldPointerBase() override;
-    /// Writes the uids of what the field points to into the open record.
-    virtual void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) = 0;
     /// Hands the objects that the field's uids name to the setter of the application's field.
     virtual void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) = 0;
     /// Takes every reference to an object that `isRemoved` names out of the field.
@@ -215,7 +215,11 @@ protected:
     TZoClassFieldPointerBase(const ZoString& name, TZoClassFieldType kind);
 
 private:
+    friend class TZoPointerResolver;
+
     TZoTypeTest typeTest = nullptr;
+    // Of a file's field, which belongs to one reading: the types that the application's field took last.
+    const std::type_info* accepted[2] = {nullptr, nullptr};
 };
 
 /// A pointer to one object: owned, by value, or a reference.
@@ -237,7 +241,6 @@ public:
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
     void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
-    void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
     void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
                           const void* context) override;
@@ -284,12 +287,13 @@ public:
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
     void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
-    void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
     void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
                           const void* context) override;
 
 private:
+    friend class FieldCodec;
+
     TZoPointerListAccessors access;
 };
 
@@ -317,7 +321,6 @@ public:
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
     void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
-    void SaveUids(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
     void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
                           const void* context) override;

@@ -32,7 +32,8 @@ private:
     bool Claim(const ZoStreamableBase* object);
     int GetShared(const ZoStreamableBase* object) const;
 
-    std::uint64_t run = 0; // unique in the process; 0: nothing was set since the last Reset
+    std::uint64_t run = 0;         // unique in the process; 0: nothing was set since the last Reset
+    std::uint64_t endedBefore = 0; // runs below it had ended when this one began
     Shared* shared = nullptr;
 };
 

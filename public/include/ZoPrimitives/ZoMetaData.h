@@ -5,7 +5,6 @@
 #include "ZoPrimitives/ZoClassField.h"
 #include "ZoPrimitives/dvector.h"
 
-#include <array>
 #include <memory>
 #include <typeinfo>
 #include <vector>
@@ -153,13 +152,14 @@ private:
     friend class GraphWalk;
     friend class SchemaWalk;
     friend class TBinInStreamer;
+    friend class TBinOutStreamer;
 
     using FieldList = Fields;
 
     template <class Field>
     Field* Adopt(Field* field, TZoClass* fieldClass);
-    std::array<const FieldList*, 6> StreamingOrder() const;
-    FieldList& ListOf(TZoClassFieldType kind);
+    void PutInOrder();
+    FieldList& ListOf(const TZoClassField& field);
     void SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
                    const TZoMetaData* target);
     void SaveMetaToStream(TBinOutStream* stream, const TZoMetaData* target);
@@ -168,15 +168,24 @@ private:
 
     bool AppliesTo(const TZoClass& level) const;
     bool LevelsApply();
-    void LoadOwnFields(TBinInStream* stream, ZoStreamableBase* object);
+    void SaveFields(TBinOutStream& stream, bool direct, ZoStreamableBase* object);
+    template <class Sink>
+    void SaveLevels(Sink put, ZoStreamableBase* object);
+    template <class Source>
+    void LoadOwnFields(Source take, bool applies, ZoStreamableBase* object);
+    void LoadObject(TBinInStream& stream, bool direct, ZoStreamableBase* object);
+    void LoadFields(TBinInStream& stream, bool direct, ZoStreamableBase* object);
+    template <class Source>
+    void LoadLevels(Source take, ZoStreamableBase* object);
     void ResolveOwnFields(TZoPointerResolver& resolver, ZoStreamableBase* object) const;
     void FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members);
 
     template <class Action>
     void ForEachPointerField(Action action) const {
-        for (const Fields* list : StreamingOrder()) {
-            if (list == &fields) continue;
-            for (const auto& field : *list) action(*field);
+        const auto maps = static_cast<std::size_t>(fieldsChildMaps.end() - fieldsChildMaps.begin());
+        const auto values = static_cast<std::size_t>(fields.end() - fields.begin());
+        for (std::size_t i = 0; i < inOrder.size(); ++i) {
+            if (i < maps || i >= maps + values) action(*inOrder[i]);
         }
     }
     template <class Action>
@@ -187,6 +196,7 @@ private:
     bool abstract = false;
     bool parentMissing = false;
     enum : unsigned char { Unknown, Yes, No } levelsApply = Unknown;
+    bool loading = false;           // fields are put in order at the end
     bool collectsExternals = false; // a field of this class, ancestors aside, points to external instances
     Parents parents;
     FieldList fields;
@@ -195,7 +205,7 @@ private:
     FieldList fieldsChildLists;
     FieldList fieldsReferencesLists;
     FieldList fieldsChildMaps;
-    unsigned fieldCount = 0;
+    std::vector<TZoClassField*> inOrder; // all of them, in the order in which they are streamed
     TZoCreateFunction create = nullptr;
     TZoCadastre* cadastre = nullptr;
     TZoClass* original = nullptr;
@@ -222,7 +232,10 @@ public:
     TZoClass* FindClass(const ZoString& name) const;
     TZoClass* FindClass(int id) const;
     /// The class bound to the process-wide number of a C++ class, looked up by name when none is.
-    TZoClass* FindClass(unsigned slot, const char* name) const;
+    TZoClass* FindClass(unsigned slot, const char* name) const {
+        TZoClass* bound = slot < slots.size() ? slots[slot] : nullptr;
+        return bound != nullptr ? bound : FindUnbound(name);
+    }
     bool DoesClassExist(const ZoString& name) const { return FindClass(name) != nullptr; }
     /// `index` counts from 1, in the order of registration.
     TZoClass* GetClass(int index) const;
@@ -270,6 +283,7 @@ private:
     friend class TZoClass;
     class TClassNameAndIdMap;
 
+    TZoClass* FindUnbound(const char* name) const;
     bool LinkClasses(const TZoMetaData* application);
     void Unbind(TZoClass* leaving);
     bool LevelsAreSound() const;
@@ -279,7 +293,7 @@ private:
     TDVector<TZoClassField*> unresolved;
     std::unique_ptr<TClassNameAndIdMap> index;
     int nextId = 1;
-    TDVector<TZoClass*> slots; // by process-wide number of the C++ class, at position number + 1
+    std::vector<TZoClass*> slots; // by process-wide number of the C++ class
 };
 
 } // namespace ZoPrimitives

@@ -253,11 +253,10 @@ private:
     TDVector<TZoClassField*> unresolved;
 };
 
+/// The number of a C++ class in the process; 0 before its module is initialised, when names are looked up
+/// instead.
 template <class T>
-unsigned ZoSlotOf() {
-    static const unsigned slot = ZoNewClassSlot();
-    return slot;
-}
+inline const unsigned ZoSlotOf = ZoNewClassSlot();
 
 template <class T>
 ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass*) {
@@ -294,7 +293,7 @@ TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* con
                       "ZoStreamableBase::StreamableInit, or a default constructor");
         create = ZoCreateInstance<T>;
     }
-    ZoRegistration registration(schema, name, parents, create, abstract, typeid(T), ZoSlotOf<T>());
+    ZoRegistration registration(schema, name, parents, create, abstract, typeid(T), ZoSlotOf<T>);
     AddFieldsOfLines<T>(registration, std::make_integer_sequence<int, T::ZoLastLine - T::ZoFirstLine>());
     return registration.Finish();
 }
@@ -346,10 +345,10 @@ public:                                                                         
     }                                                                                                        \
     static void Unregister(::ZoPrimitives::TZoMetaData* schema) { schema->ExcludeClass(ZoName()); }          \
     ::ZoPrimitives::TZoClass* GetOriginalClass(::ZoPrimitives::TZoMetaData* schema) const override {         \
-        return schema->FindClass(::ZoPrimitives::ZoSlotOf<ZoClass>(), ZoName());                             \
+        return schema->FindClass(::ZoPrimitives::ZoSlotOf<ZoClass>, ZoName());                               \
     }                                                                                                        \
     ::ZoPrimitives::TZoClass* GetClass() const override {                                                    \
-        return ::ZoPrimitives::TZoMetaData::FindLatestClass(::ZoPrimitives::ZoSlotOf<ZoClass>());            \
+        return ::ZoPrimitives::TZoMetaData::FindLatestClass(::ZoPrimitives::ZoSlotOf<ZoClass>);              \
     }                                                                                                        \
     ::ZoPrimitives::ZoString StreamableClassName() const override {                                          \
         return ::ZoPrimitives::ZoStreamableClassName(typeid(*this));                                         \

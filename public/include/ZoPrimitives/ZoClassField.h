@@ -7,6 +7,7 @@
 #include "ZoPrimitives/pointer.h"
 
 #include <type_traits>
+#include <typeinfo>
 
 namespace ZoPrimitives {
 

@@ -237,6 +237,7 @@ void TBinInStream::ReadHeader(const char* location) {
     ReadOrThrow(Buffer(), RecordFormat::HEADER_SIZE, location);
     UseBuffer(RecordFormat::HEADER_SIZE);
     if (!LoadHeader()) {
+        if (readError != 0) ThrowReadError(location);
         throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
                           "TBinInStream::LoadHeader");
     }

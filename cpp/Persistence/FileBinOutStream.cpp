@@ -152,7 +152,7 @@ void TFileBinOutStream::RewriteHeader() {
     FlushBuffer();
     headerCount = GetNInstances();
     SeekTo(after, "TFileBinOutStream::RewriteHeader");
-    Append(open.data(), open.size());
+    if (!open.empty()) Append(open.data(), open.size());
 }
 
 void* TFileBinOutStream::GetFile() const {

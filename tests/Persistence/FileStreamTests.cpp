@@ -1,54 +1,729 @@
 #include "Persistence/RecordFormat.h"
+#include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/pointer.h"
 #include "support/Assertions.h"
 #include "support/FaultyServices.h"
 #include "support/TemporaryFolder.h"
 
+#include <filesystem>
+#include <functional>
 #include <gmock/gmock.h>
+#include <iterator>
+#include <memory>
 
 namespace {
 
 using namespace ZoPrimitives;
 using testing::ElementsAre;
 using ZoPrimitives::Testing::FaultyServices;
+using ZoPrimitives::Testing::InstalledServices;
 using ZoPrimitives::Testing::TemporaryFolder;
+using Stream = pointer<TFileBinOutStream>;
+
+constexpr unsigned HEADER = RecordFormat::HEADER_SIZE;
+constexpr unsigned long long NOWHERE = ~0ull;
+const std::string AT_HEADER = " @ TFileBinInStream::TFileBinInStream";
+const std::string AT_RECORD = " @ TBinInStream::LoadRecord #";
+const std::string full = "full @ TFileBinOutStream::";
+
+/// What an operation throws: the kind, the text and "@ location"; empty for nothing.
+template <class Operation>
+std::string Thrown(Operation operation) {
+    const auto text = [](const char* kind, const XStream& e) {
+        return std::string(kind) + e.Message().c_str() + " @ " + e.Location().c_str();
+    };
+    try {
+        operation();
+    } catch (const XWriteStreamOutOfSpace& e) {
+        EXPECT_EQ(e.Message(), "Espaço em disco insuficiente."_ansi);
+        return std::string("full @ ") + e.Location().c_str();
+    } catch (const XWriteStream& e) {
+        return text("write: ", e);
+    } catch (const XNewerVersion&) {
+        return "newer";
+    } catch (const XReadStream& e) {
+        return text("read: ", e);
+    }
+    return "";
+}
+
+Stream Create(const std::string& path, bool backup = false) {
+    return Stream(TFileBinOutStream::Create(path.c_str(), 3, 2026, backup));
+}
+
+void Record(TBinOutStream& out, int uid, const std::string& text) {
+    out << text.c_str();
+    out.FlushRecord(uid, 7);
+}
+
+Stream Begin(const std::string& path, bool backup = false) {
+    const Stream out = Create(path, backup);
+    out->Initialize();
+    return out;
+}
+
+/// A record that leaves at once, and one that waits for `Finalize`.
+void WriteRecords(TBinOutStream& out, const std::string& text) {
+    Record(out, 1, std::string(RecordFormat::GATHER_SIZE, 'x'));
+    Record(out, 2, text);
+}
 
 void Save(const std::string& path, const std::string& text, bool backup) {
-    const pointer<TFileBinOutStream> out = TFileBinOutStream::Create(path.c_str(), 3, 2026, backup);
-    out->Initialize();
-    *out << text.c_str();
-    out->FlushRecord(1, 7);
+    const Stream out = Begin(path, backup);
+    WriteRecords(*out, text);
     out->Finalize();
+}
+
+/// The records from here on, as "uid:text uid:text".
+std::string Rest(TFileBinInStream& in) {
+    std::string all;
+    int uid = 0;
+    int classId = 0;
+    while (in.LoadRecord(&uid, &classId)) {
+        ZoString text;
+        if (in.GetRecordSize() != 0) in >> text;
+        if (text.length() >= RecordFormat::GATHER_SIZE) continue;
+        all += (all.empty() ? "" : " ") + std::to_string(uid) + ":" + text.c_str();
+    }
+    return all;
 }
 
 std::string Open(const std::string& path) {
     TFileBinInStream in(path.c_str());
     in.Initialize();
-    int uid = 0;
-    int classId = 0;
-    ZoString text;
-    if (!in.LoadRecord(&uid, &classId)) return "<none>";
-    EXPECT_EQ(uid, 1);
-    EXPECT_EQ(classId, 7);
-    in >> text;
-    return text.c_str();
+    return Rest(in);
+}
+
+std::string Cannot(const std::string& path) {
+    return std::string("read: ") + "Não foi possível ler o arquivo "_ansi + path +
+           " @ TFileBinInStream::OpenFile";
 }
 
 struct FileStreamTests : testing::Test {
     TemporaryFolder folder;
+    std::string plan = folder.Path("plan.zo");
 };
 
-TEST_F(FileStreamTests, ASecondSaveKeepsThePreviousVersion) {
-    Save(folder.Path("plan.zo"), "one", true);
+// Saving
+
+TEST_F(FileStreamTests, ASavedFileIsHeaderAndRecords) {
+    const Stream out = Begin(plan);
+    *out << 5;
+    out->FlushRecord(9, 2);
+    out->FlushRecord(10, 2); // counted, not written
+    out->Finalize();
+    const char expected[] = "\x03\0\0\0\0\0\0\0\0\0\0\0"
+                            "\x02\0\0\0" // the final count
+                            "\xEA\x07\0\0\0\0\0\0\0\0\0\0"
+                            "\xCA\xAB\xCA\xAB\x04\0\0\0\x2E\x2F\x9A\x16\x02\0\0\0\x09\0\0\0\0\0\0\0\x05\0\0";
+    EXPECT_EQ(folder.Read("plan.zo"), std::string(expected, sizeof expected));
+}
+
+TEST_F(FileStreamTests, StepsOfASave) {
+    // Of the target P, its backup B and the temporary file T.
+    const char* const REPLACED = "TemporaryFileName P, OpenFile T, SynchroniseFile T, CloseFile T, "
+                                 "CopyWholeFile T P, DeleteWholeFile T";
+    const struct {
+        const char* name;
+        bool backup;
+        bool network;
+        int savesBefore;
+        const char* steps;
+    } rows[] = {
+        {"in place", false, false, 1, "OpenFile P, CloseFile P"},
+        {"network, new", false, true, 0, REPLACED},
+        {"backup, new", true, false, 0, REPLACED},
+        {"backup, existing", true, false, 1,
+         "TemporaryFileName P, OpenFile T, SynchroniseFile T, CloseFile T, CopyWholeFile P B, "
+         "CopyWholeFile T P, DeleteWholeFile T"},
+        {"backup over a backup", true, true, 2,
+         "TemporaryFileName P, OpenFile T, SynchroniseFile T, CloseFile T, DeleteWholeFile B, "
+         "CopyWholeFile P B, CopyWholeFile T P, DeleteWholeFile T"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const TemporaryFolder own;
+        const std::string target = own.Path("P");
+        for (int i = 0; i < row.savesBefore; ++i) Save(target, "old" + std::to_string(i), true);
+        FaultyServices services;
+        services.network = row.network;
+        const Stream out = Create(target, row.backup);
+        out->Initialize();
+        EXPECT_EQ(out->GetWrittenPath() == target.c_str(), !row.backup && !row.network);
+        Record(*out, 1, "new");
+        out->Finalize();
+        EXPECT_EQ(out->GetWrittenPath(), target.c_str());
+        ZoString steps;
+        for (const std::string& call : services.Calls()) {
+            bool other = false;
+            for (const char* name : {"WriteFile", "SeekFile", "NetworkFile", "FileExists"})
+                other = other || call.rfind(name, 0) == 0;
+            if (!other) steps += ZoString(steps.IsNull() ? "" : ", ") + call.c_str();
+        }
+        EXPECT_EQ(steps.ReplaceString("<temporary>", "T", true).ReplaceString("P-bak", "B", true), row.steps);
+        const std::size_t calls = services.Calls().size();
+        out->Finalize(); // once is enough
+        EXPECT_EQ(services.Calls().size(), calls);
+
+        EXPECT_EQ(Open(target), "1:new");
+        const bool kept = row.backup && row.savesBefore != 0;
+        EXPECT_EQ(own.Names().size(), kept ? 2u : 1u);
+        if (!kept) continue;
+        EXPECT_EQ(Open(target + "-bak"), "2:old" + std::to_string(row.savesBefore - 1));
+    }
+}
+
+// Every call of a save in turn fails, having done half of its work.
+TEST_F(FileStreamTests, AWholeVersionSurvivesEveryFailure) {
+    Save(plan, "older", false);
+    Save(plan, "old", true);
+    const std::string older = folder.Read("plan.zo-bak");
+    const std::string old = folder.Read("plan.zo");
+    std::vector<std::string> calls;
+    {
+        FaultyServices services;
+        Save(plan, "new", true);
+        calls = services.Calls();
+    }
+    const std::string fresh = folder.Read("plan.zo");
+    ASSERT_GE(calls.size(), 12u);
+    std::map<std::string, int> seen;
+    for (const std::string& call : calls) {
+        const std::string operation = call.substr(0, call.find(' '));
+        const int nth = ++seen[operation];
+        SCOPED_TRACE(operation + " " + std::to_string(nth));
+        for (const std::string& name : folder.Names()) std::filesystem::remove(folder.Path(name));
+        folder.Write("plan.zo-bak", older);
+        folder.Write("plan.zo", old);
+        const auto whole = [&] {
+            for (const std::string& name : folder.Names()) {
+                const std::string bytes = folder.Read(name);
+                if (bytes == old || bytes == fresh) return true;
+            }
+            return false;
+        };
+        FaultyServices services;
+        services.onCall = [&](const std::string& next) { EXPECT_TRUE(whole()) << "before " << next; };
+        services.Fail(operation, nth, Platform::ErrorDiskFull, FaultyServices::Half);
+        const std::string thrown = Thrown([&] { Save(plan, "new", true); });
+        EXPECT_TRUE(whole());
+        EXPECT_EQ(services.OpenHandles(), 0u);
+        const bool harmless = operation == "FileExists" || call == "DeleteWholeFile <temporary>";
+        if (harmless) {
+            EXPECT_EQ(thrown, "");
+            EXPECT_EQ(folder.Read("plan.zo"), fresh);
+        } else {
+            EXPECT_EQ(thrown.substr(0, full.size()), full);
+            const bool replacing = call == "CopyWholeFile <temporary> plan.zo";
+            EXPECT_EQ(folder.Read("plan.zo") == old, !replacing);
+        }
+    }
+}
+
+struct FailedSave {
+    TemporaryFolder folder;
+    std::string target = folder.Path("plan.zo");
+    FaultyServices services;
+    std::unique_ptr<TFileBinInStream> holder;
+};
+
+/// A call that fails, having done half of its work.
+std::function<void(FailedSave&)> Faulty(const char* operation, int nth, unsigned long error) {
+    return [=](FailedSave& save) { save.services.Fail(operation, nth, error, FaultyServices::Half); };
+}
+
+TEST_F(FileStreamTests, FailuresOfASave) {
+    const auto readOnly = [](FailedSave& save) { save.folder.MakeReadOnly("plan.zo"); };
+    const auto backupReadOnly = [](FailedSave& save) {
+        save.folder.Write("plan.zo-bak", save.folder.Read("plan.zo"));
+        save.folder.MakeReadOnly("plan.zo-bak");
+    };
+    const auto held = [](FailedSave& save) {
+        save.holder = std::make_unique<TFileBinInStream>(save.target.c_str());
+        save.holder->OpenFile();
+    };
+    const auto nowhere = [](FailedSave& save) { save.target = save.folder.Path("none/plan.zo"); };
+    const std::string denied = "write: Input/output error @ TFileBinOutStream::";
+    const std::string shared = "write: Broken pipe @ TFileBinOutStream::";
+    const std::string noPath = "write: No such process @ TFileBinOutStream::";
+    // The call that fails, Initialize, Record or Finalize; and what is left of the target, the backup and the
+    // temporary file: Old, New, Half or less.
+    const struct {
+        const char* name;
+        bool backup;
+        std::function<void(FailedSave&)> arrange;
+        std::string thrown;
+        const char* where;
+        const char* left;
+    } rows[] = {
+        {"read-only target", false, readOnly, denied + "Initialize", "I", "O.."},
+        {"read-only target, backup", true, readOnly, denied + "Finalize", "F", "OON"},
+        {"held target", false, held, shared + "Initialize", "I", "O.."},
+        {"held target, backup", true, held, shared + "Finalize", "F", "OON"},
+        {"no folder", false, nowhere, noPath + "Initialize", "I", "O.."},
+        {"no folder, backup", true, nowhere, noPath + "Initialize", "I", "O.."},
+        {"no temporary", true, Faulty("TemporaryFileName", 1, 5), denied + "Initialize", "I", "O.."},
+        {"temporary not opened", true, Faulty("OpenFile", 1, 32), shared + "Initialize", "I", "O.."},
+        {"full for the header", true, Faulty("WriteFile", 1, 112), full + "WriteToFile", "I", "O.H"},
+        {"full for a record", true, Faulty("WriteFile", 2, 112), full + "WriteToFile", "R", "O.H"},
+        {"full in place", false, Faulty("WriteFile", 2, 39), full + "WriteToFile", "R", "H.."},
+        {"full for the last", true, Faulty("WriteFile", 3, 112), full + "WriteToFile", "F", "O.H"},
+        {"device fails", true, Faulty("WriteFile", 2, 5), denied + "WriteToFile", "R", "O.H"},
+        {"no way back", true, Faulty("SeekFile", 2, 5), denied + "RewriteHeader", "F", "O.H"},
+        {"not synchronised", true, Faulty("SynchroniseFile", 1, 5), denied + "Finalize", "F", "O.N"},
+        {"lost at closing", true, Faulty("CloseFile", 1, 39), full + "Finalize", "F", "O.N"},
+        {"backup not deletable", true, backupReadOnly, denied + "Finalize", "F", "OON"},
+        {"half a backup", true, Faulty("CopyWholeFile", 1, 112), full + "Finalize", "F", "OHN"},
+        {"half a target", true, Faulty("CopyWholeFile", 2, 5), denied + "Finalize", "F", "HON"},
+        {"temporary not deletable", true, Faulty("DeleteWholeFile", 1, 5), "", "", "NON"},
+    };
+    Save(plan, "new", false);
+    const std::string fresh = folder.Read("plan.zo");
+    Save(plan, "old", false);
+    const std::string old = folder.Read("plan.zo");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        FailedSave save;
+        save.folder.Write("plan.zo", old);
+        row.arrange(save);
+        const Stream out = Create(save.target, row.backup);
+        std::string where = "I";
+        EXPECT_EQ(Thrown([&] {
+                      out->Initialize();
+                      where = "R";
+                      WriteRecords(*out, "new");
+                      where = "F";
+                      out->Finalize();
+                      where = "";
+                  }),
+                  row.thrown);
+        EXPECT_EQ(where, row.where);
+        save.holder.reset();
+        EXPECT_EQ(save.services.OpenHandles(), 0u);
+        // From then on nothing is taken, and nothing is put in the target's place.
+        EXPECT_EQ(Thrown([&] { WriteRecords(*out, "more"); }),
+                  "write: No such device or address @ TFileBinOutStream::WriteToFile");
+        EXPECT_EQ(Thrown([&] { out->Finalize(); }), "");
+        std::string left = "...";
+        for (const std::string& name : save.folder.Names()) {
+            const std::string bytes = save.folder.Read(name);
+            const std::size_t place = name == "plan.zo" ? 0 : name == "plan.zo-bak" ? 1 : 2;
+            left[place] = bytes == old ? 'O' : bytes == fresh ? 'N' : 'H';
+            const bool named = out->GetWrittenPath() == save.folder.Path(name).c_str();
+            EXPECT_TRUE(named || place != 2 || row.thrown.empty());
+        }
+        EXPECT_EQ(left, row.left);
+    }
+}
+
+TEST_F(FileStreamTests, AFullDevice) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "none here";
+    EXPECT_EQ(Thrown([&] { Begin("/dev/full"); }), full + "WriteToFile");
+}
+
+TEST_F(FileStreamTests, WholeRecordsLeaveInBlocks) {
+    struct : Platform::Services {
+        bool WriteFile(Platform::FileHandle file, const void* data, std::size_t size) override {
+            blocks.emplace_back(static_cast<const char*>(data), size);
+            return Services::WriteFile(file, data, size);
+        }
+        std::vector<std::string> blocks;
+    } services;
+    const InstalledServices installed(services);
+    const Stream out = Begin(plan);
+    for (unsigned uid = 1; uid <= 3000; ++uid) {
+        out->SetUsesSecurity(uid % 2 != 0);
+        Record(*out, static_cast<int>(uid), std::string(uid % 700, 'x'));
+    }
+    Record(*out, 3001, std::string(DEFAULT_BUFFER_SIZE - 4, 'y'));
+    Record(*out, 3002, "last");
+    out->Finalize();
+    ASSERT_EQ(services.blocks.size(), 8u); // the header's two among them
+    int records = 0;
+    for (std::size_t i = 1; i < 7; ++i) {
+        const std::string& block = services.blocks[i];
+        EXPECT_EQ(block.size() >= RecordFormat::GATHER_SIZE, i < 6);
+        std::size_t at = 0;
+        for (; at < block.size(); ++records)
+            at += RecordFormat::HEAD_SIZE +
+                  RecordFormat::ReadHead(reinterpret_cast<const unsigned char*>(block.data() + at)).size;
+        EXPECT_EQ(at, block.size());
+    }
+    EXPECT_EQ(records, 3002);
+    const std::string all = Open(plan);
+    EXPECT_EQ(all.substr(0, 13), "1:x 2:xx 3:xx");
+    EXPECT_EQ(all.substr(all.size() - 9), "3002:last");
+}
+
+TEST_F(FileStreamTests, SomeCallsWriteFirst) {
+    const std::pair<const char*, std::function<void(TFileBinOutStream&)>> rows[] = {
+        {"GetPosition", [](auto& out) { EXPECT_EQ(out.GetPosition(), 62u); }},
+        {"GetFile", [](auto& out) { EXPECT_NE(out.GetFile(), nullptr); }},
+        {"FlushBuffer", [](auto& out) { out.FlushBuffer(); }},
+        {"Reset", [](auto& out) { out.Reset(); }},
+        {"RewriteHeader", [](auto& out) { out.RewriteHeader(); }},
+        {"FreeResourses", [](auto& out) { out.FreeResourses(); }},
+        {"Finalize", [](auto& out) { out.Finalize(); }},
+    };
+    for (const auto& [name, operation] : rows) {
+        SCOPED_TRACE(name);
+        const Stream out = Begin(plan);
+        Record(*out, 1, "gather");
+        EXPECT_EQ(std::filesystem::file_size(plan), 28u);
+        operation(*out);
+        EXPECT_EQ(std::filesystem::file_size(plan), 62u);
+    }
+}
+
+TEST_F(FileStreamTests, TheHeader) {
+    // Put there by the caller, with an extra block.
+    Stream out = Create(plan);
+    *out << 3u << 0u << 0u << 0u << 2026u << 0u << 5u;
+    out->Append("extra", 5);
+    out->Initialize();
+    Record(*out, 1, "text");
+    out->Finalize();
+    EXPECT_EQ(folder.Read("plan.zo").substr(24, 9), std::string("\5\0\0\0extra", 9));
+    EXPECT_EQ(Open(plan), "1:text");
+
+    // Rewritten in the middle of a record.
+    out = Begin(plan);
+    Record(*out, 1, "text");
+    *out << "open";
+    out->RewriteHeader();
+    EXPECT_EQ(folder.Read("plan.zo")[12], 1);
+    out->FlushRecord(2, 7);
+    out->Finalize();
+    EXPECT_EQ(folder.Read("plan.zo")[12], 2);
+    EXPECT_EQ(Open(plan), "1:text 2:open");
+
+    // By hand.
+    out = Begin(plan);
+    Record(*out, 1, "text");
+    out->Reset();
+    *out << 9'999u;
+    out->FlushBuffer();
+    out->FreeResourses();
+    EXPECT_EQ(folder.Read("plan.zo").substr(0, 5), std::string("\x0F\x27\0\0\0", 5));
+    EXPECT_EQ(Open(plan), "1:text");
+}
+
+TEST_F(FileStreamTests, WithoutFinalizeTheTargetStays) {
+    Save(plan, "old", false);
+    const std::string old = Open(plan);
+    for (const bool fails : {false, true}) {
+        FaultyServices services;
+        if (fails) services.Fail("WriteFile", 2, Platform::ErrorDiskFull);
+        Stream out = Begin(plan, true);
+        const std::string temporary = out->GetWrittenPath().c_str();
+        Record(*out, 1, "unfinished");
+        out->FreeResourses();
+        out->Finalize();
+        out = nullptr;
+        EXPECT_EQ(Open(plan), old);
+        EXPECT_EQ(Open(temporary), fails ? "" : "1:unfinished");
+    }
+}
+
+// Also files above 4 GiB: the place in this one is 5 GiB.
+TEST_F(FileStreamTests, ACallersFileStaysTheCallers) {
+    constexpr unsigned long long PLACE = 5ull << 30;
+    FaultyServices services;
+    unsigned long long place = 0;
+    const Platform::FileHandle file = Platform::Current().OpenFile(
+        plan.c_str(), Platform::Access::ReadWrite, Platform::Share::Read, Platform::Creation::CreateAlways);
+    Platform::Current().SeekFile(file, PLACE, Platform::Origin::Begin, place);
+    {
+        const Stream out = Create("unused", true);
+        out->SetFile(file);
+        out->Initialize();
+        Record(*out, 1, "far");
+        EXPECT_EQ(out->GetPosition(), PLACE + HEADER + 31);
+        Record(*out, 2, "away");
+        out->Finalize();
+        EXPECT_EQ(out->GetFile(), file);
+    }
+    {
+        services.Fail("FileSize", 0, Platform::ErrorInvalidFunction); // nobody wants 5 GiB in memory
+        TFileBinInStream in(file, false);
+        in.OpenFile();
+        EXPECT_EQ(in.Seek(PLACE + 12, 0), PLACE + 12);
+        unsigned count = 0;
+        unsigned done = 0;
+        EXPECT_TRUE(in.Read(&count, 4, done));
+        EXPECT_EQ(count, 2u);
+        EXPECT_EQ(in.Seek(12u, 1), PLACE + HEADER);
+        EXPECT_EQ(Rest(in), "1:far 2:away");
+        EXPECT_EQ(in.Seek(-32, 2), PLACE + HEADER + 31);
+        EXPECT_EQ(Rest(in), "2:away");
+    }
+    EXPECT_EQ(services.Count("CloseFile"), 0);
     EXPECT_THAT(folder.Names(), ElementsAre("plan.zo"));
-    Save(folder.Path("plan.zo"), "two", true);
-    Save(folder.Path("plan.zo"), "three", true);
-    EXPECT_EQ(Open(folder.Path("plan.zo")), "three");
-    EXPECT_EQ(Open(folder.Path("plan.zo-bak")), "two");
-    EXPECT_THAT(folder.Names(), ElementsAre("plan.zo", "plan.zo-bak"));
+    Platform::Current().CloseFile(file);
+}
+
+// Opening
+
+/// Services whose file sizes can be made up.
+struct Device : FaultyServices {
+    bool FileSize(Platform::FileHandle file, unsigned long long& size) override {
+        const bool sized = FaultyServices::FileSize(file, size);
+        if (claimed) size = *claimed;
+        return sized;
+    }
+    std::optional<unsigned long long> claimed;
+};
+
+/// How a reader comes by its bytes.
+struct Source {
+    const char* name;
+    std::function<void(Device&)> arrange;
+};
+const Source Sources[] = {
+    {"memory", [](Device&) {}},
+    {"no size", [](Device& d) { d.Fail("FileSize", 0, Platform::ErrorInvalidFunction); }},
+    {"loading fails", [](Device& d) { d.Fail("ReadFile", 1, Platform::ErrorDevice, FaultyServices::Half); }},
+    {"less than its size", [](Device& d) { d.claimed = 100'000; }},
+    {"absurd size", [](Device& d) { d.claimed = ~0ull; }},
+#ifndef __SANITIZE_ADDRESS__ // which ends the process instead
+    {"no memory", [](Device& d) { d.claimed = 1ull << 62; }},
+#endif
+};
+
+TEST_F(FileStreamTests, EverySourceReadsTheSame) {
+    const Stream out = Begin(plan);
+    out->SetUsesSecurity(true);
+    for (int uid = 1; uid < 6; ++uid) Record(*out, uid, std::string(static_cast<unsigned>(uid), 'r'));
+    out->Finalize();
+    // A record without payload, which nobody here writes.
+    const std::string bytes =
+        folder.Read("plan.zo") + "\xCA\xAB\xCA\xAB" + std::string(12, '\0') + '\6' + std::string(7, '\0');
+    folder.Write("plan.zo", bytes);
+    const std::string all = "1:r 2:rr 3:rrr 4:rrrr 5:rrrrr 6:";
+    for (const Source& source : Sources) {
+        SCOPED_TRACE(source.name);
+        Device device;
+        source.arrange(device);
+        TFileBinInStream in(plan.c_str(), 3u);
+        in.Initialize();
+        EXPECT_EQ(in.GetRelease(), 2026u);
+        EXPECT_EQ(Rest(in), all);
+        in.InitializeKeepingLocked();
+        EXPECT_EQ(Rest(in), all);
+
+        unsigned long long size = 1;
+        const unsigned char* whole = in.ReadFileBuffer(size);
+        const bool loaded =
+            source.name == std::string("memory") || source.name == std::string("loading fails");
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(whole), whole == nullptr ? 0 : size),
+                  loaded ? bytes : "");
+
+        const struct {
+            long long offset;
+            int origin;
+            unsigned long long reached; // NOWHERE: refused
+            int byte;                   // -1: none
+        } seeks[] = {
+            {16, 0, 16, 0xEA},   {0, 1, 17, 0x07},     {-2, 1, 16, 0xEA},      {-8, 2, 199, 0x06},
+            {207, 0, 207, -1},   {-1, 0, NOWHERE, -1}, {-300, 1, NOWHERE, -1}, {-208, 2, NOWHERE, -1},
+            {0, 3, NOWHERE, -1}, {0, -1, NOWHERE, -1},
+        };
+        ASSERT_EQ(bytes.size(), 207u);
+        for (const auto& seek : seeks) {
+            SCOPED_TRACE(std::to_string(seek.offset) + " from " + std::to_string(seek.origin));
+            unsigned long long reached = NOWHERE;
+            const std::string thrown = Thrown([&] { reached = in.Seek(seek.offset, seek.origin); });
+            EXPECT_EQ(reached, seek.reached);
+            EXPECT_EQ(thrown, seek.reached == NOWHERE ? "read: Invalid seek @ TFileBinInStream::Seek" : "");
+            unsigned char byte = 0;
+            unsigned done = 0;
+            if (thrown.empty()) {
+                EXPECT_EQ(in.Read(&byte, 1, done), seek.byte >= 0);
+                EXPECT_EQ(done == 1 ? byte : -1, seek.byte);
+            }
+        }
+        in.Seek(1'000'000u, 0);
+        EXPECT_EQ(Rest(in), "");
+    }
+}
+
+// Cut at every byte: what is whole is read, and the end is clean between records only.
+TEST_F(FileStreamTests, TruncatedFiles) {
+    const Stream out = Begin(plan);
+    for (int uid = 1; uid < 4; ++uid) Record(*out, uid, "text");
+    out->Finalize();
+    const std::string bytes = folder.Read("plan.zo");
+    constexpr std::size_t RECORD = 32;
+    ASSERT_EQ(bytes.size(), HEADER + 3 * RECORD);
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        folder.Write("plan.zo", bytes.substr(0, size));
+        const std::size_t part = size < HEADER ? 0 : (size - HEADER) % RECORD;
+        const char point = "----11112222333344445555333333333"[part];
+        const std::string expected = size < HEADER  ? "read: No error" + AT_HEADER
+                                     : point == '-' ? ""
+                                                    : "read: No error" + AT_RECORD + point;
+        for (const Source& source : {Sources[0], Sources[1]}) {
+            SCOPED_TRACE(std::to_string(size) + " bytes, " + source.name);
+            Device device;
+            source.arrange(device);
+            TFileBinInStream in(plan.c_str());
+            std::size_t records = 0;
+            EXPECT_EQ(Thrown([&] {
+                          in.Initialize();
+                          int uid = 0;
+                          int classId = 0;
+                          while (in.LoadRecord(&uid, &classId)) ++records;
+                      }),
+                      expected);
+            EXPECT_EQ(records, size < HEADER ? 0 : (size - HEADER) / RECORD);
+        }
+    }
+}
+
+TEST_F(FileStreamTests, FailuresOfOpening) {
+    const std::string invalid =
+        std::string("read: ") + "Header de arquivo inválido"_ansi + " @ TBinInStream::LoadHeader";
+    const auto bytes = [](std::initializer_list<unsigned> fields) {
+        return std::string(reinterpret_cast<const char*>(std::data(fields)), fields.size() * 4);
+    };
+    const std::string good = bytes({3, 0, 0, 0, 2026, 0, 0});
+    const struct {
+        const char* name;
+        std::string content;
+        std::function<void(Device&)> arrange;
+        std::string thrown;
+    } rows[] = {
+        {"good", good, {}, ""},
+        {"no such file", good, [&](Device&) { std::filesystem::remove(plan); }, Cannot(plan)},
+        {"refused", good, [](Device& d) { d.Fail("OpenFile", 1, 5); }, Cannot(plan)},
+        {"empty", "", {}, "read: No error" + AT_HEADER},
+        {"device fails", good, [](Device& d) { d.Fail("ReadFile", 0, 1117); },
+         "read: Input/output error" + AT_HEADER},
+        {"device fails in the extra block", bytes({3, 0, 0, 0, 2026, 0, 8, 0, 0}),
+         [](Device& d) {
+             d.Fail("FileSize", 1, 1);
+             d.Fail("ReadFile", 2, 1117, FaultyServices::Half);
+         },
+         "read: Input/output error" + AT_HEADER},
+        {"last version number", bytes({9'999, 0, 0, 0, 0, 0, 0}), {}, "newer"},
+        {"version out of range", bytes({10'000, 0, 0, 0, 0, 0, 0}), {}, invalid},
+        {"release out of range", bytes({3, 0, 0, 0, 1'000'000, 0, 0}), {}, invalid},
+        {"extra block out of range", bytes({3, 0, 0, 0, 0, 0, 65'536}), {}, invalid},
+        {"newer", bytes({4, 0, 0, 0, 0, 0, 0}), {}, "newer"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        folder.Write("plan.zo", row.content);
+        Device device;
+        if (row.arrange) row.arrange(device);
+        TFileBinInStream in(plan.c_str(), 3u);
+        EXPECT_EQ(Thrown([&] { in.Initialize(); }), row.thrown);
+        EXPECT_EQ(in.GetFile() == nullptr, !row.thrown.empty());
+        EXPECT_EQ(device.OpenHandles(), row.thrown.empty() ? 1u : 0u);
+        // A closed stream has no records, and says so.
+        int uid = 0;
+        int classId = 0;
+        EXPECT_EQ(Thrown([&] { EXPECT_FALSE(in.LoadRecord(&uid, &classId)); }),
+                  row.thrown.empty() ? "" : "read: Input/output error" + AT_RECORD + "1");
+    }
+}
+
+TEST_F(FileStreamTests, ADeviceThatFailsIsNotTheEnd) {
+    Save(plan, "text", false);
+    // Reads after the header's: marker, size, crc, class, uid, key, payload.
+    const char points[] = "1123453";
+    for (int read = 0; read < 7; ++read) {
+        for (const auto effect : {FaultyServices::Nothing, FaultyServices::Half}) {
+            SCOPED_TRACE(read);
+            Device device;
+            device.Fail("FileSize", 1, Platform::ErrorInvalidFunction);
+            device.Fail("ReadFile", 2 + read, Platform::ErrorDevice, effect);
+            TFileBinInStream in(plan.c_str());
+            in.Initialize();
+            EXPECT_EQ(Thrown([&] { Rest(in); }), "read: Input/output error" + AT_RECORD + points[read]);
+        }
+    }
+}
+
+TEST_F(FileStreamTests, WhoMayOpenWhat) {
+    Save(plan, "text", false);
+    for (const bool readOnly : {false, true}) {
+        SCOPED_TRACE(readOnly);
+        if (readOnly) folder.MakeReadOnly("plan.zo");
+        TFileBinInStream in(plan.c_str());
+        in.Initialize();
+        EXPECT_EQ(Thrown([&] { Open(plan); }), readOnly ? "" : Cannot(plan));
+        EXPECT_EQ(Thrown([&] { Create(plan)->Initialize(); }),
+                  std::string("write: ") + (readOnly ? "Input/output error" : "Broken pipe") +
+                      " @ TFileBinOutStream::Initialize");
+        EXPECT_EQ(Rest(in), "2:text");
+    }
+    const std::string other = folder.Path("other.zo");
+    const Stream out = Begin(other);
+    EXPECT_EQ(Thrown([&] { Open(other); }), Cannot(other));
+    // A writer that was refused may try again.
+    const Stream second = Create(other);
+    EXPECT_NE(Thrown([&] { second->Initialize(); }), "");
+    out->Finalize();
+    second->Initialize();
+    EXPECT_EQ(AssertionOf([&] { second->Initialize(); }).expression,
+              "state == State::New && \"[zoerror] a stream writes one file\"");
+}
+
+// An application may keep its model's file locked from opening on, over its own saves.
+TEST_F(FileStreamTests, AFileKeptLockedIsReadAnew) {
+    Save(plan, "old", false);
+    TFileBinInStream in(plan.c_str());
+    in.Initialize();
+    EXPECT_EQ(Rest(in), "2:old");
+    unsigned long long place = 0;
+    Platform::Current().SeekFile(in.GetFile(), 0, Platform::Origin::Begin, place);
+    const Stream out = Create("unused");
+    out->SetFile(in.GetFile());
+    out->Initialize();
+    WriteRecords(*out, "new, longer");
+    out->Finalize();
+    in.InitializeKeepingLocked();
+    EXPECT_EQ(Rest(in), "2:new, longer");
+    EXPECT_NE(Thrown([&] { Create(plan)->Initialize(); }), "");
+
+    // The record at hand went with the old bytes; the file stays.
+    in.InitializeKeepingLocked();
+    int uid = 0;
+    int classId = 0;
+    ASSERT_TRUE(in.LoadRecord(&uid, &classId));
+    std::filesystem::resize_file(plan, 0);
+    EXPECT_EQ(Thrown([&] { in.InitializeKeepingLocked(); }),
+              "read: No error @ TFileBinInStream::TFileBinInStream");
+    EXPECT_EQ(in.GetRecordSize(), 0u);
+    int value = 1;
+    in >> value;
+    EXPECT_EQ(value, 0);
+    EXPECT_NE(in.GetFile(), nullptr);
+}
+
+TEST_F(FileStreamTests, AStreamOverAnOpenFile) {
+    Save(plan, "text", false);
+    for (const bool owns : {false, true}) {
+        FaultyServices services;
+        const Platform::FileHandle file = Platform::Current().OpenFile(
+            plan.c_str(), Platform::Access::Read, Platform::Share::Read, Platform::Creation::OpenExisting);
+        {
+            TFileBinInStream in(file, owns, 2);
+            EXPECT_EQ(Thrown([&] { in.Initialize(); }), "newer");
+            EXPECT_EQ(services.OpenHandles(), owns ? 0u : 1u);
+        }
+        if (owns) continue;
+        TFileBinInStream in(file, owns);
+        in.Initialize();
+        EXPECT_EQ(Rest(in), "2:text");
+        EXPECT_EQ(in.GetFile(), file);
+        Platform::Current().CloseFile(file);
+    }
 }
 
 } // namespace

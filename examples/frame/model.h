@@ -1,0 +1,165 @@
+#pragma once
+
+// The building frame: what it consists of, and how it describes itself to the library so that it can be
+// saved.
+//
+// Lengths are in cm, areas in cm2, second moments of area in cm4, loads along a member in kN/m, densities in
+// kg/m3. X runs to the right and Y upward from the ground. Texts are Windows-1252.
+
+#include "ZoPrimitives/ZoRegister.h"
+
+namespace Frame {
+
+using ZoPrimitives::ZoBlob;
+using ZoPrimitives::ZoString;
+
+class Building;
+
+/// Whatever has a name.
+class Entity : public ZoPrimitives::ZoStreamableBase {
+    REGISTER_ZO_BEGIN(Entity)
+    DECLARE_ZO_FIELD(ZoString, name)
+    REGISTER_ZO_END
+
+    /// What the thing is, in a word.
+    virtual const char* Kind() const = 0;
+};
+
+/// A maker's table of sections. It belongs to no building: buildings refer to it.
+class Catalogue : public Entity {
+    REGISTER_ZO_BEGIN(Catalogue, Entity)
+    DECLARE_ZO_FIELD(unsigned, edition)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "catalogue"; }
+};
+
+class Material : public Entity {
+    REGISTER_ZO_BEGIN(Material, Entity)
+    DECLARE_ZO_FIELD(double, density)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "material"; }
+};
+
+/// A rolled profile of one material.
+class Section : public Entity {
+    REGISTER_ZO_BEGIN(Section, Entity)
+    DECLARE_ZO_FIELD(double, depth)
+    DECLARE_ZO_FIELD(double, area)
+    DECLARE_ZO_FIELD(double, inertia)
+    DECLARE_ZO_FIELD_REFERENCE(Material, material)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Catalogue, catalogue)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "section"; }
+    /// In kg for each metre.
+    double MassPerMetre() const;
+};
+
+/// How a section is shown; its name says what the section is used for.
+class LegendEntry : public Entity {
+    REGISTER_ZO_BEGIN(LegendEntry, Entity)
+    DECLARE_ZO_FIELD(int, grey)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "legend entry"; }
+};
+
+/// Where the building stands.
+class Site : public Entity {
+    REGISTER_ZO_BEGIN(Site, Entity)
+    DECLARE_ZO_FIELD(bool, seismic)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "site"; }
+};
+
+class Node : public Entity {
+    REGISTER_ZO_BEGIN(Node, Entity)
+    DECLARE_ZO_FIELD(double, x)
+    DECLARE_ZO_FIELD(double, y)
+    DECLARE_ZO_FIELD(bool, support)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "node"; }
+};
+
+/// A straight bar between two nodes. Nodes and section belong to the building.
+class Member : public Entity {
+    REGISTER_ZO_BEGIN(Member, Entity)
+    DECLARE_ZO_FIELD_REFERENCE(Section, section)
+    DECLARE_ZO_FIELD_REFERENCE(Node, start)
+    DECLARE_ZO_FIELD_REFERENCE(Node, end)
+    REGISTER_ZO_END
+
+    double Length() const;
+    /// In kg.
+    double Mass() const;
+};
+
+class Column : public Member {
+    REGISTER_ZO_BEGIN(Column, Member)
+    DECLARE_ZO_FIELD(bool, exterior)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "column"; }
+};
+
+class Girder : public Member {
+    REGISTER_ZO_BEGIN(Girder, Member)
+    DECLARE_ZO_FIELD_LIST(double, loads)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "girder"; }
+    /// All its loads together, in kN.
+    double TotalLoad() const;
+};
+
+/// The columns of a storey and the girders above them.
+class Storey : public Entity {
+    REGISTER_ZO_BEGIN(Storey, Entity)
+    DECLARE_ZO_FIELD(ZoString, mark)
+    DECLARE_ZO_FIELD(double, level)
+    DECLARE_ZO_FIELD(double, height)
+    DECLARE_ZO_FIELD(bool, underground)
+    DECLARE_ZO_FIELD_CHILD_LIST(Member, members)
+    DECLARE_ZO_FIELD_REFERENCE(Building, building)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(Node, floor)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "storey"; }
+};
+
+/// The root: owns everything but the catalogue. Storeys are listed from the lowest upward.
+class Building : public Entity {
+    REGISTER_ZO_BEGIN(Building, Entity)
+    DECLARE_ZO_FIELD(ZoBlob, thumbnail)
+    DECLARE_ZO_FIELD_LIST(ZoString, lines)
+    DECLARE_ZO_FIELD_CHILD_VALUE(Site, site)
+    DECLARE_ZO_FIELD_CHILD_LIST(Material, materials)
+    DECLARE_ZO_FIELD_CHILD_LIST(Section, sections)
+    DECLARE_ZO_FIELD_CHILD_LIST(Node, nodes)
+    DECLARE_ZO_FIELD_CHILD_LIST(Storey, storeys)
+    DECLARE_ZO_FIELD_CHILD_MAP(Section, LegendEntry, legend)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Catalogue, catalogue)
+    REGISTER_ZO_END
+
+    const char* Kind() const override { return "building"; }
+    /// What the building lacks to be complete, such as "column A3 has no section"; empty when it lacks
+    /// nothing.
+    ZoString FindFault() const;
+    /// Draws the elevation, each member in its section's grey, as a PGM image.
+    void DrawThumbnail();
+};
+
+/// A building with all that it refers to, whoever owns it there.
+struct Model {
+    ZoPrimitives::TIVector<ZoPrimitives::ZoStreamableBase> objects; ///< keeps them alive
+    Building* building = nullptr;
+};
+
+/// The classes of this application, as the library knows them.
+ZoPrimitives::TZoMetaData& Schema();
+
+} // namespace Frame

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "model.h"
+
+#include <ostream>
+
+namespace Frame {
+
+/// Prints, in UTF-8, what a building consists of: its storeys from the top downward, its sections, its steel.
+/// The building must be without fault.
+void Print(const Building& building, std::ostream& out);
+
+/// In kg.
+double TotalSteel(const Building& building);
+
+} // namespace Frame

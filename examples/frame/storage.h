@@ -1,0 +1,16 @@
+#pragma once
+
+#include "model.h"
+
+#include <string>
+
+namespace Frame {
+
+/// Saves a building, over the file of that name if there is one; its previous version becomes the "-bak"
+/// file. Throws `Failure`.
+void Save(const Model& model, const std::string& path);
+
+/// Opens a file that `Save` made. Throws `Failure` for one that is not whole.
+Model Open(const std::string& path);
+
+} // namespace Frame

@@ -1,0 +1,322 @@
+#include "tables.h"
+
+#include "failure.h"
+
+#include "ZoPrimitives/ZoUtf8.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+namespace Frame {
+
+namespace {
+
+using ZoPrimitives::ZoFromUtf8;
+
+constexpr double CM_PER_INCH = 2.54;
+constexpr double CM2_PER_IN2 = CM_PER_INCH * CM_PER_INCH;
+constexpr double CM4_PER_IN4 = CM2_PER_IN2 * CM2_PER_IN2;
+
+// The tables say nothing of these: what an office building of this kind is usually given.
+constexpr double STEEL_DENSITY = 7850;
+constexpr double DEAD_LOAD = 4.6; // kN/m2
+constexpr double LIVE_LOAD = 2.4;
+constexpr double ROOF_LIVE_LOAD = 1.0;
+constexpr double TRIBUTARY_WIDTH = 4.572; // m: half a bay
+constexpr double GRAVITY = 9.80665;
+
+/// A comma-separated table with a line of headings and no quotes.
+class Table {
+public:
+    struct Row {
+        int line;
+        std::vector<std::string> fields;
+    };
+
+    Table(const std::string& folder, const char* fileName, const std::vector<std::string>& headings)
+        : name(fileName) {
+        std::ifstream file(std::filesystem::path(folder) / fileName, std::ios::binary);
+        std::string text;
+        int line = 0;
+        while (std::getline(file, text)) {
+            ++line;
+            if (!text.empty() && text.back() == '\r') text.pop_back();
+            if (text.empty()) continue;
+            Row row{line, Split(text)};
+            if (row.fields.size() != headings.size()) {
+                Fail(row, std::to_string(headings.size()) + " fields are expected, " +
+                              std::to_string(row.fields.size()) + " are there");
+            }
+            if (hasHeadings) {
+                rows.push_back(row);
+            } else if (row.fields != headings) {
+                Fail(row, "the headings must be \"" + Join(headings) + "\"");
+            }
+            hasHeadings = true;
+        }
+        if (line == 0) {
+            throw Failure("The table " + name + " cannot be read: look whether it is in the folder \"" +
+                          folder + "\".");
+        }
+        if (rows.empty()) throw Failure("The table " + name + " holds nothing below its headings.");
+    }
+
+    const std::vector<Row>& Rows() const { return rows; }
+
+    [[noreturn]] void Fail(const Row& row, const std::string& what) const {
+        throw Failure(name + ", line " + std::to_string(row.line) + ": " + what + ".");
+    }
+
+    /// A number above zero, with a point for decimals; fields count from 0.
+    double Number(const Row& row, std::size_t field) const {
+        const std::string& text = row.fields[field];
+        double value = 0;
+        const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error != std::errc() || rest != text.data() + text.size() || !std::isfinite(value) ||
+            value <= 0) {
+            Fail(row, "\"" + text + "\" is not a number above zero");
+        }
+        return value;
+    }
+
+    /// In cm; the unit is in the field that follows.
+    double Length(const Row& row, std::size_t field) const {
+        const std::string& unit = row.fields[field + 1];
+        const double value = Number(row, field);
+        if (unit == "ft") return value * 12 * CM_PER_INCH;
+        if (unit == "in") return value * CM_PER_INCH;
+        if (unit == "m") return value * 100;
+        if (unit == "cm") return value;
+        Fail(row, "\"" + unit + "\" is no unit of length known here: use ft, in, m or cm");
+    }
+
+private:
+    static std::vector<std::string> Split(const std::string& text) {
+        std::vector<std::string> fields(1);
+        for (char c : text) {
+            if (c == ',') {
+                fields.emplace_back();
+            } else {
+                fields.back() += c;
+            }
+        }
+        return fields;
+    }
+    static std::string Join(const std::vector<std::string>& fields) {
+        std::string text;
+        for (const std::string& field : fields) text += (text.empty() ? "" : ",") + field;
+        return text;
+    }
+
+    std::string name;
+    std::vector<Row> rows;
+    bool hasHeadings = false;
+};
+
+/// Puts a building together, from its parts to the whole.
+class Builder {
+public:
+    explicit Builder(const std::string& tableFolder) : folder(tableFolder) {
+        model.building = Made(new Building);
+        building().name = ZoFromUtf8("Pórtico de aço de nove andares");
+        building().site.name = "Los Angeles";
+        building().site.seismic = true;
+        auto* catalogue = Made(new Catalogue);
+        catalogue->name = ZoFromUtf8("Perfis W – série norte-americana");
+        catalogue->edition = 14;
+        building().catalogue = catalogue;
+    }
+
+    Model Build() {
+        ReadSections();
+        ReadBays();
+        ReadStoreys();
+        FillLegend();
+        building().DrawThumbnail();
+        return std::move(model);
+    }
+
+private:
+    Building& building() { return *model.building; }
+
+    template <class T>
+    T* Made(T* object) {
+        model.objects.Add(object);
+        return object;
+    }
+
+    void ReadSections() {
+        auto* steel = new Material;
+        building().materials.Add(steel);
+        steel->name = ZoFromUtf8("Aço estrutural");
+        steel->density = STEEL_DENSITY;
+
+        const Table table(folder, "frame9-sections.csv", {"name", "depth_in", "area_in2", "inertia_in4"});
+        for (const auto& row : table.Rows()) {
+            const ZoString name = ZoFromUtf8(row.fields[0].c_str());
+            if (FindSection(name) != nullptr) table.Fail(row, row.fields[0] + " is there already");
+            auto* section = new Section;
+            building().sections.Add(section);
+            section->name = name;
+            section->depth = table.Number(row, 1) * CM_PER_INCH;
+            section->area = table.Number(row, 2) * CM2_PER_IN2;
+            section->inertia = table.Number(row, 3) * CM4_PER_IN4;
+            section->material = steel;
+            section->catalogue = building().catalogue;
+        }
+    }
+
+    /// Each bay goes on where the one before ends: "A-B", "B-C".
+    void ReadBays() {
+        const Table table(folder, "frame9-bays.csv", {"bay", "width", "width_unit"});
+        for (const auto& row : table.Rows()) {
+            const std::string& bay = row.fields[0];
+            const std::size_t dash = bay.find('-');
+            if (dash == std::string::npos || dash == 0 || dash + 1 == bay.size()) {
+                table.Fail(row, "\"" + bay + "\" does not name two column lines, as \"A-B\" does");
+            }
+            const ZoString from = ZoFromUtf8(bay.substr(0, dash).c_str());
+            if (places.empty()) {
+                building().lines.Add(from);
+                places.push_back(0);
+            } else if (building().lines.Last() != from) {
+                table.Fail(row, "bay " + bay + " does not begin where the one before ends");
+            }
+            building().lines.Add(ZoFromUtf8(bay.substr(dash + 1).c_str()));
+            places.push_back(places.back() + table.Length(row, 1));
+        }
+    }
+
+    /// From the lowest upward. Marks of basements begin with B; the ground is above them.
+    void ReadStoreys() {
+        const Table table(
+            folder, "frame9-storeys.csv",
+            {"storey", "height", "height_unit", "girder", "exterior_column", "interior_column"});
+        const auto isBasement = [](const Table::Row& row) { return row.fields[0].rfind('B', 0) == 0; };
+        double level = 0;
+        for (const auto& row : table.Rows()) {
+            if (isBasement(row)) level -= table.Length(row, 1);
+        }
+        bool wasUnderground = level < 0;
+        std::vector<Node*> below = AddNodes("base", level);
+        for (Node* node : below) node->support = true;
+
+        for (const auto& row : table.Rows()) {
+            if (isBasement(row) && !wasUnderground) table.Fail(row, "a basement cannot lie above the ground");
+            auto* storey = new Storey;
+            building().storeys.Add(storey);
+            storey->building = model.building;
+            storey->mark = ZoFromUtf8(row.fields[0].c_str());
+            storey->underground = isBasement(row);
+            storey->name = NameOf(*storey, wasUnderground);
+            wasUnderground = storey->underground;
+            storey->level = level;
+            storey->height = table.Length(row, 1);
+            level += storey->height;
+
+            const std::vector<Node*> above = AddNodes(storey->mark, level);
+            const bool isRoof = &row == &table.Rows().back();
+            AddColumns(*storey, below, above, SectionOf(table, row, 4), SectionOf(table, row, 5));
+            AddGirders(*storey, above, SectionOf(table, row, 3), isRoof ? ROOF_LIVE_LOAD : LIVE_LOAD);
+            for (Node* node : below) storey->floor.Add(node);
+            below = above;
+        }
+    }
+
+    static ZoString NameOf(const Storey& storey, bool aboveBasement) {
+        if (storey.underground) return "Subsolo";
+        if (aboveBasement) return ZoFromUtf8("Térreo");
+        return storey.mark + ZoFromUtf8("º andar");
+    }
+
+    std::vector<Node*> AddNodes(const ZoString& mark, double level) {
+        std::vector<Node*> row;
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            auto* node = new Node;
+            building().nodes.Add(node);
+            node->name = building().lines[i + 1] + "/" + mark;
+            node->x = places[i];
+            node->y = level;
+            row.push_back(node);
+        }
+        return row;
+    }
+
+    void AddColumns(Storey& storey, const std::vector<Node*>& below, const std::vector<Node*>& above,
+                    Section* exterior, Section* interior) {
+        for (std::size_t i = 0; i < above.size(); ++i) {
+            auto* column = new Column;
+            storey.members.Add(column);
+            column->exterior = i == 0 || i + 1 == above.size();
+            Place(*column, building().lines[i + 1] + storey.mark, column->exterior ? exterior : interior,
+                  below[i], above[i]);
+        }
+    }
+
+    void AddGirders(Storey& storey, const std::vector<Node*>& above, Section* section, double liveLoad) {
+        for (std::size_t i = 0; i + 1 < above.size(); ++i) {
+            auto* girder = new Girder;
+            storey.members.Add(girder);
+            Place(*girder, building().lines[i + 1] + building().lines[i + 2] + storey.mark, section, above[i],
+                  above[i + 1]);
+            girder->loads.Add(section->MassPerMetre() * GRAVITY / 1000);
+            girder->loads.Add(DEAD_LOAD * TRIBUTARY_WIDTH);
+            girder->loads.Add(liveLoad * TRIBUTARY_WIDTH);
+        }
+    }
+
+    static void Place(Member& member, const ZoString& name, Section* section, Node* start, Node* end) {
+        member.name = name;
+        member.section = section;
+        member.start = start;
+        member.end = end;
+    }
+
+    /// Every section in use gets an entry, the darker the larger.
+    void FillLegend() {
+        double largest = 0;
+        for (const auto& section : building().sections) largest = std::max(largest, section->area);
+        for (const auto& storey : building().storeys) {
+            for (const auto& member : storey->members) {
+                Section* section = member->section.get();
+                const ZoString use = dynamic_cast<Column*>(member.get()) != nullptr ? "pilares" : "vigas";
+                if (LegendEntry* entry = building().legend.Find(section)) {
+                    if (entry->name.hasText(use) < 0) entry->name += " e " + use;
+                    continue;
+                }
+                auto* entry = new LegendEntry;
+                building().legend.Add(section, entry);
+                entry->name = use;
+                entry->grey = static_cast<int>(std::lround(200 * (1 - section->area / largest)));
+            }
+        }
+    }
+
+    Section* FindSection(const ZoString& name) {
+        for (const auto& section : building().sections) {
+            if (section->name == name) return section.get();
+        }
+        return nullptr;
+    }
+    Section* SectionOf(const Table& table, const Table::Row& row, std::size_t field) {
+        Section* section = FindSection(ZoFromUtf8(row.fields[field].c_str()));
+        if (section == nullptr) {
+            table.Fail(row, "section \"" + row.fields[field] + "\" is not in frame9-sections.csv");
+        }
+        return section;
+    }
+
+    std::string folder;
+    Model model;
+    std::vector<double> places; // of the column lines, in cm
+};
+
+} // namespace
+
+Model ReadTables(const std::string& folder) { return Builder(folder).Build(); }
+
+} // namespace Frame

@@ -1,0 +1,303 @@
+#include "compare.h"
+#include "failure.h"
+#include "report.h"
+#include "storage.h"
+#include "tables.h"
+
+#include "support/CommaLocale.h"
+#include "support/TemporaryFolder.h"
+
+#include "ZoPrimitives/BinOutStreamer.h"
+#include "ZoPrimitives/FileBinOutStream.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <set>
+#include <sstream>
+
+namespace {
+
+using namespace Frame;
+using testing::HasSubstr;
+
+/// Where the head of each record begins: marker, size, sum, class, uid, key, of four bytes each.
+std::vector<std::size_t> Records(const std::string& bytes) {
+    std::vector<std::size_t> heads;
+    for (std::size_t at = 28; at < bytes.size();) {
+        heads.push_back(at);
+        unsigned size = 0;
+        std::memcpy(&size, bytes.data() + at + 4, sizeof size);
+        at += 24 + size;
+    }
+    return heads;
+}
+
+std::string Report(const Building& building) {
+    std::ostringstream out;
+    Print(building, out);
+    return out.str();
+}
+
+template <class Action>
+std::string FailureOf(Action action) {
+    try {
+        action();
+    } catch (const Failure& failure) {
+        return failure.what();
+    }
+    return "no failure";
+}
+
+class FrameTest : public testing::Test {
+protected:
+    std::string Path(const char* name) const { return folder.Path(name); }
+
+    ZoPrimitives::Testing::TemporaryFolder folder;
+};
+
+TEST_F(FrameTest, TablesGiveTheWholeFrame) {
+    const Model model = ReadTables(FRAME_TABLES);
+    const Building& building = *model.building;
+    EXPECT_EQ(building.storeys.NItems(), 10u);
+    EXPECT_EQ(building.nodes.NItems(), 66u);
+    EXPECT_EQ(building.sections.NItems(), 11u);
+    EXPECT_EQ(building.legend.NItems(), 11u);
+    EXPECT_EQ(building.storeys[1]->level, -365.76);
+    EXPECT_NEAR(building.nodes.Last()->x, 4572.0, 1e-9);
+    EXPECT_NEAR(building.nodes.Last()->y, 3718.56, 1e-9);
+    // Summed by hand from the tables, in exact fractions.
+    EXPECT_NEAR(TotalSteel(building), 215'542.06276791552, 1e-6);
+    const std::string picture(static_cast<const char*>(building.thumbnail.Data()), building.thumbnail.Size());
+    EXPECT_EQ(picture.substr(0, 13), "P5\n64 57\n255\n");
+    EXPECT_EQ(picture.size(), 13u + 64u * 57u);
+    EXPECT_EQ(picture[13 + 64 * 3 + 5], '\xFF'); // between the columns
+    EXPECT_NE(picture[13 + 64 * 3], '\xFF');     // on line A
+}
+
+TEST_F(FrameTest, OpensAsItWasSaved) {
+    const Model model = ReadTables(FRAME_TABLES);
+    Save(model, Path("a.zo"));
+    const Model opened = Open(Path("a.zo"));
+    const Comparison comparison = Compare(*model.building, *opened.building);
+    EXPECT_EQ(comparison.difference, "");
+    // 110 members, 66 nodes, 11 sections and legend entries, 10 storeys, and 4 that are there once
+    EXPECT_EQ(comparison.objects, 110u + 66u + 11u + 11u + 10u + 4u);
+    EXPECT_EQ(Report(*opened.building), Report(*model.building));
+}
+
+TEST_F(FrameTest, BackupIsTheVersionBefore) {
+    const Model model = ReadTables(FRAME_TABLES);
+    Save(model, Path("a.zo"));
+    EXPECT_FALSE(folder.Has("a.zo-bak"));
+    const std::string first = folder.Read("a.zo");
+    model.building->name = "later";
+    Save(model, Path("a.zo"));
+    EXPECT_EQ(folder.Read("a.zo-bak"), first);
+    EXPECT_EQ(Open(Path("a.zo")).building->name, "later");
+}
+
+TEST_F(FrameTest, LocaleChangesNothing) {
+    const Model model = ReadTables(FRAME_TABLES);
+    Save(model, Path("point.zo"));
+    const CommaLocale locale;
+    if (!locale.Active()) GTEST_SKIP() << "no locale with a comma";
+    const Model again = ReadTables(FRAME_TABLES);
+    Save(again, Path("comma.zo"));
+    EXPECT_EQ(folder.Read("comma.zo"), folder.Read("point.zo"));
+    EXPECT_THAT(Report(*again.building), HasSubstr("Total steel: 215.54 t"));
+}
+
+TEST_F(FrameTest, ComparisonFindsEveryKindOfDifference) {
+    struct {
+        const char* name;
+        std::function<void(Model&)> change;
+        const char* field;
+    } const cases[] = {
+        {"text", [](Model& m) { m.building->storeys[3]->name += "!"; }, "name"},
+        {"number", [](Model& m) { m.building->sections[2]->area += 1e-9; }, "area"},
+        {"bool", [](Model& m) { m.building->nodes[1]->support = false; }, "support"},
+        {"blob", [](Model& m) { static_cast<char*>(m.building->thumbnail.Data())[99] ^= 1; }, "thumbnail"},
+        {"child value", [](Model& m) { m.building->site.seismic = false; }, "seismic"},
+        {"list of numbers",
+         [](Model& m) { dynamic_cast<Girder&>(*m.building->storeys[5]->members.Last()).loads.RemoveLast(); },
+         "loads"},
+        {"shared object",
+         [](Model& m) { m.building->storeys[2]->members[1]->section = m.building->sections[9]; }, "section"},
+        {"copy instead of the shared object",
+         [](Model& m) {
+             auto* copy = new Node(*m.building->nodes[2]);
+             m.objects.Add(copy);
+             m.building->storeys[1]->members[2]->start = copy;
+         },
+         "start"},
+        {"swapped ends",
+         [](Model& m) {
+             std::swap(m.building->storeys[4]->members[3]->start, m.building->storeys[4]->members[3]->end);
+         },
+         "start"},
+        {"no way back", [](Model& m) { m.building->storeys[2]->building = nullptr; }, "building"},
+        {"missing child", [](Model& m) { m.building->storeys[6]->members.RemoveFirst(); }, "members"},
+        {"map", [](Model& m) { std::swap(m.building->legend.ValueAt(1), m.building->legend.ValueAt(2)); },
+         "grey"},
+        {"external", [](Model& m) { m.building->sections[4]->catalogue = nullptr; }, "catalogue"},
+        {"another class",
+         [](Model& m) {
+             auto* column = new Column;
+             column->name = m.building->storeys[2]->members.Last()->name;
+             m.building->storeys[2]->members.Last() = column;
+         },
+         "class"},
+    };
+    const Model expected = ReadTables(FRAME_TABLES);
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        Model changed = ReadTables(FRAME_TABLES);
+        row.change(changed);
+        EXPECT_THAT(Compare(*expected.building, *changed.building).difference,
+                    HasSubstr(std::string("\"") + row.field + "\""));
+    }
+}
+
+TEST_F(FrameTest, BadFilesAreRefusedWithASentence) {
+    const Model model = ReadTables(FRAME_TABLES);
+    Save(model, Path("good.zo"));
+    const std::string good = folder.Read("good.zo");
+    const std::vector<std::size_t> records = Records(good);
+    const auto changed = [&](std::size_t at, char value) {
+        std::string bytes = good;
+        bytes[at] = value;
+        return bytes;
+    };
+    struct {
+        const char* name;
+        std::string bytes;
+        const char* sentence;
+    } const cases[] = {
+        {"empty", "", "is not a file of this program."},
+        {"text", "storey,height\nB,12\n and so on, for longer than a header\n",
+         "is not a file of this program."},
+        {"header cut", good.substr(0, 27), "is not a file of this program."},
+        {"header alone", good.substr(0, 28), "is damaged: use a copy of it."},
+        {"newer version", changed(0, 4), "was saved by a newer version of this program: update the program"},
+        {"byte of the classes", changed(records[0] + 60, '#'), "is damaged"},
+        {"byte of an object", changed(records[50] + 25, '#'), "(211 of 212 objects can be read)"},
+        {"uid of a member", changed(records[150] + 18, 1), "(some objects have lost their place)"},
+        {"cut in a record", good.substr(0, records[100] + 30), "is damaged"},
+        {"cut between records", good.substr(0, records[100]), "(99 of 212 objects can be read)"},
+        {"cut before the root", good.substr(0, records[1]), "(0 of 212 objects can be read)"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        folder.Write("bad.zo", row.bytes);
+        EXPECT_THAT(FailureOf([&] { Open(Path("bad.zo")); }), HasSubstr(row.sentence));
+    }
+    EXPECT_THAT(FailureOf([&] { Open(Path("none.zo")); }), HasSubstr("There is no file"));
+    EXPECT_THAT(FailureOf([&] { Open(folder.Path()); }), HasSubstr("is a folder"));
+
+    folder.Write("bad.zo-bak", good);
+    EXPECT_THAT(FailureOf([&] { Open(Path("bad.zo")); }), HasSubstr("open the version before it"));
+}
+
+TEST_F(FrameTest, IncompleteBuildingsAreRefused) {
+    struct {
+        const char* name;
+        std::function<void(Building&)> change;
+        const char* fault;
+    } const cases[] = {
+        {"section", [](Building& b) { b.storeys[2]->members[1]->section = nullptr; },
+         "column A1 has no section"},
+        {"node", [](Building& b) { b.storeys[2]->members.Last()->end = nullptr; }, "girder EF1 has no node"},
+        {"material", [](Building& b) { b.sections[1]->material = nullptr; },
+         "section W14x233 has no material"},
+        {"building", [](Building& b) { b.storeys[2]->building = nullptr; }, "Térreo has no way back"},
+        {"member", [](Building& b) { b.storeys[2]->members[1] = nullptr; }, "Térreo has no member"},
+        {"storeys", [](Building& b) { b.storeys.RemoveAll(); }, "has no storeys"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        const Model model = ReadTables(FRAME_TABLES);
+        row.change(*model.building);
+        Save(model, Path("a.zo"));
+        EXPECT_THAT(FailureOf([&] { Open(Path("a.zo")); }), HasSubstr(row.fault));
+    }
+}
+
+TEST_F(FrameTest, AnotherRootIsNoBuilding) {
+    const ZoPrimitives::pointer<Catalogue> catalogue(new Catalogue);
+    const std::unique_ptr<ZoPrimitives::TFileBinOutStream> file(
+        ZoPrimitives::TFileBinOutStream::Create(Path("a.zo").c_str(), 3, 2026, false));
+    file->Initialize();
+    ZoPrimitives::TBinOutStreamer streamer(file.get(), &Schema());
+    streamer.WriteObjectMetaData(catalogue.get());
+    streamer.WriteObject(catalogue.get());
+    file->Finalize();
+    EXPECT_THAT(FailureOf([&] { Open(Path("a.zo")); }), HasSubstr("holds no building"));
+}
+
+TEST_F(FrameTest, BadTablesAreRefusedWithFileAndLine) {
+    struct {
+        const char* name;
+        const char* file;
+        const char* from;
+        const char* to;
+        const char* sentence;
+    } const cases[] = {
+        {"headings", "sections", "area_in2", "area",
+         "frame9-sections.csv, line 1: the headings must be \"name,"},
+        {"no number", "sections", "75.6", "75,6",
+         "frame9-sections.csv, line 3: 4 fields are expected, 5 are there."},
+        {"letters in a number", "sections", "75.6", "75x", "line 3: \"75x\" is not a number above zero."},
+        {"negative", "sections", "75.6", "-1", "line 3: \"-1\" is not a number above zero."},
+        {"not finite", "sections", "75.6", "inf", "line 3: \"inf\" is not a number above zero."},
+        {"twice", "sections", "W14x257", "W14x233", "line 3: W14x233 is there already."},
+        {"unit", "bays", "30,ft", "30,yd", "frame9-bays.csv, line 2: \"yd\" is no unit of length"},
+        {"bay", "bays", "B-C", "B", "frame9-bays.csv, line 3: \"B\" does not name two column lines"},
+        {"gap", "bays", "C-D", "D-E", "line 4: bay D-E does not begin where the one before ends."},
+        {"unknown section", "storeys", "W24x68", "W24x69", "frame9-storeys.csv, line 11: section \"W24x69\""},
+        {"basement on top", "storeys", "9,13", "B2,13", "line 11: a basement cannot lie above the ground."},
+        {"nothing", "storeys", nullptr, "storey,height,height_unit,girder,exterior_column,interior_column\n",
+         "frame9-storeys.csv holds nothing"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        for (const char* table : {"sections", "bays", "storeys"}) {
+            const std::string name = std::string("frame9-") + table + ".csv";
+            std::ifstream file(std::string(FRAME_TABLES) + "/" + name, std::ios::binary);
+            std::string text(std::istreambuf_iterator<char>(file), {});
+            if (std::strcmp(table, row.file) == 0) {
+                const std::size_t at = row.from == nullptr ? 0 : text.find(row.from);
+                ASSERT_NE(at, std::string::npos);
+                text.replace(at, row.from == nullptr ? text.size() : std::strlen(row.from), row.to);
+            }
+            folder.Write(name, text);
+        }
+        EXPECT_THAT(FailureOf([&] { ReadTables(folder.Path()); }), HasSubstr(row.sentence));
+    }
+    EXPECT_THAT(FailureOf([&] { ReadTables(Path("none")); }),
+                HasSubstr("frame9-sections.csv cannot be read"));
+}
+
+TEST_F(FrameTest, ReportIsAlignedAndHarmless) {
+    const Model model = ReadTables(FRAME_TABLES);
+    model.building->storeys[4]->name = ZoString("a\x1b[2J\x9d"
+                                                "b\xe7"); // would command a terminal
+    const std::string report = Report(*model.building);
+    EXPECT_THAT(report, HasSubstr("a?[2J?bç"));
+    std::istringstream lines(report);
+    std::set<std::size_t> widths; // of the lines that end in a column of numbers
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("  Total steel", 0) == 0) break;
+        if (line.rfind("  ", 0) != 0) continue;
+        const auto isCharacter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
+        widths.insert(static_cast<std::size_t>(std::count_if(line.begin(), line.end(), isCharacter)));
+    }
+    EXPECT_EQ(widths.size(), 2u); // one for each table
+}
+
+} // namespace

@@ -1,0 +1,23 @@
+# Runs a program and looks at how it ends. COMMAND: the program and its arguments. CODE: the exit code that it
+# must end with. SAYS: a regular expression for standard error when the code is not 0, for standard output
+# otherwise. FRESH: a folder that must not be there before. LEAVES: files that must be there afterwards.
+if(FRESH)
+  file(REMOVE_RECURSE "${FRESH}")
+endif()
+execute_process(COMMAND ${COMMAND} RESULT_VARIABLE code OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+if(NOT code STREQUAL CODE)
+  message(FATAL_ERROR "Exit code ${code} instead of ${CODE}.\n${output}${errors}")
+endif()
+if(CODE STREQUAL 0)
+  set(said "${output}")
+else()
+  set(said "${errors}")
+endif()
+if(NOT said MATCHES "${SAYS}")
+  message(FATAL_ERROR "It does not say \"${SAYS}\":\n${said}")
+endif()
+foreach(file ${LEAVES})
+  if(NOT EXISTS "${file}")
+    message(FATAL_ERROR "It leaves no ${file}")
+  endif()
+endforeach()

@@ -87,10 +87,10 @@ public:
     void SetUsesSecurity(bool uses) { usesSecurity = uses; }
     bool GetUsesSecurity() const { return usesSecurity; }
 
-    /// Appends raw bytes to the open record.
+    /// Appends raw bytes to the open record; `data` may be null when there are none.
     void Append(const void* data, std::size_t size) {
         if (size > static_cast<std::size_t>(limit - position)) MakeRoom(size);
-        std::memcpy(position, data, size);
+        if (size != 0) std::memcpy(position, data, size);
         position += size;
     }
     /// Appends a 32-bit length and the bytes.

@@ -10,6 +10,7 @@
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoUtf8.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -77,25 +78,31 @@ void OpenStream(TFileBinInStream& file, const std::string& path) {
     }
 }
 
-/// Fills the model also when reading fails: objects that were read are the caller's.
+/// Objects that were read are the caller's, also when reading failed.
+void Keep(const TFileBinInStream& file, Model& model) {
+    for (ZoStreamableBase* object : file.Objects()) model.objects.Add(object);
+}
+
 void ReadObjects(TFileBinInStream& file, const std::string& path, Model& model) {
     CountingStreamer streamer(&file, &Schema());
-    std::string failure;
     ZoStreamableBase* root = nullptr;
     try {
         root = streamer.ReadObjects();
     } catch (const XStream& error) {
-        failure = Detail(error);
+        Keep(file, model);
+        throw Damaged(path, Detail(error));
+    } catch (...) {
+        Keep(file, model);
+        throw;
     }
-    for (ZoStreamableBase* object : file.Objects()) model.objects.Add(object);
-    if (!failure.empty()) throw Damaged(path, failure);
+    Keep(file, model);
 
     // Records that are not whole are passed over in silence. The first record holds the classes.
     const bool allKnown = streamer.GetUnknowObjects()->NItems() == 0;
-    const unsigned expected = file.GetNInstances() - 1;
-    if (file.GetSkipped() != 0 || (allKnown && streamer.Count() != expected)) {
-        throw Damaged(path, std::to_string(streamer.Count()) + " of " + std::to_string(expected) +
-                                " objects can be read");
+    const unsigned saved = std::max(file.GetNInstances(), 1u) - 1;
+    if (file.GetSkipped() != 0 || (allKnown && streamer.Count() != saved)) {
+        throw Damaged(path, std::to_string(saved) + " objects were saved, " +
+                                std::to_string(streamer.Count()) + " can be read");
     }
     model.building = dynamic_cast<Building*>(root);
     if (model.building == nullptr) throw Failure(Quoted(path) + " holds no building.");

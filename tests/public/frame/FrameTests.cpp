@@ -95,6 +95,8 @@ TEST_F(FrameTest, BackupIsTheVersionBefore) {
     const Model model = ReadTables(FRAME_TABLES);
     Save(model, Path("a.zo"));
     EXPECT_FALSE(folder.Has("a.zo-bak"));
+    EXPECT_THAT(FailureOf([&] { Save(model, Path("none/a.zo")); }),
+                HasSubstr("cannot be saved and is as it was"));
     const std::string first = folder.Read("a.zo");
     model.building->name = "later";
     Save(model, Path("a.zo"));
@@ -186,11 +188,11 @@ TEST_F(FrameTest, BadFilesAreRefusedWithASentence) {
         {"header alone", good.substr(0, 28), "is damaged: use a copy of it."},
         {"newer version", changed(0, 4), "was saved by a newer version of this program: update the program"},
         {"byte of the classes", changed(records[0] + 60, '#'), "is damaged"},
-        {"byte of an object", changed(records[50] + 25, '#'), "(211 of 212 objects can be read)"},
+        {"byte of an object", changed(records[50] + 25, '#'), "(212 objects were saved, 211 can be read)"},
         {"uid of a member", changed(records[150] + 18, 1), "(some objects have lost their place)"},
         {"cut in a record", good.substr(0, records[100] + 30), "is damaged"},
-        {"cut between records", good.substr(0, records[100]), "(99 of 212 objects can be read)"},
-        {"cut before the root", good.substr(0, records[1]), "(0 of 212 objects can be read)"},
+        {"cut between records", good.substr(0, records[100]), "(212 objects were saved, 99 can be read)"},
+        {"cut before the root", good.substr(0, records[1]), "(212 objects were saved, 0 can be read)"},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);

@@ -4,10 +4,12 @@
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/DestructionHold.h"
 #include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <algorithm>
+#include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -28,33 +30,27 @@ struct TBinInStreamer::Use {
     TZoClass* readAs; // the class itself, or the ancestor that stands for it; null: records are dropped
     bool substituted; // readAs is an ancestor
     bool hasValues;   // its objects have members that are objects
+    unsigned hooks;   // calls that its objects answer
 };
 
-/// What one reading made. Each object is held until the end, so that none goes when a setter lets go of it.
-/// The finished ones stand in the stream's list.
+/// What one reading made. No object ends because a setter lets go of it. The finished ones stand in the
+/// stream's list.
 class TBinInStreamer::Made {
 public:
     explicit Made(TBinInStream& readStream) : stream(readStream) {}
     Made(const Made&) = delete;
     Made& operator=(const Made&) = delete;
     ~Made() {
+        EndHold();
         delete current;
         for (const ZoStreamableBase* object : consumed) delete object;
-        if (!owned) {
-            for (auto i = surrendered + 1; i <= stream.Objects().NItems(); ++i) {
-                ZoReferenceCount::Surrender(stream.Objects()[i]);
-            }
-            return;
-        }
+        if (!owned) return;
         const TDVector<ZoStreamableBase*> objects = stream.Objects();
         stream.ForgetInstances();
         for (const ZoStreamableBase* object : objects) delete object;
     }
 
-    void Begin(ZoStreamableBase* object) {
-        current = object;
-        ZoReferenceCount::Add(object);
-    }
+    void Begin(ZoStreamableBase* object) { current = object; }
     void Drop() {
         delete current;
         current = nullptr;
@@ -65,11 +61,6 @@ public:
     }
     /// From here on the objects are the caller's.
     void HandOver() { owned = false; }
-    /// Lets go of an object that is done, in the order of the stream's list.
-    void Surrender(const ZoStreamableBase* object) {
-        ZoReferenceCount::Surrender(object);
-        ++surrendered;
-    }
     /// The objects whose members stand for them now are to be deleted here.
     void Consume(const std::unordered_set<const ZoStreamableBase*>& taken) {
         consumed.insert(consumed.end(), taken.begin(), taken.end());
@@ -78,12 +69,23 @@ public:
     std::vector<ZoStreamableBase*> invalid;              // by their own word, while they were read
     std::unordered_set<const ZoStreamableBase*> members; // objects that stand inside others
     bool hasValues = false;
+    bool mayBeInvalid = false; // some class answers GetIsValid
 
 private:
+    /// What was read is the caller's, held by somebody or not.
+    void EndHold() {
+        if (!hold.Noted()) return;
+        const auto& objects = stream.Objects();
+        std::unordered_set<const ZoObject*> kept(objects.begin(), objects.end());
+        kept.insert(consumed.begin(), consumed.end());
+        kept.insert(current);
+        hold.End([&](const ZoObject* object) { return kept.count(object) != 0; });
+    }
+
     TBinInStream& stream;
+    DestructionHold hold;
     ZoStreamableBase* current = nullptr;
     std::vector<const ZoStreamableBase*> consumed;
-    unsigned long long surrendered = 0;
     bool owned = true;
 };
 
@@ -141,7 +143,7 @@ public:
 private:
     void Walk(const TBinUnresolved& entry) {
         TZoPointerResolver resolver(stream, nullptr, this);
-        resolver.Begin(stream.UnresolvedPointers().Uids() + entry.firstUid);
+        resolver.Begin(stream.UnresolvedPointers().Uids() + entry.firstUid, false);
         entry.fileClass->LoadResolvePointers(resolver, entry.object);
     }
 
@@ -187,6 +189,7 @@ ZoStreamableBase* TBinInStreamer::ReadObjects() {
     stream->ForgetInstances();
     Made made(*stream);
     direct = stream->GetsDirectly();
+    plain = typeid(*this) == typeid(TBinInStreamer);
     while (stream->LoadRecord(&uid, &classId)) ReadRecord(uid, classId, made);
     made.HandOver();
     Resolve(made);
@@ -205,7 +208,7 @@ const TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
     }
     TZoClass* fileClass = fileSchema.FindClass(classId);
     if (fileClass == nullptr) Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #3");
-    auto use = std::make_unique<Use>(Use{fileClass, false, false});
+    auto use = std::make_unique<Use>(Use{fileClass, false, false, ~0u});
     if (fileClass->GetOriginal() == nullptr) {
         unknown.AddUnique(fileClass);
         use->substituted = true;
@@ -214,7 +217,11 @@ const TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
             use->readAs = parent == nullptr || parent->GetAbstract() ? nullptr : parent;
         }
     }
-    use->hasValues = use->readAs != nullptr && use->readAs->GetOriginal()->HasValueChildren();
+    if (use->readAs != nullptr && use->readAs->GetOriginal() != nullptr) {
+        use->hasValues = use->readAs->GetOriginal()->HasValueChildren();
+        // A streamer of an application's own may make objects of other types than the class's.
+        if (plain) use->hooks = use->readAs->GetOriginal()->hooks;
+    }
     if (!dense) return *(rareUses[classId] = std::move(use));
     if (index >= uses.size()) uses.resize(index + 1);
     uses[index] = std::move(use);
@@ -232,12 +239,14 @@ void TBinInStreamer::ReadRecord(int uid, int classId, Made& made) {
         return;
     }
     made.hasValues = made.hasValues || use.hasValues;
+    made.mayBeInvalid = made.mayBeInvalid || (use.hooks & hookGetIsValid) != 0;
     stream->SetHandle(object, uid);
     use.readAs->LoadObject(*stream, direct, object);
-    if (!object->OnRead(stream, use.substituted)) made.invalid.push_back(object);
+    if ((use.hooks & hookOnRead) != 0 && !object->OnRead(stream, use.substituted))
+        made.invalid.push_back(object);
     made.Finish();
-    OnAfterLoadInstance(object);
-    object->CheckForExcludedFields(stream);
+    if (!plain) OnAfterLoadInstance(object);
+    if ((use.hooks & hookCheckForExcludedFields) != 0) object->CheckForExcludedFields(stream);
 }
 
 void TBinInStreamer::Resolve(Made& made) {
@@ -247,24 +256,23 @@ void TBinInStreamer::Resolve(Made& made) {
     const auto& entries = unresolved.Entries();
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (i + PREFETCH < entries.size()) __builtin_prefetch(entries[i + PREFETCH].object);
-        resolver.Begin(unresolved.Uids() + entries[i].firstUid);
+        const TZoClass* application = entries[i].fileClass->GetOriginal();
+        const unsigned hooks = plain && application != nullptr ? application->hooks : ~0u;
+        resolver.Begin(unresolved.Uids() + entries[i].firstUid, (hooks & hookOnReadPointer) != 0);
         entries[i].fileClass->LoadResolvePointers(resolver, entries[i].object);
-        OnAfterResolveInstance(entries[i].object);
+        if (!plain) OnAfterResolveInstance(entries[i].object);
     }
     unresolved.Clear();
     stream->ResetHandles();
 }
 
 void TBinInStreamer::Validate(Made& made) {
+    if (!made.mayBeInvalid && !made.hasValues && made.invalid.empty()) return;
     const std::unordered_set<const ZoStreamableBase*> known(made.invalid.begin(), made.invalid.end());
     TDList<ZoStreamableBase*> invalid;
-    const TDVector<ZoStreamableBase*>& objects = stream->Objects();
-    for (unsigned long long i = 0; i < objects.NItems(); ++i) {
-        if (i + PREFETCH < objects.NItems()) __builtin_prefetch(objects.data()[i + PREFETCH]);
-        ZoStreamableBase* object = objects.data()[i];
-        const bool foundBefore = !known.empty() && known.count(object) != 0;
+    for (ZoStreamableBase* object : stream->Objects()) {
+        const bool foundBefore = known.count(object) != 0;
         if (!IsValid(object, foundBefore, made.hasValues)) invalid.Add(object);
-        made.Surrender(object);
     }
     if (invalid.NItems() != 0) Remove(invalid);
 }
@@ -294,9 +302,9 @@ TDVector<ZoStreamableBase*> TBinInStreamer::ChildsByValueOfInstance(ZoStreamable
 void TBinInStreamer::RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid) { Remove(*invalid); }
 
 void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
-    // Nothing goes before the end, whoever lets go of it.
+    // Nothing goes before the end, whoever lets go of it; what stays is the caller's then.
+    DestructionHold hold;
     const TDVector<ZoStreamableBase*> all = stream->Objects();
-    for (const ZoStreamableBase* object : all) ZoReferenceCount::Add(object);
     TDVector<ZoStreamableBase*> cascade;
     for (ZoStreamableBase* object : invalid) cascade.AddUnique(object);
     schema->FillObjectsCascade(&cascade);
@@ -345,7 +353,6 @@ void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
     unreachable.insert(inside.begin(), inside.end());
     for (const ZoStreamableBase* object : inside) removed.erase(object);
 
-    for (const ZoStreamableBase* object : removed) ZoReferenceCount::Add(object);
     const auto detach = [&](ZoStreamableBase* object) {
         if (TZoClass* objectClass = object->GetOriginalClass(schema)) {
             objectClass->DeleteReferences(object, isRemoved, &unreachable);
@@ -356,7 +363,10 @@ void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
     TDVector<ZoStreamableBase*> ended;
     for (const ZoStreamableBase* object : removed) ended.Add(const_cast<ZoStreamableBase*>(object));
     stream->RemoveInstances(ended);
-    for (const ZoStreamableBase* object : all) ZoReferenceCount::Surrender(object);
+    if (hold.Noted()) {
+        const std::unordered_set<const ZoObject*> kept(all.begin(), all.end());
+        hold.End([&](const ZoObject* object) { return kept.count(object) != 0; });
+    }
     for (const ZoStreamableBase* object : removed) delete object;
 }
 

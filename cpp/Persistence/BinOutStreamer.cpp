@@ -19,7 +19,6 @@ constexpr std::size_t PREFETCH = 8; // objects ahead
 /// A subclass that is not registered itself answers with its base's class, and would be saved as such.
 void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& object) {
     const std::type_info& type = typeid(object);
-    if (objectClass.GetType() == &type) return;
     if (TZoMetaData::WritingGenericFile()) return;
     const bool same = objectClass.GetType() != nullptr
                           ? *objectClass.GetType() == type
@@ -113,8 +112,9 @@ bool TBinOutStreamer::InstanceIsAlreadySaved(const ZoStreamableBase* object) con
 
 void TBinOutStreamer::SaveRecord(TBinOutStream* target, bool direct, ZoStreamableBase* object,
                                  TZoClass* objectClass) {
-    CheckRegisteredType(*objectClass, *object);
-    objectClass->SaveFields(*target, direct, object);
+    const bool exact = objectClass->GetType() == &typeid(*object);
+    if (!exact) CheckRegisteredType(*objectClass, *object);
+    objectClass->SaveFields(*target, direct, exact, object);
     const int uid = HandleAccess::Get(*target, object);
     target->FlushRecord(uid, objectClass->GetClassId());
     if (uid == savedUpTo + 1) {

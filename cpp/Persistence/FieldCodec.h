@@ -2,6 +2,7 @@
 
 #include "Persistence/ClassNames.h"
 #include "Persistence/HandleAccess.h"
+#include "Persistence/PointerResolver.h"
 #include "Persistence/RecordChecks.h"
 #include "Persistence/RecordFormat.h"
 #include "ZoPrimitives/BinInStream.h"
@@ -189,6 +190,49 @@ public:
         if (application == nullptr) take.stream.AddExcludedField(&field, begin);
     }
 
+    /// The fewest bytes that a field takes in a record. A map may hold plain values, the smallest is a bool.
+    static unsigned SmallestSize(const TZoClassField& field) {
+        switch (field.GetFieldType()) {
+        case ftBool:
+            return 1;
+        case ftDouble:
+            return 8;
+        case ftChildPointerMap:
+            return 1;
+        case ftInt:
+        case ftUnsigned:
+        case ftFloat:
+        case ftString:
+        case ftBlob:
+        case ftListInt:
+        case ftListFloat:
+        case ftListDouble:
+        case ftListString:
+        case ftChildPointer:
+        case ftPointer:
+        case ftPointerEx:
+        case ftChildValue:
+        case ftChildPointerList:
+        case ftPointerList:
+        case ftPointerListEx:
+            return 4;
+        }
+        return 0;
+    }
+
+    // Resolving
+
+    /// Hands the objects that the field's uids name to the application's field.
+    static void Resolve(TZoPointerResolver& resolver, TZoClassFieldPointerBase& field,
+                        ZoStreamableBase* object) {
+        Dispatch(field, [&](auto& exact) {
+            if constexpr (std::is_base_of_v<TZoClassFieldPointerBase, std::decay_t<decltype(exact)>>) {
+                ResolveExact(resolver, exact,
+                             static_cast<std::decay_t<decltype(exact)>&>(*field.GetOriginal()), object);
+            }
+        });
+    }
+
 private:
     static constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
 
@@ -266,6 +310,94 @@ private:
     [[noreturn]] static void ThrowDangling(const TZoClassField& field, const ZoStreamableBase* object,
                                            const ZoStreamableBase* target);
     [[noreturn]] static void ThrowDanglingItem(const TZoClassField& field, const ZoStreamableBase* item);
+
+    /// What a uid means to a field: null, an object, or an object that was dropped.
+    struct Resolved {
+        ZoStreamableBase* target;
+        bool dropped;
+
+        Resolved(const TZoPointerResolver& resolver, TZoClassFieldPointerBase& fileField,
+                 const TZoClassFieldPointerBase& application, int uid)
+            : target(resolver.Find(uid)), dropped(uid != 0 && target == nullptr) {
+            if (target != nullptr && !resolver.Allows(fileField, application, target)) {
+                target = nullptr;
+                dropped = true;
+            }
+        }
+    };
+
+    static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointer& field,
+                             TZoClassFieldPointer& application, ZoStreamableBase* object) {
+        const int uid = resolver.Next();
+        if (application.GetFieldType() == ftChildValue) {
+            resolver.ResolveValue(application, object, uid);
+            return;
+        }
+        if (!resolver.ResolvesReferences()) return;
+        const Resolved resolved(resolver, field, application, uid);
+        application.Set(object, resolved.target);
+        resolver.Tell(object, application, resolved.target, uid);
+    }
+
+    static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointerList& field,
+                             TZoClassFieldPointerList& application, ZoStreamableBase* object) {
+        const int count = resolver.Next();
+        const std::int32_t* uids = resolver.Take(count);
+        if (!resolver.ResolvesReferences()) return;
+        for (int i = 0; i < count; ++i) {
+            const Resolved resolved(resolver, field, application, uids[i]);
+            if (resolved.dropped) continue;
+            application.Add(object, resolved.target);
+            resolver.Tell(object, application, resolved.target, uids[i]);
+        }
+    }
+
+    static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointerMap&,
+                             TZoClassFieldPointerMap& application, ZoStreamableBase* object) {
+        TZoClassField* halves[] = {application.GetKeyField(), application.GetValueField()};
+        if (AsList(halves[0]) != nullptr && AsList(halves[1]) != nullptr) {
+            ResolvePairs(resolver, *AsList(halves[0]), *AsList(halves[1]), object);
+            return;
+        }
+        for (TZoClassField* half : halves) {
+            if (half == nullptr || !half->IsPointerKind()) continue;
+            // Application's fields belong to no reading: what they took is not noted on them.
+            TZoClassFieldPointer noted("", ftPointer, nullptr, nullptr);
+            TZoClassFieldPointerList notedItems("", ftPointerList, {});
+            if (TZoClassFieldPointerList* list = AsList(half)) {
+                ResolveExact(resolver, notedItems, *list, object);
+            } else {
+                ResolveExact(resolver, noted, static_cast<TZoClassFieldPointer&>(*half), object);
+            }
+        }
+    }
+
+    /// Two lists of one length: both halves of a pair or none.
+    static void ResolvePairs(TZoPointerResolver& resolver, TZoClassFieldPointerList& keys,
+                             TZoClassFieldPointerList& values, ZoStreamableBase* object) {
+        const int keyCount = resolver.Next();
+        const std::int32_t* keyUids = resolver.Take(keyCount);
+        const int valueCount = resolver.Next();
+        const std::int32_t* valueUids = resolver.Take(valueCount);
+        if (!resolver.ResolvesReferences()) return;
+        TZoClassFieldPointerList notedKeys("", ftPointerList, {});
+        TZoClassFieldPointerList notedValues("", ftPointerList, {});
+        for (int i = 0; i < keyCount && i < valueCount; ++i) {
+            const Resolved key(resolver, notedKeys, keys, keyUids[i]);
+            const Resolved value(resolver, notedValues, values, valueUids[i]);
+            if (key.dropped || value.dropped) continue;
+            keys.Add(object, key.target);
+            values.Add(object, value.target);
+            resolver.Tell(object, keys, key.target, keyUids[i]);
+            resolver.Tell(object, values, value.target, valueUids[i]);
+        }
+    }
+
+    static TZoClassFieldPointerList* AsList(TZoClassField* field) {
+        return field != nullptr && field->GetFieldType() == ftChildPointerList
+                   ? static_cast<TZoClassFieldPointerList*>(field)
+                   : nullptr;
+    }
 
     /// A place to read a value into; strings use one whose buffer is kept.
     template <class T>

@@ -27,13 +27,20 @@ public:
                        ValueTaker* taker)
         : handles(stream.Handles()), members(members), taker(taker) {}
 
-    void Begin(const std::int32_t* uids) { next = uids; }
+    /// Begins with an object's uids. `tells`: the object answers `OnReadPointer`.
+    void Begin(const std::int32_t* uids, bool tells) {
+        next = uids;
+        tellsObject = tells;
+    }
     int Next() { return *next++; }
     /// A block of uids; the cursor moves behind it.
     const std::int32_t* Take(int count) {
         const std::int32_t* begin = next;
         next += count;
         return begin;
+    }
+    void Tell(ZoStreamableBase* object, TZoClassField& application, ZoStreamableBase* target, int uid) const {
+        if (tellsObject) object->OnReadPointer(&application, target, static_cast<unsigned>(uid));
     }
     ZoStreamableBase* Find(int uid) const { return handles.Get(uid); }
 
@@ -60,6 +67,7 @@ private:
     const std::unordered_set<const ZoStreamableBase*>* members;
     ValueTaker* taker;
     const std::int32_t* next = nullptr;
+    bool tellsObject = true;
 };
 
 } // namespace ZoPrimitives

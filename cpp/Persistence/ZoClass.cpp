@@ -1,6 +1,7 @@
 #include "Persistence/FieldCodec.h"
 #include "Persistence/GraphWalk.h"
 #include "Persistence/PointerResolver.h"
+#include "Persistence/ReadPlan.h"
 #include "Persistence/SchemaWalk.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/ZoMetaData.h"
@@ -425,21 +426,22 @@ void TZoClass::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, Zo
 }
 
 void TZoClass::SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
-    SaveFields(*stream, stream->PutsDirectly(), object);
+    SaveFields(*stream, stream->PutsDirectly(), false, object);
 }
 
-void TZoClass::SaveFields(TBinOutStream& stream, bool direct, ZoStreamableBase* object) {
+void TZoClass::SaveFields(TBinOutStream& stream, bool direct, bool exact, ZoStreamableBase* object) {
+    const bool tells = !exact || (hooks & hookWillWrite) != 0;
     if (direct) {
-        SaveLevels(DirectSink{stream}, object);
+        SaveLevels(DirectSink{stream}, tells, object);
     } else {
-        SaveLevels(VirtualSink{stream}, object);
+        SaveLevels(VirtualSink{stream}, tells, object);
     }
 }
 
 template <class Sink>
-void TZoClass::SaveLevels(Sink put, ZoStreamableBase* object) {
-    for (const auto& parent : parents) parent->SaveLevels(put, object);
-    object->WillWrite();
+void TZoClass::SaveLevels(Sink put, bool tells, ZoStreamableBase* object) {
+    for (const auto& parent : parents) parent->SaveLevels(put, tells, object);
+    if (tells) object->WillWrite();
     for (TZoClassField* field : inOrder) FieldCodec::SaveField(put, *field, object);
 }
 
@@ -459,10 +461,42 @@ void TZoClass::ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFuncto
 
 // Reading
 
-template <class Action>
-void TZoClass::ForEachLevel(Action action) {
-    for (const auto& parent : parents) parent->ForEachLevel(action);
-    action(*this);
+/// Whether the accessors of a level's application class may be used on objects of this class's application
+/// class: a file may give a class parents that it does not have in the application.
+bool TZoClass::AppliesTo(const TZoClass& level) const {
+    return level.original != nullptr && original != nullptr && original->IsInherited(level.original);
+}
+
+unsigned long long TZoClass::SmallestRecord() const {
+    unsigned long long size = 0;
+    for (const auto& parent : parents) size += parent->SmallestRecord();
+    for (const TZoClassField* field : inOrder) size += FieldCodec::SmallestSize(*field);
+    return size;
+}
+
+ReadPlan& TZoClass::PlanFor(TBinInStream& stream) {
+    if (readPlan == nullptr) {
+        readPlan = std::make_unique<ReadPlan>();
+        readPlan->smallestRecord = SmallestRecord();
+    }
+    if (stream.GetRemaining() < readPlan->smallestRecord) ThrowRecordEnds();
+    if (!readPlan->made) {
+        AddSteps(*readPlan, *this);
+        readPlan->made = true;
+    }
+    return *readPlan;
+}
+
+void TZoClass::AddSteps(ReadPlan& plan, const TZoClass& objectClass) {
+    for (const auto& parent : parents) parent->AddSteps(plan, objectClass);
+    const bool applies = objectClass.AppliesTo(*this);
+    for (TZoClassField* field : inOrder) {
+        TZoClassField* application = applies ? field->original : nullptr;
+        plan.steps.push_back({field, application});
+        if (application != nullptr && field->IsPointerKind()) {
+            plan.pointers.push_back(static_cast<TZoClassFieldPointerBase*>(field));
+        }
+    }
 }
 
 void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
@@ -472,67 +506,27 @@ void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
 void TZoClass::LoadObject(TBinInStream& stream, bool direct, ZoStreamableBase* object) {
     stream.UnresolvedPointers().Open(object, stream.GetCurrentUID(), this);
     stream.ClearExcludedFields();
-    LoadFields(stream, direct, object);
+    const ReadPlan& plan = PlanFor(stream);
+    if (direct) {
+        for (const ReadPlan::Step& step : plan.steps) {
+            FieldCodec::LoadField(DirectSource{stream}, *step.field, step.application, object);
+        }
+    } else {
+        for (const ReadPlan::Step& step : plan.steps) {
+            FieldCodec::LoadField(VirtualSource{stream}, *step.field, step.application, object);
+        }
+    }
 }
 
 void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object) {
-    LoadFields(*stream, stream->GetsDirectly(), object);
-}
-
-void TZoClass::LoadFields(TBinInStream& stream, bool direct, ZoStreamableBase* object) {
-    if (direct) {
-        LoadLevels(DirectSource{stream}, object);
-    } else {
-        LoadLevels(VirtualSource{stream}, object);
+    for (const ReadPlan::Step& step : PlanFor(*stream).steps) {
+        FieldCodec::LoadField(VirtualSource{*stream}, *step.field, step.application, object);
     }
-}
-
-template <class Source>
-void TZoClass::LoadLevels(Source take, ZoStreamableBase* object) {
-    if (LevelsApply()) {
-        ForEachLevel([&](TZoClass& level) { level.LoadOwnFields(take, true, object); });
-    } else {
-        ForEachLevel([&](TZoClass& level) { level.LoadOwnFields(take, AppliesTo(level), object); });
-    }
-}
-
-template <class Source>
-void TZoClass::LoadOwnFields(Source take, bool applies, ZoStreamableBase* object) {
-    for (TZoClassField* field : inOrder) {
-        FieldCodec::LoadField(take, *field, applies ? field->original : nullptr, object);
-    }
-}
-
-/// Whether the accessors of a level's application class may be used on objects of this class's application
-/// class: a file may give a class parents that it does not have in the application.
-bool TZoClass::AppliesTo(const TZoClass& level) const {
-    return level.original == nullptr || (original != nullptr && original->IsInherited(level.original));
-}
-
-bool TZoClass::LevelsApply() {
-    if (levelsApply == Unknown) {
-        levelsApply = Yes;
-        ForEachLevel([this](const TZoClass& level) {
-            if (!AppliesTo(level)) levelsApply = No;
-        });
-    }
-    return levelsApply == Yes;
 }
 
 void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    if (LevelsApply()) {
-        ForEachLevel([&](const TZoClass& level) { level.ResolveOwnFields(resolver, object); });
-    } else {
-        ForEachLevel([&](const TZoClass& level) {
-            if (AppliesTo(level)) level.ResolveOwnFields(resolver, object);
-        });
-    }
-}
-
-void TZoClass::ResolveOwnFields(TZoPointerResolver& resolver, ZoStreamableBase* object) const {
-    ForEachPointerField([&](TZoClassField& field) {
-        static_cast<TZoClassFieldPointerBase&>(field).Resolve(resolver, object);
-    });
+    if (readPlan == nullptr) return;
+    for (TZoClassFieldPointerBase* field : readPlan->pointers) FieldCodec::Resolve(resolver, *field, object);
 }
 
 void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members) {

@@ -154,25 +154,6 @@ bool TZoClassFieldPointerBase::Owns() const {
            GetFieldType() == ftChildPointerMap;
 }
 
-namespace {
-
-/// What a uid means to a field: null, an object, or an object that was dropped.
-struct Resolved {
-    ZoStreamableBase* target;
-    bool dropped;
-
-    Resolved(const TZoPointerResolver& resolver, TZoClassFieldPointerBase& fileField,
-             const TZoClassFieldPointerBase& application, int uid)
-        : target(resolver.Find(uid)), dropped(uid != 0 && target == nullptr) {
-        if (target != nullptr && !resolver.Allows(fileField, application, target)) {
-            target = nullptr;
-            dropped = true;
-        }
-    }
-};
-
-} // namespace
-
 TZoClassFieldPointer::TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set,
                                            TZoPointerGetter get)
     : TZoClassFieldPointerBase(name, kind), set(set), get(get) {}
@@ -197,20 +178,6 @@ void TZoClassFieldPointer::LoadPointer(TBinInStream* stream) {
 
 void TZoClassFieldPointer::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
     FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
-}
-
-void TZoClassFieldPointer::Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    auto* application = static_cast<TZoClassFieldPointer*>(GetOriginal());
-    if (application == nullptr) return;
-    const int uid = resolver.Next();
-    if (application->GetFieldType() == ftChildValue) {
-        resolver.ResolveValue(*application, object, uid);
-        return;
-    }
-    if (!resolver.ResolvesReferences()) return;
-    const Resolved resolved(resolver, *this, *application, uid);
-    application->Set(object, resolved.target);
-    object->OnReadPointer(application, resolved.target, static_cast<unsigned>(uid));
 }
 
 void TZoClassFieldPointer::DeleteReferences(ZoStreamableBase* object,
@@ -284,20 +251,6 @@ void TZoClassFieldPointerList::LoadPointers(TBinInStream* stream, ZoStreamableBa
 
 void TZoClassFieldPointerList::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
     FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
-}
-
-void TZoClassFieldPointerList::Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    auto* application = static_cast<TZoClassFieldPointerList*>(GetOriginal());
-    if (application == nullptr) return;
-    const int count = resolver.Next();
-    const std::int32_t* uids = resolver.Take(count);
-    if (!resolver.ResolvesReferences()) return;
-    for (int i = 0; i < count; ++i) {
-        const Resolved resolved(resolver, *this, *application, uids[i]);
-        if (resolved.dropped) continue;
-        application->Add(object, resolved.target);
-        object->OnReadPointer(application, resolved.target, static_cast<unsigned>(uids[i]));
-    }
 }
 
 void TZoClassFieldPointerList::DeleteReferences(ZoStreamableBase* object,
@@ -382,36 +335,6 @@ void TZoClassFieldPointerMap::LoadPair(TBinInStream* stream, ZoStreamableBase* o
 
 void TZoClassFieldPointerMap::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
     FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
-}
-
-void TZoClassFieldPointerMap::Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    auto* application = static_cast<TZoClassFieldPointerMap*>(GetOriginal());
-    if (application == nullptr) return;
-    TZoClassFieldPointerList* keys = AsList(application->key.get());
-    TZoClassFieldPointerList* values = AsList(application->value.get());
-    if (keys == nullptr || values == nullptr) {
-        for (TZoClassField* field : {application->key.get(), application->value.get()}) {
-            if (TZoClassFieldPointerBase* pointers = AsPointers(field)) pointers->Resolve(resolver, object);
-        }
-        return;
-    }
-    const int keyCount = resolver.Next();
-    const std::int32_t* keyUids = resolver.Take(keyCount);
-    const int valueCount = resolver.Next();
-    const std::int32_t* valueUids = resolver.Take(valueCount);
-    if (!resolver.ResolvesReferences()) return;
-    TZoClassFieldPointerList keyTypes("", ftChildPointerList, {}); // what each half took last
-    TZoClassFieldPointerList valueTypes("", ftChildPointerList, {});
-    // Pairs: both halves or none.
-    for (int i = 0; i < keyCount && i < valueCount; ++i) {
-        const Resolved resolvedKey(resolver, keyTypes, *keys, keyUids[i]);
-        const Resolved resolvedValue(resolver, valueTypes, *values, valueUids[i]);
-        if (resolvedKey.dropped || resolvedValue.dropped) continue;
-        keys->Add(object, resolvedKey.target);
-        values->Add(object, resolvedValue.target);
-        object->OnReadPointer(keys, resolvedKey.target, static_cast<unsigned>(keyUids[i]));
-        object->OnReadPointer(values, resolvedValue.target, static_cast<unsigned>(valueUids[i]));
-    }
 }
 
 void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/ZoMetaData.h"
 
+#include "Persistence/ReadPlan.h"
 #include "Persistence/RecordChecks.h"
 #include "Persistence/RecordFormat.h"
 #include "ZoPrimitives/BinInStream.h"

@@ -79,6 +79,7 @@ private:
     std::vector<std::unique_ptr<Use>> uses; // by class id
     std::unordered_map<int, std::unique_ptr<Use>> rareUses;
     bool direct = false; // the stream's values are taken without virtual calls
+    bool plain = false;  // no operation of this streamer is overridden
 };
 
 } // namespace ZoPrimitives

@@ -199,8 +199,6 @@ class TZoPointerResolver;
 class ZO_API TZoClassFieldPointerBase : public TZoClassField {
 public:
     ~TZoClassFieldPointerBase() override;
-    /// Hands the objects that the field's uids name to the setter of the application's field.
-    virtual void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) = 0;
     /// Takes every reference to an object that `isRemoved` names out of the field.
     virtual void DeleteReferences(ZoStreamableBase* object,
                                   bool (*isRemoved)(const void*, const ZoStreamableBase*),
@@ -242,7 +240,6 @@ public:
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
     void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
-    void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
     void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
                           const void* context) override;
 
@@ -288,7 +285,6 @@ public:
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
     void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
-    void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
     void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
                           const void* context) override;
 
@@ -322,7 +318,6 @@ public:
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) override;
     void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) override;
-    void Resolve(TZoPointerResolver& resolver, ZoStreamableBase* object) override;
     void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
                           const void* context) override;
 

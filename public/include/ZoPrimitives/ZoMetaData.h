@@ -15,6 +15,17 @@ class TBinInStream;
 class TBinOutStream;
 class TBinOutStreamer;
 class TZoMetaData;
+struct ReadPlan;
+
+/// The virtual operations of `ZoStreamableBase` that cost a call for each object; the streamers leave out
+/// those that a class does not override.
+enum ZoHooks : unsigned {
+    hookOnRead = 1,
+    hookOnReadPointer = 2,
+    hookGetIsValid = 4,
+    hookCheckForExcludedFields = 8,
+    hookWillWrite = 16,
+};
 
 /// A new number, from 1 upward, for a C++ class that objects look their registered class up by.
 ZO_API unsigned ZoNewClassSlot();
@@ -65,6 +76,9 @@ public:
     const std::type_info* GetType() const { return type; }
     /// Binds the class to its C++ type and to that type's number in the process (`ZoNewClassSlot`).
     void SetType(const std::type_info& newType, unsigned newSlot);
+    /// Tells which of the streamers' calls the C++ type answers in its own way (`ZoHooks`); all, when not
+    /// told.
+    void SetHooks(unsigned overridden) { hooks = overridden; }
     /// Notes that a parent named at registration was not in the schema; `TZoMetaData::Check` reports it.
     void NoteMissingParent() { parentMissing = true; }
 
@@ -167,17 +181,14 @@ private:
     bool HasValueChildren() const;
 
     bool AppliesTo(const TZoClass& level) const;
-    bool LevelsApply();
-    void SaveFields(TBinOutStream& stream, bool direct, ZoStreamableBase* object);
-    template <class Sink>
-    void SaveLevels(Sink put, ZoStreamableBase* object);
-    template <class Source>
-    void LoadOwnFields(Source take, bool applies, ZoStreamableBase* object);
+    ReadPlan& PlanFor(TBinInStream& stream);
+    void AddSteps(ReadPlan& plan, const TZoClass& objectClass);
+    unsigned long long SmallestRecord() const;
     void LoadObject(TBinInStream& stream, bool direct, ZoStreamableBase* object);
-    void LoadFields(TBinInStream& stream, bool direct, ZoStreamableBase* object);
-    template <class Source>
-    void LoadLevels(Source take, ZoStreamableBase* object);
-    void ResolveOwnFields(TZoPointerResolver& resolver, ZoStreamableBase* object) const;
+    /// `exact`: the object's C++ type is the one that the class is registered with.
+    void SaveFields(TBinOutStream& stream, bool direct, bool exact, ZoStreamableBase* object);
+    template <class Sink>
+    void SaveLevels(Sink put, bool tells, ZoStreamableBase* object);
     void FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members);
 
     template <class Action>
@@ -188,14 +199,13 @@ private:
             if (i < maps || i >= maps + values) action(*inOrder[i]);
         }
     }
-    template <class Action>
-    void ForEachLevel(Action action); // ancestors first
 
     int classId = 0;
     ZoString name;
     bool abstract = false;
     bool parentMissing = false;
-    enum : unsigned char { Unknown, Yes, No } levelsApply = Unknown;
+    std::unique_ptr<ReadPlan> readPlan; // of a class read from a file
+    unsigned hooks = ~0u;
     bool loading = false;           // fields are put in order at the end
     bool collectsExternals = false; // a field of this class, ancestors aside, points to external instances
     Parents parents;

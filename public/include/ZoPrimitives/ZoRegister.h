@@ -15,20 +15,22 @@
 // `ZoStreamableBase::StreamableInit`, or a default constructor. An abstract class is recognised as such. Call
 // `Storey::Register(&schema)` once, parents first.
 //
-//     REGISTER_ZO_BEGIN(Class, Parent, ...)                  up to three parents, each registered and a base
-//     in C++ DECLARE_ZO_FIELD(Type, field)                          int, unsigned, bool, float, double,
-//     ZoString, ZoBlob DECLARE_ZO_FIELD_LIST(Type, field)                     int, float, double, ZoString:
-//     TDVector<Type> DECLARE_ZO_FIELD_CHILD(Class, field)                   owned: pointer<Class>
-//     DECLARE_ZO_FIELD_CHILD_VALUE(Class, field)             a member that is an object: Class
-//     DECLARE_ZO_FIELD_CHILD_LIST(Class, field)              owned: TIVector<Class, pointer<Class>>
-//     DECLARE_ZO_FIELD_CHILD_MAP(Key, Class, field)          owned: TIMap<Key, Class, pointer<Class>>
-//     DECLARE_ZO_FIELD_REFERENCE(Class, field)               owned elsewhere in the graph: crossRef<Class>
-//     DECLARE_ZO_FIELD_REFERENCE_LIST(Class, field)          the same: TDVector<Class*>
-//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Class, field)      need not be owned in the graph: crossRef<Class>
-//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Class, field) the same: TDVector<Class*>
+// clang-format off
+//     REGISTER_ZO_BEGIN(Class, Parent, ...)            up to three parents, each registered and a base in C++
+//     DECLARE_ZO_FIELD(Type, field)                    int, unsigned, bool, float, double, ZoString, ZoBlob
+//     DECLARE_ZO_FIELD_LIST(Type, field)               int, float, double, ZoString: TDVector<Type>
+//     DECLARE_ZO_FIELD_CHILD(Class, field)             owned: pointer<Class>
+//     DECLARE_ZO_FIELD_CHILD_VALUE(Class, field)       a member that is an object: Class
+//     DECLARE_ZO_FIELD_CHILD_LIST(Class, field)        owned: TIVector<Class, pointer<Class>>
+//     DECLARE_ZO_FIELD_CHILD_MAP(Key, Class, field)    owned, keys too: TIMap<Key, Class, pointer<Class>>
+//     DECLARE_ZO_FIELD_REFERENCE(Class, field)         owned elsewhere in the graph: crossRef<Class>
+//     DECLARE_ZO_FIELD_REFERENCE_LIST(Class, field)    the same: TDVector<Class*>
+//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Class, field)       need not be owned in the graph: crossRef<Class>
+//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Class, field)  the same: TDVector<Class*>
+// clang-format on
 //
-// A class that derives from several streamable classes derives from each virtually-based one in the C++ way;
-// the accessors find their part of the object.
+// A class with several streamable bases lets them derive virtually from their common base; the accessors find
+// their part of the object.
 
 #include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"
@@ -229,6 +231,33 @@ ZO_API ZoString ZoStreamableClassName(const std::type_info& type);
 ZO_API ZoString ZoFieldClass(TZoMetaData* schema, TZoClass** fieldClass, TZoClassFieldType* kind,
                              const char* name, TZoClassFieldType fieldKind);
 
+// Whether a class answers one of the streamers' calls in its own way: the operation is then a member of
+// another type. What cannot be told (an overload, an operation that is not public) counts as answered.
+#define ZO_HOOK_(Hook)                                                                                       \
+    template <class T, class = void>                                                                         \
+    struct ZoOverrides##Hook : std::true_type {};                                                            \
+    template <class T>                                                                                       \
+    struct ZoOverrides##Hook<T, std::void_t<decltype(&T::Hook)>>                                             \
+        : std::negation<std::is_same<decltype(&T::Hook), decltype(&ZoStreamableBase::Hook)>> {};
+ZO_HOOK_(OnRead)
+ZO_HOOK_(OnReadPointer)
+ZO_HOOK_(GetIsValid)
+ZO_HOOK_(HandleExcludedField)
+ZO_HOOK_(CheckForExcludedFields)
+ZO_HOOK_(WillWrite)
+#undef ZO_HOOK_
+
+template <class T>
+constexpr unsigned ZoHooksOf() {
+    return (ZoOverridesOnRead<T>::value ? hookOnRead : 0u) |
+           (ZoOverridesOnReadPointer<T>::value ? hookOnReadPointer : 0u) |
+           (ZoOverridesGetIsValid<T>::value ? hookGetIsValid : 0u) |
+           (ZoOverridesCheckForExcludedFields<T>::value || ZoOverridesHandleExcludedField<T>::value
+                ? hookCheckForExcludedFields
+                : 0u) |
+           (ZoOverridesWillWrite<T>::value ? hookWillWrite : 0u);
+}
+
 /// What the macros' `Register` does, without its templates.
 class ZO_API ZoRegistration {
 public:
@@ -242,6 +271,7 @@ public:
     ZoRegistration(const ZoRegistration&) = delete;
     ZoRegistration& operator=(const ZoRegistration&) = delete;
 
+    void SetHooks(unsigned overridden) { made->SetHooks(overridden); }
     void AddField(FieldClassFunction fieldClassOf, AddFieldFunction add);
     /// Puts the class into the schema and returns it; the class that is there already, when the name is
     /// taken.
@@ -294,6 +324,7 @@ TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* con
         create = ZoCreateInstance<T>;
     }
     ZoRegistration registration(schema, name, parents, create, abstract, typeid(T), ZoSlotOf<T>);
+    registration.SetHooks(ZoHooksOf<T>());
     AddFieldsOfLines<T>(registration, std::make_integer_sequence<int, T::ZoLastLine - T::ZoFirstLine>());
     return registration.Finish();
 }

@@ -21,7 +21,7 @@ namespace {
 constexpr const char* SOURCE = "cpp/Persistence/BinOutStream";
 
 constexpr std::size_t GATHER_CAPACITY =
-    RecordFormat::GATHER_SIZE + RecordFormat::HEAD_SIZE + DEFAULT_BUFFER_SIZE;
+    RecordFormat::GATHER_SIZE + DEFAULT_BUFFER_SIZE + 2 * RecordFormat::HEAD_SIZE;
 constexpr std::size_t FIRST_KEEP_CAPACITY = 64 * 1024;
 
 // A sum reads 16 bytes at a time what was stored in smaller pieces: right after the stores the processor
@@ -59,8 +59,19 @@ TBinOutStream& TBinOutStream::operator=(const TBinOutStream& other) {
     extraLength = other.extraLength;
     lastUid = other.lastUid;
     usesSecurity = other.usesSecurity;
-    DropRecord();
-    Append(other.record, other.GetBufferSize());
+    const std::size_t payload = other.GetBufferSize();
+    if (buffering == Buffering::Keep && other.buffering == Buffering::Keep) {
+        const auto gathered = static_cast<std::size_t>(other.gatheredEnd - other.buffer);
+        const std::size_t needed = gathered + payload + 2 * RecordFormat::HEAD_SIZE;
+        if (needed > static_cast<std::size_t>(bufferEnd - buffer)) Allocate(needed);
+        std::memcpy(buffer, other.buffer, gathered);
+        summedEnd = buffer + (other.summedEnd - other.buffer);
+        SetBounds(gathered, payload);
+        std::memcpy(record, other.record, payload);
+    } else {
+        DropRecord();
+        Append(other.record, payload);
+    }
     return *this;
 }
 
@@ -84,7 +95,9 @@ void TBinOutStream::SetBounds(std::size_t gathered, std::size_t payload) {
     gatheredEnd = buffer + gathered;
     record = gatheredEnd + RecordFormat::HEAD_SIZE;
     position = record + payload;
-    limit = record + std::min<std::size_t>(DEFAULT_BUFFER_SIZE, static_cast<std::size_t>(bufferEnd - record));
+    // A head's room stays behind the record, so that the next one can always begin.
+    const std::ptrdiff_t room = bufferEnd - record - static_cast<std::ptrdiff_t>(RecordFormat::HEAD_SIZE);
+    limit = record + std::clamp<std::ptrdiff_t>(room, 0, DEFAULT_BUFFER_SIZE);
 }
 
 void TBinOutStream::MakeRoom(std::size_t size) {
@@ -94,7 +107,6 @@ void TBinOutStream::MakeRoom(std::size_t size) {
     const auto gathered = static_cast<std::size_t>(gatheredEnd - buffer);
     const auto summed = static_cast<std::size_t>(summedEnd - buffer);
     const auto capacity = static_cast<std::size_t>(bufferEnd - buffer);
-    // A head's room behind the record, so that the next one can always begin.
     const std::size_t needed = gathered + payload + size + 2 * RecordFormat::HEAD_SIZE;
     Allocate(std::max(capacity * 2, needed));
     SetBounds(gathered, payload);
@@ -189,6 +201,7 @@ void* TBinOutStream::GetFile() const { return nullptr; }
 void TBinOutStream::SetFile(void*) {}
 
 int TBinOutStream::AllocateHandle(const ZoStreamableBase* object) {
+    ZO_ASSERT(object != nullptr, "object != nullptr", SOURCE);
     HandleAccess::Allocate(*this, object);
     return nextHandle - 1;
 }
@@ -227,22 +240,9 @@ bool TBinOutStream::Frame(int uid, int classId, bool mayScramble) {
     RecordFormat::WriteHead(frame, head);
     gatheredEnd = position;
     if (scramble) summedEnd = gatheredEnd;
-    StartRecord();
+    SetBounds(static_cast<std::size_t>(gatheredEnd - buffer), 0);
     if (gatheredEnd - summedEnd > SUM_BATCH + SUM_LAG) SumGathered(gatheredEnd - SUM_LAG);
     return true;
-}
-
-void TBinOutStream::StartRecord() {
-    const auto left = static_cast<std::size_t>(bufferEnd - gatheredEnd);
-    if (left < RecordFormat::HEAD_SIZE) {
-        const auto gathered = static_cast<std::size_t>(gatheredEnd - buffer);
-        const auto summed = static_cast<std::size_t>(summedEnd - buffer);
-        Allocate(
-            std::max(static_cast<std::size_t>(bufferEnd - buffer) * 2, gathered + RecordFormat::HEAD_SIZE));
-        gatheredEnd = buffer + gathered;
-        summedEnd = buffer + summed;
-    }
-    SetBounds(static_cast<std::size_t>(gatheredEnd - buffer), 0);
 }
 
 void TBinOutStream::SumGathered(const unsigned char* end) {
@@ -261,7 +261,7 @@ void TBinOutStream::FrameRaw() {
     std::memmove(gatheredEnd, record, size);
     gatheredEnd += size;
     summedEnd = gatheredEnd;
-    StartRecord();
+    SetBounds(static_cast<std::size_t>(gatheredEnd - buffer), 0);
 }
 
 const unsigned char* TBinOutStream::Gathered(unsigned long long& size) {
@@ -278,7 +278,24 @@ void TBinOutStream::DropGathered() {
 }
 
 void TBinOutStream::PatchGathered(unsigned long long offset, const void* data, std::size_t size) {
+    const unsigned long long gathered = GatheredSize();
+    ZO_ASSERT(offset <= gathered && size <= gathered - offset,
+              "offset <= GatheredSize() && size <= GatheredSize() - offset", SOURCE);
+    SumGathered(gatheredEnd);
     std::memcpy(buffer + offset, data, size);
+}
+
+void TBinOutStream::PatchHeader() {
+    const unsigned payload = GetBufferSize();
+    SaveHeader();
+    PatchGathered(0, record + payload, GetBufferSize() - payload);
+    position = record + payload;
+}
+
+void TBinOutStream::StartAnew() {
+    DropGathered();
+    recordCount = 0;
+    lastUid = -1;
 }
 
 unsigned char* TBinOutStream::TakeGathered(unsigned long long& size) {

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <typeinfo>
 
 namespace ZoPrimitives {
@@ -12,13 +13,15 @@ namespace ZoPrimitives {
 TMemoryBinOutStream::TMemoryBinOutStream() : TMemoryBinOutStream(0, 0) {}
 TMemoryBinOutStream::TMemoryBinOutStream(unsigned version, unsigned release)
     : TBinOutStream(version, release, Buffering::Keep) {}
+TMemoryBinOutStream::TMemoryBinOutStream(const TMemoryBinOutStream&) = default;
+TMemoryBinOutStream& TMemoryBinOutStream::operator=(const TMemoryBinOutStream&) = default;
 TMemoryBinOutStream::~TMemoryBinOutStream() = default;
 
 void TMemoryBinOutStream::Initialize() {
-    DropGathered();
+    StartAnew();
     if (GetBufferSize() == 0) SaveHeader();
     FlushBuffer();
-    hasHeader = true;
+    hasHeader = GetSize() >= RecordFormat::HEADER_SIZE;
 }
 
 void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId, true); }
@@ -26,16 +29,19 @@ void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId
 void TMemoryBinOutStream::FlushBuffer() { FrameRaw(); }
 
 void TMemoryBinOutStream::FreeResourses() {
+    hasHeader = false;
     DropRecord();
     DropGathered();
-    hasHeader = false;
+    try {
+        unsigned long long size = 0;
+        std::free(TakeGathered(size));
+    } catch (const std::bad_alloc&) {
+        return; // the block at hand stays, empty
+    }
 }
 
 void TMemoryBinOutStream::RewriteHeader() {
-    if (!hasHeader) return;
-    SaveHeader();
-    PatchGathered(0, RecordBytes(), RecordFormat::HEADER_SIZE);
-    DropRecord();
+    if (hasHeader) PatchHeader();
 }
 
 bool TMemoryBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TMemoryBinOutStream); }

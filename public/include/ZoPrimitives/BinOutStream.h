@@ -26,7 +26,8 @@ class ZO_API TBinOutStream : public ZoObject {
 public:
     TBinOutStream();
     TBinOutStream(unsigned version, unsigned release);
-    /// Copies the header's values and the open record, not the handles.
+    /// Copies the header's values and the open record, and from a stream that keeps what it wrote to another
+    /// that does, that too; not the handles.
     TBinOutStream(const TBinOutStream& other);
     TBinOutStream& operator=(const TBinOutStream& other);
     ~TBinOutStream() override;
@@ -141,6 +142,10 @@ protected:
     void DropGathered();
     /// Writes bytes over gathered ones; `offset` + `size` must lie inside them.
     void PatchGathered(unsigned long long offset, const void* data, std::size_t size);
+    /// Writes the header as it would be now over the first gathered bytes; the open record stays.
+    void PatchHeader();
+    /// Forgets what was gathered and counted; the open record stays.
+    void StartAnew();
     /// Gives the gathered bytes away, on the C heap, and starts an empty buffer. The open record is lost.
     unsigned char* TakeGathered(unsigned long long& size);
     /// Drops the open record.
@@ -153,7 +158,6 @@ private:
     void Allocate(std::size_t capacity);
     void SetBounds(std::size_t gathered, std::size_t payload);
     void MakeRoom(std::size_t size);
-    void StartRecord();
     [[noreturn]] void RefuseHandle();
     void SumGathered(const unsigned char* end);
 

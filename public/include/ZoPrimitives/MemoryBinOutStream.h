@@ -9,13 +9,18 @@ class ZO_API TMemoryBinOutStream : public TBinOutStream {
 public:
     TMemoryBinOutStream();
     TMemoryBinOutStream(unsigned version, unsigned release);
+    /// What was written is copied, too.
+    TMemoryBinOutStream(const TMemoryBinOutStream&);
+    TMemoryBinOutStream& operator=(const TMemoryBinOutStream&);
     ~TMemoryBinOutStream() override;
 
-    /// Starts anew with the header.
+    /// Starts anew with the header, or with the bytes of the open record when that is not empty (a header
+    /// that `SaveHeader` placed there).
     void Initialize() override;
     void FlushRecord(int uid, int classId) override;
     void FlushBuffer() override;
     void FreeResourses() override;
+    /// Does nothing where there is no header: before `Initialize`, and after `Detach` or `FreeResourses`.
     void RewriteHeader() override;
     bool PutsDirectly() const override;
 

@@ -98,13 +98,17 @@ void* TBinInStream::GetFile() const { return nullptr; }
 // Values
 
 const unsigned char* TBinInStream::TakeBlock(unsigned& size, const char* location) {
-    Take(size);
-    if (position > recordSize || size > recordSize - position) {
-        throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location);
+    if (GetRemaining() >= sizeof size) {
+        Take(size);
+        if (size <= recordSize - position) {
+            const unsigned char* bytes = record + position;
+            position += size;
+            return bytes;
+        }
+    } else {
+        position = std::min<unsigned>(position + sizeof size, DEFAULT_BUFFER_SIZE);
     }
-    const unsigned char* bytes = record + position;
-    position += size;
-    return bytes;
+    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location);
 }
 
 void TBinInStream::Get(ZoBlob& value) {
@@ -212,6 +216,8 @@ bool TBinInStream::ReadWindow(void* data, unsigned size, unsigned& done) {
 }
 
 bool TBinInStream::ReadAll(void* data, unsigned size) {
+    readError = 0;
+    if (size == 0) return true; // a source may take "any were read" to be false here
     unsigned done = 0;
     const bool read = HasWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
     return read && done == size;
@@ -234,8 +240,15 @@ void TBinInStream::ApplySecurityKey(unsigned key, unsigned char* data, unsigned 
 // Header
 
 void TBinInStream::ReadHeader(const char* location) {
-    ReadOrThrow(Buffer(), RecordFormat::HEADER_SIZE, location);
-    UseBuffer(RecordFormat::HEADER_SIZE);
+    if (HasWindow() && WindowSize() - WindowPosition() >= RecordFormat::HEADER_SIZE) {
+        record = windowCursor;
+        recordSize = RecordFormat::HEADER_SIZE;
+        position = 0;
+        windowCursor += RecordFormat::HEADER_SIZE;
+    } else {
+        ReadOrThrow(Buffer(), RecordFormat::HEADER_SIZE, location);
+        UseBuffer(RecordFormat::HEADER_SIZE);
+    }
     if (!LoadHeader()) {
         if (readError != 0) ThrowReadError(location);
         throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
@@ -250,7 +263,9 @@ bool TBinInStream::LoadHeader() {
         extraLength >= RecordFormat::EXTRA_LENGTH_LIMIT) {
         return false;
     }
-    if (extraLength != 0 && !ReadAll(Buffer(), extraLength)) return false;
+    // Nothing looks at the extra block, so one that is cut short is the next record's concern.
+    if (extraLength != 0 && !ReadAll(Buffer(), extraLength) && readError != 0)
+        ThrowReadError("TBinInStream::LoadHeader");
     if (supportedVersion < version) throw XNewerVersion();
     return true;
 }

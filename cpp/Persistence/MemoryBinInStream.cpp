@@ -9,8 +9,12 @@ TMemoryBinInStream::TMemoryBinInStream(const void* sourceBlock, unsigned long lo
                                        unsigned supportedVersion, bool ownsSource)
     : TBinInStream(supportedVersion, ownsSource), block(sourceBlock) {
     static const unsigned char nothing = 0;
-    const auto* begin = size == 0 ? &nothing : static_cast<const unsigned char*>(block);
-    SetWindow(begin, begin + size);
+    if (block == nullptr) {
+        SetWindow(&nothing, &nothing);
+    } else {
+        const auto* begin = static_cast<const unsigned char*>(block);
+        SetWindow(begin, begin + size);
+    }
 }
 
 TMemoryBinInStream::~TMemoryBinInStream() {

@@ -177,7 +177,7 @@ protected:
     /// Reads the header's bytes and checks them. Throws `XReadStream` with the error's text and `location`
     /// when they cannot be read, "Header de arquivo inválido" when they are none, and `XNewerVersion`.
     void ReadHeader(const char* location);
-    /// The device's error behind a `Read` that failed; 0 for the end of the data.
+    /// The device's error behind a `Read` that fails, from within it; not called: the data ended.
     void SetReadError(unsigned long error) { readError = error; }
 
 private:

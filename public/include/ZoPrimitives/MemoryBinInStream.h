@@ -10,7 +10,7 @@ namespace ZoPrimitives {
 /// unchanged.
 class ZO_API TMemoryBinInStream : public TBinInStream {
 public:
-    /// `ownsSource`: the block is on the C heap and is freed with the stream.
+    /// `ownsSource`: the block is on the C heap and is freed with the stream. A null block holds nothing.
     TMemoryBinInStream(const void* block, unsigned long long size, unsigned supportedVersion,
                        bool ownsSource = false);
     ~TMemoryBinInStream() override;

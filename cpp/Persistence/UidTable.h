@@ -14,6 +14,7 @@ class UidTable {
 public:
     void Set(int uid, ZoStreamableBase* object) {
         ++count;
+        if (!sparse.empty()) sparse.erase(uid);
         const auto index = static_cast<std::size_t>(uid);
         if (uid >= 0 && index < dense.size()) {
             dense[index] = object;

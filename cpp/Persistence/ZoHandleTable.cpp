@@ -16,11 +16,9 @@ class LiveRuns {
 public:
     std::uint64_t Begin(std::uint64_t& endedBefore) {
         const std::lock_guard<std::mutex> lock(guard);
-        runs.reserve(runs.size() + 1);
-        const std::uint64_t run = ++last;
-        runs.push_back(run);
+        runs.push_back(last + 1);
         endedBefore = runs.front();
-        return run;
+        return ++last;
     }
     void End(std::uint64_t run) noexcept {
         const std::lock_guard<std::mutex> lock(guard);

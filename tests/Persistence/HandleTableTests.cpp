@@ -1,0 +1,130 @@
+#include "ZoPrimitives/MemoryBinOutStream.h"
+#include "ZoPrimitives/ZoHandleTable.h"
+#include "ZoPrimitives/ZoStreamable.h"
+#include "support/Assertions.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <random>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+struct Thing : ZoStreamableBase {
+    ZoString StreamableClassName() const override { return "class Thing"; }
+};
+
+TEST(HandleTable, BehavesAsAMapOfItsOwn) {
+    std::mt19937 random(3);
+    const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
+    std::vector<std::unique_ptr<Thing>> things(10);
+    for (auto& thing : things) thing = std::make_unique<Thing>();
+    struct Pair {
+        ZoHandleTable table;
+        std::map<const Thing*, int> expected;
+    };
+    std::vector<std::unique_ptr<Pair>> pairs(4);
+    for (auto& pair : pairs) pair = std::make_unique<Pair>();
+    for (int step = 0; step < 20'000; ++step) {
+        std::unique_ptr<Pair>& pair = pairs[below(4)];
+        Thing* thing = things[below(10)].get();
+        switch (below(40)) {
+        case 0:
+            pair->table.Reset();
+            pair->expected.clear();
+            break;
+        case 1:
+            pair = std::make_unique<Pair>(); // the old one ends in the middle of its run
+            break;
+        case 2: {
+            const ZoHandleTable copy = pair->table;
+            ASSERT_EQ(copy.Get(thing), 0) << "handles are not copied";
+            pair->table = pairs[below(4)]->table; // and an assignment leaves them
+            break;
+        }
+        case 3:
+            *thing = *things[below(10)];
+            break; // they belong to the object's place
+        case 4: {
+            const Thing copy = *thing;
+            for (const auto& other : pairs) ASSERT_EQ(other->table.Get(&copy), 0);
+            break;
+        }
+        default:
+            pair->table.Set(thing, step + 1);
+            pair->expected[thing] = step + 1;
+            break;
+        }
+        const auto& seen = *pairs[below(4)];
+        for (const auto& each : things) {
+            const auto found = seen.expected.find(each.get());
+            ASSERT_EQ(seen.table.Get(each.get()), found == seen.expected.end() ? 0 : found->second)
+                << "step " << step;
+        }
+    }
+}
+
+TEST(HandleTable, HoldsNothingForNull) {
+    ZoHandleTable table;
+    table.Set(nullptr, 5);
+    EXPECT_EQ(table.Get(nullptr), 0);
+    Thing thing;
+    table.Set(&thing, -7);
+    EXPECT_EQ(table.Get(&thing), -7);
+    table.Set(&thing, 0);
+    EXPECT_EQ(table.Get(&thing), 0);
+}
+
+TEST(HandleTable, AnObjectMayStandInManyStreams) {
+    std::vector<std::unique_ptr<TMemoryBinOutStream>> streams(300);
+    Thing thing, other;
+    for (std::size_t i = 0; i < streams.size(); ++i) {
+        streams[i] = std::make_unique<TMemoryBinOutStream>();
+        const int first = i % 2 == 0 ? streams[i]->AllocateHandle(&other) : 0;
+        EXPECT_EQ(streams[i]->AllocateHandle(&thing), first + 1);
+    }
+    for (std::size_t i = 0; i < streams.size(); i += 3) streams[i].reset();
+    for (std::size_t i = 1; i < streams.size(); i += 3) streams[i]->ResetHandles();
+    for (std::size_t i = 0; i < streams.size(); ++i) {
+        if (streams[i] == nullptr) continue;
+        const int expected = i % 3 == 1 ? 0 : i % 2 == 0 ? 2 : 1;
+        EXPECT_EQ(streams[i]->GetHandle(&thing), expected) << i;
+        EXPECT_EQ(streams[i]->GetHandle(&other), i % 2 == 0 && expected != 0 ? 1 : 0) << i;
+        const TMemoryBinOutStream copy = *streams[i];
+        EXPECT_EQ(copy.GetHandle(&thing), 0) << "a copy gives its own";
+    }
+    EXPECT_EQ(streams[1]->AllocateHandle(&other), 1) << "from 1 again";
+    EXPECT_EQ(AssertionOf([&] { streams[1]->AllocateHandle(nullptr); }).source,
+              "cpp/Persistence/BinOutStream");
+}
+
+TEST(HandleTable, ThreadsWithObjectsOfTheirOwnDoNotMeet) {
+    std::vector<std::thread> threads;
+    int wrong[4] = {};
+    for (int& count : wrong) {
+        threads.emplace_back([&count] {
+            std::vector<Thing> things(50);
+            for (int round = 0; round < 300; ++round) {
+                ZoHandleTable first, second;
+                for (int i = 0; i < 50; ++i) first.Set(&things[static_cast<std::size_t>(i)], round + i);
+                for (int i = 0; i < 50; ++i) second.Set(&things[static_cast<std::size_t>(i)], -round - i);
+                if (round % 3 == 0) first.Reset();
+                for (int i = 0; i < 50; ++i) {
+                    const Thing& thing = things[static_cast<std::size_t>(i)];
+                    count += first.Get(&thing) != (round % 3 == 0 ? 0 : round + i);
+                    count += second.Get(&thing) != -round - i;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (int count : wrong) EXPECT_EQ(count, 0);
+}
+
+} // namespace

@@ -1,0 +1,854 @@
+#include "Persistence/ErrorText.h"
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/MemoryBinInStream.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoStreamable.h"
+#include "ZoPrimitives/ZoString.h"
+#include "support/Records.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace ZoPrimitives;
+using namespace std::string_literals;
+
+namespace {
+
+constexpr const char* CORRUPT_FILE = "Arquivo corrompido";
+constexpr const char* CORRUPT_RECORD = "Tamanho de registro corrompido";
+
+/// A source of one's own: `Read` and nothing else.
+class Source : public TBinInStream {
+public:
+    enum Kind {
+        Strict, ///< true when all bytes came
+        Lenient ///< true when any came
+    };
+    explicit Source(std::string data, unsigned version = 9999, Kind sourceKind = Strict)
+        : TBinInStream(version, false), bytes(std::move(data)), kind(sourceKind) {}
+
+    void Initialize() { ReadHeader("Source::Source"); }
+    void Use(const std::string& data) {
+        bytes = data;
+        cursor = 0;
+    }
+    static unsigned Decoded(unsigned stored) { return GetSecurityKey(stored); }
+    /// From here on the device fails.
+    std::size_t failsFrom = std::string::npos;
+
+protected:
+    bool Read(void* data, unsigned size, unsigned& done) override {
+        const std::size_t end = std::min(bytes.size(), failsFrom);
+        done = static_cast<unsigned>(std::min<std::size_t>(size, end - cursor));
+        bytes.copy(static_cast<char*>(data), done, cursor);
+        cursor += done;
+        if (done < size && failsFrom < bytes.size()) SetReadError(DEVICE_ERROR);
+        return kind == Strict ? done == size : done != 0;
+    }
+
+private:
+    std::string bytes;
+    std::size_t cursor = 0;
+    Kind kind;
+};
+
+/// The record that a stream holds.
+std::string Payload(TBinInStream& stream) {
+    std::string bytes(stream.GetRecordSize(), '\0');
+    stream.SetRecordPosition(0);
+    for (char& byte : bytes) {
+        unsigned char value = 0;
+        stream.Take(value);
+        byte = static_cast<char>(value);
+    }
+    stream.SetRecordPosition(0);
+    return bytes;
+}
+
+std::string Told(const std::string& message, const std::string& location) {
+    return "throws \"" + message + "\" in " + location;
+}
+
+/// What an operation throws as text; empty for nothing.
+template <class Operation>
+std::string Thrown(Operation operation) {
+    try {
+        operation();
+    } catch (const XNewerVersion& e) {
+        return e.Message() == "" && e.Location() == "" ? "throws XNewerVersion" : "XNewerVersion with texts";
+    } catch (const XReadStream& e) {
+        return Told(e.Message().c_str(), e.Location().c_str());
+    }
+    return {};
+}
+
+/// All records up to the end, or to an exception, as lines of text.
+std::vector<std::string> ReadAll(TBinInStream& stream) {
+    std::vector<std::string> lines;
+    const unsigned long long before = stream.GetSkipped();
+    const std::string thrown = Thrown([&] {
+        int uid = 0, classId = 0;
+        while (stream.LoadRecord(&uid, &classId)) {
+            EXPECT_EQ(stream.GetCurrentUID(), uid);
+            lines.push_back(std::to_string(uid) + ' ' + std::to_string(classId) + ' ' + Payload(stream));
+        }
+    });
+    if (!thrown.empty()) lines.push_back(thrown);
+    lines.push_back(std::to_string(stream.GetSkipped() - before) + " passed over");
+    return lines;
+}
+
+/// The rule for finding records, once more and as plainly as it can be said.
+std::vector<std::string> ReadByTheRule(const std::string& bytes) {
+    using Window = std::string;
+    const Window none(4, '\0');
+    std::vector<std::string> lines;
+    std::size_t at = 0;
+    unsigned long long skipped = 0;
+    const auto take = [&](std::size_t count, std::string& taken) {
+        taken = bytes.substr(std::min(at, bytes.size()), count);
+        at += taken.size();
+        return taken.size() == count;
+    };
+    const auto end = [&](const std::string& how) {
+        if (!how.empty()) lines.push_back(how);
+        lines.push_back(std::to_string(skipped) + " passed over");
+        return lines;
+    };
+    const auto failed = [&](int point) {
+        return end(Told("No error", "TBinInStream::LoadRecord #" + std::to_string(point)));
+    };
+    for (;;) {
+        Window window;
+        if (!take(4, window)) return end("");
+        bool found = false;
+        for (int round = 1; round <= 65'535 && !found; ++round) {
+            if (window == "\xCA\xAB\xCA\xAB" || window == "\xCD\xAB\xCD\xAB") {
+                window = none;
+                std::string size, crc, classId, uid, key, payload;
+                if (!take(4, size)) return failed(1);
+                if (Word(size, 0) > 10'485'760) {
+                    skipped += 8;
+                    continue;
+                }
+                if (!take(4, crc)) return failed(2);
+                if (!take(4, classId)) return failed(3);
+                if (!take(4, uid)) return failed(4);
+                if (!take(4, key)) return failed(5);
+                if (!take(Word(size, 0), payload)) return failed(3);
+                for (unsigned bit : {1u, 2u, 4u}) {
+                    if ((Word(key, 0) & bit) == 0) continue;
+                    payload = Scrambled(payload, bit);
+                    break;
+                }
+                if (ZlibCrc(payload) == Word(crc, 0)) {
+                    lines.push_back(std::to_string(static_cast<int>(Word(uid, 0))) + ' ' +
+                                    std::to_string(static_cast<int>(Word(classId, 0))) + ' ' + payload);
+                    found = true;
+                } else {
+                    skipped += Word(size, 0) + 24;
+                }
+            } else {
+                ++skipped;
+                std::string byte;
+                if (!take(1, byte)) return end("");
+                window = {window[1], byte[0], window[3], window[0]};
+            }
+        }
+        if (!found) return end(Told(CORRUPT_FILE, "TBinInStream::LoadRecord #5"));
+    }
+}
+
+/// Data that lies in memory as a whole, for a stream that is used again.
+class Window : public TBinInStream {
+public:
+    Window() : TBinInStream(9999, false) {}
+    void Use(const std::string& data) {
+        bytes.reset(new unsigned char[data.size()]); // of just that size: a read behind it is seen
+        std::copy(data.begin(), data.end(), bytes.get());
+        SetWindow(bytes.get(), bytes.get() + data.size());
+    }
+
+protected:
+    bool Read(void*, unsigned, unsigned&) override { throw std::logic_error("the window is not asked"); }
+
+private:
+    std::unique_ptr<unsigned char[]> bytes;
+};
+
+/// Every way to read a block gives what the rule gives. The streams are used again and again: each takes 10
+/// MiB when it meets damage.
+::testing::AssertionResult ReadsByTheRule(const std::string& bytes,
+                                          std::vector<std::string>* result = nullptr) {
+    static Window window;
+    static Source strict(""), lenient("", 9999, Source::Lenient);
+    const auto expected = ReadByTheRule(bytes);
+    if (result != nullptr) *result = expected;
+    window.Use(bytes);
+    strict.Use(bytes);
+    lenient.Use(bytes);
+    const std::pair<const char*, TBinInStream*> streams[] = {
+        {"window", &window}, {"strict source", &strict}, {"lenient source", &lenient}};
+    for (const auto& [name, stream] : streams) {
+        const auto got = ReadAll(*stream);
+        if (got != expected) {
+            return ::testing::AssertionFailure() << name << ": " << ::testing::PrintToString(got)
+                                                 << "\ninstead of: " << ::testing::PrintToString(expected);
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
+const std::string A = RecordBytes(1, 7, "aaaa"), B = RecordBytes(2, 8, "bb"), C = RecordBytes(3, 9, "c");
+
+std::string WithBadSum(std::string record) {
+    record[8] = static_cast<char>(record[8] ^ 1);
+    return record;
+}
+std::string Repeated(const std::string& piece, std::size_t times) {
+    std::string text;
+    for (std::size_t i = 0; i < times; ++i) text += piece;
+    return text;
+}
+
+TEST(RecordReader, PassesOverDamage) {
+    const std::string corrupt = Told(CORRUPT_FILE, "TBinInStream::LoadRecord #5");
+    const struct {
+        const char* name;
+        std::string bytes;
+        std::string uids; // and "end" for a quiet end
+    } cases[] = {
+        {"nothing", "", "end"},
+        {"a few bytes only", "abc", "end"},
+        {"three records", A + B + C, "1 2 3 end"},
+        {"both markers", A + Record{2, 8, "b", 0, 0xABCDABCD}.Bytes() + C, "1 2 3 end"},
+        {"a mixture of the markers is none", A + Record{2, 8, "b", 0, 0xABCAABCD}.Bytes() + C, "1 3 end"},
+        {"a flipped payload byte", A + B + WithBadSum(C) + A + B, "1 2 1 2 end"},
+        {"a record without payload", A + RecordBytes(5, 6, "") + C, "1 5 3 end"},
+        {"one byte of garbage: the next record is lost", A + "x" + B + C, "1 3 end"},
+        {"two bytes", A + "xx" + B + C, "1 3 end"},
+        {"three bytes", A + "xxx" + B + C, "1 3 end"},
+        {"four bytes", A + "xxxx" + B + C, "1 2 3 end"},
+        {"five bytes", A + "xxxxx" + B + C, "1 2 3 end"},
+        {"one byte that completes the window", A + "\xAB" + B + C, "1 2 3 end"},
+        {"half a marker before: its size is half a marker", A + "\xCA\xAB" + B + C,
+         "1 " + Told("No error", "TBinInStream::LoadRecord #3")},
+        {"a whole marker before: its size is a marker", A + "\xCA\xAB\xCA\xAB" + B + C, "1 3 end"},
+        {"garbage at the end", A + B + "xxxxxxx", "1 2 end"},
+        {"the most garbage", A + std::string(65'534, 'x') + B, "1 2 end"},
+        {"a byte more", A + std::string(65'535, 'x') + B, "1 " + corrupt},
+        {"that much again after a good record", std::string(65'534, 'x') + A + std::string(65'534, 'x') + B,
+         "1 2 end"},
+        {"garbage to the end before the limit", A + std::string(65'538, 'x'), "1 end"},
+        {"garbage to the end at the limit", A + std::string(65'539, 'x'), "1 " + corrupt},
+        {"the most records with a wrong sum", Repeated(WithBadSum(A), 13'106) + B, "2 end"},
+        {"one more of them", Repeated(WithBadSum(A), 13'107) + B, corrupt},
+        {"a size just too large", A + "\xCA\xAB\xCA\xAB\1\0\xA0\0"s + B + C, "1 2 3 end"},
+        {"the largest size", A + "\xCA\xAB\xCA\xAB\xFF\xFF\xFF\xFF" + B + C, "1 2 3 end"},
+        {"a possible size that is not there", A + "\xCA\xAB\xCA\xAB\0\0\xA0\0"s + B + C,
+         "1 " + Told("No error", "TBinInStream::LoadRecord #3")},
+    };
+    for (const auto& row : cases) {
+        std::vector<std::string> lines;
+        EXPECT_TRUE(ReadsByTheRule(row.bytes, &lines)) << row.name;
+        std::string got;
+        for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+            const bool threw = lines[i].rfind("throws", 0) == 0;
+            got += threw ? lines[i] : lines[i].substr(0, lines[i].find(' ') + 1);
+        }
+        if (got.find("throws") == std::string::npos) got += "end";
+        EXPECT_EQ(got, row.uids) << row.name;
+    }
+}
+
+TEST(RecordReader, FollowsTheRuleOnMixturesOfRecordsAndGarbage) {
+    std::mt19937 random(42);
+    const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
+    const char garbage[] = {'\xCA', '\xAB', '\xCD', '\0', 'x'};
+    for (int round = 0; round < 1500; ++round) {
+        std::string bytes;
+        for (unsigned piece = 0; piece < 12; ++piece) {
+            std::string payload(below(9), '\0');
+            for (char& byte : payload) byte = below(2) != 0 ? static_cast<char>(random()) : garbage[below(5)];
+            Record record{static_cast<int>(random()), static_cast<int>(below(20)), payload,
+                          below(3) != 0 ? 0 : below(256), below(4) != 0 ? 0xABCAABCA : 0xABCDABCD};
+            std::string frame = record.Bytes();
+            switch (below(10)) {
+            case 0:
+                frame = WithBadSum(frame);
+                break;
+            case 1:
+                frame[6 + below(2)] = static_cast<char>(random());
+                break; // a size, often too large
+            case 2:
+                frame[below(4)] = garbage[below(5)];
+                break; // the marker
+            case 3:
+                frame.erase(below(static_cast<unsigned>(frame.size())), 1 + below(3));
+                break;
+            default:
+                break;
+            }
+            bytes += frame;
+            if (below(3) == 0) {
+                for (unsigned i = below(11); i > 0; --i) bytes += garbage[below(5)];
+            }
+        }
+        ASSERT_TRUE(ReadsByTheRule(bytes)) << "round " << round;
+    }
+}
+
+TEST(RecordReader, ReadsDamagedFilesTheSameFromEverySource) {
+    const std::string file = A + Record{2, 8, "bbbbbb", 2}.Bytes() + "garbage" + RecordBytes(5, 5, "") +
+                             Record{6, 6, "six", 7, 0xABCDABCD}.Bytes() + C;
+    for (std::size_t size = 0; size <= file.size(); ++size)
+        ASSERT_TRUE(ReadsByTheRule(file.substr(0, size))) << size << " bytes";
+    for (std::size_t at = 0; at < file.size(); ++at) {
+        for (unsigned flip : {1u, 2u, 4u, 8u, 16u, 32u, 64u, 128u, 255u}) {
+            std::string damaged = file;
+            damaged[at] = static_cast<char>(static_cast<unsigned char>(damaged[at]) ^ flip);
+            ASSERT_TRUE(ReadsByTheRule(damaged)) << "byte " << at << " flipped by " << flip;
+        }
+    }
+}
+
+TEST(RecordReader, TellsWhereARecordBreaksOff) {
+    const struct {
+        const char* name;
+        std::size_t left;     // bytes of the second record
+        const char* ended;    // location when the data ends there; null for a quiet end
+        const char* deviceAt; // location when the device fails there
+    } cases[] = {
+        {"before the marker", 0, nullptr, "TBinInStream::LoadRecord #1"},
+        {"in the marker", 3, nullptr, "TBinInStream::LoadRecord #1"},
+        {"before the size", 4, "TBinInStream::LoadRecord #1", "TBinInStream::LoadRecord #1"},
+        {"in the size", 7, "TBinInStream::LoadRecord #1", "TBinInStream::LoadRecord #1"},
+        {"before the sum", 8, "TBinInStream::LoadRecord #2", "TBinInStream::LoadRecord #2"},
+        {"in the class id", 13, "TBinInStream::LoadRecord #3", "TBinInStream::LoadRecord #3"},
+        {"in the uid", 19, "TBinInStream::LoadRecord #4", "TBinInStream::LoadRecord #4"},
+        {"before the key", 20, "TBinInStream::LoadRecord #5", "TBinInStream::LoadRecord #5"},
+        {"before the payload", 24, "TBinInStream::LoadRecord #3", "TBinInStream::LoadRecord #3"},
+        {"in the payload", 25, "TBinInStream::LoadRecord #3", "TBinInStream::LoadRecord #3"},
+    };
+    for (const auto& row : cases) {
+        const std::string file = A + B.substr(0, row.left);
+        const std::string ended = row.ended == nullptr ? "" : Told("No error", row.ended);
+        const auto second = [](TBinInStream& stream) {
+            int uid = 0, classId = 0;
+            EXPECT_TRUE(stream.LoadRecord(&uid, &classId));
+            return Thrown([&] { EXPECT_FALSE(stream.LoadRecord(&uid, &classId)); });
+        };
+        TMemoryBinInStream memory(file.data(), file.size(), 1);
+        EXPECT_EQ(second(memory), ended) << row.name;
+        Source lenient(file, 1, Source::Lenient);
+        EXPECT_EQ(second(lenient), ended) << row.name;
+        Source broken(A + B + C);
+        broken.failsFrom = file.size();
+        EXPECT_EQ(second(broken), Told("Input/output error", row.deviceAt)) << row.name;
+        broken.failsFrom = std::string::npos;
+        int uid = 0, classId = 0;
+        EXPECT_EQ(Thrown([&] {
+                      while (broken.LoadRecord(&uid, &classId)) {
+                      }
+                  }),
+                  "")
+            << row.name << ": an error that is over is forgotten";
+    }
+    Source hunting(A + "xxxxxxxxx" + B);
+    hunting.failsFrom = A.size() + 6;
+    EXPECT_EQ(ReadAll(hunting)[1], Told("Input/output error", "TBinInStream::LoadRecord #5"));
+}
+
+TEST(RecordReader, KnowsAllStoredKeys) {
+    for (unsigned key = 0; key < 256; ++key) {
+        const unsigned low = key & 7;
+        const unsigned expected = low == 0 ? 0 : low == 4 ? 4 : low % 2 == 1 ? 1 : 2;
+        EXPECT_EQ(Source::Decoded(key), expected) << key;
+        std::vector<std::string> lines;
+        const std::string file =
+            Record{1, 2, "plain text", key}.Bytes() + Record{3, 4, "more of it", key | 0xABCDEF00u}.Bytes();
+        EXPECT_TRUE(ReadsByTheRule(file, &lines)) << key;
+        EXPECT_EQ(lines, (std::vector<std::string>{"1 2 plain text", "3 4 more of it", "0 passed over"}))
+            << key;
+    }
+}
+
+TEST(RecordReader, ChecksTheHeader) {
+    const std::string invalid = Told("Header de arquivo inv\xE1lido", "TBinInStream::LoadHeader");
+    const struct {
+        const char* name;
+        std::string bytes;
+        unsigned supported;
+        std::string thrown; // empty: record A is read
+    } cases[] = {
+        {"usual", HeaderBytes(3, 2026) + A, 3, ""},
+        {"older", HeaderBytes(0, 0) + A, 3, ""},
+        {"newer", HeaderBytes(4, 2026) + A, 3, "throws XNewerVersion"},
+        {"the highest version", HeaderBytes(9'999, 0) + A, 9'999, ""},
+        {"version out of range", HeaderBytes(10'000, 0) + A, 20'000, invalid},
+        {"version out of range and newer", HeaderBytes(0xFFFFFFFF, 0) + A, 3, invalid},
+        {"the highest release", HeaderBytes(3, 999'999) + A, 3, ""},
+        {"release out of range", HeaderBytes(3, 1'000'000) + A, 3, invalid},
+        {"reserved fields say nothing",
+         HeaderBytes(3, 1).replace(4, 8, 8, '\xFF').replace(20, 4, 4, '\xFF') + A, 3, ""},
+        {"an extra block", HeaderBytes(3, 1, 1, 5) + "extra" + A, 3, ""},
+        {"the largest extra block", HeaderBytes(3, 1, 1, 65'535) + std::string(65'535, '\xCA') + A, 3, ""},
+        {"extra block out of range", HeaderBytes(3, 1, 1, 65'536) + std::string(65'536, 'x') + A, 3, invalid},
+        {"newer, with an extra block", HeaderBytes(4, 1, 1, 5) + "ext", 3, "throws XNewerVersion"},
+        {"cut short", HeaderBytes(3, 1).substr(0, 27), 3, "short"},
+        {"empty", "", 3, "short"},
+    };
+    for (const auto& row : cases) {
+        TMemoryBinInStream memory(row.bytes.data(), row.bytes.size(), row.supported);
+        Source source(row.bytes, row.supported);
+        Source lenient(row.bytes, row.supported, Source::Lenient);
+        const bool isShort = row.thrown == "short";
+        EXPECT_EQ(Thrown([&] { memory.Initialize(); }),
+                  isShort ? Told("No error", "TMemoryBinInStream::TMemoryBinInStream") : row.thrown)
+            << row.name;
+        for (Source* generic : {&source, &lenient}) {
+            EXPECT_EQ(Thrown([&] { generic->Initialize(); }),
+                      isShort ? Told("No error", "Source::Source") : row.thrown)
+                << row.name;
+        }
+        if (!row.thrown.empty()) continue;
+        for (TBinInStream* stream : {static_cast<TBinInStream*>(&memory), static_cast<TBinInStream*>(&source),
+                                     static_cast<TBinInStream*>(&lenient)}) {
+            EXPECT_EQ(stream->GetVersion(), Word(row.bytes, 0)) << row.name;
+            EXPECT_EQ(stream->GetNInstances(), Word(row.bytes, 12)) << row.name;
+            EXPECT_EQ(stream->GetRelease(), Word(row.bytes, 16)) << row.name;
+            EXPECT_EQ(stream->GetRecordSize(), 0u) << row.name;
+            EXPECT_EQ(ReadAll(*stream)[0], "1 7 aaaa") << row.name;
+        }
+    }
+    // An extra block that is cut short leaves a file without records; a device that fails is told.
+    const std::string cut = HeaderBytes(3, 1, 1, 100) + "extra";
+    EXPECT_FALSE(CreateMemoryBinInStream(cut.data(), cut.size(), 3)->LoadRecord(nullptr, nullptr));
+    Source broken(cut);
+    broken.failsFrom = 30;
+    EXPECT_EQ(Thrown([&] { broken.Initialize(); }), Told("Input/output error", "TBinInStream::LoadHeader"));
+    EXPECT_FALSE(TMemoryBinInStream(nullptr, 5, 3).GetOwnsSource());
+    EXPECT_EQ(Thrown([&] { CreateMemoryBinInStream(nullptr, 5, 3); }),
+              Told("No error", "TMemoryBinInStream::TMemoryBinInStream"));
+}
+
+/// Hands a payload, as the current record, to an operation: of a memory stream and of a source.
+template <class Operation>
+void WithRecord(const std::string& payload, Operation operation) {
+    // What lies behind the record in memory must not show.
+    const std::string file = RecordBytes(1, 1, payload) + std::string(100, '\xEE');
+    TMemoryBinInStream memory(file.data(), file.size(), 1);
+    Source source(file);
+    for (TBinInStream* stream : {static_cast<TBinInStream*>(&memory), static_cast<TBinInStream*>(&source)}) {
+        int uid = 0, classId = 0;
+        ASSERT_TRUE(stream->LoadRecord(&uid, &classId));
+        operation(*stream);
+    }
+}
+
+TEST(RecordReader, TakesValues) {
+    const std::string payload = "\1\0\2\xFF\xFE\xFF\xFE\xFF\xFE\xFF\xFF\xFF\xFE\xFF\xFF\xFF\0\0\xC0\xBF"
+                                "\0\0\0\0\0\0\xF8\x3F\0\0\0\0\0\0\xF8\xBF"
+                                "\3\0\0\0a\xE7"
+                                "b\2\0\0\0cd\2\0\0\0\0\xFF\0\0\0\0\0\0\0\0\0\0\0\0"s;
+    WithRecord(payload, [&](TBinInStream& stream) {
+        bool yes = false, no = true, two = false, all = false;
+        short s = 0;
+        unsigned short us = 0;
+        int i = 0;
+        unsigned u = 0;
+        float f = 0;
+        double d = 0;
+        long double ld = 0;
+        ZoString text("before");
+        char characters[] = "before";
+        ZoBlob blob;
+        stream >> yes >> no >> two >> all >> s >> us >> i >> u >> f >> d >> ld >> text >> characters >> blob;
+        EXPECT_TRUE(yes && !no && two && all) << "any byte but 0 is true";
+        EXPECT_EQ(s, -2);
+        EXPECT_EQ(us, 0xFFFE);
+        EXPECT_EQ(i, -2);
+        EXPECT_EQ(u, 0xFFFFFFFEu);
+        EXPECT_EQ(f, -1.5f);
+        EXPECT_EQ(d, 1.5);
+        EXPECT_EQ(ld, -1.5L);
+        EXPECT_STREQ(text.c_str(), "a\xE7"
+                                   "b");
+        EXPECT_STREQ(characters, "cd");
+        EXPECT_EQ(blob, ZoBlob("\0\xFF", 2));
+        stream >> text >> characters >> blob;
+        EXPECT_STREQ(text.c_str(), "");
+        EXPECT_STREQ(characters, "");
+        EXPECT_EQ(blob.Size(), 0u);
+        EXPECT_EQ(stream.GetRemaining(), 0u);
+    });
+}
+
+TEST(RecordReader, ReadsPastTheEndOfARecordDefinedBytes) {
+    WithRecord("\1\2\3\4\5", [](TBinInStream& stream) {
+        int whole = 0, part = -1, none = -1;
+        double behind = -1;
+        bool yes = true;
+        stream >> whole >> part >> none >> behind >> yes;
+        EXPECT_EQ(whole, 0x04030201);
+        EXPECT_EQ(part, 5) << "what there is, and zeros";
+        EXPECT_EQ(none, 0);
+        EXPECT_EQ(behind, 0.0);
+        EXPECT_FALSE(yes);
+        EXPECT_EQ(stream.GetRecordPosition(), 21u);
+        EXPECT_EQ(stream.GetRemaining(), 0u);
+    });
+}
+
+TEST(RecordReader, ReadsPastTheBuffersCapacityNothing) {
+    const struct {
+        const char* name;
+        std::function<void(TBinInStream&)> read;
+    } cases[] = {
+        {"short",
+         [](auto& s) {
+             short v;
+             s >> v;
+         }},
+        {"unsigned short",
+         [](auto& s) {
+             unsigned short v;
+             s >> v;
+         }},
+        {"int",
+         [](auto& s) {
+             int v;
+             s >> v;
+         }},
+        {"unsigned",
+         [](auto& s) {
+             unsigned v;
+             s >> v;
+         }},
+        {"float",
+         [](auto& s) {
+             float v;
+             s >> v;
+         }},
+        {"double",
+         [](auto& s) {
+             double v;
+             s >> v;
+         }},
+        {"long double",
+         [](auto& s) {
+             long double v;
+             s >> v;
+         }},
+    };
+    const std::string file = RecordBytes(1, 1, "x");
+    for (const auto& row : cases) {
+        TMemoryBinInStream stream(file.data(), file.size(), 1);
+        int uid = 0, classId = 0;
+        bool byte = true;
+        ASSERT_TRUE(stream.LoadRecord(&uid, &classId));
+        double eight = 0;
+        while (stream.GetRecordPosition() < DEFAULT_BUFFER_SIZE - 8) stream >> eight;
+        while (stream.GetRecordPosition() < DEFAULT_BUFFER_SIZE - 1) stream >> byte;
+        EXPECT_EQ(Thrown([&] { row.read(stream); }), Told(CORRUPT_RECORD, "TBinInStream::operator>>"))
+            << row.name;
+        EXPECT_EQ(stream.GetRecordPosition(), DEFAULT_BUFFER_SIZE - 1) << row.name;
+        EXPECT_EQ(Thrown([&] { stream >> byte; }), "") << row.name << ": the last byte";
+        EXPECT_EQ(Thrown([&] { stream >> byte; }), Told(CORRUPT_RECORD, "TBinInStream::operator>>"))
+            << row.name;
+        ZoString text;
+        EXPECT_EQ(Thrown([&] { stream >> text; }),
+                  Told(CORRUPT_RECORD, "TBinInStream::operator>>(ZoString)"));
+        EXPECT_EQ(stream.GetRecordPosition(), DEFAULT_BUFFER_SIZE);
+    }
+}
+
+TEST(RecordReader, ChecksLengthsOfStringsAndBlobs) {
+    const struct {
+        const char* name;
+        std::string payload;
+        unsigned from; // bytes taken before
+        bool good;
+    } cases[] = {
+        {"fits", "\3\0\0\0abc"s, 0, true},
+        {"empty at the end", "\0\0\0\0"s, 0, true},
+        {"one too long", "\4\0\0\0abc"s, 0, false},
+        {"2^32 - 1",
+         "\xFF\xFF\xFF\xFF"
+         "abc",
+         0, false},
+        {"wraps to the end",
+         "\xFC\xFF\xFF\xFF"
+         "abc",
+         0, false},
+        {"wraps to the beginning", "xxxx\xF8\xFF\xFF\xFF", 4, false},
+        {"2^31", "\0\0\0\x80"s, 0, false},
+        {"no length at all", "abc", 3, false},
+        {"half a length, of zero", "abc\0\0"s, 3, false},
+        {"position behind the end", "abc", 20, false},
+    };
+    for (const auto& row : cases) {
+        const auto at = [&](TBinInStream& stream) {
+            while (stream.GetRecordPosition() < row.from) {
+                bool skipped = false;
+                stream >> skipped;
+            }
+        };
+        const auto expect = [&](const char* type, const std::string& thrown, TBinInStream& stream) {
+            const std::string location = std::string("TBinInStream::operator>>(") + type + ")";
+            EXPECT_EQ(thrown, row.good ? "" : Told(CORRUPT_RECORD, location)) << row.name;
+            EXPECT_TRUE(row.good || stream.GetRecordPosition() == row.from + 4) << row.name;
+        };
+        WithRecord(row.payload, [&](TBinInStream& stream) {
+            at(stream);
+            ZoString text("before");
+            expect("ZoString", Thrown([&] { stream >> text; }), stream);
+            EXPECT_TRUE(row.good || ZoString(text) == "before") << row.name;
+        });
+        WithRecord(row.payload, [&](TBinInStream& stream) {
+            at(stream);
+            ZoBlob blob("before", 6);
+            expect("ZoBlob", Thrown([&] { stream >> blob; }), stream);
+            EXPECT_TRUE(row.good || blob == ZoBlob("before", 6)) << row.name;
+        });
+        WithRecord(row.payload, [&](TBinInStream& stream) {
+            at(stream);
+            char characters[] = "before";
+            expect("char*", Thrown([&] { stream >> characters; }), stream);
+            EXPECT_TRUE(row.good || ZoString(characters) == "before") << row.name;
+        });
+    }
+}
+
+TEST(RecordReader, HoldsNoRecordAfterTheEnd) {
+    const std::string endings[] = {"", "xxxxxxxxx", "\xCA\xAB\xCA\xAB"};
+    for (const std::string& ending : endings) {
+        const std::string file = A + ending;
+        TMemoryBinInStream memory(file.data(), file.size(), 1);
+        Source source(file);
+        for (TBinInStream* stream :
+             {static_cast<TBinInStream*>(&memory), static_cast<TBinInStream*>(&source)}) {
+            ReadAll(*stream);
+            EXPECT_EQ(stream->GetRecordSize(), 0u);
+            EXPECT_EQ(stream->GetRecordPosition(), 0u);
+            EXPECT_EQ(stream->GetCurrentUID(), 1) << "that of the last good record";
+            int value = -1;
+            *stream >> value;
+            EXPECT_EQ(value, 0);
+            int uid = 0, classId = 0;
+            EXPECT_FALSE(stream->LoadRecord(&uid, &classId)) << "again";
+        }
+    }
+}
+
+TEST(RecordReader, CopiesHeaderAndRecord) {
+    const std::string file = HeaderBytes(3, 2026, 2) + A + B;
+    Source stream(file, 5);
+    stream.Initialize();
+    int uid = 0, classId = 0;
+    ASSERT_TRUE(stream.LoadRecord(&uid, &classId));
+    short first = 0;
+    stream >> first;
+    Source copy = stream;
+    Source assigned("");
+    assigned = stream;
+    for (Source* other : {&copy, &assigned}) {
+        EXPECT_TRUE(*other == stream && !(*other != stream));
+        EXPECT_EQ(other->GetVersion(), 3u);
+        EXPECT_EQ(other->GetRelease(), 2026u);
+        EXPECT_EQ(other->GetNInstances(), 2u);
+        EXPECT_EQ(other->GetCurrentUID(), 1);
+        EXPECT_EQ(other->GetRecordPosition(), 2u);
+        EXPECT_EQ(Payload(*other), "aaaa");
+    }
+    ASSERT_TRUE(stream.LoadRecord(&uid, &classId));
+    EXPECT_FALSE(copy == stream);
+    EXPECT_EQ(Payload(copy), "aaaa") << "a copy keeps its own";
+}
+
+TEST(RecordReader, FreesABlockThatItOwns) {
+    const std::string file = HeaderBytes(3, 2026) + A;
+    void* block = std::malloc(file.size());
+    ASSERT_NE(block, nullptr);
+    std::memcpy(block, file.data(), file.size());
+    TMemoryBinInStream stream(block, file.size(), 3, true); // the leak checker watches
+    stream.Initialize();
+    EXPECT_EQ(ReadAll(stream)[0], "1 7 aaaa");
+    stream.Initialize();
+    EXPECT_EQ(ReadAll(stream)[0], "1 7 aaaa") << "from the start again";
+}
+
+/// Bytes that a stranger signed: whatever is asked of them, the answer is a value or a documented exception.
+TEST(RecordReader, SurvivesStrangersWithRightSums) {
+    std::mt19937 random(7);
+    const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
+    const unsigned lengths[] = {0,          1,          2,          3,          4,         100,
+                                0x7FFFFFFF, 0x80000000, 0xFFFFFFFB, 0xFFFFFFFC, 0xFFFFFFFF};
+    Window window;
+    Source source("");
+    for (int round = 0; round < 2000; ++round) {
+        std::string file;
+        const unsigned count = 1 + below(4);
+        for (unsigned i = 0; i < count; ++i) {
+            std::string payload(below(40), '\0');
+            for (char& byte : payload) byte = static_cast<char>(below(3) == 0 ? random() : below(6));
+            if (payload.size() >= 4 && below(2) == 0)
+                payload.replace(below(static_cast<unsigned>(payload.size()) - 3), 4,
+                                LittleEndian(lengths[below(std::size(lengths))]));
+            file += Record{static_cast<int>(random()), static_cast<int>(random()), payload, below(8)}.Bytes();
+            if (below(8) == 0) file += std::string(below(8), '\xCA');
+        }
+        if (below(6) == 0) file.resize(below(static_cast<unsigned>(file.size())));
+        window.Use(file);
+        source.Use(file);
+        const auto seed = random();
+        std::vector<std::string> told[2];
+        for (int which = 0; which < 2; ++which) {
+            TBinInStream& stream = which == 0 ? static_cast<TBinInStream&>(window) : source;
+            std::mt19937 choices(seed);
+            const auto record = [&](auto value) {
+                const std::string thrown = Thrown([&] { stream >> value; });
+                double number = 0;
+                if constexpr (std::is_arithmetic_v<decltype(value)>) number = static_cast<double>(value);
+                if constexpr (std::is_same_v<decltype(value), ZoString>) number = value.length();
+                if constexpr (std::is_same_v<decltype(value), ZoBlob>)
+                    number = static_cast<double>(value.Size());
+                told[which].push_back(std::isnan(number) ? "nan" : std::to_string(number) + thrown);
+            };
+            const std::string end = Thrown([&] {
+                int uid = 0, classId = 0;
+                while (stream.LoadRecord(&uid, &classId)) {
+                    for (auto i = choices() % 12; i > 0; --i) {
+                        switch (choices() % 11) {
+                        case 0:
+                            record(ZoBlob());
+                            break;
+                        case 1:
+                            record(ZoString());
+                            break;
+                        case 2: {
+                            char characters[64] = {};
+                            told[which].push_back(Thrown([&] { stream >> characters; }) + characters);
+                            break;
+                        }
+                        case 3:
+                            record(short{});
+                            break;
+                        case 4:
+                            record(static_cast<unsigned short>(0));
+                            break;
+                        case 5:
+                            record(int{});
+                            break;
+                        case 6:
+                            record(unsigned{});
+                            break;
+                        case 7:
+                            record(float{});
+                            break;
+                        case 8:
+                            record(double{});
+                            break;
+                        case 9:
+                            record(static_cast<long double>(0));
+                            break;
+                        default:
+                            record(false);
+                            break;
+                        }
+                    }
+                }
+            });
+            told[which].push_back(end);
+        }
+        ASSERT_EQ(told[0], told[1]) << "round " << round;
+    }
+}
+
+// Objects
+
+struct Thing : ZoStreamableBase {
+    explicit Thing(const char* itsName = "class Thing") : name(itsName) {}
+    ZoString StreamableClassName() const override { return name; }
+    const char* name;
+};
+
+TEST(RecordReader, FindsObjectsByUid) {
+    constexpr int MAX = std::numeric_limits<int>::max();
+    Source stream("");
+    Thing things[6];
+    const int uids[] = {1, 2, MAX, -5, 2'000'000'000, 5'000};
+    for (int i = 0; i < 6; ++i) stream.SetHandle(&things[i], uids[i]); // absurd uids cost no memory
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(stream.GetHandle(uids[i]), &things[i]) << uids[i];
+    EXPECT_EQ(stream.GetHandle(0), nullptr);
+    for (int uid : {-1, 3, 4'999, 5'001, MAX - 1, std::numeric_limits<int>::min()})
+        EXPECT_EQ(stream.GetHandle(uid), nullptr) << uid;
+    stream.SetHandle(&things[0], 0);
+    EXPECT_EQ(stream.GetHandle(0), nullptr) << "0 is no object's uid";
+    stream.SetHandle(&things[1], 5'000);
+    stream.SetHandle(nullptr, 2);
+    EXPECT_EQ(stream.GetHandle(5'000), &things[1]) << "the last one counts";
+    EXPECT_EQ(stream.GetHandle(2), nullptr);
+    for (int uid = 3; uid < 6'000; ++uid) {
+        if (uid != 5'000) stream.SetHandle(&things[2], uid);
+    }
+    EXPECT_EQ(stream.GetHandle(5'000), &things[1]) << "kept when the table grows around it";
+    stream.SetHandle(nullptr, 5'000);
+    EXPECT_EQ(stream.GetHandle(5'000), nullptr);
+    stream.ResetHandles();
+    for (int uid : uids) EXPECT_EQ(stream.GetHandle(uid), nullptr) << uid;
+}
+
+TEST(RecordReader, ListsTheObjectsRead) {
+    const struct {
+        const char* name;
+        std::vector<int> uids;
+    } cases[] = {{"rising", {1, 2, 5, 9}}, {"in any order", {9, 2, 5, 1}}, {"negative", {-3, -1, 0, 7}}};
+    for (const auto& row : cases) {
+        std::string file;
+        for (int uid : row.uids) file += RecordBytes(uid, 1, "x");
+        TMemoryBinInStream stream(file.data(), file.size(), 1);
+        EXPECT_EQ(stream.FirstObject(), nullptr);
+        Thing things[] = {Thing("class Other"), Thing("class ZoPrimitives::Thing"), Thing(),
+                          Thing("class Other")};
+        int uid = 0, classId = 0;
+        for (Thing& thing : things) {
+            ASSERT_TRUE(stream.LoadRecord(&uid, &classId));
+            stream.AddInstance(&thing);
+        }
+        EXPECT_EQ(stream.FirstObject(), &things[0]) << row.name;
+        EXPECT_EQ(stream.FindFirstObject("Thing"), &things[1]) << row.name;
+        EXPECT_EQ(stream.FindFirstObject("Nothing"), nullptr) << row.name;
+        for (std::size_t i = 0; i < 4; ++i)
+            EXPECT_EQ(stream.GetInstance(row.uids[i]), &things[i]) << row.name;
+        EXPECT_EQ(stream.GetInstance(4), nullptr) << row.name;
+        TDVector<ZoStreamableBase*> list;
+        list.Add(&things[1]);
+        stream.RemoveInstances(list);
+        stream.FillObjects(&list);
+        ASSERT_EQ(list.NItems(), 4u);
+        EXPECT_EQ(list[2], &things[0]) << row.name;
+        EXPECT_EQ(list[4], &things[3]) << row.name;
+        EXPECT_EQ(stream.GetInstance(row.uids[1]), nullptr) << row.name;
+        EXPECT_EQ(stream.GetInstance(row.uids[3]), &things[3]) << row.name;
+        stream.ForgetInstances();
+        EXPECT_EQ(stream.FirstObject(), nullptr);
+        EXPECT_EQ(stream.GetInstance(row.uids[0]), nullptr);
+    }
+}
+
+} // namespace

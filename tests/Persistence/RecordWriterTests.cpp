@@ -1,0 +1,589 @@
+#include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/BinOutStreamer.h"
+#include "ZoPrimitives/MemoryBinInStream.h"
+#include "ZoPrimitives/MemoryBinOutStream.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoStreamablePrimitives.h"
+#include "ZoPrimitives/ZoString.h"
+#include "support/Assertions.h"
+#include "support/CommaLocale.h"
+#include "support/Records.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace ZoPrimitives;
+using namespace std::string_literals;
+
+namespace {
+
+constexpr const char* ROOM =
+    "size <= DEFAULT_BUFFER_SIZE - GetBufferSize() && \"[zoerror] the record is too big\"";
+constexpr const char* SOURCE = "cpp/Persistence/BinOutStream";
+
+std::string Written(TMemoryBinOutStream& stream) {
+    const unsigned char* data = stream.GetData();
+    return {reinterpret_cast<const char*>(data), static_cast<std::size_t>(stream.GetSize())};
+}
+
+/// A sink as an application may write it: on the virtual operations and the protected helpers alone.
+class OwnSink : public TBinOutStream {
+public:
+    using TBinOutStream::TBinOutStream;
+    std::string bytes;
+    int headerFields = 0;
+
+    using TBinOutStream::operator<<;
+    TBinOutStream& operator<<(unsigned value) override {
+        ++headerFields;
+        return TBinOutStream::operator<<(value);
+    }
+    void FlushRecord(int uid, int classId) override {
+        TBinOutStream::FlushRecord(uid, classId);
+        const unsigned size = GetBufferSize();
+        if (size == 0) return;
+        std::string payload = Payload();
+        const unsigned key = GetSecurityKey();
+        bytes += LittleEndian(0xABCAABCA) + LittleEndian(size) + LittleEndian(GetCrc()) +
+                 LittleEndian(static_cast<unsigned>(classId)) + LittleEndian(static_cast<unsigned>(uid)) +
+                 LittleEndian(key);
+        ApplySecurityKey(key, reinterpret_cast<unsigned char*>(payload.data()), size);
+        bytes += payload;
+        DropRecord();
+    }
+    void FlushBuffer() override {
+        bytes += Payload();
+        DropRecord();
+    }
+    void Initialize() override {
+        SaveHeader();
+        FlushBuffer();
+    }
+    std::string Payload() const {
+        return {reinterpret_cast<const char*>(TBinOutStream::RecordBytes()),
+                static_cast<std::size_t>(GetBufferSize())};
+    }
+};
+
+/// A sink that lets frames gather and takes them out in blocks, in the middle of an open record too.
+class GatheringSink : public TBinOutStream {
+public:
+    using TBinOutStream::TBinOutStream;
+    std::string bytes;
+
+    void FlushRecord(int uid, int classId) override {
+        Frame(uid, classId, true);
+        if (GatheredSize() >= 256 * 1024) Take();
+    }
+    void FlushBuffer() override {
+        FrameRaw();
+        Take();
+    }
+    void Initialize() override {
+        SaveHeader();
+        FlushBuffer();
+    }
+    void Take() {
+        unsigned long long size = 0;
+        const unsigned char* data = Gathered(size);
+        bytes.append(reinterpret_cast<const char*>(data), static_cast<std::size_t>(size));
+        DropGathered();
+    }
+};
+
+TEST(RecordWriter, EncodesValues) {
+    const struct {
+        const char* name;
+        std::function<void(TBinOutStream&)> write;
+        std::string bytes;
+    } cases[] = {
+        {"bool", [](auto& s) { s << true << false; }, "\1\0"s},
+        {"short", [](auto& s) { s << short{-2}; }, "\xFE\xFF"s},
+        {"unsigned short", [](auto& s) { s << static_cast<unsigned short>(0x1234); }, "\x34\x12"s},
+        {"int", [](auto& s) { s << -2; }, "\xFE\xFF\xFF\xFF"s},
+        {"unsigned", [](auto& s) { s << 0x12345678u; }, "\x78\x56\x34\x12"s},
+        {"float", [](auto& s) { s << -1.5f; }, "\0\0\xC0\xBF"s},
+        {"double", [](auto& s) { s << 1.5; }, "\0\0\0\0\0\0\xF8\x3F"s},
+        {"long double is a double", [](auto& s) { s << 0.1L; }, "\x9A\x99\x99\x99\x99\x99\xB9\x3F"s},
+        {"long double beyond a double", [](auto& s) { s << std::numeric_limits<long double>::infinity(); },
+         "\0\0\0\0\0\0\xF0\x7F"s},
+        {"string", [](auto& s) { s << ZoString("a\xE7"); }, "\2\0\0\0a\xE7"s},
+        {"string up to a zero byte", [](auto& s) { s << ZoString("a\0b", 3u); }, "\1\0\0\0a"s},
+        {"empty string", [](auto& s) { s << ZoString(); }, "\0\0\0\0"s},
+        {"characters", [](auto& s) { s << "ab"; }, "\2\0\0\0ab"s},
+        {"no characters", [](auto& s) { s << static_cast<const char*>(nullptr); }, "\0\0\0\0"s},
+        {"blob", [](auto& s) { s << ZoBlob("\0\xFF", 2); }, "\2\0\0\0\0\xFF"s},
+        {"empty blob", [](auto& s) { s << ZoBlob(); }, "\0\0\0\0"s},
+        {"nothing between values", [](auto& s) { s << true << 1 << "x" << short{2}; },
+         "\1\1\0\0\0\1\0\0\0x\2\0"s},
+    };
+    for (const auto& row : cases) {
+        OwnSink own;
+        row.write(own);
+        EXPECT_EQ(own.Payload(), row.bytes) << row.name;
+        EXPECT_EQ(own.GetBufferSize(), row.bytes.size()) << row.name;
+    }
+}
+
+TEST(RecordWriter, HeaderHoldsVersionReleaseAndCount) {
+    TMemoryBinOutStream stream(3, 2026);
+    stream.Initialize();
+    EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 0));
+    stream.FlushRecord(1, 1); // without values: counted only
+    stream << true;
+    stream.FlushRecord(2, 1);
+    stream << 7; // the open record is nobody's yet
+    stream.RewriteHeader();
+    EXPECT_EQ(stream.GetNInstances(), 2u);
+    EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 2) + RecordBytes(2, 1, "\1"s));
+    stream.FlushRecord(3, 1);
+    EXPECT_EQ(Written(stream).substr(28), RecordBytes(2, 1, "\1"s) + RecordBytes(3, 1, "\7\0\0\0"s));
+
+    TMemoryBinOutStream plain;
+    plain.Initialize();
+    EXPECT_EQ(Written(plain), std::string(28, '\0'));
+
+    OwnSink own(3, 2026);
+    own.Initialize();
+    EXPECT_EQ(own.headerFields, 7) << "each field goes through the operation for it";
+    EXPECT_EQ(own.bytes, HeaderBytes(3, 2026));
+}
+
+TEST(RecordWriter, FramesRecords) {
+    TMemoryBinOutStream stream;
+    stream << 1.5;
+    stream.FlushRecord(1, 5);
+    EXPECT_EQ(Written(stream), "\xCA\xAB\xCA\xAB" // marker
+                               "\x08\0\0\0"       // size
+                               "\xE1\x99\x21\x0F" // CRC-32
+                               "\5\0\0\0"         // class id
+                               "\1\0\0\0"         // uid
+                               "\0\0\0\0"         // key
+                               "\0\0\0\0\0\0\xF8\x3F"s);
+}
+
+TEST(RecordWriter, TakesUidsInAnyOrder) {
+    TMemoryBinOutStream stream;
+    std::string expected;
+    const FailedAssertion failed = AssertionOf([&] {
+        for (int uid : {7, 5, 5, -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+            stream << "x";
+            stream.FlushRecord(uid, 1);
+            expected += RecordBytes(uid, 1, "\1\0\0\0x"s);
+        }
+    });
+    EXPECT_EQ(failed, FailedAssertion());
+    EXPECT_EQ(Written(stream), expected);
+}
+
+TEST(RecordWriter, ScramblesWithThreeKeysAndSumsThePlainBytes) {
+    const std::string plain = "\0\1\2\3\4\xFF"s;
+    const struct {
+        unsigned key;
+        std::string stored;
+    } cases[] = {
+        {1, "\x0B\x0C\x0D\x08\x09\xF0"s}, {2, "\x16\x1B\x1C\x15\x1E\xE1"s}, {4, "\x2C\x35\x3E\x2F\x30\xC3"s}};
+    std::srand(1);
+    int met[5] = {};
+    for (int i = 0; i < 300; ++i) {
+        TMemoryBinOutStream stream;
+        stream.SetUsesSecurity(true);
+        stream.Append(plain.data(), plain.size());
+        stream.FlushRecord(1, 1);
+        const std::string bytes = Written(stream);
+        const unsigned key = Word(bytes, 20);
+        ASSERT_TRUE(key == 1 || key == 2 || key == 4) << key;
+        ++met[key];
+        EXPECT_EQ(Word(bytes, 8), ZlibCrc(plain));
+        for (const auto& row : cases) {
+            if (row.key != key) continue;
+            EXPECT_EQ(bytes.substr(24), row.stored) << key;
+        }
+    }
+    for (const auto& row : cases) EXPECT_GT(met[row.key], 60) << "key " << row.key;
+}
+
+/// What a stream was told to write, and whether its bytes say the same. Keys are chance: they are taken from
+/// the bytes.
+class Script {
+public:
+    void Frame(Record record, bool scrambled) {
+        if (!record.payload.empty()) parts.push_back({std::move(record), scrambled, false});
+    }
+    void Raw(const std::string& bytes) { parts.push_back({{0, 0, bytes}, false, true}); }
+    void Clear() { parts.clear(); }
+
+    ::testing::AssertionResult Check(const std::string& bytes) const {
+        std::size_t at = 0;
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            const Part& part = parts[i];
+            std::string expected = part.record.payload;
+            if (!part.raw) {
+                Record record = part.record;
+                if (part.scrambled && at + 24 <= bytes.size()) {
+                    record.key = Word(bytes, at + 20);
+                    if (record.key != 1 && record.key != 2 && record.key != 4)
+                        return ::testing::AssertionFailure() << "key " << record.key << " in part " << i;
+                }
+                expected = record.Bytes();
+            }
+            if (bytes.compare(at, expected.size(), expected) != 0)
+                return ::testing::AssertionFailure() << "part " << i << " differs";
+            at += expected.size();
+        }
+        if (at != bytes.size())
+            return ::testing::AssertionFailure() << bytes.size() - at << " bytes too many";
+        return ::testing::AssertionSuccess();
+    }
+
+private:
+    struct Part {
+        Record record;
+        bool scrambled;
+        bool raw;
+    };
+    std::vector<Part> parts;
+};
+
+/// Sums are put in late and in batches: whatever is done between, they are right when the bytes are seen.
+TEST(RecordWriter, SumsAreRightWhateverTheInterleaving) {
+    std::mt19937 random(20260714);
+    const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
+    const unsigned sizes[] = {0,    1,    2,     23,    24,    25,    100,    1000,   4071,   4072,
+                              4073, 8191, 12263, 12264, 12265, 65536, 131072, 262144, 307200, 7};
+    for (int round = 0; round < 12; ++round) {
+        std::srand(static_cast<unsigned>(round));
+        auto memory = std::make_unique<TMemoryBinOutStream>();
+        GatheringSink gathering;
+        OwnSink own;
+        TBinOutStream* sinks[] = {memory.get(), &gathering, &own};
+        Script script;    // since the memory stream was last emptied
+        Script allScript; // since the beginning
+        int uid = 0;
+        bool secure = false;
+        for (int step = 0; step < 150; ++step) {
+            const bool small = below(4) != 0;
+            std::string payload(small ? below(200) : sizes[below(std::size(sizes))], '\0');
+            for (std::size_t i = 0; i < payload.size(); i += 1 + payload.size() / 1000)
+                payload[i] = static_cast<char>(random());
+            const std::size_t cut = payload.empty() ? 0 : below(static_cast<unsigned>(payload.size()));
+            for (TBinOutStream* sink : sinks) sink->Append(payload.data(), cut);
+            if (below(10) == 0) gathering.Take();
+            if (below(10) == 0) memory->GetData();
+            if (below(20) == 0) {
+                memory = std::make_unique<TMemoryBinOutStream>(*memory);
+                sinks[0] = memory.get();
+            }
+            for (TBinOutStream* sink : sinks) sink->Append(payload.data() + cut, payload.size() - cut);
+            if (below(6) == 0) {
+                for (TBinOutStream* sink : sinks) sink->FlushBuffer();
+                script.Raw(payload);
+                allScript.Raw(payload);
+            } else {
+                ++uid;
+                for (TBinOutStream* sink : sinks) sink->FlushRecord(uid, step);
+                script.Frame({uid, step, payload}, secure);
+                allScript.Frame({uid, step, payload}, secure);
+            }
+            if (below(10) == 0) {
+                secure = !secure;
+                for (TBinOutStream* sink : sinks) sink->SetUsesSecurity(secure);
+            }
+            if (below(25) == 0) {
+                unsigned long long size = 0;
+                unsigned char* block = memory->Detach(size);
+                ASSERT_TRUE(script.Check(std::string(reinterpret_cast<char*>(block), size)))
+                    << "round " << round << " step " << step;
+                std::free(block);
+                script.Clear();
+            } else if (below(10) == 0) {
+                ASSERT_TRUE(script.Check(Written(*memory))) << "round " << round << " step " << step;
+            }
+        }
+        gathering.Take();
+        EXPECT_TRUE(script.Check(Written(*memory))) << "round " << round;
+        EXPECT_TRUE(allScript.Check(gathering.bytes)) << "round " << round;
+        EXPECT_TRUE(allScript.Check(own.bytes)) << "round " << round;
+    }
+}
+
+TEST(RecordWriter, RefusesWhatARecordCannotHold) {
+    const std::string most(DEFAULT_BUFFER_SIZE, 'x');
+    volatile const std::size_t wrapping = static_cast<std::size_t>(-50); // the compiler would see through it
+    const struct {
+        const char* name;
+        std::size_t before; // bytes in the record
+        std::function<void(TBinOutStream&)> write;
+        const char* expression; // null: it fits
+        int line;               // 0: any
+    } cases[] = {
+        {"a blob one byte above the limit", 0, [](auto& s) { s << ZoBlob(DEFAULT_BUFFER_SIZE + 1ull); },
+         "blob.Size() <= UINT_MAX && blob.Size() <= DEFAULT_BUFFER_SIZE && \"[zoerror] the blob is too big\"",
+         211},
+        {"a blob of the limit: its size leaves no room", 0, [](auto& s) { s << ZoBlob(DEFAULT_BUFFER_SIZE); },
+         ROOM, 0},
+        {"a blob that fits with its size", 0, [](auto& s) { s << ZoBlob(DEFAULT_BUFFER_SIZE - 4ull); },
+         nullptr, 0},
+        {"a string one byte too long", 0,
+         [&](auto& s) { s << ZoString(most.c_str(), DEFAULT_BUFFER_SIZE - 3); }, ROOM, 0},
+        {"a string that fits", 0, [&](auto& s) { s << ZoString(most.c_str(), DEFAULT_BUFFER_SIZE - 4); },
+         nullptr, 0},
+        {"characters too long", 1, [&](auto& s) { s << most.c_str() + 4; }, ROOM, 0},
+        {"an empty string without room for its size", DEFAULT_BUFFER_SIZE - 3, [](auto& s) { s << ""; }, ROOM,
+         0},
+        {"an empty string with just that", DEFAULT_BUFFER_SIZE - 4, [](auto& s) { s << ""; }, nullptr, 0},
+        {"a double too many", DEFAULT_BUFFER_SIZE - 7, [](auto& s) { s << 1.0; }, ROOM, 0},
+        {"a last bool", DEFAULT_BUFFER_SIZE - 1, [](auto& s) { s << true; }, nullptr, 0},
+        {"a bool too many", DEFAULT_BUFFER_SIZE, [](auto& s) { s << true; }, ROOM, 0},
+        {"nothing more", DEFAULT_BUFFER_SIZE, [](auto& s) { s.Append("", 0); }, nullptr, 0},
+        {"a size that wraps", 100, [&](auto& s) { s.Append("", wrapping); }, ROOM, 0},
+    };
+    for (const auto& row : cases) {
+        TMemoryBinOutStream memory;
+        memory << "a record before";
+        memory.FlushRecord(1, 1);
+        const std::string before = Written(memory);
+        GatheringSink gathering;
+        gathering << std::string(300'000, 'y').c_str();
+        gathering.FlushBuffer();
+        for (TBinOutStream* stream :
+             {static_cast<TBinOutStream*>(&memory), static_cast<TBinOutStream*>(&gathering)}) {
+            stream->Append(most.data(), row.before);
+            const FailedAssertion failed = AssertionOf([&] { row.write(*stream); });
+            EXPECT_EQ(failed.expression, row.expression == nullptr ? "" : row.expression) << row.name;
+            EXPECT_EQ(failed.source, row.expression == nullptr ? "" : SOURCE) << row.name;
+            EXPECT_TRUE(row.line == 0 || failed.line == row.line) << row.name << ": " << failed;
+            EXPECT_TRUE(row.expression == nullptr || stream->GetBufferSize() == row.before) << row.name;
+        }
+        if (row.expression == nullptr) continue;
+        memory.FlushRecord(2, 1);
+        Script script;
+        script.Raw(before);
+        script.Frame({2, 1, most.substr(0, row.before)}, false);
+        EXPECT_TRUE(script.Check(Written(memory))) << row.name << ": the record is as it was";
+    }
+}
+
+TEST(RecordWriter, FillsARecordToTheLastByteInSmallPieces) {
+    TMemoryBinOutStream stream(1, 1);
+    stream.Initialize();
+    for (int i = 0; i < static_cast<int>(DEFAULT_BUFFER_SIZE / 4); ++i) stream << i;
+    EXPECT_EQ(stream.GetBufferSize(), DEFAULT_BUFFER_SIZE);
+    EXPECT_EQ(AssertionOf([&] { stream << false; }).expression, ROOM);
+    stream.FlushRecord(1, 2);
+    EXPECT_EQ(stream.GetSize(), 28u + 24u + DEFAULT_BUFFER_SIZE);
+    const auto reader = CreateMemoryBinInStream(stream.GetData(), stream.GetSize(), 1);
+    int uid = 0, classId = 0, last = 0;
+    ASSERT_TRUE(reader->LoadRecord(&uid, &classId));
+    reader->SetRecordPosition(DEFAULT_BUFFER_SIZE - 4);
+    *reader >> last;
+    EXPECT_EQ(last, static_cast<int>(DEFAULT_BUFFER_SIZE / 4) - 1);
+}
+
+TEST(RecordWriter, PutsRawBytesBetweenRecords) {
+    TMemoryBinOutStream stream;
+    std::string expected;
+    for (int i = 1; i < 4; ++i) {
+        stream << i;
+        stream.FlushRecord(i, 9);
+        stream.Append("raw", 3);
+        stream.FlushBuffer();
+        stream.FlushBuffer(); // nothing left
+        expected += RecordBytes(i, 9, LittleEndian(static_cast<unsigned>(i))) + "raw";
+    }
+    EXPECT_EQ(Written(stream), expected);
+}
+
+TEST(MemoryBinOutStream, CopiesWhatWasWrittenAndTheOpenRecord) {
+    TMemoryBinOutStream stream(3, 2026);
+    stream.Initialize();
+    stream.SetUsesSecurity(true);
+    stream << std::string(100'000, 'x').c_str();
+    stream.FlushRecord(1, 1);
+    stream.SetUsesSecurity(false);
+    stream << 1;
+    stream.FlushRecord(2, 1); // its sum is not in yet
+    stream << 2;
+    const TMemoryBinOutStream original = stream;
+    TMemoryBinOutStream copy(1, 1), longer(9, 9);
+    longer << std::string(500'000, 'y').c_str();
+    longer.FlushRecord(1, 1);
+    for (TMemoryBinOutStream* target : {&copy, &longer}) {
+        *target = original;
+        EXPECT_TRUE(*target == original && !(*target != original));
+        *target << 3;
+        EXPECT_FALSE(*target == original);
+        EXPECT_EQ(target->GetBufferSize(), 8u);
+        target->FlushRecord(3, 1);
+        target->RewriteHeader();
+        const std::string bytes = Written(*target);
+        EXPECT_EQ(bytes.substr(0, 28), HeaderBytes(3, 2026, 3));
+        EXPECT_EQ(bytes.substr(28, 100'028), Written(stream).substr(28, 100'028));
+        EXPECT_EQ(bytes.substr(100'056),
+                  RecordBytes(2, 1, LittleEndian(1)) + RecordBytes(3, 1, LittleEndian(2) + LittleEndian(3)));
+    }
+    copy = *&copy;
+    EXPECT_EQ(copy.GetSize(), longer.GetSize());
+    EXPECT_EQ(stream.GetBufferSize(), 4u) << "the original goes on by itself";
+    EXPECT_EQ(stream.GetNInstances(), 2u);
+}
+
+TEST(MemoryBinOutStream, CopyOfASinkHoldsHeaderAndOpenRecordOnly) {
+    GatheringSink stream(3, 2026);
+    stream << 1;
+    stream.FlushRecord(1, 1);
+    stream << 2;
+    GatheringSink copy = stream;
+    EXPECT_TRUE(copy == stream);
+    copy.FlushRecord(2, 1);
+    copy.Take();
+    EXPECT_EQ(copy.bytes, RecordBytes(2, 1, LittleEndian(2)));
+    EXPECT_EQ(copy.GetNInstances(), 2u);
+}
+
+TEST(MemoryBinOutStream, HeaderIsRewrittenOnlyWhereThereIsOne) {
+    TMemoryBinOutStream never;
+    never << 1;
+    never.RewriteHeader();
+    EXPECT_EQ(never.GetBufferSize(), 4u);
+    never.FlushRecord(1, 1);
+    EXPECT_EQ(Written(never), RecordBytes(1, 1, LittleEndian(1)));
+
+    TMemoryBinOutStream detached(3, 2026);
+    detached.Initialize();
+    unsigned long long size = 0;
+    unsigned char* block = detached.Detach(size);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(block), size), HeaderBytes(3, 2026));
+    std::free(block);
+    detached << 1;
+    detached.FlushRecord(1, 1);
+    detached.RewriteHeader();
+    EXPECT_EQ(Written(detached), RecordBytes(1, 1, LittleEndian(1)));
+
+    TMemoryBinOutStream placed(3, 2026);
+    placed << true; // no header at all
+    placed.Initialize();
+    placed.RewriteHeader();
+    EXPECT_EQ(Written(placed), "\1");
+    placed.SaveHeader();
+    placed.Initialize();
+    EXPECT_EQ(Written(placed), HeaderBytes(3, 2026)) << "one that was there before";
+}
+
+TEST(MemoryBinOutStream, StartsAnew) {
+    TMemoryBinOutStream stream(3, 2026);
+    for (const char* text : {"first", "second"}) {
+        stream.Initialize();
+        stream << text;
+        stream.FlushRecord(1, 1);
+        stream.RewriteHeader();
+        EXPECT_EQ(Written(stream).substr(0, 28), HeaderBytes(3, 2026, 1)) << text;
+    }
+    stream << "left open";
+    stream.FreeResourses();
+    EXPECT_EQ(stream.GetSize(), 0u);
+    EXPECT_EQ(stream.GetBufferSize(), 0u);
+    stream << 5;
+    stream.FlushRecord(1, 1);
+    EXPECT_EQ(Written(stream), RecordBytes(1, 1, LittleEndian(5)));
+}
+
+TEST(MemoryBinOutStream, WritesIntoTheCallersBlock) {
+    TMemoryBinOutStream stream;
+    stream << 5;
+    stream.FlushRecord(1, 1);
+    std::string block(29, '#');
+    EXPECT_EQ(stream.WriteInMemory(block.data(), block.size()), 28u);
+    EXPECT_EQ(block, RecordBytes(1, 1, LittleEndian(5)) + "#");
+    std::string small(27, '#');
+    try {
+        stream.WriteInMemory(small.data(), small.size());
+        FAIL() << "no exception";
+    } catch (const XWriteStreamOutOfSpace& e) {
+        EXPECT_TRUE(e.Location() == "TMemoryBinOutStream::WriteInMemory");
+    }
+    EXPECT_EQ(small, std::string(27, '#'));
+    EXPECT_EQ(TMemoryBinOutStream().WriteInMemory(nullptr, 0), 0u);
+}
+
+// One value as a file
+
+std::string FileOfOneDouble() {
+    TZoMetaData schema;
+    ZoRegisterPrimitives(&schema);
+    TMemoryBinOutStream stream(3, 2026);
+    stream.Initialize();
+    TBinOutStreamer streamer(&stream, &schema);
+    ZoDouble value(1.5);
+    streamer.WriteObjectMetaData(&value);
+    streamer.WriteObject(&value);
+    return Written(stream);
+}
+
+const struct {
+    const char* field;
+    std::string bytes;
+} FILE_OF_ONE_DOUBLE[] = {
+    {"header: version", "\3\0\0\0"s},
+    {"header: reserved 1", "\0\0\0\0"s},
+    {"header: reserved 2", "\0\0\0\0"s},
+    {"header: record count", "\2\0\0\0"s},
+    {"header: release", "\xEA\7\0\0"s},
+    {"header: reserved 3", "\0\0\0\0"s},
+    {"header: extra length", "\0\0\0\0"s},
+    {"schema: marker", "\xCA\xAB\xCA\xAB"s},
+    {"schema: size", "\x42\0\0\0"s},
+    {"schema: crc", "\x96\xB5\x0B\xC4"s},
+    {"schema: class id", "\0\0\0\0"s},
+    {"schema: uid", "\0\0\0\0"s},
+    {"schema: key", "\0\0\0\0"s},
+    {"number of classes", "\1\0\0\0"s},
+    {"class: id", "\5\0\0\0"s},
+    {"class: name", "\x8\0\0\0ZoDouble"s},
+    {"class: abstract", "\0"s},
+    {"class: layout", "\xFF\xFF\xFF\xFF"s},
+    {"class: number of parents", "\0\0\0\0"s},
+    {"class: number of values", "\1\0\0\0"s},
+    {"value: class", "\0\0\0\0"s},
+    {"value: kind", "\xFD\xFF\xFF\xFF"s},
+    {"value: name", "\5\0\0\0value"s},
+    {"class: number of children", "\0\0\0\0"s},
+    {"class: number of child lists", "\0\0\0\0"s},
+    {"class: number of references", "\0\0\0\0"s},
+    {"class: number of reference lists", "\0\0\0\0"s},
+    {"object: marker", "\xCA\xAB\xCA\xAB"s},
+    {"object: size", "\x8\0\0\0"s},
+    {"object: crc", "\xE1\x99\x21\x0F"s},
+    {"object: class id", "\5\0\0\0"s},
+    {"object: uid", "\1\0\0\0"s},
+    {"object: key", "\0\0\0\0"s},
+    {"object: value", "\0\0\0\0\0\0\xF8\x3F"s},
+};
+
+TEST(FileOfOneDouble, ByteByByte) {
+    const std::string bytes = FileOfOneDouble();
+    std::size_t at = 0;
+    for (const auto& row : FILE_OF_ONE_DOUBLE) {
+        EXPECT_EQ(bytes.substr(std::min(at, bytes.size()), row.bytes.size()), row.bytes) << row.field;
+        at += row.bytes.size();
+    }
+    EXPECT_EQ(bytes.size(), at);
+}
+
+TEST(FileOfOneDouble, IsTheSameWhereNumbersHaveCommas) {
+    const std::string bytes = FileOfOneDouble();
+    const CommaLocale commas;
+    if (!commas.Active()) GTEST_SKIP() << "no locale with commas";
+    EXPECT_EQ(FileOfOneDouble(), bytes);
+}
+
+} // namespace

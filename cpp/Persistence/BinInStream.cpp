@@ -245,6 +245,7 @@ void TBinInStream::ReadHeader(const char* location) {
         recordSize = RecordFormat::HEADER_SIZE;
         position = 0;
         windowCursor += RecordFormat::HEADER_SIZE;
+        readError = 0;
     } else {
         ReadOrThrow(Buffer(), RecordFormat::HEADER_SIZE, location);
         UseBuffer(RecordFormat::HEADER_SIZE);
@@ -264,8 +265,7 @@ bool TBinInStream::LoadHeader() {
         return false;
     }
     // Nothing looks at the extra block, so one that is cut short is the next record's concern.
-    if (extraLength != 0 && !ReadAll(Buffer(), extraLength) && readError != 0)
-        ThrowReadError("TBinInStream::LoadHeader");
+    if (extraLength != 0 && !ReadAll(Buffer(), extraLength) && readError != 0) return false;
     if (supportedVersion < version) throw XNewerVersion();
     return true;
 }

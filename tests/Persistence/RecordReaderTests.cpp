@@ -440,7 +440,7 @@ TEST(RecordReader, ChecksTheHeader) {
     EXPECT_FALSE(CreateMemoryBinInStream(cut.data(), cut.size(), 3)->LoadRecord(nullptr, nullptr));
     Source broken(cut);
     broken.failsFrom = 30;
-    EXPECT_EQ(Thrown([&] { broken.Initialize(); }), Told("Input/output error", "TBinInStream::LoadHeader"));
+    EXPECT_EQ(Thrown([&] { broken.Initialize(); }), Told("Input/output error", "Source::Source"));
     EXPECT_FALSE(TMemoryBinInStream(nullptr, 5, 3).GetOwnsSource());
     EXPECT_EQ(Thrown([&] { CreateMemoryBinInStream(nullptr, 5, 3); }),
               Told("No error", "TMemoryBinInStream::TMemoryBinInStream"));

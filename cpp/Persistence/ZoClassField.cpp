@@ -144,7 +144,12 @@ TZoClassFieldPointerBase::~TZoClassFieldPointerBase() = default;
 bool TZoClassFieldPointerBase::Accepts(const ZoStreamableBase* target) const {
     if (typeTest != nullptr) return typeTest(target);
     const TZoClass* declared = GetFieldClass();
-    if (declared == nullptr) return true;
+    const ZoString& wanted = declared != nullptr ? declared->GetName() : GetFieldClassName();
+    if (wanted.length() == 0) return true;
+    if (TZoMetaData::IsGenericBase(wanted)) {
+        return wanted != "ZoObjectStreamable" || dynamic_cast<const ZoObjectStreamable*>(target) != nullptr;
+    }
+    if (declared == nullptr) return false;
     const TZoClass* targetClass = target->GetOriginalClass(declared->GetMetaData());
     return targetClass != nullptr && targetClass->IsInherited(declared);
 }
@@ -205,6 +210,10 @@ void TZoClassFieldPointer::Resolve(TZoPointerResolver& resolver, ZoStreamableBas
     const int uid = resolver.Next();
     if (application->GetFieldType() == ftChildValue) {
         resolver.ResolveValue(*application, object, uid);
+        if (!resolver.ResolvesReferences()) return;
+        const ZoStreamableBase* value = resolver.Find(uid);
+        if (value == nullptr || !application->Accepts(value)) return;
+        object->OnReadPointer(application, application->Get(object), static_cast<unsigned>(uid));
         return;
     }
     if (!resolver.ResolvesReferences()) return;

@@ -59,7 +59,7 @@ struct Row {
     bool operator==(const Row&) const = default;
     friend std::ostream& operator<<(std::ostream& out, const Row& row) {
         out << "uid " << row.uid << " class " << row.classId << ':';
-        for (const unsigned char byte : row.payload) out << ' ' << static_cast<int>(byte);
+        for (const char byte : row.payload) out << ' ' << static_cast<int>(static_cast<unsigned char>(byte));
         return out;
     }
 };

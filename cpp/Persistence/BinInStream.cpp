@@ -38,6 +38,7 @@ struct TBinInStream::Tables {
     bool uidsRise = true;
     UidTable handles;
     std::vector<Excluded> excluded;
+    std::size_t firstExcluded = 0; // those before it were removed
 };
 
 TBinInStream::TBinInStream(unsigned supportedVersion, bool ownsSource)
@@ -405,25 +406,35 @@ void TBinInStream::AddExcludedField(TZoClassField* field, unsigned recordPositio
 
 void TBinInStream::RemoveExcludedField(TZoClassField* field) {
     auto& excluded = tables->excluded;
-    const auto found = std::find_if(excluded.begin(), excluded.end(),
+    const auto first = excluded.begin() + static_cast<std::ptrdiff_t>(tables->firstExcluded);
+    const auto found = std::find_if(first, excluded.end(),
                                     [field](const Tables::Excluded& entry) { return entry.field == field; });
-    if (found != excluded.end()) excluded.erase(found);
+    if (found == excluded.end()) return;
+    if (found == first) {
+        ++tables->firstExcluded;
+    } else {
+        excluded.erase(found);
+    }
 }
 
 TZoClassField* TBinInStream::GetFirstExcludedField() {
-    if (tables->excluded.empty()) return nullptr;
-    position = tables->excluded.front().recordPosition;
-    return tables->excluded.front().field;
+    if (tables->firstExcluded == tables->excluded.size()) return nullptr;
+    const Tables::Excluded& first = tables->excluded[tables->firstExcluded];
+    position = first.recordPosition;
+    return first.field;
 }
 
 void TBinInStream::ForgetInstances() {
     objects.RemoveAll();
     tables->uids.clear();
     tables->handles.Clear();
-    tables->excluded.clear();
+    ClearExcludedFields();
     unresolved->Clear();
 }
 
-void TBinInStream::ClearExcludedFields() { tables->excluded.clear(); }
+void TBinInStream::ClearExcludedFields() {
+    tables->excluded.clear();
+    tables->firstExcluded = 0;
+}
 
 } // namespace ZoPrimitives

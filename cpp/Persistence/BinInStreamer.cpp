@@ -99,7 +99,7 @@ public:
         auto& entries = stream.UnresolvedPointers().Entries();
         for (std::size_t i = 0; i < entries.size(); ++i) byUid[entries[i].uid] = i;
         collecting = true;
-        for (const TBinUnresolved& entry : entries) Walk(entry);
+        for (std::size_t i = 0; i < entries.size(); ++i) Walk(i);
         collecting = false;
         for (std::size_t i = 0; i < entries.size(); ++i) {
             if (claims.count(entries[i].uid) == 0) waiting.push_back(i);
@@ -107,7 +107,7 @@ public:
         while (!waiting.empty()) {
             const std::size_t next = waiting.back();
             waiting.pop_back();
-            Walk(entries[next]);
+            Walk(next);
         }
         MoveInvalidToOwners();
         made.Consume(taken);
@@ -118,18 +118,21 @@ public:
 
     void TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) override {
         ZoStreamableBase* value = stream.GetHandle(uid);
-        if (value == nullptr || !field.Accepts(value)) return;
+        const auto entry = byUid.find(uid);
+        if (value == nullptr || entry == byUid.end() || !field.Accepts(value)) return;
         if (collecting) {
-            claims.emplace(uid, owner);
+            claims.emplace(uid, walked);
             return;
         }
-        const auto claim = claims.find(uid);
         field.Set(owner, value);
         // A second owner gets a copy and no more.
-        if (claim == claims.end() || claim->second != owner || made.members.count(value) != 0) return;
+        const auto claim = claims.find(uid);
+        if (claim == claims.end() || claim->second != walked) return;
+        claims.erase(claim);
+        waiting.push_back(entry->second);
+        // A member of another type got a part of the object: the record's class does not fit it.
         ZoStreamableBase* member = field.Get(owner);
-        const auto entry = byUid.find(uid);
-        if (member == nullptr || member == value || entry == byUid.end()) return;
+        if (member == nullptr || member == value || typeid(*member) != typeid(*value)) return;
         ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
         made.members.insert(member);
         stream.SetHandle(member, uid);
@@ -137,11 +140,12 @@ public:
         taken.insert(value);
         owners[value] = owner;
         owners[member] = owner;
-        waiting.push_back(entry->second);
     }
 
 private:
-    void Walk(const TBinUnresolved& entry) {
+    void Walk(std::size_t index) {
+        walked = index;
+        const TBinUnresolved& entry = stream.UnresolvedPointers().Entries()[index];
         TZoPointerResolver resolver(stream, nullptr, this);
         resolver.Begin(stream.UnresolvedPointers().Uids() + entry.firstUid, false);
         entry.fileClass->LoadResolvePointers(resolver, entry.object);
@@ -158,8 +162,9 @@ private:
     TBinInStream& stream;
     Made& made;
     bool collecting = false;
-    std::unordered_map<int, std::size_t> byUid;              // entries
-    std::unordered_map<int, const ZoStreamableBase*> claims; // who takes a value first
+    std::size_t walked = 0;                      // entry
+    std::unordered_map<int, std::size_t> byUid;  // entries
+    std::unordered_map<int, std::size_t> claims; // the entry that takes a value first
     std::unordered_map<const ZoStreamableBase*, ZoStreamableBase*> owners;
     std::unordered_set<const ZoStreamableBase*> taken;
     std::vector<std::size_t> waiting;
@@ -186,6 +191,8 @@ ZoStreamableBase* TBinInStreamer::ReadObjects() {
         Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #2");
     }
     uses.clear();
+    rareUses.clear();
+    unknown.RemoveAll();
     stream->ForgetInstances();
     Made made(*stream);
     direct = stream->GetsDirectly();
@@ -286,8 +293,10 @@ bool TBinInStreamer::IsValid(ZoStreamableBase* object, bool invalid, bool mayHav
     if (!mayHaveValues) return true;
     TZoClass* objectClass = object->GetOriginalClass(schema);
     if (objectClass == nullptr || !objectClass->HasValueChildren()) return true;
-    for (ZoStreamableBase* member : ChildsByValueOfInstance(object)) {
-        if (!OnReadInstance(member, false)) return false;
+    TDVector<ZoStreamableBase*> members = ChildsByValueOfInstance(object);
+    for (unsigned long long i = 1; i <= members.NItems(); ++i) {
+        if (!members[i]->GetIsValid()) return false;
+        members.Append(ChildsByValueOfInstance(members[i]));
     }
     return true;
 }
@@ -306,12 +315,14 @@ void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
     DestructionHold hold;
     const TDVector<ZoStreamableBase*> all = stream->Objects();
     TDVector<ZoStreamableBase*> cascade;
-    for (ZoStreamableBase* object : invalid) cascade.AddUnique(object);
+    std::unordered_set<const ZoStreamableBase*> doomed;
+    for (ZoStreamableBase* object : invalid) {
+        if (doomed.insert(object).second) cascade.Add(object);
+    }
     schema->FillObjectsCascade(&cascade);
     std::unordered_set<const ZoStreamableBase*> removed(cascade.begin(), cascade.end());
 
-    // What an object that stays owns stays too, with all that hangs from it.
-    const std::unordered_set<const ZoStreamableBase*> doomed(invalid.begin(), invalid.end());
+    // What an object that stays owns stays too, with all that hangs from it and from its members.
     TDVector<ZoStreamableBase*> staying;
     for (ZoStreamableBase* object : stream->Objects()) {
         if (removed.count(object) == 0) staying.Add(object);
@@ -332,10 +343,15 @@ void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
         TDVector<ZoStreamableBase*>& staying;
     };
     Keeper keep(removed, doomed, staying);
+    std::unordered_set<const ZoStreamableBase*> members;
     for (unsigned long long i = 1; i <= staying.NItems(); ++i) {
         ZoStreamableBase* object = staying[i];
-        if (TZoClass* objectClass = object->GetOriginalClass(schema))
-            objectClass->ChildsReferences(object, keep);
+        TZoClass* objectClass = object->GetOriginalClass(schema);
+        if (objectClass == nullptr) continue;
+        objectClass->ChildsReferences(object, keep);
+        for (ZoStreamableBase* member : ChildsByValueOfInstance(object)) {
+            if (members.insert(member).second) staying.Add(member);
+        }
     }
 
     // Members go with their owners and are not objects to delete.

@@ -331,6 +331,10 @@ private:
         const int uid = resolver.Next();
         if (application.GetFieldType() == ftChildValue) {
             resolver.ResolveValue(application, object, uid);
+            if (!resolver.ResolvesReferences()) return;
+            const ZoStreamableBase* value = resolver.Find(uid);
+            if (value == nullptr || !application.Accepts(value)) return;
+            resolver.Tell(object, application, application.Get(object), uid);
             return;
         }
         if (!resolver.ResolvesReferences()) return;

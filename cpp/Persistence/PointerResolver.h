@@ -55,7 +55,8 @@ public:
         const std::type_info* type = &typeid(*target);
         if (type == fileField.accepted[0] || type == fileField.accepted[1]) return true;
         if (!application.Accepts(target)) return false;
-        if (application.typeTest != nullptr) {
+        // The application's own fields serve several readings at once.
+        if (application.typeTest != nullptr && &fileField != &application) {
             fileField.accepted[1] = fileField.accepted[0];
             fileField.accepted[0] = type;
         }

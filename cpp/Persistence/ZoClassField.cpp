@@ -144,7 +144,12 @@ TZoClassFieldPointerBase::~TZoClassFieldPointerBase() = default;
 bool TZoClassFieldPointerBase::Accepts(const ZoStreamableBase* target) const {
     if (typeTest != nullptr) return typeTest(target);
     const TZoClass* declared = GetFieldClass();
-    if (declared == nullptr) return true;
+    const ZoString& wanted = declared != nullptr ? declared->GetName() : GetFieldClassName();
+    if (wanted.length() == 0) return true;
+    if (TZoMetaData::IsGenericBase(wanted)) {
+        return wanted != "ZoObjectStreamable" || dynamic_cast<const ZoObjectStreamable*>(target) != nullptr;
+    }
+    if (declared == nullptr) return false;
     const TZoClass* targetClass = target->GetOriginalClass(declared->GetMetaData());
     return targetClass != nullptr && targetClass->IsInherited(declared);
 }

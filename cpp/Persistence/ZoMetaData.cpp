@@ -102,7 +102,10 @@ TZoMetaData::~TZoMetaData() { Clear(); }
 
 TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     const pointer<TZoClass> holder(newClass);
-    if (TZoClass* present = FindClass(newClass->GetName())) return present;
+    if (TZoClass* present = FindClass(newClass->GetName())) {
+        if (present != newClass) ForgetUnresolved(newClass);
+        return present;
+    }
     if (newClass->classId == 0) newClass->classId = nextId;
     if (newClass->classId >= nextId && newClass->classId < INT_MAX) nextId = newClass->classId + 1;
     classes.Add(newClass);
@@ -119,7 +122,11 @@ TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Fin
 
 TZoClass* TZoMetaData::FindClass(int id) const { return index->Find(id); }
 
-TZoClass* TZoMetaData::FindUnbound(const char* name) const { return FindClass(ZoString(name)); }
+TZoClass* TZoMetaData::FindUnbound(const char* name, const std::type_info& type) const {
+    TZoClass* found = FindClass(ZoString(name));
+    // Another type's accessors must not meet this one's objects.
+    return found == nullptr || found->type == nullptr || *found->type == type ? found : nullptr;
+}
 
 TZoClass* TZoMetaData::FindLatestClass(unsigned slot) { return Latest().Get(slot); }
 
@@ -147,10 +154,14 @@ void TZoMetaData::Unbind(TZoClass* leaving) {
         slots[leaving->slot] = nullptr;
         Latest().Forget(leaving->slot, leaving);
     }
-    for (unsigned long long i = unresolved.NItems(); i >= 1; --i) {
-        if (unresolved[i]->owner == leaving) unresolved.Remove(unresolved[i]);
-    }
+    ForgetUnresolved(leaving);
     if (leaving->schema == this) leaving->schema = nullptr;
+}
+
+void TZoMetaData::ForgetUnresolved(const TZoClass* leaving) {
+    for (unsigned long long i = unresolved.NItems(); i >= 1; --i) {
+        if (unresolved[i]->owner == leaving) unresolved.RemoveAt(i);
+    }
 }
 
 void TZoMetaData::ExcludeClass(const ZoString& name) {
@@ -161,6 +172,7 @@ void TZoMetaData::ExcludeClass(const ZoString& name) {
     index->Clear();
     for (const auto& left : classes) index->Add(left.get());
     for (const auto& left : classes) {
+        while (left->parents.Remove(leaving.get())) left->parentMissing = true;
         left->ForEachPointerField([&](TZoClassField& field) {
             if (field.fieldClass != leaving.get()) return;
             field.fieldClass = nullptr;
@@ -262,6 +274,7 @@ bool TZoMetaData::LoadFromStream(TBinInStream* stream, TZoMetaData* application)
         classes.Add(read.get());
         index->Add(read.get());
     }
+    if (stream->GetRecordPosition() > stream->GetRecordSize()) return false;
     if (LinkClasses(application)) return true;
     // Parents are counted references: classes among their own ancestors would hold each other for ever.
     for (const auto& read : classes) read->parents.RemoveAll();

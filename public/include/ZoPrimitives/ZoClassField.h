@@ -204,7 +204,7 @@ public:
                                   bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                   const void* context) = 0;
     /// Whether an object may be handed to the setter: by the test of the C++ type bound with the accessors,
-    /// or, without one, by the declared class.
+    /// or, without one, by the declared class, registered or named. A field with neither takes any object.
     bool Accepts(const ZoStreamableBase* target) const;
     void SetTypeTest(TZoTypeTest test) { typeTest = test; }
     /// Whether the field's objects belong to it.
@@ -295,8 +295,7 @@ private:
 };
 
 /// Owned objects under owned keys: two sub-fields, one for the keys and one for the values, each a list of
-/// pointers
-/// (`ftChildPointerList`), a single pointer (`ftChildPointer`) or a value.
+/// pointers (`ftChildPointerList`), a single pointer (`ftChildPointer`) or a value.
 class ZO_API TZoClassFieldPointerMap : public TZoClassFieldPointerBase {
 public:
     explicit TZoClassFieldPointerMap(const ZoString& name);

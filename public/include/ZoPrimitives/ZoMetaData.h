@@ -241,10 +241,11 @@ public:
     TZoClass* AddClass(TZoClass* newClass);
     TZoClass* FindClass(const ZoString& name) const;
     TZoClass* FindClass(int id) const;
-    /// The class bound to the process-wide number of a C++ class, looked up by name when none is.
-    TZoClass* FindClass(unsigned slot, const char* name) const {
+    /// The class bound to the process-wide number of a C++ class; when none is, the class of that name,
+    /// unless it is bound to another C++ type.
+    TZoClass* FindClass(unsigned slot, const char* name, const std::type_info& type) const {
         TZoClass* bound = slot < slots.size() ? slots[slot] : nullptr;
-        return bound != nullptr ? bound : FindUnbound(name);
+        return bound != nullptr ? bound : FindUnbound(name, type);
     }
     bool DoesClassExist(const ZoString& name) const { return FindClass(name) != nullptr; }
     /// `index` counts from 1, in the order of registration.
@@ -254,14 +255,16 @@ public:
     TZoClass* FindInherited(const ZoString& ancestorName) const;
     /// Whether the first class is the second or derives from it.
     bool IsClassInherited(const ZoString& name, const ZoString& ancestorName) const;
-    /// Removes a class. Fields that point to it wait for a class of its name again.
+    /// Removes a class. Fields that point to it wait for a class of its name again. Classes that derive from
+    /// it go on without that parent, as if registered before it, until they are registered anew.
     void ExcludeClass(const ZoString& name);
     void Clear();
 
     void AddCadastre(TZoCadastre* cadastre);
     TZoCadastre* FindCadastre(const ZoString& className) const;
 
-    /// Remembers a pointer field whose class is not registered yet; other fields are ignored.
+    /// Remembers a pointer field whose class, by the name set with `SetFieldClassName`, is not registered
+    /// yet; other fields are ignored.
     void AddToResolveCrossRefs(TZoClassField* field);
     void ResolveCrossRefs();
     /// Whether all parents and field classes are registered. `report` (may be null) gets one line for each
@@ -274,7 +277,7 @@ public:
     /// Reads the schema record, which is current in `stream`, and links its classes to the application's of
     /// the same name. False when it contradicts itself: an unknown parent or field class, an id that is not
     /// positive or stands twice, a class among its own ancestors, more than 1,000 class levels for one
-    /// object.
+    /// object, or when the record ends before it does.
     bool LoadFromStream(TBinInStream* stream, TZoMetaData* application);
 
     /// Whether an object is written under its registered class even though its C++ type is a subclass.
@@ -293,9 +296,10 @@ private:
     friend class TZoClass;
     class TClassNameAndIdMap;
 
-    TZoClass* FindUnbound(const char* name) const;
+    TZoClass* FindUnbound(const char* name, const std::type_info& type) const;
     bool LinkClasses(const TZoMetaData* application);
     void Unbind(TZoClass* leaving);
+    void ForgetUnresolved(const TZoClass* leaving);
     bool LevelsAreSound() const;
 
     TIVector<TZoClass, pointer<TZoClass>> classes;

@@ -16,21 +16,21 @@
 // `Storey::Register(&schema)` once, parents first.
 //
 // clang-format off
-//     REGISTER_ZO_BEGIN(Class, Parent, ...)            up to three parents, each registered and a base in C++
-//     DECLARE_ZO_FIELD(Type, field)                    int, unsigned, bool, float, double, ZoString, ZoBlob
-//     DECLARE_ZO_FIELD_LIST(Type, field)               int, float, double, ZoString: TDVector<Type>
-//     DECLARE_ZO_FIELD_CHILD(Class, field)             owned: pointer<Class>
-//     DECLARE_ZO_FIELD_CHILD_VALUE(Class, field)       a member that is an object: Class
-//     DECLARE_ZO_FIELD_CHILD_LIST(Class, field)        owned: TIVector<Class, pointer<Class>>
-//     DECLARE_ZO_FIELD_CHILD_MAP(Key, Class, field)    owned, keys too: TIMap<Key, Class, pointer<Class>>
-//     DECLARE_ZO_FIELD_REFERENCE(Class, field)         owned elsewhere in the graph: crossRef<Class>
-//     DECLARE_ZO_FIELD_REFERENCE_LIST(Class, field)    the same: TDVector<Class*>
-//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Class, field)       need not be owned in the graph: crossRef<Class>
-//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Class, field)  the same: TDVector<Class*>
+//     REGISTER_ZO_BEGIN(Class, Parent, ...)        up to three parents, each registered and a base in C++
+//     DECLARE_ZO_FIELD(Type, field)                int, unsigned, bool, float, double, ZoString, ZoBlob
+//     DECLARE_ZO_FIELD_LIST(Type, field)           int, float, double, ZoString: TDVector<Type>
+//     DECLARE_ZO_FIELD_CHILD(Class, field)         owned: pointer<Class>
+//     DECLARE_ZO_FIELD_CHILD_VALUE(Class, field)   a member that is an object: Class
+//     DECLARE_ZO_FIELD_CHILD_LIST(Class, field)    owned: TIVector<Class, pointer<Class>>
+//     DECLARE_ZO_FIELD_CHILD_MAP(Key, Class, field)          owned: TIMap<Key, Class, pointer<Class>>; Key complete
+//     DECLARE_ZO_FIELD_REFERENCE(Class, field)               owned elsewhere in the graph: crossRef<Class>
+//     DECLARE_ZO_FIELD_REFERENCE_LIST(Class, field)          the same: TDVector<Class*>
+//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Class, field)      need not be owned in the graph: crossRef<Class>
+//     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Class, field) the same: TDVector<Class*>
 // clang-format on
 //
-// A class with several streamable bases lets them derive virtually from their common base; the accessors find
-// their part of the object.
+// A class with several streamable parents derives from each of them virtually, and they from their common
+// base; the accessors find their part of the object.
 
 #include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"
@@ -283,10 +283,15 @@ private:
     TDVector<TZoClassField*> unresolved;
 };
 
-/// The number of a C++ class in the process; 0 before its module is initialised, when names are looked up
-/// instead.
+/// An empty object, to begin a member with.
 template <class T>
-inline const unsigned ZoSlotOf = ZoNewClassSlot();
+T ZoEmpty() {
+    if constexpr (std::is_default_constructible_v<T>) {
+        return T();
+    } else {
+        return T(ZoStreamableBase::InitEmpty);
+    }
+}
 
 template <class T>
 ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass*) {
@@ -313,6 +318,10 @@ template <class T>
 TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* const (&parents)[3]) {
     static_assert(std::is_base_of_v<ZoStreamableBase, T>,
                   "REGISTER_ZO_BEGIN: the class must derive from ZoStreamableBase or ZoObjectStreamable");
+    static_assert(
+        std::is_convertible_v<T*, ZoStreamableBase*>,
+        "REGISTER_ZO_BEGIN: a class with several streamable parents must derive from them, and they "
+        "from their common base, virtually and publicly");
     static_assert(T::template ZoParentsHold<T>());
     constexpr bool abstract = std::is_abstract_v<T>;
     TZoCreateFunction create = nullptr;
@@ -323,7 +332,7 @@ TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* con
                       "ZoStreamableBase::StreamableInit, or a default constructor");
         create = ZoCreateInstance<T>;
     }
-    ZoRegistration registration(schema, name, parents, create, abstract, typeid(T), ZoSlotOf<T>);
+    ZoRegistration registration(schema, name, parents, create, abstract, typeid(T), T::ZoSlot);
     registration.SetHooks(ZoHooksOf<T>());
     AddFieldsOfLines<T>(registration, std::make_integer_sequence<int, T::ZoLastLine - T::ZoFirstLine>());
     return registration.Finish();
@@ -359,6 +368,9 @@ public:                                                                         
     using ZoClass = Class;                                                                                   \
     static constexpr int ZoFirstLine = __LINE__;                                                             \
     static constexpr const char* ZoName() { return #Class; }                                                 \
+    /* The number of this class in the process; 0 before its module is initialised, when names are */        \
+    /* looked up instead. A member, so that modules share the number of an exported class. */                \
+    static inline const unsigned ZoSlot = ::ZoPrimitives::ZoNewClassSlot();                                  \
     static const char* const(&ZoParents())[3] {                                                              \
         static constexpr const char* parents[3] = {Parent1, Parent2, Parent3};                               \
         return parents;                                                                                      \
@@ -376,10 +388,10 @@ public:                                                                         
     }                                                                                                        \
     static void Unregister(::ZoPrimitives::TZoMetaData* schema) { schema->ExcludeClass(ZoName()); }          \
     ::ZoPrimitives::TZoClass* GetOriginalClass(::ZoPrimitives::TZoMetaData* schema) const override {         \
-        return schema->FindClass(::ZoPrimitives::ZoSlotOf<ZoClass>, ZoName());                               \
+        return schema->FindClass(ZoSlot, ZoName(), typeid(ZoClass));                                         \
     }                                                                                                        \
     ::ZoPrimitives::TZoClass* GetClass() const override {                                                    \
-        return ::ZoPrimitives::TZoMetaData::FindLatestClass(::ZoPrimitives::ZoSlotOf<ZoClass>);              \
+        return ::ZoPrimitives::TZoMetaData::FindLatestClass(ZoSlot);                                         \
     }                                                                                                        \
     ::ZoPrimitives::ZoString StreamableClassName() const override {                                          \
         return ::ZoPrimitives::ZoStreamableClassName(typeid(*this));                                         \
@@ -533,7 +545,7 @@ public:                                                                         
     ZO_POINTER_LIST_FIELD_(::ZoPrimitives::TDVector<Type*>, Type, field, PointerListEx)
 
 #define DECLARE_ZO_FIELD_CHILD_VALUE(Type, field)                                                            \
-    Type field{};                                                                                            \
+    Type field = ::ZoPrimitives::ZoEmpty<Type>();                                                            \
     static void Set##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
                            ::ZoPrimitives::ZoStreamableBase* value) {                                        \
         ::ZoPrimitives::ZoSelf<ZoClass>(object).field = ::ZoPrimitives::ZoSelf<Type>(value);                 \

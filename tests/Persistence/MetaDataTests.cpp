@@ -1,0 +1,419 @@
+#include "support/Assertions.h"
+#include "support/EveryKind.h"
+
+#include <algorithm>
+#include <memory>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+std::vector<Row> WrittenSchema(TZoMetaData& schema) {
+    TMemoryBinOutStream stream;
+    stream.Initialize();
+    schema.SaveToStream(&stream);
+    return RowsOf(BytesOf(stream));
+}
+
+/// A schema read from the bytes of its record.
+struct LoadedSchema {
+    explicit LoadedSchema(const std::string& payload, TZoMetaData* application = nullptr)
+        : file(FileOf({Row{0, 0, payload}})), stream(file.data(), file.size(), 0) {
+        stream.Initialize();
+        int uid = 0;
+        int classId = 0;
+        EXPECT_TRUE(stream.LoadRecord(&uid, &classId));
+        sound = schema.LoadFromStream(&stream, application);
+    }
+    std::string file;
+    TMemoryBinInStream stream;
+    TZoMetaData schema;
+    bool sound = false;
+};
+
+std::vector<std::string> FieldNames(TZoClass& of) {
+    std::vector<std::string> names;
+    for (int i = 1; i <= of.GetFieldCount(); ++i) names.push_back(Text(of.GetField(i)->GetFieldName()));
+    return names;
+}
+
+class NoFields : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(NoFields)
+    REGISTER_ZO_END
+};
+
+class OnlyMaps : public NoFields {
+    REGISTER_ZO_BEGIN(OnlyMaps, NoFields)
+    DECLARE_ZO_FIELD_CHILD_MAP(NoFields, NoFields, pairs)
+    REGISTER_ZO_END
+};
+
+using Names = std::vector<std::string>;
+
+} // namespace
+
+TEST(SchemaRecord, HoldsEveryClassByteByByte) {
+    struct Case {
+        const char* name;
+        void (*registerClasses)(TZoMetaData&);
+        std::vector<ClassEntry> entries;
+    };
+    const Case cases[] = {
+        {"all kinds, maps in a block of their own before the values", app::RegisterEveryKind,
+         app::EveryKindEntries()},
+        {"no field: five empty blocks; only maps: no value",
+         [](TZoMetaData& schema) {
+             NoFields::Register(&schema);
+             OnlyMaps::Register(&schema);
+         },
+         {{.id = 1, .name = "NoFields"},
+          {.id = 2, .name = "OnlyMaps", .parents = {1}, .maps = {{1, -19, "pairs"}}}}},
+        {"no class", [](TZoMetaData&) {}, {}},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        TZoMetaData schema;
+        tested.registerClasses(schema);
+        const std::vector<Row> expected{{0, 0, SchemaOf(tested.entries)}};
+        EXPECT_EQ(WrittenSchema(schema), expected);
+        LoadedSchema loaded(expected[0].payload);
+        ASSERT_TRUE(loaded.sound);
+        EXPECT_EQ(WrittenSchema(loaded.schema), expected) << "as read";
+    }
+}
+
+TEST(SchemaRecord, StaysInStepWithOtherLayouts) {
+    const Payload empty = Payload().Ints({0, 0, 0, 0});
+    const auto head = [](int id, const char* name) { return Payload().Int(id).Text(name).Bool(false); };
+    struct Case {
+        const char* name;
+        Payload entry; // of class 2; class 1 is "P"
+        Names parents;
+        Names fields;
+    };
+    const Case cases[] = {
+        {"one parent in place of the marker", head(2, "C").Int(1).Int(0).Add(empty), {"P"}, {}},
+        {"no parent in place of the marker", head(2, "C").Int(0).Int(0).Add(empty), {}, {}},
+        {"parents that are none", head(2, "C").Ints({-1, 3, 0, 1, 0}).Int(0).Add(empty), {"P"}, {}},
+        {"one parent twice", head(2, "C").Ints({-1, 2, 1, 1}).Int(0).Add(empty), {"P", "P"}, {}},
+        {"kinds that are none of ours make no field",
+         head(2, "C")
+             .Ints({-1, 0})
+             .Add(ClassEntry::Block({{0, 0, "zero"},
+                                     {0, -20, "below"},
+                                     {0, -1, "kept"},
+                                     {77, 1, "above"},
+                                     {0, -2147483647, "far"}}))
+             .Add(empty),
+         {},
+         {"kept"}},
+        {"the last kind tells a block of maps, also behind unknown ones",
+         head(2, "C")
+             .Ints({-1, 0})
+             .Add(ClassEntry::Block({{0, 5, "unknown"}, {0, -19, "map"}}))
+             .Add(ClassEntry::Block({{0, -1, "value"}}))
+             .Add(empty),
+         {},
+         {"map", "value"}},
+        {"a map that is not last leaves it a block of values",
+         head(2, "C").Ints({-1, 0}).Add(ClassEntry::Block({{0, -19, "map"}, {0, -1, "value"}})).Add(empty),
+         {},
+         {"map", "value"}},
+        {"the kind as stored, whatever block it stands in",
+         head(2, "C").Ints({-1, 0}).Add(ClassEntry::Block({{0, -6, "child"}, {0, -1, "value"}})).Add(empty),
+         {},
+         {"value", "child"}},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        LoadedSchema loaded(Payload()
+                                .Int(3)
+                                .Add(ClassEntry{.id = 1, .name = "P"}.Bytes())
+                                .Add(tested.entry)
+                                .Add(ClassEntry{.id = 3, .name = "Last"}.Bytes()));
+        ASSERT_TRUE(loaded.sound);
+        TZoClass* read = loaded.schema.FindClass(2);
+        ASSERT_NE(read, nullptr);
+        Names parents;
+        for (const auto& parent : *read->GetParentClasses()) parents.push_back(Text(parent->GetName()));
+        EXPECT_EQ(parents, tested.parents);
+        EXPECT_EQ(FieldNames(*read), tested.fields);
+        ASSERT_NE(loaded.schema.FindClass(3), nullptr) << "out of step";
+        EXPECT_EQ(Text(loaded.schema.FindClass(3)->GetName()), "Last");
+    }
+}
+
+TEST(SchemaRecord, RefusesWhatContradictsItself) {
+    const auto chain = [](int length) {
+        std::vector<ClassEntry> classes;
+        for (int i = 1; i <= length; ++i) {
+            classes.push_back({.id = i, .name = "C" + std::to_string(i), .parents = {}});
+            if (i > 1) classes.back().parents = {i - 1};
+        }
+        return classes;
+    };
+    const auto doubled = [&](int length) {
+        auto classes = chain(length);
+        for (auto& entry : classes) {
+            if (!entry.parents.empty()) entry.parents.push_back(entry.parents[0]);
+        }
+        return classes;
+    };
+    const auto reversed = [](std::vector<ClassEntry> classes) {
+        std::reverse(classes.begin(), classes.end());
+        return classes;
+    };
+    struct Case {
+        const char* name;
+        std::vector<ClassEntry> classes;
+        bool sound;
+    };
+    const Case cases[] = {
+        {"unknown parent", {{.id = 1, .parents = {2}}}, false},
+        {"negative parent", {{.id = 1, .parents = {-5}}}, false},
+        {"unknown class of a child", {{.id = 1, .children = {{9, -6, "f"}}}}, false},
+        {"unknown class of a map", {{.id = 1, .maps = {{9, -19, "f"}}}}, false},
+        {"unknown class of a reference list", {{.id = 1, .referenceLists = {{9, -9, "f"}}}}, false},
+        {"a value's class is not looked up", {{.id = 1, .values = {{9, -1, "f"}}}}, true},
+        {"nor that of a kind that makes no field", {{.id = 1, .children = {{9, -99, "f"}}}}, true},
+        {"id 0", {{.id = 0}}, false},
+        {"negative id", {{.id = -1}}, false},
+        {"an id twice", {{.id = 4, .name = "A"}, {.id = 4, .name = "B"}}, false},
+        {"a name twice", {{.id = 4, .name = "A"}, {.id = 5, .name = "A"}}, true},
+        {"the greatest id", {{.id = 2147483647}}, true},
+        {"its own parent", {{.id = 1, .parents = {1}}}, false},
+        {"its own grandparent",
+         {{.id = 1, .name = "A", .parents = {2}}, {.id = 2, .name = "B", .parents = {1}}},
+         false},
+        {"a circle beside a sound class",
+         {{.id = 1, .name = "A", .parents = {2}},
+          {.id = 2, .name = "B", .parents = {3, 4}},
+          {.id = 3, .name = "C"},
+          {.id = 4, .name = "D", .parents = {3, 2}}},
+         false},
+        {"a diamond",
+         {{.id = 1, .name = "D", .parents = {2, 3}},
+          {.id = 2, .name = "B", .parents = {4}},
+          {.id = 3, .name = "C", .parents = {4}},
+          {.id = 4, .name = "A"}},
+         true},
+        {"1,000 levels", chain(1000), true},
+        {"1,000 levels, children first", reversed(chain(1000)), true},
+        {"1,001 levels", chain(1001), false},
+        {"100,000 levels, children first", reversed(chain(100'000)), false},
+        {"levels that double: 511", doubled(9), true},
+        {"levels that double: 1,023", doubled(10), false},
+        {"levels that double: 2^30", doubled(30), false},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        EXPECT_EQ(LoadedSchema(SchemaOf(tested.classes)).sound, tested.sound);
+    }
+}
+
+TEST(SchemaRecord, RefusesCountsThatItCannotHold) {
+    const std::string corrupt = "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre";
+    const auto head = [] { return Payload().Int(1).Int(1).Text("C").Bool(false); };
+    struct Case {
+        const char* name;
+        Payload schema;
+    };
+    const Payload rest = Payload().Ints({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    const Case cases[] = {
+        {"negative number of classes", Payload().Int(-1).Add(rest)},
+        {"more classes than bytes", Payload().Int(2'000'000'000).Add(rest)},
+        {"negative number of parents", head().Ints({-1, -1}).Add(rest)},
+        {"more parents than bytes", head().Ints({-1, 2'147'483'647}).Add(rest)},
+        {"negative number of fields", head().Ints({-1, 0, -2}).Add(rest)},
+        {"more fields than bytes", head().Ints({-1, 0, 1'000'000}).Add(rest)},
+        {"more fields than bytes in the last block", head().Ints({-1, 0, 0, 0, 0, 0, 1, 0, 0})},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        EXPECT_EQ(FailureOf([&] { LoadedSchema loaded(tested.schema); }), corrupt);
+    }
+    EXPECT_EQ(FailureOf([&] {
+                  LoadedSchema loaded(Payload().Ints({1, 1}).Int(-1).Add(rest));
+              }),
+              "Tamanho de registro corrompido @ TBinInStream::operator>>(ZoString)")
+        << "a name longer than the record";
+}
+
+TEST(SchemaRecord, MustBeWhole) {
+    const std::string whole = SchemaOf(app::EveryKindEntries());
+    EXPECT_TRUE(LoadedSchema(whole).sound);
+    for (std::size_t size = 1; size < whole.size(); ++size) {
+        bool sound = true;
+        FailureOf([&] {
+            sound = false;
+            sound = LoadedSchema(whole.substr(0, size)).sound;
+        });
+        EXPECT_FALSE(sound) << size << " of " << whole.size() << " bytes";
+    }
+}
+
+TEST(SchemaRecord, LinksClassesAndFieldsToTheApplications) {
+    TZoMetaData application;
+    app::RegisterEveryKind(application);
+    auto entries = app::EveryKindEntries();
+    entries[0].id = 70;
+    entries[1].id = 30;
+    for (auto* block : {&entries[1].maps, &entries[1].children, &entries[1].childLists,
+                        &entries[1].references, &entries[1].referenceLists}) {
+        for (auto& field : *block) field.classId = 70;
+    }
+    entries[1].children.push_back({0, -6, "gone"});
+    entries[1].values.push_back({0, -3, "anInt"}); // an int now
+    LoadedSchema loaded(SchemaOf(entries), &application);
+    ASSERT_TRUE(loaded.sound);
+    TZoClass* every = loaded.schema.FindClass("EveryKind");
+    EXPECT_EQ(every->GetOriginal(), application.FindClass("EveryKind"));
+    for (int i = 1; i <= every->GetFieldCount(); ++i) {
+        TZoClassField* field = every->GetField(i);
+        const bool fits = field->GetFieldName() != "gone" &&
+                          !(field->GetFieldName() == "anInt" && field->GetFieldType() == ftDouble);
+        EXPECT_EQ(field->GetOriginal(),
+                  fits ? application.FindClass("EveryKind")->FindField(field->GetFieldName()) : nullptr)
+            << Text(field->GetFieldName());
+        TZoClass* target =
+            field->IsPointerKind() && field->GetFieldName() != "gone" ? loaded.schema.FindClass(70) : nullptr;
+        EXPECT_EQ(field->GetFieldClass(), target) << Text(field->GetFieldName());
+    }
+}
+
+TEST(SchemaCheck, ReportsEachOfThreeFaults) {
+    TZoMetaData schema;
+    ZoString report;
+    EXPECT_TRUE(schema.Check(&report));
+    OnlyMaps::Register(&schema); // neither parent nor target registered
+    auto* bare = new TZoClass(&schema, nullptr, "Bare", nullptr, false, nullptr);
+    bare->AddFieldPointer("nameless", nullptr, nullptr, nullptr);
+    bare->AddFieldPointer("generic", nullptr, nullptr, nullptr)->SetFieldClassName("ZoObjectStreamable");
+    schema.AddClass(bare);
+    EXPECT_FALSE(schema.Check(nullptr));
+    EXPECT_FALSE(schema.Check(&report));
+    EXPECT_EQ(Text(report), "[zoerror] parent class of OnlyMaps not registered\n"
+                            "[zoerror] class NoFields of reference field pairs not registered\n"
+                            "[zoerror] class of reference field nameless not registered");
+    schema.Clear();
+    NoFields::Register(&schema);
+    OnlyMaps::Register(&schema);
+    report = "";
+    EXPECT_TRUE(schema.Check(&report));
+    EXPECT_EQ(Text(report), "");
+}
+
+namespace {
+
+struct Top : virtual ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Top)
+    DECLARE_ZO_FIELD(int, shared)
+    DECLARE_ZO_FIELD_CHILD(NoFields, topChild)
+    REGISTER_ZO_END
+};
+struct Left : virtual Top {
+    REGISTER_ZO_BEGIN(Left, Top)
+    DECLARE_ZO_FIELD_CHILD_MAP(NoFields, NoFields, leftMap)
+    DECLARE_ZO_FIELD(int, leftValue)
+    REGISTER_ZO_END
+};
+struct Right : virtual Top {
+    REGISTER_ZO_BEGIN(Right, Top)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(NoFields, rightList)
+    REGISTER_ZO_END
+};
+struct Both : Left, Right {
+    REGISTER_ZO_BEGIN(Both, Left, Right)
+    DECLARE_ZO_FIELD_REFERENCE(NoFields, last)
+    DECLARE_ZO_FIELD(double, leftValue)
+    DECLARE_ZO_FIELD_CHILD_LIST(NoFields, first)
+    REGISTER_ZO_END
+};
+
+} // namespace
+
+TEST(SchemaQueries, FollowParentsInOrder) {
+    TZoMetaData schema;
+    NoFields::Register(&schema);
+    TZoClass* top = Top::Register(&schema);
+    TZoClass* left = Left::Register(&schema);
+    TZoClass* right = Right::Register(&schema);
+    TZoClass* both = Both::Register(&schema);
+
+    EXPECT_EQ(both->GetParentClass(), left);
+    EXPECT_EQ(top->GetParentClass(), nullptr);
+    EXPECT_TRUE(both->IsInherited(top));
+    EXPECT_TRUE(both->IsInherited(both));
+    EXPECT_FALSE(top->IsInherited(both));
+    EXPECT_FALSE(left->IsInherited(right));
+    EXPECT_TRUE(schema.IsClassInherited("Both", "Top"));
+    EXPECT_FALSE(schema.IsClassInherited("Top", "Both"));
+    EXPECT_FALSE(schema.IsClassInherited("Nowhere", "Top"));
+    EXPECT_EQ(schema.FindInherited("Top"), left);
+    EXPECT_EQ(schema.FindInherited("Both"), nullptr);
+    EXPECT_EQ(schema.GetClassCount(), 5);
+    EXPECT_EQ(schema.GetClass(2), top);
+    EXPECT_TRUE(schema.DoesClassExist("Right"));
+    EXPECT_FALSE(schema.DoesClassExist("right"));
+    EXPECT_EQ(schema.FindClass(left->GetClassId()), left);
+    EXPECT_EQ(schema.FindClass(99), nullptr);
+
+    // Own fields first, then the parents', first parent first.
+    EXPECT_EQ(both->FindField("leftValue")->GetFieldType(), ftDouble);
+    EXPECT_EQ(both->FindField("shared")->GetOwnerClass(), top);
+    EXPECT_EQ(both->FindField("rightList")->GetOwnerClass(), right);
+    EXPECT_EQ(top->FindField("leftValue"), nullptr);
+    EXPECT_EQ(FieldNames(*both), (Names{"leftValue", "first", "last"}));
+    EXPECT_EQ(AssertionOf([&] { both->GetField(0); }).source, "cpp/Persistence/ZoMetaData");
+    EXPECT_EQ(AssertionOf([&] { both->GetField(4); }).source, "cpp/Persistence/ZoMetaData");
+    TIList<TZoClassField> all;
+    both->FillAllClassFields(&all);
+    Names names;
+    for (const auto& field : all) names.push_back(Text(field->GetFieldName()));
+    EXPECT_EQ(names, (Names{"shared", "topChild", "leftMap", "leftValue", "shared", "topChild", "rightList",
+                            "leftValue", "first", "last"}));
+    // A map takes two places, a grandparent reached twice counts twice.
+    EXPECT_EQ(top->GetFieldPointerCount(), 1U);
+    EXPECT_EQ(left->GetFieldPointerCount(), 3U);
+    EXPECT_EQ(both->GetFieldPointerCount(), 3U + 2U + 2U);
+}
+
+TEST(SchemaFactory, MakesFieldsOfTheNineteenKindsOnly) {
+    TZoMetaData schema;
+    TZoClass made(&schema, nullptr, "C", nullptr, false, nullptr);
+    int count = 0;
+    for (int kind = -25; kind <= 5; ++kind) {
+        const bool known = kind >= -19 && kind <= -1;
+        const bool points =
+            known && ((kind <= -6 && kind >= -9) || kind == -15 || kind == -16 || kind <= -18);
+        TZoClassField* field = made.AddField(5, static_cast<TZoClassFieldType>(kind), "f");
+        ASSERT_EQ(field != nullptr, known) << kind;
+        if (!known) continue;
+        EXPECT_EQ(field->GetFieldType(), kind);
+        EXPECT_EQ(field->GetFieldClassId(), 5) << kind;
+        EXPECT_EQ(field->GetFieldClass(), nullptr) << kind;
+        EXPECT_EQ(field->IsPointerKind(), points) << kind;
+        EXPECT_EQ(field->GetOwnerClass(), &made);
+        EXPECT_EQ(made.GetFieldCount(), ++count);
+    }
+}
+
+TEST(SchemaFactory, NamesAMapsSubFieldsByItsClass) {
+    TZoMetaData schema;
+    TZoClass target(&schema, nullptr, "Target", nullptr, false, nullptr);
+    TZoClass owner(&schema, nullptr, "Owner", nullptr, false, nullptr);
+    struct Case {
+        const char* name;
+        TZoClass* fieldClass;
+        const char* subName;
+    };
+    for (const Case& tested : {Case{"known", &target, "Target"}, Case{"unknown", nullptr, "<unresolve>"}}) {
+        SCOPED_TRACE(tested.name);
+        auto* map = owner.AddFieldChildPointerMap("m", tested.fieldClass, nullptr, nullptr);
+        map->AddFields(ftChildPointer, ftChildPointerList);
+        EXPECT_EQ(Text(map->GetKeyField()->GetFieldName()), tested.subName);
+        EXPECT_EQ(map->GetKeyField()->GetFieldType(), ftChildPointer);
+        EXPECT_EQ(Text(map->GetValueField()->GetFieldName()), tested.subName);
+        EXPECT_EQ(map->GetValueField()->GetFieldType(), ftChildPointerList);
+    }
+}

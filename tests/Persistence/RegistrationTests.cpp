@@ -1,0 +1,489 @@
+#include "support/EveryKind.h"
+
+#include "ZoPrimitives/ZoStreamablePrimitives.h"
+
+#include <memory>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+class Target;
+
+class Parent : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Parent)
+    DECLARE_ZO_FIELD(int, inherited)
+    DECLARE_ZO_FIELD_REFERENCE(Target, target)
+    REGISTER_ZO_END
+};
+
+class Child : public Parent {
+    REGISTER_ZO_BEGIN(Child, Parent)
+    DECLARE_ZO_FIELD(int, own)
+    DECLARE_ZO_FIELD_CHILD_LIST(Target, targets)
+    DECLARE_ZO_FIELD_CHILD_MAP(app::Leaf, Target, map)
+    REGISTER_ZO_END
+};
+
+class Target : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Target)
+    DECLARE_ZO_FIELD(int, number)
+    REGISTER_ZO_END
+};
+
+class Forgotten : public Child {};
+
+class Abstract : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Abstract)
+    REGISTER_ZO_END
+    virtual void Draw() = 0;
+};
+
+namespace elsewhere {
+class Target : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Target)
+    DECLARE_ZO_FIELD(ZoString, text)
+    REGISTER_ZO_END
+};
+class Holder : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Holder)
+    DECLARE_ZO_FIELD_CHILD(elsewhere::Target, qualified)
+    REGISTER_ZO_END
+};
+} // namespace elsewhere
+
+std::vector<std::string> ParentNames(TZoClass* of) {
+    std::vector<std::string> names;
+    for (const auto& parent : *of->GetParentClasses()) names.push_back(Text(parent->GetName()));
+    return names;
+}
+
+} // namespace
+
+TEST(Registration, TakesOnlyParentsThatAreThere) {
+    TZoMetaData schema;
+    TZoClass* early = Child::Register(&schema);
+    EXPECT_TRUE(ParentNames(early).empty());
+    Parent::Register(&schema);
+    EXPECT_TRUE(ParentNames(early).empty()) << "registered too late";
+    EXPECT_EQ(Child::Register(&schema), early) << "a second time changes nothing";
+    Child::Unregister(&schema);
+    EXPECT_EQ(ParentNames(Child::Register(&schema)), std::vector<std::string>{"Parent"});
+}
+
+TEST(Registration, ResolvesFieldsWhenTheirClassComes) {
+    TZoMetaData schema;
+    TZoClass* parent = Parent::Register(&schema);
+    TZoClass* child = Child::Register(&schema);
+    const auto targets = [&] {
+        return std::vector<TZoClass*>{parent->FindField("target")->GetFieldClass(),
+                                      child->FindField("targets")->GetFieldClass(),
+                                      child->FindField("map")->GetFieldClass()};
+    };
+    EXPECT_EQ(targets(), std::vector<TZoClass*>(3, nullptr));
+    EXPECT_EQ(Text(child->FindField("map")->GetFieldClassName()), "Target");
+    EXPECT_FALSE(schema.Check(nullptr));
+    TZoClass* target = Target::Register(&schema);
+    EXPECT_EQ(targets(), std::vector<TZoClass*>(3, target));
+    EXPECT_TRUE(schema.Check(nullptr));
+    Target::Unregister(&schema);
+    EXPECT_EQ(targets(), std::vector<TZoClass*>(3, nullptr));
+    EXPECT_FALSE(schema.Check(nullptr));
+    Child::Unregister(&schema); // its waiting fields go too
+    target = Target::Register(&schema);
+    EXPECT_EQ(parent->FindField("target")->GetFieldClass(), target);
+    EXPECT_TRUE(schema.Check(nullptr));
+}
+
+TEST(Registration, NeverGivesAnIdTwice) {
+    TZoMetaData schema;
+    EXPECT_EQ(Target::Register(&schema)->GetClassId(), 1);
+    EXPECT_EQ(Parent::Register(&schema)->GetClassId(), 2);
+    EXPECT_EQ(Target::Register(&schema)->GetClassId(), 1);
+    Parent::Unregister(&schema);
+    EXPECT_EQ(schema.FindClass(2), nullptr);
+    EXPECT_EQ(Parent::Register(&schema)->GetClassId(), 3);
+    schema.Clear();
+    EXPECT_EQ(schema.GetClassCount(), 0);
+    EXPECT_EQ(Parent::Register(&schema)->GetClassId(), 4);
+}
+
+TEST(Registration, AnObjectKnowsItsClassInEachSchema) {
+    const auto first = std::make_unique<TZoMetaData>();
+    auto second = std::make_unique<TZoMetaData>();
+    const Target object;
+    EXPECT_EQ(object.GetOriginalClass(first.get()), nullptr);
+    TZoClass* inFirst = Target::Register(first.get());
+    Parent::Register(second.get());
+    TZoClass* inSecond = Target::Register(second.get());
+    EXPECT_NE(inFirst, inSecond);
+    EXPECT_EQ(object.GetOriginalClass(first.get()), inFirst);
+    EXPECT_EQ(object.GetOriginalClass(second.get()), inSecond);
+    EXPECT_EQ(object.GetClass(), inSecond);
+    second.reset();
+    EXPECT_EQ(object.GetOriginalClass(first.get()), inFirst);
+    Target::Unregister(first.get());
+    EXPECT_EQ(object.GetOriginalClass(first.get()), nullptr);
+    EXPECT_EQ(object.GetClass(), nullptr);
+    Target::Unregister(first.get()); // nothing there
+}
+
+TEST(Registration, AnUnregisteredSubclassAnswersAsItsBase) {
+    TZoMetaData schema;
+    Parent::Register(&schema);
+    TZoClass* child = Child::Register(&schema);
+    const Forgotten forgotten;
+    EXPECT_EQ(forgotten.GetOriginalClass(&schema), child);
+    EXPECT_EQ(Text(Child().StreamableClassName()), "class (anonymous namespace)::Child");
+    EXPECT_EQ(Text(forgotten.StreamableClassName()), "class (anonymous namespace)::Forgotten");
+    EXPECT_EQ(Text(ZoBoolean().StreamableClassName()), "class ZoBoolean");
+    EXPECT_EQ(Text(app::Leaf().StreamableClassName()), "class app::Leaf");
+}
+
+TEST(Registration, AClassOfTheSameNameInAnotherNamespaceIsAnotherClass) {
+    TZoMetaData schema;
+    TZoClass* target = Target::Register(&schema);
+    EXPECT_EQ(elsewhere::Target::Register(&schema), target) << "the name is taken";
+    EXPECT_EQ(elsewhere::Target().GetOriginalClass(&schema), nullptr) << "whose accessors are not for it";
+    EXPECT_EQ(Target().GetOriginalClass(&schema), target);
+    TZoMetaData own;
+    TZoClass* other = elsewhere::Target::Register(&own);
+    TZoClass* holder = elsewhere::Holder::Register(&own);
+    EXPECT_EQ(elsewhere::Target().GetOriginalClass(&own), other);
+    EXPECT_EQ(holder->FindField("qualified")->GetFieldClass(), other);
+}
+
+TEST(Registration, RecognisesAbstractClasses) {
+    TZoMetaData schema;
+    TZoClass* abstract = Abstract::Register(&schema);
+    EXPECT_TRUE(abstract->GetAbstract());
+    EXPECT_EQ(abstract->CreateInstance(nullptr, &schema), nullptr);
+    TZoClass* concrete = Target::Register(&schema);
+    EXPECT_FALSE(concrete->GetAbstract());
+    const std::unique_ptr<ZoStreamableBase> made(concrete->CreateInstance(nullptr, &schema));
+    EXPECT_NE(dynamic_cast<Target*>(made.get()), nullptr);
+}
+
+TEST(Registration, KeepsACadastreByTheClassName) {
+    TZoMetaData schema;
+    auto* cadastre = new TZoCadastre("Target");
+    schema.AddCadastre(cadastre);
+    EXPECT_EQ(schema.FindCadastre("Target"), cadastre);
+    EXPECT_EQ(schema.FindCadastre("Parent"), nullptr);
+    EXPECT_EQ(Target::Register(&schema)->GetCadastre(), cadastre);
+    EXPECT_EQ(Parent::Register(&schema)->GetCadastre(), nullptr);
+}
+
+TEST(Registration, AParentThatIsRemovedLeavesFilesReadable) {
+    TZoMetaData schema;
+    Target::Register(&schema);
+    Parent::Register(&schema);
+    TZoClass* child = Child::Register(&schema);
+    Parent::Unregister(&schema);
+    EXPECT_TRUE(ParentNames(child).empty());
+    ZoString report;
+    EXPECT_FALSE(schema.Check(&report));
+    EXPECT_EQ(Text(report), "[zoerror] parent class of Child not registered");
+    Child written;
+    written.inherited = 1;
+    written.own = 2;
+    Opened opened(Save(schema, &written), schema);
+    EXPECT_EQ(opened.Root<Child>().own, 2);
+    EXPECT_EQ(opened.Root<Child>().inherited, 0);
+}
+
+namespace {
+
+using Kind = std::pair<std::string, int>;
+
+Kind Declared(ZoString (*fieldClassOf)(TZoMetaData*, TZoClass**, TZoClassFieldType*), TZoMetaData& schema,
+              const TZoClass* expected) {
+    TZoClass* found = nullptr;
+    TZoClassFieldType kind{};
+    const ZoString name = fieldClassOf(&schema, &found, &kind);
+    EXPECT_EQ(found, expected) << Text(name);
+    return {Text(name), kind};
+}
+
+} // namespace
+
+TEST(Registration, EachFieldTellsItsTypeNameAndKind) {
+    TZoMetaData schema;
+    TZoClass* leaf = app::Leaf::Register(&schema);
+    using app::EveryKind;
+    struct Case {
+        ZoString (*fieldClassOf)(TZoMetaData*, TZoClass**, TZoClassFieldType*);
+        const char* name;
+        int kind;
+    };
+    const Case cases[] = {
+        {EveryKind::Getfieldclassfor_anInt, "int", -1},
+        {EveryKind::Getfieldclassfor_aFloat, "float", -2},
+        {EveryKind::Getfieldclassfor_aDouble, "double", -3},
+        {EveryKind::Getfieldclassfor_aString, "ZoString", -4},
+        {EveryKind::Getfieldclassfor_aBlob, "ZoBlob", -5},
+        {EveryKind::Getfieldclassfor_child, "Leaf", -6},
+        {EveryKind::Getfieldclassfor_children, "Leaf", -7},
+        {EveryKind::Getfieldclassfor_reference, "Leaf", -8},
+        {EveryKind::Getfieldclassfor_references, "Leaf", -9},
+        {EveryKind::Getfieldclassfor_aBool, "bool", -10},
+        {EveryKind::Getfieldclassfor_ints, "list<int>", -11},
+        {EveryKind::Getfieldclassfor_floats, "list<float>", -12},
+        {EveryKind::Getfieldclassfor_doubles, "list<double>", -13},
+        {EveryKind::Getfieldclassfor_strings, "list<ZoString>", -14},
+        {EveryKind::Getfieldclassfor_external, "Leaf", -15},
+        {EveryKind::Getfieldclassfor_externals, "Leaf", -16},
+        {EveryKind::Getfieldclassfor_anUnsigned, "unsigned", -17},
+        {EveryKind::Getfieldclassfor_member, "Leaf", -18},
+        {EveryKind::Getfieldclassfor_map, "Leaf", -19},
+        {ZoBoolean::Getfieldclassfor_value, "bool", -10},
+        {ZoInteger::Getfieldclassfor_value, "int", -1},
+        {ZoUnsigned::Getfieldclassfor_value, "unsigned", -17},
+        {ZoFloat::Getfieldclassfor_value, "float", -2},
+        {ZoDouble::Getfieldclassfor_value, "double", -3},
+        {StreamableZoString::Getfieldclassfor_value, "ZoString", -4},
+        {StreamableList::Getfieldclassfor_list, "ZoObjectStreamable", -7},
+    };
+    for (const Case& tested : cases) {
+        const bool points = std::string(tested.name) == "Leaf";
+        EXPECT_EQ(Declared(tested.fieldClassOf, schema, points ? leaf : nullptr),
+                  Kind(tested.name, tested.kind));
+    }
+    auto* generic = new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr);
+    schema.AddClass(generic);
+    Declared(StreamableList::Getfieldclassfor_list, schema, generic);
+}
+
+TEST(Registration, PrimitivesHaveNoParentEvenWithTheirBaseRegistered) {
+    TZoMetaData schema;
+    schema.AddClass(new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr));
+    ZoRegisterPrimitives(&schema);
+    for (const char* name : {"ZoBoolean", "ZoInteger", "ZoUnsigned", "ZoFloat", "ZoDouble",
+                             "StreamableZoString", "StreamableList"}) {
+        ASSERT_NE(schema.FindClass(name), nullptr) << name;
+        EXPECT_EQ(schema.FindClass(name)->GetParentClass(), nullptr) << name;
+        EXPECT_EQ(schema.FindClass(name)->GetFieldCount(), 1) << name;
+    }
+    EXPECT_TRUE(schema.Check(nullptr));
+}
+
+// Without macros
+
+namespace {
+
+/// Registers itself by hand, with a field of every kind, lists with one, two and no integers.
+class ByHand : public ZoObjectStreamable {
+public:
+    ByHand() = default;
+
+    static TZoClass* Register(TZoMetaData* schema) {
+        auto* made = new TZoClass(schema, nullptr, "ByHand", Make, false, nullptr);
+        made->AddFieldInt("anInt", Set<&ByHand::anInt>, Get<&ByHand::anInt>);
+        made->AddFieldUnsigned("anUnsigned", Set<&ByHand::anUnsigned>, Get<&ByHand::anUnsigned>);
+        made->AddFieldBool("aBool", Set<&ByHand::aBool>, Get<&ByHand::aBool>);
+        made->AddFieldFloat("aFloat", Set<&ByHand::aFloat>, Get<&ByHand::aFloat>);
+        made->AddFieldDouble("aDouble", Set<&ByHand::aDouble>, Get<&ByHand::aDouble>);
+        made->AddFieldString("aString", Set<&ByHand::aString>, Get<&ByHand::aString>);
+        made->AddFieldBlob("aBlob", Set<&ByHand::aBlob>, Get<&ByHand::aBlob>);
+        made->AddFieldListInt("ints", List<int, &ByHand::ints>(nullptr, nullptr));
+        made->AddFieldListFloat("floats", List<float, &ByHand::floats>(First, nullptr));
+        made->AddFieldListDouble("doubles", List<double, &ByHand::doubles>(nullptr, Second));
+        made->AddFieldListString("strings", List<ZoString, &ByHand::strings>(First, Second));
+        Await(schema, made->AddFieldChildPointer("child", nullptr, Put<0>, Take<0>));
+        Await(schema, made->AddFieldChildValue("value", nullptr, Copy, Take<1>));
+        Await(schema, made->AddFieldPointer("reference", nullptr, Put<2>, Take<2>));
+        Await(schema, made->AddFieldPointerEx("external", nullptr, Put<3>, Take<3>));
+        Await(schema, made->AddFieldChildPointerList("children", nullptr, Pointers<0>(First, Second)));
+        Await(schema, made->AddFieldPointerList("references", nullptr, Pointers<1>(nullptr, Second)));
+        Await(schema, made->AddFieldPointerListEx("externals", nullptr, Pointers<2>(First, nullptr)));
+        // A value under a single key.
+        auto* key = new TZoClassFieldInt("key", Set<&ByHand::key>, Get<&ByHand::key>);
+        auto* keyed = new TZoClassFieldPointer("keyed", ftChildPointer, Put<4>, Take<4>);
+        Await(schema, made->AddFieldChildPointerMap("map", nullptr, key, keyed));
+        TZoClass* added = schema->AddClass(made);
+        schema->ResolveCrossRefs();
+        return added;
+    }
+    TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("ByHand"); }
+    ZoString StreamableClassName() const override { return "class ByHand"; }
+
+    int anInt = 0;
+    unsigned anUnsigned = 0;
+    bool aBool = false;
+    float aFloat = 0;
+    double aDouble = 0;
+    ZoString aString;
+    ZoBlob aBlob;
+    TDVector<int> ints;
+    TDVector<float> floats;
+    TDVector<double> doubles;
+    TDVector<ZoString> strings;
+    int key = 0;
+    pointer<ZoStreamableBase> owned[5]; // 2 and 3 belong to the tests
+    app::Leaf member;
+    TIVector<ZoStreamableBase, pointer<ZoStreamableBase>> lists[3];
+    std::vector<int> created; // what the list creators were told
+
+private:
+    static ByHand& Self(ZoStreamableBase* object) { return dynamic_cast<ByHand&>(*object); }
+    static ZoStreamableBase* Make(TZoMetaData*, TZoMetaData*, TZoClass*) { return new ByHand; }
+    static void Await(TZoMetaData* schema, TZoClassField* field) {
+        field->SetFieldClassName("Leaf");
+        schema->AddToResolveCrossRefs(field);
+    }
+    template <auto Member>
+    static void Set(ZoStreamableBase* object, TZoClassField*,
+                    TZoParameter<std::decay_t<decltype(std::declval<ByHand&>().*Member)>> value) {
+        Self(object).*Member = value;
+    }
+    template <auto Member>
+    static TZoParameter<std::decay_t<decltype(std::declval<ByHand&>().*Member)>> Get(ZoStreamableBase* object,
+                                                                                     TZoClassField*) {
+        return Self(object).*Member;
+    }
+    template <class T, TDVector<T> ByHand::*Member>
+    static TZoListAccessors<T> List(TZoListInteger first, TZoListInteger second) {
+        return {[](ZoStreamableBase* object, TZoClassField*, TZoParameter<T> value) {
+                    (Self(object).*Member).Add(value);
+                },
+                [](ZoStreamableBase* object, TZoClassField*, int index) -> TZoParameter<T> {
+                    return (Self(object).*Member)[static_cast<unsigned long long>(index)];
+                },
+                [](ZoStreamableBase* object, TZoClassField*) { return (Self(object).*Member).NItems(); },
+                Created,
+                first,
+                second};
+    }
+    template <int I>
+    static void Put(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* target) {
+        Self(object).owned[I] = target;
+    }
+    template <int I>
+    static ZoStreamableBase* Take(ZoStreamableBase* object, TZoClassField*) {
+        return I == 1 ? &Self(object).member : Self(object).owned[I].get();
+    }
+    static void Copy(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* value) {
+        Self(object).member = dynamic_cast<app::Leaf&>(*value);
+    }
+    template <int I>
+    static TZoPointerListAccessors Pointers(TZoListInteger first, TZoListInteger second) {
+        return {[](ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* target) {
+                    Self(object).lists[I].Add(target);
+                },
+                [](ZoStreamableBase* object, TZoClassField*, int index) -> ZoStreamableBase* {
+                    return Self(object).lists[I][static_cast<unsigned long long>(index)].get();
+                },
+                [](ZoStreamableBase* object, TZoClassField*) { return Self(object).lists[I].NItems(); },
+                nullptr, // walked by index
+                [](ZoStreamableBase* object, int count, int one, int two) {
+                    Self(object).lists[I].RemoveAll();
+                    Created(object, count, one, two);
+                },
+                first,
+                second};
+    }
+    static int First(ZoStreamableBase*, TZoClassField*) { return 101; }
+    static int Second(ZoStreamableBase*, TZoClassField*) { return 202; }
+    static void Created(ZoStreamableBase* object, int count, int first, int second) {
+        for (const int told : {count, first, second}) Self(object).created.push_back(told);
+    }
+};
+
+} // namespace
+
+TEST(HandWrittenAccessors, ServeEveryKindAndTheListsIntegers) {
+    TZoMetaData schema;
+    ByHand::Register(&schema);
+    TZoClass* leaf = app::Leaf::Register(&schema);
+    for (const char* field :
+         {"child", "value", "reference", "external", "children", "references", "externals", "map"}) {
+        EXPECT_EQ(schema.FindClass("ByHand")->FindField(field)->GetFieldClass(), leaf) << field;
+    }
+
+    ByHand written;
+    written.anInt = -1;
+    written.anUnsigned = 2;
+    written.aBool = true;
+    written.aFloat = 4;
+    written.aDouble = 5;
+    written.aString = "six";
+    written.aBlob = ZoBlob("7", 1);
+    written.ints.Add(8);
+    written.floats.Add(9);
+    written.doubles.Add(10);
+    written.strings.Add("eleven");
+    written.key = 12;
+    written.owned[0] = new app::Leaf(13);
+    written.member.number = 14;
+    written.owned[2] = written.owned[0];
+    written.owned[3] = new app::Leaf(15);
+    written.owned[4] = new app::Leaf(16);
+    written.lists[0].Add(new app::Leaf(17));
+    written.lists[0].Add(nullptr);
+    written.lists[1].Add(written.owned[4].get());
+    written.lists[2].Add(written.owned[3].get());
+    written.lists[2].Add(new app::Leaf(18));
+
+    const std::string file = Save(schema, &written);
+    Payload expected;
+    expected.Int(12).Int(2); // the map: a key, an object
+    expected.Int(-1).Int(2).Bool(true).Float(4).Double(5).Text("six").Text("7");
+    expected.Ints({1, 8})
+        .Ints({1, 101})
+        .Float(9)
+        .Ints({1, 202})
+        .Double(10)
+        .Ints({1, 101, 202})
+        .Text("eleven");
+    expected.Ints({3, 4}).Ints({2, 101, 202, 5, 0});              // child, value, children
+    expected.Ints({3, 6}).Ints({1, 202, 2}).Ints({2, 101, 6, 7}); // references and external ones
+    EXPECT_EQ(RowsOf(file)[1], (Row{1, schema.FindClass("ByHand")->GetClassId(), expected}));
+
+    Opened opened(file, schema);
+    auto& read = opened.Root<ByHand>();
+    EXPECT_EQ(read.created, (std::vector<int>{1,   0, 0,   1,   101, 0, 1,   0, 202, 1, 101,
+                                              202, 2, 101, 202, 1,   0, 202, 2, 101, 0}));
+    EXPECT_EQ(read.key, 12);
+    EXPECT_EQ(read.member.number, 14);
+    EXPECT_EQ(read.lists[0].NItems(), 2U);
+    EXPECT_EQ(read.lists[1][1], read.owned[4]);
+    EXPECT_EQ(Save(schema, &read), file);
+}
+
+TEST(HandWrittenAccessors, MayBeRegisteredTwice) {
+    TZoMetaData schema;
+    TZoClass* first = ByHand::Register(&schema);
+    EXPECT_EQ(ByHand::Register(&schema), first);
+    app::Leaf::Register(&schema); // resolves what waits: of the first only
+    EXPECT_NE(first->FindField("child")->GetFieldClass(), nullptr);
+}
+
+TEST(HandWrittenAccessors, GetOnlyWhatTheirDeclaredClassCovers) {
+    struct Case {
+        const char* name;
+        const char* declared;
+        bool registered;
+        bool takesLeaf;
+        bool takesTarget;
+    };
+    const Case cases[] = {
+        {"a registered class", "Leaf", true, true, false},
+        {"a class that is not registered", "Nowhere", false, false, false},
+        {"the generic base", "ZoStreamableBase", false, true, true},
+        {"the other generic base", "ZoObjectStreamable", false, true, true},
+        {"no class", "", false, true, true},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        TZoMetaData schema;
+        app::Leaf::Register(&schema);
+        Target::Register(&schema);
+        TZoClass owner(&schema, nullptr, "Owner", nullptr, false, nullptr);
+        auto* field = owner.AddFieldPointer("f", schema.FindClass(tested.declared), nullptr, nullptr);
+        field->SetFieldClassName(tested.declared);
+        const app::Leaf leaf;
+        const Target target;
+        EXPECT_EQ(field->Accepts(&leaf), tested.takesLeaf);
+        EXPECT_EQ(field->Accepts(&target), tested.takesTarget);
+    }
+}

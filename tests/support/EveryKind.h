@@ -1,0 +1,117 @@
+#pragma once
+
+#include "ZoPrimitives/ZoRegister.h"
+#include "support/Streaming.h"
+
+// An application's classes that hold a field of every kind.
+namespace app {
+
+using ZoPrimitives::TZoMetaData;
+using ZoPrimitives::ZoBlob;
+using ZoPrimitives::ZoString;
+
+class Leaf : public ZoPrimitives::ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Leaf)
+    DECLARE_ZO_FIELD(int, number)
+    REGISTER_ZO_END
+    Leaf() = default;
+    explicit Leaf(StreamableInit) {}
+    explicit Leaf(int n) : number(n) {}
+
+private:
+    Alive alive;
+};
+
+class EveryKind : public ZoPrimitives::ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(EveryKind)
+    DECLARE_ZO_FIELD(int, anInt)
+    DECLARE_ZO_FIELD(float, aFloat)
+    DECLARE_ZO_FIELD(double, aDouble)
+    DECLARE_ZO_FIELD(ZoString, aString)
+    DECLARE_ZO_FIELD(ZoBlob, aBlob)
+    DECLARE_ZO_FIELD_CHILD(Leaf, child)
+    DECLARE_ZO_FIELD_CHILD_LIST(Leaf, children)
+    DECLARE_ZO_FIELD_REFERENCE(Leaf, reference)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(Leaf, references)
+    DECLARE_ZO_FIELD(bool, aBool)
+    DECLARE_ZO_FIELD_LIST(int, ints)
+    DECLARE_ZO_FIELD_LIST(float, floats)
+    DECLARE_ZO_FIELD_LIST(double, doubles)
+    DECLARE_ZO_FIELD_LIST(ZoString, strings)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Leaf, external)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Leaf, externals)
+    DECLARE_ZO_FIELD(unsigned, anUnsigned)
+    DECLARE_ZO_FIELD_CHILD_VALUE(Leaf, member)
+    DECLARE_ZO_FIELD_CHILD_MAP(Leaf, Leaf, map)
+    REGISTER_ZO_END
+    EveryKind() = default;
+    explicit EveryKind(StreamableInit) {}
+
+    /// Values everywhere; the external leaf is the caller's.
+    void Fill(Leaf& outside) {
+        anInt = -2;
+        aFloat = 1.5F;
+        aDouble = -0.25;
+        aString = "text";
+        aBlob = ZoBlob("\1\2", 2);
+        aBool = true;
+        anUnsigned = 4'000'000'000U;
+        for (const int i : {7, -8}) ints.Add(i);
+        floats.Add(2.5F);
+        doubles.Add(3.25);
+        for (const char* text : {"a", ""}) strings.Add(text);
+        child = new Leaf(10);
+        for (const int i : {11, 12}) children.Add(new Leaf(i));
+        member.number = 13;
+        map.Append(new Leaf(14), new Leaf(15));
+        reference = children[2].get();
+        references.Add(child.get());
+        references.Add(&member);
+        external = &outside;
+        externals.Add(&outside);
+    }
+
+private:
+    Alive alive;
+};
+
+inline void RegisterEveryKind(TZoMetaData& schema) {
+    Leaf::Register(&schema);
+    EveryKind::Register(&schema);
+}
+
+/// The schema entries of both, under the ids 1 and 2.
+inline std::vector<ClassEntry> EveryKindEntries() {
+    ClassEntry leaf{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}};
+    ClassEntry every{.id = 2, .name = "EveryKind"};
+    every.maps = {{1, -19, "map"}};
+    every.values = {{0, -1, "anInt"},    {0, -2, "aFloat"},   {0, -3, "aDouble"},    {0, -4, "aString"},
+                    {0, -5, "aBlob"},    {0, -10, "aBool"},   {0, -11, "ints"},      {0, -12, "floats"},
+                    {0, -13, "doubles"}, {0, -14, "strings"}, {0, -17, "anUnsigned"}};
+    every.children = {{1, -6, "child"}, {1, -18, "member"}};
+    every.childLists = {{1, -7, "children"}};
+    every.references = {{1, -8, "reference"}, {1, -15, "external"}};
+    every.referenceLists = {{1, -9, "references"}, {1, -16, "externals"}};
+    return {leaf, every};
+}
+
+/// The records of a filled one: the map's key and value, the child, the member, both children, the external
+/// leaf.
+inline std::vector<Row> EveryKindRows() {
+    Payload every;
+    every.Ints({1, 2, 1, 3}); // the map's two lists
+    every.Int(-2).Float(1.5F).Double(-0.25).Text("text").Text("\1\2").Bool(true);
+    every.Ints({2, 7, -8}).Int(1).Float(2.5F).Int(1).Double(3.25).Int(2).Text("a").Text("");
+    every.Int(4'000'000'000LL);
+    every.Ints({4, 5});    // child, member
+    every.Ints({2, 6, 7}); // children
+    every.Ints({7, 8});    // reference, external
+    every.Ints({2, 4, 5}); // references
+    every.Ints({1, 8});    // externals
+    std::vector<Row> rows{{1, 2, every}};
+    int uid = 2;
+    for (const int number : {14, 15, 10, 13, 11, 12, 99}) rows.push_back({uid++, 1, Payload().Int(number)});
+    return rows;
+}
+
+} // namespace app

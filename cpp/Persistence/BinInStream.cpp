@@ -3,6 +3,7 @@
 #include "Persistence/ClassNames.h"
 #include "Persistence/Crc32Kernel.h"
 #include "Persistence/ErrorText.h"
+#include "Persistence/InstanceTables.h"
 #include "Persistence/RecordFormat.h"
 #include "Persistence/UidTable.h"
 #include "ZoPrimitives/AnsiLiteral.h"
@@ -28,21 +29,8 @@ constexpr unsigned ROUND_LIMIT = 65'535;
 
 } // namespace
 
-struct TBinInStream::Tables {
-    struct Excluded {
-        TZoClassField* field;
-        unsigned recordPosition;
-    };
-
-    std::vector<int> uids; // of `objects`, in the same order
-    bool uidsRise = true;
-    UidTable handles;
-    std::vector<Excluded> excluded;
-    std::size_t firstExcluded = 0; // those before it were removed
-};
-
 TBinInStream::TBinInStream(unsigned supportedVersion, bool ownsSource)
-    : supportedVersion(supportedVersion), ownsSource(ownsSource), tables(new Tables),
+    : supportedVersion(supportedVersion), ownsSource(ownsSource), tables(new InstanceTables),
       unresolved(new TBinUnresolvedPointers) {}
 
 TBinInStream::TBinInStream(const TBinInStream& other) : TBinInStream(other.supportedVersion, false) {
@@ -347,12 +335,7 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
 
 // Objects
 
-void TBinInStream::AddInstance(ZoStreamableBase* object) {
-    objects.Add(object);
-    auto& uids = tables->uids;
-    if (!uids.empty() && uids.back() > currentUid) tables->uidsRise = false;
-    uids.push_back(currentUid);
-}
+void TBinInStream::AddInstance(ZoStreamableBase* object) { InstanceTables::Add(*this, object); }
 
 ZoStreamableBase* TBinInStream::GetInstance(int wanted) const {
     const auto& uids = tables->uids;
@@ -407,8 +390,9 @@ void TBinInStream::AddExcludedField(TZoClassField* field, unsigned recordPositio
 void TBinInStream::RemoveExcludedField(TZoClassField* field) {
     auto& excluded = tables->excluded;
     const auto first = excluded.begin() + static_cast<std::ptrdiff_t>(tables->firstExcluded);
-    const auto found = std::find_if(first, excluded.end(),
-                                    [field](const Tables::Excluded& entry) { return entry.field == field; });
+    const auto found = std::find_if(first, excluded.end(), [field](const InstanceTables::Excluded& entry) {
+        return entry.field == field;
+    });
     if (found == excluded.end()) return;
     if (found == first) {
         ++tables->firstExcluded;
@@ -419,9 +403,21 @@ void TBinInStream::RemoveExcludedField(TZoClassField* field) {
 
 TZoClassField* TBinInStream::GetFirstExcludedField() {
     if (tables->firstExcluded == tables->excluded.size()) return nullptr;
-    const Tables::Excluded& first = tables->excluded[tables->firstExcluded];
+    const InstanceTables::Excluded& first = tables->excluded[tables->firstExcluded];
     position = first.recordPosition;
     return first.field;
+}
+
+void TBinInStream::ReserveInstances() {
+    if (!HasWindow()) return;
+    // Room that is not used costs nothing; it stays within a small multiple of the data.
+    constexpr std::size_t SMALLEST_RECORD = HEAD_SIZE + 1;
+    const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
+    const std::size_t count = std::min<std::size_t>(recordCount, left / SMALLEST_RECORD);
+    objects.Reserve(count);
+    tables->uids.reserve(count);
+    tables->handles.Reserve(count + 1);
+    unresolved->Reserve(count, left / sizeof(std::int32_t));
 }
 
 void TBinInStream::ForgetInstances() {

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/BinInStreamer.h"
 
+#include "Persistence/InstanceTables.h"
 #include "Persistence/PointerResolver.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
@@ -56,7 +57,7 @@ public:
         current = nullptr;
     }
     void Finish() {
-        stream.AddInstance(current);
+        InstanceTables::Add(stream, current);
         current = nullptr;
     }
     /// From here on the objects are the caller's.
@@ -194,9 +195,16 @@ ZoStreamableBase* TBinInStreamer::ReadObjects() {
     rareUses.clear();
     unknown.RemoveAll();
     stream->ForgetInstances();
+    stream->ReserveInstances();
     Made made(*stream);
     direct = stream->GetsDirectly();
     plain = typeid(*this) == typeid(TBinInStreamer);
+    // Members that are objects are found by the entries of what was read for them.
+    entryForEach = !plain;
+    for (int i = 1; i <= fileSchema.GetClassCount() && !entryForEach; ++i) {
+        TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
+        entryForEach = original != nullptr && original->HasValueChildren();
+    }
     while (stream->LoadRecord(&uid, &classId)) ReadRecord(uid, classId, made);
     made.HandOver();
     Resolve(made);
@@ -247,8 +255,8 @@ void TBinInStreamer::ReadRecord(int uid, int classId, Made& made) {
     }
     made.hasValues = made.hasValues || use.hasValues;
     made.mayBeInvalid = made.mayBeInvalid || (use.hooks & hookGetIsValid) != 0;
-    stream->SetHandle(object, uid);
-    use.readAs->LoadObject(*stream, direct, object);
+    InstanceTables::SetHandle(*stream, object, uid);
+    use.readAs->LoadObject(*stream, direct, entryForEach, object);
     if ((use.hooks & hookOnRead) != 0 && !object->OnRead(stream, use.substituted))
         made.invalid.push_back(object);
     made.Finish();

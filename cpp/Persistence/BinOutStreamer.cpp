@@ -4,6 +4,7 @@
 #include "Persistence/GraphWalk.h"
 #include "Persistence/HandleAccess.h"
 #include "Persistence/SchemaWalk.h"
+#include "Persistence/WritePlan.h"
 #include "ZoPrimitives/BinOutStream.h"
 
 #include <algorithm>
@@ -47,6 +48,7 @@ void* TBinOutStreamer::GetFile() const { return stream->GetFile(); }
 void TBinOutStreamer::SetFile(void* file) { stream->SetFile(file); }
 
 void TBinOutStreamer::WriteSchemaOf(const SchemaWalk& walk) {
+    expected = walk.Met() + 1;
     TZoMetaData fileSchema;
     for (int i = 1; i <= schema->GetClassCount(); ++i) {
         if (walk.Uses(schema->GetClass(i))) fileSchema.AddClass(schema->GetClass(i));
@@ -78,8 +80,10 @@ void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
     try {
         savedUpTo = 0;
         saved.clear();
+        plans.clear();
         TDList<ZoStreamableBase*> externals;
         GraphWalk walk(*stream, schema, externals);
+        walk.Reserve(expected);
         for (ZoStreamableBase* object : *objects) {
             if (object != nullptr) walk.Run(object);
         }
@@ -110,11 +114,22 @@ bool TBinOutStreamer::InstanceIsAlreadySaved(const ZoStreamableBase* object) con
     return uid != 0 && (uid <= savedUpTo || saved.count(uid) != 0);
 }
 
+WritePlan& TBinOutStreamer::PlanOf(const TZoClass& objectClass) {
+    const auto id = static_cast<std::size_t>(objectClass.GetClassId());
+    if (id >= plans.size()) plans.resize(id + 1);
+    if (plans[id] == nullptr) plans[id] = std::make_unique<WritePlan>();
+    return *plans[id];
+}
+
 void TBinOutStreamer::SaveRecord(TBinOutStream* target, bool direct, ZoStreamableBase* object,
                                  TZoClass* objectClass) {
     const bool exact = objectClass->GetType() == &typeid(*object);
     if (!exact) CheckRegisteredType(*objectClass, *object);
-    objectClass->SaveFields(*target, direct, exact, object);
+    if (exact && direct) {
+        objectClass->SaveByPlan(*target, PlanOf(*objectClass), object);
+    } else {
+        objectClass->SaveFields(*target, direct, exact, object);
+    }
     const int uid = HandleAccess::Get(*target, object);
     target->FlushRecord(uid, objectClass->GetClassId());
     if (uid == savedUpTo + 1) {

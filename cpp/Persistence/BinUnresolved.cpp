@@ -4,20 +4,30 @@
 #include "ZoPrimitives/BinInStream.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <utility>
 
 namespace ZoPrimitives {
 
 TBinUnresolvedPointers::TBinUnresolvedPointers() = default;
-TBinUnresolvedPointers::~TBinUnresolvedPointers() = default;
+TBinUnresolvedPointers::~TBinUnresolvedPointers() { std::free(uids); }
 
-void TBinUnresolvedPointers::LoadPointers([[maybe_unused]] TZoClassField* field, int count,
-                                          TBinInStream* stream) {
+void TBinUnresolvedPointers::Grow(std::size_t needed) {
+    const std::size_t grown = std::max({needed, 2 * capacity, std::size_t{1024}});
+    auto* moved = static_cast<std::int32_t*>(std::realloc(uids, grown * sizeof *uids));
+    if (moved == nullptr) throw std::bad_alloc();
+    uids = moved;
+    capacity = grown;
+}
+
+void TBinUnresolvedPointers::LoadPointers(TZoClassField* field, int count, TBinInStream* stream) {
     CheckRemaining(*stream, count, sizeof(std::int32_t));
-    uids.push_back(count);
+    LoadPointer(field, count);
     for (int i = 0; i < count; ++i) {
         int uid = 0;
         *stream >> uid;
-        uids.push_back(uid);
+        LoadPointer(field, uid);
     }
 }
 
@@ -29,7 +39,8 @@ const TBinUnresolved* TBinUnresolvedPointers::Find(int uid) const {
 
 void TBinUnresolvedPointers::Clear() {
     entries = {};
-    uids = {};
+    std::free(std::exchange(uids, nullptr));
+    used = capacity = 0;
 }
 
 } // namespace ZoPrimitives

@@ -10,19 +10,11 @@
 #include "ZoPrimitives/BinUnresolved.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoClassField.h"
+#include "ZoPrimitives/dvector.h"
 
 #include <type_traits>
 
 namespace ZoPrimitives {
-
-/// Writes values straight into a stream's open record.
-struct DirectSink {
-    TBinOutStream& stream;
-    template <class T>
-    void operator()(const T& value) const {
-        stream.Put(value);
-    }
-};
 
 /// Writes values through the stream's virtual operations, which an application may have replaced.
 struct VirtualSink {
@@ -33,15 +25,6 @@ struct VirtualSink {
     }
 };
 
-/// Reads values straight from a stream's current record.
-struct DirectSource {
-    TBinInStream& stream;
-    template <class T>
-    void operator()(T& value) const {
-        stream.Get(value);
-    }
-};
-
 /// Reads values through the stream's virtual operations.
 struct VirtualSource {
     TBinInStream& stream;
@@ -49,6 +32,9 @@ struct VirtualSource {
     void operator()(T& value) const {
         stream >> value;
     }
+    unsigned Position() const { return stream.GetRecordPosition(); }
+    unsigned Remaining() const { return stream.GetRemaining(); }
+    void Skip(unsigned size) const { stream.SetRecordPosition(stream.GetRecordPosition() + size); }
 };
 
 /// How each kind of field stands in a record: the one place that both directions share.
@@ -61,12 +47,12 @@ public:
     // Writing
 
     template <class Sink, class T>
-    static void Save(Sink put, TZoClassFieldValue<T>& field, ZoStreamableBase* object) {
+    static void Save(const Sink& put, TZoClassFieldValue<T>& field, ZoStreamableBase* object) {
         put(field.get(object, &field));
     }
 
     template <class Sink, class T>
-    static void Save(Sink put, TZoClassFieldList<T>& field, ZoStreamableBase* object) {
+    static void Save(const Sink& put, TZoClassFieldList<T>& field, ZoStreamableBase* object) {
         const auto& access = field.access;
         const unsigned long long count = access.nItems(object, &field);
         SaveListHead(put, count, access.first, access.second, object, field);
@@ -74,7 +60,7 @@ public:
     }
 
     template <class Sink>
-    static void SaveUids(Sink put, TZoClassFieldPointer& field, ZoStreamableBase* object) {
+    static void SaveUids(const Sink& put, TZoClassFieldPointer& field, ZoStreamableBase* object) {
         ZoStreamableBase* target = field.Get(object);
         int uid = 0;
         if (target != nullptr) {
@@ -85,7 +71,7 @@ public:
     }
 
     template <class Sink>
-    static void SaveUids(Sink put, TZoClassFieldPointerList& field, ZoStreamableBase* object) {
+    static void SaveUids(const Sink& put, TZoClassFieldPointerList& field, ZoStreamableBase* object) {
         const unsigned long long count = field.NItems(object);
         SaveListHead(put, count, field.access.first, field.access.second, object, field);
         SavePointerFunc<Sink> save(put, field);
@@ -95,7 +81,7 @@ public:
     }
 
     template <class Sink>
-    static void SaveUids(Sink put, TZoClassFieldPointerMap& field, ZoStreamableBase* object) {
+    static void SaveUids(const Sink& put, TZoClassFieldPointerMap& field, ZoStreamableBase* object) {
         for (TZoClassField* half : {field.GetKeyField(), field.GetValueField()}) {
             if (half != nullptr) SaveField(put, *half, object);
         }
@@ -103,7 +89,7 @@ public:
 
     /// Writes a field's part of the record: pointers as uids.
     template <class Sink>
-    static void SaveField(Sink put, TZoClassField& field, ZoStreamableBase* object) {
+    static void SaveField(const Sink& put, TZoClassField& field, ZoStreamableBase* object) {
         Dispatch(field, [&](auto& exact) {
             if constexpr (std::is_base_of_v<TZoClassFieldPointerBase, std::decay_t<decltype(exact)>>) {
                 SaveUids(put, exact, object);
@@ -116,8 +102,8 @@ public:
     // Reading: into the application's field, null to pass the value over
 
     template <class Source, class T>
-    static void Load(Source take, TZoClassFieldValue<T>* application, ZoStreamableBase* object) {
-        CheckBytes(take.stream, StoredSize<T>);
+    static void Load(const Source& take, TZoClassFieldValue<T>* application, ZoStreamableBase* object) {
+        CheckBytes(take, StoredSize<T>);
         Scratch<T> value(take.stream);
         take(value.Get());
         if (application != nullptr && application->set != nullptr) {
@@ -126,34 +112,34 @@ public:
     }
 
     template <class Source, class T>
-    static void Load(Source take, TZoClassFieldList<T>* application, ZoStreamableBase* object) {
+    static void Load(const Source& take, TZoClassFieldList<T>* application, ZoStreamableBase* object) {
         static constexpr TZoListAccessors<T> NONE{};
         const TZoListAccessors<T>& access = application != nullptr ? application->access : NONE;
         const ListHead head(take, access.first != nullptr, access.second != nullptr, StoredSize<T>);
         if (access.createList != nullptr) access.createList(object, head.count, head.first, head.second);
         Scratch<T> value(take.stream);
         for (int i = 0; i < head.count; ++i) {
-            CheckBytes(take.stream, StoredSize<T>);
+            CheckBytes(take, StoredSize<T>);
             take(value.Get());
             if (access.add != nullptr) access.add(object, application, value.Get());
         }
     }
 
     template <class Source>
-    static void Load(Source take, TZoClassFieldPointer* application, ZoStreamableBase*) {
-        CheckBytes(take.stream, sizeof(std::int32_t));
+    static void Load(const Source& take, TZoClassFieldPointer* application, ZoStreamableBase*) {
+        CheckBytes(take, sizeof(std::int32_t));
         int uid = 0;
         take(uid);
         if (application != nullptr) take.stream.UnresolvedPointers().LoadPointer(application, uid);
     }
 
     template <class Source>
-    static void Load(Source take, TZoClassFieldPointerList* application, ZoStreamableBase* object) {
+    static void Load(const Source& take, TZoClassFieldPointerList* application, ZoStreamableBase* object) {
         LoadUids(take, object, application);
     }
 
     template <class Source>
-    static void Load(Source take, TZoClassFieldPointerMap* application, ZoStreamableBase* object) {
+    static void Load(const Source& take, TZoClassFieldPointerMap* application, ZoStreamableBase* object) {
         if (application != nullptr) {
             for (TZoClassField* half : {application->GetKeyField(), application->GetValueField()}) {
                 if (half != nullptr) LoadField(take, *half, half, object);
@@ -166,28 +152,46 @@ public:
 
     /// Reads a list of uids and prepares the application's list.
     template <class Source>
-    static void LoadUids(Source take, ZoStreamableBase* object, TZoClassFieldPointerList* application) {
+    static void LoadUids(const Source& take, ZoStreamableBase* object,
+                         TZoClassFieldPointerList* application) {
         const bool hasFirst = application != nullptr && application->HasFirst();
         const bool hasSecond = application != nullptr && application->HasSecond();
         const ListHead head(take, hasFirst, hasSecond, sizeof(std::int32_t));
-        TBinInStream& stream = take.stream;
         if (application == nullptr) {
-            stream.SetRecordPosition(stream.GetRecordPosition() + static_cast<unsigned>(head.count) * 4);
+            take.Skip(static_cast<unsigned>(head.count) * 4);
             return;
         }
         application->CreateList(object, head.count, head.first, head.second);
-        stream.UnresolvedPointers().LoadPointers(application, head.count, &stream);
+        TBinUnresolvedPointers& unresolved = take.stream.UnresolvedPointers();
+        unresolved.LoadPointer(application, head.count);
+        for (int i = 0; i < head.count; ++i) {
+            int uid = 0;
+            take(uid);
+            unresolved.LoadPointer(application, uid);
+        }
     }
 
     /// Reads a field's part of the record into the application's field. Without one it is kept as excluded.
     template <class Source>
-    static void LoadField(Source take, TZoClassField& field, TZoClassField* application,
+    static void LoadField(const Source& take, TZoClassField& field, TZoClassField* application,
                           ZoStreamableBase* object) {
-        const unsigned begin = take.stream.GetRecordPosition();
+        const unsigned begin = take.Position();
         Dispatch(field, [&](auto& exact) {
             Load(take, static_cast<std::decay_t<decltype(exact)>*>(application), object);
         });
         if (application == nullptr) take.stream.AddExcludedField(&field, begin);
+    }
+
+    // Members that the macros declared, without their accessors
+
+    template <class Sink>
+    static void SaveMember(const Sink& put, TZoClassFieldType kind, const void* member) {
+        MemberAs(kind, member, [&](const auto& value) { SaveValue(put, value); });
+    }
+
+    template <class Source>
+    static void LoadMember(const Source& take, TZoClassFieldType kind, void* member) {
+        MemberAs(kind, member, [&](auto& value) { LoadValue(take, value); });
     }
 
     /// The fewest bytes that a field takes in a record. A map may hold plain values, the smallest is a bool.
@@ -224,13 +228,28 @@ public:
 
     /// Hands the objects that the field's uids name to the application's field.
     static void Resolve(TZoPointerResolver& resolver, TZoClassFieldPointerBase& field,
-                        ZoStreamableBase* object) {
+                        TZoClassFieldPointerBase& application, ZoStreamableBase* object) {
         Dispatch(field, [&](auto& exact) {
-            if constexpr (std::is_base_of_v<TZoClassFieldPointerBase, std::decay_t<decltype(exact)>>) {
-                ResolveExact(resolver, exact,
-                             static_cast<std::decay_t<decltype(exact)>&>(*field.GetOriginal()), object);
+            using Exact = std::decay_t<decltype(exact)>;
+            if constexpr (std::is_base_of_v<TZoClassFieldPointerBase, Exact>) {
+                ResolveExact(resolver, exact, static_cast<Exact&>(application), object);
             }
         });
+    }
+
+    /// Whether the field holds one object that is no member of its owner.
+    static bool IsReference(const TZoClassField& application) {
+        const TZoClassFieldType kind = application.GetFieldType();
+        return kind == ftChildPointer || kind == ftPointer || kind == ftPointerEx;
+    }
+
+    static void ResolveReference(TZoPointerResolver& resolver, TZoClassFieldPointerBase& field,
+                                 TZoClassFieldPointer& application, ZoStreamableBase* object) {
+        const int uid = resolver.Next();
+        if (!resolver.ResolvesReferences()) return;
+        const Resolved resolved(resolver, field, application, uid);
+        application.Set(object, resolved.target);
+        resolver.Tell(object, application, resolved.target, uid);
     }
 
 private:
@@ -276,9 +295,81 @@ private:
         }
     }
 
+    template <class T, class Pointer>
+    static auto& As(Pointer* member) {
+        return *static_cast<std::conditional_t<std::is_const_v<Pointer>, const T, T>*>(member);
+    }
+
+    /// Calls the action with a member as what its kind says.
+    template <class Pointer, class Action>
+    static void MemberAs(TZoClassFieldType kind, Pointer* member, Action action) {
+        switch (kind) {
+        case ftInt:
+            return action(As<int>(member));
+        case ftUnsigned:
+            return action(As<unsigned>(member));
+        case ftBool:
+            return action(As<bool>(member));
+        case ftFloat:
+            return action(As<float>(member));
+        case ftDouble:
+            return action(As<double>(member));
+        case ftString:
+            return action(As<ZoString>(member));
+        case ftBlob:
+            return action(As<ZoBlob>(member));
+        case ftListInt:
+            return action(As<TDVector<int>>(member));
+        case ftListFloat:
+            return action(As<TDVector<float>>(member));
+        case ftListDouble:
+            return action(As<TDVector<double>>(member));
+        case ftListString:
+            return action(As<TDVector<ZoString>>(member));
+        case ftChildPointer:
+        case ftChildPointerList:
+        case ftPointer:
+        case ftPointerList:
+        case ftPointerEx:
+        case ftPointerListEx:
+        case ftChildValue:
+        case ftChildPointerMap:
+            return;
+        }
+    }
+
+    template <class Sink, class T>
+    static void SaveValue(const Sink& put, const T& value) {
+        put(value);
+    }
+    template <class Sink, class T>
+    static void SaveValue(const Sink& put, const TDVector<T>& list) {
+        const auto count = static_cast<std::size_t>(list.end() - list.begin());
+        ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE", SOURCE);
+        put(static_cast<int>(count));
+        for (const T& value : list) put(value);
+    }
+
+    template <class Source, class T>
+    static void LoadValue(const Source& take, T& value) {
+        CheckBytes(take, StoredSize<T>);
+        take(value);
+    }
+    template <class Source, class T>
+    static void LoadValue(const Source& take, TDVector<T>& list) {
+        const ListHead head(take, false, false, StoredSize<T>);
+        list.RemoveAll();
+        list.Reserve(static_cast<unsigned long long>(head.count));
+        for (int i = 0; i < head.count; ++i) {
+            T value{};
+            LoadValue(take, value);
+            list.TDVector<T>::Add(value);
+        }
+    }
+
     template <class Sink>
-    static void SaveListHead(Sink put, unsigned long long count, TZoListInteger first, TZoListInteger second,
-                             ZoStreamableBase* object, TZoClassField& field) {
+    static void SaveListHead(const Sink& put, unsigned long long count, TZoListInteger first,
+                             TZoListInteger second, ZoStreamableBase* object, TZoClassField& field) {
         ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE", SOURCE);
         put(static_cast<int>(count));
         if (first != nullptr) put(first(object, &field));
@@ -289,7 +380,7 @@ private:
     template <class Sink>
     class SavePointerFunc final : public ZoStreamableBaseFunctor {
     public:
-        SavePointerFunc(Sink sink, const TZoClassField& listField) : put(sink), field(listField) {}
+        SavePointerFunc(const Sink& sink, const TZoClassField& listField) : put(sink), field(listField) {}
         void operator()(ZoStreamableBase* item) override {
             int uid = 0;
             if (item != nullptr) {
@@ -302,7 +393,7 @@ private:
         unsigned long long Count() const { return count; }
 
     private:
-        Sink put;
+        const Sink& put;
         const TZoClassField& field;
         unsigned long long count = 0;
     };
@@ -328,8 +419,8 @@ private:
 
     static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointer& field,
                              TZoClassFieldPointer& application, ZoStreamableBase* object) {
-        const int uid = resolver.Next();
         if (application.GetFieldType() == ftChildValue) {
+            const int uid = resolver.Next();
             resolver.ResolveValue(application, object, uid);
             if (!resolver.ResolvesReferences()) return;
             const ZoStreamableBase* value = resolver.Find(uid);
@@ -337,10 +428,7 @@ private:
             resolver.Tell(object, application, application.Get(object), uid);
             return;
         }
-        if (!resolver.ResolvesReferences()) return;
-        const Resolved resolved(resolver, field, application, uid);
-        application.Set(object, resolved.target);
-        resolver.Tell(object, application, resolved.target, uid);
+        ResolveReference(resolver, field, application, object);
     }
 
     static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointerList& field,
@@ -421,12 +509,12 @@ private:
         int second = 0;
 
         template <class Source>
-        ListHead(Source take, bool hasFirst, bool hasSecond, unsigned itemSize) {
-            CheckBytes(take.stream, 4);
+        ListHead(const Source& take, bool hasFirst, bool hasSecond, unsigned itemSize) {
+            CheckBytes(take, 4);
             take(count);
             if (hasFirst) take(first);
             if (hasSecond) take(second);
-            CheckRemaining(take.stream, count, itemSize);
+            CheckCount(take, count, itemSize);
         }
     };
 };

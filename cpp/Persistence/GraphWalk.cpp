@@ -6,6 +6,10 @@
 
 namespace ZoPrimitives {
 
+namespace {
+constexpr std::size_t PREFETCH = 8; // objects ahead
+}
+
 void FailUnregistered(const ZoStreamableBase* object) {
     const ZoString message = ZoString::FormatString(
         "[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
@@ -41,6 +45,7 @@ void GraphWalk::Run(ZoStreamableBase* root) {
             continue;
         }
         const Visit visit = waiting[frame.next++];
+        if (frame.next + PREFETCH < frame.end) __builtin_prefetch(waiting[frame.next + PREFETCH].object);
         if (visit.externalsOf != nullptr) {
             CollectExternals(visit.object, visit.externalsOf);
         } else if (HandleAccess::Get(stream, visit.object) == 0) {

@@ -24,6 +24,8 @@ public:
     /// `externals` collects what fields of external references point to, each object once.
     GraphWalk(TBinOutStream& stream, TZoMetaData* schema, TDList<ZoStreamableBase*>& externals);
 
+    /// Makes room for an expected number of objects.
+    void Reserve(std::size_t objects) { order.reserve(objects); }
     /// Walks what hangs from `root`. An object that has a uid is not walked again.
     void Run(ZoStreamableBase* root);
     /// The objects that were given uids, in rising order, without gaps.

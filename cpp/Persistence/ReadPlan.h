@@ -2,6 +2,8 @@
 
 #include "ZoPrimitives/ZoMetaData.h"
 
+#include <cstddef>
+#include <typeinfo>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -13,14 +15,22 @@ namespace ZoPrimitives {
 /// `smallestRecord`, plans stay within a multiple of the file.
 struct ReadPlan {
     struct Step {
-        TZoClassField* field;
+        std::ptrdiff_t offset;      // of the member, in objects of `exactType`
+        TZoClassFieldType kind;     // of the field
+        TZoClassField* field;       // the file's
         TZoClassField* application; // null: the value is passed over
+    };
+    struct Pointer {
+        bool single; // one object that is no member of its owner
+        TZoClassFieldPointerBase* field;
+        TZoClassFieldPointerBase* application;
     };
 
     unsigned long long smallestRecord = 0; // bytes
     bool made = false;
+    const std::type_info* exactType = nullptr; // of the objects in which offsets were measured
     std::vector<Step> steps;
-    std::vector<TZoClassFieldPointerBase*> pointers; // those with a field of the application
+    std::vector<Pointer> pointers; // those with a field of the application
 };
 
 } // namespace ZoPrimitives

@@ -12,12 +12,17 @@ namespace ZoPrimitives {
 }
 
 /// Throws unless the record still holds that many bytes.
-inline void CheckBytes(const TBinInStream& stream, unsigned size) {
-    if (stream.GetRemaining() < size) ThrowRecordEnds();
+template <class Source>
+void CheckBytes(const Source& source, unsigned size) {
+    if (source.Remaining() < size) ThrowRecordEnds();
 }
 
 /// Throws unless the record still holds `count` items of at least `itemSize` bytes each, and `count` is none
 /// negative.
+template <class Source>
+void CheckCount(const Source& source, int count, unsigned itemSize) {
+    if (count < 0 || static_cast<unsigned>(count) > source.Remaining() / itemSize) ThrowRecordEnds();
+}
 inline void CheckRemaining(const TBinInStream& stream, int count, unsigned itemSize) {
     if (count < 0 || static_cast<unsigned>(count) > stream.GetRemaining() / itemSize) ThrowRecordEnds();
 }

@@ -7,23 +7,20 @@
 
 namespace ZoPrimitives {
 
-/// Puts those of a field's targets on the stack that can lead further, and notes whether there was any.
+namespace {
+constexpr std::size_t PREFETCH = 8; // objects ahead
+}
+
+/// Gathers a field's targets.
 class SchemaWalk::Targets : public ZoStreamableBaseFunctor {
 public:
-    Targets(SchemaWalk& visitingWalk, bool follow) : walk(visitingWalk), follows(follow) {}
+    explicit Targets(std::vector<ZoStreamableBase*>& list) : targets(list) {}
     void operator()(ZoStreamableBase* item) override {
-        if (item == nullptr) return;
-        any = true;
-        if (!follows) return;
-        const TZoClass* itemClass = walk.ClassOf(item);
-        if (itemClass != nullptr && !walk.BuiltPlanOf(itemClass).steps.empty()) walk.stack.push_back(item);
+        if (item != nullptr) targets.push_back(item);
     }
 
-    bool any = false;
-
 private:
-    SchemaWalk& walk;
-    bool follows;
+    std::vector<ZoStreamableBase*>& targets;
 };
 
 SchemaWalk::SchemaWalk(TZoMetaData* applicationSchema) : schema(applicationSchema) {}
@@ -89,13 +86,25 @@ void SchemaWalk::Visit(ZoStreamableBase* object, const TZoClass* objectClass) {
             plan.steps.pop_back();
             continue;
         }
-        Targets targets(*this, step.follows);
-        step.field->GetFieldMetaData(object, targets);
-        if (!targets.any && !step.nullTold) {
+        targets.clear();
+        Targets gather(targets);
+        step.field->GetFieldMetaData(object, gather);
+        if (step.follows) PushTargets();
+        if (targets.empty() && !step.nullTold) {
             step.nullTold = true;
             for (const TZoClass* declared : ClosureOf(step.field->GetFieldClass())) Use(declared);
         }
         ++i;
+    }
+}
+
+/// Puts those targets on the stack that can lead further.
+void SchemaWalk::PushTargets() {
+    met += targets.size();
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        if (i + PREFETCH < targets.size()) __builtin_prefetch(targets[i + PREFETCH]);
+        const TZoClass* targetClass = ClassOf(targets[i]);
+        if (targetClass != nullptr && !BuiltPlanOf(targetClass).steps.empty()) stack.push_back(targets[i]);
     }
 }
 

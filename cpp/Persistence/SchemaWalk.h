@@ -16,6 +16,8 @@ public:
     ~SchemaWalk();
 
     void Run(ZoStreamableBase* root);
+    /// How many objects were met; shared ones may count more than once.
+    std::size_t Met() const { return met; }
     /// Whether the class was found to be used.
     bool Uses(const TZoClass* someClass) const;
 
@@ -41,15 +43,18 @@ private:
     Plan& BuiltPlanOf(const TZoClass* objectClass);
     void AddSteps(Plan& plan, const TZoClass* level);
     void Visit(ZoStreamableBase* object, const TZoClass* objectClass);
+    void PushTargets();
     void Use(const TZoClass* usedClass);
     /// Whether nothing new can come of the field's declared class.
     bool IsSettled(Step& step);
     const std::vector<const TZoClass*>& ClosureOf(const TZoClass* declared);
 
     TZoMetaData* schema;
+    std::size_t met = 0;
     ZoHandleTable visited;
     std::vector<ZoStreamableBase*> stack;
-    std::vector<Plan*> plans; // by class id
+    std::vector<ZoStreamableBase*> targets; // of the field at hand
+    std::vector<Plan*> plans;               // by class id
 };
 
 } // namespace ZoPrimitives

@@ -37,6 +37,7 @@ public:
         const auto found = sparse.find(uid);
         return found == sparse.end() ? nullptr : found->second;
     }
+    void Reserve(std::size_t uids) { dense.reserve(uids); }
     void Clear() { *this = UidTable(); }
 
 private:

@@ -1,8 +1,12 @@
 #include "Persistence/FieldCodec.h"
+#include "Persistence/FieldOffset.h"
 #include "Persistence/GraphWalk.h"
+#include "Persistence/InstanceTables.h"
 #include "Persistence/PointerResolver.h"
 #include "Persistence/ReadPlan.h"
+#include "Persistence/RecordCursors.h"
 #include "Persistence/SchemaWalk.h"
+#include "Persistence/WritePlan.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
@@ -429,17 +433,43 @@ void TZoClass::SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer*, ZoStream
     SaveFields(*stream, stream->PutsDirectly(), false, object);
 }
 
+void TZoClass::AddSteps(WritePlan& plan, bool tells, ZoStreamableBase* object) const {
+    for (const auto& parent : parents) parent->AddSteps(plan, tells, object);
+    if (tells) plan.steps.push_back({nullptr, FieldOffset::NONE});
+    for (TZoClassField* field : inOrder) plan.steps.push_back({field, FieldOffset::Measure(field, object)});
+}
+
+void TZoClass::SaveByPlan(TBinOutStream& stream, WritePlan& plan, ZoStreamableBase* object) const {
+    if (!plan.made) {
+        AddSteps(plan, (hooks & hookWillWrite) != 0, object);
+        plan.made = true;
+    }
+    const WriteCursor put(stream);
+    for (const WritePlan::Step& step : plan.steps) {
+        if (step.offset != FieldOffset::NONE) {
+            FieldCodec::SaveMember(put, step.field->GetFieldType(), FieldOffset::Apply(object, step.offset));
+        } else if (step.field != nullptr) {
+            FieldCodec::SaveField(put, *step.field, object);
+        } else {
+            object->WillWrite();
+        }
+    }
+    put.Commit();
+}
+
 void TZoClass::SaveFields(TBinOutStream& stream, bool direct, bool exact, ZoStreamableBase* object) {
     const bool tells = !exact || (hooks & hookWillWrite) != 0;
     if (direct) {
-        SaveLevels(DirectSink{stream}, tells, object);
+        const WriteCursor put(stream);
+        SaveLevels(put, tells, object);
+        put.Commit();
     } else {
         SaveLevels(VirtualSink{stream}, tells, object);
     }
 }
 
 template <class Sink>
-void TZoClass::SaveLevels(Sink put, bool tells, ZoStreamableBase* object) {
+void TZoClass::SaveLevels(const Sink& put, bool tells, ZoStreamableBase* object) {
     for (const auto& parent : parents) parent->SaveLevels(put, tells, object);
     if (tells) object->WillWrite();
     for (TZoClassField* field : inOrder) FieldCodec::SaveField(put, *field, object);
@@ -492,30 +522,46 @@ void TZoClass::AddSteps(ReadPlan& plan, const TZoClass& objectClass) {
     const bool applies = objectClass.AppliesTo(*this);
     for (TZoClassField* field : inOrder) {
         TZoClassField* application = applies ? field->original : nullptr;
-        plan.steps.push_back({field, application});
+        plan.steps.push_back({FieldOffset::NONE, field->GetFieldType(), field, application});
         if (application != nullptr && field->IsPointerKind()) {
-            plan.pointers.push_back(static_cast<TZoClassFieldPointerBase*>(field));
+            auto* target = static_cast<TZoClassFieldPointerBase*>(application);
+            plan.pointers.push_back(
+                {FieldCodec::IsReference(*target), static_cast<TZoClassFieldPointerBase*>(field), target});
         }
     }
 }
 
 void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    LoadObject(*stream, stream->GetsDirectly(), object);
+    LoadObject(*stream, stream->GetsDirectly(), true, object);
 }
 
-void TZoClass::LoadObject(TBinInStream& stream, bool direct, ZoStreamableBase* object) {
-    stream.UnresolvedPointers().Open(object, stream.GetCurrentUID(), this);
-    stream.ClearExcludedFields();
-    const ReadPlan& plan = PlanFor(stream);
-    if (direct) {
-        for (const ReadPlan::Step& step : plan.steps) {
-            FieldCodec::LoadField(DirectSource{stream}, *step.field, step.application, object);
-        }
-    } else {
+void TZoClass::LoadObject(TBinInStream& stream, bool direct, bool always, ZoStreamableBase* object) {
+    InstanceTables::ForgetExcluded(stream);
+    ReadPlan& plan = PlanFor(stream);
+    if (always || !plan.pointers.empty()) {
+        stream.UnresolvedPointers().Open(object, stream.GetCurrentUID(), this);
+    }
+    if (!direct) {
         for (const ReadPlan::Step& step : plan.steps) {
             FieldCodec::LoadField(VirtualSource{stream}, *step.field, step.application, object);
         }
+        return;
     }
+    const std::type_info* type = &typeid(*object);
+    if (plan.exactType == nullptr && original != nullptr && original->type == type) {
+        plan.exactType = type;
+        for (ReadPlan::Step& step : plan.steps) step.offset = FieldOffset::Measure(step.application, object);
+    }
+    const bool exact = plan.exactType == type;
+    const ReadCursor take(stream);
+    for (const ReadPlan::Step& step : plan.steps) {
+        if (exact && step.offset != FieldOffset::NONE) {
+            FieldCodec::LoadMember(take, step.kind, FieldOffset::Apply(object, step.offset));
+        } else {
+            FieldCodec::LoadField(take, *step.field, step.application, object);
+        }
+    }
+    take.Commit();
 }
 
 void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object) {
@@ -526,7 +572,14 @@ void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object)
 
 void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBase* object) {
     if (readPlan == nullptr) return;
-    for (TZoClassFieldPointerBase* field : readPlan->pointers) FieldCodec::Resolve(resolver, *field, object);
+    for (const ReadPlan::Pointer& pointer : readPlan->pointers) {
+        if (pointer.single) {
+            FieldCodec::ResolveReference(resolver, *pointer.field,
+                                         static_cast<TZoClassFieldPointer&>(*pointer.application), object);
+        } else {
+            FieldCodec::Resolve(resolver, *pointer.field, *pointer.application, object);
+        }
+    }
 }
 
 void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members) {

@@ -14,6 +14,7 @@ namespace ZoPrimitives {
 
 class TBinUnresolvedPointers;
 class UidTable;
+struct InstanceTables;
 struct TBinUnresolved;
 class ZoBlob;
 class ZoStreamableBase;
@@ -155,6 +156,8 @@ public:
     const unsigned char* TakeBlock(unsigned& size, const char* location);
     /// A string to read into whose buffer is kept.
     ZoString& ScratchString() { return scratch; }
+    /// Makes room for as many objects as the header counts, where the data that is left could hold them.
+    void ReserveInstances();
     /// Forgets all objects read and everything about them, without deleting any.
     void ForgetInstances();
 
@@ -181,7 +184,8 @@ protected:
     void SetReadError(unsigned long error) { readError = error; }
 
 private:
-    struct Tables;
+    friend class ReadCursor;
+    friend struct InstanceTables;
 
     bool ReadAll(void* data, unsigned size);
     bool NextInWindow(int* uid, int* classId);
@@ -220,7 +224,7 @@ private:
 
     ZoString scratch;
     TDVector<ZoStreamableBase*> objects;
-    std::unique_ptr<Tables> tables;
+    std::unique_ptr<InstanceTables> tables;
     std::unique_ptr<TBinUnresolvedPointers> unresolved;
 };
 

@@ -78,8 +78,9 @@ private:
     TIList<TZoClass, pointer<TZoClass>> unknown;
     std::vector<std::unique_ptr<Use>> uses; // by class id
     std::unordered_map<int, std::unique_ptr<Use>> rareUses;
-    bool direct = false; // the stream's values are taken without virtual calls
-    bool plain = false;  // no operation of this streamer is overridden
+    bool direct = false;       // the stream's values are taken without virtual calls
+    bool entryForEach = false; // an entry for the resolving even where nothing is to resolve
+    bool plain = false;        // no operation of this streamer is overridden
 };
 
 } // namespace ZoPrimitives

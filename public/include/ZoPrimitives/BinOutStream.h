@@ -154,6 +154,7 @@ protected:
 
 private:
     friend class HandleAccess;
+    friend class WriteCursor;
 
     void Allocate(std::size_t capacity);
     void SetBounds(std::size_t gathered, std::size_t payload);

@@ -4,7 +4,10 @@
 #include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/dvector.h"
 
+#include <cstddef>
+#include <memory>
 #include <unordered_set>
+#include <vector>
 
 namespace ZoPrimitives {
 
@@ -12,6 +15,7 @@ class SchemaWalk;
 class TBinOutStream;
 class TZoClass;
 class TZoMetaData;
+struct WritePlan;
 
 /// Writes a graph of objects: the schema record of the classes that it uses, then one record for each object,
 /// in rising uid order, with pointers as uids.
@@ -66,8 +70,12 @@ private:
 
     TBinOutStream* stream;
     TZoMetaData* schema;
-    int savedUpTo = 0;             // all uids up to here were saved
-    std::unordered_set<int> saved; // others that were
+    WritePlan& PlanOf(const TZoClass& objectClass);
+
+    std::vector<std::unique_ptr<WritePlan>> plans; // of this run, by class id
+    std::size_t expected = 0;                      // objects, as the collecting of the schema met them
+    int savedUpTo = 0;                             // all uids up to here were saved
+    std::unordered_set<int> saved;                 // others that were
 };
 
 } // namespace ZoPrimitives

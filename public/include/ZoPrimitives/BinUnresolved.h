@@ -30,22 +30,36 @@ public:
 
     /// Opens the entry of the object that is read next.
     void Open(ZoStreamableBase* object, int uid, TZoClass* fileClass) {
-        entries.push_back({object, fileClass, uid, uids.size()});
+        entries.push_back({object, fileClass, uid, used});
     }
     /// Adds a single pointer of the entry opened last.
-    void LoadPointer([[maybe_unused]] TZoClassField* field, int uid) { uids.push_back(uid); }
+    void LoadPointer([[maybe_unused]] TZoClassField* field, int uid) {
+        if (used == capacity) Grow(used + 1);
+        uids[used++] = uid;
+    }
     /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` when the record holds
     /// fewer.
     void LoadPointers(TZoClassField* field, int count, TBinInStream* stream);
 
     const TBinUnresolved* Find(int uid) const;
     std::vector<TBinUnresolved>& Entries() { return entries; }
-    const std::int32_t* Uids() const { return uids.data(); }
+    const std::int32_t* Uids() const { return uids; }
+    void Reserve(std::size_t entryCount, std::size_t uidCount) {
+        entries.reserve(entryCount);
+        if (uidCount > capacity) Grow(uidCount);
+    }
     void Clear();
 
+    TBinUnresolvedPointers(const TBinUnresolvedPointers&) = delete;
+    TBinUnresolvedPointers& operator=(const TBinUnresolvedPointers&) = delete;
+
 private:
+    void Grow(std::size_t needed);
+
     std::vector<TBinUnresolved> entries;
-    std::vector<std::int32_t> uids;
+    std::int32_t* uids = nullptr;
+    std::size_t used = 0;
+    std::size_t capacity = 0;
 };
 
 } // namespace ZoPrimitives

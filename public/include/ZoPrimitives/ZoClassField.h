@@ -69,6 +69,9 @@ using TZoListIterator = void (*)(ZoStreamableBase* object, TZoClassField* field,
 /// Whether an object is of the C++ type that the setter takes.
 using TZoTypeTest = bool (*)(const ZoStreamableBase* target);
 
+/// The address of the member that holds a field.
+using TZoMemberAddress = void* (*)(ZoStreamableBase* object);
+
 /// One field of a class: its name and kind and, in an application's schema, the accessors to its value.
 ///
 /// A field of a file's schema has no accessors; it is linked to the application's field of the same name, if
@@ -94,6 +97,9 @@ public:
     TZoClassField* GetOriginal() const { return original; }
     void SetFieldClass(TZoClass* newClass) { fieldClass = newClass; }
     void SetFieldClassName(const ZoString& newName) { className = newName; }
+    /// Of a value field whose accessors do nothing but read and write a member of the value's own type
+    /// (`TDVector` for lists): where it is. The streamers then spare the accessors.
+    void SetMember(TZoMemberAddress memberOf) { member = memberOf; }
 
     /// Writes a value into the open record. Of pointer kinds: writes the records of the owned objects that
     /// the field holds, unless they were written before.
@@ -116,6 +122,7 @@ protected:
     TZoClassField* original = nullptr;
 
 private:
+    friend class FieldOffset;
     friend class SchemaWalk;
     friend class TZoClass;
     friend class TZoMetaData;
@@ -124,6 +131,7 @@ private:
     ZoString className;
     TZoClassFieldType kind;
     int fieldClassId = 0;
+    TZoMemberAddress member = nullptr;
     TZoClass* owner = nullptr;
     TZoClass* fieldClass = nullptr;
 };

@@ -16,6 +16,7 @@ class TBinOutStream;
 class TBinOutStreamer;
 class TZoMetaData;
 struct ReadPlan;
+struct WritePlan;
 
 /// The virtual operations of `ZoStreamableBase` that cost a call for each object; the streamers leave out
 /// those that a class does not override.
@@ -184,11 +185,14 @@ private:
     ReadPlan& PlanFor(TBinInStream& stream);
     void AddSteps(ReadPlan& plan, const TZoClass& objectClass);
     unsigned long long SmallestRecord() const;
-    void LoadObject(TBinInStream& stream, bool direct, ZoStreamableBase* object);
+    /// `always`: an entry for the resolving is opened even when there is nothing to resolve.
+    void LoadObject(TBinInStream& stream, bool direct, bool always, ZoStreamableBase* object);
     /// `exact`: the object's C++ type is the one that the class is registered with.
     void SaveFields(TBinOutStream& stream, bool direct, bool exact, ZoStreamableBase* object);
     template <class Sink>
-    void SaveLevels(Sink put, bool tells, ZoStreamableBase* object);
+    void SaveLevels(const Sink& put, bool tells, ZoStreamableBase* object);
+    void AddSteps(WritePlan& plan, bool tells, ZoStreamableBase* object) const;
+    void SaveByPlan(TBinOutStream& stream, WritePlan& plan, ZoStreamableBase* object) const;
     void FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members);
 
     template <class Action>

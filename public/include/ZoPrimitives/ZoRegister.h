@@ -402,6 +402,10 @@ public:                                                                         
                            ::ZoPrimitives::ZoRegistration& registration) {                                   \
         registration.AddField(Getfieldclassfor_##field, Addfieldfor_##field);                                \
     }
+#define ZO_MEMBER_(field)                                                                                    \
+    static void* Member##field(::ZoPrimitives::ZoStreamableBase* object) {                                   \
+        return &::ZoPrimitives::ZoSelf<ZoClass>(object).field;                                               \
+    }
 #define ZO_FIELD_CLASS_(field, typeName, fieldKind)                                                          \
     static ::ZoPrimitives::ZoString Getfieldclassfor_##field(::ZoPrimitives::TZoMetaData* schema,            \
                                                              ::ZoPrimitives::TZoClass** fieldClass,          \
@@ -419,11 +423,14 @@ public:                                                                         
                                                          ::ZoPrimitives::TZoClassField*) {                   \
         return ::ZoPrimitives::ZoSelf<ZoClass>(object).field;                                                \
     }                                                                                                        \
+    ZO_MEMBER_(field)                                                                                        \
     ZO_FIELD_CLASS_(field, ::ZoPrimitives::ZoValueField<Type>::name,                                         \
                     ::ZoPrimitives::ZoValueField<Type>::kind)                                                \
     static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(                                               \
         ::ZoPrimitives::TZoClass* owner, ::ZoPrimitives::TZoClass*, const ::ZoPrimitives::ZoString&) {       \
-        return ::ZoPrimitives::ZoValueField<Type>::Add(owner, #field, Set##field, Get##field);               \
+        auto* made = ::ZoPrimitives::ZoValueField<Type>::Add(owner, #field, Set##field, Get##field);         \
+        made->SetMember(Member##field);                                                                      \
+        return made;                                                                                         \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)
 
@@ -438,12 +445,15 @@ public:                                                                         
         return ::ZoPrimitives::ZoSelf<ZoClass>(object).field[static_cast<unsigned long long>(index)];        \
     }                                                                                                        \
     ZO_LIST_COUNT_(field, field)                                                                             \
+    ZO_MEMBER_(field)                                                                                        \
     ZO_FIELD_CLASS_(field, ::ZoPrimitives::ZoListField<Type>::name, ::ZoPrimitives::ZoListField<Type>::kind) \
     static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(                                               \
         ::ZoPrimitives::TZoClass* owner, ::ZoPrimitives::TZoClass*, const ::ZoPrimitives::ZoString&) {       \
-        return ::ZoPrimitives::ZoListField<Type>::Add(                                                       \
+        auto* made = ::ZoPrimitives::ZoListField<Type>::Add(                                                 \
             owner, #field,                                                                                   \
             {Add##field, ElementAt##field, NItems##field, CreateList_##field, nullptr, nullptr});            \
+        made->SetMember(Member##field);                                                                      \
+        return made;                                                                                         \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)
 

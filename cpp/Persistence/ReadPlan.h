@@ -17,10 +17,15 @@ struct ReadPlan {
         TZoClassField* application; // null: the value is passed over
     };
 
+    struct Pointers {
+        TZoClassFieldPointerBase* field;
+        bool last; // false: an ancestor is reached again, and its last part of the record counts
+    };
+
     unsigned long long smallestRecord = 0; // bytes
     bool made = false;
     std::vector<Step> steps;
-    std::vector<TZoClassFieldPointerBase*> pointers; // those with a field of the application
+    std::vector<Pointers> pointers; // those with a field of the application
 };
 
 } // namespace ZoPrimitives

@@ -7,6 +7,7 @@
 #include "ZoPrimitives/ZoMetaData.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace ZoPrimitives {
 
@@ -482,6 +483,10 @@ ReadPlan& TZoClass::PlanFor(TBinInStream& stream) {
     if (stream.GetRemaining() < readPlan->smallestRecord) ThrowRecordEnds();
     if (!readPlan->made) {
         AddSteps(*readPlan, *this);
+        std::unordered_set<const TZoClassField*> later;
+        for (auto step = readPlan->pointers.rbegin(); step != readPlan->pointers.rend(); ++step) {
+            step->last = later.insert(step->field).second;
+        }
         readPlan->made = true;
     }
     return *readPlan;
@@ -494,7 +499,7 @@ void TZoClass::AddSteps(ReadPlan& plan, const TZoClass& objectClass) {
         TZoClassField* application = applies ? field->original : nullptr;
         plan.steps.push_back({field, application});
         if (application != nullptr && field->IsPointerKind()) {
-            plan.pointers.push_back(static_cast<TZoClassFieldPointerBase*>(field));
+            plan.pointers.push_back({static_cast<TZoClassFieldPointerBase*>(field), true});
         }
     }
 }
@@ -526,7 +531,10 @@ void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object)
 
 void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBase* object) {
     if (readPlan == nullptr) return;
-    for (TZoClassFieldPointerBase* field : readPlan->pointers) FieldCodec::Resolve(resolver, *field, object);
+    for (const ReadPlan::Pointers& step : readPlan->pointers) {
+        resolver.SetPassing(!step.last);
+        FieldCodec::Resolve(resolver, *step.field, object);
+    }
 }
 
 void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members) {

@@ -44,9 +44,11 @@ public:
     }
     ZoStreamableBase* Find(int uid) const { return handles.Get(uid); }
 
-    bool ResolvesReferences() const { return taker == nullptr; }
+    /// While true, uids are passed by.
+    void SetPassing(bool passes) { passing = passes; }
+    bool ResolvesReferences() const { return taker == nullptr && !passing; }
     void ResolveValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) {
-        if (taker != nullptr) taker->TakeValue(field, owner, uid);
+        if (taker != nullptr && !passing) taker->TakeValue(field, owner, uid);
     }
     /// Whether the setter of `application` may be given the object; `fileField` is what is being resolved.
     bool Allows(TZoClassFieldPointerBase& fileField, const TZoClassFieldPointerBase& application,
@@ -69,6 +71,7 @@ private:
     ValueTaker* taker;
     const std::int32_t* next = nullptr;
     bool tellsObject = true;
+    bool passing = false;
 };
 
 } // namespace ZoPrimitives

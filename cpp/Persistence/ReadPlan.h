@@ -24,6 +24,7 @@ struct ReadPlan {
         bool single; // one object that is no member of its owner
         TZoClassFieldPointerBase* field;
         TZoClassFieldPointerBase* application;
+        bool last; // false: the application's field is met again, and what comes last counts
     };
 
     unsigned long long smallestRecord = 0; // bytes

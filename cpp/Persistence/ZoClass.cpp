@@ -11,6 +11,7 @@
 #include "ZoPrimitives/ZoMetaData.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace ZoPrimitives {
 
@@ -512,6 +513,11 @@ ReadPlan& TZoClass::PlanFor(TBinInStream& stream) {
     if (stream.GetRemaining() < readPlan->smallestRecord) ThrowRecordEnds();
     if (!readPlan->made) {
         AddSteps(*readPlan, *this);
+        std::unordered_set<const TZoClassField*> later;
+        for (auto step = readPlan->pointers.rbegin(); step != readPlan->pointers.rend(); ++step) {
+            step->last = later.insert(step->application).second;
+            step->single = step->single && step->last;
+        }
         readPlan->made = true;
     }
     return *readPlan;
@@ -525,8 +531,8 @@ void TZoClass::AddSteps(ReadPlan& plan, const TZoClass& objectClass) {
         plan.steps.push_back({FieldOffset::NONE, field->GetFieldType(), field, application});
         if (application != nullptr && field->IsPointerKind()) {
             auto* target = static_cast<TZoClassFieldPointerBase*>(application);
-            plan.pointers.push_back(
-                {FieldCodec::IsReference(*target), static_cast<TZoClassFieldPointerBase*>(field), target});
+            plan.pointers.push_back({FieldCodec::IsReference(*target),
+                                     static_cast<TZoClassFieldPointerBase*>(field), target, true});
         }
     }
 }
@@ -577,7 +583,9 @@ void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBas
             FieldCodec::ResolveReference(resolver, *pointer.field,
                                          static_cast<TZoClassFieldPointer&>(*pointer.application), object);
         } else {
+            resolver.SetPassing(!pointer.last);
             FieldCodec::Resolve(resolver, *pointer.field, *pointer.application, object);
+            resolver.SetPassing(false);
         }
     }
 }

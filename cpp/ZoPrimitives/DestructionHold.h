@@ -19,11 +19,13 @@ public:
     /// kept ones are not looked at and may be gone already.
     template <class IsKept>
     void End(IsKept isKept) {
-        for (const ZoObject* object : Lift()) {
-            if (!isKept(object) && ZoReferenceCount::Count(object) == 0) {
-                ZoReferenceCount::Add(object);
-                ZoReferenceCount::Release(object);
-            }
+        const std::vector<const ZoObject*> objects = Lift();
+        // Held first, so that none goes with another before its turn.
+        for (const ZoObject* object : objects) {
+            if (!isKept(object)) ZoReferenceCount::Add(object);
+        }
+        for (const ZoObject* object : objects) {
+            if (!isKept(object)) ZoReferenceCount::Release(object);
         }
     }
     bool Noted() const { return !noted.empty(); }

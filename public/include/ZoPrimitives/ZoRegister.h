@@ -366,7 +366,7 @@ TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* con
 #define ZO_BEGIN_CHECKED_(Class, Parent1, Parent2, Parent3, ...)                                             \
 public:                                                                                                      \
     using ZoClass = Class;                                                                                   \
-    static constexpr int ZoFirstLine = __LINE__;                                                             \
+    [[maybe_unused]] static constexpr int ZoFirstLine = __LINE__;                                            \
     static constexpr const char* ZoName() { return #Class; }                                                 \
     /* The number of this class in the process; 0 before its module is initialised, when names are */        \
     /* looked up instead. A member, so that modules share the number of an exported class. */                \
@@ -381,7 +381,7 @@ public:                                                                         
 
 /// Closes a class's registration.
 #define REGISTER_ZO_END                                                                                      \
-    static constexpr int ZoLastLine = __LINE__;                                                              \
+    [[maybe_unused]] static constexpr int ZoLastLine = __LINE__;                                             \
     template <class ZoThis = ZoClass>                                                                        \
     static ::ZoPrimitives::TZoClass* Register(::ZoPrimitives::TZoMetaData* schema) {                         \
         return ::ZoPrimitives::ZoRegisterClass<ZoThis>(schema, ZoName(), ZoParents());                       \

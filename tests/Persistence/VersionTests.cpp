@@ -1,0 +1,557 @@
+#include "support/EveryKind.h"
+
+#include "ZoPrimitives/ZoStreamablePrimitives.h"
+
+#include <map>
+
+using namespace ZoPrimitives;
+
+// One application in two versions: files of the one are opened by the other.
+
+namespace {
+
+/// The excluded fields that an object was offered: name, kind, and the value's bytes.
+struct Offer {
+    std::string name;
+    int kind;
+    std::string bytes;
+
+    bool operator==(const Offer&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, const Offer& offer) {
+        return out << Row{0, offer.kind, offer.bytes} << ' ' << offer.name;
+    }
+};
+std::vector<Offer> offers;
+
+/// Takes the bytes at the stream's position, as many as a value of the kind has there.
+std::string TakeExcluded(TZoClassField& field, TBinInStream& in) {
+    Payload bytes;
+    const auto take = [&in](auto value) { return in >> value, value; };
+    const auto list = [&](auto item) {
+        const int count = take(0);
+        bytes.Int(count);
+        for (int i = 0; i < count; ++i) item();
+    };
+    const auto uids = [&] { list([&] { bytes.Int(take(0)); }); };
+    const auto text = [&] { bytes.Text(Text(take(ZoString()))); };
+    switch (field.GetFieldType()) {
+    case ftBool:
+        bytes.Bool(take(false));
+        break;
+    case ftFloat:
+        bytes.Float(take(0.0F));
+        break;
+    case ftDouble:
+        bytes.Double(take(0.0));
+        break;
+    case ftString:
+    case ftBlob:
+        text();
+        break;
+    case ftListFloat:
+        list([&] { bytes.Float(take(0.0F)); });
+        break;
+    case ftListDouble:
+        list([&] { bytes.Double(take(0.0)); });
+        break;
+    case ftListString:
+        list(text);
+        break;
+    case ftListInt:
+    case ftChildPointerList:
+    case ftPointerList:
+    case ftPointerListEx:
+        uids();
+        break;
+    case ftChildPointerMap:
+        uids(), uids();
+        break;
+    case ftInt:
+    case ftUnsigned:
+    case ftChildPointer:
+    case ftChildValue:
+    case ftPointer:
+    case ftPointerEx:
+        bytes.Int(take(0));
+        break;
+    }
+    return bytes;
+}
+
+/// An application's later `EveryKind`, with none of its fields left but a new one.
+namespace bare {
+class EveryKind : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(EveryKind)
+    DECLARE_ZO_FIELD(int, added)
+    REGISTER_ZO_END
+    EveryKind() = default;
+    explicit EveryKind(StreamableInit) : added(5) {}
+    void HandleExcludedField(TZoClassField* field, TBinInStream* stream) override {
+        offers.push_back({Text(field->GetFieldName()), field->GetFieldType(), TakeExcluded(*field, *stream)});
+    }
+};
+} // namespace bare
+
+/// The same fields, in kinds of the same encoding or of another.
+namespace changed {
+using app::Leaf;
+class EveryKind : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(EveryKind)
+    DECLARE_ZO_FIELD_CHILD_VALUE(Leaf, child)
+    DECLARE_ZO_FIELD_CHILD(Leaf, member)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Leaf, reference)
+    DECLARE_ZO_FIELD_REFERENCE(Leaf, external)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Leaf, references)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(Leaf, externals)
+    DECLARE_ZO_FIELD(unsigned, anInt)
+    DECLARE_ZO_FIELD(int, anUnsigned)
+    DECLARE_ZO_FIELD(double, aFloat)
+    DECLARE_ZO_FIELD(ZoBlob, aString)
+    DECLARE_ZO_FIELD(ZoString, aBlob)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(Leaf, children)
+    DECLARE_ZO_FIELD_LIST(float, ints)
+    DECLARE_ZO_FIELD_CHILD_LIST(Leaf, map)
+    DECLARE_ZO_FIELD(double, aDouble)
+    REGISTER_ZO_END
+    void HandleExcludedField(TZoClassField* field, TBinInStream* stream) override {
+        offers.push_back({Text(field->GetFieldName()), field->GetFieldType(), TakeExcluded(*field, *stream)});
+    }
+};
+} // namespace changed
+
+std::map<std::string, Offer> FilledFields() {
+    const std::vector<Offer> all = {
+        {"map", -19, Payload().Ints({1, 2, 1, 3})},
+        {"anInt", -1, Payload().Int(-2)},
+        {"aFloat", -2, Payload().Float(1.5F)},
+        {"aDouble", -3, Payload().Double(-0.25)},
+        {"aString", -4, Payload().Text("text")},
+        {"aBlob", -5, Payload().Text("\1\2")},
+        {"aBool", -10, Payload().Bool(true)},
+        {"ints", -11, Payload().Ints({2, 7, -8})},
+        {"floats", -12, Payload().Int(1).Float(2.5F)},
+        {"doubles", -13, Payload().Int(1).Double(3.25)},
+        {"strings", -14, Payload().Int(2).Text("a").Text("")},
+        {"anUnsigned", -17, Payload().Int(4'000'000'000LL)},
+        {"child", -6, Payload().Int(4)},
+        {"member", -18, Payload().Int(5)},
+        {"children", -7, Payload().Ints({2, 6, 7})},
+        {"reference", -8, Payload().Int(7)},
+        {"external", -15, Payload().Int(8)},
+        {"references", -9, Payload().Ints({2, 4, 5})},
+        {"externals", -16, Payload().Ints({1, 8})},
+    };
+    std::map<std::string, Offer> byName;
+    for (const Offer& offer : all) byName.emplace(offer.name, offer);
+    return byName;
+}
+
+std::string FilledFile() { return FileOf(app::EveryKindEntries(), app::EveryKindRows()); }
+
+} // namespace
+
+TEST(Versions, AFieldThatIsGoneIsOfferedWithTheStreamAtItsValue) {
+    TZoMetaData schema;
+    app::Leaf::Register(&schema);
+    bare::EveryKind::Register(&schema);
+    offers.clear();
+    Opened opened(FilledFile(), schema);
+    EXPECT_EQ(opened.Root<bare::EveryKind>().added, 5) << "what the file lacks keeps its value";
+    ASSERT_EQ(offers.size(), 19U);
+    const auto expected = FilledFields();
+    for (const Offer& offer : offers) EXPECT_EQ(offer, expected.at(offer.name));
+    EXPECT_EQ(opened.Count(), 8U) << "what the fields held is still read";
+}
+
+TEST(Versions, KindsOfTheSameEncodingMatchAndOthersCountAsGone) {
+    TZoMetaData schema;
+    app::Leaf::Register(&schema);
+    changed::EveryKind::Register(&schema);
+    offers.clear();
+    Opened opened(FilledFile(), schema);
+    auto& read = opened.Root<changed::EveryKind>();
+    EXPECT_EQ(read.child.number, 10);
+    ASSERT_NE(read.member.get(), nullptr);
+    EXPECT_EQ(read.member->number, 13);
+    EXPECT_EQ(read.reference, &opened.At<app::Leaf>(7));
+    EXPECT_EQ(read.external, &opened.At<app::Leaf>(8));
+    ASSERT_EQ(read.references.NItems(), 2U);
+    EXPECT_EQ(read.references[1], &read.child);
+    EXPECT_EQ(read.references[2], read.member.get());
+    ASSERT_EQ(read.externals.NItems(), 1U);
+    EXPECT_EQ(read.aDouble, -0.25);
+    EXPECT_EQ(read.anInt, 0U);
+    EXPECT_EQ(read.aFloat, 0);
+    EXPECT_EQ(read.map.NItems() + read.children.NItems() + read.ints.NItems(), 0U);
+    const auto expected = FilledFields();
+    std::vector<std::string> gone;
+    for (const Offer& offer : offers) {
+        gone.push_back(offer.name);
+        EXPECT_EQ(offer, expected.at(offer.name));
+    }
+    EXPECT_EQ(gone, (std::vector<std::string>{"map", "anInt", "aFloat", "aString", "aBlob", "aBool", "ints",
+                                              "floats", "doubles", "strings", "anUnsigned", "children"}));
+}
+
+TEST(Versions, OffersEachExcludedFieldOnceWhateverTheHandlerReads) {
+    // A value of thousands of fields that the class does not have, and a handler that takes nothing.
+    class Deaf : public ZoObjectStreamable {
+    public:
+        static ZoStreamableBase* Make(TZoMetaData*, TZoMetaData*, TZoClass*) { return new Deaf; }
+        void HandleExcludedField(TZoClassField*, TBinInStream*) override { ++offered; }
+        TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Deaf"); }
+        ZoString StreamableClassName() const override { return "class Deaf"; }
+        int offered = 0;
+    };
+    constexpr int COUNT = 400'000;
+    TZoMetaData schema;
+    schema.AddClass(new TZoClass(&schema, nullptr, "Deaf", Deaf::Make, false, nullptr));
+    ClassEntry entry{.id = 1, .name = "Deaf"};
+    entry.values.assign(COUNT, {0, -10, "b"});
+    Opened opened(FileOf({entry}, {{1, 1, std::string(COUNT, '\1')}}), schema);
+    EXPECT_EQ(opened.Root<Deaf>().offered, COUNT);
+}
+
+// Classes that are gone
+
+namespace {
+
+class Base : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Base)
+    DECLARE_ZO_FIELD(int, number)
+    DECLARE_ZO_FIELD_CHILD(Base, child)
+    DECLARE_ZO_FIELD_CHILD_LIST(Base, children)
+    DECLARE_ZO_FIELD_REFERENCE(Base, reference)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(Base, references)
+    DECLARE_ZO_FIELD_CHILD_MAP(ZoInteger, Base, map)
+    REGISTER_ZO_END
+    bool OnRead(TBinInStream*, bool substituted) override { return stands = substituted, true; }
+    void HandleExcludedField(TZoClassField* field, TBinInStream*) override {
+        excluded.push_back(Text(field->GetFieldName()));
+    }
+    bool stands = false;
+    std::vector<std::string> excluded;
+};
+
+class Strict : public Base {
+    REGISTER_ZO_BEGIN(Strict, Base)
+    REGISTER_ZO_END
+    bool CanBeConvertedToBaseClass() const override { return false; }
+};
+
+// The entry of `Base` as class 1, and a record of it.
+ClassEntry BaseEntry() {
+    return {.id = 1,
+            .name = "Base",
+            .maps = {{1, -19, "map"}},
+            .values = {{0, -1, "number"}},
+            .children = {{1, -6, "child"}},
+            .childLists = {{1, -7, "children"}},
+            .references = {{1, -8, "reference"}},
+            .referenceLists = {{1, -9, "references"}}};
+}
+Payload BasePart(int number, const std::vector<int>& uids = {}) {
+    const auto list = [&] {
+        Payload bytes;
+        bytes.Int(static_cast<long long>(uids.size()));
+        for (const int uid : uids) bytes.Int(uid);
+        return bytes;
+    };
+    const int first = uids.empty() ? 0 : uids.front();
+    Payload bytes;
+    bytes.Add(list()).Add(list()).Int(number).Int(first).Add(list()).Int(first).Add(list());
+    return bytes;
+}
+
+} // namespace
+
+TEST(Versions, AnObjectOfAnUnknownClassClimbsItsFirstParents) {
+    const ClassEntry gone{.id = 2, .name = "Gone", .parents = {1}, .values = {{0, -1, "own"}}};
+    struct Case {
+        const char* name;
+        std::vector<ClassEntry> classes;
+        int classId;
+        bool kept;
+        bool substituted;
+        std::vector<std::string> unknown;
+    };
+    const Case cases[] = {
+        {"known", {BaseEntry()}, 1, true, false, {}},
+        {"unknown without parent", {BaseEntry(), {.id = 2, .name = "Gone"}}, 2, false, false, {"Gone"}},
+        {"unknown with a known parent", {BaseEntry(), gone}, 2, true, true, {"Gone"}},
+        {"unknown with a known grandparent",
+         {BaseEntry(), gone, {.id = 3, .name = "Further", .parents = {2}}},
+         3,
+         true,
+         true,
+         {"Further"}},
+        {"an abstract parent drops, a known grandparent does not help",
+         {BaseEntry(),
+          {.id = 2, .name = "Gone", .abstract = true, .parents = {1}},
+          {.id = 3, .name = "Further", .parents = {2}}},
+         3,
+         false,
+         false,
+         {"Further"}},
+        {"an abstract class of the file that the application knows",
+         {[] {
+              auto entry = BaseEntry();
+              entry.abstract = true;
+              return entry;
+          }(),
+          gone},
+         2,
+         false,
+         false,
+         {"Gone"}},
+        {"an abstract class of its own counts only as a parent",
+         {BaseEntry(), {.id = 2, .name = "Gone", .abstract = true, .parents = {1}}},
+         2,
+         true,
+         true,
+         {"Gone"}},
+        {"the second parent is not climbed",
+         {BaseEntry(), {.id = 2, .name = "Other"}, {.id = 3, .name = "Gone", .parents = {2, 1}}},
+         3,
+         false,
+         false,
+         {"Gone"}},
+        {"an ancestor that cannot stand for others",
+         {BaseEntry(),
+          {.id = 2, .name = "Strict", .parents = {1}},
+          {.id = 3, .name = "Gone", .parents = {2}}},
+         3,
+         false,
+         false,
+         {"Gone"}},
+        {"which stands for itself",
+         {BaseEntry(), {.id = 2, .name = "Strict", .parents = {1}}},
+         2,
+         true,
+         false,
+         {}},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        TZoMetaData schema;
+        Base::Register(&schema);
+        Strict::Register(&schema);
+        Opened opened(FileOf(tested.classes, {{1, tested.classId, BasePart(7).Int(8).Int(9)},
+                                              {2, tested.classId, BasePart(7).Int(8).Int(9)}}),
+                      schema);
+        EXPECT_EQ(opened.Unknown(), tested.unknown);
+        ASSERT_EQ(opened.Count(), tested.kept ? 2U : 0U);
+        if (!tested.kept) continue;
+        EXPECT_EQ(opened.Root<Base>().number, 7);
+        EXPECT_EQ(opened.Root<Base>().stands, tested.substituted);
+    }
+}
+
+TEST(Versions, OfAnUnknownClassTheSecondParentsFieldsAreLeftOut) {
+    TZoMetaData schema;
+    Base::Register(&schema);
+    const ClassEntry other{.id = 2, .name = "Other", .values = {{0, -1, "number"}}};
+    const ClassEntry both{.id = 3, .name = "Both", .parents = {1, 2}};
+    Opened opened(FileOf({BaseEntry(), other, both}, {{1, 3, BasePart(7).Int(8)}}), schema);
+    EXPECT_EQ(opened.Root<Base>().number, 7);
+}
+
+TEST(Versions, DroppedTargetsLeaveNullsAndShorterLists) {
+    TZoMetaData schema;
+    Base::Register(&schema);
+    ZoInteger::Register(&schema);
+    const ClassEntry integer{.id = 3, .name = "ZoInteger", .values = {{0, -1, "value"}}};
+    Payload root;
+    root.Ints({3, 4, 4, 4}).Ints({3, 2, 3, 0}); // map: the second pair's object and the first's are tested
+    root.Int(1).Int(2).Ints({4, 2, 3, 0, 2}).Int(2).Ints({2, 2, 3});
+    Opened opened(FileOf({BaseEntry(), {.id = 2, .name = "Gone"}, integer},
+                         {{1, 1, root}, {2, 2, "anything"}, {3, 1, BasePart(3)}, {4, 3, Payload().Int(40)}}),
+                  schema);
+    auto& read = opened.Root<Base>();
+    auto* three = &opened.At<Base>(3);
+    EXPECT_EQ(read.child.get(), nullptr);
+    EXPECT_EQ(read.reference, nullptr);
+    ASSERT_EQ(read.children.NItems(), 2U);
+    EXPECT_EQ(read.children[1].get(), three);
+    EXPECT_EQ(read.children[2].get(), nullptr);
+    ASSERT_EQ(read.references.NItems(), 1U);
+    EXPECT_EQ(read.references[1], three);
+    ASSERT_EQ(read.map.NItems(), 2U);
+    EXPECT_EQ(read.map.ValueAt(1).get(), three);
+    EXPECT_EQ(read.map.ValueAt(2).get(), nullptr);
+}
+
+// Parents that changed
+
+namespace {
+
+/// Levels of an application: what they hold is told by what their objects read.
+class Upper : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Upper)
+    DECLARE_ZO_FIELD(int, moved)
+    DECLARE_ZO_FIELD(int, upper)
+    DECLARE_ZO_FIELD_REFERENCE(Upper, link)
+    REGISTER_ZO_END
+    void HandleExcludedField(TZoClassField* field, TBinInStream*) override {
+        excluded.push_back(Text(field->GetFieldName()));
+    }
+    std::vector<std::string> excluded;
+};
+class Lower : public Upper {
+    REGISTER_ZO_BEGIN(Lower, Upper)
+    DECLARE_ZO_FIELD(int, lower)
+    REGISTER_ZO_END
+};
+/// Shares nothing with the others; its fields lie beyond a `Lower`.
+class Stranger : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Stranger)
+    DECLARE_ZO_FIELD_LIST(double, doubles)
+    DECLARE_ZO_FIELD(ZoString, text)
+    DECLARE_ZO_FIELD_CHILD(Lower, child)
+    DECLARE_ZO_FIELD_CHILD_VALUE(Lower, member)
+    DECLARE_ZO_FIELD_CHILD_LIST(Lower, children)
+    DECLARE_ZO_FIELD_CHILD_MAP(Lower, Lower, map)
+    DECLARE_ZO_FIELD(int, upper)
+    REGISTER_ZO_END
+};
+
+void RegisterLevels(TZoMetaData& schema) {
+    Upper::Register(&schema);
+    Lower::Register(&schema);
+    Stranger::Register(&schema);
+}
+
+const ClassEntry STRANGER{.id = 3,
+                          .name = "Stranger",
+                          .maps = {{2, -19, "map"}},
+                          .values = {{0, -13, "doubles"}, {0, -4, "text"}, {0, -1, "upper"}},
+                          .children = {{2, -6, "child"}, {2, -18, "member"}},
+                          .childLists = {{2, -7, "children"}}};
+Payload StrangerPart(int uid) {
+    return Payload()
+        .Ints({1, uid, 1, uid})
+        .Int(1)
+        .Double(0.5)
+        .Text("strange")
+        .Int(99)
+        .Ints({uid, uid, 1, uid});
+}
+
+} // namespace
+
+TEST(Versions, FieldsThatMovedUpAreFoundAndThoseThatMovedDownAreOffered) {
+    TZoMetaData schema;
+    RegisterLevels(schema);
+    struct Case {
+        const char* name;
+        ClassEntry upper;
+        ClassEntry lower;
+        int moved;
+        int lowerValue;
+        std::vector<std::string> excluded;
+    };
+    const Case cases[] = {
+        {"up: the file has it below",
+         {.id = 1, .name = "Upper", .values = {{0, -1, "upper"}}},
+         {.id = 2, .name = "Lower", .parents = {1}, .values = {{0, -1, "moved"}, {0, -1, "lower"}}},
+         2,
+         3,
+         {}},
+        {"down: the file has it above",
+         {.id = 1, .name = "Upper", .values = {{0, -1, "upper"}, {0, -1, "lower"}}},
+         {.id = 2, .name = "Lower", .parents = {1}, .values = {{0, -1, "moved"}}},
+         3,
+         0,
+         {"lower"}},
+        {"on both levels: the lower one has the last word",
+         {.id = 1, .name = "Upper", .values = {{0, -1, "upper"}, {0, -1, "moved"}}},
+         {.id = 2, .name = "Lower", .parents = {1}, .values = {{0, -1, "moved"}}},
+         3,
+         0,
+         {}},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        Opened opened(FileOf({tested.upper, tested.lower}, {{1, 2, Payload().Ints({1, 2, 3})}}), schema);
+        auto& read = opened.Root<Lower>();
+        EXPECT_EQ(read.upper, 1);
+        EXPECT_EQ(read.moved, tested.moved);
+        EXPECT_EQ(read.lower, tested.lowerValue);
+        EXPECT_EQ(read.excluded, tested.excluded);
+    }
+}
+
+TEST(Versions, ALevelThatTheApplicationsClassDoesNotHaveIsPassedOver) {
+    TZoMetaData schema;
+    RegisterLevels(schema);
+    const ClassEntry upper{
+        .id = 1, .name = "Upper", .values = {{0, -1, "upper"}}, .references = {{1, -8, "link"}}};
+    const Payload upperPart = Payload().Ints({5, 1});
+    struct Case {
+        const char* name;
+        std::vector<int> parents;
+        Payload record;
+        int upper;
+        bool linked;
+    };
+    const Case cases[] = {
+        {"its own parent", {1}, Payload().Add(upperPart), 5, true},
+        {"no parent at all", {}, {}, 0, false},
+        {"a stranger alone", {3}, StrangerPart(1), 0, false},
+        {"a stranger first", {3, 1}, StrangerPart(1).Add(upperPart), 5, true},
+        {"a stranger behind", {1, 3}, Payload(upperPart).Add(StrangerPart(2)), 5, true},
+        {"a class that the application lacks", {4, 1}, Payload().Int(6).Add(upperPart), 5, true},
+        {"its own parent, twice", {1, 1}, Payload().Ints({4, 0}).Add(upperPart), 5, true},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        const ClassEntry lower{
+            .id = 2, .name = "Lower", .parents = tested.parents, .values = {{0, -1, "lower"}}};
+        const ClassEntry unknown{.id = 4, .name = "Unknown", .values = {{0, -1, "upper"}}};
+        Opened opened(FileOf({upper, lower, STRANGER, unknown},
+                             {{1, 2, Payload(tested.record).Int(7)}, {2, 2, Payload(tested.record).Int(8)}}),
+                      schema);
+        ASSERT_EQ(opened.Count(), 2U);
+        auto& read = opened.Root<Lower>();
+        EXPECT_EQ(read.upper, tested.upper);
+        EXPECT_EQ(read.lower, 7);
+        EXPECT_EQ(read.link, tested.linked ? &read : nullptr);
+        EXPECT_EQ(opened.At<Lower>(2).lower, 8);
+    }
+}
+
+TEST(Versions, AnUnknownClassOfStrangersReadsAsItsFirstParent) {
+    TZoMetaData schema;
+    RegisterLevels(schema);
+    const ClassEntry upper{.id = 1, .name = "Upper", .parents = {3}, .values = {{0, -1, "upper"}}};
+    const ClassEntry lower{.id = 2, .name = "Lower"};
+    const ClassEntry gone{.id = 4, .name = "Gone", .parents = {1, 3}};
+    Opened opened(
+        FileOf({STRANGER, upper, lower, gone}, {{1, 4, StrangerPart(1).Int(5).Add(StrangerPart(1))}}),
+        schema);
+    EXPECT_EQ(opened.Root<Upper>().upper, 5);
+    EXPECT_EQ(opened.Root<Upper>().excluded.size(), 7U) << "the stranger's, one of them of a name of its own";
+}
+
+TEST(Versions, ParentsThatSwappedPlacesReadRightly) {
+    TZoMetaData schema;
+    RegisterLevels(schema);
+    // The file's `Upper` derives from `Lower`; the application's the other way round.
+    const ClassEntry lower{.id = 2, .name = "Lower", .values = {{0, -1, "lower"}, {0, -1, "upper"}}};
+    const ClassEntry upper{.id = 1, .name = "Upper", .parents = {2}, .values = {{0, -1, "moved"}}};
+    Opened opened(FileOf({lower, upper}, {{1, 1, Payload().Ints({1, 2, 3})}, {2, 2, Payload().Ints({4, 5})}}),
+                  schema);
+    EXPECT_EQ(opened.Root<Upper>().moved, 3);
+    EXPECT_EQ(opened.Root<Upper>().upper, 0) << "a `Lower` level does not belong to an `Upper`";
+    EXPECT_EQ(opened.At<Lower>(2).upper, 5);
+    EXPECT_EQ(opened.At<Lower>(2).lower, 4);
+}
+
+TEST(Versions, AClassThatIsAbstractNowIsDropped) {
+    TZoMetaData schema;
+    schema.AddClass(new TZoClass(&schema, nullptr, "Shape", nullptr, true, nullptr));
+    Opened opened(FileOf({{.id = 1, .name = "Shape", .values = {{0, -1, "n"}}}}, {{1, 1, Payload().Int(1)}}),
+                  schema);
+    EXPECT_EQ(opened.Count(), 0U);
+    EXPECT_TRUE(opened.Unknown().empty());
+}

@@ -1,0 +1,817 @@
+#include "support/Assertions.h"
+#include "support/EveryKind.h"
+
+#include "ZoPrimitives/ZoStreamablePrimitives.h"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+/// A graph's object: every way to own and to refer, on several levels.
+class Thing : public virtual ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Thing)
+    DECLARE_ZO_FIELD(int, number)
+    DECLARE_ZO_FIELD_CHILD(Thing, child)
+    DECLARE_ZO_FIELD_CHILD_LIST(Thing, children)
+    DECLARE_ZO_FIELD_REFERENCE(Thing, reference)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Thing, external)
+    REGISTER_ZO_END
+    void WillWrite() override { ++willWrite; }
+    int willWrite = 0;
+};
+
+class Mapped : public virtual Thing {
+    REGISTER_ZO_BEGIN(Mapped, Thing)
+    DECLARE_ZO_FIELD_CHILD(Thing, second)
+    DECLARE_ZO_FIELD_CHILD_MAP(Thing, Thing, map)
+    REGISTER_ZO_END
+};
+
+class Listed : public virtual Thing {
+    REGISTER_ZO_BEGIN(Listed, Thing)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(Thing, references)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Thing, externals)
+    DECLARE_ZO_FIELD_CHILD_LIST(Thing, more)
+    REGISTER_ZO_END
+};
+
+class Both : public Mapped, public Listed {
+    REGISTER_ZO_BEGIN(Both, Listed, Mapped)
+    DECLARE_ZO_FIELD_CHILD(Thing, last)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Thing, lastExternal)
+    DECLARE_ZO_FIELD(double, weight)
+    REGISTER_ZO_END
+};
+
+void RegisterThings(TZoMetaData& schema) {
+    Thing::Register(&schema);
+    Mapped::Register(&schema);
+    Listed::Register(&schema);
+    Both::Register(&schema);
+}
+
+/// What a file holds, worked out by plain recursion over the members themselves.
+class PlainWriter {
+public:
+    explicit PlainWriter(Thing* root) {
+        GiveUids(root);
+        for (std::size_t i = 0; i < externals.size(); ++i) GiveUids(externals[i]);
+        Write(root);
+        for (Thing* external : externals) Write(external);
+    }
+    std::vector<Row> rows;
+    std::map<Thing*, int> uids;
+
+private:
+    template <class Action>
+    static void ForEachLevel(Thing* object, Action action) {
+        auto* mapped = dynamic_cast<Mapped*>(object);
+        auto* listed = dynamic_cast<Listed*>(object);
+        if (listed != nullptr) action(object), action(listed);
+        if (mapped != nullptr) action(object), action(mapped);
+        if (mapped != nullptr && listed != nullptr) action(dynamic_cast<Both*>(object));
+        if (mapped == nullptr && listed == nullptr) action(object);
+    }
+    static std::vector<Thing*> Items(const TIVector<Thing, pointer<Thing>>& list) {
+        std::vector<Thing*> items;
+        for (const auto& item : list) items.push_back(item.get());
+        return items;
+    }
+    static std::vector<Thing*> Owned(Thing* level) {
+        std::vector<Thing*> owned = Items(level->children);
+        owned.insert(owned.begin(), level->child.get());
+        return owned;
+    }
+    static std::vector<Thing*> Owned(Mapped* level) {
+        std::vector<Thing*> owned;
+        for (unsigned i = 1; i <= level->map.NItems(); ++i) owned.push_back(level->map.KeyAt(i).get());
+        for (unsigned i = 1; i <= level->map.NItems(); ++i) owned.push_back(level->map.ValueAt(i).get());
+        owned.push_back(level->second.get());
+        return owned;
+    }
+    static std::vector<Thing*> Owned(Listed* level) { return Items(level->more); }
+    static std::vector<Thing*> Owned(Both* level) { return {level->last.get()}; }
+    static std::vector<Thing*> Externals(Thing* level) { return {level->external.get()}; }
+    static std::vector<Thing*> Externals(Mapped*) { return {}; }
+    static std::vector<Thing*> Externals(Listed* level) {
+        return {level->externals.begin(), level->externals.end()};
+    }
+    static std::vector<Thing*> Externals(Both* level) { return {level->lastExternal.get()}; }
+
+    void GiveUids(Thing* object) {
+        if (object == nullptr || uids.count(object) != 0) return;
+        const int uid = static_cast<int>(uids.size()) + 1;
+        uids[object] = uid;
+        ForEachLevel(object, [&](auto* level) {
+            for (Thing* child : Owned(level)) GiveUids(child);
+            for (Thing* external : Externals(level)) {
+                if (external != nullptr && known.insert(external).second) externals.push_back(external);
+            }
+        });
+    }
+    void Write(Thing* object) {
+        if (object == nullptr || !written.insert(object).second) return;
+        Payload record;
+        int classId = 1;
+        ForEachLevel(object, [&](auto* level) { Put(record, level); });
+        if (dynamic_cast<Mapped*>(object) != nullptr) classId = 2;
+        if (dynamic_cast<Listed*>(object) != nullptr) classId = classId == 2 ? 4 : 3;
+        rows.push_back({uids.at(object), classId, record});
+        ForEachLevel(object, [&](auto* level) {
+            for (Thing* child : Owned(level)) Write(child);
+        });
+    }
+    int Uid(Thing* object) { return object == nullptr ? 0 : uids.at(object); }
+    void PutList(Payload& record, const std::vector<Thing*>& items) {
+        record.Int(static_cast<long long>(items.size()));
+        for (Thing* item : items) record.Int(Uid(item));
+    }
+    void Put(Payload& record, Thing* level) {
+        record.Int(level->number).Int(Uid(level->child.get()));
+        PutList(record, Items(level->children));
+        record.Int(Uid(level->reference.get())).Int(Uid(level->external.get()));
+    }
+    void Put(Payload& record, Mapped* level) {
+        std::vector<Thing*> halves = Owned(level);
+        halves.pop_back();
+        const auto middle = halves.begin() + static_cast<std::ptrdiff_t>(halves.size() / 2);
+        PutList(record, {halves.begin(), middle});
+        PutList(record, {middle, halves.end()});
+        record.Int(Uid(level->second.get()));
+    }
+    void Put(Payload& record, Listed* level) {
+        PutList(record, Items(level->more));
+        PutList(record, {level->references.begin(), level->references.end()});
+        PutList(record, Externals(level));
+    }
+    void Put(Payload& record, Both* level) {
+        record.Double(level->weight).Int(Uid(level->last.get())).Int(Uid(level->lastExternal.get()));
+    }
+
+    std::set<Thing*> known;
+    std::set<Thing*> written;
+    std::vector<Thing*> externals;
+};
+
+/// Objects of all four classes that own, share and refer to each other at random, in circles too.
+class RandomGraph {
+public:
+    explicit RandomGraph(unsigned seed) : random(seed) {
+        const std::size_t count = 1 + random() % 60;
+        for (std::size_t i = 0; i < count; ++i) {
+            Thing* made = nullptr;
+            switch (random() % 4) {
+            case 0:
+                made = new Thing;
+                break;
+            case 1:
+                made = new Mapped;
+                break;
+            case 2:
+                made = new Listed;
+                break;
+            default:
+                made = new Both;
+            }
+            made->number = static_cast<int>(i);
+            things.emplace_back(made);
+        }
+        for (const auto& thing : things) Fill(thing.get());
+        // Plain references lead to what the file holds anyway.
+        const PlainWriter reached(Root());
+        for (const auto& [thing, uid] : reached.uids) {
+            auto target =
+                std::next(reached.uids.begin(), static_cast<std::ptrdiff_t>(random() % reached.uids.size()));
+            if (random() % 2 == 0) thing->reference = target->first;
+            if (auto* listed = dynamic_cast<Listed*>(thing)) {
+                listed->references.Add(target->first);
+                listed->references.Add(nullptr);
+            }
+        }
+    }
+    ~RandomGraph() {
+        for (const auto& thing : things) {
+            thing->child = nullptr;
+            thing->children.RemoveAll();
+            if (auto* mapped = dynamic_cast<Mapped*>(thing.get()))
+                mapped->second = nullptr, mapped->map.RemoveAll();
+            if (auto* listed = dynamic_cast<Listed*>(thing.get())) listed->more.RemoveAll();
+            if (auto* both = dynamic_cast<Both*>(thing.get())) both->last = nullptr;
+        }
+    }
+    RandomGraph(const RandomGraph&) = delete;
+    RandomGraph& operator=(const RandomGraph&) = delete;
+    Thing* Root() { return things[0].get(); }
+
+private:
+    Thing* Any() {
+        const std::size_t pick = random() % (things.size() * 2);
+        return pick < things.size() ? things[pick].get() : nullptr;
+    }
+    void Fill(Thing* thing) {
+        thing->child = Any();
+        for (std::size_t i = random() % 3; i > 0; --i) thing->children.Add(Any());
+        if (random() % 4 == 0) thing->external = Any();
+        if (auto* mapped = dynamic_cast<Mapped*>(thing)) {
+            mapped->second = Any();
+            for (std::size_t i = random() % 3; i > 0; --i) mapped->map.Append(Any(), Any());
+        }
+        if (auto* listed = dynamic_cast<Listed*>(thing)) {
+            for (std::size_t i = random() % 3; i > 0; --i) listed->more.Add(Any());
+            if (random() % 3 == 0) listed->externals.Add(Any());
+        }
+        if (auto* both = dynamic_cast<Both*>(thing)) {
+            both->last = Any();
+            if (random() % 3 == 0) both->lastExternal = Any();
+            both->weight = thing->number * 0.5;
+        }
+    }
+
+    std::mt19937 random;
+    std::vector<pointer<Thing>> things;
+};
+
+std::vector<Row> ObjectRows(const std::string& file) {
+    std::vector<Row> rows = RowsOf(file);
+    rows.erase(rows.begin());
+    return rows;
+}
+
+} // namespace
+
+TEST(Writer, OrdersUidsAndRecordsAsPlainRecursionDoes) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        RandomGraph graph(seed);
+        const PlainWriter expected(graph.Root());
+        const std::string file = Save(schema, graph.Root());
+        ASSERT_EQ(ObjectRows(file), expected.rows) << "seed " << seed;
+        Opened opened(file, schema);
+        ASSERT_TRUE(Save(schema, opened.root) == file) << "seed " << seed;
+    }
+}
+
+TEST(Writer, WritesEveryKind) {
+    TZoMetaData schema;
+    app::RegisterEveryKind(schema);
+    app::Leaf outside(99);
+    app::EveryKind written;
+    written.Fill(outside);
+    EXPECT_EQ(
+        Save(schema, &written),
+        FileOf(app::EveryKindEntries(), app::EveryKindRows()).replace(12, 4, std::string(Payload().Int(9))));
+}
+
+TEST(Writer, CallsWillWriteOnceForEveryLevel) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    struct Case {
+        const char* name;
+        std::shared_ptr<Thing> thing;
+        int calls;
+    };
+    for (const Case& tested :
+         {Case{"one level", std::make_shared<Thing>(), 1}, Case{"a parent", std::make_shared<Mapped>(), 2},
+          Case{"two parents with one of their own", std::make_shared<Both>(), 5}}) {
+        Save(schema, tested.thing.get());
+        EXPECT_EQ(tested.thing->willWrite, tested.calls) << tested.name;
+    }
+}
+
+TEST(Writer, SeesWhatWillWriteChanges) {
+    class Late : public Thing {
+    public:
+        void WillWrite() override { number = 77; }
+        TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Thing"); }
+    };
+    TZoMetaData schema;
+    RegisterThings(schema);
+    TZoMetaData::WritingGenericFile(true);
+    Late late;
+    Opened opened(Save(schema, &late), schema);
+    TZoMetaData::WritingGenericFile(false);
+    EXPECT_EQ(opened.Root<Thing>().number, 77);
+}
+
+// Externals
+
+TEST(Writer, WritesExternalsBehindTheGraphAndWhatHangsFromThem) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    Thing root;
+    Thing outer;
+    Thing outermost;
+    root.number = 1;
+    root.child = new Thing;
+    root.child->number = 2;
+    root.child->external = &outer;
+    root.external = root.child.get(); // owned after all: written once, in its place
+    outer.number = 3;
+    outer.child = new Thing;
+    outer.child->number = 4;
+    outer.child->external = &outermost;
+    outer.child->reference = &root;
+    outermost.number = 5;
+    outermost.external = &outer; // back again
+    Opened opened(Save(schema, &root), schema);
+    ASSERT_EQ(opened.Count(), 5U);
+    for (int uid = 1; uid <= 5; ++uid) EXPECT_EQ(opened.At<Thing>(uid).number, uid);
+    EXPECT_EQ(opened.At<Thing>(4).reference, &opened.Root<Thing>());
+    EXPECT_EQ(opened.At<Thing>(1).external, &opened.At<Thing>(2));
+}
+
+TEST(Writer, SharedChildrenGetOneRecord) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    Thing root;
+    root.child = new Thing;
+    root.children.Add(root.child.get());
+    root.children.Add(nullptr);
+    root.children.Add(root.child.get());
+    const auto rows = ObjectRows(Save(schema, &root));
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].payload, std::string(Payload().Ints({0, 2, 3, 2, 0, 2, 0, 0})));
+}
+
+// Failures
+
+namespace {
+
+class Forgotten : public Thing {};
+
+class Unknown : public Thing {
+    REGISTER_ZO_BEGIN(Unknown, Thing)
+    REGISTER_ZO_END
+};
+
+/// Writes and tells the assertion's message, expression and place.
+std::string AssertionIn(TZoMetaData& schema, ZoStreamableBase& root) {
+    struct Recorder : IAssertFunctor {
+        explicit Recorder(std::string& last) : text(last) {}
+        void operator()(const char* expression, const char* message, const char* file, int) override {
+            text = std::string(message) + " | " + expression + " | " + file;
+        }
+        std::string& text;
+    };
+    std::string text;
+    SetAssertionFunctor(new Recorder(text));
+    EXPECT_THROW(Save(schema, &root), XZoAssert);
+    SetAssertionFunctor(nullptr);
+    return text;
+}
+
+} // namespace
+
+TEST(WriterFailure, ClassesThatAreNotRegisteredAreNamed) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    const std::string unregistered =
+        "[zoerror] class 'class (anonymous namespace)::Unknown' not register or not streamable. See "
+        "'class::Register' or 'class : public ZoStreamableBase' | "
+        "instance_pointer->GetOriginalClass(parentMetaData) | cpp/Persistence/ZoMetaData";
+    const std::string forgotten =
+        "[zoerror] invalid class (class (anonymous namespace)::Forgotten - Thing). See REGISTER_ZO_BEGIN. | "
+        "(instance_pointer->GetOriginalClass(streamer->GetMetaData())->GetName() == instanceClassName) | "
+        "cpp/Persistence/ZoMetaData";
+    struct Case {
+        const char* name;
+        void (*attach)(Both& root, Thing* target);
+    };
+    const Case cases[] = {
+        {"child", [](Both& root, Thing* target) { root.child = target; }},
+        {"item of a list", [](Both& root, Thing* target) { root.more.Add(target); }},
+        {"key of a map", [](Both& root, Thing* target) { root.map.Append(target, nullptr); }},
+        {"value of a map", [](Both& root, Thing* target) { root.map.Append(nullptr, target); }},
+        {"external", [](Both& root, Thing* target) { root.external = target; }},
+        {"external of a list", [](Both& root, Thing* target) { root.externals.Add(target); }},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        const pointer<Thing> unknown(new Unknown);
+        const pointer<Thing> subclass(new Forgotten);
+        Both first;
+        tested.attach(first, unknown.get());
+        EXPECT_EQ(AssertionIn(schema, first), unregistered);
+        Both second;
+        tested.attach(second, subclass.get());
+        EXPECT_EQ(AssertionIn(schema, second), forgotten);
+        TZoMetaData::WritingGenericFile(true);
+        EXPECT_EQ(ObjectRows(Save(schema, &second))[1].classId, 1) << "as its registered class";
+        TZoMetaData::WritingGenericFile(false);
+    }
+    Forgotten root;
+    EXPECT_EQ(AssertionIn(schema, root), forgotten) << "roots are no exception";
+    Unknown other;
+    EXPECT_EQ(AssertionIn(schema, other), unregistered);
+}
+
+TEST(WriterFailure, DanglingReferencesAreNamed) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    Listed root;
+    Thing outside;
+    root.reference = &outside;
+    EXPECT_EQ(FailureOf([&] { Save(schema, &root); }),
+              Text(ZoString::FormatString(
+                  "[zoerror] child reference 'reference' (%p) in class 'class (anonymous namespace)::Listed' "
+                  "(%p) not "
+                  "found. See DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD. @ "
+                  "TZoClassFieldPointer::SavePointer",
+                  static_cast<const void*>(static_cast<ZoStreamableBase*>(&outside)),
+                  static_cast<const void*>(static_cast<ZoStreamableBase*>(&root)))));
+    root.reference = nullptr;
+    root.references.Add(nullptr);
+    root.references.Add(&outside);
+    const std::string failure = FailureOf([&] { Save(schema, &root); });
+    const std::string begin = Text(ZoString::FormatString(
+        "[zoerror] child reference <class (anonymous namespace)::Thing> (%p) not found in ",
+        static_cast<const void*>(static_cast<ZoStreamableBase*>(&outside))));
+    const std::string end = ". See DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD. @ "
+                            "SavePointerFunc::operator()";
+    EXPECT_EQ(failure.substr(0, begin.size()), begin);
+    EXPECT_EQ(failure.substr(failure.size() - end.size()), end);
+    root.externals.Add(&outside); // written, so no longer dangling
+    EXPECT_EQ(FailureOf([&] { Save(schema, &root); }), "");
+}
+
+TEST(WriterFailure, FreesTheStreamAndForgetsTheUids) {
+    class Watched : public TMemoryBinOutStream {
+    public:
+        void FreeResourses() override {
+            ++freed;
+            TMemoryBinOutStream::FreeResourses();
+        }
+        int freed = 0;
+    };
+    class Failing : public TBinOutStreamer {
+    public:
+        using TBinOutStreamer::TBinOutStreamer;
+        void OnAfterSaveInstance(ZoStreamableBase* object) override {
+            EXPECT_TRUE(InstanceIsAlreadySaved(object));
+            if (dynamic_cast<Thing&>(*object).number == failAt) throw std::runtime_error("hook");
+        }
+        int failAt = -1;
+    };
+    TZoMetaData schema;
+    RegisterThings(schema);
+    Thing root;
+    root.child = new Thing;
+    root.child->number = 2;
+    Watched stream;
+    stream.Initialize();
+    Failing streamer(&stream, &schema);
+    streamer.WriteObjectMetaData(&root);
+    streamer.failAt = 2;
+    EXPECT_THROW(streamer.WriteObject(&root), std::runtime_error);
+    EXPECT_EQ(stream.freed, 1);
+    EXPECT_EQ(stream.GetHandle(&root), 0);
+    EXPECT_EQ(stream.GetHandle(root.child.get()), 0);
+    EXPECT_FALSE(streamer.InstanceIsAlreadySaved(&root));
+    // The same stream serves again, from uid 1.
+    streamer.failAt = -1;
+    stream.Initialize();
+    streamer.WriteObjectMetaData(&root);
+    streamer.WriteObject(&root);
+    EXPECT_EQ(stream.freed, 1);
+    EXPECT_EQ(stream.GetHandle(&root), 0);
+    EXPECT_EQ(ObjectRows(BytesOf(stream)).front().uid, 1);
+}
+
+TEST(WriterFailure, CountsOfListsAreBounded) {
+    // Lists that claim one item more than a file can hold, and give none.
+    constexpr unsigned long long TOO_MANY = 16'777'216;
+    struct Case {
+        const char* name;
+        void (*declare)(TZoClass& on);
+        const char* expression;
+    };
+    static constexpr TZoItemCount claim = [](ZoStreamableBase*, TZoClassField*) { return TOO_MANY; };
+    const char* tooMany = "portableNItems <= MAX_INT_SIZE";
+    const Case cases[] = {
+        {"ints",
+         [](TZoClass& on) {
+             on.AddFieldListInt("f", {nullptr, nullptr, claim});
+         },
+         tooMany},
+        {"strings",
+         [](TZoClass& on) {
+             on.AddFieldListString("f", {nullptr, nullptr, claim});
+         },
+         tooMany},
+        {"children",
+         [](TZoClass& on) {
+             on.AddFieldChildPointerList("f", nullptr, {.nItems = claim, .iterateOver = [](auto...) {}});
+         },
+         tooMany},
+        {"references",
+         [](TZoClass& on) {
+             on.AddFieldPointerList("f", nullptr, {.nItems = claim, .iterateOver = [](auto...) {}});
+         },
+         tooMany},
+        {"a count that its walk does not keep",
+         [](TZoClass& on) {
+             on.AddFieldPointerList("f", nullptr,
+                                    {.nItems = [](auto...) { return 1ULL; }, .iterateOver = [](auto...) {}});
+         },
+         "save.Count() == count && \"[zoerror] the list gave another number of items\""},
+    };
+    class Plain : public ZoObjectStreamable {
+    public:
+        TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Plain"); }
+        ZoString StreamableClassName() const override { return "class Plain"; }
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        TZoMetaData schema;
+        auto* made = new TZoClass(&schema, nullptr, "Plain", nullptr, false, nullptr);
+        tested.declare(*made);
+        schema.AddClass(made);
+        Plain object;
+        const FailedAssertion failed = AssertionOf([&] { Save(schema, &object); });
+        EXPECT_EQ(failed.expression, tested.expression);
+        EXPECT_EQ(failed.source, "cpp/Persistence/ZoMetaData");
+    }
+}
+
+// The schema of a file
+
+namespace {
+
+std::vector<std::string> ClassesIn(const std::string& file) {
+    TMemoryBinInStream stream(file.data(), file.size(), 0);
+    stream.Initialize();
+    int uid = 0;
+    int classId = 0;
+    stream.LoadRecord(&uid, &classId);
+    TZoMetaData read;
+    EXPECT_TRUE(read.LoadFromStream(&stream, nullptr));
+    std::vector<std::string> classes;
+    for (int i = 1; i <= read.GetClassCount(); ++i) {
+        classes.push_back(Text(read.GetClass(i)->GetName()) + " " +
+                          std::to_string(read.GetClass(i)->GetClassId()));
+    }
+    return classes;
+}
+
+class Wheel : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Wheel)
+    DECLARE_ZO_FIELD(int, spokes)
+    REGISTER_ZO_END
+};
+class Vehicle : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Vehicle)
+    DECLARE_ZO_FIELD_CHILD_LIST(Wheel, wheels)
+    REGISTER_ZO_END
+};
+class Engine : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Engine)
+    DECLARE_ZO_FIELD_REFERENCE(Vehicle, vehicle)
+    REGISTER_ZO_END
+};
+class Turbine : public Engine {
+    REGISTER_ZO_BEGIN(Turbine, Engine)
+    REGISTER_ZO_END
+};
+class Garage : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Garage)
+    DECLARE_ZO_FIELD_CHILD(Engine, engine)
+    DECLARE_ZO_FIELD_CHILD_MAP(Wheel, ZoDouble, prices)
+    DECLARE_ZO_FIELD_CHILD(ZoObjectStreamable, anything)
+    DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(ZoObjectStreamable, elsewhere)
+    REGISTER_ZO_END
+};
+
+} // namespace
+
+TEST(FileSchema, HoldsTheClassesThatTheGraphNeeds) {
+    TZoMetaData schema;
+    ZoInteger::Register(&schema); // 1: never needed
+    ZoDouble::Register(&schema);
+    Wheel::Register(&schema);
+    Vehicle::Register(&schema); // 4
+    Engine::Register(&schema);
+    Turbine::Register(&schema);
+    Garage::Register(&schema);                                                                     // 7
+    schema.AddClass(new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr)); // 8
+    struct Case {
+        const char* name;
+        std::function<void(Garage&)> fill;
+        std::vector<std::string> classes;
+    };
+    const pointer<Turbine> turbine(new Turbine);
+    const Case cases[] = {
+        {"null: the declared classes and all that they declare, generic bases not",
+         [](Garage&) {},
+         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Garage 7"}},
+        {"an object brings its own class and its ancestors",
+         [](Garage& garage) { garage.engine = new Turbine; },
+         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Turbine 6", "Garage 7"}},
+        {"behind a generic base too",
+         [](Garage& garage) { garage.anything = new Turbine; },
+         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Turbine 6", "Garage 7"}},
+        {"and as an external instance",
+         [&](Garage& garage) { garage.elsewhere = turbine.get(); },
+         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Turbine 6", "Garage 7"}},
+        {"keys of maps",
+         [](Garage& garage) { garage.prices.Append(new Wheel, nullptr); },
+         {"Wheel 3", "Vehicle 4", "Engine 5", "Garage 7"}},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        Garage garage;
+        tested.fill(garage);
+        const std::string file = Save(schema, &garage);
+        EXPECT_EQ(ClassesIn(file), tested.classes);
+        TDVector<ZoString> names;
+        garage.GetOriginalClass(&schema)->GetClassMetaData(&schema, &garage, &names);
+        EXPECT_EQ(names.NItems(), tested.classes.size());
+        Opened opened(file, schema);
+        EXPECT_EQ(Save(schema, opened.root), file);
+    }
+}
+
+TEST(FileSchema, CoversSeveralRootsOrTheWholeApplication) {
+    TZoMetaData schema;
+    ZoRegisterPrimitives(&schema);
+    ZoInteger first(1);
+    ZoFloat second(2);
+    TDList<ZoStreamableBase*> roots;
+    roots.Add(&first);
+    roots.Add(nullptr);
+    roots.Add(&second);
+    roots.Add(&first);
+    TMemoryBinOutStream stream;
+    stream.Initialize();
+    TBinOutStreamer streamer(&stream, &schema);
+    streamer.WriteObjectsMetaData(&roots);
+    streamer.WriteObjects(&roots);
+    EXPECT_EQ(ClassesIn(BytesOf(stream)), (std::vector<std::string>{"ZoInteger 2", "ZoFloat 4"}));
+    Opened opened(BytesOf(stream), schema);
+    ASSERT_EQ(opened.Count(), 2U);
+    EXPECT_EQ(opened.Root<ZoInteger>().value, 1);
+    EXPECT_EQ(opened.At<ZoFloat>(2).value, 2.0F);
+
+    stream.Initialize();
+    streamer.WriteMetaData();
+    EXPECT_EQ(ClassesIn(BytesOf(stream)).size(), 7U);
+    stream.Initialize();
+    streamer.WriteObjectMetaData(nullptr);
+    EXPECT_TRUE(ClassesIn(BytesOf(stream)).empty());
+}
+
+// Wrappers
+
+TEST(Primitives, AreWrittenAsTheirOneField) {
+    TZoMetaData schema;
+    ZoRegisterPrimitives(&schema);
+    struct Case {
+        std::shared_ptr<ZoStreamableBase> object;
+        ClassEntry entry;
+        Payload payload;
+    };
+    const Case cases[] = {
+        {std::make_shared<ZoBoolean>(true),
+         {.id = 1, .name = "ZoBoolean", .values = {{0, -10, "value"}}},
+         Payload().Bool(true)},
+        {std::make_shared<ZoInteger>(-5),
+         {.id = 2, .name = "ZoInteger", .values = {{0, -1, "value"}}},
+         Payload().Int(-5)},
+        {std::make_shared<ZoUnsigned>(0xFFFFFFFFU),
+         {.id = 3, .name = "ZoUnsigned", .values = {{0, -17, "value"}}},
+         Payload().Int(0xFFFFFFFFLL)},
+        {std::make_shared<ZoFloat>(1.5F),
+         {.id = 4, .name = "ZoFloat", .values = {{0, -2, "value"}}},
+         Payload().Float(1.5F)},
+        {std::make_shared<ZoDouble>(-2.5),
+         {.id = 5, .name = "ZoDouble", .values = {{0, -3, "value"}}},
+         Payload().Double(-2.5)},
+        {std::make_shared<StreamableZoString>("abc"),
+         {.id = 6, .name = "StreamableZoString", .values = {{0, -4, "value"}}},
+         Payload().Text("abc")},
+        {std::make_shared<StreamableList>(),
+         {.id = 7, .name = "StreamableList", .childLists = {{0, -7, "list"}}},
+         Payload().Int(0)},
+    };
+    for (const Case& tested : cases) {
+        SCOPED_TRACE(tested.entry.name);
+        const std::vector<Row> expected{{0, 0, SchemaOf({tested.entry})},
+                                        {1, tested.entry.id, tested.payload}};
+        EXPECT_EQ(RowsOf(Save(schema, tested.object.get())), expected);
+    }
+}
+
+TEST(Primitives, AFileOfOneDoubleByteByByte) {
+    TZoMetaData schema;
+    ZoDouble::Register(&schema);
+    ZoDouble value(1.0);
+    const unsigned char expected[] = {
+        0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+        // the schema
+        0xCA, 0xAB, 0xCA, 0xAB, 0x42, 0, 0, 0, 0x95, 0x3E, 0xF7, 0x71, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, //
+        1, 0, 0, 0,                                                        // one class
+        1, 0, 0, 0, 8, 0, 0, 0, 'Z', 'o', 'D', 'o', 'u', 'b', 'l', 'e', 0, // id, name, concrete
+        0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0,                                // no parents
+        1, 0, 0, 0, 0, 0, 0, 0, 0xFD, 0xFF, 0xFF, 0xFF, 5, 0, 0, 0, 'v', 'a', 'l', 'u', 'e', // one double
+        0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+        // the object
+        0xCA, 0xAB, 0xCA, 0xAB, 8, 0, 0, 0, 0xE9, 0x13, 0xF8, 0xC7, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, //
+        0, 0, 0, 0, 0, 0, 0xF0, 0x3F};
+    EXPECT_EQ(Save(schema, &value), std::string(reinterpret_cast<const char*>(expected), sizeof expected));
+}
+
+TEST(Primitives, AListWritesItsItemsBehindItself) {
+    TZoMetaData schema;
+    ZoRegisterPrimitives(&schema);
+    const std::unique_ptr<StreamableList> list(StreamableList::Create());
+    list->GetList().Add(new ZoInteger(10));
+    list->GetList().Add(new ZoBoolean(true));
+    list->GetList().Add(new StreamableZoString("x"));
+    const std::string file = Save(schema, list.get());
+    EXPECT_EQ(ObjectRows(file), (std::vector<Row>{{1, 7, Payload().Ints({3, 2, 3, 4})},
+                                                  {2, 2, Payload().Int(10)},
+                                                  {3, 1, Payload().Bool(true)},
+                                                  {4, 6, Payload().Text("x")}}));
+    Opened opened(file, schema);
+    EXPECT_EQ(dynamic_cast<StreamableZoString&>(*opened.Root<StreamableList>().list[3]).value, "x");
+}
+
+TEST(Primitives, AListOffersItsAccessors) {
+    StreamableList list;
+    const pointer<ZoInteger> one(new ZoInteger(1));
+    const pointer<ZoInteger> two(new ZoInteger(2));
+    StreamableList::Addlist(&list, nullptr, one.get());
+    StreamableList::Addlist(&list, nullptr, two.get());
+    EXPECT_EQ(StreamableList::NItemslist(&list, nullptr), 2U);
+    EXPECT_EQ(StreamableList::ElementAtlist(&list, nullptr, 2), two.get());
+    struct Counter : ZoStreamableBaseFunctor {
+        void operator()(ZoStreamableBase* item) override { items.push_back(item); }
+        std::vector<ZoStreamableBase*> items;
+    } counter;
+    StreamableList::IterateOverlist(&list, nullptr, counter);
+    EXPECT_EQ(counter.items, (std::vector<ZoStreamableBase*>{one.get(), two.get()}));
+    EXPECT_TRUE(StreamableList::Dellist(&list, nullptr, one.get()));
+    EXPECT_FALSE(StreamableList::Dellist(&list, nullptr, one.get()));
+    EXPECT_EQ(list.GetList()[1], two);
+    StreamableList::CreateList_list(&list, 5, 0, 0);
+    EXPECT_EQ(list.GetList().NItems(), 0U);
+}
+
+// Size
+
+TEST(Chain, OfAnyLengthIsSavedOpenedAndReleased) {
+#if defined(__SANITIZE_ADDRESS__)
+    constexpr int LENGTH = 200'000;
+#else
+    constexpr int LENGTH = 1'000'000;
+#endif
+    TZoMetaData schema;
+    RegisterThings(schema);
+    const pointer<Thing> head(new Thing);
+    Thing* last = head.get();
+    for (int i = 2; i <= LENGTH; ++i) {
+        last->child = new Thing;
+        last->child->number = i;
+        last = last->child.get();
+    }
+    last->reference = head.get();
+    TMemoryBinOutStream out;
+    out.Initialize();
+    TBinOutStreamer streamer(&out, &schema);
+    streamer.WriteObjectMetaData(head.get());
+    streamer.WriteObject(head.get());
+    TMemoryBinInStream in(out.GetData(), out.GetSize(), 0);
+    in.Initialize();
+    TBinInStreamer reader(&in, &schema);
+    const pointer<Thing> read(dynamic_cast<Thing*>(reader.ReadObjects()));
+    ASSERT_EQ(in.Objects().NItems(), static_cast<unsigned>(LENGTH));
+    int length = 1;
+    last = read.get();
+    for (; last->child.get() != nullptr; last = last->child.get()) ++length;
+    EXPECT_EQ(length, LENGTH);
+    EXPECT_EQ(last->number, LENGTH);
+    EXPECT_EQ(last->reference, read.get());
+}
+
+TEST(Chain, OfInvalidObjectsIsRemoved) {
+    constexpr int LENGTH = 100'000;
+    TZoMetaData schema;
+    RegisterThings(schema);
+    const pointer<Thing> head(new Thing);
+    Thing* last = head.get();
+    for (int i = 2; i <= LENGTH; ++i) {
+        last->child = new Thing;
+        last = last->child.get();
+    }
+    Opened opened(Save(schema, head.get()), schema);
+    TDList<ZoStreamableBase*> invalid;
+    invalid.Add(opened.Root<Thing>().child.get());
+    opened.streamer.RemoveInvalidObjects(&invalid);
+    EXPECT_EQ(opened.Count(), 1U);
+}

@@ -42,7 +42,7 @@ public:
     Made(const Made&) = delete;
     Made& operator=(const Made&) = delete;
     ~Made() {
-        EndHold();
+        if (hold.Noted()) EndHold();
         delete current;
         for (const ZoStreamableBase* object : consumed) delete object;
         if (!owned) return;
@@ -72,10 +72,9 @@ public:
     bool hasValues = false;
     bool mayBeInvalid = false; // some class answers GetIsValid
 
-private:
-    /// What was read is the caller's, held by somebody or not.
+    /// From here on objects end when they are let go of. What was read is the caller's, held by somebody or
+    /// not.
     void EndHold() {
-        if (!hold.Noted()) return;
         const auto& objects = stream.Objects();
         std::unordered_set<const ZoObject*> kept(objects.begin(), objects.end());
         kept.insert(consumed.begin(), consumed.end());
@@ -83,6 +82,7 @@ private:
         hold.End([&](const ZoObject* object) { return kept.count(object) != 0; });
     }
 
+private:
     TBinInStream& stream;
     DestructionHold hold;
     ZoStreamableBase* current = nullptr;
@@ -289,7 +289,9 @@ void TBinInStreamer::Validate(Made& made) {
         const bool foundBefore = known.count(object) != 0;
         if (!IsValid(object, foundBefore, made.hasValues)) invalid.Add(object);
     }
-    if (invalid.NItems() != 0) Remove(invalid);
+    if (invalid.NItems() == 0) return;
+    made.EndHold(); // while all that it noted is there
+    Remove(invalid);
 }
 
 bool TBinInStreamer::OnReadInstance(ZoStreamableBase* object, bool invalid) {

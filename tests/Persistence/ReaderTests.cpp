@@ -440,6 +440,23 @@ TEST_F(ReaderTest, NothingRefersToWhatWasRemoved) {
     EXPECT_EQ(outer.direct.reference, nullptr);
 }
 
+TEST_F(ReaderTest, AnObjectLetGoOfAndInvalidEndsOnce) {
+    // A field that stands twice: the second value takes the first one's place.
+    const ClassEntry inner{.id = 1,
+                           .name = "Inner",
+                           .values = {{0, -10, "invalid"}},
+                           .children = {{1, -6, "child"}, {1, -6, "child"}}};
+    const auto row = [](int uid, bool invalid, int first, int second) {
+        return Row{uid, 1, Payload().Bool(invalid).Int(first).Int(second)};
+    };
+    Opened opened(
+        FileOf({inner}, {row(1, false, 2, 3), row(2, true, 0, 0), row(3, false, 4, 0), row(4, false, 0, 0)}),
+        schema);
+    EXPECT_EQ(opened.Count(), 3U);
+    EXPECT_EQ(opened.Root<Inner>().child.get(), &opened.At<Inner>(3));
+    EXPECT_NE(&opened.At<Inner>(4), nullptr) << "let go of, and the caller's all the same";
+}
+
 TEST_F(ReaderTest, ManyInvalidObjectsAreRemovedInOneGo) {
     std::vector<Row> rows{InnerAt(1, {})};
     for (int uid = 2; uid <= 200'000; ++uid)

@@ -2,6 +2,7 @@
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
+#include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/pointer.h"
@@ -79,7 +80,7 @@ void Save(const std::string& path, const std::string& text, bool backup) {
 }
 
 /// The records from here on, as "uid:text uid:text".
-std::string Rest(TFileBinInStream& in) {
+std::string Rest(TBinInStream& in) {
     std::string all;
     int uid = 0;
     int classId = 0;
@@ -554,6 +555,37 @@ TEST_F(FileStreamTests, EverySourceReadsTheSame) {
         in.Seek(1'000'000u, 0);
         EXPECT_EQ(Rest(in), "");
     }
+}
+
+/// A source of an application, whose data is disguised.
+template <class Base>
+struct Disguised : Base {
+    using Base::Base;
+    bool Read(void* data, unsigned size, unsigned& done) override {
+        const bool read = Base::Read(data, size, done);
+        for (unsigned i = 0; i < done; ++i) static_cast<unsigned char*>(data)[i] ^= 0x5A;
+        return read;
+    }
+};
+
+TEST_F(FileStreamTests, AnOverriddenReadIsAsked) {
+    const Stream out = Begin(plan);
+    Record(*out, 2, "text");
+    out->Finalize();
+    std::string bytes = folder.Read("plan.zo");
+    for (char& byte : bytes) byte = static_cast<char>(byte ^ 0x5A);
+    folder.Write("plan.zo", bytes);
+    for (const Source& source : Sources) {
+        SCOPED_TRACE(source.name);
+        Device device;
+        source.arrange(device);
+        Disguised<TFileBinInStream> in(plan.c_str(), 3);
+        in.Initialize();
+        EXPECT_EQ(Rest(in), "2:text");
+    }
+    Disguised<TMemoryBinInStream> in(bytes.data(), bytes.size(), 3u);
+    in.Initialize();
+    EXPECT_EQ(Rest(in), "2:text");
 }
 
 // Cut at every byte: what is whole is read, and the end is clean between records only.

@@ -208,7 +208,7 @@ bool TBinInStream::ReadAll(void* data, unsigned size) {
     readError = 0;
     if (size == 0) return true; // a source may take "any were read" to be false here
     unsigned done = 0;
-    const bool read = HasWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
+    const bool read = TakesFromWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
     return read && done == size;
 }
 
@@ -229,7 +229,7 @@ void TBinInStream::ApplySecurityKey(unsigned key, unsigned char* data, unsigned 
 // Header
 
 void TBinInStream::ReadHeader(const char* location) {
-    if (HasWindow() && WindowSize() - WindowPosition() >= RecordFormat::HEADER_SIZE) {
+    if (TakesFromWindow() && WindowSize() - WindowPosition() >= RecordFormat::HEADER_SIZE) {
         record = windowCursor;
         recordSize = RecordFormat::HEADER_SIZE;
         position = 0;
@@ -284,7 +284,7 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
 }
 
 bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
-    if (HasWindow() && NextInWindow(recordUid, recordClassId)) return true;
+    if (TakesFromWindow() && NextInWindow(recordUid, recordClassId)) return true;
     position = 0;
     recordSize = 0;
     std::uint32_t window = 0;

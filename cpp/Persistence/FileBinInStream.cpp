@@ -27,6 +27,8 @@ TFileBinInStream::TFileBinInStream(const char* name, bool ownsSource)
     : TFileBinInStream(name, ANY_VERSION, ownsSource) {}
 TFileBinInStream::TFileBinInStream(const char* name, unsigned supportedVersion, bool ownsSource)
     : TBinInStream(supportedVersion, ownsSource), fileName(name), named(true) {}
+TFileBinInStream::TFileBinInStream(const char* name, int supportedVersion, bool ownsSource)
+    : TFileBinInStream(name, static_cast<unsigned>(supportedVersion), ownsSource) {}
 TFileBinInStream::TFileBinInStream(void* openFile, bool ownsSource, unsigned supportedVersion)
     : TBinInStream(supportedVersion, ownsSource), file(openFile), named(false) {}
 
@@ -81,6 +83,7 @@ void TFileBinInStream::Load() {
         if (copy != nullptr) {
             if (System().ReadFile(file, copy, wanted, done) && done == wanted) {
                 SetWindow(copy, copy + wanted);
+                SetAsksRead(!TFileBinInStream::GetsDirectly());
                 return;
             }
             Unload();

@@ -205,8 +205,8 @@ void TFileBinOutStream::CloseWritten() {
 void TFileBinOutStream::MakeBackup() {
     if (!System().FileExists(fileName.c_str(), nullptr)) return;
     const ZoString name = fileName + BACKUP_SUFFIX;
-    if (System().FileExists(name.c_str(), nullptr) && !System().DeleteWholeFile(name.c_str()))
-        Throw(FINALIZE, Platform::LastError());
+    // One that cannot be deleted may still be overwritten.
+    if (System().FileExists(name.c_str(), nullptr)) System().DeleteWholeFile(name.c_str());
     if (!System().CopyWholeFile(fileName.c_str(), name.c_str())) Throw(FINALIZE, Platform::LastError());
 }
 

@@ -23,6 +23,7 @@ TMemoryBinInStream::~TMemoryBinInStream() {
 
 void TMemoryBinInStream::Initialize() {
     SetWindowPosition(0);
+    SetAsksRead(!TMemoryBinInStream::GetsDirectly());
     ReadHeader("TMemoryBinInStream::TMemoryBinInStream");
 }
 

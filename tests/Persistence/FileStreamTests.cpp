@@ -2,6 +2,7 @@
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
+#include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/pointer.h"
@@ -79,7 +80,7 @@ void Save(const std::string& path, const std::string& text, bool backup) {
 }
 
 /// The records from here on, as "uid:text uid:text".
-std::string Rest(TFileBinInStream& in) {
+std::string Rest(TBinInStream& in) {
     std::string all;
     int uid = 0;
     int classId = 0;
@@ -212,7 +213,7 @@ TEST_F(FileStreamTests, AWholeVersionSurvivesEveryFailure) {
         const std::string thrown = Thrown([&] { Save(plan, "new", true); });
         EXPECT_TRUE(whole());
         EXPECT_EQ(services.OpenHandles(), 0u);
-        const bool harmless = operation == "FileExists" || call == "DeleteWholeFile <temporary>";
+        const bool harmless = operation == "FileExists" || operation == "DeleteWholeFile";
         if (harmless) {
             EXPECT_EQ(thrown, "");
             EXPECT_EQ(folder.Read("plan.zo"), fresh);
@@ -241,6 +242,10 @@ TEST_F(FileStreamTests, FailuresOfASave) {
     const auto backupReadOnly = [](FailedSave& save) {
         save.folder.Write("plan.zo-bak", save.folder.Read("plan.zo"));
         save.folder.MakeReadOnly("plan.zo-bak");
+    };
+    const auto backupUndeletable = [](FailedSave& save) {
+        save.folder.Write("plan.zo-bak", "older");
+        save.services.Fail("DeleteWholeFile", 1, 32);
     };
     const auto held = [](FailedSave& save) {
         save.holder = std::make_unique<TFileBinInStream>(save.target.c_str());
@@ -277,6 +282,7 @@ TEST_F(FileStreamTests, FailuresOfASave) {
         {"not synchronised", true, Faulty("SynchroniseFile", 1, 5), denied + "Finalize", "F", "O.N"},
         {"lost at closing", true, Faulty("CloseFile", 1, 39), full + "Finalize", "F", "O.N"},
         {"backup not deletable", true, backupReadOnly, denied + "Finalize", "F", "OON"},
+        {"backup only writable", true, backupUndeletable, "", "", "NO."},
         {"half a backup", true, Faulty("CopyWholeFile", 1, 112), full + "Finalize", "F", "OHN"},
         {"half a target", true, Faulty("CopyWholeFile", 2, 5), denied + "Finalize", "F", "HON"},
         {"temporary not deletable", true, Faulty("DeleteWholeFile", 1, 5), "", "", "NON"},
@@ -549,6 +555,37 @@ TEST_F(FileStreamTests, EverySourceReadsTheSame) {
         in.Seek(1'000'000u, 0);
         EXPECT_EQ(Rest(in), "");
     }
+}
+
+/// A source of an application, whose data is disguised.
+template <class Base>
+struct Disguised : Base {
+    using Base::Base;
+    bool Read(void* data, unsigned size, unsigned& done) override {
+        const bool read = Base::Read(data, size, done);
+        for (unsigned i = 0; i < done; ++i) static_cast<unsigned char*>(data)[i] ^= 0x5A;
+        return read;
+    }
+};
+
+TEST_F(FileStreamTests, AnOverriddenReadIsAsked) {
+    const Stream out = Begin(plan);
+    Record(*out, 2, "text");
+    out->Finalize();
+    std::string bytes = folder.Read("plan.zo");
+    for (char& byte : bytes) byte = static_cast<char>(byte ^ 0x5A);
+    folder.Write("plan.zo", bytes);
+    for (const Source& source : Sources) {
+        SCOPED_TRACE(source.name);
+        Device device;
+        source.arrange(device);
+        Disguised<TFileBinInStream> in(plan.c_str(), 3);
+        in.Initialize();
+        EXPECT_EQ(Rest(in), "2:text");
+    }
+    Disguised<TMemoryBinInStream> in(bytes.data(), bytes.size(), 3u);
+    in.Initialize();
+    EXPECT_EQ(Rest(in), "2:text");
 }
 
 // Cut at every byte: what is whole is read, and the end is clean between records only.

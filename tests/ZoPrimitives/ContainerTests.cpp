@@ -54,8 +54,7 @@ using Numbers = std::vector<int>;
 // Long enough to live on the heap, so that a reference into a moved array is seen by the sanitizer.
 std::string Long(const char* text) { return text + std::string(40, '.'); }
 
-// --- positions
-// -------------------------------------------------------------------------------------------------
+// Positions
 
 struct Failure {
     std::string expression, message, source;
@@ -122,8 +121,7 @@ TEST(ContainerTests, OperationsAtTheEndsOfAnEmptyContainerFail) {
     EXPECT_EQ(list.NItems(), 0u);
 }
 
-// --- layout
-// ----------------------------------------------------------------------------------------------------
+// Layout
 
 #if defined(__GXX_ABI_VERSION) && defined(__x86_64__)
 template <class Member>
@@ -159,8 +157,7 @@ TEST(ContainerTests, TDVectorKeepsBeginEndAndCapacity) {
 }
 #endif
 
-// --- values
-// ----------------------------------------------------------------------------------------------------
+// Values
 
 template <class List>
 class ValueContainerTests : public testing::Test {};
@@ -265,8 +262,7 @@ TEST(ContainerTests, MoreThanCanExistIsNotReserved) {
     EXPECT_THROW(map.Reserve(~0ULL), xContainerSizeExceeded);
 }
 
-// --- searching
-// -------------------------------------------------------------------------------------------------
+// Searching
 
 template <class List>
 class SearchTests : public testing::Test {};
@@ -372,8 +368,7 @@ TEST(ContainerTests, WhatEqualThrowsLeavesFind) {
     EXPECT_EQ(v.NItems(), 20000u);
 }
 
-// --- objects
-// ---------------------------------------------------------------------------------------------------
+// Objects
 
 template <class List>
 class ObjectContainerTests : public testing::Test {
@@ -491,8 +486,7 @@ TYPED_TEST(ObjectContainerTests, AnObjectThatIsRefusedIsDeleted) {
     EXPECT_EQ(Item::alive, 0);
 }
 
-// --- iterators
-// -------------------------------------------------------------------------------------------------
+// Iterators
 
 template <class Iterator, class List>
 void ExpectWalk(const List& list) {
@@ -542,8 +536,7 @@ TEST(ContainerTests, AnIteratorWithoutContainerIsAtItsEnd) {
     EXPECT_THROW(i.Next(), xIteratorOverrunContainerLimit);
 }
 
-// --- map
-// -------------------------------------------------------------------------------------------------------
+// Map
 
 TEST(MapTests, AnExistingKeyGetsTheNewObjectInItsPlace) {
     Item::alive = 0;

@@ -169,6 +169,10 @@ TEST_F(PointerTests, ACrossReferenceHoldsNothing) {
     pointer<Counted> a(new Counted);
     const crossRef<Counted> reference(a);
     EXPECT_EQ(reference, a.get());
+    const pointer<Derived> derived(new Derived);
+    crossRef<Counted> base = derived;
+    base = crossRef<Derived>(derived);
+    EXPECT_EQ(base, derived.get());
     EXPECT_EQ(ZoReferenceCount::Count(a.get()), 1u);
 }
 

@@ -89,6 +89,7 @@ TEST(ZoStringTest, Construction) {
 }
 
 static_assert(!std::is_constructible_v<ZoString, wchar_t> && !std::is_constructible_v<ZoString, char32_t>);
+static_assert(!std::is_constructible_v<ZoString, char8_t>);
 static_assert(!std::is_constructible_v<ZoString, int*> && !std::is_constructible_v<ZoString, const wchar_t*>);
 static_assert(std::is_nothrow_move_constructible_v<ZoString> && std::is_nothrow_move_assignable_v<ZoString>);
 

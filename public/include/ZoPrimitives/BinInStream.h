@@ -169,6 +169,8 @@ protected:
     /// none.
     void SetWindow(const unsigned char* begin, const unsigned char* end);
     bool HasWindow() const { return windowBegin != nullptr; }
+    /// Has records read with `Read` although there is a window: for a class whose `Read` may be overridden.
+    void SetAsksRead(bool asks) { asksRead = asks; }
     unsigned long long WindowPosition() const {
         return static_cast<unsigned long long>(windowCursor - windowBegin);
     }
@@ -187,6 +189,7 @@ private:
     friend class ReadCursor;
     friend struct InstanceTables;
 
+    bool TakesFromWindow() const { return HasWindow() && !asksRead; }
     bool ReadAll(void* data, unsigned size);
     bool NextInWindow(int* uid, int* classId);
     void ReadOrThrow(void* data, unsigned size, const char* location);
@@ -221,6 +224,7 @@ private:
     const unsigned char* windowBegin = nullptr;
     const unsigned char* windowCursor = nullptr;
     const unsigned char* windowEnd = nullptr;
+    bool asksRead = false;
 
     ZoString scratch;
     TDVector<ZoStreamableBase*> objects;

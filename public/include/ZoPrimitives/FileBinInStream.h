@@ -16,6 +16,7 @@ public:
     // A file by its name, opened by `Initialize` and closed with the stream whatever `ownsSource` says.
     explicit TFileBinInStream(const char* fileName, bool ownsSource = true);
     TFileBinInStream(const char* fileName, unsigned supportedVersion, bool ownsSource = true);
+    TFileBinInStream(const char* fileName, int supportedVersion, bool ownsSource = true);
     /// A file that is open for reading. `ownsSource`: it is closed with the stream.
     TFileBinInStream(void* file, bool ownsSource, unsigned supportedVersion = ANY_VERSION);
     ~TFileBinInStream() override;
@@ -32,7 +33,8 @@ public:
     /// arquivo " and the name.
     void OpenFile();
 
-    /// Raw bytes. True when at least one came (or none were asked for).
+    /// Raw bytes. True when at least one came (or none were asked for). A derived class that overrides it is
+    /// asked for every byte, header included.
     bool Read(void* data, unsigned size, unsigned& done) override;
     /// The whole file as it lies in memory, `size` in bytes, until the stream is initialised anew or
     /// destroyed. Null, and 0, when it could not be loaded or is not open.

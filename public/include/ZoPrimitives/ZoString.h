@@ -47,8 +47,11 @@ public:
     /// Six decimals and a point, without exponent; "inf", "-inf" and "nan".
     ZoString(double value) noexcept;
 
-    // Wide characters are no text here, and must not pass as numbers.
+    // Other characters are no text here, and must not pass as numbers.
     ZoString(wchar_t) = delete;
+#ifdef __cpp_char8_t
+    ZoString(char8_t) = delete;
+#endif
     ZoString(char16_t) = delete;
     ZoString(char32_t) = delete;
 

@@ -90,6 +90,10 @@ public:
     crossRef(std::nullptr_t) noexcept {}
     crossRef(T* target) noexcept : object(target) {}
     crossRef(const pointer<T>& target) noexcept : object(target.get()) {}
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    crossRef(const pointer<U>& target) noexcept : object(target.get()) {}
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    crossRef(const crossRef<U>& target) noexcept : object(target.get()) {}
 
     T* get() const noexcept { return object; }
     T* operator->() const { return Checked(); }

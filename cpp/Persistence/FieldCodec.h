@@ -194,36 +194,6 @@ public:
         MemberAs(kind, member, [&](auto& value) { LoadValue(take, value); });
     }
 
-    /// The fewest bytes that a field takes in a record. A map may hold plain values, the smallest is a bool.
-    static unsigned SmallestSize(const TZoClassField& field) {
-        switch (field.GetFieldType()) {
-        case ftBool:
-            return 1;
-        case ftDouble:
-            return 8;
-        case ftChildPointerMap:
-            return 1;
-        case ftInt:
-        case ftUnsigned:
-        case ftFloat:
-        case ftString:
-        case ftBlob:
-        case ftListInt:
-        case ftListFloat:
-        case ftListDouble:
-        case ftListString:
-        case ftChildPointer:
-        case ftPointer:
-        case ftPointerEx:
-        case ftChildValue:
-        case ftChildPointerList:
-        case ftPointerList:
-        case ftPointerListEx:
-            return 4;
-        }
-        return 0;
-    }
-
     // Resolving
 
     /// Hands the objects that the field's uids name to the application's field.

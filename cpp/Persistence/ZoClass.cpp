@@ -1,4 +1,5 @@
 #include "Persistence/FieldCodec.h"
+#include "Persistence/FieldKinds.h"
 #include "Persistence/FieldOffset.h"
 #include "Persistence/GraphWalk.h"
 #include "Persistence/InstanceTables.h"
@@ -22,35 +23,12 @@ constexpr int PARENTS_FOLLOW = -1; // stands where older files have their one pa
 
 /// Whether a file's field of one kind can be read into an application's field of another.
 bool SameEncoding(TZoClassFieldType a, TZoClassFieldType b) {
-    const auto shape = [](TZoClassFieldType kind) {
-        switch (kind) {
-        case ftChildValue:
-            return ftChildPointer;
-        case ftPointerEx:
-            return ftPointer;
-        case ftPointerListEx:
-            return ftPointerList;
-        case ftInt:
-        case ftFloat:
-        case ftDouble:
-        case ftString:
-        case ftBlob:
-        case ftChildPointer:
-        case ftChildPointerList:
-        case ftPointer:
-        case ftPointerList:
-        case ftBool:
-        case ftListInt:
-        case ftListFloat:
-        case ftListDouble:
-        case ftListString:
-        case ftUnsigned:
-        case ftChildPointerMap:
-            return kind;
-        }
-        return kind;
-    };
-    return shape(a) == shape(b);
+    return FieldKindOf(a).encoding == FieldKindOf(b).encoding;
+}
+
+/// The place of a field's list in a record.
+int StreamingRank(const TZoClassField& field) {
+    return static_cast<int>(FieldKindOf(field.GetFieldType()).list);
 }
 
 } // namespace
@@ -65,42 +43,6 @@ TZoClass::TZoClass(TZoMetaData* schema, Parents* parentClasses, const ZoString& 
 }
 
 // Fields
-
-namespace {
-
-/// The place of a field's list in a record.
-int StreamingRank(const TZoClassField& field) {
-    switch (field.GetFieldType()) {
-    case ftChildPointerMap:
-        return 0;
-    case ftInt:
-    case ftFloat:
-    case ftDouble:
-    case ftString:
-    case ftBlob:
-    case ftBool:
-    case ftListInt:
-    case ftListFloat:
-    case ftListDouble:
-    case ftListString:
-    case ftUnsigned:
-        return 1;
-    case ftChildPointer:
-    case ftChildValue:
-        return 2;
-    case ftChildPointerList:
-        return 3;
-    case ftPointer:
-    case ftPointerEx:
-        return 4;
-    case ftPointerList:
-    case ftPointerListEx:
-        return 5;
-    }
-    return 1;
-}
-
-} // namespace
 
 TZoClass::FieldList& TZoClass::ListOf(const TZoClassField& field) {
     FieldList* lists[] = {&fieldsChildMaps,  &fields,           &fieldsChilds,
@@ -501,7 +443,7 @@ bool TZoClass::AppliesTo(const TZoClass& level) const {
 unsigned long long TZoClass::SmallestRecord() const {
     unsigned long long size = 0;
     for (const auto& parent : parents) size += parent->SmallestRecord();
-    for (const TZoClassField* field : inOrder) size += FieldCodec::SmallestSize(*field);
+    for (const TZoClassField* field : inOrder) size += FieldKindOf(field->GetFieldType()).smallest;
     return size;
 }
 

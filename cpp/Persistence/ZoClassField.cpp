@@ -1,6 +1,7 @@
 #include "ZoPrimitives/ZoClassField.h"
 
 #include "Persistence/FieldCodec.h"
+#include "Persistence/FieldKinds.h"
 #include "Persistence/PointerResolver.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/ZoMetaData.h"
@@ -60,32 +61,7 @@ void FieldCodec::ThrowDanglingItem(const TZoClassField& field, const ZoStreamabl
 TZoClassField::TZoClassField(const ZoString& name, TZoClassFieldType kind) : name(name), kind(kind) {}
 TZoClassField::~TZoClassField() = default;
 
-bool TZoClassField::IsPointerKind() const {
-    switch (kind) {
-    case ftChildPointer:
-    case ftChildPointerList:
-    case ftPointer:
-    case ftPointerList:
-    case ftPointerEx:
-    case ftPointerListEx:
-    case ftChildValue:
-    case ftChildPointerMap:
-        return true;
-    case ftInt:
-    case ftFloat:
-    case ftDouble:
-    case ftString:
-    case ftBlob:
-    case ftBool:
-    case ftListInt:
-    case ftListFloat:
-    case ftListDouble:
-    case ftListString:
-    case ftUnsigned:
-        return false;
-    }
-    return false;
-}
+bool TZoClassField::IsPointerKind() const { return FieldKindOf(kind).list != FieldPlace::Values; }
 
 void TZoClassField::GetFieldMetaData(ZoStreamableBase*, ZoStreamableBaseFunctor&) {}
 

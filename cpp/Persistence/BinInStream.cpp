@@ -11,6 +11,7 @@
 #include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoStreamable.h"
 
 #include <algorithm>
@@ -349,6 +350,8 @@ ZoStreamableBase* TBinInStream::FirstObject() const { return objects.NItems() ==
 
 ZoStreamableBase* TBinInStream::FindFirstObject(const ZoString& className) const {
     for (ZoStreamableBase* object : objects) {
+        const TZoClass* registered = object->GetClass();
+        if (registered != nullptr && registered->GetName() == className) return object;
         if (PlainClassName(object->StreamableClassName()) == className) return object;
     }
     return nullptr;

@@ -10,9 +10,11 @@
 #include "ZoPrimitives/XStream.h"
 
 #include <algorithm>
+#include <iterator>
 #include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -98,12 +100,14 @@ public:
 
     void Run() {
         auto& entries = stream.UnresolvedPointers().Entries();
-        for (std::size_t i = 0; i < entries.size(); ++i) byUid[entries[i].uid] = i;
+        for (std::size_t i = 0; i < entries.size(); ++i) byUid.emplace_back(entries[i].uid, i);
+        if (!std::is_sorted(byUid.begin(), byUid.end())) std::sort(byUid.begin(), byUid.end());
+        claims.assign(entries.size(), NOBODY);
         collecting = true;
         for (std::size_t i = 0; i < entries.size(); ++i) Walk(i);
         collecting = false;
         for (std::size_t i = 0; i < entries.size(); ++i) {
-            if (claims.count(entries[i].uid) == 0) waiting.push_back(i);
+            if (claims[i] == NOBODY) waiting.push_back(i);
         }
         while (!waiting.empty()) {
             const std::size_t next = waiting.back();
@@ -119,25 +123,24 @@ public:
 
     void TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) override {
         ZoStreamableBase* value = stream.GetHandle(uid);
-        const auto entry = byUid.find(uid);
-        if (value == nullptr || entry == byUid.end() || !field.Accepts(value)) return;
+        const std::size_t entry = EntryOf(uid);
+        if (value == nullptr || entry == NOBODY || !field.Accepts(value)) return;
         if (collecting) {
-            claims.emplace(uid, walked);
+            if (claims[entry] == NOBODY) claims[entry] = walked;
             return;
         }
         field.Set(owner, value);
         // A second owner gets a copy and no more.
-        const auto claim = claims.find(uid);
-        if (claim == claims.end() || claim->second != walked) return;
-        claims.erase(claim);
-        waiting.push_back(entry->second);
+        if (claims[entry] != walked) return;
+        claims[entry] = NOBODY;
+        waiting.push_back(entry);
         // A member of another type got a part of the object: the record's class does not fit it.
         ZoStreamableBase* member = field.Get(owner);
         if (member == nullptr || member == value || typeid(*member) != typeid(*value)) return;
         ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
         made.members.insert(member);
         stream.SetHandle(member, uid);
-        stream.UnresolvedPointers().Entries()[entry->second].object = member;
+        stream.UnresolvedPointers().Entries()[entry].object = member;
         taken.insert(value);
         owners[value] = owner;
         owners[member] = owner;
@@ -152,6 +155,13 @@ private:
         entry.fileClass->LoadResolvePointers(resolver, entry.object);
     }
 
+    /// Of equal uids the last entry.
+    std::size_t EntryOf(int uid) const {
+        const auto behind = std::upper_bound(byUid.begin(), byUid.end(), std::pair(uid, NOBODY));
+        return behind == byUid.begin() || std::prev(behind)->first != uid ? NOBODY
+                                                                          : std::prev(behind)->second;
+    }
+
     void MoveInvalidToOwners() {
         for (ZoStreamableBase*& object : made.invalid) {
             for (auto owner = owners.find(object); owner != owners.end(); owner = owners.find(object)) {
@@ -163,9 +173,10 @@ private:
     TBinInStream& stream;
     Made& made;
     bool collecting = false;
-    std::size_t walked = 0;                      // entry
-    std::unordered_map<int, std::size_t> byUid;  // entries
-    std::unordered_map<int, std::size_t> claims; // the entry that takes a value first
+    static constexpr std::size_t NOBODY = static_cast<std::size_t>(-1);
+    std::size_t walked = 0;                         // entry
+    std::vector<std::pair<int, std::size_t>> byUid; // entries, rising
+    std::vector<std::size_t> claims;                // by entry: the entry that takes it first
     std::unordered_map<const ZoStreamableBase*, ZoStreamableBase*> owners;
     std::unordered_set<const ZoStreamableBase*> taken;
     std::vector<std::size_t> waiting;
@@ -389,11 +400,12 @@ void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
     TDVector<ZoStreamableBase*> ended;
     for (const ZoStreamableBase* object : removed) ended.Add(const_cast<ZoStreamableBase*>(object));
     stream->RemoveInstances(ended);
-    if (hold.Noted()) {
-        const std::unordered_set<const ZoObject*> kept(all.begin(), all.end());
-        hold.End([&](const ZoObject* object) { return kept.count(object) != 0; });
-    }
     for (const ZoStreamableBase* object : removed) delete object;
+    if (!hold.Noted()) return;
+    // What was removed may have been the last to hold what stays.
+    std::unordered_set<const ZoObject*> passedBy(all.begin(), all.end());
+    passedBy.insert(removed.begin(), removed.end());
+    hold.End([&](const ZoObject* object) { return passedBy.count(object) != 0; });
 }
 
 } // namespace ZoPrimitives

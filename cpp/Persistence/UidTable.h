@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <unordered_map>
+#include <map>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -44,7 +44,7 @@ private:
     static constexpr std::size_t SLACK = 1024;
 
     std::vector<ZoStreamableBase*> dense;
-    std::unordered_map<int, ZoStreamableBase*> sparse;
+    std::map<int, ZoStreamableBase*> sparse; // no hash that a file could work against
     std::size_t count = 0;
 };
 

@@ -297,6 +297,13 @@ TEST_F(ReaderTest, MapsOfUnequalListsKeepWholePairs) {
     EXPECT_EQ(map.KeyAt(1).get(), &opened.At<Inner>(2));
 }
 
+TEST_F(ReaderTest, FindsTheFirstObjectOfAClassByItsRegisteredName) {
+    Opened opened(File({InnerAt(1, {}), MiddleAt(2, 0, 0), MiddleAt(3, 0, 0)}), schema);
+    EXPECT_EQ(opened.stream.FindFirstObject("Middle"), &opened.At<Middle>(2));
+    EXPECT_EQ(opened.stream.FindFirstObject("(anonymous namespace)::Middle"), &opened.At<Middle>(2));
+    EXPECT_EQ(opened.stream.FindFirstObject("Outer"), nullptr);
+}
+
 TEST_F(ReaderTest, DuplicateUidsResolveToTheLast) {
     Opened opened(File({InnerAt(1, {.number = 1, .reference = 2}), InnerAt(2, {.number = 2}),
                         InnerAt(2, {.number = 3})}),
@@ -455,6 +462,16 @@ TEST_F(ReaderTest, AnObjectLetGoOfAndInvalidEndsOnce) {
     EXPECT_EQ(opened.Count(), 3U);
     EXPECT_EQ(opened.Root<Inner>().child.get(), &opened.At<Inner>(3));
     EXPECT_NE(&opened.At<Inner>(4), nullptr) << "let go of, and the caller's all the same";
+}
+
+TEST_F(ReaderTest, WhatOnlyARemovedObjectHeldInTheEndIsTheCallers) {
+    // The pair goes with its object, and with the object goes the last owner of the key.
+    Opened opened(File({OuterAt(1, {.keys = {2}, .values = {3}}), InnerAt(2, {.number = 7}),
+                        InnerAt(3, {.invalid = true, .child = 2})}),
+                  schema);
+    EXPECT_EQ(opened.Root<Outer>().map.NItems(), 0U);
+    EXPECT_EQ(opened.Count(), 2U);
+    EXPECT_EQ(opened.At<Inner>(2).number, 7);
 }
 
 TEST_F(ReaderTest, ManyInvalidObjectsAreRemovedInOneGo) {

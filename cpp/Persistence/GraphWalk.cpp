@@ -19,9 +19,9 @@ void FailUnregistered(const ZoStreamableBase* object) {
                       "cpp/Persistence/ZoMetaData", __LINE__);
 }
 
-class GraphWalk::Pusher : public ZoStreamableBaseFunctor {
+class GraphWalk::AllocateHandlesAction : public ZoStreamableBaseFunctor {
 public:
-    explicit Pusher(std::vector<Visit>& visits) : waiting(visits) {}
+    explicit AllocateHandlesAction(std::vector<Visit>& visits) : waiting(visits) {}
     void operator()(ZoStreamableBase* item) override {
         if (item != nullptr) waiting.push_back({item, nullptr});
     }
@@ -60,7 +60,7 @@ void GraphWalk::Enter(ZoStreamableBase* object) {
     order.push_back({object, objectClass});
     const Plan& plan = PlanOf(objectClass);
     const std::size_t begin = waiting.size();
-    Pusher push(waiting);
+    AllocateHandlesAction push(waiting);
     for (const Step& step : plan.steps) {
         if (step.externalsOf != nullptr) {
             waiting.push_back({object, step.externalsOf});
@@ -90,16 +90,16 @@ void GraphWalk::AddSteps(Plan& plan, const TZoClass* level) {
 }
 
 void GraphWalk::CollectExternals(ZoStreamableBase* object, const TZoClass* level) {
-    class Collector : public ZoStreamableBaseFunctor {
+    class FindAndAddExternalReferenceAction : public ZoStreamableBaseFunctor {
     public:
-        explicit Collector(GraphWalk& walk) : walk(walk) {}
+        explicit FindAndAddExternalReferenceAction(GraphWalk& walk) : walk(walk) {}
         void operator()(ZoStreamableBase* item) override { walk.AddExternal(item); }
 
     private:
         GraphWalk& walk;
     };
 
-    Collector collect(*this);
+    FindAndAddExternalReferenceAction collect(*this);
     for (const auto& field : level->fieldsReferences) {
         if (field->GetFieldType() == ftPointerEx) field->GetFieldMetaData(object, collect);
     }

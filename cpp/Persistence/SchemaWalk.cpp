@@ -92,7 +92,7 @@ void SchemaWalk::Visit(ZoStreamableBase* object, const TZoClass* objectClass) {
         if (step.follows) PushTargets();
         if (targets.empty() && !step.nullTold) {
             step.nullTold = true;
-            for (const TZoClass* declared : ClosureOf(step.field->GetFieldClass())) Use(declared);
+            UseDeclared(step.field->GetFieldClass());
         }
         ++i;
     }

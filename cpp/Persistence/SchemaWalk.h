@@ -18,6 +18,10 @@ public:
     void Run(ZoStreamableBase* root);
     /// How many objects were met; shared ones may count more than once.
     std::size_t Met() const { return met; }
+    /// Finds the class, its ancestors and all that they declare.
+    void UseDeclared(const TZoClass* declared) {
+        for (const TZoClass* reached : ClosureOf(declared)) Use(reached);
+    }
     /// Whether the class was found to be used.
     bool Uses(const TZoClass* someClass) const;
 

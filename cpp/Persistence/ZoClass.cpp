@@ -353,14 +353,33 @@ int TZoClass::LoadBlock(TBinInStream* stream) {
 
 // Writing
 
+namespace {
+
+void AddUsedNames(const TZoMetaData& schema, const SchemaWalk& walk, TDVector<ZoString>& names) {
+    for (int i = 1; i <= schema.GetClassCount(); ++i) {
+        const TZoClass* candidate = schema.GetClass(i);
+        if (walk.Uses(candidate)) names.AddUnique(candidate->GetName());
+    }
+}
+
+} // namespace
+
 void TZoClass::GetClassMetaData(TZoMetaData* applicationSchema, ZoStreamableBase* root,
                                 TDVector<ZoString>* names) {
     SchemaWalk walk(applicationSchema);
     walk.Run(root);
-    for (int i = 1; i <= applicationSchema->GetClassCount(); ++i) {
-        const TZoClass* candidate = applicationSchema->GetClass(i);
-        if (walk.Uses(candidate)) names->AddUnique(candidate->GetName());
-    }
+    AddUsedNames(*applicationSchema, walk, *names);
+}
+
+void TZoClass::GetClassStaticMetaData(TZoMetaData* applicationSchema, TDVector<ZoString>* names) {
+    SchemaWalk walk(applicationSchema);
+    walk.UseDeclared(this);
+    AddUsedNames(*applicationSchema, walk, *names);
+}
+
+void TZoClassField::GetUninstantiatedFieldMetaData(TZoMetaData* applicationSchema,
+                                                   TDVector<ZoString>* names) const {
+    if (fieldClass != nullptr) fieldClass->GetClassStaticMetaData(applicationSchema, names);
 }
 
 void TZoClass::AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,

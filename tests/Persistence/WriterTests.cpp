@@ -637,6 +637,30 @@ TEST(FileSchema, HoldsTheClassesThatTheGraphNeeds) {
     }
 }
 
+TEST(FileSchema, AFieldWithoutObjectNeedsAllThatItsClassDeclares) {
+    TZoMetaData schema;
+    ZoDouble::Register(&schema);
+    Wheel::Register(&schema);
+    Vehicle::Register(&schema);
+    Engine::Register(&schema);
+    Turbine::Register(&schema);
+    TZoClass* garage = Garage::Register(&schema);
+    schema.AddClass(new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr));
+    struct Case {
+        const char* field;
+        std::vector<std::string> classes;
+    };
+    for (const Case& tested : {Case{"engine", {"Wheel", "Vehicle", "Engine"}}, Case{"prices", {"ZoDouble"}},
+                               Case{"anything", {}}, Case{"elsewhere", {}}}) {
+        SCOPED_TRACE(tested.field);
+        TDVector<ZoString> names;
+        garage->FindField(tested.field)->GetUninstantiatedFieldMetaData(&schema, &names);
+        std::vector<std::string> found;
+        for (const ZoString& name : names) found.push_back(Text(name));
+        EXPECT_EQ(found, tested.classes);
+    }
+}
+
 TEST(FileSchema, CoversSeveralRootsOrTheWholeApplication) {
     TZoMetaData schema;
     ZoRegisterPrimitives(&schema);

@@ -16,7 +16,10 @@ class TBinInStream;
 class TBinOutStream;
 class TBinOutStreamer;
 class TZoClass;
+class TZoMetaData;
 struct TBinUnresolved;
+template <class T>
+class TDVector;
 
 /// Kinds of field, as stored in files. Negative, so that none is a class id.
 enum TZoClassFieldType : int {
@@ -110,6 +113,9 @@ public:
     virtual void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) = 0;
     /// Applies the functor to everything that the field points to, nulls included. Nothing for value fields.
     virtual void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
+    /// Collects what a file needs where the field points to nothing: the names of its class and of all that
+    /// it declares.
+    void GetUninstantiatedFieldMetaData(TZoMetaData* schema, TDVector<ZoString>* names) const;
     /// Reads kind-independent metadata: class id, kind and name are read by the class; see `TZoClass`.
     static void LoadMetaFromStream(TBinInStream* stream, int& classId, int& kind, ZoString& name);
 

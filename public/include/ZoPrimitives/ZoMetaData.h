@@ -139,6 +139,9 @@ public:
 
     /// Collects the names of the classes that the graph under `root` uses, with their ancestors.
     void GetClassMetaData(TZoMetaData* schema, ZoStreamableBase* root, TDVector<ZoString>* names);
+    /// Collects the names of this class, of its ancestors, and of all classes that their fields declare;
+    /// nothing for a generic base.
+    void GetClassStaticMetaData(TZoMetaData* schema, TDVector<ZoString>* names);
     /// Gives a uid to every object of the graph under `object` that has none, depth first, and collects the
     /// external instances that it refers to.
     void AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,

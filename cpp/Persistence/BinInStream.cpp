@@ -11,7 +11,6 @@
 #include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
-#include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoStreamable.h"
 
 #include <algorithm>
@@ -349,10 +348,11 @@ ZoStreamableBase* TBinInStream::GetInstance(int wanted) const {
 ZoStreamableBase* TBinInStream::FirstObject() const { return objects.NItems() == 0 ? nullptr : objects[1]; }
 
 ZoStreamableBase* TBinInStream::FindFirstObject(const ZoString& className) const {
+    // A class is registered without the namespaces that it stands in.
     for (ZoStreamableBase* object : objects) {
-        const TZoClass* registered = object->GetClass();
-        if (registered != nullptr && registered->GetName() == className) return object;
-        if (PlainClassName(object->StreamableClassName()) == className) return object;
+        const ZoString name = PlainClassName(object->StreamableClassName());
+        const char* last = std::strrchr(name.c_str(), ':');
+        if (name == className || (last != nullptr && className == last + 1)) return object;
     }
     return nullptr;
 }

@@ -31,6 +31,8 @@ const std::string AT_HEADER = " @ TFileBinInStream::TFileBinInStream";
 const std::string AT_RECORD = " @ TBinInStream::LoadRecord #";
 const std::string full = "full @ TFileBinOutStream::";
 
+constexpr const char* FULL_DISK = "Espaço em disco insuficiente."_ansi;
+
 /// What an operation throws: the kind, the text and "@ location"; empty for nothing.
 template <class Operation>
 std::string Thrown(Operation operation) {
@@ -40,7 +42,7 @@ std::string Thrown(Operation operation) {
     try {
         operation();
     } catch (const XWriteStreamOutOfSpace& e) {
-        EXPECT_EQ(e.Message(), "Espaço em disco insuficiente."_ansi);
+        EXPECT_EQ(e.Message(), FULL_DISK);
         return std::string("full @ ") + e.Location().c_str();
     } catch (const XWriteStream& e) {
         return text("write: ", e);

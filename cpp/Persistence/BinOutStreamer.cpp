@@ -49,11 +49,12 @@ void TBinOutStreamer::SetFile(void* file) { stream->SetFile(file); }
 
 void TBinOutStreamer::WriteSchemaOf(const SchemaWalk& walk) {
     expected = walk.Met() + 1;
-    TZoMetaData fileSchema;
+    // Counted references would belong to several threads that save with one schema.
+    std::vector<TZoClass*> used;
     for (int i = 1; i <= schema->GetClassCount(); ++i) {
-        if (walk.Uses(schema->GetClass(i))) fileSchema.AddClass(schema->GetClass(i));
+        if (walk.Uses(schema->GetClass(i))) used.push_back(schema->GetClass(i));
     }
-    fileSchema.SaveToStream(stream);
+    TZoMetaData::SaveClasses(stream, used);
 }
 
 void TBinOutStreamer::WriteObjectMetaData(ZoStreamableBase* root) {

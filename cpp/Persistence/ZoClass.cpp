@@ -284,29 +284,30 @@ void TZoClass::SetOriginal(TZoClass* applicationClass) {
 
 void TZoClass::SaveMetaToStream(TBinOutStream* stream) { SaveMetaToStream(stream, nullptr); }
 
-void TZoClass::SaveMetaToStream(TBinOutStream* stream, const TZoMetaData* target) {
+void TZoClass::SaveMetaToStream(TBinOutStream* stream, const Listed* listed) {
     *stream << classId << name << abstract << PARENTS_FOLLOW << static_cast<int>(parents.NItems());
     for (const auto& parent : parents) *stream << parent->GetClassId();
     if (fieldsChildMaps.NItems() != 0) {
-        SaveBlock(stream, fieldsChildMaps, "fieldsChildMaps->NItems() <= MAX_INT_SIZE", target);
+        SaveBlock(stream, fieldsChildMaps, "fieldsChildMaps->NItems() <= MAX_INT_SIZE", listed);
     }
-    SaveBlock(stream, fields, "fields->NItems() <= MAX_INT_SIZE", target);
-    SaveBlock(stream, fieldsChilds, "fieldsChilds->NItems() <= MAX_INT_SIZE", target);
-    SaveBlock(stream, fieldsChildLists, "fieldsChildLists->NItems() <= MAX_INT_SIZE", target);
-    SaveBlock(stream, fieldsReferences, "fieldsReferences->NItems() <= MAX_INT_SIZE", target);
-    SaveBlock(stream, fieldsReferencesLists, "fieldsReferencesLists->NItems() <= MAX_INT_SIZE", target);
+    SaveBlock(stream, fields, "fields->NItems() <= MAX_INT_SIZE", listed);
+    SaveBlock(stream, fieldsChilds, "fieldsChilds->NItems() <= MAX_INT_SIZE", listed);
+    SaveBlock(stream, fieldsChildLists, "fieldsChildLists->NItems() <= MAX_INT_SIZE", listed);
+    SaveBlock(stream, fieldsReferences, "fieldsReferences->NItems() <= MAX_INT_SIZE", listed);
+    SaveBlock(stream, fieldsReferencesLists, "fieldsReferencesLists->NItems() <= MAX_INT_SIZE", listed);
 }
 
 void TZoClass::SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
-                         const TZoMetaData* target) {
+                         const Listed* listed) {
     ZO_ASSERT(list.NItems() <= RecordFormat::MAX_INT_SIZE, countCheck, SOURCE);
     *stream << static_cast<unsigned>(list.NItems());
     for (const auto& field : list) {
         const TZoClass* fieldClass = field->GetFieldClass();
         // A class that the file does not list cannot be looked up in it.
-        const bool listed = fieldClass != nullptr &&
-                            (target == nullptr || target->FindClass(fieldClass->GetClassId()) == fieldClass);
-        *stream << (listed ? fieldClass->GetClassId() : 0) << static_cast<int>(field->GetFieldType())
+        const bool known =
+            fieldClass != nullptr &&
+            (listed == nullptr || std::binary_search(listed->begin(), listed->end(), fieldClass));
+        *stream << (known ? fieldClass->GetClassId() : 0) << static_cast<int>(field->GetFieldType())
                 << field->GetFieldName();
     }
 }

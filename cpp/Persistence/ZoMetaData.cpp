@@ -255,10 +255,18 @@ void TZoMetaData::WritingGenericFile(bool writing) {
 // The schema record
 
 void TZoMetaData::SaveToStream(TBinOutStream* stream) {
-    ZO_ASSERT(classes.NItems() <= RecordFormat::MAX_INT_SIZE, "classes->NItems() <= MAX_INT_SIZE",
+    std::vector<TZoClass*> all;
+    for (const auto& written : classes) all.push_back(written.get());
+    SaveClasses(stream, all);
+}
+
+void TZoMetaData::SaveClasses(TBinOutStream* stream, const std::vector<TZoClass*>& written) {
+    ZO_ASSERT(written.size() <= RecordFormat::MAX_INT_SIZE, "classes->NItems() <= MAX_INT_SIZE",
               "cpp/Persistence/ZoMetaData");
-    *stream << static_cast<int>(classes.NItems());
-    for (const auto& written : classes) written->SaveMetaToStream(stream, this);
+    TZoClass::Listed listed(written.begin(), written.end());
+    std::sort(listed.begin(), listed.end());
+    *stream << static_cast<int>(written.size());
+    for (TZoClass* one : written) one->SaveMetaToStream(stream, &listed);
     stream->FlushRecord(0, 0);
 }
 

@@ -3,11 +3,11 @@
 
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 
-#include <chrono>
 #include <map>
 #include <memory>
 #include <random>
 #include <set>
+#include <thread>
 
 using namespace ZoPrimitives;
 
@@ -258,6 +258,44 @@ TEST(Writer, OrdersUidsAndRecordsAsPlainRecursionDoes) {
     }
 }
 
+TEST(Writer, ClassesWriteTheSameRecordsByThemselves) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        RandomGraph graph(seed);
+        TMemoryBinOutStream stream;
+        stream.Initialize();
+        TBinOutStreamer streamer(&stream, &schema);
+        TDList<ZoStreamableBase*> externals;
+        TZoClass* rootClass = graph.Root()->GetOriginalClass(&schema);
+        rootClass->AllocateHandles(&stream, graph.Root(), &externals);
+        streamer.AlocateExternalInstancesHandles(nullptr, &externals);
+        rootClass->SaveToStream(&stream, &streamer, graph.Root());
+        for (ZoStreamableBase* external : externals) {
+            external->GetOriginalClass(&schema)->SaveToStream(&stream, &streamer, external);
+        }
+        ASSERT_EQ(RowsOf(BytesOf(stream)), PlainWriter(graph.Root()).rows) << "seed " << seed;
+    }
+}
+
+TEST(Writer, ThreadsMayShareASchema) {
+    TZoMetaData schema;
+    RegisterThings(schema);
+    const auto holders = ZoReferenceCount::Count(schema.GetClass(1));
+    const auto work = [&schema](unsigned seed) {
+        RandomGraph graph(seed);
+        const std::string file = Save(schema, graph.Root());
+        for (int round = 0; round < 300; ++round) {
+            Opened opened(file, schema);
+            ASSERT_TRUE(Save(schema, opened.root) == file);
+        }
+    };
+    std::thread other(work, 1U);
+    work(2);
+    other.join();
+    EXPECT_EQ(ZoReferenceCount::Count(schema.GetClass(1)), holders);
+}
+
 TEST(Writer, WritesEveryKind) {
     TZoMetaData schema;
     app::RegisterEveryKind(schema);
@@ -410,6 +448,30 @@ TEST(WriterFailure, ClassesThatAreNotRegisteredAreNamed) {
     EXPECT_EQ(AssertionIn(schema, root), forgotten) << "roots are no exception";
     Unknown other;
     EXPECT_EQ(AssertionIn(schema, other), unregistered);
+}
+
+TEST(WriterFailure, RecordsWrittenOneByOneNameTheirClassesToo) {
+    struct Recorder : IAssertFunctor {
+        explicit Recorder(std::string& last) : text(last) {}
+        void operator()(const char* expression, const char* message, const char* file, int) override {
+            text = std::string(message) + " | " + expression + " | " + file;
+        }
+        std::string& text;
+    };
+    TZoMetaData schema;
+    RegisterThings(schema);
+    TMemoryBinOutStream stream;
+    stream.Initialize();
+    TBinOutStreamer streamer(&stream, &schema);
+    Unknown unknown;
+    stream.SetHandle(&unknown, 1);
+    std::string text;
+    SetAssertionFunctor(new Recorder(text));
+    EXPECT_THROW(streamer.SaveInstance(&stream, &unknown), XZoAssert);
+    SetAssertionFunctor(nullptr);
+    EXPECT_EQ(text,
+              "[zoerror] class not registered. See class::Register | "
+              "instance_pointer->GetOriginalClass(streamer->GetMetaData()) | cpp/Persistence/ZoMetaData");
 }
 
 TEST(WriterFailure, DanglingReferencesAreNamed) {

@@ -178,9 +178,11 @@ private:
     Field* Adopt(Field* field, TZoClass* fieldClass);
     void PutInOrder();
     FieldList& ListOf(const TZoClassField& field);
+    using Listed = std::vector<const TZoClass*>; // the classes of the schema that is written, sorted
+
     void SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
-                   const TZoMetaData* target);
-    void SaveMetaToStream(TBinOutStream* stream, const TZoMetaData* target);
+                   const Listed* listed);
+    void SaveMetaToStream(TBinOutStream* stream, const Listed* listed);
     int LoadBlock(TBinInStream* stream);
     bool HasValueChildren() const;
 
@@ -300,8 +302,11 @@ public:
     void FillObjectsCascade(TDVector<ZoStreamableBase*>* objects);
 
 private:
+    friend class TBinOutStreamer;
     friend class TZoClass;
     class TClassNameAndIdMap;
+
+    static void SaveClasses(TBinOutStream* stream, const std::vector<TZoClass*>& written);
 
     TZoClass* FindUnbound(const char* name, const std::type_info& type) const;
     bool LinkClasses(const TZoMetaData* application);

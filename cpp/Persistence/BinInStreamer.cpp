@@ -1,6 +1,7 @@
 #include "ZoPrimitives/BinInStreamer.h"
 
 #include "Persistence/InstanceTables.h"
+#include "Persistence/ItemAction.h"
 #include "Persistence/PointerResolver.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
@@ -348,22 +349,9 @@ void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
     for (ZoStreamableBase* object : stream->Objects()) {
         if (removed.count(object) == 0) staying.Add(object);
     }
-    class Keeper : public ZoStreamableBaseFunctor {
-    public:
-        Keeper(std::unordered_set<const ZoStreamableBase*>& removed,
-               const std::unordered_set<const ZoStreamableBase*>& doomed,
-               TDVector<ZoStreamableBase*>& staying)
-            : removed(removed), doomed(doomed), staying(staying) {}
-        void operator()(ZoStreamableBase* item) override {
-            if (item != nullptr && doomed.count(item) == 0 && removed.erase(item) != 0) staying.Add(item);
-        }
-
-    private:
-        std::unordered_set<const ZoStreamableBase*>& removed;
-        const std::unordered_set<const ZoStreamableBase*>& doomed;
-        TDVector<ZoStreamableBase*>& staying;
-    };
-    Keeper keep(removed, doomed, staying);
+    ItemAction keep([&](ZoStreamableBase* item) {
+        if (item != nullptr && doomed.count(item) == 0 && removed.erase(item) != 0) staying.Add(item);
+    });
     std::unordered_set<const ZoStreamableBase*> members;
     for (unsigned long long i = 1; i <= staying.NItems(); ++i) {
         ZoStreamableBase* object = staying[i];

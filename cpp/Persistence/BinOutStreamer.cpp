@@ -3,6 +3,7 @@
 #include "Persistence/ClassNames.h"
 #include "Persistence/GraphWalk.h"
 #include "Persistence/HandleAccess.h"
+#include "Persistence/ItemAction.h"
 #include "Persistence/SchemaWalk.h"
 #include "Persistence/WritePlan.h"
 #include "ZoPrimitives/BinOutStream.h"
@@ -142,19 +143,8 @@ void TBinOutStreamer::SaveRecord(TBinOutStream* target, bool direct, ZoStreamabl
 }
 
 void TBinOutStreamer::SaveInstance(TBinOutStream* target, ZoStreamableBase* object) {
-    class Pusher : public ZoStreamableBaseFunctor {
-    public:
-        explicit Pusher(std::vector<ZoStreamableBase*>& stack) : stack(stack) {}
-        void operator()(ZoStreamableBase* item) override {
-            if (item != nullptr) stack.push_back(item);
-        }
-
-    private:
-        std::vector<ZoStreamableBase*>& stack;
-    };
-
     std::vector<ZoStreamableBase*> stack{object};
-    Pusher push(stack);
+    auto push = Gather(stack);
     while (!stack.empty()) {
         ZoStreamableBase* next = stack.back();
         stack.pop_back();

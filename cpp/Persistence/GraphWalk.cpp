@@ -2,6 +2,7 @@
 
 #include "Persistence/ClassNames.h"
 #include "Persistence/HandleAccess.h"
+#include "Persistence/ItemAction.h"
 #include "ZoPrimitives/BinOutStream.h"
 
 namespace ZoPrimitives {
@@ -18,17 +19,6 @@ void FailUnregistered(const ZoStreamableBase* object) {
     AssertWithFunctor("instance_pointer->GetOriginalClass(parentMetaData)", message.c_str(),
                       "cpp/Persistence/ZoMetaData", __LINE__);
 }
-
-class GraphWalk::AllocateHandlesAction : public ZoStreamableBaseFunctor {
-public:
-    explicit AllocateHandlesAction(std::vector<Visit>& visits) : waiting(visits) {}
-    void operator()(ZoStreamableBase* item) override {
-        if (item != nullptr) waiting.push_back({item, nullptr});
-    }
-
-private:
-    std::vector<Visit>& waiting;
-};
 
 GraphWalk::GraphWalk(TBinOutStream& outStream, TZoMetaData* applicationSchema,
                      TDList<ZoStreamableBase*>& externalInstances)
@@ -60,7 +50,9 @@ void GraphWalk::Enter(ZoStreamableBase* object) {
     order.push_back({object, objectClass});
     const Plan& plan = PlanOf(objectClass);
     const std::size_t begin = waiting.size();
-    AllocateHandlesAction push(waiting);
+    ItemAction push([this](ZoStreamableBase* item) {
+        if (item != nullptr) waiting.push_back({item, nullptr});
+    });
     for (const Step& step : plan.steps) {
         if (step.externalsOf != nullptr) {
             waiting.push_back({object, step.externalsOf});
@@ -90,16 +82,7 @@ void GraphWalk::AddSteps(Plan& plan, const TZoClass* level) {
 }
 
 void GraphWalk::CollectExternals(ZoStreamableBase* object, const TZoClass* level) {
-    class FindAndAddExternalReferenceAction : public ZoStreamableBaseFunctor {
-    public:
-        explicit FindAndAddExternalReferenceAction(GraphWalk& walk) : walk(walk) {}
-        void operator()(ZoStreamableBase* item) override { walk.AddExternal(item); }
-
-    private:
-        GraphWalk& walk;
-    };
-
-    FindAndAddExternalReferenceAction collect(*this);
+    ItemAction collect([this](ZoStreamableBase* item) { AddExternal(item); });
     for (const auto& field : level->fieldsReferences) {
         if (field->GetFieldType() == ftPointerEx) field->GetFieldMetaData(object, collect);
     }

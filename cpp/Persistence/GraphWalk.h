@@ -32,7 +32,6 @@ public:
     const std::vector<Entry>& Order() const { return order; }
 
 private:
-    class AllocateHandlesAction;
     /// An object to visit, or, with a class, the external references of one level of an object to collect.
     struct Visit {
         ZoStreamableBase* object;

@@ -1,6 +1,7 @@
 #include "Persistence/SchemaWalk.h"
 
 #include "Persistence/HandleAccess.h"
+#include "Persistence/ItemAction.h"
 
 #include <memory>
 #include <unordered_set>
@@ -10,18 +11,6 @@ namespace ZoPrimitives {
 namespace {
 constexpr std::size_t PREFETCH = 8; // objects ahead
 }
-
-/// Gathers a field's targets.
-class SchemaWalk::Targets : public ZoStreamableBaseFunctor {
-public:
-    explicit Targets(std::vector<ZoStreamableBase*>& list) : targets(list) {}
-    void operator()(ZoStreamableBase* item) override {
-        if (item != nullptr) targets.push_back(item);
-    }
-
-private:
-    std::vector<ZoStreamableBase*>& targets;
-};
 
 SchemaWalk::SchemaWalk(TZoMetaData* applicationSchema) : schema(applicationSchema) {}
 
@@ -87,7 +76,7 @@ void SchemaWalk::Visit(ZoStreamableBase* object, const TZoClass* objectClass) {
             continue;
         }
         targets.clear();
-        Targets gather(targets);
+        auto gather = Gather(targets);
         step.field->GetFieldMetaData(object, gather);
         if (step.follows) PushTargets();
         if (targets.empty() && !step.nullTold) {

@@ -26,7 +26,6 @@ public:
     bool Uses(const TZoClass* someClass) const;
 
 private:
-    class Targets;
     /// A pointer field that may still tell something new.
     struct Step {
         TZoClassFieldPointerBase* field;

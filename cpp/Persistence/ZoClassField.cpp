@@ -2,6 +2,7 @@
 
 #include "Persistence/FieldCodec.h"
 #include "Persistence/FieldKinds.h"
+#include "Persistence/ItemAction.h"
 #include "Persistence/PointerResolver.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/ZoMetaData.h"
@@ -182,26 +183,13 @@ unsigned long long TZoClassFieldPointerList::NItems(ZoStreamableBase* object) {
 
 namespace {
 
-/// Writes the record of each item of a list.
-class SaveToStreamAction : public ZoStreamableBaseFunctor {
-public:
-    SaveToStreamAction(TBinOutStream* stream, TBinOutStreamer* streamer)
-        : stream(stream), streamer(streamer) {}
-    void operator()(ZoStreamableBase* item) override {
-        if (item != nullptr) streamer->SaveInstance(stream, item);
-    }
-
-private:
-    TBinOutStream* stream;
-    TBinOutStreamer* streamer;
-};
-
-/// Gathers items, so that a list may change while they are looked at.
-class GatherAction : public ZoStreamableBaseFunctor {
-public:
+/// All items of a list, null ones included, so that the list may change while they are looked at.
+std::vector<ZoStreamableBase*> ItemsOf(TZoClassField& field, ZoStreamableBase* object) {
     std::vector<ZoStreamableBase*> items;
-    void operator()(ZoStreamableBase* item) override { items.push_back(item); }
-};
+    ItemAction append([&items](ZoStreamableBase* item) { items.push_back(item); });
+    field.GetFieldMetaData(object, append);
+    return items;
+}
 
 } // namespace
 
@@ -212,7 +200,9 @@ void TZoClassFieldPointerList::SavePointers(TBinOutStream* stream, TBinOutStream
 
 void TZoClassFieldPointerList::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
                                             ZoStreamableBase* object) {
-    SaveToStreamAction save(stream, streamer);
+    ItemAction save([&](ZoStreamableBase* item) {
+        if (item != nullptr) streamer->SaveInstance(stream, item);
+    });
     GetFieldMetaData(object, save);
 }
 
@@ -237,21 +227,19 @@ void TZoClassFieldPointerList::LoadFromStream(TBinInStream* stream, ZoStreamable
 void TZoClassFieldPointerList::DeleteReferences(ZoStreamableBase* object,
                                                 bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                                 const void* context) {
-    GatherAction gather;
-    GetFieldMetaData(object, gather);
+    const std::vector<ZoStreamableBase*> items = ItemsOf(*this, object);
     bool any = false;
-    for (const ZoStreamableBase* item : gather.items)
-        any = any || (item != nullptr && isRemoved(context, item));
+    for (const ZoStreamableBase* item : items) any = any || (item != nullptr && isRemoved(context, item));
     if (!any) return;
     const int first = access.first != nullptr ? access.first(object, this) : 0;
     const int second = access.second != nullptr ? access.second(object, this) : 0;
     // Emptying the list must not end the items that go back into it.
-    for (const ZoStreamableBase* item : gather.items) ZoReferenceCount::Add(item);
+    for (const ZoStreamableBase* item : items) ZoReferenceCount::Add(item);
     CreateList(object, 0, first, second);
-    for (ZoStreamableBase* item : gather.items) {
+    for (ZoStreamableBase* item : items) {
         if (item == nullptr || !isRemoved(context, item)) Add(object, item);
     }
-    for (const ZoStreamableBase* item : gather.items) ZoReferenceCount::Surrender(item);
+    for (const ZoStreamableBase* item : items) ZoReferenceCount::Surrender(item);
 }
 
 // Maps
@@ -331,23 +319,21 @@ void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
         }
         return;
     }
-    GatherAction gatheredKeys;
-    GatherAction gatheredValues;
-    keys->GetFieldMetaData(object, gatheredKeys);
-    values->GetFieldMetaData(object, gatheredValues);
+    const std::vector<ZoStreamableBase*> gatheredKeys = ItemsOf(*keys, object);
+    const std::vector<ZoStreamableBase*> gatheredValues = ItemsOf(*values, object);
     const auto removed = [&](const ZoStreamableBase* item) {
         return item != nullptr && isRemoved(context, item);
     };
     std::vector<std::pair<ZoStreamableBase*, ZoStreamableBase*>> kept;
-    const std::size_t count = std::min(gatheredKeys.items.size(), gatheredValues.items.size());
+    const std::size_t count = std::min(gatheredKeys.size(), gatheredValues.size());
     for (std::size_t i = 0; i < count; ++i) {
-        if (!removed(gatheredKeys.items[i]) && !removed(gatheredValues.items[i])) {
-            kept.emplace_back(gatheredKeys.items[i], gatheredValues.items[i]);
+        if (!removed(gatheredKeys[i]) && !removed(gatheredValues[i])) {
+            kept.emplace_back(gatheredKeys[i], gatheredValues[i]);
         }
     }
     if (kept.size() == count) return;
     for (const auto* gathered : {&gatheredKeys, &gatheredValues}) {
-        for (const ZoStreamableBase* item : gathered->items) ZoReferenceCount::Add(item);
+        for (const ZoStreamableBase* item : *gathered) ZoReferenceCount::Add(item);
     }
     keys->CreateList(object, 0, 0, 0);
     values->CreateList(object, 0, 0, 0);
@@ -356,7 +342,7 @@ void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
         values->Add(object, valueObject);
     }
     for (const auto* gathered : {&gatheredKeys, &gatheredValues}) {
-        for (const ZoStreamableBase* item : gathered->items) ZoReferenceCount::Surrender(item);
+        for (const ZoStreamableBase* item : *gathered) ZoReferenceCount::Surrender(item);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/ZoMetaData.h"
 
+#include "Persistence/ItemAction.h"
 #include "Persistence/ReadPlan.h"
 #include "Persistence/RecordChecks.h"
 #include "Persistence/RecordFormat.h"
@@ -351,19 +352,10 @@ bool TZoMetaData::LevelsAreSound() const {
 }
 
 void TZoMetaData::FillObjectsCascade(TDVector<ZoStreamableBase*>* objects) {
-    class Owned : public ZoStreamableBaseFunctor {
-    public:
-        explicit Owned(TDVector<ZoStreamableBase*>& list) : list(list), known(list.begin(), list.end()) {}
-        void operator()(ZoStreamableBase* item) override {
-            if (item != nullptr && known.insert(item).second) list.Add(item);
-        }
-
-    private:
-        TDVector<ZoStreamableBase*>& list;
-        std::unordered_set<const ZoStreamableBase*> known;
-    };
-
-    Owned owned(*objects);
+    std::unordered_set<const ZoStreamableBase*> known(objects->begin(), objects->end());
+    ItemAction owned([&](ZoStreamableBase* item) {
+        if (item != nullptr && known.insert(item).second) objects->Add(item);
+    });
     for (unsigned long long i = 1; i <= objects->NItems(); ++i) {
         ZoStreamableBase* object = (*objects)[i];
         if (TZoClass* objectClass = object->GetOriginalClass(this))

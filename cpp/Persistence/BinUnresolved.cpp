@@ -22,7 +22,7 @@ void TBinUnresolvedPointers::Grow(std::size_t needed) {
 }
 
 void TBinUnresolvedPointers::LoadPointers(TZoClassField* field, int count, TBinInStream* stream) {
-    CheckRemaining(*stream, count, sizeof(std::int32_t));
+    CheckCount(stream->GetRemaining(), count, sizeof(std::int32_t));
     LoadPointer(field, count);
     for (int i = 0; i < count; ++i) {
         int uid = 0;

@@ -484,7 +484,7 @@ private:
             take(count);
             if (hasFirst) take(first);
             if (hasSecond) take(second);
-            CheckCount(take, count, itemSize);
+            CheckCount(take.Remaining(), count, itemSize);
         }
     };
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/XStream.h"
 
@@ -17,14 +16,10 @@ void CheckBytes(const Source& source, unsigned size) {
     if (source.Remaining() < size) ThrowRecordEnds();
 }
 
-/// Throws unless the record still holds `count` items of at least `itemSize` bytes each, and `count` is none
-/// negative.
-template <class Source>
-void CheckCount(const Source& source, int count, unsigned itemSize) {
-    if (count < 0 || static_cast<unsigned>(count) > source.Remaining() / itemSize) ThrowRecordEnds();
-}
-inline void CheckRemaining(const TBinInStream& stream, int count, unsigned itemSize) {
-    if (count < 0 || static_cast<unsigned>(count) > stream.GetRemaining() / itemSize) ThrowRecordEnds();
+/// Throws unless the `remaining` bytes of a record may hold `count` items of at least `itemSize` bytes each;
+/// `count` is not negative then.
+inline void CheckCount(unsigned remaining, int count, unsigned itemSize) {
+    if (count < 0 || static_cast<unsigned>(count) > remaining / itemSize) ThrowRecordEnds();
 }
 
 } // namespace ZoPrimitives

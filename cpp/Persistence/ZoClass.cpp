@@ -320,7 +320,7 @@ void TZoClass::LoadMetaFromStream(TBinInStream* stream) {
     if (marker == PARENTS_FOLLOW) {
         int count = 0;
         *stream >> count;
-        CheckRemaining(*stream, count, sizeof(std::int32_t));
+        CheckCount(stream->GetRemaining(), count, sizeof(std::int32_t));
         for (int i = 0; i < count; ++i) {
             int id = 0;
             *stream >> id;
@@ -341,7 +341,7 @@ int TZoClass::LoadBlock(TBinInStream* stream) {
     constexpr unsigned SMALLEST_ENTRY = 12;
     int count = 0;
     *stream >> count;
-    CheckRemaining(*stream, count, SMALLEST_ENTRY);
+    CheckCount(stream->GetRemaining(), count, SMALLEST_ENTRY);
     int kind = 0;
     for (int i = 0; i < count; ++i) {
         int fieldClassId = 0;

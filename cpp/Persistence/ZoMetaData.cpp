@@ -275,7 +275,7 @@ bool TZoMetaData::LoadFromStream(TBinInStream* stream, TZoMetaData* application)
     Clear();
     int count = 0;
     *stream >> count;
-    CheckRemaining(*stream, count, SMALLEST_CLASS);
+    CheckCount(stream->GetRemaining(), count, SMALLEST_CLASS);
     for (int i = 0; i < count; ++i) {
         const pointer<TZoClass> read(new TZoClass(this, nullptr, "", nullptr, false, nullptr));
         read->LoadMetaFromStream(stream);

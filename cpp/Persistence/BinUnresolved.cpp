@@ -1,5 +1,6 @@
 #include "ZoPrimitives/BinUnresolved.h"
 
+#include "Persistence/FieldCodec.h"
 #include "Persistence/RecordChecks.h"
 #include "ZoPrimitives/BinInStream.h"
 
@@ -23,12 +24,7 @@ void TBinUnresolvedPointers::Grow(std::size_t needed) {
 
 void TBinUnresolvedPointers::LoadPointers(TZoClassField* field, int count, TBinInStream* stream) {
     CheckCount(stream->GetRemaining(), count, sizeof(std::int32_t));
-    LoadPointer(field, count);
-    for (int i = 0; i < count; ++i) {
-        int uid = 0;
-        *stream >> uid;
-        LoadPointer(field, uid);
-    }
+    FieldCodec::LoadUids(VirtualSource{*stream}, *this, field, count);
 }
 
 const TBinUnresolved* TBinUnresolvedPointers::Find(int uid) const {

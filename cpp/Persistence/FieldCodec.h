@@ -162,12 +162,18 @@ public:
             return;
         }
         application->CreateList(object, head.count, head.first, head.second);
-        TBinUnresolvedPointers& unresolved = take.stream.UnresolvedPointers();
-        unresolved.LoadPointer(application, head.count);
-        for (int i = 0; i < head.count; ++i) {
+        LoadUids(take, take.stream.UnresolvedPointers(), application, head.count);
+    }
+
+    /// Notes a count, which the record was found to hold, and that many uids.
+    template <class Source>
+    static void LoadUids(const Source& take, TBinUnresolvedPointers& unresolved, TZoClassField* field,
+                         int count) {
+        unresolved.LoadPointer(field, count);
+        for (int i = 0; i < count; ++i) {
             int uid = 0;
             take(uid);
-            unresolved.LoadPointer(application, uid);
+            unresolved.LoadPointer(field, uid);
         }
     }
 

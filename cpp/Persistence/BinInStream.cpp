@@ -431,9 +431,6 @@ void TBinInStream::ForgetInstances() {
     unresolved->Clear();
 }
 
-void TBinInStream::ClearExcludedFields() {
-    tables->excluded.clear();
-    tables->firstExcluded = 0;
-}
+void TBinInStream::ClearExcludedFields() { InstanceTables::ForgetExcluded(*this); }
 
 } // namespace ZoPrimitives

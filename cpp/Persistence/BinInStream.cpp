@@ -39,13 +39,7 @@ TBinInStream::TBinInStream(const TBinInStream& other) : TBinInStream(other.suppo
 
 TBinInStream& TBinInStream::operator=(const TBinInStream& other) {
     if (this == &other) return *this;
-    version = other.version;
-    reserved1 = other.reserved1;
-    reserved2 = other.reserved2;
-    recordCount = other.recordCount;
-    release = other.release;
-    reserved3 = other.reserved3;
-    extraLength = other.extraLength;
+    header = other.header;
     supportedVersion = other.supportedVersion;
     crc = other.crc;
     classId = other.classId;
@@ -62,9 +56,7 @@ TBinInStream& TBinInStream::operator=(const TBinInStream& other) {
 TBinInStream::~TBinInStream() { std::free(buffer); }
 
 bool TBinInStream::operator==(const TBinInStream& other) const {
-    return version == other.version && reserved1 == other.reserved1 && reserved2 == other.reserved2 &&
-           recordCount == other.recordCount && release == other.release && reserved3 == other.reserved3 &&
-           extraLength == other.extraLength && recordSize == other.recordSize &&
+    return header == other.header && recordSize == other.recordSize &&
            (recordSize == 0 || std::memcmp(record, other.record, recordSize) == 0);
 }
 
@@ -248,14 +240,15 @@ void TBinInStream::ReadHeader(const char* location) {
 }
 
 bool TBinInStream::LoadHeader() {
-    *this >> version >> reserved1 >> reserved2 >> recordCount >> release >> reserved3 >> extraLength;
-    if (version >= RecordFormat::VERSION_LIMIT || release >= RecordFormat::RELEASE_LIMIT ||
-        extraLength >= RecordFormat::EXTRA_LENGTH_LIMIT) {
+    *this >> header.version >> header.reserved1 >> header.reserved2 >> header.recordCount >> header.release >>
+        header.reserved3 >> header.extraLength;
+    if (header.version >= RecordFormat::VERSION_LIMIT || header.release >= RecordFormat::RELEASE_LIMIT ||
+        header.extraLength >= RecordFormat::EXTRA_LENGTH_LIMIT) {
         return false;
     }
     // Nothing looks at the extra block, so one that is cut short is the next record's concern.
-    if (extraLength != 0 && !ReadAll(Buffer(), extraLength) && readError != 0) return false;
-    if (supportedVersion < version) throw XNewerVersion();
+    if (header.extraLength != 0 && !ReadAll(Buffer(), header.extraLength) && readError != 0) return false;
+    if (supportedVersion < header.version) throw XNewerVersion();
     return true;
 }
 
@@ -416,7 +409,7 @@ void TBinInStream::ReserveInstances() {
     // Room that is not used costs nothing; it stays within a small multiple of the data.
     constexpr std::size_t SMALLEST_RECORD = HEAD_SIZE + 1;
     const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
-    const std::size_t count = std::min<std::size_t>(recordCount, left / SMALLEST_RECORD);
+    const std::size_t count = std::min<std::size_t>(header.recordCount, left / SMALLEST_RECORD);
     objects.Reserve(count);
     tables->uids.reserve(count);
     tables->handles.Reserve(count + 1);

@@ -36,27 +36,21 @@ TBinOutStream::TBinOutStream() : TBinOutStream(0, 0) {}
 TBinOutStream::TBinOutStream(unsigned version, unsigned release)
     : TBinOutStream(version, release, Buffering::Gather) {}
 
-TBinOutStream::TBinOutStream(unsigned version, unsigned release, Buffering buffering)
-    : version(version), release(release), buffering(buffering) {
+TBinOutStream::TBinOutStream(unsigned version, unsigned release, Buffering buffering) : buffering(buffering) {
+    header.version = version;
+    header.release = release;
     Allocate(buffering == Buffering::Gather ? GATHER_CAPACITY : FIRST_KEEP_CAPACITY);
     SetBounds(0, 0);
     summedEnd = buffer;
 }
 
-TBinOutStream::TBinOutStream(const TBinOutStream& other)
-    : TBinOutStream(other.version, other.release, other.buffering) {
+TBinOutStream::TBinOutStream(const TBinOutStream& other) : TBinOutStream(0, 0, other.buffering) {
     *this = other;
 }
 
 TBinOutStream& TBinOutStream::operator=(const TBinOutStream& other) {
     if (this == &other) return *this;
-    version = other.version;
-    reserved1 = other.reserved1;
-    reserved2 = other.reserved2;
-    recordCount = other.recordCount;
-    release = other.release;
-    reserved3 = other.reserved3;
-    extraLength = other.extraLength;
+    header = other.header;
     lastUid = other.lastUid;
     usesSecurity = other.usesSecurity;
     const std::size_t payload = other.GetBufferSize();
@@ -78,9 +72,7 @@ TBinOutStream& TBinOutStream::operator=(const TBinOutStream& other) {
 TBinOutStream::~TBinOutStream() { std::free(buffer); }
 
 bool TBinOutStream::operator==(const TBinOutStream& other) const {
-    return version == other.version && reserved1 == other.reserved1 && reserved2 == other.reserved2 &&
-           recordCount == other.recordCount && release == other.release && reserved3 == other.reserved3 &&
-           extraLength == other.extraLength && GetBufferSize() == other.GetBufferSize() &&
+    return header == other.header && GetBufferSize() == other.GetBufferSize() &&
            std::memcmp(record, other.record, GetBufferSize()) == 0;
 }
 
@@ -185,13 +177,14 @@ void TBinOutStream::FlushRecord(int uid, [[maybe_unused]] int classId) {
     // is taken; the check on this path always holds, so the text is composed for nobody.
     if (lastUid <= uid) ZO_ASSERT_AT(lastUid <= uid, "last_uid <= streamableUid", SOURCE, 249);
     lastUid = uid;
-    ++recordCount;
+    ++header.recordCount;
 }
 
 void TBinOutStream::FreeResourses() {}
 
 void TBinOutStream::SaveHeader() {
-    *this << version << reserved1 << reserved2 << recordCount << release << reserved3 << extraLength;
+    *this << header.version << header.reserved1 << header.reserved2 << header.recordCount << header.release
+          << header.reserved3 << header.extraLength;
 }
 
 void TBinOutStream::RewriteHeader() {}
@@ -294,7 +287,7 @@ void TBinOutStream::PatchHeader() {
 
 void TBinOutStream::StartAnew() {
     DropGathered();
-    recordCount = 0;
+    header.recordCount = 0;
     lastUid = -1;
 }
 

@@ -14,8 +14,8 @@ namespace ZoPrimitives::RecordFormat {
 
 static_assert(std::endian::native == std::endian::little, "values are stored as they stand in memory");
 
-inline constexpr unsigned HEADER_FIELDS = 7;
-inline constexpr unsigned HEADER_SIZE = HEADER_FIELDS * 4;
+inline constexpr unsigned HEADER_SIZE = sizeof(TBinHeader);
+static_assert(HEADER_SIZE == 28);
 inline constexpr unsigned VERSION_LIMIT = 10'000;      // refused from here on
 inline constexpr unsigned RELEASE_LIMIT = 1'000'000;   // likewise
 inline constexpr unsigned EXTRA_LENGTH_LIMIT = 65'536; // likewise

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZoPrimitives/BinHeader.h"
 #include "ZoPrimitives/ZoObject.h"
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/dvector.h"
@@ -76,10 +77,10 @@ public:
     /// The handle of the file that the stream reads; null where there is none.
     virtual void* GetFile() const;
 
-    unsigned GetVersion() const { return version; }
-    unsigned GetRelease() const { return release; }
+    unsigned GetVersion() const { return header.version; }
+    unsigned GetRelease() const { return header.release; }
     /// The record count that the header holds.
-    unsigned GetNInstances() const { return recordCount; }
+    unsigned GetNInstances() const { return header.recordCount; }
     /// The uid of the current record.
     int GetCurrentUID() const { return currentUid; }
     /// Bytes passed over so far while looking for records.
@@ -198,13 +199,7 @@ private:
     unsigned char* Buffer();
     void UseBuffer(unsigned size);
 
-    unsigned version = 0;
-    unsigned reserved1 = 0;
-    unsigned reserved2 = 0;
-    unsigned recordCount = 0;
-    unsigned release = 0;
-    unsigned reserved3 = 0;
-    unsigned extraLength = 0;
+    TBinHeader header;
     unsigned supportedVersion;
     bool ownsSource;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZoPrimitives/BinHeader.h"
 #include "ZoPrimitives/ZoHandleTable.h"
 #include "ZoPrimitives/ZoObject.h"
 
@@ -72,9 +73,9 @@ public:
     /// Bytes of the open record so far.
     unsigned GetBufferSize() const { return static_cast<unsigned>(position - record); }
     /// Number of `FlushRecord` calls so far.
-    unsigned GetNInstances() const { return recordCount; }
-    unsigned GetVersion() const { return version; }
-    unsigned GetRelease() const { return release; }
+    unsigned GetNInstances() const { return header.recordCount; }
+    unsigned GetVersion() const { return header.version; }
+    unsigned GetRelease() const { return header.release; }
 
     /// The uid that this stream gave to an object; 0 when it has none.
     int GetHandle(const ZoStreamableBase* object) const { return handles.Get(object); }
@@ -162,13 +163,7 @@ private:
     [[noreturn]] void RefuseHandle();
     void SumGathered(const unsigned char* end);
 
-    unsigned version = 0;
-    unsigned reserved1 = 0;
-    unsigned reserved2 = 0;
-    unsigned recordCount = 0;
-    unsigned release = 0;
-    unsigned reserved3 = 0;
-    unsigned extraLength = 0;
+    TBinHeader header;
     int lastUid = -1;
     bool usesSecurity = false;
     Buffering buffering;

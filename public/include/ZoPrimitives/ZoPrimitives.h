@@ -2,6 +2,7 @@
 
 // The whole library.
 
+#include "ZoPrimitives/BinHeader.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinInStreamer.h"
 #include "ZoPrimitives/BinOutStream.h"

@@ -38,6 +38,8 @@ enum Error : unsigned long {
     ErrorOperationAborted = 995,
     ErrorInvalidAddress = 998,
     ErrorDevice = 1117,
+    ErrorInvalidOwner = 1307,
+    ErrorClipboardNotOpen = 1418,
     ErrorUnresolvedLink = 1921,
 };
 
@@ -93,6 +95,28 @@ public:
     /// A fresh name for a file beside `target`, in the same folder; the file has been created, empty, and can
     /// be opened for writing even where `target` is read-only. Empty when none could be made.
     virtual std::string TemporaryFileName(const char* target);
+
+    /// The number of a registered format, by its name (no difference is made between capital and small
+    /// letters), which is registered on first use; it holds in this process only. 0 on failure: the name is
+    /// empty or longer than the system takes.
+    virtual unsigned ClipboardFormat(const char* name);
+    /// Opens the clipboard for the calling thread, alone among the threads and processes of the user. While
+    /// another has it, waits a second at most (`Wait`), then it is a sharing violation; a thread that has it
+    /// open itself is refused at once. A store that others than the user could reach (POSIX: not the user's
+    /// own folder, open permissions, a link in its place) is an invalid owner.
+    virtual bool OpenClipboard();
+    /// Does nothing on a thread that has not opened it. What is left open is closed when the thread ends.
+    virtual void CloseClipboard();
+    /// The data in a format, valid until the clipboard is closed or asked or written again; null when there
+    /// is none. The system may have rounded `size` up: zeros follow the data then. An empty block is one
+    /// without bytes or with a few zeros.
+    virtual const void* ClipboardData(unsigned format, std::size_t& size);
+    /// Empties the clipboard, all formats, and puts a copy of the data there; `data` may be null when `size`
+    /// is 0. It stays when the process ends. After a failure the clipboard holds what it held, or nothing.
+    virtual bool SetClipboardData(unsigned format, const void* data, std::size_t size);
+
+    /// Sleeps. What waits for others waits by this.
+    virtual void Wait(unsigned milliseconds);
 
     /// An error box with an OK button, without owner and caption; returns when it was closed.
     /// Without a display (POSIX) it does nothing: an application there says it by an assertion functor of its

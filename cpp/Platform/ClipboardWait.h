@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Platform/Platform.h"
+
+namespace ZoPrimitives::Platform {
+
+/// Tries until `attempt` no longer answers that another has the clipboard, for a second; then false, a
+/// sharing violation.
+template <class Attempt>
+bool AwaitClipboard(Services& services, Attempt attempt) {
+    constexpr unsigned Pause = 10;
+    constexpr unsigned Pauses = 100;
+    for (unsigned paused = 0;; ++paused) {
+        if (attempt()) return true;
+        if (LastError() != ErrorSharingViolation || paused == Pauses) return false;
+        services.Wait(Pause);
+    }
+}
+
+} // namespace ZoPrimitives::Platform

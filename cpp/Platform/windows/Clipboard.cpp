@@ -1,0 +1,113 @@
+#include "Platform/ClipboardWait.h"
+
+#include <atomic>
+#include <cstring>
+#include <utility>
+
+#include <windows.h>
+
+namespace ZoPrimitives::Platform {
+
+namespace {
+
+// The thread of this process that has the clipboard open; 0: none. The system takes threads that open it
+// without a window for one and the same.
+std::atomic<DWORD> holder = 0;
+
+struct Opened {
+    HGLOBAL locked = nullptr;
+    bool open = false;
+
+    void Unlock() {
+        if (locked != nullptr) GlobalUnlock(std::exchange(locked, nullptr));
+    }
+    void Close() {
+        if (!open) return;
+        Unlock();
+        ::CloseClipboard();
+        open = false;
+        holder = 0;
+    }
+    ~Opened() { Close(); }
+};
+
+thread_local Opened opened;
+
+bool TryToOpen() {
+    DWORD nobody = 0;
+    if (!holder.compare_exchange_strong(nobody, GetCurrentThreadId())) {
+        SetLastError(ErrorSharingViolation);
+        return false;
+    }
+    if (::OpenClipboard(nullptr)) {
+        opened.open = true;
+        return true;
+    }
+    const unsigned long error = LastError();
+    holder = 0;
+    // This is how the system says that another program has it open.
+    SetLastError(error == ErrorAccessDenied ? ErrorSharingViolation : error);
+    return false;
+}
+
+bool OpenedHere() {
+    if (!opened.open) SetLastError(ErrorClipboardNotOpen);
+    return opened.open;
+}
+
+} // namespace
+
+unsigned Services::ClipboardFormat(const char* name) {
+    if (name == nullptr || *name == '\0') {
+        SetLastError(ErrorInvalidParameter);
+        return 0;
+    }
+    return RegisterClipboardFormatA(name);
+}
+
+bool Services::OpenClipboard() {
+    if (opened.open) {
+        SetLastError(ErrorSharingViolation);
+        return false;
+    }
+    return AwaitClipboard(*this, TryToOpen);
+}
+
+void Services::CloseClipboard() { opened.Close(); }
+
+const void* Services::ClipboardData(unsigned format, std::size_t& size) {
+    size = 0;
+    if (!OpenedHere()) return nullptr;
+    opened.Unlock();
+    const HGLOBAL block = GetClipboardData(format);
+    if (block == nullptr) return nullptr;
+    if (const void* data = GlobalLock(block)) {
+        opened.locked = block;
+        size = GlobalSize(block);
+        return data;
+    }
+    // A block without bytes cannot be locked.
+    static const unsigned char nothing = 0;
+    return GlobalSize(block) == 0 ? &nothing : nullptr;
+}
+
+bool Services::SetClipboardData(unsigned format, const void* data, std::size_t size) {
+    if (!OpenedHere()) return false;
+    // One without bytes could be neither filled nor read.
+    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size != 0 ? size : 1);
+    if (block == nullptr) return false;
+    void* const bytes = GlobalLock(block);
+    if (bytes != nullptr) {
+        if (size != 0) std::memcpy(bytes, data, size);
+        GlobalUnlock(block);
+        opened.Unlock();
+        // What the system has taken is the system's.
+        if (EmptyClipboard() && ::SetClipboardData(format, block) != nullptr) return true;
+    }
+    const unsigned long error = LastError();
+    GlobalFree(block);
+    SetLastError(error);
+    return false;
+}
+
+} // namespace ZoPrimitives::Platform

@@ -1,0 +1,215 @@
+#include "Platform/Platform.h"
+#include "support/PrivateClipboard.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <gmock/gmock.h>
+#include <optional>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace ZoPrimitives::Platform;
+using testing::ElementsAre;
+using ZoPrimitives::Testing::PrivateClipboard;
+using ZoPrimitives::Testing::TemporaryFolder;
+
+constexpr const char* Folder = "zoprimitives-clipboard";
+
+struct Impatient : Services {
+    void Wait(unsigned) override {}
+};
+
+// Another process that runs `body`; its exit code.
+int Elsewhere(const std::function<int()>& body) {
+    const pid_t process = fork();
+    if (process == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        _exit(body());
+    }
+    int status = 0;
+    waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool Copy(unsigned format, const std::string& bytes) {
+    if (!Current().OpenClipboard()) return false;
+    const bool set = Current().SetClipboardData(format, bytes.data(), bytes.size());
+    Current().CloseClipboard();
+    return set;
+}
+
+std::optional<std::string> Paste(unsigned format) {
+    if (!Current().OpenClipboard()) return std::nullopt;
+    std::optional<std::string> bytes;
+    std::size_t size = 0;
+    if (const void* data = Current().ClipboardData(format, size))
+        bytes = std::string(static_cast<const char*>(data), size);
+    Current().CloseClipboard();
+    return bytes;
+}
+
+struct PosixClipboardTests : testing::Test {
+    ~PosixClipboardTests() override { Current().CloseClipboard(); }
+
+    PrivateClipboard clipboard;
+    unsigned format = Current().ClipboardFormat("Zo Test");
+    std::string store = clipboard.Folder().Path(Folder);
+    std::string file = store + "/zo%20test";
+};
+
+TEST_F(PosixClipboardTests, IsAFolderOfTheUsersOwn) {
+    EXPECT_TRUE(Copy(format, "data"));
+    struct stat status = {};
+    ASSERT_EQ(stat(store.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0700u);
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600u);
+    EXPECT_EQ(Paste(format), "data");
+}
+
+TEST_F(PosixClipboardTests, IsRefusedWhereOthersCouldReachIt) {
+    const TemporaryFolder elsewhere;
+    const struct {
+        const char* name;
+        std::function<void()> plant;
+        unsigned long error;
+    } rows[] = {
+        {"open permissions", [&] { mkdir(store.c_str(), 0700), chmod(store.c_str(), 0750); },
+         ErrorInvalidOwner},
+        {"a link to a private folder", [&] { symlink(elsewhere.Path().c_str(), store.c_str()); },
+         ErrorInvalidOwner},
+        {"a link to nothing", [&] { symlink("nothing", store.c_str()); }, ErrorInvalidOwner},
+        {"a file", [&] { clipboard.Folder().Write(Folder, ""); }, ErrorInvalidOwner},
+    };
+    chmod(elsewhere.Path().c_str(), 0700);
+    for (const auto& row : rows) {
+        row.plant();
+        EXPECT_FALSE(Current().OpenClipboard()) << row.name;
+        EXPECT_EQ(LastError(), row.error) << row.name;
+        std::filesystem::remove(store);
+    }
+}
+
+TEST_F(PosixClipboardTests, IsRefusedToAnotherUser) {
+    if (geteuid() != 0) GTEST_SKIP() << "takes a superuser to be another user";
+    EXPECT_TRUE(Copy(format, "root's"));
+    chmod(clipboard.Folder().Path().c_str(), 0777);
+    const int outcome = Elsewhere([&] {
+        if (seteuid(12345) != 0) return 98;
+        setenv("TMPDIR", clipboard.Folder().Path().c_str(), 1);
+        // Not this user's run-time folder: in the temporary one, under the user's number.
+        if (!Copy(format, "theirs") || Paste(format) != "theirs") return 1;
+        if (!std::filesystem::exists(store + "-12345")) return 2;
+        // Where somebody else has made a folder under that name before.
+        std::filesystem::rename(store + "-12345", store + "-old");
+        if (seteuid(0) != 0) return 98;
+        mkdir((store + "-12345").c_str(), 0700);
+        if (chown((store + "-12345").c_str(), 54321, 54321) != 0 || seteuid(12345) != 0) return 98;
+        return Current().OpenClipboard() ? 3 : static_cast<int>(LastError() == ErrorInvalidOwner ? 0 : 4);
+    });
+    EXPECT_EQ(outcome, 0);
+    EXPECT_EQ(Paste(format), "root's");
+}
+
+TEST_F(PosixClipboardTests, IsInTheTemporaryFolderWithoutARunTimeFolder) {
+    for (const char* runTime : {"", "relative", "/nowhere/at/all"}) {
+        const TemporaryFolder temporary;
+        EXPECT_EQ(Elsewhere([&] {
+                      setenv("TMPDIR", temporary.Path().c_str(), 1);
+                      setenv("XDG_RUNTIME_DIR", runTime, 1);
+                      return Copy(format, "data") && Paste(format) == "data" ? 0 : 1;
+                  }),
+                  0)
+            << runTime;
+        EXPECT_THAT(temporary.Names(), ElementsAre(std::string(Folder) + "-" + std::to_string(geteuid())));
+    }
+}
+
+TEST_F(PosixClipboardTests, TakesNothingButAFileForData) {
+    const TemporaryFolder elsewhere;
+    elsewhere.Write("secret", "secret");
+    EXPECT_TRUE(Copy(format, "data"));
+    const struct {
+        const char* name;
+        std::function<void()> plant;
+    } rows[] = {
+        {"a pipe", [&] { mkfifo(file.c_str(), 0600); }},
+        {"a link", [&] { symlink(elsewhere.Path("secret").c_str(), file.c_str()); }},
+        {"a folder", [&] { mkdir(file.c_str(), 0700); }},
+    };
+    for (const auto& row : rows) {
+        std::filesystem::remove(file);
+        row.plant();
+        EXPECT_EQ(Paste(format), std::nullopt) << row.name;
+    }
+    std::filesystem::remove(file);
+    // What lies where the new file is made is not written to either.
+    symlink(elsewhere.Path("secret").c_str(), (store + "/+new").c_str());
+    EXPECT_TRUE(Copy(format, "data"));
+    EXPECT_EQ(Paste(format), "data");
+    EXPECT_EQ(elsewhere.Read("secret"), "secret");
+}
+
+TEST_F(PosixClipboardTests, GoesWithNoOneWhoHasItOpen) {
+    ASSERT_TRUE(Current().OpenClipboard());
+    Impatient services;
+    EXPECT_EQ(Elsewhere([&] { return services.OpenClipboard() ? 0 : static_cast<int>(LastError()); }), 32);
+    // A child that closes, or ends, does not close it for its parent.
+    EXPECT_EQ(Elsewhere([] { return Current().CloseClipboard(), 0; }), 0);
+    EXPECT_EQ(Elsewhere([&] { return services.OpenClipboard() ? 0 : static_cast<int>(LastError()); }), 32);
+    Current().CloseClipboard();
+
+    EXPECT_EQ(Elsewhere([] {
+                  if (Current().OpenClipboard()) raise(SIGKILL);
+                  return 1;
+              }),
+              -1);
+    EXPECT_TRUE(services.OpenClipboard()) << "after a crash";
+}
+
+TEST_F(PosixClipboardTests, FolderThatWasDeletedIsMadeAgain) {
+    ASSERT_TRUE(Current().OpenClipboard());
+    std::filesystem::remove(store);
+    EXPECT_FALSE(Current().SetClipboardData(format, "x", 1));
+    Current().CloseClipboard();
+    EXPECT_TRUE(Copy(format, "data"));
+    EXPECT_EQ(Paste(format), "data");
+}
+
+TEST_F(PosixClipboardTests, WritersAtOnceLeaveOneWholeBlock) {
+    constexpr int Writers = 4, Rounds = 50;
+    std::vector<pid_t> writers;
+    for (int i = 0; i < Writers; ++i) {
+        writers.push_back(fork());
+        if (writers.back() != 0) continue;
+        const std::string block(static_cast<std::size_t>(100'000 + i), static_cast<char>('a' + i));
+        int left = Rounds;
+        while (left > 0)
+            if (Copy(format, block)) --left;
+        _exit(0);
+    }
+    int whole = 0, mixed = 0;
+    const auto look = [&] {
+        const std::optional<std::string> held = Paste(format);
+        if (!held) return;
+        const auto writer = static_cast<std::size_t>(held->front() - 'a');
+        (held == std::string(100'000 + writer, held->front()) ? whole : mixed) += 1;
+    };
+    for (const pid_t writer : writers) {
+        int status = 0;
+        while (waitpid(writer, &status, WNOHANG) == 0) look();
+        EXPECT_EQ(status, 0);
+    }
+    look();
+    EXPECT_GT(whole, 0);
+    EXPECT_EQ(mixed, 0);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(store), {}), 1);
+}
+
+} // namespace

@@ -1,0 +1,8 @@
+#include "ZoPrimitives/OutputStream.h"
+
+namespace ZoPrimitives {
+
+OutputStream::OutputStream() = default;
+OutputStream::~OutputStream() = default;
+
+} // namespace ZoPrimitives

@@ -1,15 +1,14 @@
 #include "ZoPrimitives/ZoString.h"
 
 #include "Platform/Platform.h"
+#include "ZoPrimitives/NumberText.h"
 
 #include <algorithm>
 #include <charconv>
-#include <climits>
 #include <cmath>
 #include <cstdarg>
 #include <cstdlib>
 #include <functional>
-#include <limits>
 #include <string_view>
 
 namespace ZoPrimitives {
@@ -21,8 +20,6 @@ constexpr std::size_t FORMAT_SIZE = 10'000;
 constexpr std::size_t NUMBER_SIZE = 512; // "%f" of the largest double takes 317
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
-bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
 /// `count` bytes and a terminator; the empty string without memory for that, null without memory for one
@@ -55,39 +52,6 @@ char* Fixed(double value) noexcept {
 
 int Position(std::size_t pos) { return static_cast<int>(pos); }
 int Position(std::string_view text, std::size_t pos) { return pos < text.size() ? Position(pos) : -1; }
-
-/// Whether a number that is out of range is too large rather than too small. `text` starts at its first digit
-/// or point.
-bool TooLarge(std::string_view text, bool hexadecimal) {
-    long long scale = 0; // of the first digit that is not zero, in digits
-    bool point = false;
-    bool significant = false;
-    std::size_t i = 0;
-    for (; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '.' && !point) {
-            point = true;
-        } else if (hexadecimal ? IsHexDigit(c) : IsDigit(c)) {
-            if (!significant && c != '0') significant = true;
-            if (significant && !point) ++scale;
-            if (!significant && point) --scale;
-        } else {
-            break;
-        }
-    }
-    if (hexadecimal) scale *= 4;
-    if (i < text.size() && (text[i] | 0x20) == (hexadecimal ? 'p' : 'e')) {
-        ++i;
-        const bool negative = i < text.size() && text[i] == '-';
-        if (i < text.size() && (text[i] == '-' || text[i] == '+')) ++i;
-        long long exponent = 0;
-        for (; i < text.size() && IsDigit(text[i]); ++i) {
-            exponent = std::min(exponent * 10 + (text[i] - '0'), LLONG_MAX / 16);
-        }
-        scale += negative ? -exponent : exponent;
-    }
-    return scale > 0;
-}
 
 /// One key after the other of the natural order, from the left: the counter that runs from the right is ten
 /// for every digit to come.
@@ -209,43 +173,9 @@ ZoString ZoString::operator+(const char* text) const noexcept {
     return result;
 }
 
-int ZoString::ToInt() const noexcept {
-    const char* p = c_str();
-    while (IsBlank(*p)) ++p;
-    const bool negative = *p == '-';
-    if (*p == '-' || *p == '+') ++p;
-    long long value = 0;
-    for (; IsDigit(*p); ++p) value = std::min(value * 10 + (*p - '0'), LLONG_MAX / 16);
-    if (negative) value = -value;
-    return static_cast<int>(std::clamp<long long>(value, INT_MIN, INT_MAX));
-}
+int ZoString::ToInt() const noexcept { return IntOf({c_str(), Size()}); }
 
-double ZoString::ToDouble() const noexcept {
-    const char* p = c_str();
-    while (IsBlank(*p)) ++p;
-    const bool negative = *p == '-';
-    if (*p == '-' || *p == '+') ++p;
-    if (*p == '-') return 0; // `from_chars` would take a second minus
-
-    const char* end = p + std::strlen(p);
-    double value = 0;
-    std::from_chars_result result{p, std::errc::invalid_argument};
-    const bool hexadecimal = p[0] == '0' && (p[1] == 'x' || p[1] == 'X');
-    if (hexadecimal) {
-        if (p[2] != '-') result = std::from_chars(p + 2, end, value, std::chars_format::hex);
-        // Not "0xinf" or "0xnan" either: there the number is the leading zero.
-        if (!std::isfinite(value)) value = 0;
-    } else {
-        result = std::from_chars(p, end, value);
-        if (result.ec == std::errc::invalid_argument) return 0;
-    }
-    if (result.ec == std::errc::result_out_of_range) {
-        const char* digits = hexadecimal ? p + 2 : p;
-        const std::string_view text(digits, static_cast<std::size_t>(end - digits));
-        value = TooLarge(text, hexadecimal) ? std::numeric_limits<double>::infinity() : 0;
-    }
-    return negative ? -value : value;
-}
+double ZoString::ToDouble() const noexcept { return RealOf({c_str(), Size()}); }
 
 bool ZoString::operator==(const ZoObject& other) const {
     const auto* text = dynamic_cast<const ZoString*>(&other);

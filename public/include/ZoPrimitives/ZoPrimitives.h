@@ -16,6 +16,7 @@
 #include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/InputStream.h"
+#include "ZoPrimitives/Math2.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/MemoryBinOutStream.h"
 #include "ZoPrimitives/MurmurHash2.h"

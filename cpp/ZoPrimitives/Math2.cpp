@@ -1,0 +1,281 @@
+#include "ZoPrimitives/Math2.h"
+
+#include "ZoPrimitives/Saturated.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <system_error>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr double TWO_PI = 6.283185307179586;
+
+constexpr double TOLERANCES[] = {1e0,   1e-1,  1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e-7,
+                                 1e-8,  1e-9,  1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15,
+                                 1e-16, 1e-17, 1e-18, 1e-19, 1e-20, 0.0,   0.0};
+
+constexpr double EXACT_POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+constexpr unsigned MAX_DECIMALS = std::numeric_limits<double>::max_exponent10; // of a finite power of ten
+
+double Tolerance(unsigned precision) {
+    ZO_ASSERT(precision <= 22, "precision <= 22", "cpp/ZoPrimitives/Math2");
+    return TOLERANCES[precision];
+}
+
+/// The double nearest to 10 to the power, which `sign` leads; infinite or 0 when out of range.
+double Power(char sign, unsigned exponent) {
+    char text[16] = {'1', 'e', sign};
+    const char* end = std::to_chars(text + 3, text + sizeof(text), exponent).ptr;
+    double power = 0;
+    if (std::from_chars(text, end, power).ec == std::errc()) return power;
+    return sign == '-' ? 0 : std::numeric_limits<double>::infinity();
+}
+
+/// 10^exponent: exact up to 22, infinite from 309 on.
+double PowerOfTen(unsigned exponent) {
+    if (exponent < std::size(EXACT_POWERS)) return EXACT_POWERS[exponent];
+    return exponent <= MAX_DECIMALS ? Power('+', exponent) : std::numeric_limits<double>::infinity();
+}
+
+/// 10^-exponent.
+double InversePowerOfTen(unsigned exponent) {
+    return exponent <= 20 ? TOLERANCES[exponent] : Power('-', exponent);
+}
+
+/// Multiplies by 10 until the magnitude, not 0, reaches `low`; returns the number of steps.
+int ScaleUp(double& value, double low) {
+    int steps = 0;
+    for (; !GreaterEqual(std::abs(value), low, 20); ++steps) value *= 10;
+    return steps;
+}
+
+/// Multiplies by 0.1 until the magnitude, which is finite, falls below `high`; returns the number of steps.
+int ScaleDown(double& value, double high) {
+    int steps = 0;
+    for (; !Less(std::abs(value), high, 20); ++steps) value *= 0.1;
+    return steps;
+}
+
+/// The exponent with which the magnitude gets `intDigits` digits before the point, to which `value` is
+/// scaled.
+int Normalise(double& value, unsigned intDigits) {
+    const double limit = PowerOfTen(intDigits);
+    const double magnitude = std::abs(value);
+    if (!std::isfinite(value) || !std::isfinite(limit)) return 0;
+    if (Equal(value, 0, 20) || Equal(magnitude, limit, 20)) return 0;
+    return Greater(magnitude, limit, 20) ? ScaleDown(value, limit) : -ScaleUp(value, limit / 10);
+}
+
+ZoString WithExponent(const ZoString& mantissa, int exponent) {
+    return exponent != 0 ? mantissa + "x10^" + exponent : mantissa;
+}
+
+} // namespace
+
+bool Equal(double a, double b, unsigned precision) { return Tolerance(precision) > std::abs(a - b); }
+
+bool Different(double a, double b, unsigned precision) { return !Equal(a, b, precision); }
+
+bool Less(double a, double b, unsigned precision) { return !Equal(a, b, precision) && b > a; }
+
+bool LessEqual(double a, double b, unsigned precision) {
+    return Less(a, b, precision) || Equal(a, b, precision);
+}
+
+bool Greater(double a, double b, unsigned precision) {
+    return !Less(a, b, precision) && !Equal(a, b, precision);
+}
+
+bool GreaterEqual(double a, double b, unsigned precision) { return !Less(a, b, precision); }
+
+double Min(double a, double b, unsigned precision) { return Less(a, b, precision) ? a : b; }
+
+double Max(double a, double b, unsigned precision) { return Less(b, a, precision) ? a : b; }
+
+bool Between(double x, double low, double high, unsigned precision) {
+    return Greater(x, low, precision) && Less(x, high, precision);
+}
+
+bool BetweenEqual(double x, double low, double high, unsigned precision) {
+    return GreaterEqual(x, low, precision) && LessEqual(x, high, precision);
+}
+
+double Clamp(double value, double upper, double lower) { return Max(lower, Min(upper, value, 4), 4); }
+
+double IntPart(double x) { return x < 0 ? std::ceil(x) : std::floor(x); }
+
+double ExRound(double x, unsigned decimals) {
+    if (decimals > MAX_DECIMALS) return std::numeric_limits<double>::quiet_NaN();
+    const double sign = x < 0 ? -1 : 1;
+    const double whole = IntPart(x);
+    const double fraction = std::abs(x - whole);
+    const double power = PowerOfTen(decimals);
+    const double scaled = (fraction + 5 * InversePowerOfTen(decimals + 1)) * power;
+    return whole + sign * IntPart(scaled) / power;
+}
+
+double RobustRound(double x, unsigned decimals) {
+    if (decimals > MAX_DECIMALS) return std::numeric_limits<double>::quiet_NaN();
+    return ExRound(ExRound(x, decimals + 2), decimals);
+}
+
+double RoundUp(double x, unsigned decimals) {
+    const double power = PowerOfTen(decimals);
+    return std::ceil(ExRound(x * power, 1)) / power;
+}
+
+double RoundDown(double x, unsigned decimals) {
+    const double power = PowerOfTen(decimals);
+    return std::floor(x * power) / power;
+}
+
+double Round(long double x) { return std::floor(static_cast<double>(x) + 0.5); }
+
+double RoundNearest(long double x) {
+    const auto value = static_cast<double>(x);
+    const double below = std::floor(value);
+    return value > below + 0.5 ? std::ceil(value) : below;
+}
+
+int RoundUp(long double x) { return Saturated(std::ceil(static_cast<double>(x))); }
+
+double AdjustAngle(double x) {
+    const double rest = x - Saturated(x / TWO_PI) * TWO_PI;
+    return rest < 0 ? rest + TWO_PI : rest;
+}
+
+double ExAdjustAngle(double angle, unsigned precision, bool radians) {
+    const double full = radians ? ExRound(TWO_PI, precision) : 360.0;
+    const double x = ExRound(angle, precision);
+    const double rest = ExRound(x - Saturated(x / full) * full, precision);
+    return Less(rest, 0.0, precision) ? rest + full : rest;
+}
+
+bool Bhaskara(double& x1, double& x2, double a, double b, double c) {
+    const double discriminant = b * b - (4 * a) * c;
+    if (discriminant < 0) return false;
+    const double root = std::sqrt(discriminant);
+    x1 = (root - b) / (2 * a);
+    x2 = (-b - root) / (2 * a);
+    return true;
+}
+
+float Interpolacao(float x0, float x1, float x, float y0, float y1) {
+    return ((y1 - y0) / (x1 - x0)) * (x - x0) + y0;
+}
+
+double Interpolacao(double x0, double x1, double x, double y0, double y1) {
+    return ((y1 - y0) / (x1 - x0)) * (x - x0) + y0;
+}
+
+int Factorial(int n) {
+    std::uint32_t product = 1;
+    for (int i = 2; i <= n && product != 0; ++i) product *= static_cast<std::uint32_t>(i);
+    return static_cast<int>(product);
+}
+
+long double Distance(long double x1, long double y1, long double z1, long double x2, long double y2,
+                     long double z2) {
+    const double x = static_cast<double>(x2) - static_cast<double>(x1);
+    const double y = static_cast<double>(y2) - static_cast<double>(y1);
+    const double z = static_cast<double>(z2) - static_cast<double>(z1);
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+bool IsNan(double x) { return std::isnan(x); }
+
+unsigned SwapBytes(unsigned) { return 0; }
+
+int HexStrToInt(const char* text) {
+    if (text == nullptr) return 0;
+    if (text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) text += 2;
+    std::uint32_t value = 0;
+    for (;; ++text) {
+        unsigned digit = 0;
+        if (*text >= '0' && *text <= '9') {
+            digit = static_cast<unsigned>(*text - '0');
+        } else if (*text >= 'A' && *text <= 'F') {
+            digit = static_cast<unsigned>(*text - 'A' + 10);
+        } else if (*text >= 'a' && *text <= 'f') {
+            digit = static_cast<unsigned>(*text - 'a' + 10);
+        } else {
+            return static_cast<int>(value);
+        }
+        value = value * 16 + digit;
+    }
+}
+
+unsigned long DoubleArrayToColor(const double rgb[3]) {
+    ZoString text;
+    for (int i = 0; i < 3; ++i) {
+        const int component = ZoString(rgb[i] * 255.0).ToInt();
+        text += ZoString::FormatString("%.2X", static_cast<unsigned>(component));
+    }
+    return static_cast<std::uint32_t>(HexStrToInt(text.c_str()));
+}
+
+void ULongToDoubleArray(unsigned long color, double out[3]) {
+    const ZoString text = ZoString::FormatString("%.6X", static_cast<unsigned>(color));
+    for (unsigned i = 0; i < 3; ++i) {
+        const unsigned first = 4 - 2 * i;
+        out[i] = HexStrToInt(text.substr(first, first + 1).c_str()) / 255.0;
+    }
+}
+
+ZoString FormatFloat(double value, unsigned decimals, bool keepZeros, char separator) {
+    double rounded = ExRound(value, decimals);
+    if (!std::isfinite(rounded)) return "nan";
+    if (rounded == 0) rounded = 0; // not -0
+
+    char text[2 * MAX_DECIMALS + 8]; // sign, digits, point, decimals
+    char* end = std::to_chars(text, text + sizeof(text), rounded, std::chars_format::fixed,
+                              static_cast<int>(decimals))
+                    .ptr;
+    if (decimals != 0) {
+        char* point = end - decimals - 1;
+        if (!keepZeros) {
+            while (end[-1] == '0') --end;
+            if (end[-1] == '.') --end;
+        }
+        if (point < end) *point = separator;
+    }
+    return {text, static_cast<unsigned>(end - text)};
+}
+
+ZoString FormatFloatInScientificNotation(double value, unsigned intDigits, unsigned decimals, bool keepZeros,
+                                         char separator) {
+    double mantissa = value;
+    const int exponent = Normalise(mantissa, intDigits);
+    return WithExponent(FormatFloat(mantissa, decimals, keepZeros, separator), exponent);
+}
+
+ZoString FormatFloatInScientificNotationWithFixedExponent(double value, int exponent, unsigned decimals,
+                                                          bool keepZeros, char separator) {
+    double mantissa = value;
+    const double step = exponent > 0 ? 0.1 : 10;
+    const int direction = exponent > 0 ? 1 : -1;
+    for (int i = 0; i != exponent && mantissa != 0 && std::isfinite(mantissa); i += direction)
+        mantissa *= step;
+    if (!std::isfinite(mantissa)) return "nan";
+
+    unsigned wanted = decimals;
+    if (!Less(std::abs(mantissa), 10, 20)) {
+        wanted = std::max(decimals, 2u);
+    } else if (!Equal(value, 0, 20) && decimals < MAX_DECIMALS) {
+        double normal = value;
+        const long long missing = static_cast<long long>(exponent) - Normalise(normal, 1);
+        wanted +=
+            static_cast<unsigned>(std::clamp(missing, 0LL, static_cast<long long>(MAX_DECIMALS - decimals)));
+    }
+    return WithExponent(FormatFloat(mantissa, wanted, keepZeros, separator), exponent);
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,378 @@
+#include "ZoPrimitives/Math2.h"
+
+#include "support/Assertions.h"
+#include "support/CommaLocale.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+constexpr double PI = 3.141592653589793;
+constexpr double INF = std::numeric_limits<double>::infinity();
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+/// The same bits, or both NaN.
+void ExpectSame(double actual, double expected, const char* name) {
+    if (std::isnan(expected)) {
+        EXPECT_TRUE(std::isnan(actual)) << name << ": " << actual;
+    } else {
+        EXPECT_EQ(actual, expected) << name;
+        EXPECT_EQ(std::signbit(actual), std::signbit(expected)) << name;
+    }
+}
+
+TEST(Math2Test, ComparesWithinTheTolerance) {
+    const struct {
+        const char* name;
+        double a, b;
+        unsigned precision;
+        bool equal, less, lessEqual, greater, greaterEqual;
+    } cases[] = {
+        {"within", 1.0, 1.00005, 4, true, false, true, false, true},
+        {"the tolerance itself", 0.0, 0.0001, 4, false, true, true, false, false},
+        {"outside", 1.0, 1.0002, 4, false, true, true, false, false},
+        {"greater", 1.0002, 1.0, 4, false, false, false, true, true},
+        {"whole numbers", 1.0, 1.9, 0, true, false, true, false, true},
+        {"precision 20", 0.0, 1e-21, 20, true, false, true, false, true},
+        {"precision 21, the same", 3.0, 3.0, 21, false, false, false, true, true},
+        {"precision 22, the same", 3.0, 3.0, 22, false, false, false, true, true},
+        {"precision 22, less", 3.0, 4.0, 22, false, true, true, false, false},
+        {"NaN", NOT_A_NUMBER, 1.0, 4, false, false, false, true, true},
+        {"infinity and itself", INF, INF, 4, false, false, false, true, true},
+        {"infinity", -INF, INF, 4, false, true, true, false, false},
+    };
+    for (const auto& row : cases) {
+        const auto [name, a, b, precision, equal, less, lessEqual, greater, greaterEqual] = row;
+        EXPECT_EQ(Equal(a, b, precision), equal) << name;
+        EXPECT_EQ(Different(a, b, precision), !equal) << name;
+        EXPECT_EQ(Less(a, b, precision), less) << name;
+        EXPECT_EQ(LessEqual(a, b, precision), lessEqual) << name;
+        EXPECT_EQ(Greater(a, b, precision), greater) << name;
+        EXPECT_EQ(GreaterEqual(a, b, precision), greaterEqual) << name;
+    }
+    for (const unsigned precision : {23u, UINT_MAX}) {
+        EXPECT_EQ(AssertionOf([&] { Equal(1, 1, precision); }).expression, "precision <= 22");
+        EXPECT_EQ(AssertionOf([&] { Less(1, 2, precision); }).source, "cpp/ZoPrimitives/Math2");
+        EXPECT_EQ(AssertionOf([&] { ExAdjustAngle(1, precision, true); }).expression, "precision <= 22");
+    }
+}
+
+TEST(Math2Test, ChoosesAndBounds) {
+    const struct {
+        const char* name;
+        double actual, expected;
+    } cases[] = {
+        {"least of two", Min(1, 2, 4), 1},
+        {"least, second", Min(2, 1, 4), 1},
+        {"tie of the least", Min(1.0, 1.00001, 4), 1.00001},
+        {"tie of the greatest", Max(1.00001, 1.0, 4), 1.0},
+        {"greatest", Max(2, 1, 4), 2},
+        {"clamped above", Clamp(15, 10, 0), 10},
+        {"clamped below", Clamp(-3, 10, 0), 0},
+        {"a bound within its tolerance", Clamp(10.00001, 10, 0), 10.00001},
+        {"inside", Clamp(5, 10, 0), 5},
+    };
+    for (const auto& row : cases) ExpectSame(row.actual, row.expected, row.name);
+
+    EXPECT_TRUE(Between(5, 0, 10, 3));
+    EXPECT_FALSE(Between(10, 0, 10, 3));
+    EXPECT_FALSE(Between(0.0005, 0, 10, 3));
+    EXPECT_TRUE(BetweenEqual(10.0005, 0, 10, 3));
+    EXPECT_FALSE(BetweenEqual(-0.001, 0, 10, 3));
+    EXPECT_FALSE(BetweenEqual(NOT_A_NUMBER, 0, 10, 3));
+}
+
+// What the steps of binary arithmetic give, from a Python script.
+TEST(Math2Test, RoundsStepByStep) {
+    const struct {
+        const char* name;
+        double actual, expected;
+    } cases[] = {
+        {"half", ExRound(2.5, 0), 3},
+        {"negative half", ExRound(-2.5, 0), -3},
+        {"half of a decimal", ExRound(1.25, 1), 1.3},
+        {"below half in binary", ExRound(1.005, 2), 1.0},
+        {"below half, but not once scaled", ExRound(0.615, 2), 0.62},
+        {"below half, still so once scaled", ExRound(2.675, 2), 2.67},
+        {"the double before a half", ExRound(0.49999999999999994, 0), 1},
+        {"carries", ExRound(0.9999999, 3), 1},
+        {"negative to zero", ExRound(-0.4, 0), -0.0},
+        {"large with decimals", ExRound(123456789.125, 2), 123456789.13},
+        {"last with a half", ExRound(4503599627370495.5, 0), 4503599627370496},
+        {"2^53", ExRound(9007199254740993.0, 3), 9007199254740992},
+        {"huge", ExRound(-1e308, 20), -1e308},
+        {"small", ExRound(6e-30, 29), 1.0000000000000001e-29},
+        {"308 decimals", ExRound(0.5, 308), 0.5},
+        {"309 decimals", ExRound(0.5, 309), NOT_A_NUMBER},
+        {"infinity", ExRound(INF, 2), NOT_A_NUMBER},
+        {"NaN", ExRound(NOT_A_NUMBER, 2), NOT_A_NUMBER},
+        {"twice: up", RobustRound(2.495, 0), 3},
+        {"twice: down", RobustRound(2.4949, 0), 2},
+        {"twice: decimals wrap", RobustRound(1.5, UINT_MAX), NOT_A_NUMBER},
+        {"up, as it is", RoundUp(2.0, 2), 2.0},
+        {"up", RoundUp(1.231, 2), 1.24},
+        {"up, rounded before", RoundUp(1.2304, 2), 1.23},
+        {"up, in spite of binary", RoundUp(1.1, 1), 1.1},
+        {"up, negative", RoundUp(-1.239, 2), -1.23},
+        {"up, overflow", RoundUp(1e308, 2), NOT_A_NUMBER},
+        {"down", RoundDown(-1.234, 2), -1.24},
+        {"down, not rounded before", RoundDown(0.29, 2), 0.28},
+        {"down, overflow", RoundDown(1e308, 2), INF},
+        {"whole part", IntPart(-2.7), -2},
+        {"whole part of an infinity", IntPart(-INF), -INF},
+        {"halves up", Round(2.5), 3},
+        {"negative halves up", Round(-2.5), -2},
+        {"halves down", RoundNearest(2.5), 2},
+        {"negative halves down", RoundNearest(-2.5), -3},
+        {"above half", RoundNearest(2.5000000000000004), 3},
+        {"long double as double", Round(2.49999999999999999999L), 3},
+        {"halves of an infinity", RoundNearest(INF), INF},
+    };
+    for (const auto& row : cases) ExpectSame(row.actual, row.expected, row.name);
+
+    const struct {
+        const char* name;
+        int actual, expected;
+    } integers[] = {
+        {"upwards to int", RoundUp(1.0000001), 2},
+        {"of float", RoundUp(-1.5F), -1},
+        {"of int", RoundUp(7), 7},
+        {"beyond int", RoundUp(2147483646.5), INT_MAX},
+        {"far beyond int", RoundUp(1e300), INT_MAX},
+        {"infinity to int", RoundUp(-INF), INT_MIN},
+        {"NaN to int", RoundUp(NOT_A_NUMBER), 0},
+    };
+    for (const auto& row : integers) EXPECT_EQ(row.actual, row.expected) << row.name;
+}
+
+TEST(Math2Test, BringsAnglesIntoOneTurn) {
+    const struct {
+        const char* name;
+        double actual, expected;
+    } cases[] = {
+        {"negative", AdjustAngle(-PI / 2), 3 * PI / 2},
+        {"a turn", AdjustAngle(2 * PI), 0},
+        {"many turns", AdjustAngle(1e10), 5.773954391479492},
+        {"less than rounding below 0", AdjustAngle(-1e-20), 2 * PI},
+        {"more turns than counted", AdjustAngle(-13.5e9), -6962289.19479626},
+        {"infinity", AdjustAngle(INF), INF},
+        {"NaN", AdjustAngle(NOT_A_NUMBER), NOT_A_NUMBER},
+        {"degrees", ExAdjustAngle(-90, 2, false), 270},
+        {"two turns", ExAdjustAngle(720, 2, false), 0},
+        {"rounded to a turn", ExAdjustAngle(359.999, 2, false), 0},
+        {"rounded radians", ExAdjustAngle(2 * PI + 1, 2, true), 1},
+        {"negative radians", ExAdjustAngle(-1, 0, true), 5},
+        {"beyond 32 bits", ExAdjustAngle(1e300, 2, false), 1e300},
+        {"infinite degrees", ExAdjustAngle(INF, 2, false), NOT_A_NUMBER},
+    };
+    for (const auto& row : cases) ExpectSame(row.actual, row.expected, row.name);
+}
+
+TEST(Math2Test, SolvesQuadratics) {
+    double x1 = 7, x2 = 8;
+    EXPECT_FALSE(Bhaskara(x1, x2, 1, 0, 1));
+    EXPECT_TRUE(x1 == 7 && x2 == 8);
+    EXPECT_TRUE(Bhaskara(x1, x2, 1, -3, 2));
+    EXPECT_TRUE(x1 == 2 && x2 == 1);
+    EXPECT_TRUE(Bhaskara(x1, x2, -1, 3, -2));
+    EXPECT_TRUE(x1 == 1 && x2 == 2);
+    EXPECT_TRUE(Bhaskara(x1, x2, 0, 2, 1));
+    EXPECT_TRUE(std::isnan(x1) && x2 == -INF);
+    EXPECT_TRUE(Bhaskara(x1, x2, NOT_A_NUMBER, 2, 1));
+    EXPECT_TRUE(std::isnan(x1) && std::isnan(x2));
+}
+
+TEST(Math2Test, InterpolatesInTheTypeOfItsArguments) {
+    static_assert(std::is_same_v<decltype(Interpolacao(0.F, 1.F, 1.F, 0.F, 1.F)), float>);
+    static_assert(std::is_same_v<decltype(Interpolacao(0, 1.F, 1.0, 0L, 1)), double>);
+    EXPECT_EQ(Interpolacao(1.0, 3.0, 2.0, 10.0, 20.0), 15.0);
+    EXPECT_EQ(Interpolacao(0, 2, 1, 0, 1), 0.5);
+    EXPECT_EQ(Interpolacao(0.F, 3.F, 1.F, 0.F, 1.F), 1.F / 3.F);
+    EXPECT_EQ(Interpolacao(1.0, 1.0, 2.0, 10.0, 20.0), INF);
+}
+
+TEST(Math2Test, CountsAndMeasures) {
+    EXPECT_EQ(Factorial(-3), 1);
+    EXPECT_EQ(Factorial(12), 479001600);
+    EXPECT_EQ(Factorial(13), 1932053504);
+    EXPECT_EQ(Factorial(17), -288522240);
+    EXPECT_EQ(Factorial(33), INT_MIN);
+    EXPECT_EQ(Factorial(INT_MAX), 0);
+    EXPECT_EQ(Distance(1, 2, 3, 3, 5, 9), 7);
+    EXPECT_EQ(Distance(0, 0, 0, 0.1L, 0, 0), 0.1);
+    EXPECT_TRUE(IsNan(NOT_A_NUMBER));
+    EXPECT_FALSE(IsNan(INF));
+    EXPECT_EQ(SwapBytes(0x12345678), 0u);
+}
+
+TEST(Math2Test, ReadsHexadecimalDigits) {
+    const struct {
+        const char* text;
+        int value;
+    } cases[] = {
+        {"0xff", 255},
+        {"0XFF", 255},
+        {"1G2", 1},
+        {"", 0},
+        {nullptr, 0},
+        {"x1", 0},
+        {"0x", 0},
+        {"0x0x1", 0},
+        {" 1", 0},
+        {"-1", 0},
+        {"ffffffff", -1},
+        {"0", 0},
+        {"1abcdef01", -1412567295},
+        {"aF:", 175},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(HexStrToInt(row.text), row.value) << (row.text ? row.text : "null");
+}
+
+TEST(Math2Test, ConvertsColourWords) {
+    const struct {
+        const char* name;
+        double components[3];
+        unsigned long word;
+    } words[] = {
+        {"red", {1, 0, 0}, 0xFF0000},
+        {"cut, not rounded", {0.5, 0.25, 0.999}, 0x7F3FFE},
+        {"rounded to six decimals first", {0.9999999999, 0, 0}, 0xFF0000},
+        {"overflowing", {2, 0, 0}, 0x1FE0000},
+        {"negative", {0, 0, -0.1}, 0xFFFFFFE7},
+        {"no numbers", {NOT_A_NUMBER, INF, -INF}, 0},
+        {"huge", {0, 0, 1e300}, 0x7FFFFFFF},
+    };
+    for (const auto& row : words) EXPECT_EQ(DoubleArrayToColor(row.components), row.word) << row.name;
+
+    const struct {
+        const char* name;
+        unsigned long word;
+        double components[3];
+    } components[] = {
+        {"high byte last", 0xFF0000, {0, 0, 1}},
+        {"in order", 0x336699, {0.6, 0.4, 0.2}},
+        {"short", 0xFF, {1, 0, 0}},
+        {"above six digits", 0x99663300, {0.2, 0.4, 0.6}},
+    };
+    for (const auto& row : components) {
+        double out[3] = {};
+        ULongToDoubleArray(row.word, out);
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(out[i], row.components[i]) << row.name << ", " << i;
+    }
+}
+
+// The long rows are Python's decimal.Decimal of the rounded double.
+TEST(Math2Test, FormatsNumbers) {
+    const std::string zeros(20, '0');
+    const std::string huge =
+        "1000000000000000010979063629440455417404923096773118463368106829031575854049114915371633289784946888"
+        "9906124966972117251561159028374314008832830700919814604603127166450293302718569748969958855904333838"
+        "4466165001178426897626212945177628091195786707458122783970171784415105291802893207873272974885715430"
+        "223118336";
+    const struct {
+        const char* name;
+        double value;
+        unsigned decimals;
+        bool keepZeros;
+        char separator;
+        std::string text;
+    } cases[] = {
+        {"comma", 1.5, 3, false, ',', "1,5"},
+        {"dropped zeros", 2.0, 2, false, '.', "2"},
+        {"kept zeros", 2.0, 2, true, ',', "2,00"},
+        {"no negative zero", -0.0001, 2, false, '.', "0"},
+        {"no negative zero, kept", -0.0, 1, true, '.', "0.0"},
+        {"zeros before the point", 100, 0, false, '.', "100"},
+        {"zeros on both sides", -1200.0, 2, false, '.', "-1200"},
+        {"rounded", 1.005, 2, true, '.', "1.00"},
+        {"rounded up", 0.615, 2, true, '.', "0.62"},
+        {"no grouping", 1234567.891, 1, true, ',', "1234567,9"},
+        {"more decimals than digits", 1.0 / 3, 22, true, '.', "0.3333333333333333148296"},
+        {"all digits", 0.1, 60, false, '.', "0.1000000000000000055511151231257827021181583404541015625"},
+        {"largest", 1e308, 20, true, '.', huge + "." + zeros},
+        {"largest, negative", -1e308, 20, false, '.', "-" + huge},
+        {"308 decimals", 1e-308, 308, false, '.', "0." + std::string(307, '0') + "1"},
+        {"309 decimals", 1, 309, false, '.', "nan"},
+        {"NaN", -NOT_A_NUMBER, 2, true, '.', "nan"},
+        {"infinity", -INF, 2, true, '.', "nan"},
+    };
+    const CommaLocale locale;
+    for (const auto& [name, value, decimals, keepZeros, separator, text] : cases) {
+        EXPECT_STREQ(FormatFloat(value, decimals, keepZeros, separator).c_str(), text.c_str()) << name;
+    }
+}
+
+TEST(Math2Test, FormatsWithExponents) {
+    const struct {
+        const char* name;
+        double value;
+        unsigned intDigits, decimals;
+        const char* text;
+    } free[] = {
+        {"one digit", 12345, 1, 4, "1,2345x10^4"},
+        {"negative", -12345, 1, 4, "-1,2345x10^4"},
+        {"three digits", 12345, 3, 2, "123,45x10^2"},
+        {"no digit", 12345, 0, 5, "0,12345x10^5"},
+        {"a power", 1000, 1, 3, "1x10^3"},
+        {"the limit itself", 10, 1, 3, "10"},
+        {"small", 0.00012345, 1, 4, "1,2345x10^-4"},
+        {"in range", 5, 1, 2, "5"},
+        {"too short", 5, 2, 2, "50x10^-1"},
+        {"rounded to the limit", 99999.99, 1, 1, "10x10^4"},
+        {"zero", 0, 1, 2, "0"},
+        {"least that is scaled", 1e-20, 1, 3, "1x10^-20"},
+        {"below that", 9e-21, 1, 3, "0"},
+        {"largest", 1e308, 1, 3, "1x10^308"},
+        {"infinity", INF, 1, 3, "nan"},
+        {"NaN", NOT_A_NUMBER, 1, 3, "nan"},
+        {"as many digits as there are", 2, 308, 0, nullptr},
+        {"more digits than there are", 2, 309, 1, "2"},
+    };
+    for (const auto& row : free) {
+        const ZoString text =
+            FormatFloatInScientificNotation(row.value, row.intDigits, row.decimals, false, ',');
+        if (row.text != nullptr) {
+            EXPECT_STREQ(text.c_str(), row.text) << row.name;
+        } else {
+            EXPECT_EQ(text.find("x10^-307"), 308) << row.name;
+        }
+    }
+
+    const struct {
+        const char* name;
+        double value;
+        int exponent;
+        unsigned decimals;
+        const char* text;
+    } fixed[] = {
+        {"own exponent", 12345, 4, 4, "1.2345x10^4"},
+        {"fewer decimals", 12345, 4, 1, "1.2x10^4"},
+        {"leading zero", 12345, 5, 4, "0.12345x10^5"},
+        {"leading zeros", -12345, 7, 2, "-0.00123x10^7"},
+        {"ten or more", 12345, 2, 0, "123.45x10^2"},
+        {"ten or more, decimals enough", 123456, 2, 3, "1234.56x10^2"},
+        {"negative exponent", 0.00012345, -4, 4, "1.2345x10^-4"},
+        {"no exponent", 123.456, 0, 1, "123.46"},
+        {"no exponent, small", 0.00123, 0, 1, "0.0012"},
+        {"zero", 0, 3, 2, "0x10^3"},
+        {"below comparing", 4e-21, -21, 2, "4x10^-21"},
+        {"far too small", 1, INT_MAX, 2, "0x10^2147483647"},
+        {"far too large", 1, INT_MIN, 2, "nan"},
+        {"NaN", NOT_A_NUMBER, 3, 2, "nan"},
+    };
+    for (const auto& row : fixed) {
+        const ZoString text = FormatFloatInScientificNotationWithFixedExponent(row.value, row.exponent,
+                                                                               row.decimals, false, '.');
+        EXPECT_STREQ(text.c_str(), row.text) << row.name;
+    }
+}
+
+} // namespace

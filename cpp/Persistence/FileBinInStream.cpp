@@ -1,9 +1,8 @@
 #include "ZoPrimitives/FileBinInStream.h"
 
 #include "Persistence/ErrorText.h"
+#include "Persistence/FileAccess.h"
 #include "Platform/Platform.h"
-#include "ZoPrimitives/AnsiLiteral.h"
-#include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <algorithm>
@@ -59,15 +58,7 @@ void TFileBinInStream::OpenFile() {
 
 void TFileBinInStream::OpenFile(const char* name) {
     Close();
-    bool readOnly = false;
-    System().FileExists(name, &readOnly);
-    file = System().OpenFile(name, readOnly ? Platform::Access::Read : Platform::Access::ReadWrite,
-                             readOnly ? Platform::Share::ReadWrite : Platform::Share::Read,
-                             Platform::Creation::OpenExisting);
-    if (file == nullptr) {
-        throw XReadStream(TTranslatedString("Não foi possível ler o arquivo "_ansi).Text() + name,
-                          "TFileBinInStream::OpenFile");
-    }
+    file = OpenToRead(name, "TFileBinInStream::OpenFile");
 }
 
 void TFileBinInStream::Load() {

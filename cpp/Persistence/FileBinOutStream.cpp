@@ -1,9 +1,8 @@
 #include "ZoPrimitives/FileBinOutStream.h"
 
-#include "Persistence/ErrorText.h"
+#include "Persistence/FileAccess.h"
 #include "Persistence/RecordFormat.h"
 #include "Platform/Platform.h"
-#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <string>
@@ -51,7 +50,7 @@ void TFileBinOutStream::Initialize() {
         writtenPath = fileName;
         if (throughTemporary) {
             const std::string temporary = System().TemporaryFileName(fileName.c_str());
-            if (temporary.empty()) Throw("TFileBinOutStream::Initialize", Platform::LastError());
+            if (temporary.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize");
             writtenPath = temporary.c_str();
         }
         OpenFile(writtenPath.c_str());
@@ -75,17 +74,11 @@ void TFileBinOutStream::OpenFile(const char* path) {
         System().DeleteWholeFile(path);
         writtenPath = fileName;
     }
-    Throw("TFileBinOutStream::Initialize", error);
-}
-
-void TFileBinOutStream::Throw(const ZoString& location, unsigned long error) {
-    if (error == Platform::ErrorDiskFull || error == Platform::ErrorHandleDiskFull)
-        throw XWriteStreamOutOfSpace(location);
-    throw XWriteStream(ErrorText(error), location);
+    ThrowUnwritten(error, "TFileBinOutStream::Initialize");
 }
 
 void TFileBinOutStream::CheckWriting() const {
-    if (state != State::Writing) Throw(WRITE, Platform::ErrorInvalidHandle);
+    if (state != State::Writing) ThrowUnwritten(Platform::ErrorInvalidHandle, WRITE);
 }
 
 // Writing
@@ -115,7 +108,7 @@ void TFileBinOutStream::WriteToFile(const unsigned char* data, unsigned size) {
     if (System().WriteFile(file, data, size)) return;
     const unsigned long error = Platform::LastError();
     Abandon();
-    Throw(WRITE, error);
+    ThrowUnwritten(error, WRITE);
 }
 
 void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) {
@@ -123,7 +116,7 @@ void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) 
     if (System().SeekFile(file, static_cast<long long>(offset), Platform::Origin::Begin, reached)) return;
     const unsigned long error = Platform::LastError();
     Abandon();
-    Throw(location, error);
+    ThrowUnwritten(error, location);
 }
 
 unsigned long long TFileBinOutStream::GetPosition() {
@@ -133,7 +126,7 @@ unsigned long long TFileBinOutStream::GetPosition() {
     if (System().SeekFile(file, 0, Platform::Origin::Current, position)) return position;
     const unsigned long error = Platform::LastError();
     Abandon();
-    Throw("TFileBinOutStream::GetPosition", error);
+    ThrowUnwritten(error, "TFileBinOutStream::GetPosition");
 }
 
 void TFileBinOutStream::Reset() {
@@ -198,8 +191,8 @@ void TFileBinOutStream::CloseWritten() {
     const bool synchronised = !throughTemporary || System().SynchroniseFile(file);
     const unsigned long error = Platform::LastError();
     const bool closed = System().CloseFile(std::exchange(file, nullptr));
-    if (!synchronised) Throw(FINALIZE, error);
-    if (!closed) Throw(FINALIZE, Platform::LastError());
+    if (!synchronised) ThrowUnwritten(error, FINALIZE);
+    if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE);
 }
 
 void TFileBinOutStream::MakeBackup() {
@@ -207,12 +200,13 @@ void TFileBinOutStream::MakeBackup() {
     const ZoString name = fileName + BACKUP_SUFFIX;
     // One that cannot be deleted may still be overwritten.
     if (System().FileExists(name.c_str(), nullptr)) System().DeleteWholeFile(name.c_str());
-    if (!System().CopyWholeFile(fileName.c_str(), name.c_str())) Throw(FINALIZE, Platform::LastError());
+    if (!System().CopyWholeFile(fileName.c_str(), name.c_str()))
+        ThrowUnwritten(Platform::LastError(), FINALIZE);
 }
 
 void TFileBinOutStream::ReplaceTarget() {
     if (!System().CopyWholeFile(writtenPath.c_str(), fileName.c_str()))
-        Throw(FINALIZE, Platform::LastError());
+        ThrowUnwritten(Platform::LastError(), FINALIZE);
     System().DeleteWholeFile(writtenPath.c_str());
     writtenPath = fileName;
 }

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/NumberText.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -108,6 +109,15 @@ double RealOf(std::string_view text) noexcept {
         value = TooLarge(text, hexadecimal) ? std::numeric_limits<double>::infinity() : 0;
     }
     return negative ? -value : value;
+}
+
+float FloatOf(std::string_view text) noexcept {
+    const double value = RealOf(text);
+    const double size = std::fabs(value);
+    // Beyond the largest float the conversion is undefined; half a step beyond it is still the largest.
+    if (!(size > FLT_MAX)) return static_cast<float>(value);
+    const float nearest = size < 0x1.ffffffp127 ? FLT_MAX : std::numeric_limits<float>::infinity();
+    return std::signbit(value) ? -nearest : nearest;
 }
 
 void RealText::Append(std::string_view more) noexcept {

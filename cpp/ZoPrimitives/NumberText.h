@@ -16,6 +16,7 @@ int IntOf(std::string_view text) noexcept;
 bool WholeInt(std::string_view text, int& value) noexcept;
 /// As C's `atof` in the C locale (hexadecimal, "inf" and "nan" included); infinite when out of range.
 double RealOf(std::string_view text) noexcept;
+float FloatOf(std::string_view text) noexcept;
 
 /// A double as text, for tokens: 15 significant digits without the zeros at their end, and always a point
 /// ("100."). The fixed form, or the one with an exponent of at least three digits ("1.e+020") where that is

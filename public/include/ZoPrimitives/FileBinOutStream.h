@@ -72,7 +72,6 @@ private:
     enum class State { New, Writing, Ended };
 
     void OpenFile(const char* path);
-    [[noreturn]] static void Throw(const ZoString& location, unsigned long error);
     void CheckWriting() const;
     void WriteGathered();
     void SeekTo(unsigned long long offset, const char* location);

@@ -12,6 +12,8 @@
 #include "ZoPrimitives/Checksum.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
+#include "ZoPrimitives/FileInputStream.h"
+#include "ZoPrimitives/FileOutputStream.h"
 #include "ZoPrimitives/IList.h"
 #include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"

@@ -1,0 +1,164 @@
+#include "ZoPrimitives/FileInputStream.h"
+
+#include "Persistence/FileAccess.h"
+#include "ZoPrimitives/NumberText.h"
+#include "ZoPrimitives/XStream.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+namespace ZoPrimitives {
+
+namespace {
+
+Platform::Services& System() { return Platform::Current(); }
+
+template <class Number>
+Number Nearest(std::string_view text) {
+    using Signed = std::make_signed_t<Number>;
+    return static_cast<Number>(std::clamp<long long>(IntegerOf(text), std::numeric_limits<Signed>::min(),
+                                                     std::numeric_limits<Number>::max()));
+}
+
+void Copy(std::string_view token, char* buffer) {
+    if (!token.empty()) std::memcpy(buffer, token.data(), token.size());
+    buffer[token.size()] = '\0';
+}
+
+} // namespace
+
+FileInputStream::FileInputStream(const char* name, bool callersFlag) : flag(callersFlag), fileName(name) {
+    OpenFile(fileName.c_str());
+    try {
+        LoadFromFile();
+    } catch (...) {
+        System().CloseFile(file);
+        throw;
+    }
+}
+
+FileInputStream::~FileInputStream() {
+    delete[] buffer;
+    System().CloseFile(file);
+}
+
+void FileInputStream::OpenFile(const char* name) { file = OpenToRead(name, "FileInputStream::OpenFile"); }
+
+void FileInputStream::LoadFromFile() {
+    constexpr const char* location = "FileInputStream::LoadFromFile";
+    unsigned long long length = 0;
+    unsigned long long start = 0;
+    const bool sized = System().FileSize(file, length);
+    if (!sized) length = 0;
+    if (length >= UINT32_MAX) ThrowUnreadable(fileName.c_str(), location);
+    char* fresh = new (std::nothrow) char[static_cast<std::size_t>(length) + 1];
+    if (fresh == nullptr) ThrowUnreadable(fileName.c_str(), location);
+    delete[] std::exchange(buffer, fresh);
+    std::size_t done = 0;
+    whole = sized && System().SeekFile(file, 0, Platform::Origin::Begin, start) &&
+            System().ReadFile(file, buffer, static_cast<std::size_t>(length), done) && done == length;
+    size = static_cast<std::uint32_t>(done);
+    buffer[size] = '\0';
+    position = 0;
+    atLastLine = false;
+    SetRepeats(0);
+}
+
+void FileInputStream::CheckRead() {
+    if (position >= size) throw XEndOfStream();
+}
+
+std::string_view FileInputStream::GetNextLine() {
+    const char* line = buffer + position;
+    const char* const end = buffer + size;
+    const std::size_t left = static_cast<std::size_t>(end - line);
+    const auto* feed = atLastLine ? nullptr : static_cast<const char*>(std::memchr(line, '\n', left));
+    if (feed == nullptr) {
+        if (std::exchange(atLastLine, true) && GetRepeats() < UINT_MAX) SetRepeats(GetRepeats() + 1);
+        return {line, left};
+    }
+    position = static_cast<std::uint32_t>(feed + 1 - buffer);
+    if (feed != line && feed[-1] == '\r') --feed;
+    return {line, static_cast<std::size_t>(feed - line)};
+}
+
+std::string_view FileInputStream::Token() {
+    CheckRead();
+    const std::string_view line = GetNextLine();
+    return line.substr(0, line.find('\0'));
+}
+
+InputStream& FileInputStream::operator>>(ZoString& value) {
+    const std::string_view token = Token();
+    value.Assign(token.data(), static_cast<unsigned>(token.size()));
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(char* target) {
+    Copy(Token(), target);
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(long double& value) {
+    value = RealOf(Token());
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(double& value) {
+    value = RealOf(Token());
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(float& value) {
+    value = FloatOf(Token());
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(unsigned int& value) {
+    value = Nearest<unsigned int>(Token());
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(int& value) {
+    value = Nearest<int>(Token());
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(unsigned short& value) {
+    value = Nearest<unsigned short>(Token());
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(short& value) {
+    value = Nearest<short>(Token());
+    return *this;
+}
+
+InputStream& FileInputStream::operator>>(bool& value) {
+    value = IntegerOf(Token()) != 0;
+    return *this;
+}
+
+void FileInputStream::SkipValue() {
+    CheckRead();
+    GetNextLine();
+}
+
+bool FileInputStream::GetLine(char* target) {
+    try {
+        Copy(Token(), target);
+        return true;
+    } catch (const XEndOfStream&) {
+        return false;
+    } catch (const XReadStream&) {
+        return false;
+    }
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,88 @@
+#include "ZoPrimitives/FileOutputStream.h"
+
+#include "Persistence/FileAccess.h"
+#include "ZoPrimitives/NumberText.h"
+#include "ZoPrimitives/ZoAssert.h"
+
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <utility>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* SOURCE = "cpp/Persistence/FileOutputStream";
+constexpr const char* LINE_END = "\r\n";
+
+} // namespace
+
+FileOutputStream::FileOutputStream(const char* fileName, bool keepOpen)
+    : file(Platform::Current().OpenFile(fileName, Platform::Access::ReadWrite, Platform::Share::Read,
+                                        Platform::Creation::CreateAlways)),
+      tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
+    if (file == nullptr) ThrowUnwritten(Platform::LastError(), "FileOutputStream::FileOutputStream");
+}
+
+FileOutputStream::FileOutputStream(void* openFile)
+    : file(openFile), tokens(new TDList<ZoString>), keepsOpen(true) {
+    ZO_ASSERT(file, "file && \"[zoerror] file not defined\"", SOURCE);
+}
+
+FileOutputStream::~FileOutputStream() {
+    try {
+        if (!finalized) SaveToFile();
+    } catch (...) {
+        // No memory.
+    }
+    Close();
+}
+
+OutputStream& FileOutputStream::Add(const ZoString& token) {
+    ZO_ASSERT(!finalized, "!finalized && \"[zoerror] a stream writes one file\"", SOURCE);
+    tokens->Add(token);
+    return *this;
+}
+
+OutputStream& FileOutputStream::operator<<(const ZoString& value) { return Add(value); }
+OutputStream& FileOutputStream::operator<<(const char* value) { return Add(value); }
+OutputStream& FileOutputStream::operator<<(long double value) { return *this << static_cast<double>(value); }
+OutputStream& FileOutputStream::operator<<(double value) { return Add(RealText(value).c_str()); }
+OutputStream& FileOutputStream::operator<<(float value) { return *this << static_cast<double>(value); }
+OutputStream& FileOutputStream::operator<<(unsigned int value) { return Add(value); }
+OutputStream& FileOutputStream::operator<<(int value) { return Add(value); }
+OutputStream& FileOutputStream::operator<<(unsigned short value) { return Add(int{value}); }
+OutputStream& FileOutputStream::operator<<(short value) { return Add(int{value}); }
+OutputStream& FileOutputStream::operator<<(bool value) { return Add(value ? 1 : 0); }
+
+bool FileOutputStream::GetHasEOF() const { return tokens->Contains("EOF"); }
+
+bool FileOutputStream::SaveToFile() {
+    if (tokens->NItems() == 0) return true;
+    std::size_t size = 0;
+    for (const ZoString& token : *tokens) size += std::strlen(token.c_str()) + std::strlen(LINE_END);
+    std::string text;
+    text.reserve(size);
+    for (const ZoString& token : *tokens) {
+        if (std::exchange(begun, true)) text += LINE_END;
+        text += token.c_str();
+    }
+    tokens->RemoveAll();
+    return Platform::Current().WriteFile(file, text.data(), text.size());
+}
+
+bool FileOutputStream::Close() {
+    return keepsOpen || file == nullptr || Platform::Current().CloseFile(std::exchange(file, nullptr));
+}
+
+void FileOutputStream::Finalize() {
+    if (std::exchange(finalized, true)) return;
+    const bool saved = SaveToFile();
+    const unsigned long writeError = Platform::LastError();
+    const bool closed = Close();
+    if (!saved) ThrowUnwritten(writeError, "FileOutputStream::Finalize");
+    if (!closed) ThrowUnwritten(Platform::LastError(), "FileOutputStream::Finalize");
+}
+
+} // namespace ZoPrimitives

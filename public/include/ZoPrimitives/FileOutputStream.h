@@ -1,0 +1,63 @@
+#pragma once
+
+#include "ZoPrimitives/OutputStream.h"
+#include "ZoPrimitives/ZoString.h"
+#include "ZoPrimitives/dvector.h"
+#include "ZoPrimitives/pointer.h"
+
+namespace ZoPrimitives {
+
+/// Writes tokens as a text file, one in a line, with CR LF between them and nothing behind the last one.
+///
+/// Integers are decimal, flags 1 and 0, real numbers have 15 significant digits and always a point ("100.",
+/// "1.e+020"). Tokens are collected in memory and written at once, by `Finalize`, which reports failures, or
+/// by the destructor, which cannot.
+class ZO_API FileOutputStream : public OutputStream {
+public:
+    /// Creates the file, or empties it; others may read it meanwhile. `keepOpen`: the file is not closed with
+    /// the stream; take its handle with `GetFile`. Throws `XWriteStream` or `XWriteStreamOutOfSpace`.
+    FileOutputStream(const char* fileName, bool keepOpen);
+    /// Writes to a file that is open for writing, from where it stands, and does not close it.
+    explicit FileOutputStream(void* file);
+    /// Writes what `Finalize` has not written; a failure is not reported.
+    ~FileOutputStream() override;
+
+    using OutputStream::operator<<;
+    OutputStream& operator<<(const ZoString& value) override;
+    OutputStream& operator<<(const char* value) override;
+    OutputStream& operator<<(long double value) override;
+    OutputStream& operator<<(double value) override;
+    OutputStream& operator<<(float value) override;
+    OutputStream& operator<<(unsigned int value) override;
+    OutputStream& operator<<(int value) override;
+    OutputStream& operator<<(unsigned short value) override;
+    OutputStream& operator<<(short value) override;
+    OutputStream& operator<<(bool value) override;
+
+    /// Writes the file and, unless it is to be kept open, closes it. Throws `XWriteStreamOutOfSpace` when the
+    /// device is full and `XWriteStream` otherwise; the file may then hold a part. The stream takes no more
+    /// tokens; a second call, and the destructor, write nothing.
+    void Finalize();
+
+    /// The open file; null when it was closed.
+    void* GetFile() const { return file; }
+    /// Whether one of the tokens not yet written is "EOF".
+    bool GetHasEOF() const;
+
+protected:
+    /// Writes the tokens collected so far where the file stands, all at once, and forgets them. False on a
+    /// failure.
+    bool SaveToFile();
+
+private:
+    OutputStream& Add(const ZoString& token);
+    bool Close();
+
+    void* file;
+    pointer<TDList<ZoString>> tokens;
+    bool keepsOpen;
+    bool finalized = false;
+    bool begun = false; // something was written
+};
+
+} // namespace ZoPrimitives

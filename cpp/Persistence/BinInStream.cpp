@@ -11,6 +11,7 @@
 #include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoStreamable.h"
 
 #include <algorithm>
@@ -204,6 +205,15 @@ bool TBinInStream::ReadAll(void* data, unsigned size) {
     return read && done == size;
 }
 
+/// Goes on behind the next bytes; false when there are not so many.
+bool TBinInStream::PassOver(unsigned size) {
+    if (!TakesFromWindow()) return ReadAll(Buffer(), size);
+    readError = 0;
+    const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
+    windowCursor += std::min<std::size_t>(left, size);
+    return size <= left;
+}
+
 void TBinInStream::ThrowReadError(const char* location) const {
     throw XReadStream(ErrorText(readError), location);
 }
@@ -254,15 +264,42 @@ bool TBinInStream::LoadHeader() {
 
 // Records
 
-/// The usual case, without a copy: the next bytes of the window are a whole, plain, good record.
-bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
+/// Where the operations fail: the reading of each part of a record. The first one is also that of what stands
+/// before a record, the key's also that of what is no record.
+struct TBinInStream::FailurePoints {
+    const char* size;
+    const char* crc;
+    const char* classId;
+    const char* uid;
+    const char* key;
+    const char* payload;
+    const char* passedPayload;
+};
+
+/// The classes whose records are asked for.
+struct TBinInStream::ClassFilter {
+    const TZoMetaData* schema;
+    const int* begin;
+    const int* end;
+
+    bool Takes(int id) const {
+        return std::binary_search(begin, end, id) && (schema == nullptr || schema->FindClass(id) != nullptr);
+    }
+};
+
+/// Whether the next bytes of the window are a whole record, by its head.
+bool TBinInStream::HeadInWindow(RecordFormat::RecordHead& head) const {
     const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
     if (left < HEAD_SIZE) return false;
-    const RecordFormat::RecordHead head = RecordFormat::ReadHead(windowCursor);
-    if (!RecordFormat::IsMarker(head.marker) || head.size > DEFAULT_BUFFER_SIZE ||
-        head.size > left - HEAD_SIZE || RecordFormat::DecodeKey(head.key) != 0) {
-        return false;
-    }
+    head = RecordFormat::ReadHead(windowCursor);
+    return RecordFormat::IsMarker(head.marker) && head.size <= DEFAULT_BUFFER_SIZE &&
+           head.size <= left - HEAD_SIZE;
+}
+
+/// The usual case, without a copy: the next bytes of the window are a whole, plain, good record.
+bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
+    RecordFormat::RecordHead head;
+    if (!HeadInWindow(head) || RecordFormat::DecodeKey(head.key) != 0) return false;
     const unsigned char* payload = windowCursor + HEAD_SIZE;
     if (~Crc32Update(0xFFFFFFFFu, payload, head.size) != head.crc) return false;
     windowCursor = payload + head.size;
@@ -276,30 +313,72 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
     return true;
 }
 
+/// Passes over whole records of other classes, by their heads alone.
+void TBinInStream::PassInWindow(const ClassFilter& filter) {
+    RecordFormat::RecordHead head;
+    while (HeadInWindow(head) && !filter.Takes(head.classId)) windowCursor += HEAD_SIZE + head.size;
+}
+
 bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
+    static constexpr FailurePoints POINTS{"TBinInStream::LoadRecord #1",
+                                          "TBinInStream::LoadRecord #2",
+                                          "TBinInStream::LoadRecord #3",
+                                          "TBinInStream::LoadRecord #4",
+                                          "TBinInStream::LoadRecord #5",
+                                          "TBinInStream::LoadRecord #3",
+                                          nullptr};
     if (TakesFromWindow() && NextInWindow(recordUid, recordClassId)) return true;
+    return Hunt(POINTS, nullptr, recordUid, recordClassId) == Found::Record;
+}
+
+bool TBinInStream::LoadFilteredRecord(TZoMetaData* schema, const int* ids, int* recordClassId, int* recordUid,
+                                      int idCount) {
+    static constexpr FailurePoints POINTS{
+        "TBinInStream::LoadFilteredRecord #1", "TBinInStream::LoadFilteredRecord #2",
+        "TBinInStream::LoadFilteredRecord #3", "TBinInStream::LoadFilteredRecord #4",
+        "TBinInStream::LoadFilteredRecord #5", "TBinInStream::LoadFilteredRecord #7",
+        "TBinInStream::LoadFilteredRecord #6"};
+    const ClassFilter filter{schema, ids, ids + std::max(idCount, 0)};
+    Found found = Found::OtherClass;
+    while (found == Found::OtherClass) {
+        if (TakesFromWindow()) {
+            PassInWindow(filter);
+            if (NextInWindow(recordUid, recordClassId)) return true;
+        }
+        found = Hunt(POINTS, &filter, recordUid, recordClassId);
+    }
+    return found == Found::Record;
+}
+
+/// Looks for the next good record or, with a filter, for the next one of another class, which is passed over.
+TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const ClassFilter* filter, int* recordUid,
+                                       int* recordClassId) {
     position = 0;
     recordSize = 0;
     std::uint32_t window = 0;
     if (!ReadAll(&window, sizeof window)) {
         // A device that fails is not the end of the data.
-        if (readError != 0) ThrowReadError("TBinInStream::LoadRecord #1");
-        return false;
+        if (readError != 0) ThrowReadError(points.size);
+        return Found::Nothing;
     }
     for (unsigned round = 1; round <= ROUND_LIMIT; ++round) {
         if (RecordFormat::IsMarker(window)) {
             unsigned size = 0;
-            ReadOrThrow(&size, sizeof size, "TBinInStream::LoadRecord #1");
+            ReadOrThrow(&size, sizeof size, points.size);
             if (size > DEFAULT_BUFFER_SIZE) {
                 skipped += 8;
                 window = 0;
                 continue;
             }
-            ReadOrThrow(&crc, sizeof crc, "TBinInStream::LoadRecord #2");
-            ReadOrThrow(&classId, sizeof classId, "TBinInStream::LoadRecord #3");
-            ReadOrThrow(&uid, sizeof uid, "TBinInStream::LoadRecord #4");
-            ReadOrThrow(&key, sizeof key, "TBinInStream::LoadRecord #5");
-            ReadOrThrow(Buffer(), size, "TBinInStream::LoadRecord #3");
+            ReadOrThrow(&crc, sizeof crc, points.crc);
+            ReadOrThrow(&classId, sizeof classId, points.classId);
+            ReadOrThrow(&uid, sizeof uid, points.uid);
+            ReadOrThrow(&key, sizeof key, points.key);
+            if (filter != nullptr && !filter->Takes(classId)) {
+                if (!PassOver(size)) ThrowReadError(points.passedPayload);
+                return Found::OtherClass;
+            }
+            ReadOrThrow(Buffer(), size, points.payload);
             if (const unsigned usedKey = GetSecurityKey(key); usedKey != 0)
                 ApplySecurityKey(usedKey, buffer, size);
             if (~Crc32Update(0xFFFFFFFFu, buffer, size) == crc) {
@@ -307,7 +386,7 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
                 currentUid = uid;
                 *recordUid = uid;
                 *recordClassId = classId;
-                return true;
+                return Found::Record;
             }
             skipped += size + HEAD_SIZE;
             window = 0;
@@ -315,15 +394,15 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
             ++skipped;
             unsigned char byte = 0;
             if (!ReadAll(&byte, 1)) {
-                if (readError != 0) ThrowReadError("TBinInStream::LoadRecord #5");
-                return false;
+                if (readError != 0) ThrowReadError(points.key);
+                return Found::Nothing;
             }
             // Seen as bytes, least significant first: (1, new, 3, 0) of the old window. Markers repeat two
             // bytes, so one is still met, starting from a cleared window.
             window = (static_cast<std::uint32_t>(byte) << 8) | ((window >> 8) & 0x00FF00FFu) | (window << 24);
         }
     }
-    throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), "TBinInStream::LoadRecord #5");
+    throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), points.key);
 }
 
 // Objects

@@ -96,13 +96,20 @@ std::string Thrown(Operation operation) {
     return {};
 }
 
-/// All records up to the end, or to an exception, as lines of text.
-std::vector<std::string> ReadAll(TBinInStream& stream) {
+using Classes = std::vector<int>; // rising
+
+/// All records, or those of some classes, up to the end, or to an exception, as lines of text.
+std::vector<std::string> ReadAll(TBinInStream& stream, const Classes* classes = nullptr) {
     std::vector<std::string> lines;
     const unsigned long long before = stream.GetSkipped();
     const std::string thrown = Thrown([&] {
         int uid = 0, classId = 0;
-        while (stream.LoadRecord(&uid, &classId)) {
+        const auto load = [&] {
+            return classes == nullptr ? stream.LoadRecord(&uid, &classId)
+                                      : stream.LoadFilteredRecord(nullptr, classes->data(), &classId, &uid,
+                                                                  static_cast<int>(classes->size()));
+        };
+        while (load()) {
             EXPECT_EQ(stream.GetCurrentUID(), uid);
             lines.push_back(std::to_string(uid) + ' ' + std::to_string(classId) + ' ' + Payload(stream));
         }
@@ -113,7 +120,9 @@ std::vector<std::string> ReadAll(TBinInStream& stream) {
 }
 
 /// The rule for finding records, once more and as plainly as it can be said.
-std::vector<std::string> ReadByTheRule(const std::string& bytes) {
+std::vector<std::string> ReadByTheRule(const std::string& bytes, const Classes* classes = nullptr) {
+    const std::string location =
+        classes == nullptr ? "TBinInStream::LoadRecord #" : "TBinInStream::LoadFilteredRecord #";
     using Window = std::string;
     const Window none(4, '\0');
     std::vector<std::string> lines;
@@ -129,9 +138,7 @@ std::vector<std::string> ReadByTheRule(const std::string& bytes) {
         lines.push_back(std::to_string(skipped) + " passed over");
         return lines;
     };
-    const auto failed = [&](int point) {
-        return end(Told("No error", "TBinInStream::LoadRecord #" + std::to_string(point)));
-    };
+    const auto failed = [&](int point) { return end(Told("No error", location + std::to_string(point))); };
     for (;;) {
         Window window;
         if (!take(4, window)) return end("");
@@ -149,7 +156,14 @@ std::vector<std::string> ReadByTheRule(const std::string& bytes) {
                 if (!take(4, classId)) return failed(3);
                 if (!take(4, uid)) return failed(4);
                 if (!take(4, key)) return failed(5);
-                if (!take(Word(size, 0), payload)) return failed(3);
+                const int id = static_cast<int>(Word(classId, 0));
+                const bool asked =
+                    classes == nullptr || std::find(classes->begin(), classes->end(), id) != classes->end();
+                if (!take(Word(size, 0), payload)) return failed(classes == nullptr ? 3 : asked ? 7 : 6);
+                if (!asked) {
+                    found = true; // as if by another call
+                    continue;
+                }
                 for (unsigned bit : {1u, 2u, 4u}) {
                     if ((Word(key, 0) & bit) == 0) continue;
                     payload = Scrambled(payload, bit);
@@ -157,7 +171,7 @@ std::vector<std::string> ReadByTheRule(const std::string& bytes) {
                 }
                 if (ZlibCrc(payload) == Word(crc, 0)) {
                     lines.push_back(std::to_string(static_cast<int>(Word(uid, 0))) + ' ' +
-                                    std::to_string(static_cast<int>(Word(classId, 0))) + ' ' + payload);
+                                    std::to_string(id) + ' ' + payload);
                     found = true;
                 } else {
                     skipped += Word(size, 0) + 24;
@@ -169,7 +183,7 @@ std::vector<std::string> ReadByTheRule(const std::string& bytes) {
                 window = {window[1], byte[0], window[3], window[0]};
             }
         }
-        if (!found) return end(Told(CORRUPT_FILE, "TBinInStream::LoadRecord #5"));
+        if (!found) return end(Told(CORRUPT_FILE, location + "5"));
     }
 }
 
@@ -190,13 +204,14 @@ private:
     std::unique_ptr<unsigned char[]> bytes;
 };
 
-/// Every way to read a block gives what the rule gives. The streams are used again and again: each takes 10
-/// MiB when it meets damage.
+/// Every way to read a block gives what the rule gives, for all records or those of some classes. The streams
+/// are used again and again: each takes 10 MiB when it meets damage.
 ::testing::AssertionResult ReadsByTheRule(const std::string& bytes,
-                                          std::vector<std::string>* result = nullptr) {
+                                          std::vector<std::string>* result = nullptr,
+                                          const Classes* classes = nullptr) {
     static Window window;
     static Source strict(""), lenient("", 9999, Source::Lenient);
-    const auto expected = ReadByTheRule(bytes);
+    const auto expected = ReadByTheRule(bytes, classes);
     if (result != nullptr) *result = expected;
     window.Use(bytes);
     strict.Use(bytes);
@@ -204,7 +219,7 @@ private:
     const std::pair<const char*, TBinInStream*> streams[] = {
         {"window", &window}, {"strict source", &strict}, {"lenient source", &lenient}};
     for (const auto& [name, stream] : streams) {
-        const auto got = ReadAll(*stream);
+        const auto got = ReadAll(*stream, classes);
         if (got != expected) {
             return ::testing::AssertionFailure() << name << ": " << ::testing::PrintToString(got)
                                                  << "\ninstead of: " << ::testing::PrintToString(expected);
@@ -309,19 +324,25 @@ TEST(RecordReader, FollowsTheRuleOnMixturesOfRecordsAndGarbage) {
             }
         }
         ASSERT_TRUE(ReadsByTheRule(bytes)) << "round " << round;
+        const Classes some{static_cast<int>(below(7)), 7, 8, static_cast<int>(9 + below(11))};
+        ASSERT_TRUE(ReadsByTheRule(bytes, nullptr, &some)) << "some classes, round " << round;
     }
 }
 
 TEST(RecordReader, ReadsDamagedFilesTheSameFromEverySource) {
     const std::string file = A + Record{2, 8, "bbbbbb", 2}.Bytes() + "garbage" + RecordBytes(5, 5, "") +
                              Record{6, 6, "six", 7, 0xABCDABCD}.Bytes() + C;
-    for (std::size_t size = 0; size <= file.size(); ++size)
+    const Classes some{5, 8};
+    for (std::size_t size = 0; size <= file.size(); ++size) {
         ASSERT_TRUE(ReadsByTheRule(file.substr(0, size))) << size << " bytes";
+        ASSERT_TRUE(ReadsByTheRule(file.substr(0, size), nullptr, &some)) << size << " bytes, some classes";
+    }
     for (std::size_t at = 0; at < file.size(); ++at) {
         for (unsigned flip : {1u, 2u, 4u, 8u, 16u, 32u, 64u, 128u, 255u}) {
             std::string damaged = file;
             damaged[at] = static_cast<char>(static_cast<unsigned char>(damaged[at]) ^ flip);
             ASSERT_TRUE(ReadsByTheRule(damaged)) << "byte " << at << " flipped by " << flip;
+            ASSERT_TRUE(ReadsByTheRule(damaged, nullptr, &some)) << "some classes, " << at << ", " << flip;
         }
     }
 }
@@ -371,6 +392,56 @@ TEST(RecordReader, TellsWhereARecordBreaksOff) {
     Source hunting(A + "xxxxxxxxx" + B);
     hunting.failsFrom = A.size() + 6;
     EXPECT_EQ(ReadAll(hunting)[1], Told("Input/output error", "TBinInStream::LoadRecord #5"));
+}
+
+TEST(RecordReader, PassesOverRecordsOfOtherClasses) {
+    const Record scrambled{4, 8, "scrambled", 2};
+    const struct {
+        const char* name;
+        std::string bytes;
+        Classes classes;
+        std::vector<std::string> lines;
+    } cases[] = {
+        {"one class of three", A + B + C + A, {8}, {"2 8 bb", "0 passed over"}},
+        {"two classes", A + B + C, {7, 9}, {"1 7 aaaa", "3 9 c", "0 passed over"}},
+        {"no class", A + B + C, {}, {"0 passed over"}},
+        {"a class that is not there", A + B + C, {-1, 10}, {"0 passed over"}},
+        {"a scrambled record", A + scrambled.Bytes() + C, {8}, {"4 8 scrambled", "0 passed over"}},
+        {"a wrong sum in a class not asked for", WithBadSum(A) + B, {8}, {"2 8 bb", "0 passed over"}},
+        {"a wrong sum in a class asked for", WithBadSum(B) + A + B, {8}, {"2 8 bb", "30 passed over"}},
+        {"more records than there are rounds", Repeated(A, 65'536) + B, {8}, {"2 8 bb", "0 passed over"}},
+        {"garbage on both sides", "xxxx" + A + "xxxx" + B, {8}, {"2 8 bb", "8 passed over"}},
+        {"the most garbage, twice",
+         std::string(65'534, 'x') + A + std::string(65'534, 'x') + B,
+         {8},
+         {"2 8 bb", "131068 passed over"}},
+        {"too much garbage",
+         A + std::string(65'535, 'x') + B,
+         {8},
+         {Told(CORRUPT_FILE, "TBinInStream::LoadFilteredRecord #5"), "65535 passed over"}},
+        {"a record not asked for that is not whole",
+         B + A.substr(0, 27),
+         {8},
+         {"2 8 bb", Told("No error", "TBinInStream::LoadFilteredRecord #6"), "0 passed over"}},
+        {"a record asked for that is not whole",
+         A + B.substr(0, 25),
+         {8},
+         {Told("No error", "TBinInStream::LoadFilteredRecord #7"), "0 passed over"}},
+        {"a head that is not whole",
+         A + B.substr(0, 19),
+         {8},
+         {Told("No error", "TBinInStream::LoadFilteredRecord #4"), "0 passed over"}},
+    };
+    for (const auto& row : cases) {
+        std::vector<std::string> lines;
+        EXPECT_TRUE(ReadsByTheRule(row.bytes, &lines, &row.classes)) << row.name;
+        EXPECT_EQ(lines, row.lines) << row.name;
+    }
+    // A device that fails while a record is passed over.
+    Source broken(A + B);
+    broken.failsFrom = A.size() - 1;
+    const Classes eight{8};
+    EXPECT_EQ(ReadAll(broken, &eight)[0], Told("Input/output error", "TBinInStream::LoadFilteredRecord #6"));
 }
 
 TEST(RecordReader, KnowsAllStoredKeys) {

@@ -21,6 +21,10 @@ class ZoBlob;
 class ZoStreamableBase;
 class TZoClass;
 class TZoClassField;
+class TZoMetaData;
+namespace RecordFormat {
+struct RecordHead;
+}
 
 /// Abstract reader of the binary record format: delivers one verified record at a time, from which values are
 /// taken with `operator>>`, and hunts over damaged bytes for the next record.
@@ -73,6 +77,11 @@ public:
     /// "Arquivo corrompido". A record that ends before its head says throws `XReadStream` with the error's
     /// text: "No error" when the data just ended, "Input/output error" when the device failed.
     bool LoadRecord(int* uid, int* classId);
+    /// Loads the next good record of the classes asked for: `ids`, `idCount` of them, rising. Records of
+    /// other classes, and of classes that `schema` does not hold (null: any), are passed over by their heads
+    /// alone, whatever their contents and sums. Otherwise as `LoadRecord`; of the failure points #6 is a
+    /// record passed over that is not whole, #7 one asked for.
+    bool LoadFilteredRecord(TZoMetaData* schema, const int* ids, int* classId, int* uid, int idCount);
 
     /// The handle of the file that the stream reads; null where there is none.
     virtual void* GetFile() const;
@@ -192,7 +201,15 @@ private:
 
     bool TakesFromWindow() const { return HasWindow() && !asksRead; }
     bool ReadAll(void* data, unsigned size);
+    struct FailurePoints;
+    struct ClassFilter;
+    enum class Found { Nothing, Record, OtherClass };
+
+    bool HeadInWindow(RecordFormat::RecordHead& head) const;
     bool NextInWindow(int* uid, int* classId);
+    void PassInWindow(const ClassFilter& filter);
+    bool PassOver(unsigned size);
+    Found Hunt(const FailurePoints& points, const ClassFilter* filter, int* uid, int* classId);
     void ReadOrThrow(void* data, unsigned size, const char* location);
     void TakePastEnd(void* value, unsigned size);
     [[noreturn]] void ThrowReadError(const char* location) const;

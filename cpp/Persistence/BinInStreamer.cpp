@@ -197,17 +197,25 @@ ZoStreamableBase* TBinInStreamer::CreateInstance(TZoClass* fileClass, TZoMetaDat
 void* TBinInStreamer::GetFile() const { return stream->GetFile(); }
 
 ZoStreamableBase* TBinInStreamer::ReadObjects() {
+    LoadSchema("TBinInStreamer::ReadObjects #1", "TBinInStreamer::ReadObjects #2");
+    ReadRecords(nullptr);
+    return stream->FirstObject();
+}
+
+void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
     int uid = 0;
     int classId = 0;
-    if (!stream->LoadRecord(&uid, &classId)) Throw("Metadado corrompido", "TBinInStreamer::ReadObjects #1");
-    if (!fileSchema.LoadFromStream(stream, schema)) {
-        Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #2");
-    }
+    if (!stream->LoadRecord(&uid, &classId)) Throw("Metadado corrompido", noRecord);
+    if (!fileSchema.LoadFromStream(stream, schema)) Throw("Metadado inválido"_ansi, noSchema);
     uses.clear();
     rareUses.clear();
     unknown.RemoveAll();
     stream->ForgetInstances();
-    stream->ReserveInstances();
+}
+
+void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
+    filtered = classIds != nullptr;
+    if (!filtered) stream->ReserveInstances();
     Made made(*stream);
     direct = stream->GetsDirectly();
     plain = typeid(*this) == typeid(TBinInStreamer);
@@ -217,11 +225,19 @@ ZoStreamableBase* TBinInStreamer::ReadObjects() {
         TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
         entryForEach = original != nullptr && original->HasValueChildren();
     }
-    while (stream->LoadRecord(&uid, &classId)) ReadRecord(uid, classId, made);
+    int uid = 0;
+    int classId = 0;
+    if (filtered) {
+        const int count = static_cast<int>(classIds->size());
+        while (stream->LoadFilteredRecord(&fileSchema, classIds->data(), &classId, &uid, count)) {
+            ReadRecord(uid, classId, made);
+        }
+    } else {
+        while (stream->LoadRecord(&uid, &classId)) ReadRecord(uid, classId, made);
+    }
     made.HandOver();
     Resolve(made);
     Validate(made);
-    return stream->FirstObject();
 }
 
 const TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
@@ -236,7 +252,9 @@ const TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
     TZoClass* fileClass = fileSchema.FindClass(classId);
     if (fileClass == nullptr) Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #3");
     auto use = std::make_unique<Use>(Use{fileClass, false, false, ~0u});
-    if (fileClass->GetOriginal() == nullptr) {
+    if (fileClass->GetOriginal() == nullptr && filtered) {
+        use->readAs = nullptr;
+    } else if (fileClass->GetOriginal() == nullptr) {
         unknown.AddUnique(fileClass);
         use->substituted = true;
         while (use->readAs != nullptr && use->readAs->GetOriginal() == nullptr) {
@@ -294,12 +312,14 @@ void TBinInStreamer::Resolve(Made& made) {
 }
 
 void TBinInStreamer::Validate(Made& made) {
-    if (!made.mayBeInvalid && !made.hasValues && made.invalid.empty()) return;
+    if (made.invalid.empty() && (filtered || (!made.mayBeInvalid && !made.hasValues))) return;
     const std::unordered_set<const ZoStreamableBase*> known(made.invalid.begin(), made.invalid.end());
     TDList<ZoStreamableBase*> invalid;
     for (ZoStreamableBase* object : stream->Objects()) {
         const bool foundBefore = known.count(object) != 0;
-        if (!IsValid(object, foundBefore, made.hasValues)) invalid.Add(object);
+        // What was read in part may well miss something: only its own word counts.
+        const bool valid = filtered ? !foundBefore : IsValid(object, foundBefore, made.hasValues);
+        if (!valid) invalid.Add(object);
     }
     if (invalid.NItems() == 0) return;
     made.EndHold(); // while all that it noted is there

@@ -61,10 +61,15 @@ public:
     void RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid);
 
 private:
+    friend class TFilteredBinInStreamer;
     struct Use;
     class Made;
     class Values;
 
+    /// Throws with one of the locations when there is no schema record, or when it contradicts itself.
+    void LoadSchema(const char* noRecord, const char* noSchema);
+    /// `classIds`, rising: reads the records of these classes only; null: all.
+    void ReadRecords(const std::vector<int>* classIds);
     const Use& UseOf(int classId);
     bool IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues);
     void Remove(const TDList<ZoStreamableBase*>& invalid);
@@ -81,6 +86,7 @@ private:
     bool direct = false;       // the stream's values are taken without virtual calls
     bool entryForEach = false; // an entry for the resolving even where nothing is to resolve
     bool plain = false;        // no operation of this streamer is overridden
+    bool filtered = false;     // some classes only: what hangs together may not be there
 };
 
 } // namespace ZoPrimitives

@@ -14,6 +14,7 @@
 #include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/FileOutputStream.h"
+#include "ZoPrimitives/FilteredBinInStreamer.h"
 #include "ZoPrimitives/IList.h"
 #include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"

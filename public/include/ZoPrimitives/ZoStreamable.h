@@ -74,6 +74,9 @@ private:
     mutable std::uint64_t handleRun = 0;
 };
 
+/// As lists of objects hold them: nothing is owned.
+using ZoStreamablePointer = ZoStreamableBase*;
+
 /// Base of the streamable objects that have a counterpart in an application's own model.
 class ZO_API ZoObjectStreamable : public ZoStreamableBase {
 public:

@@ -1,0 +1,54 @@
+#include "ZoPrimitives/FilteredBinInStreamer.h"
+
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/XStream.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace ZoPrimitives {
+
+TFilteredBinInStreamer::TFilteredBinInStreamer(TBinInStream* stream, TZoMetaData* schema,
+                                               const TDList<ZoString>* classNames)
+    : reader(stream, schema) {
+    if (classNames != nullptr) names = *classNames;
+}
+
+TFilteredBinInStreamer::~TFilteredBinInStreamer() = default;
+
+bool TFilteredBinInStreamer::Read() {
+    objects.RemoveAll();
+    reader.LoadSchema("TFilteredBinInStreamer::Read #1", "TFilteredBinInStreamer::Read #2");
+    std::vector<int> ids;
+    for (const ZoString& name : names) {
+        if (const TZoClass* fileClass = reader.fileSchema.FindClass(name)) {
+            ids.push_back(fileClass->GetClassId());
+        }
+    }
+    if (ids.empty()) {
+        throw XStream(
+            TTranslatedString("Não existem classes com os nomes da filtragem no metadado"_ansi).Text(),
+            "TFilteredBinInStreamer::Read #3");
+    }
+    std::sort(ids.begin(), ids.end());
+    const auto take = [this] {
+        for (ZoStreamableBase* object : reader.stream->Objects()) objects.Add(object);
+    };
+    try {
+        reader.ReadRecords(&ids);
+    } catch (...) {
+        take();
+        throw;
+    }
+    take();
+    return objects.NItems() != 0;
+}
+
+bool TFilteredBinInStreamer::ReadFromStream(TBinInStream* stream, TZoMetaData* schema,
+                                            const TDList<ZoString>* classNames) {
+    return TFilteredBinInStreamer(stream, schema, classNames).Read();
+}
+
+} // namespace ZoPrimitives

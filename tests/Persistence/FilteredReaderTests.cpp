@@ -1,0 +1,309 @@
+#include "support/EveryKind.h"
+
+#include "ZoPrimitives/FilteredBinInStreamer.h"
+
+#include <algorithm>
+#include <climits>
+#include <memory>
+#include <stdexcept>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+std::vector<std::string> events;
+
+class Node : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Node)
+    DECLARE_ZO_FIELD(int, number)
+    DECLARE_ZO_FIELD(bool, refusesRead)
+    DECLARE_ZO_FIELD_REFERENCE(Node, other)
+    REGISTER_ZO_END
+    bool OnRead(TBinInStream*, bool) override { return !refusesRead; }
+    bool GetIsValid() const override { return other != nullptr; }
+    Alive alive;
+};
+
+class Corner : public Node {
+    REGISTER_ZO_BEGIN(Corner, Node)
+    DECLARE_ZO_FIELD(double, angle)
+    REGISTER_ZO_END
+};
+
+class Frame : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Frame)
+    DECLARE_ZO_FIELD_CHILD_VALUE(Node, middle)
+    DECLARE_ZO_FIELD_CHILD(Node, first)
+    DECLARE_ZO_FIELD_CHILD_LIST(Node, nodes)
+    REGISTER_ZO_END
+    void OnReadPointer(TZoClassField* field, ZoStreamableBase*, unsigned) override {
+        if (Text(field->GetFieldName()) == throwsAt) throw std::runtime_error("setter");
+    }
+    void HandleExcludedField(TZoClassField* field, TBinInStream*) override {
+        events.push_back(Text(field->GetFieldName()));
+    }
+    static inline std::string throwsAt;
+    Alive alive;
+};
+
+class FilteredReaderTest : public testing::Test {
+protected:
+    FilteredReaderTest() {
+        Node::Register(&schema);
+        Corner::Register(&schema);
+        Frame::Register(&schema);
+        events.clear();
+        Frame::throwsAt = "";
+        before = Alive::Count();
+    }
+    ~FilteredReaderTest() override { EXPECT_EQ(Alive::Count(), before); }
+
+    static std::vector<ClassEntry> Classes() {
+        ClassEntry node{.id = 1, .name = "Node", .values = {{0, -1, "number"}, {0, -10, "refusesRead"}}};
+        node.references = {{1, -8, "other"}};
+        ClassEntry corner{.id = 2, .name = "Corner", .parents = {1}, .values = {{0, -3, "angle"}}};
+        ClassEntry frame{.id = 3, .name = "Frame", .values = {{0, -1, "left out since"}}};
+        frame.children = {{1, -18, "middle"}, {1, -6, "first"}};
+        frame.childLists = {{1, -7, "nodes"}};
+        ClassEntry gone{.id = 9, .name = "Gone", .parents = {1}};
+        return {node, corner, frame, gone};
+    }
+    static Payload NodePart(int number, int other = 0, bool refusesRead = false) {
+        return Payload().Int(number).Bool(refusesRead).Int(other);
+    }
+    static Row NodeAt(int uid, int number, int other = 0) { return {uid, 1, NodePart(number, other)}; }
+    static Row CornerAt(int uid, int number) { return {uid, 2, NodePart(number).Double(0.5)}; }
+    static Row FrameAt(int uid, int middle, int first, const std::vector<int>& nodes) {
+        Payload bytes;
+        bytes.Ints({7, middle, first}).Int(static_cast<long long>(nodes.size()));
+        for (const int node : nodes) bytes.Int(node);
+        return {uid, 3, bytes};
+    }
+    static std::vector<Row> FrameRows() {
+        return {FrameAt(1, 2, 3, {4, 5, 6}),
+                NodeAt(2, 20, 3),
+                NodeAt(3, 30, 1),
+                NodeAt(4, 40, 6),
+                CornerAt(5, 50),
+                NodeAt(6, 60, 4),
+                {7, 9, NodePart(70)},
+                {8, 77, "foreign"},
+                NodeAt(9, 90)};
+    }
+
+    TZoMetaData schema;
+    int before = 0;
+};
+
+/// A reading of some classes, whose objects end with it.
+class Filtered {
+public:
+    Filtered(std::string file, TZoMetaData& schema, const std::vector<const char*>& classNames)
+        : bytes(std::move(file)), stream(bytes.data(), bytes.size(), 0), streamer(Make(schema, classNames)) {
+        stream.Initialize();
+    }
+    ~Filtered() {
+        const auto& objects = streamer->GetObjects();
+        const std::vector<pointer<ZoStreamableBase>> holders(objects.begin(), objects.end());
+    }
+    std::string Read() {
+        return FailureOf([&] { result = streamer->Read(); });
+    }
+    /// The nodes' numbers, or "Frame".
+    std::string Objects() {
+        std::string text;
+        for (ZoStreamableBase* object : streamer->GetObjects()) {
+            const auto* node = dynamic_cast<const Node*>(object);
+            if (!text.empty()) text += ' ';
+            text += (node == nullptr ? "Frame" : std::to_string(node->number));
+        }
+        return text;
+    }
+
+private:
+    std::unique_ptr<TFilteredBinInStreamer> Make(TZoMetaData& schema,
+                                                 const std::vector<const char*>& classNames) {
+        TDList<ZoString> names;
+        for (const char* name : classNames) names.Add(name);
+        return std::make_unique<TFilteredBinInStreamer>(&stream, &schema, &names);
+    }
+    std::string bytes;
+
+public:
+    TMemoryBinInStream stream;
+    std::unique_ptr<TFilteredBinInStreamer> streamer;
+    bool result = false;
+};
+
+} // namespace
+
+TEST_F(FilteredReaderTest, ReadsTheClassesAskedFor) {
+    const std::string file = FileOf(Classes(), FrameRows());
+    const struct {
+        const char* name;
+        std::vector<const char*> classes;
+        const char* objects;
+    } cases[] = {
+        {"one class", {"Node"}, "20 30 40 60 90"},
+        {"a derived class alone", {"Corner"}, "50"},
+        {"two, in another order than the file's", {"Corner", "Node"}, "20 30 40 50 60 90"},
+        {"one that is there and one that is not", {"Absent", "Corner"}, "50"},
+        {"the same one twice", {"Corner", "Corner"}, "50"},
+        {"one with a field that the application has no more", {"Frame"}, "Frame"},
+        {"one that the application does not know", {"Gone"}, ""},
+        {"that one and another", {"Gone", "Corner"}, "50"},
+    };
+    for (const auto& row : cases) {
+        Filtered filtered(file, schema, row.classes);
+        EXPECT_EQ(filtered.Read(), "") << row.name;
+        EXPECT_EQ(filtered.Objects(), row.objects) << row.name;
+        EXPECT_EQ(filtered.result, row.objects[0] != '\0') << row.name;
+        EXPECT_EQ(filtered.stream.GetSkipped(), 0U) << row.name;
+    }
+    EXPECT_EQ(events, std::vector<std::string>{"left out since"});
+}
+
+TEST_F(FilteredReaderTest, TellsWhatIsWrongWithTheFile) {
+    const std::string file = FileOf(Classes(), FrameRows());
+    const std::string headless = file.substr(0, 28);
+    const struct {
+        const char* name;
+        std::string file;
+        std::vector<const char*> classes;
+        const char* failure;
+    } cases[] = {
+        {"no record", headless, {"Node"}, "Metadado corrompido @ TFilteredBinInStreamer::Read #1"},
+        {"no class of these names",
+         file,
+         {"Absent", "node", "class Node"},
+         "N\xE3o existem classes com os nomes da filtragem no metadado @ TFilteredBinInStreamer::Read #3"},
+        {"no names",
+         file,
+         {},
+         "N\xE3o existem classes com os nomes da filtragem no metadado @ TFilteredBinInStreamer::Read #3"},
+        {"a parent that is not there",
+         FileOf({ClassEntry{.parents = {5}}}, {}),
+         {"X"},
+         "Metadado inv\xE1lido @ TFilteredBinInStreamer::Read #2"},
+        {"a record asked for that is not whole",
+         file.substr(0, file.size() - 1),
+         {"Node"},
+         "No error @ TBinInStream::LoadFilteredRecord #7"},
+        {"a record that ends before its fields",
+         FileOf(Classes(), {NodeAt(2, 20), {3, 1, "abc"}}),
+         {"Node"},
+         "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre"},
+    };
+    for (const auto& row : cases) {
+        Filtered filtered(row.file, schema, row.classes);
+        EXPECT_EQ(filtered.Read(), row.failure) << row.name;
+        EXPECT_EQ(filtered.streamer->GetObjects().NItems(), 0U) << row.name;
+        EXPECT_EQ(filtered.stream.Objects().NItems(), 0U) << row.name;
+        EXPECT_EQ(Alive::Count(), before) << row.name;
+    }
+}
+
+TEST_F(FilteredReaderTest, PointersLeadToWhatWasRead) {
+    const std::string file = FileOf(Classes(), FrameRows());
+    {
+        Filtered nodes(file, schema, {"Node"});
+        EXPECT_EQ(nodes.Read(), "");
+        const auto at = [&](int uid) { return dynamic_cast<Node*>(nodes.stream.GetInstance(uid)); };
+        EXPECT_EQ(at(2)->other, at(3));
+        EXPECT_EQ(at(3)->other, nullptr) << "the frame was passed over";
+        EXPECT_EQ(at(4)->other, at(6)) << "which comes later";
+        EXPECT_EQ(at(6)->other, at(4));
+        EXPECT_EQ(at(5), nullptr);
+    }
+    {
+        Filtered frame(file, schema, {"Frame"});
+        EXPECT_EQ(frame.Read(), "");
+        const auto& read = dynamic_cast<Frame&>(*frame.streamer->GetObjects()[1]);
+        EXPECT_EQ(read.first.get(), nullptr);
+        EXPECT_EQ(read.nodes.NItems(), 0U) << "items that were passed over are left out";
+        EXPECT_EQ(read.middle.number, 0) << "a member stays as it was made";
+    }
+    Filtered both(file, schema, {"Frame", "Node"});
+    EXPECT_EQ(both.Read(), "");
+    EXPECT_EQ(both.Objects(), "Frame 30 40 60 90") << "what was read for the member has ended";
+    auto& read = dynamic_cast<Frame&>(*both.streamer->GetObjects()[1]);
+    EXPECT_EQ(read.middle.number, 20);
+    EXPECT_EQ(read.middle.other, read.first.get());
+    ASSERT_EQ(read.nodes.NItems(), 2U);
+    EXPECT_EQ(read.nodes[2]->number, 60);
+}
+
+TEST_F(FilteredReaderTest, TakesAnyUids) {
+    std::vector<Row> rows;
+    for (const int uid : {5, INT_MAX, -4, 2'000'000'000, 5, 1'000'000}) {
+        rows.push_back(NodeAt(uid, static_cast<int>(rows.size()), 2'000'000'000));
+    }
+    Filtered filtered(FileOf(Classes(), rows), schema, {"Node"});
+    EXPECT_EQ(filtered.Read(), "");
+    EXPECT_EQ(filtered.Objects(), "0 1 2 3 4 5") << "also the one under a uid that came before";
+    for (const ZoStreamablePointer object : filtered.streamer->GetObjects()) {
+        EXPECT_EQ(dynamic_cast<Node&>(*object).other.get(), filtered.streamer->GetObjects()[4]);
+    }
+}
+
+TEST_F(FilteredReaderTest, RemovesWhatSaysOnReadingThatItIsInvalid) {
+    // The others point nowhere, which makes them invalid in a whole model.
+    const std::vector<Row> rows{NodeAt(1, 1), {2, 1, NodePart(2, 0, true)}, NodeAt(3, 3, 2)};
+    Filtered filtered(FileOf(Classes(), rows), schema, {"Node"});
+    EXPECT_EQ(filtered.Read(), "");
+    EXPECT_EQ(filtered.Objects(), "1 3");
+    EXPECT_EQ(dynamic_cast<Node&>(*filtered.streamer->GetObjects()[2]).other, nullptr);
+}
+
+TEST_F(FilteredReaderTest, LeavesTheObjectsToTheCallerWhenASetterFails) {
+    Filtered filtered(FileOf(Classes(), FrameRows()), schema, {"Frame", "Corner"});
+    Frame::throwsAt = "nodes";
+    EXPECT_THROW(filtered.Read(), std::runtime_error);
+    EXPECT_EQ(filtered.Objects(), "Frame 50");
+}
+
+TEST_F(FilteredReaderTest, ReadsFromAStreamInOneCall) {
+    const std::string file = FileOf(Classes(), FrameRows());
+    TDList<ZoString> names;
+    names.Add("Corner");
+    TMemoryBinInStream stream(file.data(), file.size(), 0);
+    stream.Initialize();
+    EXPECT_TRUE(TFilteredBinInStreamer::ReadFromStream(&stream, &schema, &names));
+    ASSERT_EQ(stream.Objects().NItems(), 1U);
+    const pointer<ZoStreamableBase> corner = stream.FirstObject();
+    EXPECT_EQ(dynamic_cast<Corner&>(*corner).number, 50);
+    TMemoryBinInStream again(file.data(), file.size(), 0);
+    again.Initialize();
+    EXPECT_EQ(
+        FailureOf([&] { TFilteredBinInStreamer::ReadFromStream(&again, &schema, nullptr); }),
+        "N\xE3o existem classes com os nomes da filtragem no metadado @ TFilteredBinInStreamer::Read #3");
+}
+
+TEST_F(FilteredReaderTest, RecordsOfClassesThatTheSchemaLacksArePassedOver) {
+    const std::string file = FileOf({{1, 2, "of the schema"}, {2, 77, "of none"}, {3, 1, "not asked for"}});
+    TMemoryBinInStream stream(file.data(), file.size(), 0);
+    stream.Initialize();
+    const int ids[] = {2, 3, 77};
+    int classId = 0, uid = 0;
+    EXPECT_TRUE(stream.LoadFilteredRecord(&schema, ids, &classId, &uid, 3));
+    EXPECT_EQ(classId, 2);
+    EXPECT_EQ(uid, 1);
+    EXPECT_FALSE(stream.LoadFilteredRecord(&schema, ids, &classId, &uid, 3));
+}
+
+TEST_F(FilteredReaderTest, SurvivesStrangersWithRightSums) {
+    const std::vector<Row> sound = FrameRows();
+    for (std::size_t row = 0; row < sound.size(); ++row) {
+        for (std::size_t at = 0; at < sound[row].payload.size(); ++at) {
+            for (const char value : {'\0', '\1', '\x7F', '\xFF'}) {
+                std::vector<Row> rows = sound;
+                rows[row].payload[at] = value;
+                Filtered filtered(FileOf(Classes(), rows), schema, {"Frame", "Node", "Gone"});
+                const std::string failure = filtered.Read();
+                EXPECT_TRUE(failure.empty() ||
+                            failure == "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre")
+                    << failure;
+            }
+        }
+    }
+}

@@ -12,10 +12,12 @@ struct FailedAssertion {
     std::string expression;
     std::string source;
     int line = 0;
+    std::string message{};
 
     bool operator==(const FailedAssertion&) const = default;
     friend std::ostream& operator<<(std::ostream& out, const FailedAssertion& failed) {
-        return out << '"' << failed.expression << "\" in " << failed.source << ':' << failed.line;
+        return out << '"' << failed.expression << "\" in " << failed.source << ':' << failed.line << ' '
+                   << failed.message;
     }
 };
 
@@ -25,8 +27,7 @@ FailedAssertion AssertionOf(Operation operation) {
     struct Recorder : ZoPrimitives::IAssertFunctor {
         explicit Recorder(FailedAssertion& last) : failed(last) {}
         void operator()(const char* expression, const char* message, const char* file, int line) override {
-            EXPECT_STREQ(message, "");
-            failed = {expression, file, line};
+            failed = {expression, file, line, message};
         }
         FailedAssertion& failed;
     };

@@ -12,6 +12,7 @@ public:
     ~TTranslatedString();
 
     const ZoString& Text() const { return text; }
+    ZoString ToZoString() const { return text; }
 
 private:
     ZoString text;

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+namespace ZoPrimitives {
+
+/// One operation of a conversion. Multiplying by 0.01 and dividing by 100 differ in the last bit.
+struct UnitStep {
+    enum Kind : unsigned char { Keep, Multiply, Divide, Add, Subtract };
+
+    Kind kind = Keep;
+    double k = 0;
+
+    constexpr double operator()(double v) const {
+        switch (kind) {
+        case Keep:
+            return v;
+        case Multiply:
+            return v * k;
+        case Divide:
+            return v / k;
+        case Add:
+            return v + k;
+        case Subtract:
+            return v - k;
+        }
+        return v;
+    }
+    constexpr bool IsSound() const {
+        if (kind == Keep) return k == 0;
+        return k > 0 && k < 1e300;
+    }
+};
+
+struct UnitConversion {
+    UnitStep first;
+    UnitStep second;
+
+    constexpr double operator()(double v) const { return second(first(v)); }
+    constexpr UnitConversion Then(UnitConversion next) const { return {first, next.first}; }
+    constexpr bool IsIdentity() const {
+        return first.kind == UnitStep::Keep && second.kind == UnitStep::Keep;
+    }
+};
+
+constexpr UnitConversion AsIs{};
+constexpr UnitConversion Times(double k) { return {{UnitStep::Multiply, k}, {}}; }
+constexpr UnitConversion Over(double k) { return {{UnitStep::Divide, k}, {}}; }
+constexpr UnitConversion Plus(double k) { return {{UnitStep::Add, k}, {}}; }
+constexpr UnitConversion Minus(double k) { return {{UnitStep::Subtract, k}, {}}; }
+
+/// A unit of a quantity: its number, its name in Windows-1252 ("" for none), what turns a value of it into
+/// the storage unit, and what turns the value in the storage unit into it.
+struct UnitRow {
+    template <class Unit>
+    constexpr UnitRow(Unit enumerator, const char* unitName, UnitConversion store, UnitConversion read)
+        : unit(static_cast<int>(enumerator)), name(unitName), stored(store), reading(read) {}
+
+    int unit;
+    const char* name;
+    UnitConversion stored;
+    UnitConversion reading;
+};
+
+/// The units of one class, by their numbers.
+using UnitTable = std::span<const UnitRow>;
+
+inline const UnitRow* FindUnit(UnitTable table, int unit) {
+    return unit >= 0 && static_cast<std::size_t>(unit) < table.size() ? &table[static_cast<std::size_t>(unit)]
+                                                                      : nullptr;
+}
+
+// What the tables are checked for when they are compiled.
+
+constexpr bool UnitsAreInOrder(UnitTable table) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        if (table[i].unit != static_cast<int>(i)) return false;
+    }
+    return true;
+}
+
+/// No name stands twice; one unit may be nameless.
+constexpr bool UnitNamesDiffer(UnitTable table) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            if (std::string_view(table[i].name) == table[j].name) return false;
+        }
+    }
+    return true;
+}
+
+/// Some unit is the storage unit; what is stored as it is, is read as it is.
+constexpr bool HasStorageUnit(UnitTable table) {
+    bool found = false;
+    for (const UnitRow& row : table) {
+        if (row.stored.IsIdentity() != row.reading.IsIdentity()) return false;
+        found = found || row.stored.IsIdentity();
+    }
+    return found;
+}
+
+/// Reading undoes storing, to the sixth digit; `loose` may be off in the fourth (-1 for none).
+constexpr bool UnitsConvertBack(UnitTable table, int loose = -1) {
+    for (const UnitRow& row : table) {
+        for (const UnitStep& step :
+             {row.stored.first, row.stored.second, row.reading.first, row.reading.second}) {
+            if (!step.IsSound()) return false;
+        }
+        const double off = row.reading(row.stored(1.0)) - 1.0;
+        const double allowed = row.unit == loose ? 2e-4 : 1e-6;
+        if (off > allowed || off < -allowed) return false;
+    }
+    return true;
+}
+
+} // namespace ZoPrimitives

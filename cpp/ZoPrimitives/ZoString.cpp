@@ -473,6 +473,17 @@ ZoString ZoString::FormatString(const char* format, ...) noexcept {
     return result;
 }
 
+ZoString ZoString::FormatWithoutArguments(const char* format) noexcept {
+    char text[FORMAT_SIZE];
+    char* end = text;
+    for (const char* p = format; *p != '\0' && end != text + sizeof text - 1; ++p) {
+        const bool directive = p[0] == '%' && (p[1] == '%' || p[1] == 'n');
+        if (directive && *++p == 'n') continue;
+        *end++ = *p;
+    }
+    return ZoString(text, static_cast<unsigned>(end - text));
+}
+
 ZoString ZoString::FormatUnchecked(const char* format, ...) noexcept {
     std::va_list arguments;
     va_start(arguments, format);

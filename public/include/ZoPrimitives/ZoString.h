@@ -203,11 +203,15 @@ public:
 
     /// `printf` in the C locale; the result is cut to 9,999 bytes and empty when the format is at fault.
     static ZoString FormatString(const char* format, ...) noexcept ZO_PRINTF(1, 2);
-    /// As above; arguments may be `ZoString`s for "%s".
+    /// As above; arguments may be `ZoString`s for "%s". Without any, the text does no harm wherever it comes
+    /// from: "%%" is written as one percent sign, "%n" as nothing, every other directive as it stands.
     template <class Format, class... Arguments,
               class = std::enable_if_t<std::is_base_of_v<ZoString, std::decay_t<Format>>>>
     static ZoString FormatString(const Format& format, const Arguments&... arguments) noexcept {
-        return FormatUnchecked(format.c_str(), Argument(arguments)...);
+        if constexpr (sizeof...(Arguments) == 0)
+            return FormatWithoutArguments(format.c_str());
+        else
+            return FormatUnchecked(format.c_str(), Argument(arguments)...);
     }
 
     /// Empty, or only spaces.
@@ -237,6 +241,7 @@ private:
         return std::strcmp(a.c_str(), b != nullptr ? b : "");
     }
     static ZoString FormatUnchecked(const char* format, ...) noexcept;
+    static ZoString FormatWithoutArguments(const char* format) noexcept;
     template <class T>
     static decltype(auto) Argument(const T& argument) noexcept {
         if constexpr (std::is_base_of_v<ZoString, T>) {

@@ -5,6 +5,8 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <string>
 #include <typeinfo>
 
@@ -49,6 +51,16 @@ enum class Creation { OpenExisting, CreateAlways };
 enum class Origin { Begin, Current, End };
 
 using FileHandle = void*; // null: none
+
+/// As a calendar and a clock on the wall show it.
+struct CalendarTime {
+    long long year = 0;
+    int month = 0; // 1 to 12
+    int day = 0;   // 1 to 31
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+};
 
 /// The services that can fail, wait or show something. A test replaces them by a class of its own
 /// (`Install`), usually one that derives from `Services` as the system provides it and overrides one
@@ -122,6 +134,23 @@ public:
     /// Without a display (POSIX) it does nothing: an application there says it by an assertion functor of its
     /// own.
     virtual void ShowMessageBox(const char* text);
+
+    /// Milliseconds that the system has been running, modulo 2^32.
+    virtual std::uint32_t Ticks();
+    /// 100-nanosecond ticks since 1970-01-01 00:00 UTC.
+    virtual std::int64_t SystemTime();
+    /// The local time, daylight saving included, of `seconds` since 1970-01-01 00:00 UTC. False where the
+    /// system cannot tell (Windows: before 1970 and after 3000).
+    virtual bool LocalTime(std::int64_t seconds, CalendarTime& time);
+    /// Minutes to add to the local standard time to get UTC. Where a country calls its summer time the
+    /// standard, the winter's, as Windows sees it.
+    virtual int StandardTimeBias();
+
+    /// Opens the trace file, to be closed with `fclose`; null when it cannot be. Windows:
+    /// c:\\temp\\Trace.txt. Elsewhere Trace.txt in the folder that the environment variable ZO_TRACE_FOLDER
+    /// names, or in TMPDIR, or in /tmp; only a regular file of this user's with a single name, never through
+    /// a symbolic link.
+    virtual std::FILE* OpenTraceFile(bool truncate);
 };
 
 /// The services in use.
@@ -140,6 +169,19 @@ void LowercaseAnsi(char* text, std::size_t size);
 
 /// `vsnprintf` in the C locale, whatever the process's locale is.
 int FormatText(char* buffer, std::size_t size, const char* format, std::va_list arguments);
+
+/// While it lives, the C runtime's functions go by the C locale in this thread. It must end in the thread in
+/// which it began.
+class ClassicLocale {
+public:
+    ClassicLocale();
+    ClassicLocale(const ClassicLocale&) = delete;
+    ClassicLocale& operator=(const ClassicLocale&) = delete;
+    ~ClassicLocale();
+
+private:
+    void* previous;
+};
 
 /// The readable name of a type, without "class " or "struct ": "ZoPrimitives::ZoBoolean".
 std::string TypeName(const std::type_info& type);

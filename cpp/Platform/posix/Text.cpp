@@ -46,13 +46,17 @@ void Map(char* text, std::size_t size, const CaseTable& table) {
 void UppercaseAnsi(char* text, std::size_t size) { Map(text, size, UPPER); }
 void LowercaseAnsi(char* text, std::size_t size) { Map(text, size, LOWER); }
 
-int FormatText(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
+ClassicLocale::ClassicLocale() {
     // Never freed: texts are formatted until the process ends.
     static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
-    const locale_t previous = uselocale(classic);
-    const int written = std::vsnprintf(buffer, size, format, arguments);
-    uselocale(previous);
-    return written;
+    previous = uselocale(classic);
+}
+
+ClassicLocale::~ClassicLocale() { uselocale(static_cast<locale_t>(previous)); }
+
+int FormatText(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
+    const ClassicLocale classic;
+    return std::vsnprintf(buffer, size, format, arguments);
 }
 
 std::string TypeName(const std::type_info& type) {

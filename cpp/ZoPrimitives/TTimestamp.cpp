@@ -1,0 +1,281 @@
+#include "ZoPrimitives/TTimestamp.h"
+
+#include "Platform/Platform.h"
+
+#include <algorithm>
+#include <cctz/civil_time.h>
+#include <cctz/time_zone.h>
+#include <limits>
+#include <ratio>
+#include <string>
+#include <string_view>
+
+namespace ZoPrimitives {
+
+namespace {
+
+using TickCount = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
+
+constexpr std::int64_t TICKS_PER_SECOND = 10'000'000;
+constexpr std::int64_t FIRST = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t LAST = std::numeric_limits<std::int64_t>::max();
+
+std::int64_t Sum(std::int64_t a, std::int64_t b) {
+    if (b > 0 && a > LAST - b) return LAST;
+    if (b < 0 && a < FIRST - b) return FIRST;
+    return a + b;
+}
+
+std::int64_t Difference(std::int64_t a, std::int64_t b) {
+    if (b < 0 && a > LAST + b) return LAST;
+    if (b > 0 && a < FIRST + b) return FIRST;
+    return a - b;
+}
+
+std::int64_t Times(std::int64_t value, std::int64_t factor) {
+    if (value > LAST / factor) return LAST;
+    if (value < FIRST / factor) return FIRST;
+    return value * factor;
+}
+
+/// `ticks` moved by `seconds`. In two steps, as a shift may be up to twice as long as what ticks count.
+std::int64_t Shifted(std::int64_t ticks, std::int64_t seconds) {
+    const std::int64_t half = seconds / 2;
+    return Sum(Sum(ticks, Times(half, TICKS_PER_SECOND)), Times(seconds - half, TICKS_PER_SECOND));
+}
+
+bool Parsed(const ZoString& text, const ZoString& format, std::int64_t& ticks) {
+    cctz::time_point<cctz::seconds> seconds;
+    cctz::detail::femtoseconds part;
+    const Platform::ClassicLocale classic;
+    if (!cctz::detail::parse(format.c_str(), text.c_str(), cctz::utc_time_zone(), &seconds, &part))
+        return false;
+    ticks = Sum(Times(seconds.time_since_epoch().count(), TICKS_PER_SECOND), part.count() / 100'000'000);
+    return true;
+}
+
+/// With zeros or, for `pad` a blank, blanks in front.
+std::string Digits(std::int64_t value, std::size_t width, char pad = '0') {
+    std::string digits = std::to_string(value);
+    if (digits.size() < width) digits.insert(0, width - digits.size(), pad);
+    return digits;
+}
+
+std::int64_t Modulo(std::int64_t value, std::int64_t divisor) {
+    const std::int64_t rest = value % divisor;
+    return rest < 0 ? rest + divisor : rest;
+}
+
+/// What cctz itself understands of `directive`, which follows a percent sign: its length, 0 for nothing.
+std::size_t CctzDirective(std::string_view directive) {
+    constexpr std::string_view Plain = "YmdeHMSzZs%";
+    if (directive.empty()) return 0;
+    if (Plain.find(directive[0]) != Plain.npos) return 1;
+    std::size_t i = 1;
+    if (directive[0] == ':') {
+        while (i < 3 && i < directive.size() && directive[i] == ':') ++i;
+        return i < directive.size() && directive[i] == 'z' ? i + 1 : 0;
+    }
+    if (directive[0] != 'E') return 0;
+    std::string_view endings = "z";
+    if (i < directive.size() && directive[i] == '*') {
+        endings = "zSf";
+        ++i;
+    } else if (directive.substr(i, 2) == "4Y") {
+        return 3;
+    } else {
+        while (i < directive.size() && i < 4 && directive[i] >= '0' && directive[i] <= '9') {
+            endings = "Sf";
+            ++i;
+        }
+    }
+    return i < directive.size() && endings.find(directive[i]) != endings.npos ? i + 1 : 0;
+}
+
+/// Appends `format` with what cctz would leave to the C runtime written out: that goes by the locale, knows
+/// other directives on each system, and ends the process over some.
+void AppendFormat(std::string& text, std::string_view format, const cctz::civil_second& time) {
+    constexpr const char* Months[] = {"January", "February", "March",     "April",   "May",      "June",
+                                      "July",    "August",   "September", "October", "November", "December"};
+    constexpr const char* Days[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                    "Thursday", "Friday", "Saturday"};
+    const cctz::civil_day day(time);
+    const int yearDay = cctz::get_yearday(day); // from 1
+    const int weekDay = (static_cast<int>(cctz::get_weekday(day)) + 1) % 7;
+    // A week of ISO 8601 belongs to the year of its Thursday.
+    const cctz::civil_day thursday = day - (weekDay + 6) % 7 + 3;
+    const std::string month = Months[time.month() - 1];
+    const std::string dayName = Days[weekDay];
+
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        if (format[i] != '%') {
+            text += format[i];
+            continue;
+        }
+        const std::string_view rest = format.substr(i + 1);
+        if (const std::size_t size = CctzDirective(rest); size > 0) {
+            text += '%';
+            text += rest.substr(0, size);
+            i += size;
+            continue;
+        }
+        ++i;
+        switch (rest.empty() ? '\0' : rest[0]) {
+        case 'a':
+            text += dayName.substr(0, 3);
+            break;
+        case 'A':
+            text += dayName;
+            break;
+        case 'b':
+        case 'h':
+            text += month.substr(0, 3);
+            break;
+        case 'B':
+            text += month;
+            break;
+        case 'C':
+            text += Digits((time.year() - Modulo(time.year(), 100)) / 100, 2);
+            break;
+        case 'g':
+            text += Digits(Modulo(thursday.year(), 100), 2);
+            break;
+        case 'G':
+            text += Digits(thursday.year(), 4);
+            break;
+        case 'I':
+            text += Digits((time.hour() + 11) % 12 + 1, 2);
+            break;
+        case 'j':
+            text += Digits(yearDay, 3);
+            break;
+        case 'n':
+            text += '\n';
+            break;
+        case 'p':
+            text += time.hour() < 12 ? "AM" : "PM";
+            break;
+        case 't':
+            text += '\t';
+            break;
+        case 'u':
+            text += Digits((weekDay + 6) % 7 + 1, 1);
+            break;
+        case 'U':
+            text += Digits((yearDay + 6 - weekDay) / 7, 2);
+            break;
+        case 'V':
+            text += Digits((cctz::get_yearday(thursday) + 6) / 7, 2);
+            break;
+        case 'w':
+            text += Digits(weekDay, 1);
+            break;
+        case 'W':
+            text += Digits((yearDay + 6 - (weekDay + 6) % 7) / 7, 2);
+            break;
+        case 'y':
+            text += Digits(Modulo(time.year(), 100), 2);
+            break;
+        case 'c':
+            AppendFormat(text, "%a %b %e %H:%M:%S %Y", time);
+            break;
+        case 'D':
+        case 'x':
+            AppendFormat(text, "%m/%d/%y", time);
+            break;
+        case 'F':
+            text += "%Y-%m-%d";
+            break;
+        case 'r':
+            AppendFormat(text, "%I:%M:%S %p", time);
+            break;
+        case 'R':
+            text += "%H:%M";
+            break;
+        case 'T':
+        case 'X':
+            text += "%H:%M:%S";
+            break;
+        default:
+            text += "%%"; // the rest follows as plain text
+            --i;
+        }
+    }
+}
+
+ZoString Formatted(std::int64_t ticks, const ZoString& format, const cctz::time_zone& zone) {
+    const cctz::time_point<TickCount> time{TickCount(ticks)};
+    std::string expanded;
+    AppendFormat(expanded, format.c_str(), cctz::convert(time, zone));
+    return ZoString(cctz::format(expanded, time, zone).c_str());
+}
+
+cctz::time_zone StandardZone() {
+    return cctz::fixed_time_zone(-std::chrono::minutes(Platform::Current().StandardTimeBias()));
+}
+
+/// By the clock on the wall; where the system cannot tell, by the standard time.
+cctz::civil_second LocalTime(std::int64_t ticks) {
+    const std::int64_t seconds = ticks / TICKS_PER_SECOND;
+    Platform::CalendarTime time;
+    if (Platform::Current().LocalTime(seconds, time))
+        return cctz::civil_second(time.year, time.month, time.day, time.hour, time.minute, time.second);
+    return cctz::convert(cctz::time_point<cctz::seconds>{cctz::seconds(seconds)}, StandardZone());
+}
+
+} // namespace
+
+TTimestamp::TTimestamp() : count(Platform::Current().SystemTime()) {}
+
+TTimestamp::TTimestamp(const ZoString& text, const ZoString& format) {
+    if (!Parsed(text, format, count)) count = Platform::Current().SystemTime();
+}
+
+TTimestamp::~TTimestamp() = default;
+
+TTimestamp& TTimestamp::operator+=(std::chrono::seconds d) {
+    count = Shifted(count, d.count());
+    return *this;
+}
+
+TTimestamp& TTimestamp::operator-=(std::chrono::seconds d) {
+    // The smallest number has no opposite; shifts that long are all the same.
+    count = Shifted(count, -std::max<std::int64_t>(d.count(), -LAST));
+    return *this;
+}
+
+long long TTimestamp::DiferenceInNanoseconds(const TTimestamp& other) const {
+    return Times(Difference(count, other.count), 100);
+}
+
+ZoString TTimestamp::InUTCTime(const ZoString& format) const {
+    return Formatted(count, format, cctz::utc_time_zone());
+}
+
+ZoString TTimestamp::InLocalTime(const ZoString& format) const {
+    return Formatted(count, format, StandardZone());
+}
+
+bool TTimestamp::IsValid(const ZoString& text, const ZoString& format) {
+    std::int64_t ticks;
+    return Parsed(text, format, ticks);
+}
+
+bool TTimestamp::IsToday() const {
+    return cctz::civil_day(LocalTime(count)) == cctz::civil_day(LocalTime(Platform::Current().SystemTime()));
+}
+
+bool TTimestamp::IsYesterday() const {
+    return cctz::civil_day(LocalTime(count)) ==
+           cctz::civil_day(LocalTime(Platform::Current().SystemTime())) - 1;
+}
+
+bool TTimestamp::IsSameDayHourMinuteAndSeconds(const TTimestamp& other) const {
+    return LocalTime(count) == LocalTime(other.count);
+}
+
+TTimestamp TTimestamp::MinValue() { return TTimestamp(std::int64_t{0}); }
+
+long SystemTimeZoneOffSetMinutes() { return Platform::Current().StandardTimeBias(); }
+
+} // namespace ZoPrimitives

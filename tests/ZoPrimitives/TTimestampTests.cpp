@@ -1,0 +1,207 @@
+#include "ZoPrimitives/TTimestamp.h"
+
+#include "support/CommaLocale.h"
+#include "support/FakeClock.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+using namespace ZoPrimitives;
+using namespace std::chrono_literals;
+using Testing::FakeClock;
+
+namespace {
+
+constexpr std::int64_t LAST = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t FIRST = std::numeric_limits<std::int64_t>::min();
+constexpr const char* FORMAT = "%d/%m/%Y %H:%M:%S";
+
+TTimestamp At(const char* utc) { return TTimestamp(utc, FORMAT); }
+
+struct TTimestampTest : testing::Test {
+    TTimestampTest() { clock.now = 17'000'000'001'234'567; }
+    FakeClock clock;
+};
+
+TEST_F(TTimestampTest, ReadsText) {
+    const struct {
+        const char* name;
+        const char* text;
+        const char* format;
+        bool valid;
+        std::int64_t ticks;
+    } rows[] = {
+        {"start", "01/01/1970 00:00:00", FORMAT, true, 0},
+        {"before 1970", "31/12/1969 23:59:59", FORMAT, true, -10'000'000},
+        {"leap day", "29/02/2024 12:00:00", FORMAT, true, 17'092'080'000'000'000},
+        {"parts of a tick are cut", "1.99999999", "%E*S", true, 19'999'999},
+        {"parts before 1970", "1969-12-31 23:59:59.5", "%Y-%m-%d %H:%M:%E*S", true, -5'000'000},
+        {"zone", "01:00 -03:00", "%H:%M %Ez", true, 144'000'000'000},
+        {"English names", "3 Feb 1970", "%d %b %Y", true, 28'512'000'000'000},
+        {"accents in the format", "1\xBA dia", "%d\xBA dia", true, 0},
+        {"beyond the last tick", "292277026596", "%Y", true, LAST},
+        {"beyond the first tick", "-29250", "%Y", true, FIRST},
+        {"beyond all seconds", "292277026597", "%Y", false, 0},
+        {"no such day", "30/02/2024 00:00:00", FORMAT, false, 0},
+        {"something left over", "01/01/1970 00:00:00x", FORMAT, false, 0},
+        {"empty", "", FORMAT, false, 0},
+        {"unknown directive", "x", "%Q", false, 0},
+        {"absurd width", "1", "%E999999999999S", false, 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(TTimestamp::IsValid(row.text, row.format), row.valid) << row.name;
+        const std::int64_t expected = row.valid ? row.ticks : clock.now; // silently the present time
+        EXPECT_EQ(TTimestamp(row.text, row.format).Ticks(), expected) << row.name;
+    }
+    EXPECT_EQ(TTimestamp().Ticks(), clock.now);
+    EXPECT_EQ(TTimestamp::MinValue().Ticks(), 0);
+}
+
+TEST_F(TTimestampTest, WritesText) {
+    constexpr std::int64_t Monday = 17'040'672'001'234'567; // the 1st of January 2024
+    const struct {
+        const char* name;
+        std::int64_t ticks;
+        const char* format;
+        const char* text;
+    } rows[] = {
+        {"start", 0, FORMAT, "01/01/1970 00:00:00"},
+        {"parts of a second", 12'345'678, "%E*S %E3S %E*f %E2f", "01.2345678 01.234 2345678 23"},
+        {"parts before 1970", -5'000'000, "%F %H:%M:%E1S", "1969-12-31 23:59:59.5"},
+        {"zone", 0, "%z %Ez %:z %E*z", "+0000 +00:00 +00:00 +00:00:00"},
+        {"four digits of a year", -624'511'296'000'000'000, "%E4Y", "-009"},
+        {"names", Monday, "%a %A %b %B %p", "Mon Monday Jan January AM"},
+        {"composites", Monday, "%c|%D|%x|%F|%r|%R|%T|%X",
+         "Mon Jan  1 00:00:00 2024|01/01/24|01/01/24|2024-01-01|12:00:00 AM|00:00|00:00:00|00:00:00"},
+        {"weeks", Monday - 864'000'000'000, "%G %g %V %U %W %u %w %j", "2023 23 52 53 52 7 0 365"},
+        {"percent signs", 0, "100%% %%d %", "100% %d %"},
+        {"accents", 0, "%d de mar\xE7o", "01 de mar\xE7o"},
+        {"no directives", 0, "%Q %-d %5d %Ey %Od %E %: %:d %E99999S %+",
+         "%Q %-d %5d %Ey %Od %E %: %:d %E99999S %+"},
+        {"last tick", LAST, "%F %T %c", "31197-09-14 02:48:05 Sun Sep 14 02:48:05 31197"},
+        {"first tick", FIRST, "%C %y %F %E*S", "-273 42 -27258-04-19 54.5224192"},
+    };
+    for (const auto& row : rows)
+        EXPECT_STREQ(TTimestamp::FromTicks(row.ticks).InUTCTime(row.format).c_str(), row.text) << row.name;
+}
+
+TEST_F(TTimestampTest, LocalTimeIsStandardTime) {
+    clock.daylight = [](std::int64_t) { return 60; };
+    const struct {
+        int bias;
+        const char* text;
+    } rows[] = {
+        {0, "12:00 +0000"}, {300, "07:00 -0500"}, {-330, "17:30 +0530"}, {1441, "12:00 +0000"}, // no zone
+    };
+    for (const auto& row : rows) {
+        clock.bias = row.bias;
+        EXPECT_STREQ(At("15/07/2024 12:00:00").InLocalTime("%H:%M %z").c_str(), row.text);
+        EXPECT_EQ(SystemTimeZoneOffSetMinutes(), row.bias);
+    }
+}
+
+TEST_F(TTimestampTest, Shifts) {
+    const struct {
+        const char* name;
+        std::int64_t ticks;
+        std::chrono::seconds shift;
+        std::int64_t later;
+        std::int64_t earlier;
+    } rows[] = {
+        {"a second", 5, 1s, 10'000'005, -9'999'995},
+        {"beyond both ends", 5, std::chrono::seconds::max(), LAST, FIRST},
+        {"beyond both ends, backwards", 5, std::chrono::seconds::min(), FIRST, LAST},
+        {"by more than half of all", FIRST, 1'000'000'000'000s, 776'627'963'145'224'192, FIRST},
+    };
+    for (const auto& row : rows) {
+        TTimestamp later = TTimestamp::FromTicks(row.ticks);
+        TTimestamp earlier = later;
+        EXPECT_EQ((later += row.shift).Ticks(), row.later) << row.name;
+        EXPECT_EQ((earlier -= row.shift).Ticks(), row.earlier) << row.name;
+    }
+}
+
+TEST_F(TTimestampTest, Differs) {
+    const struct {
+        std::int64_t a;
+        std::int64_t b;
+        long long nanoseconds;
+    } rows[] = {
+        {10'000'005, 5, 1'000'000'000}, {5, 7, -200},     {FIRST + 3, FIRST, 300}, {LAST / 10, 0, LAST},
+        {0, LAST / 10, FIRST},          {LAST, -1, LAST}, {FIRST, 1, FIRST},
+    };
+    for (const auto& row : rows) {
+        const TTimestamp a = TTimestamp::FromTicks(row.a);
+        const TTimestamp b = TTimestamp::FromTicks(row.b);
+        EXPECT_EQ(a.DiferenceInNanoseconds(b), row.nanoseconds) << row.a << " - " << row.b;
+        EXPECT_EQ(a < b, row.a < row.b);
+        EXPECT_EQ(a <= b, row.a <= row.b);
+        EXPECT_EQ(a > b, row.a > row.b);
+        EXPECT_EQ(a >= b, row.a >= row.b);
+        EXPECT_TRUE(a != b && a == TTimestamp(a) && a <= a && a >= a);
+    }
+}
+
+TEST_F(TTimestampTest, TodayAndYesterday) {
+    const auto none = [](std::int64_t) { return 0; };
+    const auto hour = [](std::int64_t) { return 60; };
+    // An hour is put back at the midnight that starts the 18th of February 2018, 02:00 UTC.
+    const auto until18 = [](std::int64_t seconds) { return seconds < 1'518'919'200 ? 60 : 0; };
+    const struct {
+        const char* name;
+        int (*daylight)(std::int64_t);
+        int bias;
+        const char* now;
+        const char* then;
+        bool today;
+        bool yesterday;
+    } rows[] = {
+        {"other end of the day", none, 0, "10/05/2023 00:00:00", "10/05/2023 23:59:59", true, false},
+        {"a second before today", none, 0, "10/05/2023 23:59:59", "09/05/2023 23:59:59", false, true},
+        {"tomorrow", none, 0, "10/05/2023 12:00:00", "11/05/2023 12:00:00", false, false},
+        {"same day of another year", none, 0, "10/05/2023 12:00:00", "10/05/2022 12:00:00", false, false},
+        {"1st of March", none, 0, "01/03/2023 08:00:00", "28/02/2023 20:00:00", false, true},
+        {"1st of March of a leap year", none, 0, "01/03/2024 08:00:00", "29/02/2024 20:00:00", false, true},
+        {"local day, west", none, 180, "11/05/2023 02:00:00", "10/05/2023 03:00:00", true, false},
+        {"daylight saving counts", hour, 180, "11/05/2023 02:30:00", "11/05/2023 01:59:00", false, true},
+        {"after a day of 25 hours", until18, 180, "19/02/2018 02:30:00", "18/02/2018 01:59:00", false, true},
+        {"a day of 25 hours", until18, 180, "18/02/2018 02:30:00", "17/02/2018 02:00:00", true, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        clock.daylight = row.daylight;
+        clock.bias = row.bias;
+        clock.now = At(row.now).Ticks();
+        EXPECT_EQ(At(row.then).IsToday(), row.today);
+        EXPECT_EQ(At(row.then).IsYesterday(), row.yesterday);
+    }
+}
+
+TEST_F(TTimestampTest, SameSecond) {
+    const auto same = [](std::int64_t a, std::int64_t b) {
+        return TTimestamp::FromTicks(a).IsSameDayHourMinuteAndSeconds(TTimestamp::FromTicks(b));
+    };
+    constexpr std::int64_t Second = 10'000'000;
+    EXPECT_TRUE(same(0, Second - 1));
+    EXPECT_FALSE(same(0, Second));
+    EXPECT_TRUE(same(-Second + 1, Second - 1)) << "seconds are truncated towards 1970";
+    for (const std::int64_t period : {60 * Second, 3600 * Second, 86'400 * Second, 365 * 86'400 * Second})
+        EXPECT_FALSE(same(0, period)) << period;
+
+    // The hour that a clock shows twice.
+    clock.daylight = [](std::int64_t seconds) { return seconds < 7200 ? 60 : 0; };
+    EXPECT_TRUE(same(5400 * Second, 9000 * Second));
+    clock.tellsLocalTime = false;
+    EXPECT_FALSE(same(5400 * Second, 9000 * Second)) << "by the standard time";
+}
+
+TEST_F(TTimestampTest, LocaleDoesNotMatter) {
+    CommaLocale comma;
+    if (!comma.Active()) GTEST_SKIP() << "the system has no locale with a comma";
+    EXPECT_STREQ(TTimestamp::FromTicks(15'000'000).InUTCTime("%a %b %E1S").c_str(), "Thu Jan 01.5");
+    EXPECT_EQ(TTimestamp("Feb 1.5", "%b %E*S").Ticks(), 26'784'015'000'000);
+}
+
+} // namespace

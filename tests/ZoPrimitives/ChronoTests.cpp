@@ -1,0 +1,72 @@
+#include "ZoPrimitives/Chrono.h"
+
+#include "support/FakeClock.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+/// "h:m:s.c"
+std::string Reading(Chrono& watch) {
+    return std::to_string(watch.Hours()) + ":" + std::to_string(watch.Minutes()) + ":" +
+           std::to_string(watch.Seconds()) + "." + std::to_string(watch.Hundredths());
+}
+
+TEST(ChronoTest, Reads) {
+    const struct {
+        const char* name;
+        std::uint32_t from;
+        std::uint32_t passed;
+        const char* reading;
+    } rows[] = {
+        {"less than a hundredth", 7, 9, "0:0:0.0"},
+        {"a minute and more", 7, 65'504, "0:1:5.50"},
+        {"70 s wrap", 7, 70'000, "0:0:4.46"},
+        {"ticks pass 16 bits", 65'000, 1'500, "0:0:1.50"},
+        {"ticks pass 32 bits", 0xFFFF'FF00u, 1'500, "0:0:1.50"},
+        {"cut in binary fractions", 0, 270, "0:0:0.26"},
+    };
+    for (const auto& row : rows) {
+        Testing::FakeClock clock;
+        clock.ticks = row.from;
+        Chrono watch;
+        watch.Start();
+        clock.ticks += row.passed;
+        EXPECT_EQ(Reading(watch), row.reading) << row.name;
+    }
+}
+
+TEST(ChronoTest, StopsAndGoesOn) {
+    Testing::FakeClock clock;
+    Chrono watch;
+    const struct {
+        const char* name;
+        void (Chrono::*operation)();
+        std::uint32_t passed; // after the operation
+        const char* reading;
+    } steps[] = {
+        {"not started", &Chrono::Stop, 60'000, "0:0:0.0"},
+        {"started", &Chrono::Start, 1'500, "0:0:1.50"},
+        {"stopped", &Chrono::Stop, 30'000, "0:0:1.50"},
+        {"stopped while stopped", &Chrono::Stop, 30'000, "0:0:1.50"},
+        {"started again", &Chrono::Start, 304, "0:0:1.80"},
+        {"started while running", &Chrono::Start, 196, "0:0:2.0"},
+        {"reset while running", &Chrono::Reset, 1'000, "0:0:1.0"},
+        {"stopped again", &Chrono::Stop, 5, "0:0:1.0"},
+        {"reset", &Chrono::Reset, 5, "0:0:0.0"},
+    };
+    for (const auto& step : steps) {
+        const Chrono before = watch;
+        (watch.*step.operation)();
+        clock.ticks += step.passed;
+        EXPECT_EQ(Reading(watch), step.reading) << step.name;
+        const bool same = std::string(step.name).find("while stopped") != std::string::npos;
+        EXPECT_EQ(watch == before, same || &step == steps) << step.name;
+    }
+}
+
+} // namespace

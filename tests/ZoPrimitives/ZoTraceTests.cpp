@@ -1,0 +1,106 @@
+#include "ZoPrimitives/ZoTrace.h"
+
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "support/FakeClock.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+// An explicit instantiation may name what is private.
+ZoString Tabs(int n);
+std::atomic<bool>& FirstTrace();
+template <ZoString (*TABS)(int), std::atomic<bool>* FIRST>
+struct Opened {
+    friend ZoString Tabs(int n) { return TABS(n); }
+    friend std::atomic<bool>& FirstTrace() { return *FIRST; }
+};
+template struct Opened<&TZoTrace::Tabs, &TZoTrace::firstTrace>;
+
+struct ZoTraceTest : testing::Test {
+    struct Services : Testing::FakeClock {
+        std::FILE* OpenTraceFile(bool truncate) override {
+            return std::fopen(path.c_str(), truncate ? "wb" : "ab");
+        }
+        Testing::TemporaryFolder folder;
+        std::string path = folder.Path("Trace.txt");
+    };
+
+    ZoTraceTest() {
+        FirstTrace() = true;
+        TZoTrace::Tic();
+    }
+    /// What was traced; the next line is the first again.
+    std::string Trace() {
+        FirstTrace() = true;
+        return services.folder.Read("Trace.txt");
+    }
+
+    Services services;
+    const std::string prefix = "O tempo de execução da operação foi: "_ansi;
+};
+
+TEST_F(ZoTraceTest, FirstLineEmptiesTheFile) {
+    services.folder.Write("Trace.txt", "of another process\n");
+    services.ticks = 12;
+    TZoTrace::Toc("Abrir", "obra");
+    TZoTrace::TocTic("Salvar", "");
+    services.ticks = 10; // wrapped
+    TZoTrace::Toc("", "x");
+    TZoTrace::TraceSimplesArquivo("50% %d %n %%\tas it is\n");
+    TZoTrace::TraceSimplesArquivo(nullptr);
+    EXPECT_EQ(Trace(), prefix + "12ms. (Abrir, obra)\n" + prefix + "12ms. (Salvar, )\n" + prefix +
+                           "4294967294ms. (, x)\n50% %d %n %%\tas it is\n\n\n");
+}
+
+TEST_F(ZoTraceTest, PercentSignsOfTextsAreInterpreted) {
+    const struct {
+        const char* text;
+        const char* written;
+    } rows[] = {
+        {"100%%, %%%%d", "100%, %%d"},
+        {"[%n]", "[]"},
+        {"%d %s %ls %f %p %c %q %*d %.*s %1$n %hhn", "%d %s %ls %f %p %c %q %*d %.*s %1$n %hhn"},
+        {"%999999999d", "%999999999d"},
+        {"50% dos pilares %", "50% dos pilares %"},
+    };
+    for (const auto& row : rows) {
+        TZoTrace::Toc(row.text, row.text);
+        const std::string written = row.written;
+        EXPECT_EQ(Trace(), prefix + "0ms. (" + written + ", " + written + ")\n");
+    }
+    TZoTrace::Toc(ZoString('%', 20'001), "");
+    EXPECT_EQ(Trace().size(), 10'000u) << "cut as by FormatString";
+}
+
+TEST_F(ZoTraceTest, WithoutAFileThereIsNoTrace) {
+    services.path = services.folder.Path("missing/Trace.txt");
+    TZoTrace::Toc("a", "b");
+    EXPECT_TRUE(services.folder.Names().empty());
+}
+
+TEST_F(ZoTraceTest, ThreadsMayTraceAtOnce) {
+    std::string expected(100, '\n');
+    const auto trace = [] {
+        for (int i = 0; i < 50; ++i) TZoTrace::TraceSimplesArquivo("");
+    };
+    TZoTrace::TraceSimplesArquivo("");
+    std::thread other(trace);
+    trace();
+    other.join();
+    EXPECT_EQ(Trace(), expected + "\n");
+}
+
+TEST_F(ZoTraceTest, Tabs) {
+    EXPECT_EQ(::Tabs(2), "\t\t");
+    EXPECT_EQ(::Tabs(0), "");
+    EXPECT_EQ(::Tabs(-3), "");
+}
+
+} // namespace

@@ -291,6 +291,17 @@ void TBinOutStream::StartAnew() {
     lastUid = -1;
 }
 
+void TBinOutStream::ReleaseGathered() {
+    DropRecord();
+    DropGathered();
+    try {
+        unsigned long long size = 0;
+        std::free(TakeGathered(size));
+    } catch (const std::bad_alloc&) {
+        return; // the block at hand stays, empty
+    }
+}
+
 unsigned char* TBinOutStream::TakeGathered(unsigned long long& size) {
     SumGathered(gatheredEnd);
     size = GatheredSize();

@@ -3,9 +3,7 @@
 #include "Persistence/RecordFormat.h"
 #include "ZoPrimitives/XStream.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <new>
 #include <typeinfo>
 
 namespace ZoPrimitives {
@@ -30,14 +28,7 @@ void TMemoryBinOutStream::FlushBuffer() { FrameRaw(); }
 
 void TMemoryBinOutStream::FreeResourses() {
     hasHeader = false;
-    DropRecord();
-    DropGathered();
-    try {
-        unsigned long long size = 0;
-        std::free(TakeGathered(size));
-    } catch (const std::bad_alloc&) {
-        return; // the block at hand stays, empty
-    }
+    ReleaseGathered();
 }
 
 void TMemoryBinOutStream::RewriteHeader() {

@@ -149,6 +149,8 @@ protected:
     void StartAnew();
     /// Gives the gathered bytes away, on the C heap, and starts an empty buffer. The open record is lost.
     unsigned char* TakeGathered(unsigned long long& size);
+    /// Frees the gathered bytes and starts an empty buffer. The open record is lost.
+    void ReleaseGathered();
     /// Drops the open record.
     void DropRecord() { position = record; }
     const unsigned char* RecordBytes() const { return record; }

@@ -1,0 +1,311 @@
+#include "ZoPrimitives/ClipboardBinInStream.h"
+#include "ZoPrimitives/ClipboardBinOutStream.h"
+
+#include "support/Assertions.h"
+#include "support/EveryKind.h"
+#include "support/FakeClipboard.h"
+#include "support/PrivateClipboard.h"
+#include "support/Records.h"
+
+#include "ZoPrimitives/AnsiLiteral.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace ZoPrimitives;
+using ZoPrimitives::Testing::FakeClipboard;
+using ZoPrimitives::Testing::PrivateClipboard;
+
+namespace {
+
+const std::string FINALIZE = " @ TClipboardBinOutStream::Finalize";
+const std::string TAKE = " @ TClipboardBinInStream::GetDataFromClipboard";
+const std::string HEADER = " @ TClipboardBinInStream::TClipboardBinInStream";
+const std::string RECORD = " @ TBinInStream::LoadRecord #";
+
+void Write(TBinOutStream& out, int uid, const char* text) {
+    out << text;
+    out.FlushRecord(uid, 7);
+}
+
+std::string TextRecord(int uid, const std::string& text) { return RecordBytes(uid, 7, Payload().Text(text)); }
+
+/// What a stream over the clipboard reads: the uids, then the failure that it ends with.
+std::string Pasted(unsigned supportedVersion = 9999) {
+    std::string all;
+    const std::string failure = FailureOf([&] {
+        TClipboardBinInStream in(supportedVersion);
+        in.Initialize();
+        int uid = 0;
+        int classId = 0;
+        while (in.LoadRecord(&uid, &classId)) all += std::to_string(uid) + " ";
+        if (in.GetSkipped() != 0) all += "skipped ";
+    });
+    return all + failure;
+}
+
+// Writing
+
+TEST(ClipboardBinOutStreamTests, ABlockIsWhatAFileWouldHold) {
+    FakeClipboard clipboard;
+    TClipboardBinOutStream out(3, 2026);
+    out.SetUsesSecurity(true); // never on the clipboard
+    out.Initialize();
+    Write(out, 9, "text");
+    out.FlushRecord(10, 7); // counted, not written
+    Write(out, 11, "");
+    EXPECT_EQ(clipboard.log, "");
+    out.Finalize();
+    EXPECT_EQ(clipboard.log, "osc");
+    EXPECT_EQ(clipboard.block, HeaderBytes(3, 2026, 3) + TextRecord(9, "text") + TextRecord(11, ""));
+
+    out.Finalize(); // a second time does nothing
+    EXPECT_EQ(clipboard.log, "osc");
+    out.Initialize();
+    out.Finalize();
+    EXPECT_EQ(clipboard.block, HeaderBytes(3, 2026));
+}
+
+TEST(ClipboardBinOutStreamTests, WithoutFinalizeTheClipboardStays) {
+    FakeClipboard clipboard("theirs");
+    {
+        TClipboardBinOutStream out;
+        out.Finalize(); // nothing was begun
+        out.Initialize();
+        Write(out, 1, "text");
+        out.RewriteHeader();
+        out.FreeResourses();
+        out.Finalize();
+        out.Initialize();
+        Write(out, 1, "text");
+    }
+    EXPECT_EQ(clipboard.log, "");
+    EXPECT_EQ(clipboard.block, "theirs");
+}
+
+TEST(ClipboardBinOutStreamTests, WhatFailedToBePutMayBePutLater) {
+    const struct {
+        const char* name;
+        unsigned long openError;
+        unsigned long setError;
+        std::string failure;
+    } rows[] = {
+        {"in use", Platform::ErrorSharingViolation, 0, "Clipboard in use" + FINALIZE},
+        {"others' folder", Platform::ErrorInvalidOwner, 0,
+         "Clipboard folder not private to this user" + FINALIZE},
+        {"denied", Platform::ErrorAccessDenied, 0, "Permission denied" + FINALIZE},
+        {"no memory", 0, Platform::ErrorNotEnoughMemory, "Not enough space" + FINALIZE},
+        {"full", 0, Platform::ErrorDiskFull, std::string("Espaço em disco insuficiente."_ansi) + FINALIZE},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        FakeClipboard clipboard("theirs");
+        clipboard.openError = row.openError;
+        clipboard.setError = row.setError;
+        TClipboardBinOutStream out;
+        out.Initialize();
+        Write(out, 1, "text");
+        EXPECT_EQ(FailureOf([&] { out.Finalize(); }), row.failure);
+        EXPECT_FALSE(clipboard.open);
+        EXPECT_EQ(clipboard.block, "theirs");
+        clipboard.openError = clipboard.setError = 0;
+        Write(out, 2, "more");
+        out.Finalize();
+        EXPECT_EQ(clipboard.block, HeaderBytes(0, 0, 2) + TextRecord(1, "text") + TextRecord(2, "more"));
+    }
+}
+
+TEST(ClipboardBinOutStreamTests, TheHeader) {
+    FakeClipboard clipboard;
+    TClipboardBinOutStream out(3, 2026);
+    out.Initialize();
+    Write(out, 1, "text");
+    out << 5;
+    out.RewriteHeader(); // the open record stays
+    EXPECT_EQ(out.GetBufferSize(), 4u);
+    out.FlushRecord(2, 7);
+    out.Finalize();
+    EXPECT_EQ(clipboard.block,
+              HeaderBytes(3, 2026, 2) + TextRecord(1, "text") + RecordBytes(2, 7, Payload().Int(5)));
+
+    // One of the caller's, with an extra block, is taken as it is.
+    const std::string own = HeaderBytes(1, 2, 1, 3) + "abc";
+    out.Append(own.data(), own.size());
+    out.Initialize();
+    Write(out, 1, "text");
+    out.Finalize();
+    EXPECT_EQ(clipboard.block, own + TextRecord(1, "text"));
+    EXPECT_EQ(Pasted(), "1 ");
+}
+
+TEST(ClipboardBinOutStreamTests, Misuse) {
+    TClipboardBinOutStream out;
+    EXPECT_EQ(FailureOf([&] { out.Reset(); }),
+              "Feature (reset) not implemented @ TClipboardBinOutStream::Reset");
+    out << 1;
+    EXPECT_EQ(AssertionOf([&] { out.FlushRecord(1, 7); }).expression,
+              "writing && \"[zoerror] records go between Initialize and Finalize\"");
+    EXPECT_EQ(AssertionOf([&] { out.FlushBuffer(); }).expression,
+              "writing && \"[zoerror] bytes go between Initialize and Finalize\"");
+}
+
+// Reading
+
+TEST(ClipboardBinInStreamTests, TheClipboardIsOpenNoLongerThanItIsCopied) {
+    FakeClipboard clipboard(HeaderBytes(3, 2026, 2) + TextRecord(1, "a") + TextRecord(2, "b"));
+    TClipboardBinInStream in(3);
+    in.Initialize();
+    EXPECT_EQ(clipboard.log, "ogc");
+    int uid = 0;
+    int classId = 0;
+    ASSERT_TRUE(in.LoadRecord(&uid, &classId));
+    clipboard.block = HeaderBytes(0, 0) + TextRecord(5, "other");
+    ASSERT_TRUE(in.LoadRecord(&uid, &classId));
+    ZoString text;
+    in >> text;
+    EXPECT_EQ(text, "b");
+    EXPECT_EQ(in.GetRelease(), 2026u);
+    in.Initialize(); // takes what is there now
+    ASSERT_TRUE(in.LoadRecord(&uid, &classId));
+    EXPECT_EQ(uid, 5);
+    EXPECT_EQ(FailureOf([&] { in.Seek(0, 0); }),
+              "Feature (seek) not implemented @ TClipboardBinInStream::Seek");
+}
+
+TEST(ClipboardBinInStreamTests, ZerosBehindTheBlockAreNoRecords) {
+    const std::string zeros(40, '\0');
+    const struct {
+        const char* name;
+        std::string block;
+        const char* uids;
+    } rows[] = {
+        {"nothing but a header", HeaderBytes(3, 2026), ""},
+        {"a header of zeros", HeaderBytes(0, 0), ""},
+        {"text", HeaderBytes(0, 0, 1) + TextRecord(1, "text"), "1 "},
+        {"zeros at the end", HeaderBytes(0, 0, 2) + TextRecord(1, "a") + TextRecord(2, zeros), "1 2 "},
+        {"nothing but zeros", HeaderBytes(0, 0, 1) + RecordBytes(0, 0, zeros), "0 "},
+        {"a marker in the data",
+         HeaderBytes(0, 0, 2) + TextRecord(1, "\xCA\xAB\xCA\xAB\x09") + TextRecord(2, zeros), "1 2 "},
+        {"behind an extra block", HeaderBytes(0, 0, 1, 40) + zeros + TextRecord(1, zeros), "1 "},
+    };
+    for (const auto& row : rows) {
+        for (const std::size_t padding : {0, 1, 7, 24, 70'000, 20'000'000}) {
+            SCOPED_TRACE(std::string(row.name) + " and " + std::to_string(padding));
+            FakeClipboard clipboard(row.block);
+            clipboard.padding = padding;
+            EXPECT_EQ(Pasted(), row.uids);
+        }
+    }
+}
+
+TEST(ClipboardBinInStreamTests, BlocksOfStrangers) {
+    const std::string invalidHeader =
+        std::string("Header de arquivo inválido"_ansi) + " @ TBinInStream::LoadHeader";
+    const std::string good = HeaderBytes(3, 0, 2) + TextRecord(1, "one") + TextRecord(2, "two");
+    const std::size_t second = good.size() - 31;
+    const auto changed = [&](std::size_t at, const std::string& bytes) {
+        return std::string(good).replace(at, bytes.size(), bytes);
+    };
+    const std::string far = LittleEndian(0xFFFFFFFF);
+    const struct {
+        const char* name;
+        std::optional<std::string> block;
+        std::string read;
+    } rows[] = {
+        {"none", std::nullopt, "Invalid data handle" + TAKE},
+        {"empty", "", "No error" + HEADER},
+        {"a zero for nothing", std::string(1, '\0'), "No error" + HEADER},
+        {"shorter than a header", good.substr(0, 27), "No error" + HEADER},
+        {"values, not records", LittleEndian(4) + LittleEndian(7) + LittleEndian(20) + std::string(20, 'x'),
+         invalidHeader},
+        {"version out of range", changed(0, LittleEndian(10'000)), invalidHeader},
+        {"newer version", changed(0, LittleEndian(4)), " @ "},
+        {"extra block beyond the end", changed(24, LittleEndian(65'535)), ""},
+        {"size beyond the end", changed(second + 4, LittleEndian(8)), "1 No error" + RECORD + "3"},
+        {"size beyond the buffer", changed(second + 4, far), "1 skipped "},
+        {"size that reaches into the next", changed(32, LittleEndian(8)), "skipped "},
+        {"sum", changed(second + 8, far), "1 skipped "},
+        {"text beyond the record", changed(second + 24, far), "1 skipped "},
+        {"cut in a head", good.substr(0, second + 10), "1 No error" + RECORD + "2"},
+        {"cut in a payload", good.substr(0, second + 27), "1 No error" + RECORD + "3"},
+        {"cut in a marker", good.substr(0, second + 3), "1 "},
+        {"no record for long", good + std::string(70'000, 'x'), "1 2 Arquivo corrompido" + RECORD + "5"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        FakeClipboard clipboard;
+        clipboard.block = row.block;
+        EXPECT_EQ(Pasted(3), row.read);
+        EXPECT_EQ(clipboard.log, "ogc");
+    }
+    FakeClipboard clipboard(good);
+    clipboard.openError = Platform::ErrorSharingViolation;
+    EXPECT_EQ(Pasted(), "Clipboard in use" + TAKE);
+    EXPECT_EQ(clipboard.log, "");
+}
+
+// A marker that zeros make a head of is no record; a head that they make a payload for has a wrong sum.
+TEST(ClipboardBinInStreamTests, ABlockCutAnywhereAndFilledWithZeros) {
+    const std::string good = HeaderBytes(0, 0, 1) + TextRecord(1, "text");
+    for (std::size_t size = 29; size < good.size(); ++size) {
+        FakeClipboard clipboard(good.substr(0, size));
+        clipboard.padding = 100;
+        const std::string read = Pasted();
+        EXPECT_TRUE(read == "" || read == "skipped " || read.rfind("No error" + RECORD, 0) == 0)
+            << size << ": " << read;
+    }
+}
+
+TEST(ClipboardBinInStreamTests, AnOverriddenReadIsAsked) {
+    struct Disguised : TClipboardBinInStream {
+        bool Read(void* data, unsigned size, unsigned& done) override {
+            const bool read = TClipboardBinInStream::Read(data, size, done);
+            for (unsigned i = 0; i < done; ++i) static_cast<unsigned char*>(data)[i] ^= 0x5A;
+            return read;
+        }
+    };
+    std::string block = HeaderBytes(0, 0, 1) + TextRecord(1, "text");
+    for (char& byte : block) byte = static_cast<char>(byte ^ 0x5A);
+    FakeClipboard clipboard(block);
+    Disguised in;
+    in.Initialize();
+    int uid = 0;
+    int classId = 0;
+    ASSERT_TRUE(in.LoadRecord(&uid, &classId));
+    ZoString text;
+    in >> text;
+    EXPECT_EQ(text, "text");
+}
+
+// The system's clipboard
+
+TEST(RealClipboardStreamTests, CarriesAGraphOfObjects) {
+    const PrivateClipboard clipboard;
+    TZoMetaData schema;
+    app::RegisterEveryKind(schema);
+    const pointer<app::Leaf> outside(new app::Leaf(99));
+    std::string file;
+    {
+        const pointer<app::EveryKind> object(new app::EveryKind);
+        object->Fill(*outside);
+        file = Save(schema, object.get());
+        TClipboardBinOutStream out;
+        out.Initialize();
+        TBinOutStreamer streamer(&out, &schema);
+        streamer.WriteObjectMetaData(object.get());
+        streamer.WriteObject(object.get());
+        out.Finalize();
+    }
+    TClipboardBinInStream in;
+    in.Initialize();
+    TBinInStreamer streamer(&in, &schema);
+    const pointer<ZoStreamableBase> root(streamer.ReadObjects());
+    const pointer<ZoStreamableBase> external(in.GetInstance(8));
+    EXPECT_EQ(in.GetSkipped(), 0u);
+    EXPECT_EQ(Save(schema, root.get()), file);
+}
+
+} // namespace

@@ -1,4 +1,5 @@
 #include "compare.h"
+#include "extract.h"
 #include "failure.h"
 #include "report.h"
 #include "storage.h"
@@ -24,7 +25,9 @@ const char* const USAGE =
     "       frame demo TABLES FOLDER        build one from tables, save it in the folder as\n"
     "                                       frame9.zo, and check it in a second process\n"
     "       frame check TABLES FILE         open a building, compare it with the tables and\n"
-    "                                       print it\n";
+    "                                       print it\n"
+    "       frame copy FILE STOREY          put a storey on the clipboard, as a frame of its own\n"
+    "       frame paste                     print the building that is on the clipboard\n";
 
 constexpr int OK = 0;
 constexpr int DIFFERENT = 1;
@@ -60,6 +63,21 @@ int Show(const std::string& path, const std::string* tables) {
         std::cout << "  Compared:    " << comparison.objects
                   << " objects and every pointer between them are as they were saved\n";
     }
+    return OK;
+}
+
+int CopyStorey(const std::string& path, const std::string& mark) {
+    const Model part = ExtractStorey(*Open(path).building, mark);
+    Copy(part);
+    std::cout << "  On the clipboard: storey " << mark << ", " << CountObjects(*part.building)
+              << " objects\n";
+    return OK;
+}
+
+int PrintPasted() {
+    const Model model = Paste();
+    Print(*model.building, std::cout);
+    std::cout << "\n  Pasted:      " << CountObjects(*model.building) << " objects\n";
     return OK;
 }
 
@@ -112,7 +130,10 @@ int Run(int count, char** arguments) {
         const std::string tables = arguments[2];
         return Show(arguments[3], &tables);
     }
-    if (count == 2 && command != "demo" && command != "check") return Show(command, nullptr);
+    if (command == "copy" && count == 4) return CopyStorey(arguments[2], arguments[3]);
+    if (command == "paste" && count == 2) return PrintPasted();
+    if (count == 2 && command != "demo" && command != "check" && command != "copy")
+        return Show(command, nullptr);
     std::cerr << USAGE;
     return BAD_INPUT;
 }

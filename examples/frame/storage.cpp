@@ -5,6 +5,8 @@
 
 #include "ZoPrimitives/BinInStreamer.h"
 #include "ZoPrimitives/BinOutStreamer.h"
+#include "ZoPrimitives/ClipboardBinInStream.h"
+#include "ZoPrimitives/ClipboardBinOutStream.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/XStream.h"
@@ -37,11 +39,20 @@ std::string Detail(const XStream& error) {
     return ZoToUtf8(error.Location()) + ": " + ZoToUtf8(error.Message());
 }
 
-Failure Damaged(const std::string& path, const std::string& why) {
+/// Where a building is read from, and what helps when it is damaged there.
+struct Source {
+    std::string name;
+    std::string remedy;
+};
+
+Source FileSource(const std::string& path) {
     const std::string backup = path + "-bak";
-    return Failure(Quoted(path) + " is damaged: " +
-                   (Exists(backup) ? "open the version before it, " + Quoted(backup) : "use a copy of it") +
-                   ". (" + why + ")");
+    return {Quoted(path),
+            Exists(backup) ? "open the version before it, " + Quoted(backup) : "use a copy of it"};
+}
+
+Failure Damaged(const Source& source, const std::string& why) {
+    return Failure(source.name + " is damaged: " + source.remedy + ". (" + why + ")");
 }
 
 /// Counts the objects of a file, also those that do not stay.
@@ -79,38 +90,45 @@ void OpenStream(TFileBinInStream& file, const std::string& path) {
 }
 
 /// Objects that were read are the caller's, also when reading failed.
-void Keep(const TFileBinInStream& file, Model& model) {
-    for (ZoStreamableBase* object : file.Objects()) model.objects.Add(object);
+void Keep(const TBinInStream& stream, Model& model) {
+    for (ZoStreamableBase* object : stream.Objects()) model.objects.Add(object);
 }
 
-void ReadObjects(TFileBinInStream& file, const std::string& path, Model& model) {
-    CountingStreamer streamer(&file, &Schema());
+void ReadObjects(TBinInStream& stream, const Source& source, Model& model) {
+    CountingStreamer streamer(&stream, &Schema());
     ZoStreamableBase* root = nullptr;
     try {
         root = streamer.ReadObjects();
     } catch (const XStream& error) {
-        Keep(file, model);
-        throw Damaged(path, Detail(error));
+        Keep(stream, model);
+        throw Damaged(source, Detail(error));
     } catch (...) {
-        Keep(file, model);
+        Keep(stream, model);
         throw;
     }
-    Keep(file, model);
+    Keep(stream, model);
 
     // Records that are not whole are passed over in silence. The first record holds the classes.
     const bool allKnown = streamer.GetUnknowObjects()->NItems() == 0;
-    const unsigned saved = std::max(file.GetNInstances(), 1u) - 1;
-    if (file.GetSkipped() != 0 || (allKnown && streamer.Count() != saved)) {
-        throw Damaged(path, std::to_string(saved) + " objects were saved, " +
-                                std::to_string(streamer.Count()) + " can be read");
+    const unsigned saved = std::max(stream.GetNInstances(), 1u) - 1;
+    if (stream.GetSkipped() != 0 || (allKnown && streamer.Count() != saved)) {
+        throw Damaged(source, std::to_string(saved) + " objects were saved, " +
+                                  std::to_string(streamer.Count()) + " can be read");
     }
     model.building = dynamic_cast<Building*>(root);
-    if (model.building == nullptr) throw Failure(Quoted(path) + " holds no building.");
+    if (model.building == nullptr) throw Failure(source.name + " holds no building.");
     const ZoString fault = model.building->FindFault();
-    if (!fault.IsNull()) throw Damaged(path, ZoToUtf8(fault));
+    if (!fault.IsNull()) throw Damaged(source, ZoToUtf8(fault));
     if (allKnown && CountObjects(*model.building) != streamer.Count()) {
-        throw Damaged(path, "some objects have lost their place");
+        throw Damaged(source, "some objects have lost their place");
     }
+}
+
+void Write(TBinOutStream& stream, const Model& model) {
+    stream.Initialize();
+    TBinOutStreamer streamer(&stream, &Schema());
+    streamer.WriteObjectMetaData(model.building);
+    streamer.WriteObject(model.building);
 }
 
 } // namespace
@@ -120,10 +138,7 @@ void Save(const Model& model, const std::string& path) {
         TFileBinOutStream::Create(path.c_str(), VERSION, RELEASE, true));
     bool complete = false;
     try {
-        file->Initialize();
-        TBinOutStreamer streamer(file.get(), &Schema());
-        streamer.WriteObjectMetaData(model.building);
-        streamer.WriteObject(model.building);
+        Write(*file, model);
         complete = true;
         file->Finalize();
     } catch (const XStream& error) {
@@ -146,7 +161,32 @@ Model Open(const std::string& path) {
     Model model;
     TFileBinInStream file(path.c_str(), VERSION);
     OpenStream(file, path);
-    ReadObjects(file, path, model);
+    ReadObjects(file, FileSource(path), model);
+    return model;
+}
+
+void Copy(const Model& model) {
+    TClipboardBinOutStream clipboard(VERSION, RELEASE);
+    Write(clipboard, model);
+    try {
+        clipboard.Finalize();
+    } catch (const XWriteStream& error) {
+        throw Failure("Nothing can be put on the clipboard. (" + Detail(error) + ")");
+    }
+}
+
+Model Paste() {
+    Model model;
+    TClipboardBinInStream clipboard(VERSION);
+    try {
+        clipboard.Initialize();
+    } catch (const XNewerVersion&) {
+        throw Failure("What is on the clipboard was copied by a newer version of this program: update the "
+                      "program to paste it.");
+    } catch (const XReadStream& error) {
+        throw Failure("There is no building on the clipboard: copy one first. (" + Detail(error) + ")");
+    }
+    ReadObjects(clipboard, {"What is on the clipboard", "copy it again"}, model);
     return model;
 }
 

@@ -13,4 +13,10 @@ void Save(const Model& model, const std::string& path);
 /// Opens a file that `Save` made. Throws `Failure` for one that is not whole.
 Model Open(const std::string& path);
 
+/// Puts a building on the clipboard, in place of what is there. Throws `Failure`.
+void Copy(const Model& model);
+
+/// Takes a building from the clipboard. Throws `Failure` when there is none, or none that is whole.
+Model Paste();
+
 } // namespace Frame

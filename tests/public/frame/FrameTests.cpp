@@ -1,13 +1,16 @@
 #include "compare.h"
+#include "extract.h"
 #include "failure.h"
 #include "report.h"
 #include "storage.h"
 #include "tables.h"
 
 #include "support/CommaLocale.h"
+#include "support/PrivateClipboard.h"
 #include "support/TemporaryFolder.h"
 
 #include "ZoPrimitives/BinOutStreamer.h"
+#include "ZoPrimitives/ClipboardBinOutStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
 
 #include <gmock/gmock.h>
@@ -240,6 +243,70 @@ TEST_F(FrameTest, AnotherRootIsNoBuilding) {
     streamer.WriteObject(catalogue.get());
     file->Finalize();
     EXPECT_THAT(FailureOf([&] { Open(Path("a.zo")); }), HasSubstr("holds no building"));
+}
+
+TEST_F(FrameTest, AStoreyIsExtractedWithWhatItRefersTo) {
+    const Model model = ReadTables(FRAME_TABLES);
+    for (const auto& storey : model.building->storeys) {
+        const Model part = ExtractStorey(*model.building, storey->mark.c_str());
+        const Building& building = *part.building;
+        SCOPED_TRACE(storey->mark.c_str());
+        EXPECT_TRUE(building.FindFault().IsNull());
+        ASSERT_EQ(building.storeys.NItems(), 1u);
+        EXPECT_EQ(building.storeys[1]->name, storey->name);
+        EXPECT_EQ(building.storeys[1]->members.NItems(), 11u);
+        EXPECT_EQ(building.nodes.NItems(), 12u); // above and below
+        EXPECT_EQ(building.storeys[1]->floor[1], building.storeys[1]->members[1]->start.get());
+        EXPECT_EQ(building.sections.NItems(), 3u);
+        EXPECT_EQ(building.legend.NItems(), 3u);
+        EXPECT_EQ(building.materials.NItems(), 1u);
+        EXPECT_EQ(building.sections[1]->catalogue.get(), building.catalogue.get());
+        EXPECT_NE(building.catalogue.get(), model.building->catalogue.get());
+        // 11 members, 12 nodes, 3 sections and legend entries, and storey, building, site, material,
+        // catalogue
+        EXPECT_EQ(CountObjects(building), 11u + 12u + 3u + 3u + 5u);
+        double steel = 0;
+        for (const auto& member : storey->members) steel += member->Mass();
+        EXPECT_EQ(TotalSteel(building), steel);
+    }
+    EXPECT_THAT(FailureOf([&] { ExtractStorey(*model.building, "10"); }),
+                HasSubstr("There is no storey \"10\": there are B, 1, 2, 3, 4, 5, 6, 7, 8, 9."));
+}
+
+TEST(FrameClipboardTest, PastesWhatWasCopied) {
+    const ZoPrimitives::Testing::PrivateClipboard clipboard;
+    const Model model = ReadTables(FRAME_TABLES);
+    Copy(model);
+    for (int times = 0; times < 2; ++times) {
+        const Model pasted = Paste();
+        EXPECT_EQ(Compare(*model.building, *pasted.building).difference, "");
+    }
+}
+
+TEST(FrameClipboardTest, WhatIsNoBuildingIsRefusedWithASentence) {
+    const ZoPrimitives::Testing::PrivateClipboard clipboard;
+    const auto copy = [](unsigned version, const std::string& records) {
+        ZoPrimitives::TClipboardBinOutStream out(version, 2026);
+        out.Initialize();
+        out.Append(records.data(), records.size());
+        out.FlushBuffer();
+        out.Finalize();
+    };
+    const struct {
+        const char* name;
+        unsigned version;
+        std::string records;
+        const char* sentence;
+    } rows[] = {
+        {"nothing in it", 3, "", "is damaged: copy it again."},
+        {"no records", 3, std::string(100, 'x'), "is damaged: copy it again."},
+        {"newer version", 4, "", "was copied by a newer version of this program"},
+        {"no version", 10'000, "", "There is no building on the clipboard: copy one first."},
+    };
+    for (const auto& row : rows) {
+        copy(row.version, row.records);
+        EXPECT_THAT(FailureOf(Paste), HasSubstr(row.sentence)) << row.name;
+    }
 }
 
 TEST_F(FrameTest, BadTablesAreRefusedWithFileAndLine) {

@@ -1,6 +1,5 @@
 #include "Platform/ClipboardWait.h"
 
-#include <atomic>
 #include <cstring>
 #include <utility>
 
@@ -10,9 +9,21 @@ namespace ZoPrimitives::Platform {
 
 namespace {
 
-// The thread of this process that has the clipboard open; 0: none. The system takes threads that open it
-// without a window for one and the same.
-std::atomic<DWORD> holder = 0;
+// Whose turn it is among the users of the library: some systems take all who open the clipboard without a
+// window for one. It passes on when its thread ends. Null: none to be had, the system decides alone.
+HANDLE Turn() {
+    static const HANDLE mutex = CreateMutexA(nullptr, FALSE, "Local\\ZoPrimitives.Clipboard");
+    return mutex;
+}
+
+bool TakeTurn() {
+    const DWORD answer = Turn() == nullptr ? WAIT_OBJECT_0 : WaitForSingleObject(Turn(), 0);
+    return answer == WAIT_OBJECT_0 || answer == WAIT_ABANDONED;
+}
+
+void PassTurn() {
+    if (Turn() != nullptr) ReleaseMutex(Turn());
+}
 
 struct Opened {
     HGLOBAL locked = nullptr;
@@ -26,7 +37,7 @@ struct Opened {
         Unlock();
         ::CloseClipboard();
         open = false;
-        holder = 0;
+        PassTurn();
     }
     ~Opened() { Close(); }
 };
@@ -34,8 +45,7 @@ struct Opened {
 thread_local Opened opened;
 
 bool TryToOpen() {
-    DWORD nobody = 0;
-    if (!holder.compare_exchange_strong(nobody, GetCurrentThreadId())) {
+    if (!TakeTurn()) {
         SetLastError(ErrorSharingViolation);
         return false;
     }
@@ -44,7 +54,7 @@ bool TryToOpen() {
         return true;
     }
     const unsigned long error = LastError();
-    holder = 0;
+    PassTurn();
     // This is how the system says that another program has it open.
     SetLastError(error == ErrorAccessDenied ? ErrorSharingViolation : error);
     return false;

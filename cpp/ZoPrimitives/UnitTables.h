@@ -187,7 +187,7 @@ struct Units<TPotencia> {
         {kcal_min, "kcal/min", Times(0.016666666666666666),   Times(60)},
         {kcal_h,   "kcal/h",   Times(0.0002777777777777778),  Times(3600)},
         {cv,       "CV",       Times(0.17574599782426456),    Times(5.69003)},
-        {watt,     "W",        Times(0.0002387),              Times(4190.02)}, // reads 1.0001577 times as much
+        {watt,     "W",        Times(0.0002387),              Times(4190.02)}, // reads 1.0001577 times as much as was set
         {kwatt,    "kW",       Times(0.2386623),              Times(4.19002)},
     };
     static constexpr TPotencia loose = watt;

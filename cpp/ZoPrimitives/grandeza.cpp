@@ -1,8 +1,8 @@
 #include "ZoPrimitives/grandeza.h"
 
 #include "ZoPrimitives/Math2.h"
-#include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/UnitTables.h"
+#include "ZoPrimitives/UnitText.h"
 
 #include <cstdlib>
 #include <limits>
@@ -42,7 +42,7 @@ double ValueIn(UnitTable table, int unit, double valor) {
 ZoString UnitName(UnitTable table, int unit) {
     const UnitRow* row = FindUnit(table, unit);
     if (row == nullptr || *row->name == '\0') return ZoString();
-    return TTranslatedString(row->name).ToZoString();
+    return TranslatedName(row->name);
 }
 
 /// The first unit, in the order of the class's tries, that has the name; null for none.
@@ -157,6 +157,13 @@ ZoString Grandeza::StreamableClassName() const { return "Grandeza"; }
     void Class::Valor(double v, Unit u) { Store(Units<Unit>::rows, v, static_cast<int>(u), valor); }         \
     double Class::Valor(Unit u) const { return ValueIn(Units<Unit>::rows, static_cast<int>(u), valor); }     \
     ZoString Class::NomeDaUnidade(Unit u) { return UnitName(Units<Unit>::rows, static_cast<int>(u)); }       \
+    ZoString Class::Texto(Unit u, unsigned decimais, bool manterZeros, char separador) const {               \
+        return WriteQuantity(Units<Unit>::rows, static_cast<int>(u), valor, decimais, manterZeros,           \
+                             separador);                                                                     \
+    }                                                                                                        \
+    TLeituraDeGrandeza Class::LeTexto(const ZoString& texto, char separador, Unit semUnidade) {              \
+        return ReadQuantity(Units<Unit>::rows, texto, separador, static_cast<int>(semUnidade), valor);       \
+    }                                                                                                        \
     TZoClass* Class::Register(TZoMetaData* schema) {                                                         \
         auto registration = Registration<Class>(schema, #Class, "Grandeza", Create);                         \
         registration.SetHooks(ZoHooksOf<Class>());                                                           \
@@ -171,6 +178,7 @@ ZoString Grandeza::StreamableClassName() const { return "Grandeza"; }
     ZoString Class::StreamableClassName() const { return #Class; }                                           \
     static_assert(UnitsAreInOrder(Units<Unit>::rows), "one row for each enumerator, in their order");        \
     static_assert(UnitNamesDiffer(Units<Unit>::rows), "a unit's name stands twice");                         \
+    static_assert(UnitNamesReadApart(Units<Unit>::rows), "two units' names read alike");                     \
     static_assert(HasStorageUnit(Units<Unit>::rows), "the storage unit is stored and read as it is");        \
     static_assert(UnitsConvertBack(Units<Unit>::rows, LooseUnit<Unit>()), "reading must undo storing");      \
     static_assert(TriesEachUnitOnce<Unit>(), "UnidadePorNome tries each unit once");

@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// A quantity's class, its units as numbers.
@@ -17,6 +19,12 @@ struct Quantity {
     std::function<double(double valor, int unit)> accessor;
     std::function<std::string(int unit)> unitName;
     std::function<std::unique_ptr<ZoPrimitives::Grandeza>(double valor)> make;
+    std::function<std::string(double valor, int unit, unsigned decimals, bool keepZeros, char separator)>
+        text;
+    /// The value, and what came of the reading.
+    std::function<std::pair<double, ZoPrimitives::TLeituraDeGrandeza>(const char* text, char separator,
+                                                                      int unitWhenNone)>
+        ofText;
     ZoPrimitives::TZoClass* (*registered)(ZoPrimitives::TZoMetaData*);
     ZoPrimitives::TZoCreateFunction create;
 };
@@ -39,6 +47,15 @@ Quantity QuantityOf(const char* name, std::vector<double (Class::*)() const> acc
         },
         [](int unit) { return std::string(Class::NomeDaUnidade(static_cast<Unit>(unit)).c_str()); },
         [](double valor) { return std::unique_ptr<Grandeza>(new Class(valor)); },
+        [](double valor, int unit, unsigned decimals, bool keepZeros, char separator) {
+            return std::string(
+                Class(valor).Texto(static_cast<Unit>(unit), decimals, keepZeros, separator).c_str());
+        },
+        [](const char* text, char separator, int unitWhenNone) {
+            Class read(-77.0);
+            auto result = read.LeTexto(text, separator, static_cast<Unit>(unitWhenNone));
+            return std::pair(read.valor, result);
+        },
         &Class::Register,
         &Class::Create,
     };
@@ -91,4 +108,11 @@ inline const std::vector<Quantity>& AllQuantities() {
     };
 #undef ZO_Q
     return all;
+}
+
+inline const Quantity& QuantityNamed(const std::string& name) {
+    for (const Quantity& quantity : AllQuantities()) {
+        if (quantity.name == name) return quantity;
+    }
+    throw std::out_of_range(name);
 }

@@ -66,10 +66,40 @@ public:
     ZoString StreamableClassName() const override;
 };
 
+/// What came of reading a quantity from text: true when the text was understood.
+struct TLeituraDeGrandeza {
+    enum class TEsperado : int { Nada, Numero, Algarismo, Separador, Representavel, Unidade, Fim };
+
+    /// What was expected, and not found; `Nada` when the text was understood.
+    TEsperado esperado = TEsperado::Nada;
+    /// Where in the text, from 0; its length when the text ends too early.
+    unsigned posicao = 0;
+    /// The number of the unit that was read, or that counted as none was written; -1 without success.
+    int unidade = -1;
+    /// What was expected, in words of the language in use: "um algarismo", "uma unidade: cm, m".
+    ZoString descricao;
+
+    explicit operator bool() const { return esperado == TEsperado::Nada; }
+};
+
 // What every quantity has beside its accessors, one for each unit, which return what `Valor(unit)` returns.
 //
-// A number that is no unit is ignored by `Valor(v, u)`, reads 0 and has the name "". Names are in the
-// language in use. `Create` is the factory for readers.
+// A number that is no unit is ignored by `Valor(v, u)`, reads 0 and has the name "" and the text "". Names
+// are in the language in use. `Create` is the factory for readers.
+//
+// `Texto` writes the value in a unit as `FormatFloat` does, a space and the unit's name: "3,50 kN/m".
+// `LeTexto` reads such a text, and what people type: a sign, digits, the separator with more digits, an
+// exponent, blanks and a unit; "-1e-3m", "2 kgf/cm2". `semUnidade` counts where no unit is written; if it is
+// no unit, one must be written. Thousands are not grouped. The value stays as it was when the text is
+// refused.
+//
+// A unit is named in the language in use or by the library's own name, "²" being also "2" or "^2", "º" also
+// the degree sign. Its letters may be in any case but for M, as mega is neither milli nor metre.
+//
+// What was written reads back to the same value as far as its decimals go (and the 15 digits of a double),
+// but for W and kW, which do not quite convert back to themselves, for the unit without a name, unless it is
+// `semUnidade`, and for values that are not finite. A separator is a punctuation mark, no sign: others fail
+// an assertion. Nothing that a text holds throws.
 #define ZO_GRANDEZA_(Class, Unit)                                                                            \
 public:                                                                                                      \
     explicit Class(double v);                                                                                \
@@ -84,6 +114,8 @@ public:                                                                         
     void Valor(double v, Unit u);                                                                            \
     double Valor(Unit u) const;                                                                              \
     static ZoString NomeDaUnidade(Unit u);                                                                   \
+    ZoString Texto(Unit u, unsigned decimais, bool manterZeros, char separador) const;                       \
+    [[nodiscard]] TLeituraDeGrandeza LeTexto(const ZoString& texto, char separador, Unit semUnidade);        \
                                                                                                              \
     static TZoClass* Register(TZoMetaData* schema);                                                          \
     static void Unregister(TZoMetaData* schema);                                                             \
@@ -257,8 +289,8 @@ class ZO_API GPoderCalorifico : public Grandeza {
     double kcal_m3() const;
 };
 
-/// Powers. Kept in kcal/s. W alone does not convert back to itself: read in W, what was set in W is
-/// 1.0001577 times as much.
+/// Powers. Kept in kcal/s. W and kW do not convert back to themselves: what was set in W reads 1.0001577
+/// times as much in W, what was set in kW 0.9999998 times.
 enum class TPotencia : int { kcal_s, kcal_min, kcal_h, cv, watt, kwatt };
 class ZO_API GPotencia : public Grandeza {
     ZO_GRANDEZA_(GPotencia, TPotencia)

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/Math2.h"
 
 #include "ZoPrimitives/Saturated.h"
+#include "ZoPrimitives/grandeza.h"
 
 #include <algorithm>
 #include <charconv>
@@ -81,6 +82,13 @@ ZoString WithExponent(const ZoString& mantissa, int exponent) {
 } // namespace
 
 bool Equal(double a, double b, unsigned precision) { return Tolerance(precision) > std::abs(a - b); }
+
+bool Equal(const GAngulo& a, const GAngulo& b, unsigned precision) {
+    const auto turns = [&](double none, double full) {
+        return Equal(none, 0, precision) && Equal(full, TWO_PI, precision);
+    };
+    return turns(a, b) || turns(b, a) || Equal(double{a}, double{b}, precision);
+}
 
 bool Different(double a, double b, unsigned precision) { return !Equal(a, b, precision); }
 

@@ -1,5 +1,7 @@
 #include "ZoPrimitives/Math2.h"
 
+#include "ZoPrimitives/grandeza.h"
+
 #include "support/Assertions.h"
 #include "support/CommaLocale.h"
 
@@ -62,6 +64,14 @@ TEST(Math2Test, ComparesWithinTheTolerance) {
         EXPECT_EQ(AssertionOf([&] { Less(1, 2, precision); }).source, "cpp/ZoPrimitives/Math2");
         EXPECT_EQ(AssertionOf([&] { ExAdjustAngle(1, precision, true); }).expression, "precision <= 22");
     }
+}
+
+TEST(Math2Test, FullTurnIsNoTurn) {
+    const GAngulo none(0.00001), turn(2 * PI), turns(4 * PI), half(PI);
+    EXPECT_TRUE(Equal(none, turn, 4) && Equal(turn, none, 4) && Equal(half, half, 4));
+    EXPECT_FALSE(Equal(none, turns, 4) || Equal(turn, turns, 4) || Equal(half, turn, 4));
+    EXPECT_FALSE(Equal(none, turn, 6));
+    EXPECT_TRUE(Equal(half, PI, 4)) << "beside a number an angle is one";
 }
 
 TEST(Math2Test, ChoosesAndBounds) {

@@ -12,10 +12,14 @@
 
 namespace ZoPrimitives {
 
+class GAngulo;
+
 // Beside a NaN nothing is equal or less, so that `Greater` and `GreaterEqual` hold. The same goes for an
 // infinity and itself, as their difference is a NaN.
 
 ZO_API bool Equal(double a, double b, unsigned precision);
+/// Of the angles in radians. 0 and a full turn are the same; other multiples of a turn are not.
+ZO_API bool Equal(const GAngulo& a, const GAngulo& b, unsigned precision);
 ZO_API bool Different(double a, double b, unsigned precision);
 ZO_API bool Less(double a, double b, unsigned precision);
 ZO_API bool LessEqual(double a, double b, unsigned precision);

@@ -15,6 +15,7 @@ public:
     static std::ptrdiff_t Measure(const TZoClassField* field, ZoStreamableBase* object) {
         if (field == nullptr || field->member == nullptr) return NONE;
         const auto* member = static_cast<const char*>(field->member(object));
+        if (member == nullptr) return NONE;
         const std::ptrdiff_t offset = member - reinterpret_cast<const char*>(object);
         return offset < 0 ? NONE : offset;
     }

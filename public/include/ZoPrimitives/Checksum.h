@@ -7,6 +7,8 @@
 
 namespace ZoPrimitives {
 
+class Point3D;
+
 /// The fingerprint of a value: 64 bits, compared by value.
 class ZO_API TChecksumType {
 public:
@@ -35,6 +37,9 @@ ZO_API TChecksumType CreateChecksum(double value);
 ZO_API TChecksumType CreateChecksum(const ZoString& text);
 /// As of the `ZoString` of that text; null is the empty text.
 ZO_API TChecksumType CreateChecksum(const char* text);
+/// Twice the exclusive or of the coordinates' checksums: their order does not count, and two that are equal
+/// cancel out.
+ZO_API TChecksumType CreateChecksum(const Point3D& point);
 
 /// Types that would become another value on the way to `CreateChecksum`, or another width from one platform
 /// to the next: integers that do not fit an int, long double, and pointers but those to text.

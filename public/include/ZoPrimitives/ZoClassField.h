@@ -72,7 +72,7 @@ using TZoListIterator = void (*)(ZoStreamableBase* object, TZoClassField* field,
 /// Whether an object is of the C++ type that the setter takes.
 using TZoTypeTest = bool (*)(const ZoStreamableBase* target);
 
-/// The address of the member that holds a field.
+/// The address of the member that holds a field; null for objects whose accessors must be called.
 using TZoMemberAddress = void* (*)(ZoStreamableBase* object);
 
 /// One field of a class: its name and kind and, in an application's schema, the accessors to its value.

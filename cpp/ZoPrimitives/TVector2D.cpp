@@ -1,0 +1,61 @@
+#include "ZoPrimitives/TVector2D.h"
+
+#include "ZoPrimitives/PointClass.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace ZoPrimitives {
+
+ZO_POINT_BODY(TVector2D)
+
+TZoClass* TVector2D::Register(TZoMetaData* schema) {
+    return RegisterPoint<TVector2D>(schema, "TVector2D", "Point2D", {});
+}
+
+TVector2D::TVector2D() = default;
+TVector2D::TVector2D(double x, double y) : Point2D(x, y) {}
+TVector2D::TVector2D(const Point2D& point) : Point2D(point) {}
+TVector2D::TVector2D(const Point2D& from, const Point2D& to) : Point2D(to - from) {}
+TVector2D::TVector2D(StreamableInit init) : Point2D(init) {}
+TVector2D::TVector2D(const TVector2D&) = default;
+TVector2D& TVector2D::operator=(const TVector2D&) = default;
+
+TVector2D TVector2D::operator+(const Point2D& other) const { return {X() + other.X(), Y() + other.Y()}; }
+TVector2D TVector2D::operator-(const Point2D& other) const { return {X() - other.X(), Y() - other.Y()}; }
+TVector2D TVector2D::operator-() const { return {-X(), -Y()}; }
+TVector2D TVector2D::operator*(double factor) const { return {X() * factor, Y() * factor}; }
+TVector2D TVector2D::operator/(double divisor) const { return {X() / divisor, Y() / divisor}; }
+
+double TVector2D::Magnitude() const { return std::sqrt(DotProduct(*this)); }
+
+bool TVector2D::MagnitudeGreaterThanZero() const { return Greater(Magnitude(), 0, 6); }
+
+TVector2D& TVector2D::Normalize() {
+    const double magnitude = Magnitude();
+    if (magnitude > 0) *this = *this / magnitude;
+    return *this;
+}
+
+TVector2D TVector2D::Normalized() const { return TVector2D(*this).Normalize(); }
+
+double TVector2D::DotProduct(const Point2D& other) const { return X() * other.X() + Y() * other.Y(); }
+
+double TVector2D::CrossProduct(const Point2D& other) const { return X() * other.Y() - Y() * other.X(); }
+
+double TVector2D::Angle(const TVector2D& other) const {
+    const double magnitude = Magnitude();
+    const double otherMagnitude = other.Magnitude();
+    if (magnitude == 0 || otherMagnitude == 0) return 0;
+    const double product = magnitude * otherMagnitude;
+    if (!std::isfinite(product)) return std::numeric_limits<double>::quiet_NaN();
+    return std::acos(std::clamp(DotProduct(other) / product, -1.0, 1.0));
+}
+
+double TVector2D::SignedAngle(const TVector2D& other) const {
+    const double angle = Angle(other);
+    return CrossProduct(other) < 0 ? -angle : angle;
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,140 @@
+#include "ZoPrimitives/TVector3D.h"
+
+#include "ZoPrimitives/PointClass.h"
+#include "ZoPrimitives/TTransformation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace ZoPrimitives {
+
+ZO_POINT_BODY(TVector3D)
+
+TZoClass* TVector3D::Register(TZoMetaData* schema) {
+    return RegisterPoint<TVector3D>(schema, "TVector3D", "Point3D", {});
+}
+
+TVector3D::TVector3D() = default;
+TVector3D::TVector3D(double x, double y, double z) : Point3D(x, y, z) {}
+TVector3D::TVector3D(const Point3D& point) : Point3D(point) {}
+TVector3D::TVector3D(const Point3D& from, const Point3D& to) : Point3D(to - from) {}
+TVector3D::TVector3D(StreamableInit init) : Point3D(init) {}
+TVector3D::TVector3D(const TVector3D&) = default;
+TVector3D& TVector3D::operator=(const TVector3D&) = default;
+
+TVector3D TVector3D::operator+(const Point3D& other) const {
+    return {X() + other.X(), Y() + other.Y(), Z() + other.Z()};
+}
+TVector3D TVector3D::operator-(const Point3D& other) const {
+    return {X() - other.X(), Y() - other.Y(), Z() - other.Z()};
+}
+TVector3D TVector3D::operator-() const { return {-X(), -Y(), -Z()}; }
+TVector3D TVector3D::operator*(double factor) const { return {X() * factor, Y() * factor, Z() * factor}; }
+TVector3D TVector3D::operator/(double divisor) const { return {X() / divisor, Y() / divisor, Z() / divisor}; }
+
+double TVector3D::Magnitude() const { return std::sqrt(DotProduct(*this)); }
+
+bool TVector3D::MagnitudeGreaterThanZero() const { return Greater(Magnitude(), 0, 6); }
+
+TVector3D& TVector3D::Normalize() {
+    const double magnitude = Magnitude();
+    if (magnitude > 0) *this = *this / magnitude;
+    return *this;
+}
+
+TVector3D TVector3D::Normalized() const { return TVector3D(*this).Normalize(); }
+
+double TVector3D::DotProduct(const Point3D& other) const {
+    return X() * other.X() + Y() * other.Y() + Z() * other.Z();
+}
+
+TVector3D TVector3D::CrossProduct(const Point3D& other) const {
+    return {Y() * other.Z() - Z() * other.Y(), Z() * other.X() - X() * other.Z(),
+            X() * other.Y() - Y() * other.X()};
+}
+
+TVector3D TVector3D::Abs() const { return {std::abs(X()), std::abs(Y()), std::abs(Z())}; }
+
+double TVector3D::Angle(const TVector3D& other) const { return std::acos(CosAngle(other)); }
+
+double TVector3D::CosAngle(const TVector3D& other) const {
+    const double magnitude = Magnitude();
+    const double otherMagnitude = other.Magnitude();
+    if (magnitude == 0 || otherMagnitude == 0) return 1;
+    const double product = magnitude * otherMagnitude;
+    if (!std::isfinite(product)) return std::numeric_limits<double>::quiet_NaN();
+    return std::clamp(DotProduct(other) / product, -1.0, 1.0);
+}
+
+double TVector3D::SignedAngle(const TVector3D& other, const TVector3D& normal) const {
+    const double angle = Angle(other);
+    return CrossProduct(other).DotProduct(normal) < 0 ? -angle : angle;
+}
+
+double TVector3D::SignedAngle(const TVector3D& other) const { return SignedAngle(other, {0, 0, 1}); }
+
+double TVector3D::CosSignedAngle(const TVector3D& other) const { return CosAngle(other); }
+
+bool TVector3D::ColinearTo(const TVector3D& other, unsigned precision) const {
+    return ExRound(CrossProduct(other).Magnitude(), precision) == 0;
+}
+
+bool TVector3D::PerpendicularTo(const TVector3D& other, unsigned precision) const {
+    return ExRound(DotProduct(other), precision) == 0;
+}
+
+bool TVector3D::CoplanarTo(const TVector3D& b, const TVector3D& c, unsigned precision) const {
+    return ExRound(DotProduct(b.CrossProduct(c)), precision) == 0;
+}
+
+TVector3D TVector3D::Project(const TVector3D& other) const {
+    const double square = other.DotProduct(other);
+    return square == 0 ? TVector3D() : other * (DotProduct(other) / square);
+}
+
+TVector3D TVector3D::ProjectionOnPlane(const TVector3D& normal) const { return *this - Project(normal); }
+
+TVector3D TVector3D::LocalCoordinates(const TVector3D& xAxis, const TVector3D& yAxis,
+                                      const TVector3D& zAxis) const {
+    return {DotProduct(xAxis), DotProduct(yAxis), DotProduct(zAxis)};
+}
+
+TVector3D TVector3D::WorldCoordinates(const TVector3D& xAxis, const TVector3D& yAxis,
+                                      const TVector3D& zAxis) const {
+    return xAxis * X() + yAxis * Y() + zAxis * Z();
+}
+
+TVector3D& TVector3D::Transform(const TTransformation& transformation) {
+    double newX = X(), newY = Y(), newZ = Z();
+    transformation.TransformDirection(newX, newY, newZ);
+    return *this = TVector3D(newX, newY, newZ);
+}
+
+TVector3D TVector3D::CreateUnitVector(const Point3D& from, const Point3D& to) {
+    return TVector3D(from, to).Normalized();
+}
+
+void TVector3D::AcadArbitraryAxes(const TVector3D& normal, TVector3D& xAxis, TVector3D& yAxis,
+                                  TVector3D& zAxis) {
+    const TVector3D z = normal.Magnitude() == 0 ? TVector3D(0, 0, 1) : normal.Normalized();
+    const bool nearZ = std::abs(z.X()) < 0.015625 && std::abs(z.Y()) < 0.015625;
+    const TVector3D x = (nearZ ? TVector3D(0, 1, 0) : TVector3D(0, 0, 1)).CrossProduct(z).Normalized();
+    yAxis = z.CrossProduct(x).Normalized();
+    xAxis = x;
+    zAxis = z;
+}
+
+TVector3D TVector3D::AcadArbitraryOCS(const TVector3D& normal) const {
+    TVector3D x, y, z;
+    AcadArbitraryAxes(normal, x, y, z);
+    return LocalCoordinates(x, y, z);
+}
+
+TVector3D TVector3D::AcadArbitraryWCS(const TVector3D& normal) const {
+    TVector3D x, y, z;
+    AcadArbitraryAxes(normal, x, y, z);
+    return WorldCoordinates(x, y, z);
+}
+
+} // namespace ZoPrimitives

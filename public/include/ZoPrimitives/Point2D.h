@@ -1,0 +1,115 @@
+#pragma once
+
+#include "ZoPrimitives/Math2.h"
+#include "ZoPrimitives/ZoRegister.h"
+
+namespace ZoPrimitives {
+
+// A private coordinate of a point, streamed through the point's accessors: a class that overrides these is
+// saved as it shows itself. In objects of the class itself streamers go straight to the member.
+#define ZO_COORDINATE_(Class, field, Accessor)                                                               \
+private:                                                                                                     \
+    double field##Value = 0;                                                                                 \
+                                                                                                             \
+public:                                                                                                      \
+    static void Set##field(ZoStreamableBase* object, TZoClassField*, double value) {                         \
+        ZoSelf<Class>(object).Accessor(value);                                                               \
+    }                                                                                                        \
+    static double Get##field(ZoStreamableBase* object, TZoClassField*) {                                     \
+        return ZoSelf<Class>(object).Accessor();                                                             \
+    }                                                                                                        \
+    static void* Member##field(ZoStreamableBase* object) {                                                   \
+        return typeid(*object) == typeid(Class) ? &ZoSelf<Class>(object).field##Value : nullptr;             \
+    }                                                                                                        \
+    static ZoString Getfieldclassfor_##field(TZoMetaData* schema, TZoClass** fieldClass,                     \
+                                             TZoClassFieldType* kind) {                                      \
+        return ZoFieldClass(schema, fieldClass, kind, "double", ftDouble);                                   \
+    }                                                                                                        \
+    static TZoClassField* Addfieldfor_##field(TZoClass* owner, TZoClass*, const ZoString&) {                 \
+        TZoClassField* made = owner->AddFieldDouble(#field, Set##field, Get##field);                         \
+        made->SetMember(Member##field);                                                                      \
+        return made;                                                                                         \
+    }
+
+// What every point and vector has to be streamed, under its plain name.
+#define ZO_POINT_CLASS_(Class)                                                                               \
+    explicit Class(StreamableInit init);                                                                     \
+    Class(const Class& other);                                                                               \
+    Class& operator=(const Class& other);                                                                    \
+    ~Class() override;                                                                                       \
+    static TZoClass* Register(TZoMetaData* schema);                                                          \
+    static void Unregister(TZoMetaData* schema);                                                             \
+    TZoClass* GetClass() const override;                                                                     \
+    TZoClass* GetOriginalClass(TZoMetaData* schema) const override;                                          \
+    ZoString StreamableClassName() const override;
+
+/// The quarters of the plane; see `Point2D::Quadrant`.
+enum TQuadrant : int { FirstQuadrant = 1, SecondQuadrant, ThirdQuadrant, FourthQuadrant };
+
+/// A point of the plane. Operators compare exactly; `Equal` and `Less` within the tolerance of a precision,
+/// as in Math2.h. Members that change the point return it.
+class ZO_API Point2D : public ZoObjectStreamable {
+public:
+    /// The origin.
+    Point2D();
+    Point2D(double x, double y);
+    ZO_POINT_CLASS_(Point2D)
+
+    double X() const { return xValue; }
+    double Y() const { return yValue; }
+    void X(double value) { xValue = value; }
+    void Y(double value) { yValue = value; }
+
+    virtual bool operator==(const Point2D& other) const;
+    bool operator!=(const Point2D& other) const;
+    using ZoObject::operator!=;
+    /// False when `other` is no `Point2D`.
+    bool operator==(const ZoObject& other) const override;
+    // By x, then by y. With a NaN, which is neither equal nor less, `>` and `>=` hold.
+    bool operator<(const Point2D& other) const;
+    bool operator<=(const Point2D& other) const;
+    bool operator>(const Point2D& other) const;
+    bool operator>=(const Point2D& other) const;
+
+    Point2D operator+(const Point2D& other) const;
+    Point2D operator-(const Point2D& other) const;
+    Point2D operator*(double factor) const;
+    Point2D operator/(double divisor) const;
+
+    bool Equal(const Point2D& other, unsigned precision) const;
+    /// By x, then by y where the x are equal.
+    bool Less(const Point2D& other, unsigned precision) const;
+    /// The larger of the two by `Less`; the other where neither is less.
+    Point2D Major(const Point2D& other, unsigned precision) const;
+    /// The smaller of the two by `Less`; the other where neither is less.
+    Point2D Minor(const Point2D& other, unsigned precision) const;
+
+    double Distance(const Point2D& other) const;
+    Point2D& Move(double dx, double dy);
+    /// Counter-clockwise about the origin, in radians.
+    Point2D& Rotate(double angle);
+    Point2D& Rotate(double angle, const Point2D& centre);
+    /// Divides the distance from the centre by the factor and rounds the coordinates to 3 decimals
+    /// (`ExRound`). By 0 they become NaN.
+    Point2D& Scale(const Point2D& centre, double factor);
+    /// The point `distance` units from this one towards the other, or beyond it; this one where they are less
+    /// than 10^-6 apart.
+    Point2D InterpolaPonto(const Point2D& other, double distance) const;
+    /// The origin and the positive half-axes belong to the first quadrant, the negative half-axes to the
+    /// third.
+    TQuadrant Quadrant(unsigned precision) const;
+    /// Whether the nearest point of the segment is `Equal` to this one: with u from a to this point and v
+    /// from a to b, that is a + v t, t = u·v / v·v, kept within 0 to 1. The ends belong to the segment.
+    bool IsInSegment(const Point2D& a, const Point2D& b, unsigned precision = 6) const;
+
+    /// "x:1.000000 | y:2.000000".
+    ZoString ToString() const override;
+
+    ZO_COORDINATE_(Point2D, x, X)
+    ZO_COORDINATE_(Point2D, y, Y)
+};
+
+/// Registers `Point2D`, `TVector2D`, `Point3D`, `TVector3D` and `TTransformation`.
+ZO_API void ZoRegisterPoints(TZoMetaData* schema);
+
+} // namespace ZoPrimitives

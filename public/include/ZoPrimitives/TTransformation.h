@@ -1,0 +1,66 @@
+#pragma once
+
+#include "ZoPrimitives/ZoRegister.h"
+
+namespace ZoPrimitives {
+
+/// A transformation of space: a 4x4 matrix M that takes a point, as the column (x, y, z, 1), to M (x, y, z,
+/// 1). The translation stands in the last column. Where the fourth coordinate w of a result is neither 1 nor
+/// 0, the others are divided by it.
+///
+/// Streamed as the field "matrix", a list of 16 doubles row by row. Of a list of another length the first 16
+/// count; what is missing is that of the identity.
+class ZO_API TTransformation : public ZoObjectStreamable {
+public:
+    /// The identity.
+    TTransformation();
+    explicit TTransformation(StreamableInit init);
+    TTransformation(const TTransformation& other);
+    TTransformation& operator=(const TTransformation& other);
+    ~TTransformation() override;
+
+    static TTransformation Translation(double x, double y, double z);
+    static TTransformation Scaling(double x, double y, double z);
+    /// By `angle` radians about the axis through the origin in the direction (x, y, z), of any length:
+    /// counter-clockwise for whom the axis points at. The identity for a direction of length 0.
+    static TTransformation Rotation(double angle, double x, double y, double z);
+
+    /// Rows and columns count from 1 to 4; asserted.
+    double Element(unsigned row, unsigned column) const;
+    void Element(unsigned row, unsigned column, double value);
+    /// The right one first, then the left one.
+    TTransformation operator*(const TTransformation& right) const;
+
+    void TransformPoint(double& x, double& y, double& z) const;
+    /// Without translation.
+    void TransformDirection(double& x, double& y, double& z) const;
+
+    bool operator==(const TTransformation& other) const;
+    bool operator!=(const TTransformation& other) const { return !(*this == other); }
+    using ZoObject::operator!=;
+    /// False when `other` is no transformation.
+    bool operator==(const ZoObject& other) const override;
+
+    static TZoClass* Register(TZoMetaData* schema);
+    static void Unregister(TZoMetaData* schema);
+    TZoClass* GetClass() const override;
+    TZoClass* GetOriginalClass(TZoMetaData* schema) const override;
+    ZoString StreamableClassName() const override;
+
+    static ZoString Getfieldclassfor_matrix(TZoMetaData* schema, TZoClass** fieldClass,
+                                            TZoClassFieldType* kind);
+    static TZoClassField* Addfieldfor_matrix(TZoClass* owner, TZoClass* fieldClass, const ZoString& typeName);
+    static void Addmatrix(ZoStreamableBase* object, TZoClassField* field, double value);
+    static double ElementAtmatrix(ZoStreamableBase* object, TZoClassField* field, int index);
+    static unsigned long long NItemsmatrix(ZoStreamableBase* object, TZoClassField* field);
+    static void CreateList_matrix(ZoStreamableBase* object, int count, int first, int second);
+
+private:
+    void SetIdentity();
+    void Append(double value);
+
+    double matrix[4][4]; // [row][column]
+    unsigned read = 0;   // elements that a reader has added
+};
+
+} // namespace ZoPrimitives

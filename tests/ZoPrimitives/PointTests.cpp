@@ -1,0 +1,445 @@
+#include "support/Streaming.h"
+
+#include "ZoPrimitives/Checksum.h"
+#include "ZoPrimitives/LDPoint.h"
+#include "ZoPrimitives/TTransformation.h"
+#include "ZoPrimitives/TVector2D.h"
+#include "ZoPrimitives/TVector3D.h"
+
+#include "support/Assertions.h"
+#include "support/CommaLocale.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+constexpr double PI = 3.141592653589793;
+constexpr double INF = std::numeric_limits<double>::infinity();
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+/// Equal to 12 decimals; the failure shows both.
+void ExpectNear(const Point3D& actual, const Point3D& expected, const char* name) {
+    EXPECT_TRUE(actual.Equal(expected, 12)) << name << ": " << actual.CoordsToString().c_str()
+                                            << " instead of " << expected.CoordsToString().c_str();
+}
+void ExpectNear(const Point2D& actual, const Point2D& expected, const char* name) {
+    ExpectNear(Point3D(actual.X(), actual.Y(), 0), Point3D(expected.X(), expected.Y(), 0), name);
+}
+
+/// All comparisons of two points at once.
+template <class Point>
+std::string Comparisons(const Point& a, const Point& b) {
+    std::string held;
+    if (a == b) held += "==";
+    if (a != b) held += "!=";
+    if (a < b) held += " <";
+    if (a <= b) held += " <=";
+    if (a > b) held += " >";
+    if (a >= b) held += " >=";
+    return held;
+}
+
+TEST(PointTest, OperatorsCompareExactly) {
+    const struct {
+        const char* name;
+        Point3D a, b;
+        const char* held;
+    } cases[] = {
+        {"equal", {1, 5, 2}, {1, 5, 2}, "== <= >="},
+        {"x first", {1, 5, 9}, {2, 0, 0}, "!= < <="},
+        {"then y", {1, 5, 0}, {1, 4, 9}, "!= > >="},
+        {"nearly equal", {1, 2, 0}, {1, 2.0000001, 0}, "!= < <="},
+        {"zeros", {0, 0, 0}, {-0.0, 0, -0.0}, "== <= >="},
+        {"NaN", {NOT_A_NUMBER, 0, 0}, {1, 0, 0}, "!= > >="},
+    };
+    for (const auto& [name, a, b, held] : cases) {
+        EXPECT_EQ(Comparisons(a, b), held) << name;
+        EXPECT_EQ(Comparisons(a.InPlaneXY(), b.InPlaneXY()), held) << name;
+    }
+    EXPECT_EQ(Comparisons(Point3D(1, 2, 3), Point3D(1, 2, 4)), "!= < <=");
+    EXPECT_EQ(Comparisons<Point3D>(TVector3D(1, 2, 3), Point3D(1, 2, 3)), "== <= >=");
+    EXPECT_TRUE(TVector3D(1, 2, 3) == Point3D(1, 2, 3) && Point3D(1, 2, 3) != TVector3D(1, 2, 4));
+    EXPECT_TRUE(TVector2D(1, 2) == Point2D(1, 2) && Point2D(1, 2) != TVector2D(1, 3));
+    const ZoObject& object = Point2D(1, 2);
+    EXPECT_TRUE(object == Point2D(1, 2) && object != Point2D(2, 1) && object != Point3D(1, 2, 0));
+}
+
+TEST(PointTest, NamedComparisonsHaveATolerance) {
+    EXPECT_TRUE(Point2D(1, 2).Equal({1.00009, 2}, 4));
+    EXPECT_FALSE(Point2D(1, 2).Equal({1.0002, 2}, 4) || Point2D(1, 2).Equal({1, 2.0002}, 4));
+    EXPECT_TRUE(Point3D(1, 2, 3).XYEqual({1, 2, 4}, 4));
+    EXPECT_FALSE(Point3D(1, 2, 3).Equal({1, 2, 4}, 4));
+    const struct {
+        const char* name;
+        Point3D a, b;
+        bool less, lessInPlane;
+    } cases[] = {
+        {"x", {1, 9, 9}, {2, 0, 0}, true, true},
+        {"x greater", {2, 0, 0}, {1, 9, 9}, false, false},
+        {"y", {1.00005, 1, 9}, {1, 2, 0}, true, true},
+        {"z", {1, 2, 3}, {1, 2, 4}, true, false},
+        {"z, y greater", {1, 3, 3}, {1, 2, 4}, false, false},
+        {"equal", {1, 2, 3.00005}, {1, 2, 3}, false, false},
+    };
+    for (const auto& row : cases) {
+        EXPECT_EQ(row.a.Less(row.b, 4), row.less) << row.name;
+        EXPECT_EQ(row.a.InPlaneXY().Less(row.b.InPlaneXY(), 4), row.lessInPlane) << row.name;
+    }
+    const Point2D small(1, 2), large(1, 3), tied(1.00001, 2);
+    EXPECT_EQ(small.Major(large, 4), large);
+    EXPECT_EQ(large.Major(small, 4), large);
+    EXPECT_EQ(small.Minor(large, 4), small);
+    EXPECT_EQ(large.Minor(small, 4), small);
+    EXPECT_TRUE(small.Major(tied, 4) == tied && small.Minor(tied, 4) == tied);
+}
+
+TEST(PointTest, Computes) {
+    const Point3D p(1, 2, 4);
+    EXPECT_EQ(p + Point3D(1, 1, 1), Point3D(2, 3, 5));
+    EXPECT_EQ(p - Point3D(1, 1, 1), Point3D(0, 1, 3));
+    EXPECT_EQ(p * 2, Point3D(2, 4, 8));
+    EXPECT_EQ(p / 2, Point3D(0.5, 1, 2));
+    Point3D q = p;
+    q += q;
+    q *= 3;
+    q -= p;
+    EXPECT_EQ(q, Point3D(5, 10, 20));
+    EXPECT_EQ((Point2D(1, 2) + Point2D(3, 4)) * 2 / 4 - Point2D(1, 1), Point2D(1, 2));
+    EXPECT_EQ(Point2D(1, 1).Distance({4, 5}), 5);
+    EXPECT_EQ(p.Distance({3, 5, 10}), 7);
+    EXPECT_EQ(q.Move(1, 2, 3), Point3D(6, 12, 23));
+    EXPECT_EQ(p.InPlaneXY(), Point2D(1, 2));
+    EXPECT_EQ(Point3D(1.005, -2.345, 1e300).GetRoundedPoint(2), Point3D(1.0, -2.35, 1e300));
+    EXPECT_EQ(Point3D(1.5, -2.5, 0).GetRoundedPoint(-1), Point3D(2, -3, 0));
+
+    EXPECT_EQ(Point2D(1, 1).InterpolaPonto({4, 5}, 10), Point2D(7, 9));
+    EXPECT_EQ(Point2D(1, 1).InterpolaPonto({1, 1}, 10), Point2D(1, 1));
+    EXPECT_EQ(Point3D(1, 1, 0).InterpolaPonto({4, 5, 0}, -5), Point3D(-2, -3, 0));
+    EXPECT_EQ(Point3D(1, 1, 1).InterpolaPonto({1, 1, 1.0000005}, 10), Point3D(1, 1, 1));
+    EXPECT_EQ(Point3D(1, 1, 0).InterpolaPontoComPercentual({3, 5, 0}, 1.5), Point3D(4, 7, 0));
+}
+
+TEST(PointTest, RotatesAndScales) {
+    Point2D self(3, 4);
+    ExpectNear(self.Rotate(1, self), {3, 4}, "about itself");
+    ExpectNear(Point2D(1, 0).Rotate(PI / 2), {0, 1}, "counter-clockwise");
+    ExpectNear(Point2D(3, 1).Rotate(-PI / 2, {1, 1}), {1, -1}, "about a centre");
+    EXPECT_EQ(Point2D(4, 4).Scale({0, 0}, 2), Point2D(2, 2));
+    EXPECT_EQ(Point2D(2, 1).Scale({1, 1}, 3), Point2D(1.333, 1));
+    EXPECT_EQ(self.Scale(self, 2), Point2D(3, 4));
+    EXPECT_TRUE(IsNan(Point2D(4, 4).Scale({0, 0}, 0).X()));
+    EXPECT_EQ(Point3D(2, 1, 7).Scale({1, 1, 1}, 3), Point3D(1.0 / 3 + 1, 1, 3));
+
+    const Point3D origin, p(3, 1, 5);
+    ExpectNear(Point3D(p).Rotate(PI / 2, Point3D(1, 1, 9)), {1, 3, 5}, "about a vertical axis");
+    ExpectNear(Point3D(0, 1, 0).Rotate(PI / 2, origin, {5, 0, 0}), {0, 0, 1}, "about x");
+    ExpectNear(Point3D(0, 0, 1).Rotate(PI / 2, origin, 0, 9, 0), {1, 0, 0}, "about y");
+    ExpectNear(Point3D(0, 0, 1).Rotate(PI / 2, origin, 0, -9, 0), {-1, 0, 0}, "about minus y");
+    ExpectNear(Point3D(1, 2, 3).Rotate(2 * PI / 3, {7, 7, 7}, {9, 9, 9}), {3, 1, 2}, "about a diagonal");
+    EXPECT_EQ(Point3D(0.1, 0.2, 0.3).Rotate(1, p, p), Point3D(0.1, 0.2, 0.3)) << "no axis";
+    Point3D own = p;
+    EXPECT_EQ(own.Rotate(1, own), p);
+}
+
+TEST(PointTest, Quadrants) {
+    const struct {
+        double x, y;
+        int quadrant;
+    } cases[] = {
+        {0, 0, 1},  {1, 0, 1},   {0, 1, 1},  {1, 1, 1},        {-1, 1, 2},       {-1, 0, 3},
+        {0, -1, 3}, {-1, -1, 3}, {1, -1, 4}, {-0.00005, 1, 1}, {1, -0.00005, 1}, {-1, 0.00005, 3},
+    };
+    for (const auto& row : cases) {
+        EXPECT_EQ(Point2D(row.x, row.y).Quadrant(4), row.quadrant) << row.x << ' ' << row.y;
+    }
+}
+
+TEST(PointTest, IsInSegment) {
+    const Point2D a(1, 1), b(5, 3);
+    const struct {
+        const char* name;
+        Point2D point;
+        bool inside;
+    } cases[] = {
+        {"inside", {3, 2}, true},
+        {"end", b, true},
+        {"on the line, before", {-1, 0}, false},
+        {"after", {5.00001, 3.000005}, false},
+        {"beside", {3, 2.00001}, false},
+        {"beside, within the tolerance", {3, 2.0000001}, true},
+        {"NaN", {NOT_A_NUMBER, 2}, false},
+    };
+    for (const auto& row : cases) {
+        EXPECT_EQ(row.point.IsInSegment(a, b), row.inside) << row.name;
+        EXPECT_EQ(row.point.IsInSegment(b, a), row.inside) << row.name;
+    }
+    EXPECT_TRUE(a.IsInSegment(a, a));
+    EXPECT_FALSE(b.IsInSegment(a, a));
+}
+
+TEST(PointTest, Texts) {
+    const CommaLocale locale;
+    EXPECT_STREQ(Point2D(1.5, -2).ToString().c_str(), "x:1.500000 | y:-2.000000");
+    EXPECT_STREQ(Point3D(1.25, 2, -0.04).ToString().c_str(), "(1.3, 2, 0)");
+    EXPECT_STREQ(Point3D(1234567, 0.5, -1e-7).CoordsToString().c_str(), "1.23457e+06;0.5;-1e-07");
+    const struct {
+        const char* text;
+        bool read;
+        Point3D point;
+    } cases[] = {
+        {"1;2;3", true, {1, 2, 3}},
+        {" 1.5x; -2e3 ;", true, {1.5, -2000, 0}},
+        {";;", true, {0, 0, 0}},
+        {"1;2", false, {7, 8, 9}},
+        {"1;2;3;", false, {7, 8, 9}},
+        {"", false, {7, 8, 9}},
+        {"inf;-1e999;0x10", true, {INF, -INF, 16}},
+    };
+    for (const auto& row : cases) {
+        Point3D point(7, 8, 9);
+        EXPECT_EQ(point.CoordsFromString(row.text), row.read) << row.text;
+        EXPECT_EQ(point, row.point) << row.text;
+    }
+}
+
+TEST(PointTest, ChecksumOfCoordinates) { // expected values from a Python script
+    EXPECT_EQ(CreateChecksum(Point3D(1.5, -2.25, 1e10)).GetValue(), 0xE604573C5F8AFA12u);
+    EXPECT_EQ(CreateChecksum(Point3D(0.0, -0.0, 0.0)).GetValue(), 0x518FF0645034738Au);
+    EXPECT_EQ(CreateChecksum(TVector3D(3, 3, 1)).GetValue(), 0x5562D26453743B70u);
+}
+
+TEST(VectorTest, Lengths) {
+    TVector3D zero;
+    EXPECT_EQ(zero.Normalize(), TVector3D());
+    EXPECT_EQ(TVector3D(0, 3, 4).Magnitude(), 5);
+    EXPECT_EQ(TVector3D(0, 3, 4).Normalized(), TVector3D(0, 0.6, 0.8));
+    EXPECT_EQ(TVector3D(0, 1e-9, 0).Normalized(), TVector3D(0, 1, 0));
+    EXPECT_FALSE(TVector3D(0, 5e-7, 0).MagnitudeGreaterThanZero());
+    EXPECT_TRUE(TVector3D(0, 5e-6, 0).MagnitudeGreaterThanZero());
+    EXPECT_EQ(TVector3D(-1, 2, -3).Abs(), TVector3D(1, 2, 3));
+    EXPECT_EQ(TVector2D(Point2D(1, 1), Point2D(4, 5)).Normalized(), TVector2D(0.6, 0.8));
+    EXPECT_EQ(TVector2D().Normalize(), TVector2D());
+    EXPECT_EQ(TVector3D::CreateUnitVector({1, 1, 1}, {1, 1, -4}), TVector3D(0, 0, -1));
+    EXPECT_EQ(TVector3D::CreateUnitVector({1, 1, 1}, {1, 1, 1}), TVector3D());
+}
+
+TEST(VectorTest, Products) {
+    const TVector3D x(1, 0, 0), y(0, 1, 0), v(1, 2, 3), w(-4, 5, 6);
+    EXPECT_EQ(x.CrossProduct(y), TVector3D(0, 0, 1));
+    EXPECT_EQ(v.CrossProduct(w), TVector3D(-3, -18, 13));
+    EXPECT_EQ(v.DotProduct(w), 24);
+    EXPECT_EQ(TVector2D(1, 2).CrossProduct(TVector2D(3, 4)), -2);
+    EXPECT_EQ(-v + w * 2 - x / 2, TVector3D(-9.5, 8, 9));
+
+    EXPECT_EQ(v.Project({0, 0, -2}), TVector3D(0, 0, 3));
+    EXPECT_EQ(v.Project({0, 0, 0}), TVector3D());
+    EXPECT_EQ(v.ProjectionOnPlane({0, 0, -2}), TVector3D(1, 2, 0));
+    EXPECT_EQ(v.ProjectionOnPlane({0, 0, 0}), v);
+}
+
+TEST(VectorTest, Angles) {
+    const TVector3D x(2, 0, 0), y(0, 3, 0), z(0, 0, 1), zero;
+    const struct {
+        const char* name;
+        double actual, expected;
+    } cases[] = {
+        {"right angle", x.Angle(y), PI / 2},
+        {"beside zero", zero.Angle(y), 0},
+        {"beside zero, other", y.Angle(zero), 0},
+        {"cosine beside zero", y.CosAngle(zero), 1},
+        {"opposite", x.Angle(-x), PI},
+        {"cosine above 1 by rounding", TVector3D(0.1, 0.2, 0.3).Angle({0.3, 0.6, 0.9}), 0},
+        {"NaN", x.Angle({NOT_A_NUMBER, 0, 0}), NOT_A_NUMBER},
+        {"overflow", x.Angle({1e200, 0, 0}), NOT_A_NUMBER},
+        {"overflow in the plane", TVector2D(1, 0).Angle({1e200, 0}), NOT_A_NUMBER},
+        {"cosine", x.CosAngle({1, std::sqrt(3), 0}), 0.5},
+        {"to the left", x.SignedAngle(y), PI / 2},
+        {"to the right", y.SignedAngle(x), -PI / 2},
+        {"about a normal", y.SignedAngle(x, {0, 0, -1}), PI / 2},
+        {"in a vertical plane", z.SignedAngle(x, {0, 1, 0}), PI / 2},
+        {"opposite, signed", x.SignedAngle(-x), PI},
+        {"signed cosine", y.CosSignedAngle(x), 0},
+        {"in the plane", TVector2D(1, 0).Angle({0, -1}), PI / 2},
+        {"in the plane, to the right", TVector2D(1, 0).SignedAngle({0, -1}), -PI / 2},
+        {"in the plane, zero", TVector2D(1, 0).SignedAngle({0, 0}), 0},
+    };
+    for (const auto& row : cases) {
+        if (std::isnan(row.expected)) {
+            EXPECT_TRUE(std::isnan(row.actual)) << row.name;
+        } else {
+            EXPECT_NEAR(row.actual, row.expected, 1e-7) << row.name;
+        }
+    }
+}
+
+TEST(VectorTest, Directions) {
+    const TVector3D v(1, 2, 3), zero, infinite(INF, 0, 0);
+    EXPECT_TRUE(v.ColinearTo({-2, -4, -6}, 6) && v.ColinearTo({2, 4, 6.0001}, 3) && v.ColinearTo(zero, 6));
+    EXPECT_FALSE(v.ColinearTo({2, 4, 6.001}, 3) || v.ColinearTo(infinite, 3));
+    EXPECT_TRUE(v.PerpendicularTo({3, 0, -1}, 6) && v.PerpendicularTo({3, 0.0002, -1}, 3));
+    EXPECT_FALSE(v.PerpendicularTo({3, 0.0003, -1}, 3) || v.PerpendicularTo(infinite, 3));
+    EXPECT_TRUE(v.CoplanarTo({1, 0, 0}, {0, 2, 3}, 6));
+    EXPECT_FALSE(v.CoplanarTo({1, 0, 0}, {0, 2, 3.1}, 1));
+}
+
+TEST(VectorTest, ArbitraryAxes) {
+    const struct {
+        const char* name;
+        TVector3D normal, x, y;
+    } cases[] = {
+        {"up", {0, 0, 5}, {1, 0, 0}, {0, 1, 0}},
+        {"down", {0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},
+        {"x", {2, 0, 0}, {0, 1, 0}, {0, 0, 1}},
+        {"y", {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
+        {"zero", {0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
+        {"just beyond 1/64", {0.0157, 0, 1}, {0, 1, 0}, TVector3D(-1, 0, 0.0157).Normalized()},
+        {"just below 1/64", {0.0156, 0, 1}, TVector3D(1, 0, -0.0156).Normalized(), {0, 1, 0}},
+        {"y beyond 1/64", {0, -0.0157, 1}, {1, 0, 0}, TVector3D(0, 1, 0.0157).Normalized()},
+    };
+    const TVector3D v(1, 2, 3);
+    for (const auto& row : cases) {
+        TVector3D x, y, z;
+        TVector3D::AcadArbitraryAxes(row.normal, x, y, z);
+        ExpectNear(x, row.x, row.name);
+        ExpectNear(y, row.y, row.name);
+        ExpectNear(x.CrossProduct(y), z, row.name);
+        ExpectNear(z.AcadArbitraryOCS(row.normal), {0, 0, 1}, row.name);
+        ExpectNear(v.AcadArbitraryOCS(row.normal).AcadArbitraryWCS(row.normal), v, row.name);
+    }
+    TVector3D normal(0, 1, 0), x, z;
+    TVector3D::AcadArbitraryAxes(normal, x, normal, z); // outputs may be the input
+    EXPECT_EQ(normal, TVector3D(0, 0, 1));
+    EXPECT_EQ(TVector3D(2, 3, 4).WorldCoordinates({0, 1, 0}, {0, 0, 1}, {1, 0, 0}), TVector3D(4, 2, 3));
+}
+
+TEST(TransformationTest, TransformsPointsAndDirections) {
+    const auto move = TTransformation::Translation(10, 20, 30);
+    const auto turn = TTransformation::Rotation(PI / 2, 0, 0, 7);
+    EXPECT_EQ(Point3D(1, 2, 3).Transform(TTransformation()), Point3D(1, 2, 3));
+    ExpectNear(Point3D(1, 2, 3).Transform(move * turn), {8, 21, 33}, "the right one first");
+    ExpectNear(Point3D(1, 2, 3).Transform(turn * move), {-22, 11, 33}, "the other way round");
+    ExpectNear(TVector3D(1, 2, 3).Transform(move * turn), {-2, 1, 3}, "a direction");
+    EXPECT_EQ(Point3D(1, 2, 3).Transform(TTransformation::Scaling(2, -1, 0)), Point3D(2, -2, 0));
+    EXPECT_EQ(TTransformation::Rotation(1, 0, 0, 0), TTransformation());
+    TTransformation view;
+    view.Element(4, 3, 0.5);
+    EXPECT_EQ(Point3D(2, 4, 2).Transform(view), Point3D(1, 2, 1));
+    EXPECT_EQ(Point3D(2, 4, -2).Transform(view), Point3D(2, 4, -2)) << "w is 0";
+    EXPECT_EQ(view.Element(4, 3), 0.5);
+    for (const auto& place : {std::pair{0u, 1u}, {5u, 1u}, {1u, 0u}, {1u, 5u}}) {
+        EXPECT_EQ(AssertionOf([&] { view.Element(place.first, place.second); }).source,
+                  "cpp/ZoPrimitives/TTransformation");
+        EXPECT_EQ(AssertionOf([&] { view.Element(place.first, place.second, 1); }).source,
+                  "cpp/ZoPrimitives/TTransformation");
+    }
+}
+
+/// A point that keeps its coordinates in a way of its own.
+class Mirrored : public Point3D {
+    REGISTER_ZO_BEGIN(Mirrored, Point3D)
+    REGISTER_ZO_END
+    Mirrored() = default;
+    Mirrored(double x, double y, double z) : other{-x, -y, -z} {}
+    double X() const override { return -other[0]; }
+    double Y() const override { return -other[1]; }
+    double Z() const override { return -other[2]; }
+    void X(double value) override { other[0] = -value; }
+    void Y(double value) override { other[1] = -value; }
+    void Z(double value) override { other[2] = -value; }
+    double other[3] = {};
+};
+
+TEST(Point3DTest, GoesThroughTheAccessors) {
+    Mirrored point(1, 2, 3);
+    EXPECT_EQ(Point3D(point), Point3D(1, 2, 3));
+    EXPECT_EQ(TVector3D(point).Magnitude(), std::sqrt(14));
+    EXPECT_EQ(CreateChecksum(point), CreateChecksum(Point3D(1, 2, 3)));
+    static_cast<Point3D&>(point) = Point3D(3, 4, 5);
+    EXPECT_EQ(point.other[2], -5);
+    point += Point3D(1, 1, 1);
+    point.Rotate(PI, {0, 0, 0});
+    EXPECT_STREQ(point.ToString().c_str(), "(-4, -5, 6)");
+    EXPECT_NEAR(point.other[0], 4, 1e-12);
+    point.CoordsFromString("7;8;9");
+    EXPECT_EQ(point.other[1], -8);
+}
+
+TEST(PointStreamingTest, EachIsSavedAndOpened) {
+    TZoMetaData schema;
+    ZoRegisterPoints(&schema);
+    Mirrored::Register(&schema);
+    Point2D plane(1, -0.0);
+    TVector2D planeVector(3, 4);
+    Point3D space(5, NOT_A_NUMBER, 6);
+    TVector3D vector(7, 8, INF);
+    TTransformation turn = TTransformation::Rotation(1, 2, 3, 4);
+    Mirrored mirrored(1, 2, 3);
+    Payload matrix;
+    matrix.Int(16);
+    for (unsigned i = 0; i < 16; ++i) matrix.Double(turn.Element(i / 4 + 1, i % 4 + 1));
+    const struct {
+        ZoStreamableBase& object;
+        const char* name;
+        std::string payload;
+    } cases[] = {
+        {plane, "Point2D", Payload().Double(1).Double(-0.0)},
+        {planeVector, "TVector2D", Payload().Double(3).Double(4)},
+        {space, "Point3D", Payload().Double(5).Double(NOT_A_NUMBER).Double(6)},
+        {vector, "TVector3D", Payload().Double(7).Double(8).Double(INF)},
+        {turn, "TTransformation", matrix},
+        {mirrored, "class (anonymous namespace)::Mirrored", Payload().Double(1).Double(2).Double(3)},
+    };
+    for (const auto& [object, name, payload] : cases) {
+        EXPECT_EQ(Text(object.StreamableClassName()).find(name), 0u);
+        EXPECT_EQ(object.GetClass(), object.GetOriginalClass(&schema)) << name;
+        const std::string file = Save(schema, &object);
+        EXPECT_EQ(RowsOf(file)[1].payload, payload) << name;
+        Opened opened(file, schema);
+        const ZoStreamableBase* read = opened.root;
+        EXPECT_TRUE(&object == &space || *read == object) << name;
+        EXPECT_TRUE(typeid(*read) == typeid(object)) << name;
+    }
+}
+
+TEST(PointStreamingTest, MatricesOfOtherLengths) {
+    TZoMetaData schema;
+    ZoRegisterPoints(&schema);
+    ClassEntry entry;
+    entry.name = "TTransformation";
+    entry.values = {{0, ftListDouble, "matrix"}};
+    for (const int count : {0, 3, 16, 40}) {
+        Payload list;
+        list.Int(count);
+        TTransformation expected;
+        for (int i = 0; i < count; ++i) {
+            list.Double(i + 5);
+            if (i < 16) expected.Element(unsigned(i) / 4 + 1, unsigned(i) % 4 + 1, i + 5);
+        }
+        Opened opened(FileOf({entry}, {Row{1, 1, list}}), schema);
+        const ZoStreamableBase* read = opened.root;
+        EXPECT_TRUE(*read == expected) << count;
+    }
+}
+
+TEST(LDPointTest, IsTwoDoubles) {
+    struct POINT {
+        long x, y;
+    };
+    const POINT system{3, -4};
+    const LDPoint p = system, q(1, 1);
+    EXPECT_TRUE(p == LDPoint(3, -4) && p != LDPoint(3, 4));
+    EXPECT_EQ(p.DistFrom({0, 0}), 5);
+    EXPECT_EQ(p.DistFrom2({0, 0}), 25);
+    LDPoint r = p;
+    EXPECT_EQ(&r.Offset(r), &r);
+    EXPECT_EQ(r.Scale(0.5), p);
+    EXPECT_EQ(p.OffsetBy(q), LDPoint(4, -3));
+    EXPECT_EQ(-(p - q) * 2, LDPoint(-4, 10));
+    EXPECT_EQ(p.ScaledBy(-1), -p);
+    static_assert(!std::is_constructible_v<LDPoint, Point2D> && !std::is_constructible_v<LDPoint, double>);
+}
+
+} // namespace

@@ -10,9 +10,19 @@ class Plan : public ZoStreamableBase {
     REGISTER_ZO_END
 };
 
+/// The comparisons of quantities mean the same in C++17 and C++20.
+bool Compares(const GComprimento& a, const GAngulo& b, const Grandeza& base, const ZoObject& object) {
+    return a == a && !(a != a) && b == b && a == b && b == a && base == a && b == base && !(base != b) &&
+           a == object && object == a && !(b != object) && a == 2.0 && 2.0 == a && a == 2 && 2 == b &&
+           b == 2.0 && !(2 != a) && !(b != 2) && a <= 2 && a + b == 4;
+}
+
 } // namespace
 
 int main() {
+    const GComprimento length(2.0);
+    if (!Compares(length, GAngulo(2.0), length, length)) return 2;
+
     TZoMetaData schema;
     Plan::Register(&schema);
     Plan plan;

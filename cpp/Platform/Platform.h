@@ -91,11 +91,11 @@ public:
     virtual bool SynchroniseFile(FileHandle file);
 
     /// Copies a whole file, overwriting, and returns when the copy is on the device, its name included. An
-    /// existing target keeps its identity (links, permissions); a new one gets the permissions of `from`. A
-    /// target that others have open without sharing for writing, or that is `from` itself, is a sharing
-    /// violation; a read-only one is access denied. A target without room for the copy is left as it was
-    /// where the file system can tell beforehand; after any other failure an existing target may hold part of
-    /// the copy, and a new one is removed.
+    /// existing target keeps its identity (links, permissions); a new one gets the permissions of `from`,
+    /// on Windows those of its folder. A target that others have open without sharing for writing, or that is
+    /// `from` itself, is a sharing violation; a read-only one is access denied. A target without room for the
+    /// copy is left as it was where the file system can tell beforehand; after any other failure an existing
+    /// target may hold part of the copy, and a new one is removed.
     virtual bool CopyWholeFile(const char* from, const char* to);
     /// A read-only file is access denied; a file that is open is a sharing violation.
     virtual bool DeleteWholeFile(const char* path);

@@ -3,7 +3,6 @@
 #include "support/TemporaryFolder.h"
 
 #include <atomic>
-#include <barrier>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <thread>
@@ -268,6 +267,7 @@ TEST_F(FilesTests, CopiesRespectWhatOthersHaveOpen) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
+        FaultyServices services; // they wait for nobody
         folder.Write("source", "new");
         folder.Write("target", "old");
         const FileHandle holder = Open(folder.Path(row.held), row.access, row.share);
@@ -331,31 +331,58 @@ TEST_F(FilesTests, TemporaryNamesAreFreshFilesBesideTheTarget) {
 }
 
 TEST_F(FilesTests, TheLastErrorIsTheThreadsOwn) {
-    SetLastError(ErrorDiskFull);
-    std::thread([] {
+    std::atomic<int> step = 0; // starting and joining a thread are calls of the system, and may fail inside
+    const auto await = [&](int number) {
+        while (step != number) std::this_thread::yield();
+    };
+    std::thread other([&] {
+        SetLastError(ErrorNone);
+        step = 1;
+        await(2);
         EXPECT_EQ(LastError(), ErrorNone);
         SetLastError(ErrorAccessDenied);
-    }).join();
+        step = 3;
+    });
+    await(1);
+    SetLastError(ErrorDiskFull);
+    step = 2;
+    await(3);
     EXPECT_EQ(LastError(), ErrorDiskFull);
+    other.join();
 }
+
+// Threads meet here, again and again.
+struct Barrier {
+    const int count;
+    std::atomic<int> arrived{0}, round{0};
+
+    void Meet() {
+        const int mine = round;
+        if (++arrived == count) {
+            arrived = 0;
+            ++round;
+        }
+        while (round == mine) std::this_thread::yield();
+    }
+};
 
 TEST_F(FilesTests, OfRivalsThatOpenAtOnceExactlyOneWins) {
     constexpr int Rivals = 6, Rounds = 40;
     folder.Write("f", "");
     for (const Mode& mode : {Openings[0], Openings[3], Openings[4]}) {
         std::atomic<int> winners = 0, strangers = 0;
-        std::barrier ready(Rivals), held(Rivals);
+        Barrier ready{Rivals}, held{Rivals};
         std::vector<std::thread> threads;
         for (int i = 0; i < Rivals; ++i) {
             threads.emplace_back([&] {
                 for (int round = 0; round < Rounds; ++round) {
-                    ready.arrive_and_wait();
+                    ready.Meet();
                     const FileHandle file = Open(folder.Path("f"), mode.access, mode.share);
                     if (file != nullptr)
                         ++winners;
                     else if (LastError() != ErrorSharingViolation)
                         ++strangers;
-                    held.arrive_and_wait();
+                    held.Meet();
                     if (file != nullptr) Current().CloseFile(file);
                 }
             });

@@ -48,6 +48,8 @@ public:
     std::optional<bool> readOnly;
     /// Called before each operation, with the text that it leaves in Calls().
     std::function<void(const std::string& call)> onCall;
+    /// Called instead of waiting.
+    std::function<void()> onWait;
     /// The texts of message boxes; none is shown.
     std::vector<std::string> messages;
 
@@ -140,6 +142,10 @@ public:
         std::string name = Services::TemporaryFileName(target);
         temporaries.push_back(name);
         return name;
+    }
+    void Wait(unsigned) override {
+        ++counts["Wait"];
+        if (onWait) onWait();
     }
     void ShowMessageBox(const char* text) override {
         Meet("ShowMessageBox", "");

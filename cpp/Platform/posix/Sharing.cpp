@@ -1,12 +1,11 @@
 #include "Platform/posix/Sharing.h"
 
+#include <algorithm>
 #include <bit>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <fcntl.h>
 #include <random>
-#include <thread>
 #include <unistd.h>
 
 // An opening tells what it does and what it denies by shared locks on single bytes far beyond any data:
@@ -34,7 +33,7 @@ constexpr off_t Settled = off_t{1} << 62;
 constexpr off_t Tentative = Settled + 8;
 constexpr off_t AllMarks = 16;
 
-constexpr std::chrono::milliseconds Patience{1000};
+constexpr unsigned Patience = 1000; // milliseconds
 
 enum class Answer { Free, Taken, Unsupported };
 
@@ -83,11 +82,12 @@ unsigned HostileMarks(Access access, Share share) {
     return marks;
 }
 
-void WaitForRival(int attempt) {
+/// Waits a while, at random, and returns the milliseconds.
+unsigned WaitForRival(unsigned attempt) {
     static thread_local std::minstd_rand random{std::random_device{}()};
-    const int longest = 100 << (attempt < 5 ? attempt : 5);
-    std::this_thread::sleep_for(
-        std::chrono::microseconds(std::uniform_int_distribution<int>{20, longest}(random)));
+    const unsigned milliseconds = std::uniform_int_distribution<unsigned>{1, std::min(attempt, 4U)}(random);
+    Current().Wait(milliseconds);
+    return milliseconds;
 }
 
 const pid_t ownProcess = getpid();
@@ -97,8 +97,8 @@ const pid_t ownProcess = getpid();
 bool ClaimShare(int descriptor, Access access, Share share) {
     const unsigned own = OwnMarks(access, share);
     const unsigned hostile = HostileMarks(access, share);
-    const auto start = std::chrono::steady_clock::now();
-    for (int attempt = 0;; ++attempt) {
+    unsigned waited = 0;
+    for (unsigned attempt = 1;; ++attempt) {
         const Answer shown = Place(descriptor, Tentative, own);
         if (shown != Answer::Free) return shown == Answer::Unsupported;
         const bool rival = OthersHold(descriptor, Tentative, hostile);
@@ -108,8 +108,8 @@ bool ClaimShare(int descriptor, Access access, Share share) {
         if (holder) return false;
         if (!rival) return true;
         // A rival settles or gives up at once, unless its process was stopped on the way.
-        if (std::chrono::steady_clock::now() - start > Patience) return false;
-        WaitForRival(attempt);
+        if (waited > Patience) return false;
+        waited += WaitForRival(attempt);
     }
 }
 

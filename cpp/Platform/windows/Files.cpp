@@ -1,0 +1,96 @@
+#include "Platform/Platform.h"
+#include "Platform/windows/Windows.h"
+
+#include <algorithm>
+
+namespace ZoPrimitives::Platform {
+
+namespace {
+
+// Some servers refuse more in one call.
+constexpr std::size_t LargestTransfer = std::size_t{16} << 20;
+
+} // namespace
+
+FileHandle Services::OpenFile(const char* path, Access access, Share share, Creation creation) {
+    if (path == nullptr) path = "";
+    const bool create = creation == Creation::CreateAlways;
+    const bool writes = access == Access::ReadWrite || create;
+    if (writes) {
+        const DWORD attributes = ::GetFileAttributesA(path);
+        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+            SetLastError(ErrorAccessDenied);
+            return nullptr;
+        }
+    }
+    DWORD shared = 0;
+    if (share != Share::None) shared |= FILE_SHARE_READ;
+    if (share == Share::ReadWrite) shared |= FILE_SHARE_WRITE;
+    const HANDLE file =
+        ::CreateFileA(path, writes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ, shared, nullptr,
+                      create ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return file != INVALID_HANDLE_VALUE ? file : nullptr;
+}
+
+bool Services::CloseFile(FileHandle file) { return ::CloseHandle(file) != 0; }
+
+bool Services::ReadFile(FileHandle file, void* data, std::size_t size, std::size_t& done) {
+    auto* bytes = static_cast<unsigned char*>(data);
+    done = 0;
+    while (done < size) {
+        DWORD count = 0;
+        const auto part = static_cast<DWORD>(std::min(size - done, LargestTransfer));
+        if (::ReadFile(file, bytes + done, part, &count, nullptr) == 0) {
+            const DWORD error = ::GetLastError();
+            return error == ERROR_HANDLE_EOF || error == ERROR_BROKEN_PIPE;
+        }
+        if (count == 0) break;
+        done += count;
+    }
+    return true;
+}
+
+bool Services::WriteFile(FileHandle file, const void* data, std::size_t size) {
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    while (size != 0) {
+        DWORD count = 0;
+        const auto part = static_cast<DWORD>(std::min(size, LargestTransfer));
+        if (::WriteFile(file, bytes, part, &count, nullptr) == 0) return false;
+        if (count == 0) {
+            SetLastError(ErrorDevice);
+            return false;
+        }
+        bytes += count;
+        size -= count;
+    }
+    return true;
+}
+
+bool Services::SeekFile(FileHandle file, long long offset, Origin origin, unsigned long long& position) {
+    LARGE_INTEGER distance, reached;
+    distance.QuadPart = offset;
+    const DWORD method = origin == Origin::Begin     ? FILE_BEGIN
+                         : origin == Origin::Current ? FILE_CURRENT
+                                                     : FILE_END;
+    if (::SetFilePointerEx(file, distance, &reached, method) == 0) return false;
+    position = static_cast<unsigned long long>(reached.QuadPart);
+    return true;
+}
+
+bool Services::FileSize(FileHandle file, unsigned long long& size) {
+    LARGE_INTEGER bytes;
+    if (::GetFileSizeEx(file, &bytes) == 0) return false;
+    if (::GetFileType(file) != FILE_TYPE_DISK) {
+        SetLastError(ErrorInvalidFunction);
+        return false;
+    }
+    size = static_cast<unsigned long long>(bytes.QuadPart);
+    return true;
+}
+
+bool Services::SynchroniseFile(FileHandle file) {
+    // A device that has nothing to bring does not know the function.
+    return ::FlushFileBuffers(file) != 0 || ::GetLastError() == ERROR_INVALID_FUNCTION;
+}
+
+} // namespace ZoPrimitives::Platform

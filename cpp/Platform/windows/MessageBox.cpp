@@ -1,0 +1,11 @@
+#include "Platform/Platform.h"
+#include "Platform/windows/Windows.h"
+
+namespace ZoPrimitives::Platform {
+
+void Services::ShowMessageBox(const char* text) {
+    // A null caption would be "Error" in the language of the system.
+    ::MessageBoxA(nullptr, text, "", MB_OK | MB_ICONHAND);
+}
+
+} // namespace ZoPrimitives::Platform

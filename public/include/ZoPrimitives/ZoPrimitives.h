@@ -13,6 +13,8 @@
 #include "ZoPrimitives/Chrono.h"
 #include "ZoPrimitives/ClipboardBinInStream.h"
 #include "ZoPrimitives/ClipboardBinOutStream.h"
+#include "ZoPrimitives/ClipboardInputStream.h"
+#include "ZoPrimitives/ClipboardOutputStream.h"
 #include "ZoPrimitives/ColorScale.h"
 #include "ZoPrimitives/ECustomPropertyValueType.h"
 #include "ZoPrimitives/FileBinInStream.h"

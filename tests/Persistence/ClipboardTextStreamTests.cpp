@@ -1,0 +1,237 @@
+#include "ZoPrimitives/ClipboardInputStream.h"
+#include "ZoPrimitives/ClipboardOutputStream.h"
+
+#include "support/Assertions.h"
+#include "support/FakeClipboard.h"
+#include "support/PrivateClipboard.h"
+#include "support/Records.h"
+#include "support/Streaming.h"
+
+#include "ZoPrimitives/XStream.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+
+using namespace ZoPrimitives;
+using namespace std::string_literals;
+using ZoPrimitives::Testing::FakeClipboard;
+using ZoPrimitives::Testing::PrivateClipboard;
+
+namespace {
+
+const std::string TAKE = " @ ClipboardInputStream::GetDataFromClipboard";
+const std::string PUT = " @ ClipboardOutputStream::PutDataInClipboard";
+const std::string NUMBER = "Invalid data size @ ClipboardInputStream::ReadBinaryData";
+const std::string STRING = "Invalid data size @ ClipboardInputStream::ReadString";
+const std::string SKIP = "Invalid data size @ ClipboardInputStream::SkipValue";
+const std::string END = "End-of-file @ ";
+
+std::string Value(const std::string& bytes) { return LittleEndian(bytes.size()) + bytes; }
+
+// Writing
+
+TEST(ClipboardOutputStreamTests, EachValueIsItsLengthAndItsBytes) {
+    const struct {
+        const char* name;
+        std::function<void(OutputStream&)> write;
+        std::string block;
+    } rows[] = {
+        {"nothing", [](OutputStream&) {}, ""},
+        {"int", [](OutputStream& s) { s << -2; }, Value("\xFE\xFF\xFF\xFF")},
+        {"unsigned", [](OutputStream& s) { s << 0x12345678u; }, Value("\x78\x56\x34\x12")},
+        {"short", [](OutputStream& s) { s << static_cast<short>(-2); }, Value("\xFE\xFF")},
+        {"unsigned short", [](OutputStream& s) { s << static_cast<unsigned short>(0x1234); },
+         Value("\x34\x12")},
+        {"float", [](OutputStream& s) { s << 1.5f; }, Value("\0\0\xC0\x3F"s)},
+        {"double", [](OutputStream& s) { s << 1.5; }, Value("\0\0\0\0\0\0\xF8\x3F"s)},
+        {"long double", [](OutputStream& s) { s << 1.5L; }, Value("\0\0\0\0\0\0\xF8\x3F"s)},
+        {"bool", [](OutputStream& s) { s << true << false; }, Value("\1") + Value("\0"s)},
+        {"text", [](OutputStream& s) { s << "Abc" << ZoString("d\xE7"); },
+         Value("Abc\0"s) + Value("d\xE7\0"s)},
+        {"no text", [](OutputStream& s) { s << "" << static_cast<const char*>(nullptr) << ZoString(); },
+         Value("\0"s) + Value("\0"s) + Value("\0"s)},
+    };
+    for (const auto& row : rows) {
+        FakeClipboard clipboard("theirs");
+        {
+            ClipboardOutputStream stream;
+            row.write(stream);
+            EXPECT_EQ(clipboard.log, "") << row.name;
+        }
+        EXPECT_EQ(clipboard.log, "osc") << row.name;
+        EXPECT_EQ(clipboard.block, row.block) << row.name;
+    }
+}
+
+TEST(ClipboardOutputStreamTests, FinalizeTellsOfAFailure) {
+    FakeClipboard clipboard("theirs");
+    clipboard.openError = Platform::ErrorSharingViolation;
+    {
+        ClipboardOutputStream stream;
+        stream << "a";
+        EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "Clipboard in use" + PUT);
+        stream << "b";
+    } // the destructor says nothing
+    EXPECT_EQ(clipboard.block, "theirs");
+    {
+        ClipboardOutputStream stream;
+        stream << "a";
+        EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "Clipboard in use" + PUT);
+        clipboard.openError = 0;
+        stream.Finalize();
+        EXPECT_EQ(AssertionOf([&] { stream << 1; }).expression,
+                  "!finalized && \"[zoerror] a stream fills the clipboard once\"");
+        clipboard.block = "later";
+    }
+    EXPECT_EQ(clipboard.block, "later");
+    EXPECT_EQ(clipboard.log, "osc");
+}
+
+// Reading
+
+/// Reads one value as a type, or skips it; what came of it, or the failure.
+template <class T>
+std::string As(ClipboardInputStream& in) {
+    T value{};
+    const std::string failure = FailureOf([&] { in >> value; });
+    if constexpr (std::is_same_v<T, ZoString>)
+        return failure.empty() ? Text(value) : failure;
+    else
+        return failure.empty() ? std::to_string(value) : failure;
+}
+std::string Skip(ClipboardInputStream& in) {
+    return FailureOf([&] { in.SkipValue(); });
+}
+std::string Line(ClipboardInputStream& in) {
+    char buffer[64] = "untouched";
+    return in.GetLine(buffer) ? buffer : std::string("false, ") + buffer;
+}
+std::string Characters(ClipboardInputStream& in) {
+    char buffer[64] = "................";
+    const std::string failure = FailureOf([&] { in >> buffer; });
+    return failure.empty() ? buffer : failure;
+}
+
+TEST(ClipboardInputStreamTests, TakesNothingThatIsNotThere) {
+    FakeClipboard clipboard;
+    EXPECT_EQ(FailureOf([] { ClipboardInputStream in; }), "Invalid data handle" + TAKE);
+    EXPECT_EQ(clipboard.log, "ogc");
+    clipboard.openError = Platform::ErrorInvalidOwner;
+    EXPECT_EQ(FailureOf([] { ClipboardInputStream in; }), "Clipboard folder not private to this user" + TAKE);
+    EXPECT_EQ(clipboard.log, "ogc");
+}
+
+TEST(ClipboardInputStreamTests, TheClipboardIsOpenAsLongAsTheStream) {
+    FakeClipboard clipboard(Value("a\0"s));
+    {
+        ClipboardInputStream in;
+        EXPECT_TRUE(clipboard.open);
+        EXPECT_EQ(As<ZoString>(in), "a");
+        ClipboardOutputStream out; // cannot take the block from under the reader
+        EXPECT_EQ(FailureOf([&] { out.Finalize(); }), "Clipboard in use" + PUT);
+    }
+    EXPECT_FALSE(clipboard.open);
+}
+
+// Whatever a stranger's block holds: the value, or the exception, and the stream stays before what it
+// refused.
+TEST(ClipboardInputStreamTests, BlocksOfStrangers) {
+    using Steps = std::vector<std::pair<std::string (*)(ClipboardInputStream&), std::string>>;
+    const std::string eight = Value("12345678");
+    const struct {
+        const char* name;
+        std::string block;
+        Steps steps;
+        bool cut = false;
+    } rows[] = {
+        {"empty", "", {{As<int>, END}, {As<ZoString>, END}, {Skip, END}, {Line, "false, untouched"}}},
+        {"zeros", std::string(100, '\0'), {{As<ZoString>, END}, {As<bool>, END}, {Skip, END}}},
+        {"another size",
+         eight,
+         {{As<int>, NUMBER},
+          {As<unsigned>, NUMBER},
+          {As<short>, NUMBER},
+          {As<bool>, NUMBER},
+          {As<float>, NUMBER},
+          {As<ZoString>, "12345678"},
+          {As<int>, END}}},
+        {"skipped", eight + Value("\7\0\0\0"s), {{Skip, ""}, {As<int>, "7"}, {Skip, END}}},
+        {"part of a length", "\4\0"s, {{As<int>, NUMBER}, {As<ZoString>, STRING}, {Skip, SKIP}}, true},
+        {"length beyond the block",
+         LittleEndian(5) + "1234",
+         {{As<int>, NUMBER}, {As<ZoString>, STRING}, {Skip, SKIP}, {Line, "false, untouched"}},
+         true},
+        {"the right length, beyond the block", LittleEndian(4) + "123", {{As<int>, NUMBER}}, true},
+        {"the largest length", LittleEndian(0xFFFFFFFF) + "1234", {{As<ZoString>, STRING}, {Skip, SKIP}}},
+        {"a length that wraps around", LittleEndian(0xFFFFFFFC) + "1234", {{As<int>, NUMBER}, {Skip, SKIP}}},
+        {"a text without an end", Value("ab") + Value("c\0"s), {{As<ZoString>, "ab"}, {As<ZoString>, "c"}}},
+        {"the same, into a buffer", Value("ab") + Value("c\0"s), {{Characters, "ab"}, {Line, "c"}}},
+        {"length 0 inside",
+         LittleEndian(0) + LittleEndian(0) + LittleEndian(0) + Value("a\0"s),
+         {{As<bool>, NUMBER}, {As<ZoString>, ""}, {Skip, ""}, {Characters, ""}, {As<ZoString>, "a"}}},
+        {"a text of 0 bytes", Value("\0\0\0"s) + Value("a\0"s), {{As<ZoString>, ""}, {Line, "a"}}},
+        {"a flag that is neither", Value("\x80"), {{As<bool>, "1"}}},
+    };
+    for (const auto& row : rows) {
+        for (const std::size_t padding : {0, 1, 3, 4, 15, 100'000}) {
+            if (padding != 0 && row.cut) continue; // zeros would make it whole
+            SCOPED_TRACE(std::string(row.name) + " and " + std::to_string(padding) + " zeros");
+            FakeClipboard clipboard(row.block);
+            clipboard.padding = padding;
+            {
+                ClipboardInputStream in;
+                for (const auto& [step, outcome] : row.steps) EXPECT_EQ(step(in), outcome);
+            }
+            EXPECT_EQ(clipboard.log, "ogc");
+        }
+    }
+}
+
+// The system's clipboard
+
+TEST(RealClipboardTextTests, ValuesComeBack) {
+    const PrivateClipboard clipboard;
+    const std::string longText(3'000'000, 'x');
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    {
+        ClipboardOutputStream out;
+        out << INT_MIN << UINT_MAX << static_cast<short>(SHRT_MIN) << static_cast<unsigned short>(USHRT_MAX);
+        out << 0.1f << 0.1 << 0.1L << nan << true << false;
+        out << "text" << longText.c_str() << "" << 0;
+    }
+    ClipboardInputStream in;
+    EXPECT_EQ(As<int>(in), std::to_string(INT_MIN));
+    EXPECT_EQ(As<unsigned>(in), std::to_string(UINT_MAX));
+    EXPECT_EQ(As<short>(in), std::to_string(SHRT_MIN));
+    EXPECT_EQ(As<unsigned short>(in), std::to_string(USHRT_MAX));
+    float aFloat = 0;
+    double aDouble = 0;
+    long double aLongDouble = 0;
+    in >> aFloat >> aDouble >> aLongDouble;
+    EXPECT_EQ(aFloat, 0.1f);
+    EXPECT_EQ(aDouble, 0.1);
+    EXPECT_EQ(aLongDouble, 0.1);
+    in >> aDouble;
+    EXPECT_TRUE(std::isnan(aDouble));
+    EXPECT_EQ(As<bool>(in), "1");
+    EXPECT_EQ(As<bool>(in), "0");
+    EXPECT_EQ(Characters(in), "text");
+    EXPECT_TRUE(As<ZoString>(in) == longText);
+    EXPECT_EQ(Line(in), "");
+    EXPECT_EQ(As<int>(in), "0");
+    EXPECT_EQ(FailureOf([&] { in.CheckRead(); }), END);
+}
+
+TEST(RealClipboardTextTests, NoValuesAreAnEmptyBlock) {
+    const PrivateClipboard clipboard;
+    { ClipboardOutputStream out; }
+    ClipboardInputStream in;
+    EXPECT_EQ(As<int>(in), END);
+}
+
+} // namespace

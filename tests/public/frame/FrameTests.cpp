@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <functional>
@@ -281,6 +282,24 @@ TEST(FrameClipboardTest, PastesWhatWasCopied) {
         const Model pasted = Paste();
         EXPECT_EQ(Compare(*model.building, *pasted.building).difference, "");
     }
+}
+
+TEST_F(FrameTest, OneProcessCopiesAStoreyAndAnotherPastesItFromTheClipboard) {
+    const ZoPrimitives::Testing::PrivateClipboard clipboard;
+    // Without a display Wine keeps the clipboard as long as some program that has used it runs: this one.
+    EXPECT_NE(ZoPrimitives::IdZoClipboardFormat(), 0u);
+    Save(ReadTables(FRAME_TABLES), Path("a.zo"));
+    const auto run = [&](const std::string& arguments) {
+        // Without something before it, one of the shells takes the first quote and the last one away.
+        const std::string command =
+            "cd . && \"" FRAME_PROGRAM "\" " + arguments + " > \"" + Path("output") + '"';
+        EXPECT_EQ(std::system(command.c_str()), 0) << command;
+        return folder.Read("output");
+    };
+    EXPECT_THAT(run("copy \"" + Path("a.zo") + "\" 3"), HasSubstr("On the clipboard: storey 3, 34 objects"));
+    EXPECT_THAT(run("paste"),
+                testing::AllOf(HasSubstr("3º andar, Los Angeles"), HasSubstr("Total steel: 24.37 t"),
+                               HasSubstr("Pasted:      34 objects")));
 }
 
 TEST(FrameClipboardTest, WhatIsNoBuildingIsRefusedWithASentence) {

@@ -1,15 +1,8 @@
 # Runs a program and looks at how it ends. COMMAND: the program and its arguments. CODE: the exit code that it
 # must end with. SAYS: a regular expression for standard error when the code is not 0, for standard output
-# otherwise. FIRST: a program and its arguments that must end well before. FRESH: a folder that must not be
-# there before. LEAVES: files that must be there afterwards.
+# otherwise. FRESH: a folder that must not be there before. LEAVES: files that must be there afterwards.
 if(FRESH)
   file(REMOVE_RECURSE "${FRESH}")
-endif()
-if(FIRST)
-  execute_process(COMMAND ${FIRST} RESULT_VARIABLE code ERROR_VARIABLE errors)
-  if(NOT code EQUAL 0)
-    message(FATAL_ERROR "Exit code ${code} before it began.\n${errors}")
-  endif()
 endif()
 execute_process(COMMAND ${COMMAND} RESULT_VARIABLE code OUTPUT_VARIABLE output ERROR_VARIABLE errors)
 if(NOT code STREQUAL CODE)

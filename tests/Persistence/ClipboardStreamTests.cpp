@@ -21,6 +21,8 @@ using ZoPrimitives::Testing::PrivateClipboard;
 
 namespace {
 
+constexpr const char* FULL_DISK = "Espaço em disco insuficiente."_ansi;
+constexpr const char* INVALID_HEADER = "Header de arquivo inválido"_ansi;
 const std::string FINALIZE = " @ TClipboardBinOutStream::Finalize";
 const std::string TAKE = " @ TClipboardBinInStream::GetDataFromClipboard";
 const std::string HEADER = " @ TClipboardBinInStream::TClipboardBinInStream";
@@ -98,7 +100,7 @@ TEST(ClipboardBinOutStreamTests, WhatFailedToBePutMayBePutLater) {
          "Clipboard folder not private to this user" + FINALIZE},
         {"denied", Platform::ErrorAccessDenied, 0, "Permission denied" + FINALIZE},
         {"no memory", 0, Platform::ErrorNotEnoughMemory, "Not enough space" + FINALIZE},
-        {"full", 0, Platform::ErrorDiskFull, std::string("Espaço em disco insuficiente."_ansi) + FINALIZE},
+        {"full", 0, Platform::ErrorDiskFull, FULL_DISK + FINALIZE},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -192,7 +194,7 @@ TEST(ClipboardBinInStreamTests, ZerosBehindTheBlockAreNoRecords) {
         {"behind an extra block", HeaderBytes(0, 0, 1, 40) + zeros + TextRecord(1, zeros), "1 "},
     };
     for (const auto& row : rows) {
-        for (const std::size_t padding : {0, 1, 7, 24, 70'000, 20'000'000}) {
+        for (const std::size_t padding : {0U, 1U, 7U, 24U, 70'000U, 20'000'000U}) {
             SCOPED_TRACE(std::string(row.name) + " and " + std::to_string(padding));
             FakeClipboard clipboard(row.block);
             clipboard.padding = padding;
@@ -202,8 +204,7 @@ TEST(ClipboardBinInStreamTests, ZerosBehindTheBlockAreNoRecords) {
 }
 
 TEST(ClipboardBinInStreamTests, BlocksOfStrangers) {
-    const std::string invalidHeader =
-        std::string("Header de arquivo inválido"_ansi) + " @ TBinInStream::LoadHeader";
+    const std::string invalidHeader = std::string(INVALID_HEADER) + " @ TBinInStream::LoadHeader";
     const std::string good = HeaderBytes(3, 0, 2) + TextRecord(1, "one") + TextRecord(2, "two");
     const std::size_t second = good.size() - 31;
     const auto changed = [&](std::size_t at, const std::string& bytes) {

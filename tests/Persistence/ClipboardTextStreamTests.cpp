@@ -178,7 +178,7 @@ TEST(ClipboardInputStreamTests, BlocksOfStrangers) {
         {"a flag that is neither", Value("\x80"), {{As<bool>, "1"}}},
     };
     for (const auto& row : rows) {
-        for (const std::size_t padding : {0, 1, 3, 4, 15, 100'000}) {
+        for (const std::size_t padding : {0U, 1U, 3U, 4U, 15U, 100'000U}) {
             if (padding != 0 && row.cut) continue; // zeros would make it whole
             SCOPED_TRACE(std::string(row.name) + " and " + std::to_string(padding) + " zeros");
             FakeClipboard clipboard(row.block);

@@ -1,8 +1,12 @@
 #include "ZoPrimitives/ZoStreamable.h"
 
 #include "Persistence/ClassNames.h"
+#include "Persistence/TextCodes.h"
 #include "Platform/Platform.h"
 #include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
+#include "ZoPrimitives/xContainer.h"
 
 namespace ZoPrimitives {
 
@@ -20,9 +24,24 @@ ZoStreamableBase::ZoStreamableBase(StreamableInit) {}
 ZoStreamableBase& ZoStreamableBase::operator=(const ZoStreamableBase&) { return *this; }
 ZoStreamableBase::~ZoStreamableBase() = default;
 
-void ZoStreamableBase::Write(OutputStreamer&) {}
+void ZoStreamableBase::Write(OutputStreamer& streamer) {
+    streamer << TextCodes::HANDLE << streamer.GetHandle(this);
+}
+
 void ZoStreamableBase::WillWrite() {}
-void ZoStreamableBase::Read(InputStreamer&) {}
+
+void ZoStreamableBase::Read(InputStreamer& streamer) {
+    const InputStreamer::Level level(streamer, this);
+    int code = 0;
+    for (streamer >> code; code != TextCodes::OBJECT && code != TextCodes::END; streamer >> code) {
+        try {
+            if (!ReadData(code, streamer)) streamer.SkipValue();
+        } catch (const XInvalidHandle&) {
+            // The value is dropped.
+        }
+    }
+}
+
 bool ZoStreamableBase::GetIsValid() const { return true; }
 TZoClass* ZoStreamableBase::GetClass() const { return nullptr; }
 TZoClass* ZoStreamableBase::GetOriginalClass(TZoMetaData*) const { return nullptr; }
@@ -39,7 +58,14 @@ void ZoStreamableBase::CheckForExcludedFields(TBinInStream* stream) {
 }
 
 ZoString ZoStreamableBase::ToString() const { return StreamableClassName(); }
-bool ZoStreamableBase::ReadData(int, InputStreamer&) { return false; }
+
+bool ZoStreamableBase::ReadData(int code, InputStreamer& streamer) {
+    if (code != TextCodes::HANDLE) return false;
+    int own = 0;
+    streamer >> own;
+    streamer.SetHandle(this, own);
+    return true;
+}
 
 ZoObjectStreamable::ZoObjectStreamable() = default;
 ZoObjectStreamable::ZoObjectStreamable(const ZoObjectStreamable& other) = default;

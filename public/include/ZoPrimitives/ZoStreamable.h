@@ -16,6 +16,10 @@ class TZoClass;
 class TZoClassField;
 class TZoMetaData;
 
+/// The deepest that objects may lie inside each other in a text: writing and reading one goes some calls
+/// deeper for each level.
+inline constexpr int MAX_TEXT_NESTING = 500;
+
 /// Base of every object that the streamers save and open.
 ///
 /// A class describes itself to a `TZoMetaData` through the macros of ZoRegister.h. The virtual operations are
@@ -33,11 +37,13 @@ public:
 
     /// "class " and the run-time type's name without "ZoPrimitives::".
     virtual ZoString StreamableClassName() const = 0;
-    /// Text output.
+    /// Text output: the object's data as codes and values, without their end. Here the code 3 and the handle;
+    /// a class calls its parent's first and goes on with codes of its own.
     virtual void Write(OutputStreamer& streamer);
     /// Called by the binary writer before the object's fields are written, once for each class level.
     virtual void WillWrite();
-    /// Text input.
+    /// Text input: hands each code to `ReadData`, up to a code 0 or 7. The value of a code that the class
+    /// does not know is passed over: one token. A value with a handle that stands for nothing is dropped.
     virtual void Read(InputStreamer& streamer);
     /// Whether the object, as read, may stay in the model. True here.
     virtual bool GetIsValid() const;
@@ -63,7 +69,8 @@ public:
     virtual ZoString ToString() const;
 
 protected:
-    /// Text input of one group code; false when the class does not know it.
+    /// Text input of the value of one code; false, with nothing read, when the class does not know it. Here
+    /// the code 3. A class reads its own codes and leaves the others to its parent.
     virtual bool ReadData(int code, InputStreamer& streamer);
 
 private:

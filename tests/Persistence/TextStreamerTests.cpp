@@ -1,0 +1,624 @@
+#include "ZoPrimitives/FileInputStream.h"
+#include "ZoPrimitives/FileOutputStream.h"
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoStreamablePrimitives.h"
+#include "ZoPrimitives/xContainer.h"
+#include "support/Assertions.h"
+#include "support/TemporaryFolder.h"
+
+#include <climits>
+#include <functional>
+#include <gmock/gmock.h>
+#include <memory>
+#include <optional>
+
+namespace {
+
+using namespace ZoPrimitives;
+using testing::ElementsAre;
+using ZoPrimitives::Testing::TemporaryFolder;
+
+int living = 0;
+
+/// Codes: 10 a number, 11 a text, 20 a pointer. A pointer is 5 and a handle; 0, a class, data and 7; or 0 and
+/// "NULL".
+class Item : public ZoStreamableBase {
+public:
+    Item() { ++living; }
+    explicit Item(StreamableInit init) : ZoStreamableBase(init) { ++living; }
+    ~Item() override { --living; }
+    ZoString StreamableClassName() const override { return "class Item"; }
+
+    void Write(OutputStreamer& s) override {
+        ZoStreamableBase::Write(s);
+        s << 10 << number;
+        if (next) s << 20 << next.get() << 7;
+    }
+    bool ReadData(int code, InputStreamer& s) override;
+
+    int number = 0;
+    ZoString text;
+    pointer<ZoStreamableBase> next;
+};
+
+/// Makes items under the names that it is given.
+class Factory : public StreamableFactory {
+public:
+    explicit Factory(std::vector<std::string> names) : known(std::move(names)) {}
+    ZoStreamableBase* CreateObject(ZoString className) override {
+        asked.push_back(className.c_str());
+        for (const std::string& name : known) {
+            if (className == name.c_str()) return new Item;
+        }
+        throw XUnknownObject();
+    }
+    std::vector<std::string> asked;
+
+private:
+    std::vector<std::string> known;
+};
+
+/// What is protected, for the tests.
+class Reader : public InputStreamer {
+public:
+    using InputStreamer::CreateObject;
+    using InputStreamer::GetHandle;
+    using InputStreamer::InputStreamer;
+    using InputStreamer::ResetHandles;
+    using InputStreamer::SkipObject;
+
+    ZoStreamableBase* ReadPointer() {
+        int kind = 0;
+        *this >> kind;
+        ZoStreamableBase* object = nullptr;
+        if (kind == 5) {
+            *this >> object;
+            return object;
+        }
+        ZoString name;
+        *this >> name;
+        if (name == "NULL") return nullptr;
+        object = CreateObject(name);
+        if (object != nullptr) object->Read(*this);
+        return object;
+    }
+};
+
+bool Item::ReadData(int code, InputStreamer& s) {
+    switch (code) {
+    case 10:
+        s >> number;
+        return true;
+    case 11:
+        s >> text;
+        return true;
+    case 20:
+        next = static_cast<Reader&>(s).ReadPointer();
+        return true;
+    default:
+        return ZoStreamableBase::ReadData(code, s);
+    }
+}
+
+/// What `operation` writes, with "|" between the tokens.
+template <class Operation>
+std::string Written(Operation operation) {
+    const TemporaryFolder folder;
+    {
+        pointer<OutputStream> stream(new FileOutputStream(folder.Path("text").c_str(), false));
+        OutputStreamer streamer(stream.get());
+        operation(streamer);
+    }
+    std::string bytes = folder.Read("text");
+    for (std::size_t at = 0; (at = bytes.find("\r\n", at)) != std::string::npos;) bytes.replace(at, 2, "|");
+    return bytes;
+}
+
+/// A text to read; tokens end with "|".
+class Source {
+public:
+    explicit Source(std::string tokens, StreamableFactory* factory = new Factory({"class Item"})) {
+        for (char& c : tokens) c = c == '|' ? '\n' : c;
+        static const TemporaryFolder folder;
+        static int count = 0;
+        const std::string name = std::to_string(++count % 4);
+        folder.Write(name, tokens);
+        streamer.emplace(new FileInputStream(folder.Path(name).c_str()), factory);
+    }
+    Reader* operator->() { return &*streamer; }
+    Reader& operator*() { return *streamer; }
+    void Close() { streamer.reset(); }
+    /// All the tokens not yet read.
+    std::string Rest() {
+        std::string rest;
+        try {
+            for (ZoString token;;) {
+                *streamer->GetStream() >> token;
+                rest += std::string(token.c_str()) + "|";
+            }
+        } catch (const XEndOfStream&) {
+            return rest;
+        }
+    }
+
+private:
+    std::optional<Reader> streamer;
+};
+
+template <class Operation>
+std::string Thrown(Operation operation) {
+    try {
+        operation();
+    } catch (const XEndSection&) {
+        return "end of section";
+    } catch (const XInvalidHandle&) {
+        return "invalid handle";
+    } catch (const xInvalidConversion&) {
+        return "invalid conversion";
+    } catch (const XEndOfStream&) {
+        return "end of stream";
+    } catch (const XStream& e) {
+        return std::string(e.Message().c_str()) + " @ " + e.Location().c_str();
+    }
+    return "";
+}
+
+// Writing
+
+TEST(OutputStreamerTest, WritesPointers) {
+    const pointer<Item> a(new Item);
+    const pointer<Item> b(new Item);
+    Item value;
+    ZoStreamableBase* const null = nullptr;
+    const struct {
+        const char* name;
+        std::function<void(OutputStreamer&)> write;
+        const char* tokens;
+    } rows[] = {
+        {"null", [&](OutputStreamer& s) { s << null; }, "0"},
+        {"once", [&](OutputStreamer& s) { s << a.get(); }, "0|class Item|3|1|10|0"},
+        {"twice", [&](OutputStreamer& s) { s << a.get() << a.get(); }, "0|class Item|3|1|10|0|5|1"},
+        {"another", [&](OutputStreamer& s) { s << a.get() << b.get() << a.get(); },
+         "0|class Item|3|1|10|0|0|class Item|3|2|10|0|5|1"},
+        {"a value", [&](OutputStreamer& s) { s << value << a.get() << *a; },
+         "3|0|10|0|0|class Item|3|1|10|0|3|1|10|0"},
+        {"a circle",
+         [&](OutputStreamer& s) {
+             a->next = b.get();
+             b->next = a.get();
+             s << a.get();
+             EXPECT_EQ(s.GetHandle(a.get()), 1);
+             EXPECT_EQ(s.GetHandle(b.get()), 2);
+             EXPECT_EQ(s.GetHandle(&value), 0);
+             EXPECT_THAT(std::vector<ZoStreamableBase*>(s.Objects().begin(), s.Objects().end()),
+                         ElementsAre(a.get(), b.get()));
+             a->next = nullptr;
+         },
+         "0|class Item|3|1|10|0|20|0|class Item|3|2|10|0|20|5|1|7|7"},
+        {"numbers",
+         [&](OutputStreamer& s) {
+             s << 1.5 << 2.0f << 0.25L << 7u << -7 << static_cast<unsigned short>(9) << static_cast<short>(-9)
+               << true << "text" << ZoString("text");
+         },
+         "1.5|2.|0.25|7|-7|9|-9|1|text|text"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(Written(row.write), row.tokens) << row.name;
+}
+
+TEST(OutputStreamerTest, CutsTextIntoLines) {
+    const struct {
+        const char* text;
+        const char* tokens;
+    } rows[] = {
+        {"", ""},
+        {"a", "8|a"},
+        {"a\nb", "8|a|8|b"},
+        {"a\n", "8|a|8|"},
+        {"\n", "8||8|"},
+        {"\na", "8||8|a"},
+        {"\n\n", "8||8||8|"},
+        {"a\n\nb", "8|a|8||8|b"},
+        {"a\r\nb", "8|a\r|8|b"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Written([&](OutputStreamer& s) { s.MultiLineText(row.text, 8); }), row.tokens) << row.text;
+    }
+}
+
+TEST(StreamersTest, NestAsDeepAsIsStated) {
+    for (const int levels : {MAX_TEXT_NESTING, MAX_TEXT_NESTING + 1}) {
+        const bool fits = levels == MAX_TEXT_NESTING;
+        pointer<Item> first(new Item);
+        Item* last = first.get();
+        for (int i = 1; i < levels; ++i) {
+            auto* next = new Item;
+            last->next = next;
+            last = next;
+        }
+        std::string failure;
+        Written([&](OutputStreamer& s) { failure = Thrown([&] { s << first.get(); }); });
+        EXPECT_EQ(failure, fits ? "" : "Objetos aninhados demais @ OutputStreamer::operator<<");
+
+        std::string text;
+        for (int i = 0; i < levels; ++i) text += "0|class Item|20|";
+        text += "0|NULL|";
+        for (int i = 0; i < levels; ++i) text += "7|";
+        Source source(text);
+        EXPECT_EQ(Thrown([&] { source->ReadPointer(); }),
+                  fits ? "" : "Objetos aninhados demais @ InputStreamer::Read");
+        EXPECT_EQ(source->Objects().NItems(), static_cast<unsigned long long>(levels));
+    }
+    // After a failure the streamer counts from where it is.
+    EXPECT_EQ(living, 0);
+}
+
+// Reading
+
+TEST(InputStreamerTest, ReadsAnObjectsData) {
+    const struct {
+        const char* name;
+        const char* tokens;
+        int number;
+        const char* text;
+        const char* thrown;
+        const char* rest;
+    } rows[] = {
+        {"ended by 0", "10|4|0|rest|", 4, "", "", "rest|"},
+        {"ended by 7", "10|4|11|x|7|rest|", 4, "x", "", "rest|"},
+        {"no data", "7|rest|", 0, "", "", "rest|"},
+        {"unknown codes", "99|10|98|0|-1|7|10|4|97||7|rest|", 4, "", "", "rest|"},
+        {"a text for a code", "x|rest|", 0, "", "", "rest|"},
+        {"a reference to nothing", "20|5|77|10|4|7|rest|", 4, "", "", "rest|"},
+        {"a reference to itself", "3|9|20|5|9|10|4|7|rest|", 4, "", "", "rest|"},
+        {"a reference that is none", "20|5|x|10|4|7|", 0, "", "invalid conversion", "10|4|7|"},
+        {"a section's end", "20|5|ENDSEC|10|4|7|", 0, "", "end of section", "10|4|7|"},
+        {"null", "20|0|NULL|10|4|7|", 4, "", "", ""},
+        {"an object of no known class", "20|0|class X|10|7|11|x|7|10|4|7|", 4, "", "", ""},
+        {"an object", "20|0|class Item|3|6|10|1|7|10|4|7|", 4, "", "", ""},
+        {"no end", "10|4|", 4, "", "end of stream", ""},
+        {"no value", "10|4|11|", 4, "", "end of stream", ""},
+        {"nothing", "", 0, "", "end of stream", ""},
+    };
+    for (const auto& row : rows) {
+        Source source(row.tokens);
+        Item item;
+        EXPECT_EQ(Thrown([&] { item.Read(*source); }), row.thrown) << row.name;
+        EXPECT_EQ(item.number, row.number) << row.name;
+        EXPECT_STREQ(item.text.c_str(), row.text) << row.name;
+        EXPECT_EQ(source.Rest(), row.rest) << row.name;
+        if (item.next == &item) ZoReferenceCount::Add(&item), item.next = nullptr;
+    }
+}
+
+TEST(InputStreamerTest, KnowsWhatClosesASection) {
+    const struct {
+        const char* token;
+        bool endsObjects;
+        bool endsPointers;
+    } rows[] = {
+        {"ENDSEC", true, true},
+        {"ENDTAB", true, true},
+        {"ENDGROUP", true, true},
+        {"ENDGROUPELEMENTOS", true, true},
+        {"ENDGROUPELEMENTOPARARA", true, true},
+        {"ENDRAINDIV", false, true},
+        {"ENDSE", false, false},
+        {"endsec", false, false},
+        {" ENDSEC", false, false},
+        {"", false, false},
+    };
+    for (const auto& row : rows) {
+        const std::string token = row.token;
+        Source objects(token + "|10|4|7|");
+        Item item;
+        EXPECT_EQ(Thrown([&] { *objects >> item; }), row.endsObjects ? "end of section" : "") << token;
+        EXPECT_EQ(item.number, row.endsObjects ? 0 : 4) << token;
+
+        Source pointers(token + "|");
+        ZoStreamableBase* object = &item;
+        EXPECT_EQ(Thrown([&] { *pointers >> object; }),
+                  row.endsPointers ? "end of section" : "invalid conversion")
+            << token;
+        EXPECT_EQ(object, &item);
+    }
+}
+
+TEST(InputStreamerTest, TakesTerminatorsOfTheReaders) {
+    TIList<ZoString> terminators;
+    terminators.Add(new ZoString("END"));
+    terminators.Add(nullptr);
+    terminators.Add(new ZoString("4"));
+    Source source("ENDSEC|end|END|4|5|6|");
+    Item five;
+    source->SetHandle(&five, 5);
+    TIContainerIterator<ZoString> atItsEnd(terminators);
+    while (!atItsEnd.IsDone()) atItsEnd.Next();
+    for (const char* thrown : {"invalid conversion", "invalid conversion", "end of section", "end of section",
+                               "", "invalid handle"}) {
+        ZoStreamableBase* object = &five;
+        EXPECT_EQ(Thrown([&] { source->Read(object, atItsEnd); }), thrown);
+        EXPECT_EQ(object, *thrown == '\0' ? &five : nullptr);
+    }
+}
+
+TEST(InputStreamerTest, TakesHandlesFromTokens) {
+    const struct {
+        const char* token;
+        bool valid;
+        int handle; // 0: refused
+    } rows[] = {
+        {"1", true, 1},   {"+12", true, 12},        {"-3", true, -3}, {"2147483647", true, INT_MAX},
+        {"0", true, 0},   {"00", true, 0},          {"", false, 0},   {"x", false, 0},
+        {"1x", false, 0}, {" 1", false, 0},         {"1 ", false, 0}, {"1.", false, 0},
+        {"-", false, 0},  {"2147483648", false, 0},
+    };
+    Source source("");
+    for (const auto& row : rows) {
+        int handle = 0;
+        EXPECT_EQ(Thrown([&] { handle = source->GetHandle(ZoString(row.token)); }),
+                  row.handle == 0 ? "invalid conversion" : "")
+            << row.token;
+        EXPECT_EQ(handle, row.handle) << row.token;
+        EXPECT_EQ(ValidInteger(row.token), row.valid) << row.token;
+    }
+}
+
+TEST(InputStreamerTest, KeepsHandles) {
+    Source source("");
+    Item a;
+    Item b;
+    EXPECT_EQ(source->GetHandle(&a), 0);
+    EXPECT_EQ(source->GetHandle(static_cast<ZoStreamableBase*>(nullptr)), 0);
+    source->SetHandle(&a, 3);
+    EXPECT_EQ(source->RetrieveObject(3), &a);
+    EXPECT_EQ(source->GetHandle(&a), 3);
+    // One handle an object, one object a handle.
+    source->SetHandle(&a, 4);
+    EXPECT_EQ(Thrown([&] { source->RetrieveObject(3); }), "invalid handle");
+    source->SetHandle(&b, 4);
+    EXPECT_EQ(source->RetrieveObject(4), &b);
+    EXPECT_EQ(source->GetHandle(&a), 0);
+    // What objects without a handle write.
+    for (const int none : {0, -1, INT_MIN}) {
+        source->SetHandle(&a, none);
+        EXPECT_EQ(source->GetHandle(&a), 0);
+        EXPECT_EQ(Thrown([&] { source->RetrieveObject(none); }), "invalid handle");
+    }
+    source->SetHandle(nullptr, 8);
+    EXPECT_EQ(Thrown([&] { source->RetrieveObject(8); }), "invalid handle");
+
+    EXPECT_EQ(source->AddObject(&b), 4);
+    EXPECT_EQ(source->AddObject(&a), 5);
+    source->RemoveObject(5);
+    source->RemoveObject(5);
+    EXPECT_EQ(source->GetHandle(&a), 0);
+    EXPECT_EQ(source->AddObject(&a), 5);
+    source->SetHandle(&b, INT_MAX);
+    source->RemoveObject(5);
+    EXPECT_EQ(Thrown([&] { source->AddObject(&a); }), "invalid handle");
+    source->ResetHandles();
+    EXPECT_EQ(source->GetHandle(&b), 0);
+    EXPECT_EQ(source->AddObject(&a), 1);
+}
+
+TEST(InputStreamerTest, AsksTheFactoriesInOrder) {
+    auto* const first = new Factory({"A"});
+    auto* const second = new Factory({"A", "B"});
+    Source source("10|x|7|10|y", first);
+    source->AddFactory(second);
+    source->AddFactory(new StreamableFactory);
+    EXPECT_EQ(source->GetFactories().NItems(), 3u);
+    EXPECT_NE(source->CreateObject("A"), nullptr);
+    EXPECT_THAT(second->asked, ElementsAre());
+    EXPECT_NE(source->CreateObject("B"), nullptr);
+    EXPECT_THAT(first->asked, ElementsAre("A", "B"));
+    EXPECT_EQ(source->CreateObject("C"), nullptr);
+    EXPECT_THAT(second->asked, ElementsAre("B", "C"));
+    EXPECT_EQ(source->Objects().NItems(), 2u);
+    int code = 0;
+    *source >> code;
+    EXPECT_EQ(code, 10) << "the data of C were passed over";
+    // The text ends within these data.
+    EXPECT_EQ(source->CreateObject("D"), nullptr);
+
+    Source without("10|", nullptr);
+    EXPECT_EQ(without->CreateObject("A"), nullptr);
+    EXPECT_EQ(without.Rest(), "10|");
+}
+
+TEST(StreamableFactoryTest, KnowsTheClassesOfASchema) {
+    TZoMetaData schema;
+    ZoDouble::Register(&schema);
+    pointer<StreamableFactory> factory(new StreamableFactory(&schema));
+    EXPECT_STREQ(factory->StreamableClassName().c_str(), "class StreamableFactory");
+    for (const char* name :
+         {"class ZoDouble", "ZoDouble", "class ZoPrimitives::ZoDouble", "Other::ZoDouble"}) {
+        const pointer<ZoStreamableBase> object(factory->CreateObject(name));
+        EXPECT_NE(dynamic_cast<ZoDouble*>(object.get()), nullptr) << name;
+    }
+    for (const char* name : {"", "class ", "ZoInteger", "class zodouble", "ENDSEC"}) {
+        EXPECT_THROW(factory->CreateObject(name), XUnknownObject) << name;
+    }
+    EXPECT_FALSE(factory->ReadSection(nullptr, "TABLE"));
+}
+
+TEST(InputStreamerTest, HoldsWhatItMade) {
+    ASSERT_EQ(living, 0);
+    const std::string whole = "0|class Item|3|1|20|0|class Item|3|2|20|5|1|7|7|";
+    {
+        Source source(whole.substr(0, whole.size() - 4));
+        EXPECT_EQ(Thrown([&] { source->ReadPointer(); }), "end of stream");
+        EXPECT_EQ(living, 2);
+        static_cast<Item*>(source->Objects()[2])->next = nullptr; // no circle of holders
+    }
+    EXPECT_EQ(living, 0);
+
+    pointer<ZoStreamableBase> kept;
+    {
+        Source source(whole);
+        kept = source->ReadPointer();
+        auto* item = static_cast<Item*>(kept.get());
+        EXPECT_EQ(static_cast<Item*>(item->next.get())->next, item);
+        static_cast<Item*>(item->next.get())->next = nullptr;
+    }
+    EXPECT_EQ(living, 2);
+    kept = nullptr;
+    EXPECT_EQ(living, 0);
+
+    std::vector<ZoStreamableBase*> all;
+    {
+        Source source(whole);
+        source->ReadPointer();
+        all.assign(source->Objects().begin(), source->Objects().end());
+        static_cast<Item*>(all[1])->next = nullptr;
+        static_cast<Item*>(all[0])->next = nullptr;
+        EXPECT_EQ(living, 2) << "no setter ends an object while it is read";
+        source->HandOver();
+        EXPECT_EQ(source->Objects().NItems(), 0u);
+        EXPECT_EQ(source->GetHandle(all[0]), 0);
+    }
+    EXPECT_EQ(living, 2);
+    for (const ZoStreamableBase* object : all) delete object;
+    EXPECT_EQ(living, 0);
+}
+
+TEST(InputStreamerTest, ReadsWhatTheStreamerWroteOfNumbers) {
+    Source source("-5|70000|65535|-1|99999999999|7");
+    short small[3] = {};
+    unsigned short natural[2] = {};
+    *source >> small[0] >> small[1] >> natural[0] >> natural[1] >> small[2];
+    EXPECT_THAT(small, ElementsAre(-5, SHRT_MAX, SHRT_MAX));
+    EXPECT_THAT(natural, ElementsAre(65535, 65535));
+}
+
+TEST(StreamersTest, NeedAStream) {
+    OutputStreamer out(nullptr);
+    Reader in(nullptr, nullptr);
+    Item item;
+    ZoStreamableBase* object = &item;
+    ZoString text;
+    int number = 0;
+    const std::function<void()> operations[] = {
+        [&] { out << 1; },
+        [&] { out << "x"; },
+        [&] { out << object; },
+        [&] { out << item; },
+        [&] { out << static_cast<ZoStreamableBase*>(nullptr); },
+        [&] { out.MultiLineText("x", 1); },
+        [&] { out.GetHandle(object); },
+        [&] { out.GetFile(); },
+        [&] { in >> text; },
+        [&] { in >> number; },
+        [&] { in >> item; },
+        [&] { in >> object; },
+        [&] { in.SkipValue(); },
+        [&] { in.SkipObject(); },
+        [&] { in.SetHandle(object, 1); },
+        [&] { in.GetFile(); },
+    };
+    for (const auto& operation : operations) {
+        EXPECT_EQ(AssertionOf(operation).expression, "object");
+        EXPECT_EQ(AssertionOf(operation).source, "public/include/ZoPrimitives/pointer");
+    }
+}
+
+TEST(StreamersTest, StandOverTheirStream) {
+    const TemporaryFolder folder;
+    folder.Write("in", "a");
+    const pointer<FileOutputStream> file(new FileOutputStream(folder.Path("out").c_str(), false));
+    OutputStreamer out(file.get());
+    EXPECT_EQ(out.GetFile(), file->GetFile());
+    EXPECT_TRUE(out == OutputStreamer(file.get()));
+    EXPECT_TRUE(out != OutputStreamer(nullptr));
+
+    const pointer<FileInputStream> source(new FileInputStream(folder.Path("in").c_str()));
+    InputStreamer in(source.get(), nullptr);
+    EXPECT_EQ(in.GetFile(), source->GetFile());
+    EXPECT_EQ(in.GetStream(), source.get());
+    EXPECT_TRUE(in == InputStreamer(source.get(), nullptr));
+    EXPECT_TRUE(in != InputStreamer(nullptr, nullptr));
+    EXPECT_EQ(in.GetUnidadePadraoDiametros(), 0);
+    in.SetUnidadePadraoDiametros(4);
+    EXPECT_EQ(in.GetUnidadePadraoDiametros(), 4);
+}
+
+// Texts of strangers
+
+TEST(HostileTextTest, ALastLineWithoutEndComesToAnEnd) {
+    const char* const texts[] = {
+        "10",              // a code for ever
+        "3|1|99",          // one that nobody knows
+        "20|0|class Item", // the class of an object for ever
+        "20|0|class X",    // of no known class
+        "20|5",            // a reference for ever
+        "20",
+        "11|x",
+    };
+    for (const char* text : texts) {
+        Source source(text);
+        Item item;
+        EXPECT_EQ(Thrown([&] { item.Read(*source); }).find("class"), std::string::npos) << text;
+        // Whatever the data were, nobody reads for ever.
+        ZoString token;
+        int count = 0;
+        while (Thrown([&] { *source >> token; }).empty()) ++count;
+        EXPECT_LE(count, MAX_TEXT_NESTING + 1) << text;
+        EXPECT_EQ(Thrown([&] { source->SkipValue(); }), "end of stream") << text;
+        source->SkipObject();
+        item.next = nullptr;
+    }
+    EXPECT_EQ(living, 0);
+    // As often as objects may be nested the last token is there for them.
+    Source source("7");
+    for (int i = 0; i <= MAX_TEXT_NESTING; ++i) Item().Read(*source);
+    EXPECT_EQ(Thrown([&] { Item().Read(*source); }), "end of stream");
+}
+
+TEST(HostileTextTest, AMillionNestedObjectsAreRefused) {
+    std::string text;
+    for (int i = 0; i < 1'000'000; ++i) text += "20|0|class Item|";
+    Source source(text);
+    Item item;
+    EXPECT_EQ(Thrown([&] { item.Read(*source); }), "Objetos aninhados demais @ InputStreamer::Read");
+    EXPECT_EQ(living, MAX_TEXT_NESTING + 1);
+    item.next = nullptr;
+    source.Close();
+    EXPECT_EQ(living, 1);
+}
+
+TEST(HostileTextTest, DamageEndsInDocumentedExceptions) {
+    // Each prefix of a whole text, with and without a line end; then each token replaced by each of some.
+    const std::vector<std::string> whole = {"3", "1",  "10", "5", "20", "0", "class Item", "3",
+                                            "2", "20", "5",  "1", "11", "x", "7",          "7"};
+    const char* const others[] = {"0",          "3",    "5",      "7",          "20", "-1", "",           "x",
+                                  "class Item", "NULL", "ENDSEC", "ENDRAINDIV", "1",  "2",  "99999999999"};
+    std::vector<std::string> texts;
+    std::string prefix;
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        texts.push_back(prefix);
+        texts.push_back(prefix + whole[i]);
+        prefix += whole[i] + "|";
+        for (const char* other : others) {
+            std::string text;
+            for (std::size_t j = 0; j < whole.size(); ++j) text += (j == i ? other : whole[j]) + "|";
+            texts.push_back(text);
+            text.pop_back();
+            texts.push_back(text);
+        }
+    }
+    for (const std::string& text : texts) {
+        auto item = std::make_unique<Item>();
+        ZoReferenceCount::Add(item.get());
+        Source source(text);
+        Thrown([&] { item->Read(*source); }); // anything else would come through
+        for (ZoStreamableBase* made : source->Objects()) static_cast<Item*>(made)->next = nullptr;
+        item->next = nullptr;
+        source.Close();
+        item.reset();
+        ASSERT_EQ(living, 0) << text;
+    }
+}
+
+} // namespace

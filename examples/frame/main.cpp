@@ -4,6 +4,7 @@
 #include "report.h"
 #include "storage.h"
 #include "tables.h"
+#include "text.h"
 
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoUtf8.h"
@@ -27,7 +28,9 @@ const char* const USAGE =
     "       frame check TABLES FILE         open a building, compare it with the tables and\n"
     "                                       print it\n"
     "       frame copy FILE STOREY          put a storey on the clipboard, as a frame of its own\n"
-    "       frame paste                     print the building that is on the clipboard\n";
+    "       frame paste                     print the building that is on the clipboard\n"
+    "       frame text FILE OUT             open a building and write it as text\n"
+    "       frame read-text IN              read a text and print its building\n";
 
 constexpr int OK = 0;
 constexpr int DIFFERENT = 1;
@@ -78,6 +81,21 @@ int PrintPasted() {
     const Model model = Paste();
     Print(*model.building, std::cout);
     std::cout << "\n  Pasted:      " << CountObjects(*model.building) << " objects\n";
+    return OK;
+}
+
+int WriteAsText(const std::string& path, const std::string& out) {
+    WriteText(Open(path), out);
+    std::cout << "  Written:     " << NameOf(out) << ", " << SizeOf(out) << '\n';
+    return OK;
+}
+
+int ShowText(const std::string& path) {
+    const auto start = std::chrono::steady_clock::now();
+    const Model model = ReadText(path);
+    const std::string time = Milliseconds(start);
+    Print(*model.building, std::cout);
+    std::cout << "\n  Read:        " << NameOf(path) << ", " << SizeOf(path) << ", in " << time << '\n';
     return OK;
 }
 
@@ -132,7 +150,10 @@ int Run(int count, char** arguments) {
     }
     if (command == "copy" && count == 4) return CopyStorey(arguments[2], arguments[3]);
     if (command == "paste" && count == 2) return PrintPasted();
-    if (count == 2 && command != "demo" && command != "check" && command != "copy")
+    if (command == "text" && count == 4) return WriteAsText(arguments[2], arguments[3]);
+    if (command == "read-text" && count == 3) return ShowText(arguments[2]);
+    if (count == 2 && command != "text" && command != "read-text" && command != "demo" &&
+        command != "check" && command != "copy")
         return Show(command, nullptr);
     std::cerr << USAGE;
     return BAD_INPUT;

@@ -21,6 +21,9 @@ class Entity : public ZoPrimitives::ZoStreamableBase {
     DECLARE_ZO_FIELD(ZoString, name)
     REGISTER_ZO_END
 
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+
     /// What the thing is, in a word.
     virtual const char* Kind() const = 0;
 };
@@ -31,6 +34,9 @@ class Catalogue : public Entity {
     DECLARE_ZO_FIELD(unsigned, edition)
     REGISTER_ZO_END
 
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+
     const char* Kind() const override { return "catalogue"; }
 };
 
@@ -38,6 +44,9 @@ class Material : public Entity {
     REGISTER_ZO_BEGIN(Material, Entity)
     DECLARE_ZO_FIELD(double, density)
     REGISTER_ZO_END
+
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "material"; }
 };
@@ -52,6 +61,9 @@ class Section : public Entity {
     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Catalogue, catalogue)
     REGISTER_ZO_END
 
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+
     const char* Kind() const override { return "section"; }
     /// In kg for each metre.
     double MassPerMetre() const;
@@ -63,6 +75,9 @@ class LegendEntry : public Entity {
     DECLARE_ZO_FIELD(int, grey)
     REGISTER_ZO_END
 
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+
     const char* Kind() const override { return "legend entry"; }
 };
 
@@ -71,6 +86,9 @@ class Site : public Entity {
     REGISTER_ZO_BEGIN(Site, Entity)
     DECLARE_ZO_FIELD(bool, seismic)
     REGISTER_ZO_END
+
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "site"; }
 };
@@ -81,6 +99,9 @@ class Node : public Entity {
     DECLARE_ZO_FIELD(double, y)
     DECLARE_ZO_FIELD(bool, support)
     REGISTER_ZO_END
+
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "node"; }
 };
@@ -93,6 +114,9 @@ class Member : public Entity {
     DECLARE_ZO_FIELD_REFERENCE(Node, end)
     REGISTER_ZO_END
 
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+
     double Length() const;
     /// In kg.
     double Mass() const;
@@ -103,6 +127,9 @@ class Column : public Member {
     DECLARE_ZO_FIELD(bool, exterior)
     REGISTER_ZO_END
 
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+
     const char* Kind() const override { return "column"; }
 };
 
@@ -110,6 +137,9 @@ class Girder : public Member {
     REGISTER_ZO_BEGIN(Girder, Member)
     DECLARE_ZO_FIELD_LIST(double, loads)
     REGISTER_ZO_END
+
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "girder"; }
     /// All its loads together, in kN.
@@ -128,6 +158,9 @@ class Storey : public Entity {
     DECLARE_ZO_FIELD_REFERENCE_LIST(Node, floor)
     REGISTER_ZO_END
 
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+
     const char* Kind() const override { return "storey"; }
 };
 
@@ -144,6 +177,9 @@ class Building : public Entity {
     DECLARE_ZO_FIELD_CHILD_MAP(Section, LegendEntry, legend)
     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Catalogue, catalogue)
     REGISTER_ZO_END
+
+    void Write(ZoPrimitives::OutputStreamer& text) override;
+    bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "building"; }
     /// What the building lacks to be complete, such as "column A3 has no section"; empty when it lacks

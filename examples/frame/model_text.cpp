@@ -1,0 +1,305 @@
+// What each class writes to a text and reads from it, code by code. A class writes behind its parent, and
+// leaves the codes that it does not know to it.
+
+#include "grammar.h"
+#include "model.h"
+
+#include "ZoPrimitives/TBase64.h"
+
+#include <cstdlib>
+#include <memory>
+
+namespace Frame {
+
+using namespace ZoPrimitives;
+
+namespace {
+
+/// Of the class itself from 10 upward; those below stand for every entity.
+enum Code { codeName = 1, codeOwn = 10, codePointer = 100, codeGroup = 200 };
+
+ZoString Encoded(const ZoBlob& blob) {
+    ZoBlob copy(blob);
+    return TBase64::EncodeBlock(static_cast<unsigned char*>(copy.Data()),
+                                static_cast<unsigned long>(copy.Size()));
+}
+
+ZoBlob Decoded(ZoString text) {
+    unsigned long size = 0;
+    const unsigned length = text.length();
+    if (length == 0) return ZoBlob();
+    const std::unique_ptr<unsigned char, void (*)(void*)> bytes(
+        TBase64::DecodeBlock(reinterpret_cast<unsigned char*>(&text[0]), length, size), std::free);
+    return ZoBlob(bytes.get(), size);
+}
+
+} // namespace
+
+void Entity::Write(OutputStreamer& text) {
+    ZoStreamableBase::Write(text);
+    text.MultiLineText(name, codeName);
+}
+
+bool Entity::ReadData(int code, InputStreamer& text) {
+    if (code == codeName) return TextReader::Of(text).TakeLine(name), true;
+    if (!ZoStreamableBase::ReadData(code, text)) TextReader::Of(text).SkipValueOf(code);
+    return true;
+}
+
+void Catalogue::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text << codeOwn << edition;
+}
+
+bool Catalogue::ReadData(int code, InputStreamer& text) {
+    if (code != codeOwn) return Entity::ReadData(code, text);
+    text >> edition;
+    return true;
+}
+
+void Material::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text << codeOwn << density;
+}
+
+bool Material::ReadData(int code, InputStreamer& text) {
+    if (code != codeOwn) return Entity::ReadData(code, text);
+    text >> density;
+    return true;
+}
+
+void Section::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text << codeOwn << depth << codeOwn + 1 << area << codeOwn + 2 << inertia << codePointer;
+    PutPointer(text, material.get());
+    text << codePointer + 1;
+    PutPointer(text, catalogue.get());
+}
+
+bool Section::ReadData(int code, InputStreamer& text) {
+    switch (code) {
+    case codeOwn:
+        text >> depth;
+        return true;
+    case codeOwn + 1:
+        text >> area;
+        return true;
+    case codeOwn + 2:
+        text >> inertia;
+        return true;
+    case codePointer:
+        TextReader::Of(text).TakePointer(material);
+        return true;
+    case codePointer + 1:
+        TextReader::Of(text).TakePointer(catalogue);
+        return true;
+    default:
+        return Entity::ReadData(code, text);
+    }
+}
+
+void LegendEntry::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text << codeOwn << grey;
+}
+
+bool LegendEntry::ReadData(int code, InputStreamer& text) {
+    if (code != codeOwn) return Entity::ReadData(code, text);
+    text >> grey;
+    return true;
+}
+
+void Site::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text << codeOwn << seismic;
+}
+
+bool Site::ReadData(int code, InputStreamer& text) {
+    if (code != codeOwn) return Entity::ReadData(code, text);
+    text >> seismic;
+    return true;
+}
+
+void Node::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text << codeOwn << x << codeOwn + 1 << y << codeOwn + 2 << support;
+}
+
+bool Node::ReadData(int code, InputStreamer& text) {
+    switch (code) {
+    case codeOwn:
+        text >> x;
+        return true;
+    case codeOwn + 1:
+        text >> y;
+        return true;
+    case codeOwn + 2:
+        text >> support;
+        return true;
+    default:
+        return Entity::ReadData(code, text);
+    }
+}
+
+void Member::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text << codePointer;
+    PutPointer(text, section.get());
+    text << codePointer + 1;
+    PutPointer(text, start.get());
+    text << codePointer + 2;
+    PutPointer(text, end.get());
+}
+
+bool Member::ReadData(int code, InputStreamer& text) {
+    switch (code) {
+    case codePointer:
+        TextReader::Of(text).TakePointer(section);
+        return true;
+    case codePointer + 1:
+        TextReader::Of(text).TakePointer(start);
+        return true;
+    case codePointer + 2:
+        TextReader::Of(text).TakePointer(end);
+        return true;
+    default:
+        return Entity::ReadData(code, text);
+    }
+}
+
+void Column::Write(OutputStreamer& text) {
+    Member::Write(text);
+    text << codeOwn << exterior;
+}
+
+bool Column::ReadData(int code, InputStreamer& text) {
+    if (code != codeOwn) return Member::ReadData(code, text);
+    text >> exterior;
+    return true;
+}
+
+void Girder::Write(OutputStreamer& text) {
+    Member::Write(text);
+    for (const double load : loads) text << codeOwn << load;
+}
+
+bool Girder::ReadData(int code, InputStreamer& text) {
+    if (code != codeOwn) return Member::ReadData(code, text);
+    double load = 0;
+    text >> load;
+    loads.Add(load);
+    return true;
+}
+
+void Storey::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    text.MultiLineText(mark, codeOwn);
+    text << codeOwn + 1 << level << codeOwn + 2 << height << codeOwn + 3 << underground << codePointer;
+    PutPointer(text, building.get());
+    text << codeGroup;
+    PutGroup(text, floor);
+    text << codeGroup + 1;
+    PutGroup(text, members);
+}
+
+bool Storey::ReadData(int code, InputStreamer& text) {
+    switch (code) {
+    case codeOwn:
+        TextReader::Of(text).TakeLine(mark);
+        return true;
+    case codeOwn + 1:
+        text >> level;
+        return true;
+    case codeOwn + 2:
+        text >> height;
+        return true;
+    case codeOwn + 3:
+        text >> underground;
+        return true;
+    case codePointer:
+        TextReader::Of(text).TakePointer(building);
+        return true;
+    case codeGroup:
+        TextReader::Of(text).TakeGroup<Node>(floor);
+        return true;
+    case codeGroup + 1:
+        TextReader::Of(text).TakeGroup<Member>(members);
+        return true;
+    default:
+        return Entity::ReadData(code, text);
+    }
+}
+
+void Building::Write(OutputStreamer& text) {
+    Entity::Write(text);
+    if (thumbnail.Size() != 0) text << codeOwn << Encoded(thumbnail);
+    int number = 0;
+    for (const ZoString& line : lines) {
+        text << codeOwn + 1 << ++number; // each begins anew, an empty one too
+        text.MultiLineText(line, codeOwn + 2);
+    }
+    text << codePointer;
+    PutPointer(text, &site);
+    text << codePointer + 1;
+    PutPointer(text, catalogue.get());
+    text << codeGroup;
+    PutGroup(text, materials);
+    text << codeGroup + 1;
+    PutGroup(text, sections);
+    text << codeGroup + 2;
+    PutGroup(text, nodes);
+    text << codeGroup + 3;
+    PutGroup(text, storeys);
+    text << codeGroup + 4;
+    for (unsigned long long i = 1; i <= legend.NItems(); ++i) {
+        PutPointer(text, legend.KeyAt(i).get());
+        PutPointer(text, legend.ValueAt(i).get());
+    }
+    EndGroup(text);
+}
+
+bool Building::ReadData(int code, InputStreamer& text) {
+    TextReader& reader = TextReader::Of(text);
+    switch (code) {
+    case codeOwn: {
+        ZoString encoded;
+        text >> encoded;
+        thumbnail = Decoded(encoded);
+        return true;
+    }
+    case codeOwn + 1:
+        reader.FinishText(); // the list moves
+        reader.SkipValue();
+        lines.Add(ZoString());
+        return true;
+    case codeOwn + 2:
+        if (lines.NItems() == 0) return false;
+        reader.TakeLine(lines.Last());
+        return true;
+    case codePointer:
+        reader.TakeMember(site);
+        return true;
+    case codePointer + 1:
+        reader.TakePointer(catalogue);
+        return true;
+    case codeGroup:
+        reader.TakeGroup<Material>(materials);
+        return true;
+    case codeGroup + 1:
+        reader.TakeGroup<Section>(sections);
+        return true;
+    case codeGroup + 2:
+        reader.TakeGroup<Node>(nodes);
+        return true;
+    case codeGroup + 3:
+        reader.TakeGroup<Storey>(storeys);
+        return true;
+    case codeGroup + 4:
+        reader.TakeLegend(legend);
+        return true;
+    default:
+        return Entity::ReadData(code, text);
+    }
+}
+
+} // namespace Frame

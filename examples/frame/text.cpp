@@ -1,0 +1,107 @@
+#include "text.h"
+
+#include "failure.h"
+#include "grammar.h"
+
+#include "ZoPrimitives/FileInputStream.h"
+#include "ZoPrimitives/FileOutputStream.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoUtf8.h"
+#include "ZoPrimitives/xContainer.h"
+
+namespace Frame {
+
+using namespace ZoPrimitives;
+
+namespace {
+
+// A text is: FRAME version pointer ENDSEC EOF.
+constexpr const char* KEYWORD = "FRAME";
+constexpr int VERSION = 1;
+constexpr const char* END_OF_SECTION = "ENDSEC";
+constexpr const char* END_OF_FILE = "EOF";
+
+std::string Detail(const XStream& error) {
+    return ZoToUtf8(error.Location()) + ": " + ZoToUtf8(error.Message());
+}
+
+/// The building that a text holds; null when it holds none.
+Building* ReadBuilding(TextReader& reader) {
+    ZoPrimitives::pointer<Building> building;
+    reader.TakePointer(building);
+    reader.FinishText();
+    // What ends the section stands where another object could.
+    TIList<ZoString> ends;
+    ends.Add(new ZoString(END_OF_SECTION));
+    try {
+        ZoStreamableBase* more = nullptr;
+        reader.Read(more, TIContainerIterator<ZoString>(ends));
+    } catch (const XEndSection&) {
+        return building.get(); // held by the reader
+    }
+    return nullptr;
+}
+
+Model ReadModel(const std::string& path, InputStream* stream) {
+    const std::string quoted = '"' + path + '"';
+    TextReader reader(stream, new StreamableFactory(&Schema()));
+    ZoString keyword;
+    int version = 0;
+    Model model;
+    try {
+        reader >> keyword >> version;
+        if (keyword == KEYWORD && version == VERSION) model.building = ReadBuilding(reader);
+    } catch (const XEndOfStream&) {
+        if (keyword == KEYWORD) throw Failure(quoted + " is damaged: it ends too early.");
+    } catch (const XStream& error) {
+        throw Failure(quoted + " is damaged. (" + Detail(error) + ")");
+    } catch (const XStreamer&) {
+        throw Failure(quoted + " is damaged: a section ends too early.");
+    } catch (const xInvalidConversion&) {
+        throw Failure(quoted + " is damaged: there is no handle where one should be.");
+    }
+    if (keyword != KEYWORD) throw Failure(quoted + " is not a text of this program.");
+    if (version > VERSION) {
+        throw Failure(quoted +
+                      " was written by a newer version of this program: update the program to read it.");
+    }
+    if (model.building == nullptr) throw Failure(quoted + " holds no building.");
+    const ZoString fault = model.building->FindFault();
+    if (!fault.IsNull()) throw Failure(quoted + " is damaged. (" + ZoToUtf8(fault) + ")");
+    // From here the model holds what the reader made.
+    for (ZoStreamableBase* object : reader.Objects()) model.objects.Add(object);
+    return model;
+}
+
+} // namespace
+
+void WriteText(const Model& model, const std::string& path) {
+    try {
+        const ZoPrimitives::pointer<FileOutputStream> file(new FileOutputStream(path.c_str(), false));
+        OutputStreamer text(file.get());
+        text << KEYWORD << VERSION;
+        PutPointer(text, model.building);
+        text << END_OF_SECTION << END_OF_FILE;
+        file->Finalize();
+    } catch (const XStream& error) {
+        const bool full = dynamic_cast<const XWriteStreamOutOfSpace*>(&error) != nullptr;
+        throw Failure('"' + path + "\" cannot be written: " +
+                      (full ? "the disk is full." : "look whether you may write to its folder.") + " (" +
+                      Detail(error) + ")");
+    }
+}
+
+Model ReadText(const std::string& path) {
+    ZoPrimitives::pointer<FileInputStream> file;
+    try {
+        file = new FileInputStream(path.c_str());
+    } catch (const XReadStream&) {
+        throw Failure('"' + path +
+                      "\" cannot be opened: look whether it is there, whether you may read it, and whether "
+                      "another program has it open.");
+    }
+    if (!file->GetIsWhole()) throw Failure('"' + path + "\" cannot be read to its end.");
+    return ReadModel(path, file.get());
+}
+
+} // namespace Frame

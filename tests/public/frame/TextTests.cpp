@@ -1,0 +1,262 @@
+#include "compare.h"
+#include "failure.h"
+#include "report.h"
+#include "tables.h"
+#include "text.h"
+
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using namespace Frame;
+using testing::HasSubstr;
+
+/// A building of one column, as docs/text-format.md shows it.
+Model Shed() {
+    Model model;
+    model.building = new Building;
+    model.objects.Add(model.building);
+    Building& shed = *model.building;
+    shed.name = "Galp\xE3o\nde teste";
+    shed.lines.Add("A");
+    shed.site.name = "S\xE3o Paulo";
+    shed.materials.Add(new Material);
+    shed.materials[1]->name = "A\xE7o";
+    shed.materials[1]->density = 7850;
+    shed.sections.Add(new Section);
+    Section& section = *shed.sections[1];
+    section.name = "W 150";
+    section.depth = 15.3;
+    section.area = 16.6;
+    section.inertia = 685;
+    section.material = shed.materials[1];
+    for (const double y : {0.0, 365.76}) {
+        Node* node = new Node;
+        node->y = y;
+        node->support = y == 0;
+        shed.nodes.Add(node);
+    }
+    shed.storeys.Add(new Storey);
+    Storey& storey = *shed.storeys[1];
+    storey.name = "T\xE9rreo";
+    storey.height = 365.76;
+    storey.building = &shed;
+    storey.floor.Add(shed.nodes[1].get());
+    Column* column = new Column;
+    column->name = "P1";
+    column->section = &section;
+    column->start = shed.nodes[1];
+    column->end = shed.nodes[2];
+    column->exterior = true;
+    storey.members.Add(column);
+    return model;
+}
+
+class FrameTextTest : public testing::Test {
+protected:
+    std::string Path(const char* name) const { return folder.Path(name); }
+    std::string TextOf(const Model& model) const {
+        WriteText(model, Path("out.txt"));
+        return folder.Read("out.txt");
+    }
+    Model ModelOf(const std::string& text) const {
+        const std::string name = std::to_string(++count); // to write over a file takes longer
+        folder.Write(name, text);
+        return ReadText(folder.Path(name));
+    }
+    /// Empty for a text that is read.
+    std::string FailureOf(const std::string& text) const {
+        try {
+            ModelOf(text);
+        } catch (const Failure& failure) {
+            return failure.what();
+        }
+        return "";
+    }
+
+    ZoPrimitives::Testing::TemporaryFolder folder;
+    mutable int count = 0;
+};
+
+std::vector<std::string> LinesOf(const std::string& text) {
+    std::vector<std::string> lines(1);
+    for (const char c : text) {
+        if (c == '\n') {
+            lines.emplace_back();
+        } else if (c != '\r') {
+            lines.back() += c;
+        }
+    }
+    return lines;
+}
+
+std::string Joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += (text.empty() ? "" : "\r\n") + line;
+    return text;
+}
+
+/// The number that 15 digits tell.
+void Round(double& value) { value = ZoString::FormatString("%.15g", value).ToDouble(); }
+
+TEST_F(FrameTextTest, HoldsTheWholeGraph) {
+    const Model model = ReadTables(FRAME_TABLES);
+    for (auto& section : model.building->sections) {
+        for (double* value : {&section->depth, &section->area, &section->inertia}) Round(*value);
+    }
+    for (auto& node : model.building->nodes) Round(node->x), Round(node->y);
+    for (auto& storey : model.building->storeys) {
+        Round(storey->level);
+        for (auto& member : storey->members) {
+            if (auto* girder = dynamic_cast<Girder*>(member.get())) {
+                for (double& load : girder->loads) Round(load);
+            }
+        }
+    }
+    const std::string text = TextOf(model);
+    const Model read = ModelOf(text);
+    const Comparison comparison = Compare(*model.building, *read.building);
+    EXPECT_EQ(comparison.difference, "");
+    EXPECT_EQ(comparison.objects, 212u);
+    EXPECT_EQ(TextOf(read), text);
+    std::ostringstream before, after;
+    Print(*model.building, before);
+    Print(*read.building, after);
+    EXPECT_EQ(after.str(), before.str());
+}
+
+TEST_F(FrameTextTest, IsTheOneInTheDocument) {
+    // A line holds tokens with ends between them, and an explanation.
+    std::ifstream document(FRAME_DOCS "/text-format.md");
+    const std::string lineEnd = " ↵ ";
+    std::vector<std::string> shown;
+    bool inside = false;
+    for (std::string line; std::getline(document, line);) {
+        if (line == "```") inside = false;
+        if (inside) {
+            line = line.substr(0, line.find('|'));
+            line.erase(line.find_last_not_of(' ') + 1);
+            for (std::size_t end; (end = line.find(lineEnd)) != std::string::npos;) {
+                shown.push_back(line.substr(0, end));
+                line.erase(0, end + lineEnd.size());
+            }
+            shown.push_back(line);
+        }
+        if (line == "```text") inside = true;
+    }
+    std::string text = TextOf(Shed());
+    // The document is UTF-8.
+    std::string utf8;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            utf8 += c;
+        } else {
+            utf8 += static_cast<char>(0xC0 | (byte >> 6));
+            utf8 += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    EXPECT_EQ(Joined(shown), utf8);
+}
+
+TEST_F(FrameTextTest, KeepsTextsOfSeveralLines) {
+    Model model = Shed();
+    for (const char* name : {"", "a", "a\nb", "a\n", "\n", "\na", "\n\n", "\r\nENDGROUP\n7"}) {
+        model.building->name = name;
+        model.building->storeys[1]->mark = name;
+        model.building->lines.RemoveAll();
+        for (const char* line : {name, "", name, "x"}) model.building->lines.Add(line);
+        const Model read = ModelOf(TextOf(model));
+        EXPECT_EQ(Compare(*model.building, *read.building).difference, "") << name;
+    }
+}
+
+TEST_F(FrameTextTest, KeepsWhatIsNullSharedOrOutside) {
+    Model model = Shed();
+    Building& shed = *model.building;
+    auto* catalogue = new Catalogue;
+    model.objects.Add(catalogue);
+    catalogue->edition = 7;
+    shed.catalogue = catalogue;
+    shed.sections[1]->catalogue = catalogue;
+    shed.storeys[1]->floor.Add(nullptr);
+    shed.storeys[1]->floor.Add(shed.nodes[2].get());
+    shed.storeys[1]->floor.Add(shed.nodes[2].get());
+    auto* entry = new LegendEntry;
+    entry->grey = -3;
+    shed.legend.Add(shed.sections[1].get(), entry);
+    const Model read = ModelOf(TextOf(model));
+    EXPECT_EQ(Compare(shed, *read.building).difference, "");
+    EXPECT_EQ(read.building->catalogue.get(), read.building->sections[1]->catalogue.get());
+}
+
+TEST_F(FrameTextTest, PassesOverWhatItDoesNotKnow) {
+    const Model model = Shed();
+    const std::vector<std::string> lines = LinesOf(TextOf(model));
+    const std::vector<std::vector<std::string>> unknown = {
+        {"99", "x"},
+        {"8", "ENDGROUP"},
+        {"180", "5", "1"},
+        {"180", "5", "999"},
+        {"180", "0", "ENDGROUPELEMENTOS"},
+        {"180", "0", "class Frame::Wall", "3",  "77", "1", "w",        "110", "0", "class X", "7", "210", "5",
+         "1",   "0", "class Y",           "10", "0",  "7", "ENDGROUP", "10",  "7", "7"},
+        {"280", "ENDGROUP"},
+        {"280", "0", "class Frame::Node", "10", "7", "7", "5", "1", "0", "ENDGROUPELEMENTOS", "ENDGROUP"},
+    };
+    for (const auto& value : unknown) {
+        std::vector<std::string> extended = lines;
+        extended.insert(extended.begin() + 6, value.begin(), value.end()); // behind the building's handle
+        const Model read = ModelOf(Joined(extended));
+        EXPECT_EQ(Compare(*model.building, *read.building).difference, "") << value[1];
+    }
+    // Of no class that is known, or of the wrong one: not in the list.
+    for (const char* name : {"class Frame::Wall", "class Frame::Site"}) {
+        std::vector<std::string> other = lines;
+        const auto node = std::find(other.begin(), other.end(), "class Frame::Node");
+        *std::find(node + 1, other.end(), "class Frame::Node") = name;
+        EXPECT_THAT(FailureOf(Joined(other)), HasSubstr("P1 has no node")) << name;
+    }
+}
+
+TEST_F(FrameTextTest, DamageIsToldInASentence) {
+    const std::vector<std::string> lines = LinesOf(TextOf(Shed()));
+    const std::size_t closed = lines.size() - 1; // EOF is not needed
+    std::string prefix;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(FailureOf(prefix).empty(), i == closed) << i;
+        if (i + 1 < closed) {
+            EXPECT_NE(FailureOf(prefix + lines[i]), "") << i;
+        }
+        prefix += lines[i] + "\n";
+    }
+    const char* const others[] = {"0", "5", "7", "class Frame::Node", "ENDGROUP", "200"};
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        for (const char* other : others) {
+            std::vector<std::string> changed = lines;
+            changed[i] = other;
+            FailureOf(Joined(changed)); // read or told: anything else comes through
+        }
+    }
+    EXPECT_THAT(FailureOf("x"), HasSubstr("is not a text of this program"));
+    EXPECT_THAT(FailureOf("FRAME\n2\n"), HasSubstr("newer version"));
+    EXPECT_THAT(FailureOf("FRAME\n1\n0\nENDGROUPELEMENTOS\nENDSEC"), HasSubstr("holds no building"));
+    EXPECT_THAT(FailureOf("FRAME\n1\n0\nclass Frame::Site\n7\nENDSEC"), HasSubstr("holds no building"));
+    std::string deep = "FRAME\n1\n";
+    for (int i = 0; i < 100'000; ++i) deep += "0\nclass Frame::Wall\n100\n";
+    EXPECT_THAT(FailureOf(deep), HasSubstr("Objetos aninhados demais"));
+    deep = "FRAME\n1\n";
+    for (int i = 0; i < 100'000; ++i) deep += "0\nclass Frame::Building\n203\n";
+    EXPECT_THAT(FailureOf(deep), HasSubstr("Objetos aninhados demais"));
+    EXPECT_THROW(ReadText(Path("none.txt")), Failure);
+    EXPECT_THROW(WriteText(Shed(), Path("none/a.txt")), Failure);
+}
+
+} // namespace

@@ -1,9 +1,8 @@
 #include "Platform/ClipboardWait.h"
+#include "Platform/windows/Windows.h"
 
 #include <cstring>
 #include <utility>
-
-#include <windows.h>
 
 namespace ZoPrimitives::Platform {
 

@@ -1,6 +1,5 @@
 #include "Platform/Platform.h"
-
-#include <windows.h>
+#include "Platform/windows/Windows.h"
 
 namespace ZoPrimitives::Platform {
 

@@ -1,5 +1,7 @@
 #include "ZoPrimitives/Point2D.h"
 
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/Point3D.h"
 #include "ZoPrimitives/PointClass.h"
 #include "ZoPrimitives/TTransformation.h"
@@ -126,6 +128,20 @@ bool Point2D::IsInSegment(const Point2D& a, const Point2D& b, unsigned precision
 }
 
 ZoString Point2D::ToString() const { return ZoString("x:") + xValue + " | y:" + yValue; }
+
+void Point2D::Write(OutputStreamer& streamer) {
+    ZoObjectStreamable::Write(streamer);
+    streamer << 10 << X() << 20 << Y();
+}
+
+bool Point2D::ReadData(int code, InputStreamer& streamer) {
+    if (code != 10 && code != 20) return ZoObjectStreamable::ReadData(code, streamer);
+    double value = 0;
+    streamer >> value;
+    if (code == 10) X(value);
+    if (code == 20) Y(value);
+    return true;
+}
 
 void ZoRegisterPoints(TZoMetaData* schema) {
     Point2D::Register(schema);

@@ -1,7 +1,9 @@
 #include "ZoPrimitives/Point3D.h"
 
 #include "ZoPrimitives/Checksum.h"
+#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/NumberText.h"
+#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
 #include "ZoPrimitives/TTransformation.h"
 
@@ -152,6 +154,21 @@ bool Point3D::CoordsFromString(const ZoString& text) {
 ZoString Point3D::ToString() const {
     const auto number = [](double value) { return FormatFloat(value, 1, false, '.'); };
     return "(" + number(X()) + ", " + number(Y()) + ", " + number(Z()) + ")";
+}
+
+void Point3D::Write(OutputStreamer& streamer) {
+    ZoObjectStreamable::Write(streamer);
+    streamer << 10 << X() << 20 << Y() << 30 << Z();
+}
+
+bool Point3D::ReadData(int code, InputStreamer& streamer) {
+    if (code != 10 && code != 20 && code != 30) return ZoObjectStreamable::ReadData(code, streamer);
+    double value = 0;
+    streamer >> value;
+    if (code == 10) X(value);
+    if (code == 20) Y(value);
+    if (code == 30) Z(value);
+    return true;
 }
 
 TChecksumType CreateChecksum(const Point3D& point) {

@@ -1,5 +1,7 @@
 #include "ZoPrimitives/TTransformation.h"
 
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
 
 #include <algorithm>
@@ -103,6 +105,21 @@ bool TTransformation::operator==(const TTransformation& other) const {
 bool TTransformation::operator==(const ZoObject& other) const {
     const auto* transformation = dynamic_cast<const TTransformation*>(&other);
     return transformation != nullptr && *this == *transformation;
+}
+
+void TTransformation::Write(OutputStreamer& streamer) {
+    ZoObjectStreamable::Write(streamer);
+    for (const auto& row : matrix) {
+        for (const double element : row) streamer << 40 << element;
+    }
+}
+
+bool TTransformation::ReadData(int code, InputStreamer& streamer) {
+    if (code != 40) return ZoObjectStreamable::ReadData(code, streamer);
+    double value = 0;
+    streamer >> value;
+    Append(value);
+    return true;
 }
 
 ZoString TTransformation::Getfieldclassfor_matrix(TZoMetaData* schema, TZoClass** fieldClass,

@@ -1,5 +1,7 @@
 #include "ZoPrimitives/TVector3D.h"
 
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
 #include "ZoPrimitives/TTransformation.h"
 
@@ -135,6 +137,21 @@ TVector3D TVector3D::AcadArbitraryWCS(const TVector3D& normal) const {
     TVector3D x, y, z;
     AcadArbitraryAxes(normal, x, y, z);
     return WorldCoordinates(x, y, z);
+}
+
+void TVector3D::Write(OutputStreamer& streamer) {
+    ZoObjectStreamable::Write(streamer);
+    streamer << 210 << X() << 220 << Y() << 230 << Z();
+}
+
+bool TVector3D::ReadData(int code, InputStreamer& streamer) {
+    if (code != 210 && code != 220 && code != 230) return Point3D::ReadData(code, streamer);
+    double value = 0;
+    streamer >> value;
+    if (code == 210) X(value);
+    if (code == 220) Y(value);
+    if (code == 230) Z(value);
+    return true;
 }
 
 } // namespace ZoPrimitives

@@ -1,13 +1,18 @@
 #include "support/Streaming.h"
 
 #include "ZoPrimitives/Checksum.h"
+#include "ZoPrimitives/FileInputStream.h"
+#include "ZoPrimitives/FileOutputStream.h"
+#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/LDPoint.h"
+#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/TTransformation.h"
 #include "ZoPrimitives/TVector2D.h"
 #include "ZoPrimitives/TVector3D.h"
 
 #include "support/Assertions.h"
 #include "support/CommaLocale.h"
+#include "support/TemporaryFolder.h"
 
 #include <cmath>
 #include <limits>
@@ -422,6 +427,60 @@ TEST(PointStreamingTest, MatricesOfOtherLengths) {
         const ZoStreamableBase* read = opened.root;
         EXPECT_TRUE(*read == expected) << count;
     }
+}
+
+TEST(PointStreamingTest, EachIsWrittenAsTextAndRead) {
+    TZoMetaData schema;
+    ZoRegisterPoints(&schema);
+    Point2D plane(1.5, -0.0);
+    TVector2D planeVector(3, 4);
+    Point3D space(5, -1e-300, 6);
+    TVector3D vector(7, 8, INF);
+    TTransformation move = TTransformation::Translation(10, 20, 30);
+    const struct {
+        ZoStreamableBase& object;
+        const char* tokens;
+    } cases[] = {
+        {plane, "Point2D|3|1|10|1.5|20|-0."},
+        {planeVector, "TVector2D|3|1|10|3.|20|4."},
+        {space, "Point3D|3|1|10|5.|20|-1.e-300|30|6."},
+        {vector, "TVector3D|3|1|210|7.|220|8.|230|inf"},
+        {move,
+         "TTransformation|3|1|40|1.|40|0.|40|0.|40|10.|40|0.|40|1.|40|0.|40|20.|40|0.|40|0.|40|1.|40|30."
+         "|40|0.|40|0.|40|0.|40|1."},
+    };
+    const Testing::TemporaryFolder folder;
+    for (const auto& [object, tokens] : cases) {
+        const std::string name = object.StreamableClassName().c_str();
+        {
+            OutputStreamer writer(new FileOutputStream(folder.Path(name).c_str(), false));
+            writer << &object << 999 << "unknown" << 7;
+        }
+        std::string written = folder.Read(name);
+        for (std::size_t at = 0; (at = written.find("\r\n", at)) != std::string::npos;) {
+            written.replace(at, 2, "|");
+        }
+        EXPECT_EQ(written, "0|" + std::string(tokens) + "|999|unknown|7");
+
+        InputStreamer reader(new FileInputStream(folder.Path(name).c_str()), new StreamableFactory(&schema));
+        int begin = 0;
+        ZoString className;
+        reader >> begin >> className;
+        const pointer<ZoStreamableBase> read(reader.GetFactories()[1]->CreateObject(className));
+        read->Read(reader);
+        EXPECT_TRUE(*read == object) << name;
+        EXPECT_STREQ(read->StreamableClassName().c_str(), name.c_str());
+        EXPECT_EQ(reader.GetHandle(read.get()), 1) << name;
+    }
+}
+
+TEST(PointStreamingTest, VectorsReadTheCodesOfPoints) {
+    const Testing::TemporaryFolder folder;
+    folder.Write("text", "10\n1\n20\n2\n230\n3\n0\n");
+    InputStreamer reader(new FileInputStream(folder.Path("text").c_str()), nullptr);
+    TVector3D vector;
+    vector.Read(reader);
+    EXPECT_EQ(vector, TVector3D(1, 2, 3));
 }
 
 TEST(LDPointTest, IsTwoDoubles) {

@@ -105,8 +105,14 @@ public:
     /// "x:1.000000 | y:2.000000".
     ZoString ToString() const override;
 
+    /// In texts 10 and 20 lead the coordinates.
+    void Write(OutputStreamer& streamer) override;
+
     ZO_COORDINATE_(Point2D, x, X)
     ZO_COORDINATE_(Point2D, y, Y)
+
+protected:
+    bool ReadData(int code, InputStreamer& streamer) override;
 };
 
 /// Registers `Point2D`, `TVector2D`, `Point3D`, `TVector3D` and `TTransformation`.

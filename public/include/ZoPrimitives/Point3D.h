@@ -76,9 +76,15 @@ public:
     /// "(1.5, 2, 0)", to one decimal.
     ZoString ToString() const override;
 
+    /// In texts 10, 20 and 30 lead the coordinates.
+    void Write(OutputStreamer& streamer) override;
+
     ZO_COORDINATE_(Point3D, x, X)
     ZO_COORDINATE_(Point3D, y, Y)
     ZO_COORDINATE_(Point3D, z, Z)
+
+protected:
+    bool ReadData(int code, InputStreamer& streamer) override;
 };
 
 } // namespace ZoPrimitives

@@ -47,6 +47,9 @@ public:
     TZoClass* GetOriginalClass(TZoMetaData* schema) const override;
     ZoString StreamableClassName() const override;
 
+    /// In texts 40 leads each of the 16 elements, row by row.
+    void Write(OutputStreamer& streamer) override;
+
     static ZoString Getfieldclassfor_matrix(TZoMetaData* schema, TZoClass** fieldClass,
                                             TZoClassFieldType* kind);
     static TZoClassField* Addfieldfor_matrix(TZoClass* owner, TZoClass* fieldClass, const ZoString& typeName);
@@ -54,6 +57,9 @@ public:
     static double ElementAtmatrix(ZoStreamableBase* object, TZoClassField* field, int index);
     static unsigned long long NItemsmatrix(ZoStreamableBase* object, TZoClassField* field);
     static void CreateList_matrix(ZoStreamableBase* object, int count, int first, int second);
+
+protected:
+    bool ReadData(int code, InputStreamer& streamer) override;
 
 private:
     void SetIdentity();

@@ -76,6 +76,12 @@ public:
     TVector3D AcadArbitraryOCS(const TVector3D& normal) const;
     /// From coordinates of the object system to those of the world.
     TVector3D AcadArbitraryWCS(const TVector3D& normal) const;
+
+    /// In texts 210, 220 and 230 lead the components; those of a point are read too.
+    void Write(OutputStreamer& streamer) override;
+
+protected:
+    bool ReadData(int code, InputStreamer& streamer) override;
 };
 
 } // namespace ZoPrimitives

@@ -1,6 +1,8 @@
 #include "ZoPrimitives/grandeza.h"
 
+#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/Math2.h"
+#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/UnitTables.h"
 #include "ZoPrimitives/UnitText.h"
 
@@ -17,6 +19,9 @@ constexpr const char* SOURCE = "cpp/ZoPrimitives/grandeza";
 constexpr double DIVIDED_BY_ZERO = 1.797693e+308;
 /// Up to here a positive number counts as a negative one in `Int`.
 constexpr double INT_ZERO = 1e-21;
+
+/// The group code of the stored number in a text.
+constexpr int VALOR_CODE = 40;
 
 /// The number of a quantity's class in the process; 0 before this module is initialised.
 template <class Quantity>
@@ -138,6 +143,16 @@ TZoClass* Grandeza::GetOriginalClass(TZoMetaData* schema) const {
     return schema->FindClass(SLOT<Grandeza>, "Grandeza", typeid(Grandeza));
 }
 ZoString Grandeza::StreamableClassName() const { return "Grandeza"; }
+
+void Grandeza::Write(OutputStreamer& streamer) {
+    ZoObjectStreamable::Write(streamer);
+    streamer << VALOR_CODE << valor;
+}
+bool Grandeza::ReadData(int code, InputStreamer& streamer) {
+    if (code != VALOR_CODE) return ZoObjectStreamable::ReadData(code, streamer);
+    streamer >> valor;
+    return true;
+}
 
 #define ZO_GRANDEZA_BODY(Class, Unit)                                                                        \
     Class::Class(double v) : Grandeza(v) {}                                                                  \

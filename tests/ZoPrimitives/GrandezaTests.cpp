@@ -3,6 +3,12 @@
 #include "support/Assertions.h"
 #include "support/Quantities.h"
 #include "support/Streaming.h"
+#include "support/TemporaryFolder.h"
+
+#include "ZoPrimitives/FileInputStream.h"
+#include "ZoPrimitives/FileOutputStream.h"
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
 
 #include <gtest/gtest.h>
 
@@ -313,6 +319,59 @@ TEST(GrandezaTest, FieldsOfAnObject) {
     EXPECT_EQ(read.load->kN_m2(), 2);
     EXPECT_EQ(dynamic_cast<GVolume&>(*read.measures[1]).l(), 1.5);
     EXPECT_EQ(dynamic_cast<GAngulo&>(*read.measures[2]), *wall.measures[2]);
+}
+
+/// Reads objects, each written as a pointer and a code 7.
+class TextReader : public InputStreamer {
+public:
+    using InputStreamer::InputStreamer;
+    ZoStreamableBase* ReadObject() {
+        int code = -1;
+        ZoString name;
+        *this >> code >> name;
+        ZoStreamableBase* object = CreateObject(name);
+        if (object != nullptr) object->Read(*this);
+        return object;
+    }
+};
+
+TEST(GrandezaTest, EachIsWrittenAsTextAndRead) {
+    const Testing::TemporaryFolder folder;
+    std::string expected;
+    {
+        const pointer<OutputStream> stream(new FileOutputStream(folder.Path("text").c_str(), false));
+        OutputStreamer streamer(stream.get());
+        std::vector<std::unique_ptr<Grandeza>> quantities;
+        for (const Quantity& of : AllQuantities()) {
+            quantities.push_back(of.make(-1.25));
+            streamer << quantities.back().get() << 7;
+            expected += "0\r\n" + of.name + "\r\n3\r\n" + std::to_string(quantities.size()) +
+                        "\r\n40\r\n-1.25\r\n7\r\n";
+        }
+    }
+    EXPECT_EQ(folder.Read("text") + "\r\n", expected);
+
+    TZoMetaData schema;
+    ZoRegisterGrandezas(&schema);
+    const pointer<InputStream> stream(new FileInputStream(folder.Path("text").c_str()));
+    TextReader reader(stream.get(), new StreamableFactory(&schema));
+    for (const Quantity& of : AllQuantities()) {
+        auto* read = dynamic_cast<Grandeza*>(reader.ReadObject());
+        ASSERT_NE(read, nullptr) << of.name;
+        EXPECT_EQ(Text(read->StreamableClassName()), of.name);
+        EXPECT_EQ(*read, -1.25) << of.name;
+    }
+}
+
+TEST(GrandezaTest, OtherCodesOfATextAreLeftOut) {
+    const Testing::TemporaryFolder folder;
+    folder.Write("text", "GArea\n41\nx\n40\n1e-7\n3\n9\n0\n");
+    const pointer<InputStream> stream(new FileInputStream(folder.Path("text").c_str()));
+    TextReader reader(stream.get(), nullptr);
+    GArea area(5.0);
+    reader >> area;
+    EXPECT_EQ(area, 1e-7);
+    EXPECT_EQ(reader.GetHandle(&area), 9);
 }
 
 TEST(GrandezaTest, FactoriesMakeEmptyQuantities) {

@@ -64,6 +64,11 @@ public:
     TZoClass* GetClass() const override;
     TZoClass* GetOriginalClass(TZoMetaData* schema) const override;
     ZoString StreamableClassName() const override;
+    /// As text: the handle, then code 40 and the stored number in 15 significant digits.
+    void Write(OutputStreamer& streamer) override;
+
+protected:
+    bool ReadData(int code, InputStreamer& streamer) override;
 };
 
 /// What came of reading a quantity from text: true when the text was understood.

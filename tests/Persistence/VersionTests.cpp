@@ -34,47 +34,28 @@ std::string TakeExcluded(TZoClassField& field, TBinInStream& in) {
     };
     const auto uids = [&] { list([&] { bytes.Int(take(0)); }); };
     const auto text = [&] { bytes.Text(Text(take(ZoString()))); };
-    switch (field.GetFieldType()) {
-    case ftBool:
+    const TZoClassFieldType kind = field.GetFieldType();
+    const auto among = [kind](auto... kinds) { return ((kind == kinds) || ...); };
+    if (kind == ftBool)
         bytes.Bool(take(false));
-        break;
-    case ftFloat:
+    else if (kind == ftFloat)
         bytes.Float(take(0.0F));
-        break;
-    case ftDouble:
+    else if (kind == ftDouble)
         bytes.Double(take(0.0));
-        break;
-    case ftString:
-    case ftBlob:
+    else if (among(ftString, ftBlob))
         text();
-        break;
-    case ftListFloat:
+    else if (kind == ftListFloat)
         list([&] { bytes.Float(take(0.0F)); });
-        break;
-    case ftListDouble:
+    else if (kind == ftListDouble)
         list([&] { bytes.Double(take(0.0)); });
-        break;
-    case ftListString:
+    else if (kind == ftListString)
         list(text);
-        break;
-    case ftListInt:
-    case ftChildPointerList:
-    case ftPointerList:
-    case ftPointerListEx:
+    else if (among(ftListInt, ftChildPointerList, ftPointerList, ftPointerListEx))
         uids();
-        break;
-    case ftChildPointerMap:
+    else if (kind == ftChildPointerMap)
         uids(), uids();
-        break;
-    case ftInt:
-    case ftUnsigned:
-    case ftChildPointer:
-    case ftChildValue:
-    case ftPointer:
-    case ftPointerEx:
+    else
         bytes.Int(take(0));
-        break;
-    }
     return bytes;
 }
 
@@ -266,84 +247,56 @@ Payload BasePart(int number, const std::vector<int>& uids = {}) {
 } // namespace
 
 TEST(Versions, AnObjectOfAnUnknownClassClimbsItsFirstParents) {
-    const ClassEntry gone{.id = 2, .name = "Gone", .parents = {1}, .values = {{0, -1, "own"}}};
-    struct Case {
-        const char* name;
-        std::vector<ClassEntry> classes;
-        int classId;
-        bool kept;
-        bool substituted;
-        std::vector<std::string> unknown;
+    const auto made = [](int id, const char* name, std::vector<int> parents = {}, bool abstract = false) {
+        return ClassEntry{.id = id, .name = name, .abstract = abstract, .parents = std::move(parents)};
     };
-    const Case cases[] = {
-        {"known", {BaseEntry()}, 1, true, false, {}},
-        {"unknown without parent", {BaseEntry(), {.id = 2, .name = "Gone"}}, 2, false, false, {"Gone"}},
-        {"unknown with a known parent", {BaseEntry(), gone}, 2, true, true, {"Gone"}},
-        {"unknown with a known grandparent",
-         {BaseEntry(), gone, {.id = 3, .name = "Further", .parents = {2}}},
-         3,
-         true,
-         true,
-         {"Further"}},
+    const ClassEntry gone{.id = 2, .name = "Gone", .parents = {1}, .values = {{0, -1, "own"}}};
+    const ClassEntry base = BaseEntry();
+    ClassEntry abstractBase = base;
+    abstractBase.abstract = true;
+    enum Outcome { Dropped, Itself, Substituted };
+    const struct {
+        const char* name;
+        std::vector<ClassEntry> classes; // the objects' is the last
+        Outcome outcome;
+        std::vector<std::string> unknown;
+    } cases[] = {
+        {"known", {base}, Itself, {}},
+        {"unknown without parent", {base, made(2, "Gone")}, Dropped, {"Gone"}},
+        {"unknown with a known parent", {base, gone}, Substituted, {"Gone"}},
+        {"unknown with a known grandparent", {base, gone, made(3, "Further", {2})}, Substituted, {"Further"}},
         {"an abstract parent drops, a known grandparent does not help",
-         {BaseEntry(),
-          {.id = 2, .name = "Gone", .abstract = true, .parents = {1}},
-          {.id = 3, .name = "Further", .parents = {2}}},
-         3,
-         false,
-         false,
+         {base, made(2, "Gone", {1}, true), made(3, "Further", {2})},
+         Dropped,
          {"Further"}},
-        {"an abstract class of the file that the application knows",
-         {[] {
-              auto entry = BaseEntry();
-              entry.abstract = true;
-              return entry;
-          }(),
-          gone},
-         2,
-         false,
-         false,
-         {"Gone"}},
+        {"an abstract class of the file that the application knows", {abstractBase, gone}, Dropped, {"Gone"}},
         {"an abstract class of its own counts only as a parent",
-         {BaseEntry(), {.id = 2, .name = "Gone", .abstract = true, .parents = {1}}},
-         2,
-         true,
-         true,
+         {base, made(2, "Gone", {1}, true)},
+         Substituted,
          {"Gone"}},
         {"the second parent is not climbed",
-         {BaseEntry(), {.id = 2, .name = "Other"}, {.id = 3, .name = "Gone", .parents = {2, 1}}},
-         3,
-         false,
-         false,
+         {base, made(2, "Other"), made(3, "Gone", {2, 1})},
+         Dropped,
          {"Gone"}},
         {"an ancestor that cannot stand for others",
-         {BaseEntry(),
-          {.id = 2, .name = "Strict", .parents = {1}},
-          {.id = 3, .name = "Gone", .parents = {2}}},
-         3,
-         false,
-         false,
+         {base, made(2, "Strict", {1}), made(3, "Gone", {2})},
+         Dropped,
          {"Gone"}},
-        {"which stands for itself",
-         {BaseEntry(), {.id = 2, .name = "Strict", .parents = {1}}},
-         2,
-         true,
-         false,
-         {}},
+        {"which stands for itself", {base, made(2, "Strict", {1})}, Itself, {}},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         TZoMetaData schema;
         Base::Register(&schema);
         Strict::Register(&schema);
-        Opened opened(FileOf(tested.classes, {{1, tested.classId, BasePart(7).Int(8).Int(9)},
-                                              {2, tested.classId, BasePart(7).Int(8).Int(9)}}),
-                      schema);
+        const int id = tested.classes.back().id;
+        const Payload record = BasePart(7).Int(8).Int(9);
+        Opened opened(FileOf(tested.classes, {{1, id, record}, {2, id, record}}), schema);
         EXPECT_EQ(opened.Unknown(), tested.unknown);
-        ASSERT_EQ(opened.Count(), tested.kept ? 2U : 0U);
-        if (!tested.kept) continue;
+        ASSERT_EQ(opened.Count(), tested.outcome == Dropped ? 0U : 2U);
+        if (tested.outcome == Dropped) continue;
         EXPECT_EQ(opened.Root<Base>().number, 7);
-        EXPECT_EQ(opened.Root<Base>().stands, tested.substituted);
+        EXPECT_EQ(opened.Root<Base>().stands, tested.outcome == Substituted);
     }
 }
 
@@ -415,11 +368,14 @@ class Stranger : public ZoObjectStreamable {
     REGISTER_ZO_END
 };
 
-void RegisterLevels(TZoMetaData& schema) {
-    Upper::Register(&schema);
-    Lower::Register(&schema);
-    Stranger::Register(&schema);
-}
+struct VersionsOfLevels : testing::Test {
+    VersionsOfLevels() {
+        Upper::Register(&schema);
+        Lower::Register(&schema);
+        Stranger::Register(&schema);
+    }
+    TZoMetaData schema;
+};
 
 const ClassEntry STRANGER{.id = 3,
                           .name = "Stranger",
@@ -428,29 +384,22 @@ const ClassEntry STRANGER{.id = 3,
                           .children = {{2, -6, "child"}, {2, -18, "member"}},
                           .childLists = {{2, -7, "children"}}};
 Payload StrangerPart(int uid) {
-    return Payload()
-        .Ints({1, uid, 1, uid})
-        .Int(1)
-        .Double(0.5)
-        .Text("strange")
-        .Int(99)
-        .Ints({uid, uid, 1, uid});
+    Payload bytes;
+    bytes.Ints({1, uid, 1, uid, 1}).Double(0.5).Text("strange").Ints({99, uid, uid, 1, uid});
+    return bytes;
 }
 
 } // namespace
 
-TEST(Versions, FieldsThatMovedUpAreFoundAndThoseThatMovedDownAreOffered) {
-    TZoMetaData schema;
-    RegisterLevels(schema);
-    struct Case {
+TEST_F(VersionsOfLevels, FieldsThatMovedUpAreFoundAndThoseThatMovedDownAreOffered) {
+    const struct {
         const char* name;
         ClassEntry upper;
         ClassEntry lower;
         int moved;
         int lowerValue;
         std::vector<std::string> excluded;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"up: the file has it below",
          {.id = 1, .name = "Upper", .values = {{0, -1, "upper"}}},
          {.id = 2, .name = "Lower", .parents = {1}, .values = {{0, -1, "moved"}, {0, -1, "lower"}}},
@@ -470,7 +419,7 @@ TEST(Versions, FieldsThatMovedUpAreFoundAndThoseThatMovedDownAreOffered) {
          0,
          {}},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         Opened opened(FileOf({tested.upper, tested.lower}, {{1, 2, Payload().Ints({1, 2, 3})}}), schema);
         auto& read = opened.Root<Lower>();
@@ -481,20 +430,17 @@ TEST(Versions, FieldsThatMovedUpAreFoundAndThoseThatMovedDownAreOffered) {
     }
 }
 
-TEST(Versions, ALevelThatTheApplicationsClassDoesNotHaveIsPassedOver) {
-    TZoMetaData schema;
-    RegisterLevels(schema);
+TEST_F(VersionsOfLevels, ALevelThatTheApplicationsClassDoesNotHaveIsPassedOver) {
     const ClassEntry upper{
         .id = 1, .name = "Upper", .values = {{0, -1, "upper"}}, .references = {{1, -8, "link"}}};
     const Payload upperPart = Payload().Ints({5, 1});
-    struct Case {
+    const struct {
         const char* name;
         std::vector<int> parents;
         Payload record;
         int upper;
         bool linked;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"its own parent", {1}, Payload().Add(upperPart), 5, true},
         {"no parent at all", {}, {}, 0, false},
         {"a stranger alone", {3}, StrangerPart(1), 0, false},
@@ -503,7 +449,7 @@ TEST(Versions, ALevelThatTheApplicationsClassDoesNotHaveIsPassedOver) {
         {"a class that the application lacks", {4, 1}, Payload().Int(6).Add(upperPart), 5, true},
         {"its own parent, twice", {1, 1}, Payload().Ints({4, 0}).Add(upperPart), 5, true},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         const ClassEntry lower{
             .id = 2, .name = "Lower", .parents = tested.parents, .values = {{0, -1, "lower"}}};
@@ -520,9 +466,7 @@ TEST(Versions, ALevelThatTheApplicationsClassDoesNotHaveIsPassedOver) {
     }
 }
 
-TEST(Versions, AnUnknownClassOfStrangersReadsAsItsFirstParent) {
-    TZoMetaData schema;
-    RegisterLevels(schema);
+TEST_F(VersionsOfLevels, AnUnknownClassOfStrangersReadsAsItsFirstParent) {
     const ClassEntry upper{.id = 1, .name = "Upper", .parents = {3}, .values = {{0, -1, "upper"}}};
     const ClassEntry lower{.id = 2, .name = "Lower"};
     const ClassEntry gone{.id = 4, .name = "Gone", .parents = {1, 3}};
@@ -533,9 +477,7 @@ TEST(Versions, AnUnknownClassOfStrangersReadsAsItsFirstParent) {
     EXPECT_EQ(opened.Root<Upper>().excluded.size(), 7U) << "the stranger's, one of them of a name of its own";
 }
 
-TEST(Versions, ParentsThatSwappedPlacesReadRightly) {
-    TZoMetaData schema;
-    RegisterLevels(schema);
+TEST_F(VersionsOfLevels, ParentsThatSwappedPlacesReadRightly) {
     // The file's `Upper` derives from `Lower`; the application's the other way round.
     const ClassEntry lower{.id = 2, .name = "Lower", .values = {{0, -1, "lower"}, {0, -1, "upper"}}};
     const ClassEntry upper{.id = 1, .name = "Upper", .parents = {2}, .values = {{0, -1, "moved"}}};

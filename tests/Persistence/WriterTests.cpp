@@ -1,4 +1,5 @@
 #include "support/Assertions.h"
+#include "support/CommaLocale.h"
 #include "support/EveryKind.h"
 
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
@@ -49,12 +50,18 @@ class Both : public Mapped, public Listed {
     REGISTER_ZO_END
 };
 
-void RegisterThings(TZoMetaData& schema) {
-    Thing::Register(&schema);
-    Mapped::Register(&schema);
-    Listed::Register(&schema);
-    Both::Register(&schema);
-}
+struct Things : testing::Test {
+    Things() {
+        Thing::Register(&schema);
+        Mapped::Register(&schema);
+        Listed::Register(&schema);
+        Both::Register(&schema);
+    }
+    TZoMetaData schema;
+};
+using Writer = Things;
+using WriterFailure = Things;
+using Chain = Things;
 
 /// What a file holds, worked out by plain recursion over the members themselves.
 class PlainWriter {
@@ -165,20 +172,9 @@ public:
     explicit RandomGraph(unsigned seed) : random(seed) {
         const std::size_t count = 1 + random() % 60;
         for (std::size_t i = 0; i < count; ++i) {
-            Thing* made = nullptr;
-            switch (random() % 4) {
-            case 0:
-                made = new Thing;
-                break;
-            case 1:
-                made = new Mapped;
-                break;
-            case 2:
-                made = new Listed;
-                break;
-            default:
-                made = new Both;
-            }
+            const auto kind = random() % 4;
+            Thing* made = kind == 0 ? new Thing : kind == 1 ? new Mapped : nullptr;
+            if (made == nullptr) made = kind == 2 ? new Listed : static_cast<Listed*>(new Both);
             made->number = static_cast<int>(i);
             things.emplace_back(made);
         }
@@ -245,9 +241,7 @@ std::vector<Row> ObjectRows(const std::string& file) {
 
 } // namespace
 
-TEST(Writer, OrdersUidsAndRecordsAsPlainRecursionDoes) {
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(Writer, OrdersUidsAndRecordsAsPlainRecursionDoes) {
     for (unsigned seed = 0; seed < 500; ++seed) {
         RandomGraph graph(seed);
         const PlainWriter expected(graph.Root());
@@ -258,9 +252,7 @@ TEST(Writer, OrdersUidsAndRecordsAsPlainRecursionDoes) {
     }
 }
 
-TEST(Writer, ClassesWriteTheSameRecordsByThemselves) {
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(Writer, ClassesWriteTheSameRecordsByThemselves) {
     for (unsigned seed = 0; seed < 20; ++seed) {
         RandomGraph graph(seed);
         TMemoryBinOutStream stream;
@@ -278,11 +270,9 @@ TEST(Writer, ClassesWriteTheSameRecordsByThemselves) {
     }
 }
 
-TEST(Writer, ThreadsMayShareASchema) {
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(Writer, ThreadsMayShareASchema) {
     const auto holders = ZoReferenceCount::Count(schema.GetClass(1));
-    const auto work = [&schema](unsigned seed) {
+    const auto work = [this](unsigned seed) {
         RandomGraph graph(seed);
         const std::string file = Save(schema, graph.Root());
         for (int round = 0; round < 300; ++round) {
@@ -296,7 +286,7 @@ TEST(Writer, ThreadsMayShareASchema) {
     EXPECT_EQ(ZoReferenceCount::Count(schema.GetClass(1)), holders);
 }
 
-TEST(Writer, WritesEveryKind) {
+TEST(WriterOf, EveryKind) {
     TZoMetaData schema;
     app::RegisterEveryKind(schema);
     app::Leaf outside(99);
@@ -307,30 +297,22 @@ TEST(Writer, WritesEveryKind) {
         FileOf(app::EveryKindEntries(), app::EveryKindRows()).replace(12, 4, std::string(Payload().Int(9))));
 }
 
-TEST(Writer, CallsWillWriteOnceForEveryLevel) {
-    TZoMetaData schema;
-    RegisterThings(schema);
-    struct Case {
-        const char* name;
-        std::shared_ptr<Thing> thing;
-        int calls;
+TEST_F(Writer, CallsWillWriteOnceForEveryLevel) {
+    const auto calls = [this](Thing&& thing) {
+        Save(schema, &thing);
+        return thing.willWrite;
     };
-    for (const Case& tested :
-         {Case{"one level", std::make_shared<Thing>(), 1}, Case{"a parent", std::make_shared<Mapped>(), 2},
-          Case{"two parents with one of their own", std::make_shared<Both>(), 5}}) {
-        Save(schema, tested.thing.get());
-        EXPECT_EQ(tested.thing->willWrite, tested.calls) << tested.name;
-    }
+    EXPECT_EQ(calls(Thing()), 1);
+    EXPECT_EQ(calls(Mapped()), 2) << "a parent";
+    EXPECT_EQ(calls(Both()), 5) << "two parents with one of their own";
 }
 
-TEST(Writer, SeesWhatWillWriteChanges) {
+TEST_F(Writer, SeesWhatWillWriteChanges) {
     class Late : public Thing {
     public:
         void WillWrite() override { number = 77; }
         TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Thing"); }
     };
-    TZoMetaData schema;
-    RegisterThings(schema);
     TZoMetaData::WritingGenericFile(true);
     Late late;
     Opened opened(Save(schema, &late), schema);
@@ -340,9 +322,7 @@ TEST(Writer, SeesWhatWillWriteChanges) {
 
 // Externals
 
-TEST(Writer, WritesExternalsBehindTheGraphAndWhatHangsFromThem) {
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(Writer, WritesExternalsBehindTheGraphAndWhatHangsFromThem) {
     Thing root;
     Thing outer;
     Thing outermost;
@@ -365,9 +345,7 @@ TEST(Writer, WritesExternalsBehindTheGraphAndWhatHangsFromThem) {
     EXPECT_EQ(opened.At<Thing>(1).external, &opened.At<Thing>(2));
 }
 
-TEST(Writer, SharedChildrenGetOneRecord) {
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(Writer, SharedChildrenGetOneRecord) {
     Thing root;
     root.child = new Thing;
     root.children.Add(root.child.get());
@@ -389,27 +367,15 @@ class Unknown : public Thing {
     REGISTER_ZO_END
 };
 
-/// Writes and tells the assertion's message, expression and place.
-std::string AssertionIn(TZoMetaData& schema, ZoStreamableBase& root) {
-    struct Recorder : IAssertFunctor {
-        explicit Recorder(std::string& last) : text(last) {}
-        void operator()(const char* expression, const char* message, const char* file, int) override {
-            text = std::string(message) + " | " + expression + " | " + file;
-        }
-        std::string& text;
-    };
-    std::string text;
-    SetAssertionFunctor(new Recorder(text));
-    EXPECT_THROW(Save(schema, &root), XZoAssert);
-    SetAssertionFunctor(nullptr);
-    return text;
+/// What failed while writing, beginning with the message.
+std::string AssertionIn(const std::function<void()>& write) {
+    const FailedAssertion failed = AssertionOf(write);
+    return failed.message + " | " + failed.expression + " | " + failed.source;
 }
 
 } // namespace
 
-TEST(WriterFailure, ClassesThatAreNotRegisteredAreNamed) {
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(WriterFailure, ClassesThatAreNotRegisteredAreNamed) {
     const std::string unregistered =
         "[zoerror] class 'class (anonymous namespace)::Unknown' not register or not streamable. See "
         "'class::Register' or 'class : public ZoStreamableBase' | "
@@ -418,11 +384,10 @@ TEST(WriterFailure, ClassesThatAreNotRegisteredAreNamed) {
         "[zoerror] invalid class (class (anonymous namespace)::Forgotten - Thing). See REGISTER_ZO_BEGIN. | "
         "(instance_pointer->GetOriginalClass(streamer->GetMetaData())->GetName() == instanceClassName) | "
         "cpp/Persistence/ZoMetaData";
-    struct Case {
+    const struct {
         const char* name;
         void (*attach)(Both& root, Thing* target);
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"child", [](Both& root, Thing* target) { root.child = target; }},
         {"item of a list", [](Both& root, Thing* target) { root.more.Add(target); }},
         {"key of a map", [](Both& root, Thing* target) { root.map.Append(target, nullptr); }},
@@ -430,61 +395,45 @@ TEST(WriterFailure, ClassesThatAreNotRegisteredAreNamed) {
         {"external", [](Both& root, Thing* target) { root.external = target; }},
         {"external of a list", [](Both& root, Thing* target) { root.externals.Add(target); }},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         const pointer<Thing> unknown(new Unknown);
         const pointer<Thing> subclass(new Forgotten);
         Both first;
         tested.attach(first, unknown.get());
-        EXPECT_EQ(AssertionIn(schema, first), unregistered);
+        EXPECT_EQ(AssertionIn([&] { Save(schema, &first); }), unregistered);
         Both second;
         tested.attach(second, subclass.get());
-        EXPECT_EQ(AssertionIn(schema, second), forgotten);
+        EXPECT_EQ(AssertionIn([&] { Save(schema, &second); }), forgotten);
         TZoMetaData::WritingGenericFile(true);
         EXPECT_EQ(ObjectRows(Save(schema, &second))[1].classId, 1) << "as its registered class";
         TZoMetaData::WritingGenericFile(false);
     }
     Forgotten root;
-    EXPECT_EQ(AssertionIn(schema, root), forgotten) << "roots are no exception";
+    EXPECT_EQ(AssertionIn([&] { Save(schema, &root); }), forgotten) << "roots are no exception";
     Unknown other;
-    EXPECT_EQ(AssertionIn(schema, other), unregistered);
+    EXPECT_EQ(AssertionIn([&] { Save(schema, &other); }), unregistered);
 }
 
-TEST(WriterFailure, RecordsWrittenOneByOneNameTheirClassesToo) {
-    struct Recorder : IAssertFunctor {
-        explicit Recorder(std::string& last) : text(last) {}
-        void operator()(const char* expression, const char* message, const char* file, int) override {
-            text = std::string(message) + " | " + expression + " | " + file;
-        }
-        std::string& text;
-    };
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(WriterFailure, RecordsWrittenOneByOneNameTheirClassesToo) {
     TMemoryBinOutStream stream;
     stream.Initialize();
     TBinOutStreamer streamer(&stream, &schema);
     Unknown unknown;
     stream.SetHandle(&unknown, 1);
-    std::string text;
-    SetAssertionFunctor(new Recorder(text));
-    EXPECT_THROW(streamer.SaveInstance(&stream, &unknown), XZoAssert);
-    SetAssertionFunctor(nullptr);
-    EXPECT_EQ(text,
+    EXPECT_EQ(AssertionIn([&] { streamer.SaveInstance(&stream, &unknown); }),
               "[zoerror] class not registered. See class::Register | "
               "instance_pointer->GetOriginalClass(streamer->GetMetaData()) | cpp/Persistence/ZoMetaData");
 }
 
-TEST(WriterFailure, DanglingReferencesAreNamed) {
-    TZoMetaData schema;
-    RegisterThings(schema);
+TEST_F(WriterFailure, DanglingReferencesAreNamed) {
     Listed root;
     Thing outside;
     root.reference = &outside;
     EXPECT_EQ(FailureOf([&] { Save(schema, &root); }),
               Text(ZoString::FormatString(
                   "[zoerror] child reference 'reference' (%p) in class 'class (anonymous namespace)::Listed' "
-                  "(%p) not "
-                  "found. See DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD. @ "
+                  "(%p) not found. See DECLARE_ZO_FIELD_EXTERNAL_REFERENCE or DECLARE_ZO_FIELD_CHILD. @ "
                   "TZoClassFieldPointer::SavePointer",
                   static_cast<const void*>(static_cast<ZoStreamableBase*>(&outside)),
                   static_cast<const void*>(static_cast<ZoStreamableBase*>(&root)))));
@@ -503,7 +452,7 @@ TEST(WriterFailure, DanglingReferencesAreNamed) {
     EXPECT_EQ(FailureOf([&] { Save(schema, &root); }), "");
 }
 
-TEST(WriterFailure, FreesTheStreamAndForgetsTheUids) {
+TEST_F(WriterFailure, FreesTheStreamAndForgetsTheUids) {
     class Watched : public TMemoryBinOutStream {
     public:
         void FreeResourses() override {
@@ -521,8 +470,6 @@ TEST(WriterFailure, FreesTheStreamAndForgetsTheUids) {
         }
         int failAt = -1;
     };
-    TZoMetaData schema;
-    RegisterThings(schema);
     Thing root;
     root.child = new Thing;
     root.child->number = 2;
@@ -546,17 +493,17 @@ TEST(WriterFailure, FreesTheStreamAndForgetsTheUids) {
     EXPECT_EQ(ObjectRows(BytesOf(stream)).front().uid, 1);
 }
 
-TEST(WriterFailure, CountsOfListsAreBounded) {
+TEST_F(WriterFailure, CountsOfListsAreBounded) {
     // Lists that claim one item more than a file can hold, and give none.
-    constexpr unsigned long long TOO_MANY = 16'777'216;
-    struct Case {
+    static constexpr TZoItemCount claim = [](ZoStreamableBase*, TZoClassField*) { return 16'777'216ULL; };
+    static constexpr TZoItemCount one = [](ZoStreamableBase*, TZoClassField*) { return 1ULL; };
+    static constexpr auto none = [](auto...) {};
+    const char* tooMany = "portableNItems <= MAX_INT_SIZE";
+    const struct {
         const char* name;
         void (*declare)(TZoClass& on);
         const char* expression;
-    };
-    static constexpr TZoItemCount claim = [](ZoStreamableBase*, TZoClassField*) { return TOO_MANY; };
-    const char* tooMany = "portableNItems <= MAX_INT_SIZE";
-    const Case cases[] = {
+    } cases[] = {
         {"ints",
          [](TZoClass& on) {
              on.AddFieldListInt("f", {nullptr, nullptr, claim});
@@ -569,19 +516,14 @@ TEST(WriterFailure, CountsOfListsAreBounded) {
          tooMany},
         {"children",
          [](TZoClass& on) {
-             on.AddFieldChildPointerList("f", nullptr, {.nItems = claim, .iterateOver = [](auto...) {}});
+             on.AddFieldChildPointerList("f", nullptr, {.nItems = claim, .iterateOver = none});
          },
          tooMany},
         {"references",
-         [](TZoClass& on) {
-             on.AddFieldPointerList("f", nullptr, {.nItems = claim, .iterateOver = [](auto...) {}});
-         },
+         [](TZoClass& on) { on.AddFieldPointerList("f", nullptr, {.nItems = claim, .iterateOver = none}); },
          tooMany},
         {"a count that its walk does not keep",
-         [](TZoClass& on) {
-             on.AddFieldPointerList("f", nullptr,
-                                    {.nItems = [](auto...) { return 1ULL; }, .iterateOver = [](auto...) {}});
-         },
+         [](TZoClass& on) { on.AddFieldPointerList("f", nullptr, {.nItems = one, .iterateOver = none}); },
          "save.Count() == count && \"[zoerror] the list gave another number of items\""},
     };
     class Plain : public ZoObjectStreamable {
@@ -589,14 +531,14 @@ TEST(WriterFailure, CountsOfListsAreBounded) {
         TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Plain"); }
         ZoString StreamableClassName() const override { return "class Plain"; }
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
-        TZoMetaData schema;
-        auto* made = new TZoClass(&schema, nullptr, "Plain", nullptr, false, nullptr);
+        TZoMetaData own;
+        auto* made = new TZoClass(&own, nullptr, "Plain", nullptr, false, nullptr);
         tested.declare(*made);
-        schema.AddClass(made);
+        own.AddClass(made);
         Plain object;
-        const FailedAssertion failed = AssertionOf([&] { Save(schema, &object); });
+        const FailedAssertion failed = AssertionOf([&] { Save(own, &object); });
         EXPECT_EQ(failed.expression, tested.expression);
         EXPECT_EQ(failed.source, "cpp/Persistence/ZoMetaData");
     }
@@ -652,40 +594,40 @@ class Garage : public ZoObjectStreamable {
 
 } // namespace
 
-TEST(FileSchema, HoldsTheClassesThatTheGraphNeeds) {
+struct FileSchema : testing::Test {
+    FileSchema() {
+        ZoInteger::Register(&schema); // 1: never needed
+        ZoDouble::Register(&schema);
+        Wheel::Register(&schema);
+        Vehicle::Register(&schema); // 4
+        Engine::Register(&schema);
+        Turbine::Register(&schema);
+        Garage::Register(&schema); // 7
+        schema.AddClass(new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr));
+    }
     TZoMetaData schema;
-    ZoInteger::Register(&schema); // 1: never needed
-    ZoDouble::Register(&schema);
-    Wheel::Register(&schema);
-    Vehicle::Register(&schema); // 4
-    Engine::Register(&schema);
-    Turbine::Register(&schema);
-    Garage::Register(&schema);                                                                     // 7
-    schema.AddClass(new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr)); // 8
-    struct Case {
+};
+
+TEST_F(FileSchema, HoldsTheClassesThatTheGraphNeeds) {
+    const pointer<Turbine> turbine(new Turbine);
+    const std::vector<std::string> declared{"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Garage 7"};
+    std::vector<std::string> withTurbine = declared;
+    withTurbine.insert(withTurbine.end() - 1, "Turbine 6");
+    const struct {
         const char* name;
         std::function<void(Garage&)> fill;
         std::vector<std::string> classes;
-    };
-    const pointer<Turbine> turbine(new Turbine);
-    const Case cases[] = {
-        {"null: the declared classes and all that they declare, generic bases not",
-         [](Garage&) {},
-         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Garage 7"}},
+    } cases[] = {
+        {"null: the declared classes and all that they declare, generic bases not", [](auto&) {}, declared},
         {"an object brings its own class and its ancestors",
-         [](Garage& garage) { garage.engine = new Turbine; },
-         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Turbine 6", "Garage 7"}},
-        {"behind a generic base too",
-         [](Garage& garage) { garage.anything = new Turbine; },
-         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Turbine 6", "Garage 7"}},
-        {"and as an external instance",
-         [&](Garage& garage) { garage.elsewhere = turbine.get(); },
-         {"ZoDouble 2", "Wheel 3", "Vehicle 4", "Engine 5", "Turbine 6", "Garage 7"}},
+         [](auto& garage) { garage.engine = new Turbine; }, withTurbine},
+        {"behind a generic base too", [](auto& garage) { garage.anything = new Turbine; }, withTurbine},
+        {"and as an external instance", [&](auto& garage) { garage.elsewhere = turbine.get(); }, withTurbine},
         {"keys of maps",
-         [](Garage& garage) { garage.prices.Append(new Wheel, nullptr); },
+         [](auto& garage) { garage.prices.Append(new Wheel, nullptr); },
          {"Wheel 3", "Vehicle 4", "Engine 5", "Garage 7"}},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         Garage garage;
         tested.fill(garage);
@@ -699,40 +641,32 @@ TEST(FileSchema, HoldsTheClassesThatTheGraphNeeds) {
     }
 }
 
-TEST(FileSchema, AFieldWithoutObjectNeedsAllThatItsClassDeclares) {
-    TZoMetaData schema;
-    ZoDouble::Register(&schema);
-    Wheel::Register(&schema);
-    Vehicle::Register(&schema);
-    Engine::Register(&schema);
-    Turbine::Register(&schema);
-    TZoClass* garage = Garage::Register(&schema);
-    schema.AddClass(new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr));
-    struct Case {
+TEST_F(FileSchema, AFieldWithoutObjectNeedsAllThatItsClassDeclares) {
+    const struct {
         const char* field;
         std::vector<std::string> classes;
-    };
-    for (const Case& tested : {Case{"engine", {"Wheel", "Vehicle", "Engine"}}, Case{"prices", {"ZoDouble"}},
-                               Case{"anything", {}}, Case{"elsewhere", {}}}) {
+    } cases[] = {{"engine", {"Wheel", "Vehicle", "Engine"}},
+                 {"prices", {"ZoDouble"}},
+                 {"anything", {}},
+                 {"elsewhere", {}}};
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.field);
         TDVector<ZoString> names;
-        garage->FindField(tested.field)->GetUninstantiatedFieldMetaData(&schema, &names);
+        schema.FindClass("Garage")->FindField(tested.field)->GetUninstantiatedFieldMetaData(&schema, &names);
         std::vector<std::string> found;
         for (const ZoString& name : names) found.push_back(Text(name));
         EXPECT_EQ(found, tested.classes);
     }
 }
 
-TEST(FileSchema, CoversSeveralRootsOrTheWholeApplication) {
+TEST(FileSchemaOf, SeveralRootsOrTheWholeApplication) {
     TZoMetaData schema;
     ZoRegisterPrimitives(&schema);
     ZoInteger first(1);
     ZoFloat second(2);
     TDList<ZoStreamableBase*> roots;
-    roots.Add(&first);
-    roots.Add(nullptr);
-    roots.Add(&second);
-    roots.Add(&first);
+    for (ZoStreamableBase* root : std::initializer_list<ZoStreamableBase*>{&first, nullptr, &second, &first})
+        roots.Add(root);
     TMemoryBinOutStream stream;
     stream.Initialize();
     TBinOutStreamer streamer(&stream, &schema);
@@ -757,39 +691,29 @@ TEST(FileSchema, CoversSeveralRootsOrTheWholeApplication) {
 TEST(Primitives, AreWrittenAsTheirOneField) {
     TZoMetaData schema;
     ZoRegisterPrimitives(&schema);
-    struct Case {
+    const struct {
         std::shared_ptr<ZoStreamableBase> object;
-        ClassEntry entry;
+        const char* name;
+        int kind;
         Payload payload;
+    } cases[] = {
+        {std::make_shared<ZoBoolean>(true), "ZoBoolean", -10, Payload().Bool(true)},
+        {std::make_shared<ZoInteger>(-5), "ZoInteger", -1, Payload().Int(-5)},
+        {std::make_shared<ZoUnsigned>(0xFFFFFFFFU), "ZoUnsigned", -17, Payload().Int(0xFFFFFFFFLL)},
+        {std::make_shared<ZoFloat>(1.5F), "ZoFloat", -2, Payload().Float(1.5F)},
+        {std::make_shared<ZoDouble>(-2.5), "ZoDouble", -3, Payload().Double(-2.5)},
+        {std::make_shared<StreamableZoString>("abc"), "StreamableZoString", -4, Payload().Text("abc")},
+        {std::make_shared<StreamableList>(), "StreamableList", -7, Payload().Int(0)},
     };
-    const Case cases[] = {
-        {std::make_shared<ZoBoolean>(true),
-         {.id = 1, .name = "ZoBoolean", .values = {{0, -10, "value"}}},
-         Payload().Bool(true)},
-        {std::make_shared<ZoInteger>(-5),
-         {.id = 2, .name = "ZoInteger", .values = {{0, -1, "value"}}},
-         Payload().Int(-5)},
-        {std::make_shared<ZoUnsigned>(0xFFFFFFFFU),
-         {.id = 3, .name = "ZoUnsigned", .values = {{0, -17, "value"}}},
-         Payload().Int(0xFFFFFFFFLL)},
-        {std::make_shared<ZoFloat>(1.5F),
-         {.id = 4, .name = "ZoFloat", .values = {{0, -2, "value"}}},
-         Payload().Float(1.5F)},
-        {std::make_shared<ZoDouble>(-2.5),
-         {.id = 5, .name = "ZoDouble", .values = {{0, -3, "value"}}},
-         Payload().Double(-2.5)},
-        {std::make_shared<StreamableZoString>("abc"),
-         {.id = 6, .name = "StreamableZoString", .values = {{0, -4, "value"}}},
-         Payload().Text("abc")},
-        {std::make_shared<StreamableList>(),
-         {.id = 7, .name = "StreamableList", .childLists = {{0, -7, "list"}}},
-         Payload().Int(0)},
-    };
-    for (const Case& tested : cases) {
-        SCOPED_TRACE(tested.entry.name);
-        const std::vector<Row> expected{{0, 0, SchemaOf({tested.entry})},
-                                        {1, tested.entry.id, tested.payload}};
-        EXPECT_EQ(RowsOf(Save(schema, tested.object.get())), expected);
+    int id = 0;
+    for (const auto& tested : cases) {
+        ClassEntry entry{.id = ++id, .name = tested.name};
+        if (tested.kind == -7)
+            entry.childLists = {{0, -7, "list"}};
+        else
+            entry.values = {{0, tested.kind, "value"}};
+        const std::vector<Row> expected{{0, 0, SchemaOf({entry})}, {1, id, tested.payload}};
+        EXPECT_EQ(RowsOf(Save(schema, tested.object.get())), expected) << tested.name;
     }
 }
 
@@ -809,7 +733,10 @@ TEST(Primitives, AFileOfOneDoubleByteByByte) {
         // the object
         0xCA, 0xAB, 0xCA, 0xAB, 8, 0, 0, 0, 0xE9, 0x13, 0xF8, 0xC7, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, //
         0, 0, 0, 0, 0, 0, 0xF0, 0x3F};
-    EXPECT_EQ(Save(schema, &value), std::string(reinterpret_cast<const char*>(expected), sizeof expected));
+    const std::string bytes(reinterpret_cast<const char*>(expected), sizeof expected);
+    EXPECT_EQ(Save(schema, &value), bytes);
+    const CommaLocale commas;
+    EXPECT_TRUE(!commas.Active() || Save(schema, &value) == bytes) << "where numbers have commas";
 }
 
 TEST(Primitives, AListWritesItsItemsBehindItself) {
@@ -851,21 +778,26 @@ TEST(Primitives, AListOffersItsAccessors) {
 
 // Size
 
-TEST(Chain, OfAnyLengthIsSavedOpenedAndReleased) {
+/// Things that own the next, numbered from 2 on.
+static pointer<Thing> ChainOf(int length, Thing*& last) {
+    pointer<Thing> head(new Thing);
+    last = head.get();
+    for (int i = 2; i <= length; ++i) {
+        last->child = new Thing;
+        last = last->child.get();
+        last->number = i;
+    }
+    return head;
+}
+
+TEST_F(Chain, OfAnyLengthIsSavedOpenedAndReleased) {
 #if defined(__SANITIZE_ADDRESS__)
     constexpr int LENGTH = 200'000;
 #else
     constexpr int LENGTH = 1'000'000;
 #endif
-    TZoMetaData schema;
-    RegisterThings(schema);
-    const pointer<Thing> head(new Thing);
-    Thing* last = head.get();
-    for (int i = 2; i <= LENGTH; ++i) {
-        last->child = new Thing;
-        last->child->number = i;
-        last = last->child.get();
-    }
+    Thing* last = nullptr;
+    const pointer<Thing> head = ChainOf(LENGTH, last);
     last->reference = head.get();
     TMemoryBinOutStream out;
     out.Initialize();
@@ -885,16 +817,9 @@ TEST(Chain, OfAnyLengthIsSavedOpenedAndReleased) {
     EXPECT_EQ(last->reference, read.get());
 }
 
-TEST(Chain, OfInvalidObjectsIsRemoved) {
-    constexpr int LENGTH = 100'000;
-    TZoMetaData schema;
-    RegisterThings(schema);
-    const pointer<Thing> head(new Thing);
-    Thing* last = head.get();
-    for (int i = 2; i <= LENGTH; ++i) {
-        last->child = new Thing;
-        last = last->child.get();
-    }
+TEST_F(Chain, OfInvalidObjectsIsRemoved) {
+    Thing* last = nullptr;
+    const pointer<Thing> head = ChainOf(100'000, last);
     Opened opened(Save(schema, head.get()), schema);
     TDList<ZoStreamableBase*> invalid;
     invalid.Add(opened.Root<Thing>().child.get());

@@ -45,7 +45,7 @@ std::string Random(std::mt19937& random, const char* alphabet, std::size_t longe
 }
 
 TEST(ZoStringTest, Construction) {
-    const unsigned char bytes[] = {0xE7, 'b', 'c'};
+    const unsigned char bytes[] = {0xE7, 'z', 'c'};
     const char* null = nullptr;
     const struct {
         const char* name;
@@ -60,9 +60,7 @@ TEST(ZoStringTest, Construction) {
         {"null bytes", ZoString(static_cast<const unsigned char*>(nullptr), 5), ""},
         {"count", ZoString("abcdef", 3), "abc"},
         {"embedded zero ends it", ZoString("ab\0cd", 5), "ab"},
-        {"bytes", ZoString(bytes, 2),
-         "\xE7"
-         "b"},
+        {"bytes", ZoString(bytes, 2), "\xE7z"},
         {"repeated", ZoString('x', 4), "xxxx"},
         {"never", ZoString('x', 0), ""},
         {"character", ZoString('a'), "a"},
@@ -174,8 +172,6 @@ TEST(ZoStringTest, AssignsGrowingAndShrinking) {
     }
     scratch.Assign("ab\0cd", 5);
     EXPECT_EQ(scratch, "ab");
-    scratch.Assign("12345", 5);
-    EXPECT_EQ(scratch, "12345");
     scratch.Assign(nullptr, 7);
     EXPECT_EQ(scratch, "");
     scratch = static_cast<const char*>(nullptr);
@@ -222,24 +218,17 @@ TEST(ZoStringTest, ComparesBytesAsUnsigned) {
             const bool same = left == right;
             const bool less = std::find(std::begin(sorted), std::end(sorted), left) <
                               std::find(std::begin(sorted), std::end(sorted), right);
-            EXPECT_EQ(a == b, same);
-            EXPECT_EQ(a == right, same);
-            EXPECT_EQ(left == b, same);
-            EXPECT_EQ(a != b, !same);
-            EXPECT_EQ(a != right, !same);
-            EXPECT_EQ(left != b, !same);
-            EXPECT_EQ(a < b, less);
-            EXPECT_EQ(a < right, less);
-            EXPECT_EQ(left < b, less);
-            EXPECT_EQ(a <= b, less || same);
-            EXPECT_EQ(a <= right, less || same);
-            EXPECT_EQ(left <= b, less || same);
-            EXPECT_EQ(a > b, !less && !same);
-            EXPECT_EQ(a > right, !less && !same);
-            EXPECT_EQ(left > b, !less && !same);
-            EXPECT_EQ(a >= b, !less);
-            EXPECT_EQ(a >= right, !less);
-            EXPECT_EQ(left >= b, !less);
+            const auto check = [&](const auto& x, const auto& y) {
+                EXPECT_EQ(x == y, same);
+                EXPECT_EQ(x != y, !same);
+                EXPECT_EQ(x < y, less);
+                EXPECT_EQ(x <= y, less || same);
+                EXPECT_EQ(x > y, !less && !same);
+                EXPECT_EQ(x >= y, !less);
+            };
+            check(a, b);
+            check(a, right);
+            check(left, b);
         }
     }
     EXPECT_TRUE(ZoString() == static_cast<const char*>(nullptr));
@@ -269,15 +258,12 @@ TEST(ZoStringTest, CaseIsThatOfTheCodePage) {
         ZoString lower(c);
         upper.Uppercase();
         lower.Lowercase();
-        const bool pairedAlone = i == 0x8A || i == 0x8C || i == 0x8E || i == 0x9A || i == 0x9C || i == 0x9E;
         int expectedUpper = i;
         int expectedLower = i;
         if ((i >= 'a' && i <= 'z') || (i >= 0xE0 && i <= 0xFE && i != 0xF7)) expectedUpper = i - 0x20;
         if ((i >= 'A' && i <= 'Z') || (i >= 0xC0 && i <= 0xDE && i != 0xD7)) expectedLower = i + 0x20;
-        if (pairedAlone) {
-            expectedUpper = i & ~0x10;
-            expectedLower = i | 0x10;
-        }
+        if (i == 0x9A || i == 0x9C || i == 0x9E) expectedUpper = i - 0x10;
+        if (i == 0x8A || i == 0x8C || i == 0x8E) expectedLower = i + 0x10;
         if (i == 0xFF) expectedUpper = 0x9F;
         if (i == 0x9F) expectedLower = 0xFF;
         EXPECT_EQ(upper, ZoString(static_cast<char>(expectedUpper))) << i;
@@ -312,10 +298,7 @@ TEST(ZoStringTest, NaturalOrder) {
         const std::string a = Random(random, "01289a\xB0\xAF\xFF", i % 50 == 0 ? 60 : 5);
         const std::string b = Random(random, "01289a\xB0\xAF\xFF", i % 50 == 0 ? 60 : 5);
         const int order = Key(a).compare(Key(b));
-        ASSERT_EQ(ZoString(a.c_str()).Compare(b.c_str()), order < 0   ? -1
-                                                          : order > 0 ? 1
-                                                                      : 0)
-            << a << " and " << b;
+        ASSERT_EQ(ZoString(a.c_str()).Compare(b.c_str()), (order > 0) - (order < 0)) << a << " and " << b;
     }
 }
 
@@ -441,9 +424,9 @@ TEST(ZoStringTest, FindsTexts) {
 }
 
 TEST(ZoStringTest, AssertionsOfPositions) {
-    ZoString s("abc");
-    const ZoString constant("abc");
-    const ZoString empty;
+    using S = ZoString;
+    S s("abc");
+    const S constant("abc"), empty;
     const std::string header = "public/include/ZoPrimitives/ZoString";
     const std::string body = "cpp/ZoPrimitives/ZoString";
     const FailedAssertion none;
@@ -453,25 +436,15 @@ TEST(ZoStringTest, AssertionsOfPositions) {
         FailedAssertion expected;
     } rows[] = {
         {"index", AssertionOf([&] { s[3] = 'x'; }), {"pos < length()", header, 514}},
-        {"const index",
-         AssertionOf([&] { static_cast<void>(constant[3]); }),
-         {"pos < length()", header, 524}},
-        {"largest index",
-         AssertionOf([&] { static_cast<void>(constant[LAST]); }),
-         {"pos < length()", header, 524}},
-        {"index of nothing",
-         AssertionOf([&] { static_cast<void>(empty[0]); }),
-         {"pos < length()", header, 524}},
+        {"const index", AssertionOf([&] { (void)constant[3]; }), {"pos < length()", header, 524}},
+        {"largest index", AssertionOf([&] { (void)constant[LAST]; }), {"pos < length()", header, 524}},
+        {"index of nothing", AssertionOf([&] { (void)empty[0]; }), {"pos < length()", header, 524}},
         {"last index", AssertionOf([&] { s[2] = 'c'; }), none},
         {"find at the end", AssertionOf([&] { s.find('a', 3); }), {"initPos < stringLength", body, 645}},
         {"rfind far off", AssertionOf([&] { s.rfind('a', 10); }), {"initPos < thisLength", body, 693}},
         {"rfind at the end", AssertionOf([&] { s.rfind('a', 3); }), {"initPos < thisLength", body, 693}},
-        {"text ends at the end",
-         AssertionOf([&] { s.textRFind("a", 3); }),
-         {"initPos < (int)thisLength", body, 723}},
-        {"capital of nothing",
-         AssertionOf([&] { ZoString::FirstCharToUppercase(empty); }),
-         {"pos < length()", header, 514}},
+        {"textRFind", AssertionOf([&] { s.textRFind("a", 3); }), {"initPos < (int)thisLength", body, 723}},
+        {"capital", AssertionOf([&] { S::FirstCharToUppercase(empty); }), {"pos < length()", header, 514}},
         {"find in nothing", AssertionOf([&] { empty.find('a', 3); }), none},
         {"find text far off", AssertionOf([&] { s.find("a", 99); }), none},
     };
@@ -545,19 +518,11 @@ TEST(ZoStringTest, Editing) {
         {"replace last absent", S("abc").ReplaceLastOccurrence("x", "y"), "abc"},
         {"replace last nothing", S("abc").ReplaceLastOccurrence("", "y"), "abc"},
         {"letters and marks between", S("@Az[\\]^_`{1").RemoveLetters(), "@{1"},
-        {"letters keep accents",
-         S("a\xE7"
-           "b")
-             .RemoveLetters(),
-         "\xE7"},
+        {"letters keep accents", S("a\xE7z").RemoveLetters(), "\xE7"},
         {"line feeds", S("a\n\nb\n\n").RemoveTrailingBreaklines(), "a\n\nb"},
         {"line feeds only", S("\n\n").RemoveTrailingBreaklines(), ""},
         {"carriage return stays", S("a\r\n").RemoveTrailingBreaklines(), "a\r"},
-        {"capitals",
-         S::FirstCharToUppercase("ab c\xE7 \xE7"
-                                 "d e"),
-         "Ab C\xE7 \xC7"
-         "d e"},
+        {"capitals", S::FirstCharToUppercase("ab c\xE7 \xE7x e"), "Ab C\xE7 \xC7x e"},
         {"capital of one", S::FirstCharToUppercase("\xE7"), "\xC7"},
         {"capital of two", S::FirstCharToUppercase(" a"), " a"},
         {"capital of three", S::FirstCharToUppercase(" ab"), " Ab"},
@@ -633,47 +598,24 @@ TEST(ZoStringTest, WordWrap) {
 }
 
 TEST(ZoStringTest, Classification) {
+    // Blank, has a digit, only digits, numeric, valid float, below the base line, invalid in names.
     const struct {
         const char* text;
-        bool null, hasDigit, onlyDigits, numeric, validFloat, underline, invalidName;
+        std::string kinds;
     } rows[] = {
-        {"", true, false, true, false, false, false, false},
-        {"  ", true, false, false, false, false, false, false},
-        {"\t", false, false, false, false, false, false, false},
-        {"12", false, true, true, true, true, false, false},
-        {"-12.5", false, true, false, true, true, false, false},
-        {"-1,5", false, true, false, true, false, false, false},
-        {"3.25", false, true, false, true, true, false, false},
-        {"1.", false, true, false, false, true, false, false},
-        {".5", false, true, false, false, true, false, false},
-        {"1.2.3", false, true, false, false, false, false, false},
-        {"1,2.3", false, true, false, false, false, false, false},
-        {"1,", false, true, false, false, false, false, false},
-        {",5", false, true, false, false, false, false, false},
-        {"-.5", false, true, false, false, true, false, false},
-        {"+1", false, true, false, false, false, false, false},
-        {"1-2", false, true, false, false, false, false, false},
-        {"-", false, false, false, false, true, false, false},
-        {"--1", false, true, false, false, false, false, false},
-        {"1 ", false, true, false, false, false, false, false},
-        {"a1", false, true, false, false, false, false, false},
-        {"(", false, false, false, false, false, true, false},
-        {"\xC7", false, false, false, false, false, true, false},
-        {"Q\xE3"
-         ",;",
-         false, false, false, false, false, false, false},
-        {"a:b", false, false, false, false, false, false, true},
+        {"", "bo"},      {"  ", "b"},   {"\t", ""},   {"12", "donv"}, {"-12.5", "dnv"}, {"-1,5", "dn"},
+        {"3.25", "dnv"}, {"1.", "dv"},  {".5", "dv"}, {"1.2.3", "d"}, {"1,2.3", "d"},   {"1,", "d"},
+        {",5", "d"},     {"-.5", "dv"}, {"+1", "d"},  {"1-2", "d"},   {"-", "v"},       {"--1", "d"},
+        {"1 ", "d"},     {"a1", "d"},   {"(", "u"},   {"\xC7", "u"},  {"Q\xE3,;", ""},  {"a:b", "i"},
     };
     for (const auto& row : rows) {
         const ZoString s(row.text);
-        EXPECT_EQ(s.IsNull(), row.null) << row.text;
-        EXPECT_EQ(s.HasNonWhitespaceChar(), !row.null) << row.text;
-        EXPECT_EQ(s.HasNumericChar(), row.hasDigit) << row.text;
-        EXPECT_EQ(s.HasOnlyNumbers(), row.onlyDigits) << row.text;
-        EXPECT_EQ(s.IsNumeric(), row.numeric) << row.text;
-        EXPECT_EQ(s.IsValidFloat(), row.validFloat) << row.text;
-        EXPECT_EQ(s.HasUnderlineChars(), row.underline) << row.text;
-        EXPECT_EQ(s.HasInvalidNameChars(), row.invalidName) << row.text;
+        const bool is[] = {s.IsNull(),       s.HasNumericChar(),    s.HasOnlyNumbers(),     s.IsNumeric(),
+                           s.IsValidFloat(), s.HasUnderlineChars(), s.HasInvalidNameChars()};
+        std::string found;
+        for (std::size_t i = 0; i < 7; ++i) found += is[i] ? std::string(1, "bdonvui"[i]) : "";
+        EXPECT_EQ(found, row.kinds) << row.text;
+        EXPECT_NE(s.HasNonWhitespaceChar(), s.IsNull()) << row.text;
     }
     for (const char c : std::string("()gjpqy\xC7\xE7")) EXPECT_TRUE(ZoString(c).HasUnderlineChars()) << c;
     for (const char c : std::string("\\/<>?:*|\"")) EXPECT_TRUE(ZoString(c).HasInvalidNameChars()) << c;

@@ -17,6 +17,7 @@
 #include "ZoPrimitives/ClipboardOutputStream.h"
 #include "ZoPrimitives/ColorScale.h"
 #include "ZoPrimitives/ECustomPropertyValueType.h"
+#include "ZoPrimitives/ConvertionHelper.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/FileInputStream.h"

@@ -1,0 +1,286 @@
+#include "ZoPrimitives/ConvertionHelper.h"
+#include "ZoPrimitives/IVector.h"
+#include "ZoPrimitives/ZoRegister.h"
+#include "ZoPrimitives/ZoStreamablePrimitives.h"
+#include "support/Assertions.h"
+#include "support/Streaming.h"
+
+#include <map>
+#include <stdexcept>
+
+using namespace ZoPrimitives;
+
+// An application's own model, and what it saves of it.
+
+namespace business {
+
+struct Person : ZoObject {
+    explicit Person(const char* personName = "") : name(personName) {}
+    ZoString name;
+    pointer<Person> child;
+    TIVector<Person> staff;
+    Person* friendOf = nullptr;
+    Alive alive;
+};
+
+struct Clerk : Person {
+    using Person::Person;
+    int desk = 0;
+};
+
+/// What nobody saves.
+struct Cache : Person {};
+
+} // namespace business
+
+namespace saved {
+
+/// Fails as soon as so many objects were filled.
+int failsAt = -1;
+int filled = 0;
+
+void CountFill() {
+    if (filled++ == failsAt) throw std::runtime_error("fill");
+}
+
+class Person : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Person)
+    DECLARE_ZO_FIELD(ZoString, name)
+    DECLARE_ZO_FIELD_CHILD(Person, child)
+    DECLARE_ZO_FIELD_CHILD_LIST(Person, staff)
+    DECLARE_ZO_FIELD_REFERENCE(Person, friendOf)
+    REGISTER_ZO_END
+
+    ZoObject* CreateBusinessObject() override { return new business::Person; }
+    void FillBusinessObject(ZoObject* object, TStreamableToBusinessObjectConvertionHelper* helper) override {
+        auto& person = dynamic_cast<business::Person&>(*object);
+        const auto convert = [&](Person* other) {
+            return dynamic_cast<business::Person*>(helper->Convert(other));
+        };
+        person.name = name;
+        person.friendOf = convert(friendOf.get());
+        person.child = convert(child.get());
+        for (const auto& one : staff) person.staff.Add(convert(one.get()));
+        CountFill();
+    }
+    void FillFromBusinessObject(ZoObject* object,
+                                TBusinessToStreamableObjectConvertionHelper* helper) override {
+        auto& person = dynamic_cast<business::Person&>(*object);
+        const auto convert = [&](business::Person* other) {
+            return dynamic_cast<Person*>(helper->Convert(other));
+        };
+        name = person.name;
+        friendOf = convert(person.friendOf);
+        child = convert(person.child.get());
+        for (const auto& one : person.staff) staff.Add(convert(one.get()));
+        CountFill();
+    }
+    Alive alive;
+};
+
+class Clerk : public Person {
+    REGISTER_ZO_BEGIN(Clerk, Person)
+    DECLARE_ZO_FIELD(int, desk)
+    REGISTER_ZO_END
+
+    ZoObject* CreateBusinessObject() override { return new business::Clerk; }
+    void FillBusinessObject(ZoObject* object, TStreamableToBusinessObjectConvertionHelper* helper) override {
+        dynamic_cast<business::Clerk&>(*object).desk = desk;
+        Person::FillBusinessObject(object, helper);
+    }
+    void FillFromBusinessObject(ZoObject* object,
+                                TBusinessToStreamableObjectConvertionHelper* helper) override {
+        desk = dynamic_cast<business::Clerk&>(*object).desk;
+        Person::FillFromBusinessObject(object, helper);
+    }
+};
+
+} // namespace saved
+
+namespace {
+
+class Factory : public IStreamableConvertionFactory {
+public:
+    ZoObjectStreamable* CreateStreamable(const ZoString& name) override {
+        ++asked[Text(name)];
+        if (name == "class business::Person") return new saved::Person;
+        if (name == "class business::Clerk") return new saved::Clerk;
+        return nullptr;
+    }
+    std::map<std::string, int> asked;
+};
+
+class ConvertionTest : public testing::Test {
+protected:
+    ConvertionTest() {
+        saved::failsAt = -1;
+        saved::filled = 0;
+        before = Alive::Count();
+    }
+    ~ConvertionTest() override { EXPECT_EQ(Alive::Count(), before); }
+
+    /// The head of a firm with two of staff, who know each other and the head.
+    static pointer<business::Person> Firm() {
+        pointer<business::Person> head = new business::Person("head");
+        auto* clerk = new business::Clerk("clerk");
+        clerk->desk = 7;
+        head->staff.Add(clerk);
+        head->staff.Add(new business::Person("porter"));
+        head->staff[2]->child = new business::Person("child");
+        head->staff[2]->child->friendOf = head->staff[1].get();
+        head->staff[1]->friendOf = head.get();
+        head->friendOf = head->staff[2].get();
+        return head;
+    }
+
+    Factory factory;
+    int before = 0;
+};
+
+template <class Person, class Clerk>
+void ExpectFirm(const Person& head) {
+    EXPECT_EQ(head.name, "head");
+    ASSERT_EQ(head.staff.NItems(), 2U);
+    const auto* clerk = dynamic_cast<const Clerk*>(head.staff[1].get());
+    ASSERT_NE(clerk, nullptr);
+    EXPECT_EQ(clerk->name, "clerk");
+    EXPECT_EQ(clerk->desk, 7);
+    const Person& porter = *head.staff[2];
+    EXPECT_EQ(porter.name, "porter");
+    ASSERT_TRUE(porter.child);
+    EXPECT_EQ(porter.child->name, "child");
+    EXPECT_TRUE(porter.child->friendOf == clerk);
+    EXPECT_TRUE(clerk->friendOf == &head);
+    EXPECT_TRUE(head.friendOf == &porter);
+}
+
+} // namespace
+
+TEST_F(ConvertionTest, ConvertsACyclicGraphSavesItAndConvertsItBack) {
+    TZoMetaData schema;
+    saved::Person::Register(&schema);
+    saved::Clerk::Register(&schema);
+    const pointer<business::Person> head = Firm();
+
+    TBusinessToStreamableObjectConvertionHelper toStreamable(&factory);
+    const pointer<ZoObjectStreamable> streamable = toStreamable.Convert(head.get());
+    ExpectFirm<saved::Person, saved::Clerk>(dynamic_cast<saved::Person&>(*streamable));
+    EXPECT_EQ(factory.asked,
+              (std::map<std::string, int>{{"class business::Person", 3}, {"class business::Clerk", 1}}))
+        << "once for each object, by the name of what it is";
+
+    Opened opened(Save(schema, streamable.get()), schema);
+    TStreamableToBusinessObjectConvertionHelper toBusiness;
+    const pointer<ZoObject> back = toBusiness.Convert(&opened.Root<saved::Person>());
+    ExpectFirm<business::Person, business::Clerk>(dynamic_cast<business::Person&>(*back));
+    EXPECT_EQ(Alive::Count() - before, 4 * 4);
+}
+
+TEST_F(ConvertionTest, GivesTheSameCounterpartEachTime) {
+    business::Person shared("shared"), first("first"), second("second");
+    first.friendOf = second.friendOf = &shared;
+    TBusinessToStreamableObjectConvertionHelper helper(&factory);
+    const pointer<ZoObjectStreamable> a = helper.Convert(&first);
+    const pointer<ZoObjectStreamable> c = helper.Convert(&shared);
+    const pointer<ZoObjectStreamable> b = helper.Convert(&second);
+    EXPECT_EQ(dynamic_cast<saved::Person&>(*a).friendOf.get(), c.get());
+    EXPECT_EQ(dynamic_cast<saved::Person&>(*b).friendOf.get(), c.get());
+    EXPECT_EQ(saved::filled, 3);
+    EXPECT_EQ(helper.Convert(&first), a.get());
+
+    TStreamableToBusinessObjectConvertionHelper back;
+    const pointer<ZoObject> shared2 = back.Convert(c.get());
+    const pointer<ZoObject> first2 = back.Convert(a.get());
+    EXPECT_EQ(dynamic_cast<business::Person&>(*first2).friendOf, shared2.get());
+    EXPECT_EQ(back.Convert(c.get()), shared2.get());
+}
+
+TEST_F(ConvertionTest, GivesNullWhereThereIsNoCounterpart) {
+    TBusinessToStreamableObjectConvertionHelper helper(&factory);
+    business::Cache cache;
+    EXPECT_EQ(helper.Convert(nullptr), nullptr);
+    EXPECT_EQ(helper.Convert(&cache), nullptr);
+    EXPECT_EQ(helper.Convert(&cache), nullptr);
+    EXPECT_EQ(factory.asked["class business::Cache"], 1);
+    TStreamableToBusinessObjectConvertionHelper back;
+    ZoDouble without(1.5);
+    EXPECT_EQ(back.Convert(nullptr), nullptr);
+    EXPECT_EQ(back.Convert(&without), nullptr);
+    EXPECT_EQ(saved::filled, 0);
+    EXPECT_EQ(AssertionOf([] { TBusinessToStreamableObjectConvertionHelper none(nullptr); }).expression,
+              "factory");
+}
+
+TEST_F(ConvertionTest, LeavesTheObjectsToTheCaller) {
+    business::Person lonely("lonely");
+    ZoObjectStreamable* made = nullptr;
+    {
+        TBusinessToStreamableObjectConvertionHelper helper(&factory);
+        made = helper.Convert(&lonely);
+        EXPECT_EQ(ZoReferenceCount::Count(made), 0U);
+    }
+    EXPECT_EQ(dynamic_cast<saved::Person&>(*made).name, "lonely")
+        << "the helper has gone, the object has not";
+    delete made;
+}
+
+TEST_F(ConvertionTest, AFailureEndsWhatWasMade) {
+    const pointer<business::Person> head = Firm();
+    const int model = Alive::Count();
+    for (int at = 0; at < 4; ++at) {
+        TBusinessToStreamableObjectConvertionHelper helper(&factory);
+        saved::filled = 0;
+        saved::failsAt = at;
+        EXPECT_THROW(helper.Convert(head.get()), std::runtime_error);
+        EXPECT_EQ(Alive::Count(), model) << "after " << at << " objects";
+        // What was forgotten is made anew.
+        saved::failsAt = -1;
+        const pointer<ZoObjectStreamable> streamable = helper.Convert(head.get());
+        ExpectFirm<saved::Person, saved::Clerk>(dynamic_cast<saved::Person&>(*streamable));
+
+        TStreamableToBusinessObjectConvertionHelper back;
+        const int both = Alive::Count();
+        saved::filled = 0;
+        saved::failsAt = at;
+        EXPECT_THROW(back.Convert(streamable.get()), std::runtime_error);
+        EXPECT_EQ(Alive::Count(), both) << "after " << at << " objects";
+    }
+}
+
+TEST_F(ConvertionTest, AFailureSparesWhatWasConvertedBefore) {
+    business::Person first("first"), second("second");
+    second.friendOf = &first;
+    TBusinessToStreamableObjectConvertionHelper helper(&factory);
+    const pointer<ZoObjectStreamable> kept = helper.Convert(&first);
+    saved::failsAt = saved::filled;
+    EXPECT_THROW(helper.Convert(&second), std::runtime_error);
+    EXPECT_EQ(dynamic_cast<saved::Person&>(*kept).name, "first");
+    EXPECT_EQ(helper.Convert(&first), kept.get());
+}
+
+TEST_F(ConvertionTest, ConvertsChainsOfAnyLength) {
+    constexpr int LENGTH = 200'000;
+    const pointer<business::Person> first = new business::Person("1");
+    business::Person* last = first.get();
+    for (int i = 1; i < LENGTH; ++i) {
+        last->child = new business::Person("2");
+        last = last->child.get();
+    }
+    last->friendOf = first.get();
+    TBusinessToStreamableObjectConvertionHelper helper(&factory);
+    const pointer<ZoObjectStreamable> chain = helper.Convert(first.get());
+    TStreamableToBusinessObjectConvertionHelper back;
+    const pointer<ZoObject> again = back.Convert(chain.get());
+    EXPECT_EQ(saved::filled, 2 * LENGTH);
+    const auto* person = dynamic_cast<const business::Person*>(again.get());
+    int length = 1;
+    for (; person->child; person = person->child.get()) ++length;
+    EXPECT_EQ(length, LENGTH);
+    EXPECT_EQ(person->friendOf, again.get());
+
+    saved::failsAt = saved::filled + LENGTH - 1;
+    TBusinessToStreamableObjectConvertionHelper failing(&factory);
+    const int three = Alive::Count();
+    EXPECT_THROW(failing.Convert(first.get()), std::runtime_error);
+    EXPECT_EQ(Alive::Count(), three);
+}

@@ -188,6 +188,38 @@ void TZoMetaData::Clear() {
     for (const auto& leaving : classes) Unbind(leaving.get());
     classes.RemoveAll();
     cadastres.RemoveAll();
+    registers.RemoveAll();
+}
+
+void TZoMetaData::Register(ZoStreamableRegister* newRegister) {
+    ZO_ASSERT(newRegister, "newRegister", "cpp/Persistence/ZoMetaData");
+    const pointer<ZoStreamableRegister> holder(newRegister);
+    for (const auto& kept : registers) {
+        if (kept->GetName() == newRegister->GetName()) return;
+    }
+    registers.Add(newRegister);
+}
+
+void TZoMetaData::ClassesRegister() {
+    if (registersClasses) return; // called by a class that registers: the passes go on anyway
+    struct Mark {
+        explicit Mark(bool& schemaRegisters) : registers(schemaRegisters) { registers = true; }
+        ~Mark() { registers = false; }
+        bool& registers;
+    };
+    const Mark mark(registersClasses);
+    TIVector<ZoStreamableRegister, pointer<ZoStreamableRegister>> called;
+    unsigned long long before = 0;
+    do {
+        before = called.NItems();
+        for (unsigned long long i = 1; i <= registers.NItems(); ++i) { // the list may change meanwhile
+            const pointer<ZoStreamableRegister> next = registers[i];
+            if (DoesClassExist(next->GetName()) || !next->ReadyToRegister(this)) continue;
+            if (called.Contains(next.get())) continue; // it registers another class than it says
+            called.Add(next.get());
+            next->Register(this);
+        }
+    } while (called.NItems() != before);
 }
 
 void TZoMetaData::AddCadastre(TZoCadastre* cadastre) { cadastres.Add(cadastre); }
@@ -243,6 +275,12 @@ bool TZoMetaData::Check(ZoString* report) const {
                                             field.GetFieldClassName().c_str(), field.GetFieldName().c_str()));
             }
         });
+    }
+    for (const auto& kept : registers) {
+        if (DoesClassExist(kept->GetName())) continue;
+        line(ZoString::FormatString(
+            "[zoerror] class %s not registered. See ZoStreamableRegister::ReadyToRegister",
+            kept->GetName().c_str()));
     }
     return sound;
 }

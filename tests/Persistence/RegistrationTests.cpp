@@ -487,3 +487,94 @@ TEST(HandWrittenAccessors, GetOnlyWhatTheirDeclaredClassCovers) {
         EXPECT_EQ(field->Accepts(&target), tested.takesTarget);
     }
 }
+
+// Registration put off
+
+namespace {
+
+class GrandChild : public Child {
+    REGISTER_ZO_BEGIN(GrandChild, Child)
+    DECLARE_ZO_FIELD(int, youngest)
+    REGISTER_ZO_END
+};
+
+/// What the registers below registered, in order.
+std::vector<std::string> calls;
+
+template <class T>
+TZoClass* Registered(TZoMetaData* schema) {
+    TZoClass* made = T::Register(schema);
+    calls.push_back(Text(made->GetName()));
+    return made;
+}
+
+TEST(DeferredRegistration, RegistersWhatBecomesReady) {
+    const auto never = [](TZoMetaData*) { return false; };
+    const auto afterParent = [](TZoMetaData* m) { return m->DoesClassExist("Parent"); };
+    const auto afterChild = [](TZoMetaData* m) { return m->DoesClassExist("Child"); };
+    calls.clear();
+    TZoMetaData schema;
+    schema.Register(new ZoStreamableRegister("GrandChild", Registered<GrandChild>, afterChild));
+    schema.Register(new ZoStreamableRegister("Child", Registered<Child>, afterParent));
+    schema.Register(new ZoStreamableRegister("Parent", Registered<Parent>, nullptr));
+    schema.Register(new ZoStreamableRegister("Holder", Registered<elsewhere::Holder>, never));
+    ZoString report;
+    EXPECT_FALSE(schema.Check(&report));
+    schema.ClassesRegister();
+    EXPECT_EQ(calls, (std::vector<std::string>{"Parent", "Child", "GrandChild"}));
+    EXPECT_EQ(ParentNames(schema.FindClass("GrandChild")), std::vector<std::string>{"Child"});
+    Target::Register(&schema);
+    app::Leaf::Register(&schema);
+    report = "";
+    EXPECT_FALSE(schema.Check(&report));
+    EXPECT_EQ(report, "[zoerror] class Holder not registered. See ZoStreamableRegister::ReadyToRegister");
+
+    calls.clear();
+    schema.ClassesRegister();
+    EXPECT_TRUE(calls.empty()) << "what is registered is not asked again";
+    GrandChild::Unregister(&schema);
+    schema.ClassesRegister();
+    EXPECT_EQ(calls, std::vector<std::string>{"GrandChild"}) << "what was excluded comes back";
+}
+
+TEST(DeferredRegistration, KeepsTheFirstRegisterOfAClass) {
+    TZoMetaData schema;
+    const pointer<ZoStreamableRegister> first = new ZoStreamableRegister("Target", Target::Register, nullptr);
+    const pointer<ZoStreamableRegister> second =
+        new ZoStreamableRegister("Target", elsewhere::Target::Register, nullptr);
+    schema.Register(first.get());
+    schema.Register(first.get());
+    schema.Register(second.get());
+    EXPECT_EQ(ZoReferenceCount::Count(first.get()), 2U) << "here and in the schema";
+    EXPECT_EQ(ZoReferenceCount::Count(second.get()), 1U);
+    schema.ClassesRegister();
+    EXPECT_NE(schema.FindClass("Target")->FindField("number"), nullptr);
+    EXPECT_TRUE(second->ReadyToRegister(&schema));
+    EXPECT_EQ(second->Register(&schema), schema.FindClass("Target")) << "which stays";
+    schema.Clear();
+    EXPECT_EQ(ZoReferenceCount::Count(first.get()), 1U);
+}
+
+TEST(DeferredRegistration, EndsWhateverTheRegistersDo) {
+    TZoMetaData schema;
+    calls.clear();
+    // One registers another class than it says, one registers through the schema itself, one keeps a new one.
+    schema.Register(new ZoStreamableRegister("Wrong", Registered<Parent>, nullptr));
+    schema.Register(new ZoStreamableRegister(
+        "Target",
+        [](TZoMetaData* m) {
+            m->ClassesRegister();
+            m->Register(new ZoStreamableRegister("Leaf", Registered<app::Leaf>, nullptr));
+            return Registered<Target>(m);
+        },
+        nullptr));
+    schema.Register(new ZoStreamableRegister("Nothing", nullptr, nullptr));
+    schema.ClassesRegister();
+    EXPECT_EQ(calls, (std::vector<std::string>{"Parent", "Target", "Leaf"}));
+    ZoString report;
+    EXPECT_FALSE(schema.Check(&report));
+    EXPECT_EQ(report, "[zoerror] class Wrong not registered. See ZoStreamableRegister::ReadyToRegister\n"
+                      "[zoerror] class Nothing not registered. See ZoStreamableRegister::ReadyToRegister");
+}
+
+} // namespace

@@ -3,6 +3,7 @@
 #include "ZoPrimitives/IList.h"
 #include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/ZoClassField.h"
+#include "ZoPrimitives/ZoStreamableRegister.h"
 #include "ZoPrimitives/dvector.h"
 
 #include <memory>
@@ -272,13 +273,21 @@ public:
     void AddCadastre(TZoCadastre* cadastre);
     TZoCadastre* FindCadastre(const ZoString& className) const;
 
+    /// Keeps how a class registers and takes it over, unless one for a class of that name is kept already:
+    /// then the new one is dropped.
+    void Register(ZoStreamableRegister* newRegister);
+    /// Registers the kept classes that are ready and not registered, in the order in which they were kept,
+    /// again and again until none becomes ready; each once in a call. Those that stay back are reported by
+    /// `Check`. What is kept stays so: a class excluded since registers anew.
+    void ClassesRegister();
+
     /// Remembers a pointer field whose class, by the name set with `SetFieldClassName`, is not registered
     /// yet; other fields are ignored.
     void AddToResolveCrossRefs(TZoClassField* field);
     void ResolveCrossRefs();
-    /// Whether all parents and field classes are registered. `report` (may be null) gets one line for each
-    /// that is not. Fields declared with a generic base ("ZoStreamableBase", "ZoObjectStreamable",
-    /// "Streamable") count as resolved.
+    /// Whether all parents, field classes and classes kept for `ClassesRegister` are registered. `report`
+    /// (may be null) gets one line for each that is not. Fields declared with a generic base
+    /// ("ZoStreamableBase", "ZoObjectStreamable", "Streamable") count as resolved.
     bool Check(ZoString* report) const;
 
     /// Writes the schema record: uid 0, class 0.
@@ -320,6 +329,8 @@ private:
     std::unique_ptr<TClassNameAndIdMap> index;
     int nextId = 1;
     std::vector<TZoClass*> slots; // by process-wide number of the C++ class
+    TIVector<ZoStreamableRegister, pointer<ZoStreamableRegister>> registers;
+    bool registersClasses = false; // `ClassesRegister` is under way
 };
 
 } // namespace ZoPrimitives

@@ -286,4 +286,7 @@ ZoNumberBesideText<Text, Number> operator!=(Number, const Text&) = delete;
 template <class Text, class Number>
 ZoNumberBesideText<Text, Number> operator+(Number, const Text&) = delete;
 
+/// The string that crosses the boundary between modules.
+using ZoPortableString = ZoString;
+
 } // namespace ZoPrimitives

@@ -1,0 +1,29 @@
+#include "ZoPrimitives/FactoryManager.h"
+
+namespace ZoPrimitives {
+
+IZoFactory::~IZoFactory() = default;
+
+/// Made at the first call, from wherever a program starts.
+TFactoryManager::Factories& TFactoryManager::listFactories() {
+    static auto* factories = new Factories;
+    return *factories;
+}
+
+void TFactoryManager::AddFactory(IZoFactory* factory) {
+    ZO_ASSERT(factory, "factory", "cpp/Persistence/FactoryManager");
+    const pointer<IZoFactory> holder(factory); // it may be listed, and nowhere else
+    if (IZoFactory* present = GetFactory(factory->GetName())) listFactories().Remove(present);
+    listFactories().Add(factory);
+}
+
+IZoFactory* TFactoryManager::GetFactory(const ZoString& name) {
+    for (const pointer<IZoFactory>& factory : listFactories()) {
+        if (factory->GetName() == name) return factory.get();
+    }
+    return nullptr;
+}
+
+void TFactoryManager::ClearAllFactories() { listFactories().RemoveAll(); }
+
+} // namespace ZoPrimitives

@@ -1,0 +1,62 @@
+#include "ZoPrimitives/FactoryManager.h"
+#include "support/Assertions.h"
+#include "support/Streaming.h"
+
+using namespace ZoPrimitives;
+
+namespace {
+
+class Factory : public IZoFactory {
+public:
+    explicit Factory(const char* factoryName) : name(factoryName) {}
+    ZoPortableString GetName() const override { return name; }
+
+private:
+    ZoString name;
+    Alive alive;
+};
+
+class FactoryManagerTest : public testing::Test {
+protected:
+    FactoryManagerTest() : before(Alive::Count()) { TFactoryManager::ClearAllFactories(); }
+    ~FactoryManagerTest() override {
+        TFactoryManager::ClearAllFactories();
+        EXPECT_EQ(Alive::Count(), before);
+    }
+    int before;
+};
+
+TEST_F(FactoryManagerTest, FindsTheNewestFactoryOfAName) {
+    auto* doors = new Factory("doors");
+    auto* windows = new Factory("windows");
+    TFactoryManager::AddFactory(doors);
+    TFactoryManager::AddFactory(windows);
+    EXPECT_EQ(TFactoryManager::GetFactory("doors"), doors);
+    EXPECT_EQ(TFactoryManager::GetFactory("Doors"), nullptr);
+    EXPECT_EQ(TFactoryManager::GetFactory(""), nullptr);
+    auto* newDoors = new Factory("doors");
+    TFactoryManager::AddFactory(newDoors);
+    EXPECT_EQ(TFactoryManager::GetFactory("doors"), newDoors);
+    EXPECT_EQ(TFactoryManager::GetFactory("windows"), windows);
+    EXPECT_EQ(Alive::Count() - before, 2) << "the first doors are gone";
+}
+
+TEST_F(FactoryManagerTest, KeepsAFactoryThatIsAddedAgain) {
+    auto* doors = new Factory("doors");
+    TFactoryManager::AddFactory(doors);
+    TFactoryManager::AddFactory(doors);
+    EXPECT_EQ(TFactoryManager::GetFactory("doors"), doors);
+    EXPECT_EQ(ZoReferenceCount::Count(doors), 1U);
+}
+
+TEST_F(FactoryManagerTest, ClearsAllButWhatOthersHold) {
+    const pointer<Factory> held = new Factory("held");
+    TFactoryManager::AddFactory(held.get());
+    TFactoryManager::AddFactory(new Factory("let go"));
+    TFactoryManager::ClearAllFactories();
+    EXPECT_EQ(TFactoryManager::GetFactory("held"), nullptr);
+    EXPECT_EQ(Alive::Count() - before, 1);
+    EXPECT_EQ(AssertionOf([] { TFactoryManager::AddFactory(nullptr); }).expression, "factory");
+}
+
+} // namespace

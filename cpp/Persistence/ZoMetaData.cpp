@@ -29,26 +29,28 @@ std::atomic<bool> writingGenericFile{false};
 
 std::string_view View(const ZoString& text) { return {text.c_str(), text.length()}; }
 
-/// The classes registered last, by the number of their C++ class.
+/// The classes of all schemas, by the number of their C++ class, those registered last behind.
 class LatestClasses {
 public:
-    void Set(unsigned slot, TZoClass* latest) {
+    void Add(unsigned slot, TZoClass* latest) {
         const std::lock_guard<std::mutex> lock(guard);
         if (slot >= classes.size()) classes.resize(slot + 1);
-        classes[slot] = latest;
+        classes[slot].push_back(latest);
     }
     void Forget(unsigned slot, const TZoClass* ended) {
         const std::lock_guard<std::mutex> lock(guard);
-        if (slot < classes.size() && classes[slot] == ended) classes[slot] = nullptr;
+        if (slot >= classes.size()) return;
+        auto& same = classes[slot];
+        same.erase(std::remove(same.begin(), same.end(), ended), same.end());
     }
     TZoClass* Get(unsigned slot) {
         const std::lock_guard<std::mutex> lock(guard);
-        return slot < classes.size() ? classes[slot] : nullptr;
+        return slot < classes.size() && !classes[slot].empty() ? classes[slot].back() : nullptr;
     }
 
 private:
     std::mutex guard;
-    std::vector<TZoClass*> classes;
+    std::vector<std::vector<TZoClass*>> classes;
 };
 
 LatestClasses& Latest() {
@@ -114,7 +116,7 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     if (newClass->slot != 0 && newClass->schema == this) {
         if (newClass->slot >= slots.size()) slots.resize(newClass->slot + 1ULL);
         slots[newClass->slot] = newClass;
-        Latest().Set(newClass->slot, newClass);
+        Latest().Add(newClass->slot, newClass);
     }
     return newClass;
 }

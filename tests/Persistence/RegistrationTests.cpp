@@ -122,6 +122,7 @@ TEST(Registration, AnObjectKnowsItsClassInEachSchema) {
     EXPECT_EQ(object.GetClass(), inSecond);
     second.reset();
     EXPECT_EQ(object.GetOriginalClass(first.get()), inFirst);
+    EXPECT_EQ(object.GetClass(), inFirst) << "the one registered last of those that are left";
     Target::Unregister(first.get());
     EXPECT_EQ(object.GetOriginalClass(first.get()), nullptr);
     EXPECT_EQ(object.GetClass(), nullptr);

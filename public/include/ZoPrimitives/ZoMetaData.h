@@ -304,7 +304,8 @@ public:
     static void WritingGenericFile(bool writing);
     /// Whether the name is "ZoStreamableBase", "ZoObjectStreamable" or "Streamable".
     static bool IsGenericBase(const ZoString& className);
-    /// The class that was registered last, in any schema, under a C++ class's number; null for none.
+    /// The class that was registered last under a C++ class's number, of those that still stand in a schema;
+    /// null for none.
     static TZoClass* FindLatestClass(unsigned slot);
 
     /// Appends what hangs from the objects of the list: everything that they own, to any depth, each once.

@@ -47,8 +47,8 @@ public:
     virtual void Read(InputStreamer& streamer);
     /// Whether the object, as read, may stay in the model. True here.
     virtual bool GetIsValid() const;
-    /// The application's class of this object, from the schema in which it was registered last; null for
-    /// none.
+    /// The application's class of this object, from the schema in which it was registered last of those that
+    /// still have it; null for none.
     virtual TZoClass* GetClass() const;
     /// The class under which the object is registered in a schema; null when it is not.
     virtual TZoClass* GetOriginalClass(TZoMetaData* schema) const;

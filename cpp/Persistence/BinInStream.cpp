@@ -431,6 +431,12 @@ ZoStreamableBase* TBinInStream::FindFirstObject(const ZoString& className) const
 
 void TBinInStream::FillObjects(TDVector<ZoStreamableBase*>* list) const { list->Append(objects); }
 
+void TBinInStream::TakeObjects(TIVector<ZoStreamableBase>* list) {
+    list->Reserve(list->NItems() + objects.NItems());
+    for (ZoStreamableBase* object : objects) list->Add(object);
+    ForgetInstances();
+}
+
 void TBinInStream::RemoveInstances(const TDVector<ZoStreamableBase*>& list) {
     const std::unordered_set<const ZoStreamableBase*> removed(list.begin(), list.end());
     TDVector<ZoStreamableBase*> kept;

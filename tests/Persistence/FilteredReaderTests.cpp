@@ -291,6 +291,34 @@ TEST_F(FilteredReaderTest, RecordsOfClassesThatTheSchemaLacksArePassedOver) {
     EXPECT_FALSE(stream.LoadFilteredRecord(&schema, ids, &classId, &uid, 3));
 }
 
+TEST_F(FilteredReaderTest, ObjectsAreTakenOverAtOnce) {
+    // Of a frame that is not known any more nothing is left but what it held: whoever takes the root alone
+    // would leave the rest to nobody.
+    std::vector<ClassEntry> classes = Classes();
+    classes[2].name = "Unknown";
+    const std::string file = FileOf(classes, FrameRows());
+    TMemoryBinInStream stream(file.data(), file.size(), 0);
+    stream.Initialize();
+    TIVector<ZoStreamableBase> objects;
+    objects.Add(new Node);
+    TBinInStreamer streamer(&stream, &schema);
+    EXPECT_THROW(streamer.ReadObjects(), XStream) << "a record of class 77";
+    EXPECT_EQ(Alive::Count() - before, 1);
+
+    std::vector<Row> rows = FrameRows();
+    rows.erase(rows.begin() + 7);
+    const std::string sound = FileOf(classes, rows);
+    TMemoryBinInStream again(sound.data(), sound.size(), 0);
+    again.Initialize();
+    TBinInStreamer whole(&again, &schema);
+    ZoStreamableBase* root = whole.ReadObjects();
+    again.TakeObjects(&objects);
+    EXPECT_EQ(objects.NItems(), 1U + 3U) << "nodes 2, 4 and 6; the others are invalid without another";
+    EXPECT_EQ(objects[2].get(), root) << "the first that was not dropped";
+    EXPECT_EQ(again.Objects().NItems(), 0U);
+    EXPECT_EQ(again.GetInstance(2), nullptr);
+}
+
 TEST_F(FilteredReaderTest, SurvivesStrangersWithRightSums) {
     const std::vector<Row> sound = FrameRows();
     for (std::size_t row = 0; row < sound.size(); ++row) {

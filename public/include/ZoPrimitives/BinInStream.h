@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/BinHeader.h"
+#include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/ZoObject.h"
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/dvector.h"
@@ -113,6 +114,9 @@ public:
     ZoStreamableBase* FindFirstObject(const ZoString& className) const;
     /// Appends all objects read.
     void FillObjects(TDVector<ZoStreamableBase*>* list) const;
+    /// Gives all objects read to `list`, which holds them from then on, also those that hang from nothing;
+    /// the stream forgets them.
+    void TakeObjects(TIVector<ZoStreamableBase>* list);
     /// Takes objects out of the list of those read, without deleting them.
     void RemoveInstances(const TDVector<ZoStreamableBase*>& list);
 

@@ -15,8 +15,10 @@ class TBinInStream;
 ///
 /// An object of a class that the application does not know is replaced by one of the class's first ancestor
 /// that it knows, or dropped; pointers to it become null. The objects belong to the caller: the first one is
-/// the root, which usually owns the rest, and `TBinInStream::Objects` lists them all. A file in which objects
-/// own each other in a circle is legal; such objects are never released by `pointer`s alone.
+/// the root, which usually owns the rest, and `TBinInStream::Objects` lists them all. What hung from an
+/// object that was dropped hangs from nothing: `TBinInStream::TakeObjects` takes all objects over at once. A
+/// file in which objects own each other in a circle is legal; such objects are never released by `pointer`s
+/// alone.
 class ZO_API TBinInStreamer : public ZoObject {
 public:
     /// Neither is owned.
@@ -43,9 +45,9 @@ public:
     /// The file's classes that the application does not know, as far as records of them were met.
     TIList<TZoClass, pointer<TZoClass>>* GetUnknowObjects() { return &unknown; }
 
-    /// Reads the whole file and returns the root, null when it holds no objects. Throws `XStream` "Metadado
-    /// corrompido" (#1) or "Metadado inválido" (#2, #3) with the failure point in
-    /// "TBinInStreamer::ReadObjects", and whatever the stream throws.
+    /// Reads the whole file and returns the root, null when it holds no objects; when the root was dropped,
+    /// the first object that was not. Throws `XStream` "Metadado corrompido" (#1) or "Metadado inválido" (#2,
+    /// #3) with the failure point in "TBinInStreamer::ReadObjects", and whatever the stream throws.
     ///
     /// Until all records are read a failure deletes the objects made; later failures (thrown by setters and
     /// hooks while pointers are resolved) leave them to the caller, in the stream's list.

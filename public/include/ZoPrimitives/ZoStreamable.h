@@ -93,8 +93,10 @@ public:
     ZoObjectStreamable& operator=(const ZoObjectStreamable& other);
     ~ZoObjectStreamable() override;
 
-    /// A new, empty counterpart, owned by the caller. Null here.
+    // Called by the helpers of ConvertionHelper.h, which convert what an object refers to by their `Convert`.
+    /// A new, empty counterpart, owned by the caller. Null here: there is none.
     virtual ZoObject* CreateBusinessObject();
+    // Fill the counterpart that was made, or this object from the one that it was made for. Nothing here.
     virtual void FillBusinessObject(ZoObject* business, TStreamableToBusinessObjectConvertionHelper* helper);
     virtual void FillFromBusinessObject(ZoObject* business,
                                         TBusinessToStreamableObjectConvertionHelper* helper);

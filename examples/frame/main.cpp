@@ -27,6 +27,7 @@ const char* const USAGE =
     "                                       frame9.zo, and check it in a second process\n"
     "       frame check TABLES FILE         open a building, compare it with the tables and\n"
     "                                       print it\n"
+    "       frame sections FILE             print its sections and read nothing else\n"
     "       frame copy FILE STOREY          put a storey on the clipboard, as a frame of its own\n"
     "       frame paste                     print the building that is on the clipboard\n"
     "       frame text FILE OUT             open a building and write it as text\n"
@@ -148,13 +149,18 @@ int Run(int count, char** arguments) {
         const std::string tables = arguments[2];
         return Show(arguments[3], &tables);
     }
+    if (command == "sections" && count == 3) {
+        Print(OpenProfiles(arguments[2]), std::cout);
+        return OK;
+    }
     if (command == "copy" && count == 4) return CopyStorey(arguments[2], arguments[3]);
     if (command == "paste" && count == 2) return PrintPasted();
     if (command == "text" && count == 4) return WriteAsText(arguments[2], arguments[3]);
     if (command == "read-text" && count == 3) return ShowText(arguments[2]);
-    if (count == 2 && command != "text" && command != "read-text" && command != "demo" &&
-        command != "check" && command != "copy")
-        return Show(command, nullptr);
+    bool isCommand = false;
+    for (const char* name : {"demo", "check", "sections", "copy", "text", "read-text"})
+        isCommand = isCommand || command == name;
+    if (count == 2 && !isCommand) return Show(command, nullptr);
     std::cerr << USAGE;
     return BAD_INPUT;
 }

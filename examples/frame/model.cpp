@@ -9,7 +9,6 @@ namespace Frame {
 namespace {
 
 constexpr double CM_PER_METRE = 100;
-constexpr double CM2_PER_M2 = 10'000;
 
 ZoString Lacks(const Entity& entity, const char* what) {
     return ZoString(entity.Kind()) + " " + entity.name + " has no " + what;
@@ -38,8 +37,6 @@ private:
 };
 
 } // namespace
-
-double Section::MassPerMetre() const { return area / CM2_PER_M2 * material->density; }
 
 double Member::Length() const { return std::hypot(end->x - start->x, end->y - start->y); }
 

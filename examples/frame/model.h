@@ -6,6 +6,7 @@
 // Lengths are in cm, areas in cm2, second moments of area in cm4, loads along a member in kN/m, densities in
 // kg/m3. X runs to the right and Y upward from the ground. Texts are Windows-1252.
 
+#include "ZoPrimitives/ConvertionHelper.h"
 #include "ZoPrimitives/ZoRegister.h"
 
 namespace Frame {
@@ -13,10 +14,13 @@ namespace Frame {
 using ZoPrimitives::ZoBlob;
 using ZoPrimitives::ZoString;
 
+using ToBusiness = ZoPrimitives::TStreamableToBusinessObjectConvertionHelper;
+using FromBusiness = ZoPrimitives::TBusinessToStreamableObjectConvertionHelper;
+
 class Building;
 
 /// Whatever has a name.
-class Entity : public ZoPrimitives::ZoStreamableBase {
+class Entity : public ZoPrimitives::ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Entity)
     DECLARE_ZO_FIELD(ZoString, name)
     REGISTER_ZO_END
@@ -40,6 +44,7 @@ class Catalogue : public Entity {
     const char* Kind() const override { return "catalogue"; }
 };
 
+/// What is saved of a `Metal`.
 class Material : public Entity {
     REGISTER_ZO_BEGIN(Material, Entity)
     DECLARE_ZO_FIELD(double, density)
@@ -49,9 +54,12 @@ class Material : public Entity {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "material"; }
+    ZoPrimitives::ZoObject* CreateBusinessObject() override;
+    void FillBusinessObject(ZoPrimitives::ZoObject* object, ToBusiness* helper) override;
+    void FillFromBusinessObject(ZoPrimitives::ZoObject* object, FromBusiness* helper) override;
 };
 
-/// A rolled profile of one material.
+/// A rolled profile of one material: what is saved of a `Profile`.
 class Section : public Entity {
     REGISTER_ZO_BEGIN(Section, Entity)
     DECLARE_ZO_FIELD(double, depth)
@@ -65,6 +73,9 @@ class Section : public Entity {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "section"; }
+    ZoPrimitives::ZoObject* CreateBusinessObject() override;
+    void FillBusinessObject(ZoPrimitives::ZoObject* object, ToBusiness* helper) override;
+    void FillFromBusinessObject(ZoPrimitives::ZoObject* object, FromBusiness* helper) override;
     /// In kg for each metre.
     double MassPerMetre() const;
 };

@@ -148,6 +148,19 @@ void PrintSections(const Building& building, std::ostream& out) {
 
 } // namespace
 
+void Print(const Profiles& profiles, std::ostream& out) {
+    Grid grid(
+        {"Section", ">Depth cm", ">Area cm²", ">Inertia cm⁴", ">Modulus cm³", ">Mass kg/m", "Material"});
+    for (const auto& profile : profiles) {
+        const Metal* metal = profile->metal.get();
+        grid.Add({Text(profile->name), Decimal(profile->depth, 1), Decimal(profile->area, 1),
+                  Decimal(profile->inertia, 0), Decimal(profile->Modulus(), 0),
+                  metal == nullptr ? "" : Decimal(profile->MassPerMetre(), 1),
+                  metal == nullptr ? "" : Text(metal->name)});
+    }
+    grid.Print(out);
+}
+
 double TotalSteel(const Building& building) { return SumsOf(building).steel; }
 
 void Print(const Building& building, std::ostream& out) {

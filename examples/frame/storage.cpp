@@ -9,10 +9,12 @@
 #include "ZoPrimitives/ClipboardBinOutStream.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
+#include "ZoPrimitives/FilteredBinInStreamer.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -89,24 +91,19 @@ void OpenStream(TFileBinInStream& file, const std::string& path) {
     }
 }
 
-/// Objects that were read are the caller's, also when reading failed.
-void Keep(const TBinInStream& stream, Model& model) {
-    for (ZoStreamableBase* object : stream.Objects()) model.objects.Add(object);
-}
-
 void ReadObjects(TBinInStream& stream, const Source& source, Model& model) {
     CountingStreamer streamer(&stream, &Schema());
     ZoStreamableBase* root = nullptr;
     try {
         root = streamer.ReadObjects();
     } catch (const XStream& error) {
-        Keep(stream, model);
+        stream.TakeObjects(&model.objects); // the caller's, also when reading failed
         throw Damaged(source, Detail(error));
     } catch (...) {
-        Keep(stream, model);
+        stream.TakeObjects(&model.objects);
         throw;
     }
-    Keep(stream, model);
+    stream.TakeObjects(&model.objects);
 
     // Records that are not whole are passed over in silence. The first record holds the classes.
     const bool allKnown = streamer.GetUnknowObjects()->NItems() == 0;
@@ -163,6 +160,32 @@ Model Open(const std::string& path) {
     OpenStream(file, path);
     ReadObjects(file, FileSource(path), model);
     return model;
+}
+
+Profiles OpenProfiles(const std::string& path) {
+    TFileBinInStream file(path.c_str(), VERSION);
+    OpenStream(file, path);
+    TDList<ZoString> names;
+    for (const char* name : {"Section", "Material"}) names.Add(name);
+    TIVector<ZoStreamableBase> objects;
+    try {
+        TFilteredBinInStreamer(&file, &Schema(), &names).Read();
+    } catch (const XStream& error) {
+        file.TakeObjects(&objects);
+        throw Damaged(FileSource(path), Detail(error));
+    }
+    file.TakeObjects(&objects);
+
+    Profiles profiles;
+    ToBusiness helper;
+    for (const auto& object : objects) {
+        if (auto* section = dynamic_cast<Section*>(object.get())) {
+            profiles.Add(dynamic_cast<Profile*>(helper.Convert(section)));
+        }
+    }
+    std::sort(profiles.begin(), profiles.end(),
+              [](const auto& a, const auto& b) { return std::strcmp(a->name.c_str(), b->name.c_str()) < 0; });
+    return profiles;
 }
 
 void Copy(const Model& model) {

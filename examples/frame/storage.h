@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model.h"
+#include "profile.h"
 
 #include <string>
 
@@ -12,6 +13,10 @@ void Save(const Model& model, const std::string& path);
 
 /// Opens a file that `Save` made. Throws `Failure` for one that is not whole.
 Model Open(const std::string& path);
+
+/// The profiles of the sections of such a file, by name. Nothing else of it is read: what is missing
+/// elsewhere is not noticed. Throws `Failure`.
+Profiles OpenProfiles(const std::string& path);
 
 /// Puts a building on the clipboard, in place of what is there. Throws `Failure`.
 void Copy(const Model& model);

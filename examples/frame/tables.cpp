@@ -1,6 +1,7 @@
 #include "tables.h"
 
 #include "failure.h"
+#include "profile.h"
 
 #include "ZoPrimitives/ZoUtf8.h"
 
@@ -150,22 +151,27 @@ private:
     }
 
     void ReadSections() {
-        auto* steel = new Material;
-        building().materials.Add(steel);
+        const ZoPrimitives::pointer<Metal> steel = new Metal;
         steel->name = ZoFromUtf8("Aço estrutural");
         steel->density = STEEL_DENSITY;
+        Profiles profiles;
+        SectionFactory factory;
+        FromBusiness helper(&factory);
+        building().materials.Add(dynamic_cast<Material*>(helper.Convert(steel.get())));
 
         const Table table(folder, "frame9-sections.csv", {"name", "depth_in", "area_in2", "inertia_in4"});
         for (const auto& row : table.Rows()) {
             const ZoString name = ZoFromUtf8(row.fields[0].c_str());
             if (FindSection(name) != nullptr) table.Fail(row, row.fields[0] + " is there already");
-            auto* section = new Section;
+            auto* profile = new Profile;
+            profiles.Add(profile); // until the helper, which knows it, has gone
+            profile->name = name;
+            profile->depth = table.Number(row, 1) * CM_PER_INCH;
+            profile->area = table.Number(row, 2) * CM2_PER_IN2;
+            profile->inertia = table.Number(row, 3) * CM4_PER_IN4;
+            profile->metal = steel;
+            auto* section = dynamic_cast<Section*>(helper.Convert(profile));
             building().sections.Add(section);
-            section->name = name;
-            section->depth = table.Number(row, 1) * CM_PER_INCH;
-            section->area = table.Number(row, 2) * CM2_PER_IN2;
-            section->inertia = table.Number(row, 3) * CM4_PER_IN4;
-            section->material = steel;
             section->catalogue = building().catalogue;
         }
     }

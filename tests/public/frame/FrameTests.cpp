@@ -95,6 +95,28 @@ TEST_F(FrameTest, OpensAsItWasSaved) {
     EXPECT_EQ(Report(*opened.building), Report(*model.building));
 }
 
+TEST_F(FrameTest, SectionsAreReadAlone) {
+    const Model model = ReadTables(FRAME_TABLES);
+    Save(model, Path("a.zo"));
+    std::string bytes = folder.Read("a.zo");
+    bytes[Records(bytes)[1] + 30] ^= 1; // in the building's own record
+    folder.Write("a.zo", bytes);
+    EXPECT_THAT(FailureOf([&] { Open(Path("a.zo")); }), HasSubstr("is damaged"));
+    const Profiles profiles = OpenProfiles(Path("a.zo"));
+    ASSERT_EQ(profiles.NItems(), model.building->sections.NItems());
+    for (unsigned long long i = 1; i <= profiles.NItems(); ++i) {
+        const Section& section = *model.building->sections[i];
+        const Profile& profile = *profiles[i];
+        EXPECT_STREQ(profile.name.c_str(), section.name.c_str());
+        EXPECT_EQ(profile.MassPerMetre(), section.MassPerMetre());
+        EXPECT_DOUBLE_EQ(profile.Modulus() * section.depth, section.inertia * 2);
+        EXPECT_EQ(profile.metal.get(), profiles[1]->metal.get()) << "one metal for all";
+    }
+    EXPECT_THAT(FailureOf([&] { OpenProfiles(Path("none.zo")); }), HasSubstr("There is no file"));
+    folder.Write("a.zo", bytes.substr(0, Records(bytes)[0]));
+    EXPECT_THAT(FailureOf([&] { OpenProfiles(Path("a.zo")); }), HasSubstr("Metadado corrompido"));
+}
+
 TEST_F(FrameTest, BackupIsTheVersionBefore) {
     const Model model = ReadTables(FRAME_TABLES);
     Save(model, Path("a.zo"));

@@ -1,0 +1,59 @@
+#include "profile.h"
+
+#include "model.h"
+
+namespace Frame {
+
+using namespace ZoPrimitives;
+
+namespace {
+
+constexpr double CM2_PER_M2 = 10'000;
+
+} // namespace
+
+double Profile::MassPerMetre() const { return area / CM2_PER_M2 * metal->density; }
+
+double Section::MassPerMetre() const { return area / CM2_PER_M2 * material->density; }
+
+ZoObjectStreamable* SectionFactory::CreateStreamable(const ZoString& businessClassName) {
+    if (businessClassName == "class Frame::Metal") return new Material;
+    if (businessClassName == "class Frame::Profile") return new Section;
+    return nullptr;
+}
+
+ZoObject* Material::CreateBusinessObject() { return new Metal; }
+
+void Material::FillBusinessObject(ZoObject* object, TStreamableToBusinessObjectConvertionHelper*) {
+    auto& metal = dynamic_cast<Metal&>(*object);
+    metal.name = name;
+    metal.density = density;
+}
+
+void Material::FillFromBusinessObject(ZoObject* object, TBusinessToStreamableObjectConvertionHelper*) {
+    const auto& metal = dynamic_cast<const Metal&>(*object);
+    name = metal.name;
+    density = metal.density;
+}
+
+ZoObject* Section::CreateBusinessObject() { return new Profile; }
+
+void Section::FillBusinessObject(ZoObject* object, TStreamableToBusinessObjectConvertionHelper* helper) {
+    auto& profile = dynamic_cast<Profile&>(*object);
+    profile.name = name;
+    profile.depth = depth;
+    profile.area = area;
+    profile.inertia = inertia;
+    profile.metal = dynamic_cast<Metal*>(helper->Convert(material.get()));
+}
+
+void Section::FillFromBusinessObject(ZoObject* object, TBusinessToStreamableObjectConvertionHelper* helper) {
+    const auto& profile = dynamic_cast<const Profile&>(*object);
+    name = profile.name;
+    depth = profile.depth;
+    area = profile.area;
+    inertia = profile.inertia;
+    material = dynamic_cast<Material*>(helper->Convert(profile.metal.get()));
+}
+
+} // namespace Frame

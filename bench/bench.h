@@ -94,6 +94,11 @@ std::unique_ptr<Contender> MakeFloor();
 std::unique_ptr<Contender> MakeBoost();
 std::unique_ptr<Contender> MakeCereal();
 
+// For reading a part of a file: this library with a model of which every hundredth object is of one class,
+// and a reader of that class alone.
+std::unique_ptr<Contender> MakePinned();
+std::unique_ptr<Contender> MakeFiltered();
+
 /// Sums and searches; see micro.cpp.
 void RunMicro(int runs);
 

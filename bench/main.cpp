@@ -1,9 +1,11 @@
 // zo_bench: saves and opens a model with this library, by hand ("floor") and with two other libraries, each
 // case in a process of its own, and prints what it costs.
 //
-//     zo_bench                   10,000, 100,000 and 1,000,000 objects, the chain, sums and searches
-//     zo_bench --quick           10,000 and 100,000 objects, no chain
+//     zo_bench                   10,000, 100,000 and 1,000,000 objects, the chain, reading a part, sums and
+//                                searches
+//     zo_bench --quick           10,000 and 100,000 objects, no chain and no part
 //     zo_bench --micro           sums and searches only
+//     zo_bench --filtered        reading a part of a file only
 //     zo_bench --runs N          timed runs of each case (5; 3 at 1,000,000), after one that is not timed
 //     zo_bench --cpu             count processor time, see below
 //     zo_bench --only NAME       one case in this process, for a profiler: zo-save-memory-1000000,
@@ -326,6 +328,33 @@ void RunChain(int runs) {
     }
 }
 
+/// Reading one class that is every hundredth object, beside opening everything.
+void RunFiltered(int runs) {
+    constexpr std::size_t OBJECTS = 1'000'000;
+    constexpr double MOST = 0.1;
+    const std::string path = Path(ENTRIES[0], "filtered");
+    InChild([&](Result&) {
+        const auto contender = MakePinned();
+        contender->BuildFrame(OBJECTS);
+        contender->SaveMemory().Store(path);
+    });
+    const Result all = InChild([&](Result& result) { TimeOpens(*MakePinned(), MEMORY, path, runs, result); });
+    const Result some =
+        InChild([&](Result& result) { TimeOpens(*MakeFiltered(), MEMORY, path, runs, result); });
+    unlink(path.c_str());
+    if (!all.done || !some.done || some.digest.objects * 100 != OBJECTS)
+        throw std::runtime_error("reading a part failed");
+    std::printf("\nOne class of every hundredth object, of %s, memory: ms\n", Grouped(OBJECTS).c_str());
+    std::printf("  %-20s %14s   %14s   %8s   %8s\n", "", "all (least)", "class (least)", "MiB, all", "class");
+    std::printf("  %-20s %6.1f (%5.1f)   %6.2f (%5.2f)   %8.0f   %8.0f\n", "ours", all.Time() / 1e6,
+                all.LeastTime() / 1e6, some.Time() / 1e6, some.LeastTime() / 1e6, Mebi(all.peak),
+                Mebi(some.peak));
+    const double ratio = some.Time() / all.Time();
+    const double least = some.LeastTime() / all.LeastTime();
+    std::printf("  by medians: %.3f of opening all (<= %.1f: %s)   by least: %.3f (%s)\n", ratio, MOST,
+                ratio <= MOST ? "met" : "MISSED", least, least <= MOST ? "met" : "MISSED");
+}
+
 /// NAME is library-save|open-memory|file-count|chain.
 int RunOnly(const std::string& name, int runs) {
     char library[16];
@@ -369,6 +398,7 @@ int RunOnly(const std::string& name, int runs) {
 int Run(int count, char** arguments) {
     bool quick = false;
     bool micro = false;
+    bool filtered = false;
     int runs = 0;
     std::string only;
     for (int i = 1; i < count; ++i) {
@@ -377,6 +407,8 @@ int Run(int count, char** arguments) {
             quick = true;
         } else if (argument == "--micro") {
             micro = true;
+        } else if (argument == "--filtered") {
+            filtered = true;
         } else if (argument == "--cpu") {
             countsProcessorTime = true;
         } else if (argument == "--runs" && i + 1 < count) {
@@ -384,7 +416,9 @@ int Run(int count, char** arguments) {
         } else if (argument == "--only" && i + 1 < count) {
             only = arguments[++i];
         } else {
-            std::fprintf(stderr, "usage: zo_bench [--quick | --micro | --only NAME] [--cpu] [--runs N]\n");
+            std::fprintf(
+                stderr,
+                "usage: zo_bench [--quick | --micro | --filtered | --only NAME] [--cpu] [--runs N]\n");
             return 2;
         }
     }
@@ -392,6 +426,10 @@ int Run(int count, char** arguments) {
     mkdir(ZO_BENCH_FILES, 0755);
     if (!only.empty()) return RunOnly(only, runs > 0 ? runs : 5);
     if (std::strcmp(ZO_BENCH_BUILD, "Release") != 0) std::printf("NOT A RELEASE BUILD: " ZO_BENCH_BUILD "\n");
+    if (filtered) {
+        RunFiltered(runs > 0 ? runs : 5);
+        return 0;
+    }
     if (!micro) {
         for (const std::size_t objects :
              {std::size_t{10'000}, std::size_t{100'000}, std::size_t{1'000'000}}) {
@@ -399,7 +437,10 @@ int Run(int count, char** arguments) {
             for (const Target target : {MEMORY, FILES})
                 RunFrame(objects, target, runs > 0 ? runs : objects < 1'000'000 ? 5 : 3);
         }
-        if (!quick) RunChain(runs > 0 ? runs : 3);
+        if (!quick) {
+            RunChain(runs > 0 ? runs : 3);
+            RunFiltered(runs > 0 ? runs : 5);
+        }
     }
     RunMicro(runs > 0 ? runs : 5);
     return 0;

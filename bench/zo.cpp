@@ -29,6 +29,7 @@ TZoMetaData& Schema() {
         Storey::Register(&schema);
         Building::Register(&schema);
         Link::Register(&schema);
+        Pin::Register(&schema);
         ZoString report;
         if (!schema.Check(&report)) throw std::runtime_error(report.c_str());
     }

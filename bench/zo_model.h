@@ -110,6 +110,14 @@ class Link : public Entity {
     REGISTER_ZO_END
 };
 
+/// One of a few among many; in no model that is compared with others.
+class Pin : public Node {
+    REGISTER_ZO_BEGIN(Pin, Node)
+    DECLARE_ZO_FIELD(double, stiffness)
+    DECLARE_ZO_FIELD_REFERENCE(Pin, next)
+    REGISTER_ZO_END
+};
+
 struct Classes {
     using Building = zo::Building;
     using Storey = zo::Storey;

@@ -7,6 +7,9 @@
 #include "support/Records.h"
 #include "support/Streaming.h"
 
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
+#include "ZoPrimitives/StreamableFactory.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <gtest/gtest.h>
@@ -232,6 +235,95 @@ TEST(RealClipboardTextTests, NoValuesAreAnEmptyBlock) {
     { ClipboardOutputStream out; }
     ClipboardInputStream in;
     EXPECT_EQ(As<int>(in), END);
+}
+
+// Objects: a code 20 is followed by 5 and a handle, or by 0, a class and its data.
+
+class Link : public ZoStreamableBase {
+public:
+    Link() = default;
+    ZoString StreamableClassName() const override { return "class Link"; }
+    void Write(OutputStreamer& s) override {
+        ZoStreamableBase::Write(s);
+        s.MultiLineText(name, 10);
+        s << 11 << static_cast<short>(-7) << 12 << 0.1 << 99 << "unknown" << 20;
+        s << next << 7;
+    }
+    bool ReadData(int code, InputStreamer& s) override;
+
+    ZoString name;
+    short number = 0;
+    double real = 0;
+    Link* next = nullptr;
+};
+
+class LinkFactory : public StreamableFactory {
+    ZoStreamableBase* CreateObject(ZoString className) override {
+        if (className != "class Link") throw XUnknownObject();
+        return new Link;
+    }
+};
+
+class LinkReader : public InputStreamer {
+public:
+    using InputStreamer::InputStreamer;
+    Link* ReadLink() {
+        int kind = -1;
+        *this >> kind;
+        ZoStreamableBase* object = nullptr;
+        if (kind == 5) {
+            *this >> object;
+        } else {
+            ZoString className;
+            *this >> className;
+            object = CreateObject(className);
+            object->Read(*this);
+        }
+        return dynamic_cast<Link*>(object);
+    }
+};
+
+bool Link::ReadData(int code, InputStreamer& s) {
+    if (code == 10) {
+        ZoString line;
+        s >> line;
+        name += line;
+    } else if (code == 11) {
+        s >> number;
+    } else if (code == 12) {
+        s >> real;
+    } else if (code == 20) {
+        next = static_cast<LinkReader&>(s).ReadLink();
+    } else {
+        return ZoStreamableBase::ReadData(code, s);
+    }
+    return true;
+}
+
+TEST(RealClipboardTextTests, ObjectsComeBack) {
+    const PrivateClipboard clipboard;
+    const pointer<Link> one(new Link);
+    const pointer<Link> two(new Link);
+    one->name = "one\nin two lines";
+    one->next = two.get();
+    two->next = one.get();
+    {
+        const pointer<ClipboardOutputStream> stream(new ClipboardOutputStream);
+        OutputStreamer streamer(stream.get());
+        streamer << one.get();
+        stream->Finalize();
+    }
+    const pointer<ClipboardInputStream> stream(new ClipboardInputStream);
+    LinkReader reader(stream.get(), new LinkFactory);
+    const pointer<Link> read(reader.ReadLink());
+    ASSERT_NE(read.get(), nullptr);
+    EXPECT_EQ(read->name, "onein two lines");
+    EXPECT_EQ(read->number, -7);
+    EXPECT_EQ(read->real, 0.1);
+    ASSERT_NE(read->next, nullptr);
+    EXPECT_NE(read->next, read.get());
+    EXPECT_EQ(read->next->next, read.get());
+    EXPECT_EQ(reader.GetHandle(read->next), 2);
 }
 
 } // namespace

@@ -8,8 +8,8 @@ using namespace ZoPrimitives;
 
 namespace {
 
+constexpr int REFERENCE = 5;
 constexpr int END = 7;
-constexpr const char* REFERENCE = "5";
 constexpr const char* END_GROUP = "ENDGROUP";
 constexpr const char* NO_OBJECT = "ENDGROUPELEMENTOS";
 
@@ -27,38 +27,28 @@ void PutPointer(OutputStreamer& text, ZoStreamableBase* object) {
     }
 }
 
-void EndGroup(OutputStreamer& text) { text << END_GROUP; }
+void EndGroup(OutputStreamer& text) { text << 0 << END_GROUP; }
 
-TextReader::Found TextReader::Pointer() {
-    ZoString kind;
+TextReader::Item TextReader::NextItem() {
+    int kind = 0;
     *this >> kind;
-    return PointerOfKind(kind);
-}
-
-TextReader::Found TextReader::PointerOfKind(const ZoString& kind) {
     ZoStreamableBase* object = nullptr;
     if (kind == REFERENCE) {
         try {
             *this >> object;
         } catch (const XInvalidHandle&) {
-            return {};
+            return {true, {}};
         }
-        return object;
+        return {true, object};
     }
-    ZoString className;
-    *this >> className;
-    if (className == NO_OBJECT) return nullptr;
-    object = CreateObject(className);
-    if (object == nullptr) return {};
+    ZoString name;
+    *this >> name;
+    if (name == END_GROUP) return {false, {}};
+    if (name == NO_OBJECT) return {true, nullptr};
+    object = CreateObject(name);
+    if (object == nullptr) return {true, {}};
     object->Read(*this);
-    return object;
-}
-
-TextReader::Item TextReader::NextItem() {
-    ZoString kind;
-    *this >> kind;
-    if (kind == END_GROUP) return {false, {}};
-    return {true, PointerOfKind(kind)};
+    return {true, object};
 }
 
 void TextReader::TakeMember(ZoStreamableBase& member) {
@@ -95,21 +85,22 @@ void TextReader::FinishText() {
 // Passing over what is not known
 
 void TextReader::SkipValueOf(int code) {
-    ZoString kind;
     if (Within(code, 100)) {
-        *this >> kind;
-        SkipPointer(kind);
+        SkipPointer();
     } else if (Within(code, 200)) {
-        for (*this >> kind; kind != END_GROUP; *this >> kind) SkipPointer(kind);
+        while (SkipPointer()) continue;
     } else {
         SkipValue();
     }
 }
 
-void TextReader::SkipPointer(const ZoString& kind) {
+bool TextReader::SkipPointer() {
+    int kind = 0;
     ZoString next; // a handle, a class or a keyword
-    *this >> next;
+    *this >> kind >> next;
+    if (kind != REFERENCE && next == END_GROUP) return false;
     if (kind != REFERENCE && next != NO_OBJECT) SkipObject();
+    return true;
 }
 
 void TextReader::SkipObject() {

@@ -6,13 +6,14 @@
 //     data     = { code value } 7
 //     value    = token                                  of codes 1 to 99
 //              | pointer                                of codes 100 to 199
-//              | { pointer } ENDGROUP                   of codes 200 to 299
+//              | { pointer } 0 ENDGROUP                 of codes 200 to 299
 //     pointer  = 5 handle                               an object that was there before
 //              | 0 class data                           a new one
 //              | 0 ENDGROUPELEMENTOS                    none
 //
 // A null pointer and a new object both begin with 0: the keyword behind it, which is no class's name, tells
-// the null pointer.
+// the null pointer, and the end of a group. So an integer never stands where a name may stand, and the same
+// reader reads from the clipboard, where they are not alike.
 
 #include "model.h"
 
@@ -82,10 +83,10 @@ private:
         Found object;
     };
 
-    Found Pointer();
-    Found PointerOfKind(const ZoString& kind);
     Item NextItem();
-    void SkipPointer(const ZoString& kind);
+    Found Pointer() { return NextItem().object; }
+    /// Passes over a pointer; false for the end of a group.
+    bool SkipPointer();
 
     ZoString* lineTarget = nullptr;
     std::string lines;

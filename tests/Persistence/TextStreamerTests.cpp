@@ -1,3 +1,5 @@
+#include "ZoPrimitives/ClipboardInputStream.h"
+#include "ZoPrimitives/ClipboardOutputStream.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/FileOutputStream.h"
 #include "ZoPrimitives/InputStreamer.h"
@@ -6,6 +8,7 @@
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 #include "ZoPrimitives/xContainer.h"
 #include "support/Assertions.h"
+#include "support/PrivateClipboard.h"
 #include "support/TemporaryFolder.h"
 
 #include <climits>
@@ -18,6 +21,7 @@ namespace {
 
 using namespace ZoPrimitives;
 using testing::ElementsAre;
+using ZoPrimitives::Testing::PrivateClipboard;
 using ZoPrimitives::Testing::TemporaryFolder;
 
 int living = 0;
@@ -491,6 +495,29 @@ TEST(InputStreamerTest, ReadsWhatTheStreamerWroteOfNumbers) {
     *source >> small[0] >> small[1] >> natural[0] >> natural[1] >> small[2];
     EXPECT_THAT(small, ElementsAre(-5, SHRT_MAX, SHRT_MAX));
     EXPECT_THAT(natural, ElementsAre(65535, 65535));
+}
+
+TEST(RealClipboardStreamersTest, ShortNumbersComeBack) {
+    // The streamer writes them as ints; a stream by itself in their own size.
+    const PrivateClipboard clipboard;
+    {
+        pointer<OutputStream> stream(new ClipboardOutputStream);
+        OutputStreamer streamer(stream.get());
+        streamer << static_cast<short>(-5) << static_cast<unsigned short>(65535);
+        *stream << static_cast<short>(-5) << static_cast<unsigned short>(65535) << "xy";
+    }
+    Reader reader(new ClipboardInputStream, nullptr);
+    for (int i = 0; i < 2; ++i) {
+        short small = 0;
+        unsigned short natural = 0;
+        reader >> small >> natural;
+        EXPECT_EQ(small, -5);
+        EXPECT_EQ(natural, 65535);
+    }
+    short none = 0;
+    EXPECT_EQ(Thrown([&] { reader >> none; }), "Invalid data size @ ClipboardInputStream::ReadBinaryData");
+    reader.SkipValue();
+    EXPECT_EQ(Thrown([&] { reader >> none; }), "end of stream");
 }
 
 TEST(StreamersTest, NeedAStream) {

@@ -1,10 +1,16 @@
 #include "compare.h"
 #include "failure.h"
+#include "grammar.h"
 #include "report.h"
 #include "tables.h"
 #include "text.h"
 
+#include "support/PrivateClipboard.h"
 #include "support/TemporaryFolder.h"
+
+#include "ZoPrimitives/ClipboardInputStream.h"
+#include "ZoPrimitives/ClipboardOutputStream.h"
+#include "ZoPrimitives/XStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -206,10 +212,11 @@ TEST_F(FrameTextTest, PassesOverWhatItDoesNotKnow) {
         {"180", "5", "1"},
         {"180", "5", "999"},
         {"180", "0", "ENDGROUPELEMENTOS"},
-        {"180", "0", "class Frame::Wall", "3",  "77", "1", "w",        "110", "0", "class X", "7", "210", "5",
-         "1",   "0", "class Y",           "10", "0",  "7", "ENDGROUP", "10",  "7", "7"},
-        {"280", "ENDGROUP"},
-        {"280", "0", "class Frame::Node", "10", "7", "7", "5", "1", "0", "ENDGROUPELEMENTOS", "ENDGROUP"},
+        {"180", "0", "class Frame::Wall", "3",  "77", "1", "w", "110",      "0",  "class X", "7", "210", "5",
+         "1",   "0", "class Y",           "10", "0",  "7", "0", "ENDGROUP", "10", "7",       "7"},
+        {"280", "0", "ENDGROUP"},
+        {"280", "0", "class Frame::Node", "10", "7", "7", "5", "1", "0", "ENDGROUPELEMENTOS", "0",
+         "ENDGROUP"},
     };
     for (const auto& value : unknown) {
         std::vector<std::string> extended = lines;
@@ -224,6 +231,26 @@ TEST_F(FrameTextTest, PassesOverWhatItDoesNotKnow) {
         *std::find(node + 1, other.end(), "class Frame::Node") = name;
         EXPECT_THAT(FailureOf(Joined(other)), HasSubstr("P1 has no node")) << name;
     }
+}
+
+TEST_F(FrameTextTest, ClipboardCarriesIt) {
+    using namespace ZoPrimitives;
+    const Testing::PrivateClipboard clipboard;
+    const Model model = ReadTables(FRAME_TABLES);
+    {
+        const pointer<OutputStream> stream(new ClipboardOutputStream);
+        OutputStreamer text(stream.get());
+        PutPointer(text, model.building);
+    }
+    TextReader reader(new ClipboardInputStream, new StreamableFactory(&Schema()));
+    pointer<Building> pasted;
+    reader.TakePointer(pasted);
+    reader.FinishText();
+    ASSERT_TRUE(pasted);
+    const Comparison comparison = Compare(*model.building, *pasted);
+    EXPECT_EQ(comparison.difference, "") << "numbers are not rounded there";
+    EXPECT_EQ(comparison.objects, 212u);
+    EXPECT_THROW(reader.SkipValue(), XEndOfStream);
 }
 
 TEST_F(FrameTextTest, DamageIsToldInASentence) {

@@ -27,7 +27,7 @@ FileOutputStream::FileOutputStream(const char* fileName, bool keepOpen)
 
 FileOutputStream::FileOutputStream(void* openFile)
     : file(openFile), tokens(new TDList<ZoString>), keepsOpen(true) {
-    ZO_ASSERT(file, "file && \"[zoerror] file not defined\"", SOURCE);
+    if (file == nullptr) AssertWithFunctor("file", "[zoerror] file not defined", SOURCE, __LINE__);
 }
 
 FileOutputStream::~FileOutputStream() {

@@ -164,8 +164,9 @@ void InputStreamer::SkipObject() {
 // Handles
 
 void InputStreamer::SetHandle(ZoStreamableBase* object, int handle) {
-    if (object == nullptr || handle < 1) return;
-    objects.erase(GetHandle(object));
+    if (handle < 1) return;
+    if (object == nullptr) return RemoveObject(handle);
+    RemoveObject(GetHandle(object));
     objects[handle] = object;
     stream->SetHandle(object, handle);
 }

@@ -143,8 +143,19 @@ TEST(FileOutputStreamTest, LeavesAHandleOpenThatIsNotItsOwn) {
     EXPECT_EQ(system.OpenHandles(), 1u);
     Platform::Current().CloseFile(file);
     EXPECT_EQ(text.Bytes(), "12\r\n3");
-    EXPECT_EQ(AssertionOf([] { FileOutputStream stream(nullptr); }).expression,
-              "file && \"[zoerror] file not defined\"");
+}
+
+TEST(FileOutputStreamTest, NeedsAFile) {
+    static std::string failed;
+    struct Recorder : IAssertFunctor {
+        void operator()(const char* expression, const char* message, const char* file, int) override {
+            failed = std::string(expression) + " | " + message + " | " + file;
+        }
+    };
+    SetAssertionFunctor(new Recorder);
+    EXPECT_THROW(FileOutputStream(nullptr), XZoAssert);
+    SetAssertionFunctor(nullptr);
+    EXPECT_EQ(failed, "file | [zoerror] file not defined | cpp/Persistence/FileOutputStream");
 }
 
 TEST(FileOutputStreamTest, FinalizeTellsOfAFailure) {

@@ -390,8 +390,10 @@ TEST(InputStreamerTest, KeepsHandles) {
         EXPECT_EQ(source->GetHandle(&a), 0);
         EXPECT_EQ(Thrown([&] { source->RetrieveObject(none); }), "invalid handle");
     }
+    source->SetHandle(&a, 8);
     source->SetHandle(nullptr, 8);
     EXPECT_EQ(Thrown([&] { source->RetrieveObject(8); }), "invalid handle");
+    EXPECT_EQ(source->GetHandle(&a), 0);
 
     EXPECT_EQ(source->AddObject(&b), 4);
     EXPECT_EQ(source->AddObject(&a), 5);

@@ -63,8 +63,8 @@ public:
     /// Passes over one token.
     void SkipValue();
 
-    /// Has the handle stand for the object, and for no other one; the object had no other handle from then
-    /// on. A handle below 1, as objects without one have it, is passed over.
+    /// Has the handle stand for this object only, for none if null, and the object have no other handle. A
+    /// handle below 1, as objects without one have it, is passed over.
     void SetHandle(ZoStreamableBase* object, int handle);
     /// Gives an object that the text does not hold, for it to refer to, the handle that it has or one more
     /// than the largest, and returns it. Throws `XInvalidHandle` when there is none.

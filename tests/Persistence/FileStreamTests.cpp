@@ -648,9 +648,6 @@ TEST_F(FileStreamTests, FailuresOfOpening) {
              d.Fail("ReadFile", 2, 1117, FaultyServices::Half);
          },
          "read: Input/output error" + AT_HEADER},
-        {"last version number", bytes({9'999, 0, 0, 0, 0, 0, 0}), {}, "newer"},
-        {"version out of range", bytes({10'000, 0, 0, 0, 0, 0, 0}), {}, invalid},
-        {"release out of range", bytes({3, 0, 0, 0, 1'000'000, 0, 0}), {}, invalid},
         {"extra block out of range", bytes({3, 0, 0, 0, 0, 0, 65'536}), {}, invalid},
         {"newer", bytes({4, 0, 0, 0, 0, 0, 0}), {}, "newer"},
     };

@@ -212,12 +212,11 @@ TEST(Registration, EachFieldTellsItsTypeNameAndKind) {
     TZoMetaData schema;
     TZoClass* leaf = app::Leaf::Register(&schema);
     using app::EveryKind;
-    struct Case {
+    const struct {
         ZoString (*fieldClassOf)(TZoMetaData*, TZoClass**, TZoClassFieldType*);
         const char* name;
         int kind;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {EveryKind::Getfieldclassfor_anInt, "int", -1},
         {EveryKind::Getfieldclassfor_aFloat, "float", -2},
         {EveryKind::Getfieldclassfor_aDouble, "double", -3},
@@ -245,7 +244,7 @@ TEST(Registration, EachFieldTellsItsTypeNameAndKind) {
         {StreamableZoString::Getfieldclassfor_value, "ZoString", -4},
         {StreamableList::Getfieldclassfor_list, "ZoObjectStreamable", -7},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         const bool points = std::string(tested.name) == "Leaf";
         EXPECT_EQ(Declared(tested.fieldClassOf, schema, points ? leaf : nullptr),
                   Kind(tested.name, tested.kind));
@@ -429,13 +428,8 @@ TEST(HandWrittenAccessors, ServeEveryKindAndTheListsIntegers) {
     Payload expected;
     expected.Int(12).Int(2); // the map: a key, an object
     expected.Int(-1).Int(2).Bool(true).Float(4).Double(5).Text("six").Text("7");
-    expected.Ints({1, 8})
-        .Ints({1, 101})
-        .Float(9)
-        .Ints({1, 202})
-        .Double(10)
-        .Ints({1, 101, 202})
-        .Text("eleven");
+    expected.Ints({1, 8}).Ints({1, 101}).Float(9).Ints({1, 202}).Double(10);
+    expected.Ints({1, 101, 202}).Text("eleven");
     expected.Ints({3, 4}).Ints({2, 101, 202, 5, 0});              // child, value, children
     expected.Ints({3, 6}).Ints({1, 202, 2}).Ints({2, 101, 6, 7}); // references and external ones
     EXPECT_EQ(RowsOf(file)[1], (Row{1, schema.FindClass("ByHand")->GetClassId(), expected}));
@@ -460,21 +454,20 @@ TEST(HandWrittenAccessors, MayBeRegisteredTwice) {
 }
 
 TEST(HandWrittenAccessors, GetOnlyWhatTheirDeclaredClassCovers) {
-    struct Case {
+    const struct {
         const char* name;
         const char* declared;
         bool registered;
         bool takesLeaf;
         bool takesTarget;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"a registered class", "Leaf", true, true, false},
         {"a class that is not registered", "Nowhere", false, false, false},
         {"the generic base", "ZoStreamableBase", false, true, true},
         {"the other generic base", "ZoObjectStreamable", false, true, true},
         {"no class", "", false, true, true},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         TZoMetaData schema;
         app::Leaf::Register(&schema);

@@ -1,6 +1,7 @@
 #include "compare.h"
 #include "extract.h"
 #include "failure.h"
+#include "options.h"
 #include "report.h"
 #include "storage.h"
 #include "tables.h"
@@ -9,11 +10,15 @@
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoUtf8.h"
 
+#include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <iostream>
+#include <iterator>
 #include <new>
 #include <string>
 
@@ -31,7 +36,12 @@ const char* const USAGE =
     "       frame copy FILE STOREY          put a storey on the clipboard, as a frame of its own\n"
     "       frame paste                     print the building that is on the clipboard\n"
     "       frame text FILE OUT             open a building and write it as text\n"
-    "       frame read-text IN              read a text and print its building\n";
+    "       frame read-text IN              read a text and print its building\n"
+    "       frame picture FILE OUT.svg      open a building and draw its elevation\n"
+    "\n"
+    "options: --units metric|technical|imperial   what is printed and drawn is in these units\n"
+    "         --separator .|,                     stands before their decimals\n"
+    "         --by load|area                      what the colours of a picture tell\n";
 
 constexpr int OK = 0;
 constexpr int DIFFERENT = 1;
@@ -48,7 +58,7 @@ std::string SizeOf(const std::string& path) {
 }
 
 /// Opens and prints; with tables, compares with them in between.
-int Show(const std::string& path, const std::string* tables) {
+int Show(const std::string& path, const std::string* tables, const Units& units) {
     const auto start = std::chrono::steady_clock::now();
     const Model model = Open(path);
     const std::string time = Milliseconds(start);
@@ -61,12 +71,17 @@ int Show(const std::string& path, const std::string* tables) {
             return DIFFERENT;
         }
     }
-    Print(*model.building, std::cout);
+    Print(*model.building, units, std::cout);
     std::cout << "\n  Opened:      " << NameOf(path) << ", " << SizeOf(path) << ", in " << time << '\n';
     if (tables != nullptr) {
         std::cout << "  Compared:    " << comparison.objects
                   << " objects and every pointer between them are as they were saved\n";
     }
+    return OK;
+}
+
+int ShowSections(const std::string& path, const Units& units) {
+    Print(OpenProfiles(path), units, std::cout);
     return OK;
 }
 
@@ -78,9 +93,9 @@ int CopyStorey(const std::string& path, const std::string& mark) {
     return OK;
 }
 
-int PrintPasted() {
+int PrintPasted(const Units& units) {
     const Model model = Paste();
-    Print(*model.building, std::cout);
+    Print(*model.building, units, std::cout);
     std::cout << "\n  Pasted:      " << CountObjects(*model.building) << " objects\n";
     return OK;
 }
@@ -91,11 +106,11 @@ int WriteAsText(const std::string& path, const std::string& out) {
     return OK;
 }
 
-int ShowText(const std::string& path) {
+int ShowText(const std::string& path, const Units& units) {
     const auto start = std::chrono::steady_clock::now();
     const Model model = ReadText(path);
     const std::string time = Milliseconds(start);
-    Print(*model.building, std::cout);
+    Print(*model.building, units, std::cout);
     std::cout << "\n  Read:        " << NameOf(path) << ", " << SizeOf(path) << ", in " << time << '\n';
     return OK;
 }
@@ -115,10 +130,13 @@ std::string Folder(std::string path) {
     return path;
 }
 
-int Demo(const std::string& program, const std::string& tables, const std::string& folder) {
+int Demo(const std::string& program, const Options& options) {
+    const std::string tables = Folder(options.words[1]);
+    const std::string folder = Folder(options.words[2]);
     const std::string path = (std::filesystem::path(folder) / "frame9.zo").string();
     // Without something before it, one of the shells takes the first quote and the last one away.
-    const std::string command = "cd . &&" + Argument(program) + " check" + Argument(tables) + Argument(path);
+    std::string command = "cd . &&" + Argument(program) + " check" + Argument(tables) + Argument(path);
+    for (const std::string& word : options.given) command += Argument(word);
 
     const Model model = ReadTables(tables);
     std::error_code error;
@@ -137,30 +155,44 @@ int Demo(const std::string& program, const std::string& tables, const std::strin
     return std::system(command.c_str()) == 0 ? OK : DIFFERENT;
 }
 
-int Run(int count, char** arguments) {
-    const std::string command = count > 1 ? arguments[1] : "";
+int Draw(const Options& options) {
+    const std::string& path = options.words[2];
+    const Model model = Open(options.words[1]);
+    const std::string picture = DrawElevation(*model.building, options.property, options.units);
+    std::ofstream file(path, std::ios::binary);
+    file << picture;
+    file.close();
+    if (!file) throw Failure("\"" + path + "\" cannot be written: look whether you may write to its folder.");
+    std::cout << "  Drawn:       " << NameOf(path) << ", " << SizeOf(path) << '\n';
+    return OK;
+}
+
+int Run(const std::string& program, const Options& options) {
+    const auto& words = options.words;
+    const Units& units = options.units;
+    const std::string command = words.empty() ? "" : words[0];
     if (command == "--help" || command == "-h") {
         std::cout << USAGE;
         return OK;
     }
-    if (command == "demo" && count == 4)
-        return Demo(arguments[0], Folder(arguments[2]), Folder(arguments[3]));
-    if (command == "check" && count == 4) {
-        const std::string tables = arguments[2];
-        return Show(arguments[3], &tables);
-    }
-    if (command == "sections" && count == 3) {
-        Print(OpenProfiles(arguments[2]), std::cout);
-        return OK;
-    }
-    if (command == "copy" && count == 4) return CopyStorey(arguments[2], arguments[3]);
-    if (command == "paste" && count == 2) return PrintPasted();
-    if (command == "text" && count == 4) return WriteAsText(arguments[2], arguments[3]);
-    if (command == "read-text" && count == 3) return ShowText(arguments[2]);
-    bool isCommand = false;
-    for (const char* name : {"demo", "check", "sections", "copy", "text", "read-text"})
-        isCommand = isCommand || command == name;
-    if (count == 2 && !isCommand) return Show(command, nullptr);
+    const struct {
+        const char* name;
+        std::size_t count; // of words, with its own
+        std::function<int()> run;
+    } commands[] = {
+        {"demo", 3, [&] { return Demo(program, options); }},
+        {"check", 3, [&] { return Show(words[2], &words[1], units); }},
+        {"sections", 2, [&] { return ShowSections(words[1], units); }},
+        {"copy", 3, [&] { return CopyStorey(words[1], words[2]); }},
+        {"paste", 1, [&] { return PrintPasted(units); }},
+        {"text", 3, [&] { return WriteAsText(words[1], words[2]); }},
+        {"read-text", 2, [&] { return ShowText(words[1], units); }},
+        {"picture", 3, [&] { return Draw(options); }},
+    };
+    const auto named = std::find_if(std::begin(commands), std::end(commands),
+                                    [&](const auto& c) { return command == c.name; });
+    if (named != std::end(commands) && named->count == words.size()) return named->run();
+    if (named == std::end(commands) && words.size() == 1) return Show(command, nullptr, units);
     std::cerr << USAGE;
     return BAD_INPUT;
 }
@@ -177,7 +209,7 @@ int main(int count, char** arguments) {
     // As most applications do. The library's files and texts are the same in every locale.
     std::setlocale(LC_ALL, "");
     try {
-        return Run(count, arguments);
+        return Run(arguments[0], ReadOptions({arguments + 1, arguments + count}));
     } catch (const ZoPrimitives::XStream& error) {
         return Fail(ZoPrimitives::ZoToUtf8(error.Message()) + " (" +
                     ZoPrimitives::ZoToUtf8(error.Location()) + ")");

@@ -1,6 +1,6 @@
 #include "report.h"
 
-#include "ZoPrimitives/ZoUtf8.h"
+#include "words.h"
 
 #include <algorithm>
 #include <string>
@@ -8,26 +8,9 @@
 
 namespace Frame {
 
+using namespace ZoPrimitives;
+
 namespace {
-
-constexpr double CM_PER_METRE = 100;
-constexpr double KG_PER_TONNE = 1000;
-
-/// A text of the model for the terminal: what could command the terminal is left out.
-std::string Text(const ZoString& text) {
-    ZoString shown(text);
-    for (unsigned i = 0; i < shown.length(); ++i) {
-        const char32_t character = ZoPrimitives::Windows1252::ToUnicode(static_cast<unsigned char>(shown[i]));
-        if (character < 0x20 || (character >= 0x7F && character < 0xA0)) shown[i] = '?';
-    }
-    return ZoPrimitives::ZoToUtf8(shown);
-}
-
-std::string Decimal(double value, int decimals) {
-    return ZoString::FormatString("%.*f", decimals, value).c_str();
-}
-std::string Metres(double cm) { return Decimal(cm / CM_PER_METRE, 2); }
-std::string Tonnes(double kg) { return Decimal(kg / KG_PER_TONNE, 2); }
 
 /// Rows of cells under headings; columns of numbers are set flush right.
 class Grid {
@@ -69,12 +52,6 @@ public:
     }
 
 private:
-    /// Characters, not bytes.
-    static std::size_t Width(const std::string& text) {
-        return static_cast<std::size_t>(std::count_if(
-            text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-    }
-
     std::vector<bool> isNumber;
     std::vector<std::size_t> widths;
     std::vector<std::vector<std::string>> rows; // an empty one is a rule
@@ -83,16 +60,16 @@ private:
 struct Sums {
     unsigned columns = 0;
     unsigned girders = 0;
-    double length = 0; // cm
-    double load = 0;   // kN
-    double steel = 0;  // kg
+    GComprimento length = GComprimento(0.0);
+    GForcaConcentrada load = GForcaConcentrada(0.0);
+    GForcaConcentrada steel = GForcaConcentrada(0.0);
 
     void Add(const Member& member) {
         const auto* girder = dynamic_cast<const Girder*>(&member);
         ++(girder == nullptr ? columns : girders);
-        if (girder != nullptr) load += girder->TotalLoad();
-        length += member.Length();
-        steel += member.Mass();
+        if (girder != nullptr) load += GForcaConcentrada(girder->TotalLoad(), TForcaConcentrada::kN);
+        length += GComprimento(member.Length());
+        steel += GForcaConcentrada(member.Mass());
     }
 };
 
@@ -110,72 +87,88 @@ Sums SumsOf(const Building& building) {
     return SumsOf(building, [](const Storey&, const Member&) { return true; });
 }
 
-void PrintStoreys(const Building& building, std::ostream& out) {
-    Grid grid({"Storey", "Name", ">Floor at m", ">Height m", ">Columns", ">Girders", ">Load kN", ">Steel t"});
-    double height = 0;
+void PrintStoreys(const Building& building, const Units& units, std::ostream& out) {
+    const std::string length = units.Name(units.length);
+    Grid grid({"Storey", "Name", ">Floor at " + length, ">Height " + length, ">Columns", ">Girders",
+               ">Load " + units.Name(units.load), ">Steel " + units.Name(units.steel)});
+    GComprimento height(0.0);
     for (auto i = building.storeys.NItems(); i >= 1; --i) {
         const Storey& storey = *building.storeys[i];
         const Sums sums = SumsOf(building, [&](const Storey& at, const Member&) { return &at == &storey; });
-        grid.Add({Text(storey.mark), Text(storey.name), Metres(storey.level), Metres(storey.height),
-                  std::to_string(sums.columns), std::to_string(sums.girders), Decimal(sums.load, 1),
-                  Tonnes(sums.steel)});
-        height += storey.height;
+        grid.Add({Printable(storey.mark), Printable(storey.name),
+                  units.Number(units.length, GComprimento(storey.level)),
+                  units.Number(units.length, GComprimento(storey.height)), std::to_string(sums.columns),
+                  std::to_string(sums.girders), units.Number(units.load, sums.load),
+                  units.Number(units.steel, sums.steel)});
+        height += GComprimento(storey.height);
     }
     const Sums all = SumsOf(building);
     grid.AddRule();
-    grid.Add({"Total", "", "", Metres(height), std::to_string(all.columns), std::to_string(all.girders),
-              Decimal(all.load, 1), Tonnes(all.steel)});
+    grid.Add({"Total", "", "", units.Number(units.length, height), std::to_string(all.columns),
+              std::to_string(all.girders), units.Number(units.load, all.load),
+              units.Number(units.steel, all.steel)});
     grid.Print(out);
 }
 
-void PrintSections(const Building& building, std::ostream& out) {
-    Grid grid(
-        {"Section", "Use", ">Depth cm", ">Area cm²", ">Inertia cm⁴", ">Members", ">Length m", ">Steel t"});
+void PrintSections(const Building& building, const Units& units, std::ostream& out) {
+    Grid grid({"Section", "Use", ">Depth " + units.Name(units.depth), ">Area " + units.Name(units.area),
+               ">Inertia " + units.Name(units.inertia), ">Members", ">Length " + units.Name(units.total),
+               ">Steel " + units.Name(units.steel)});
     for (const auto& section : building.sections) {
         const Sums sums =
             SumsOf(building, [&](const Storey&, const Member& of) { return of.section == section.get(); });
         const LegendEntry* entry = building.legend.Find(section.get());
-        grid.Add({Text(section->name), entry == nullptr ? "" : Text(entry->name), Decimal(section->depth, 1),
-                  Decimal(section->area, 1), Decimal(section->inertia, 0),
-                  std::to_string(sums.columns + sums.girders), Metres(sums.length), Tonnes(sums.steel)});
+        grid.Add({Printable(section->name), entry == nullptr ? "" : Printable(entry->name),
+                  units.Number(units.depth, GComprimento(section->depth)),
+                  units.Number(units.area, GArea(section->area)),
+                  units.Number(units.inertia, GInercia(section->inertia)),
+                  std::to_string(sums.columns + sums.girders), units.Number(units.total, sums.length),
+                  units.Number(units.steel, sums.steel)});
     }
     const Sums all = SumsOf(building);
     grid.AddRule();
-    grid.Add({"Total", "", "", "", "", std::to_string(all.columns + all.girders), Metres(all.length),
-              Tonnes(all.steel)});
+    grid.Add({"Total", "", "", "", "", std::to_string(all.columns + all.girders),
+              units.Number(units.total, all.length), units.Number(units.steel, all.steel)});
     grid.Print(out);
 }
 
 } // namespace
 
-void Print(const Profiles& profiles, std::ostream& out) {
-    Grid grid(
-        {"Section", ">Depth cm", ">Area cm²", ">Inertia cm⁴", ">Modulus cm³", ">Mass kg/m", "Material"});
+void Print(const Profiles& profiles, const Units& units, std::ostream& out) {
+    Grid grid({"Section", ">Depth " + units.Name(units.depth), ">Area " + units.Name(units.area),
+               ">Inertia " + units.Name(units.inertia), ">Modulus " + units.Name(units.modulus),
+               ">Steel " + units.Name(units.steelLine), "Material"});
     for (const auto& profile : profiles) {
         const Metal* metal = profile->metal.get();
-        grid.Add({Text(profile->name), Decimal(profile->depth, 1), Decimal(profile->area, 1),
-                  Decimal(profile->inertia, 0), Decimal(profile->Modulus(), 0),
-                  metal == nullptr ? "" : Decimal(profile->MassPerMetre(), 1),
-                  metal == nullptr ? "" : Text(metal->name)});
+        grid.Add({Printable(profile->name), units.Number(units.depth, GComprimento(profile->depth)),
+                  units.Number(units.area, GArea(profile->area)),
+                  units.Number(units.inertia, GInercia(profile->inertia)),
+                  units.Number(units.modulus, GVolume(profile->Modulus())),
+                  metal == nullptr ? ""
+                                   : units.Number(units.steelLine,
+                                                  GForcaLinear(profile->MassPerMetre(), TForcaLinear::kgf_m)),
+                  metal == nullptr ? "" : Printable(metal->name)});
     }
     grid.Print(out);
 }
 
-double TotalSteel(const Building& building) { return SumsOf(building).steel; }
+GForcaConcentrada TotalSteel(const Building& building) { return SumsOf(building).steel; }
 
-void Print(const Building& building, std::ostream& out) {
-    out << Text(building.name) << ", " << Text(building.site.name)
+void Print(const Building& building, const Units& units, std::ostream& out) {
+    out << Printable(building.name) << ", " << Printable(building.site.name)
         << (building.site.seismic ? " (seismic zone)" : "") << "\n\n";
-    PrintStoreys(building, out);
+    PrintStoreys(building, units, out);
     out << '\n';
-    PrintSections(building, out);
-    out << "\n  Total steel: " << Tonnes(TotalSteel(building)) << " t";
+    PrintSections(building, units, out);
+    out << "\n  Total steel: " << units.Text(units.steel, TotalSteel(building));
     for (const auto& material : building.materials) {
-        if (material)
-            out << " of " << Text(material->name) << ", " << Decimal(material->density, 0) << " kg/m³";
+        if (material) {
+            out << " of " << Printable(material->name) << ", "
+                << units.Text(units.density, GPeso(material->density, TPeso::kgf_m3));
+        }
     }
     if (building.catalogue) {
-        out << "\n  Sections:    " << Text(building.catalogue->name) << ", edition "
+        out << "\n  Sections:    " << Printable(building.catalogue->name) << ", edition "
             << building.catalogue->edition;
     }
     out << "\n  Thumbnail:   " << building.thumbnail.Size() << " bytes\n";

@@ -44,7 +44,7 @@ std::vector<std::size_t> Records(const std::string& bytes) {
 
 std::string Report(const Building& building) {
     std::ostringstream out;
-    Print(building, out);
+    Print(building, Units::Named("metric", "."), out);
     return out.str();
 }
 

@@ -133,8 +133,8 @@ TEST_F(FrameTextTest, HoldsTheWholeGraph) {
     EXPECT_EQ(comparison.objects, 212u);
     EXPECT_EQ(TextOf(read), text);
     std::ostringstream before, after;
-    Print(*model.building, before);
-    Print(*read.building, after);
+    Print(*model.building, Units::Named("metric", "."), before);
+    Print(*read.building, Units::Named("metric", "."), after);
     EXPECT_EQ(after.str(), before.str());
 }
 

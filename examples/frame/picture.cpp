@@ -1,0 +1,504 @@
+#include "picture.h"
+
+#include "failure.h"
+#include "words.h"
+
+#include "ZoPrimitives/ColorScale.h"
+#include "ZoPrimitives/Math2.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <map>
+#include <vector>
+
+namespace Frame {
+
+using namespace ZoPrimitives;
+
+namespace {
+
+// In the unit of the picture, a dot on most screens.
+constexpr double FRAME_WIDTH = 720;  // at most
+constexpr double FRAME_HEIGHT = 640; // at most
+constexpr double LEFT = 190;         // of the frame: names and levels of storeys
+constexpr double RIGHT = 310;        // sections and loads of storeys, scale of colours
+constexpr double TOP = 132;          // title
+constexpr double BELOW = 130;        // supports, spans, names of lines
+constexpr double SCALE_HEIGHT = 240;
+constexpr double TEXT_HEIGHT = 13;
+
+const char* const INK = "#222222";
+const char* const PALE = "#767676";
+const char* const NEUTRAL = "#a8a8a8"; // of a member that has no value
+
+std::string Coordinate(double value) { return FormatFloat(value, 2, false, '.').c_str(); }
+
+std::string Escaped(const std::string& text) {
+    std::string escaped;
+    for (char c : text) {
+        switch (c) {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '>':
+            escaped += "&gt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        default:
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+std::string Hex(const TZoColor& color) {
+    const char* const digits = "0123456789abcdef";
+    std::string text = "#";
+    for (const unsigned component : {color.GetRed(), color.GetGreen(), color.GetBlue()}) {
+        text += digits[component / 16];
+        text += digits[component % 16];
+    }
+    return text;
+}
+
+/// A text of SVG in the making.
+class Drawing {
+public:
+    void Line(double x1, double y1, double x2, double y2, const char* style) {
+        body += "<line x1=\"" + Coordinate(x1) + "\" y1=\"" + Coordinate(y1) + "\" x2=\"" + Coordinate(x2) +
+                "\" y2=\"" + Coordinate(y2) + "\" " + style + "/>\n";
+    }
+    /// `style`: attributes.
+    void Text(double x, double y, const std::string& text, const std::string& style = "") {
+        body += "<text x=\"" + Coordinate(x) + "\" y=\"" + Coordinate(y) + "\"" +
+                (style.empty() ? "" : " " + style) + ">" + Escaped(text) + "</text>\n";
+    }
+    void Add(const std::string& elements) { body += elements; }
+
+    std::string Svg(double width, double height, const std::string& title) const {
+        const std::string size = Coordinate(width) + "\" height=\"" + Coordinate(height);
+        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+               "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
+               size + "\" viewBox=\"0 0 " + Coordinate(width) + " " + Coordinate(height) +
+               "\" font-family=\"Helvetica, Arial, 'Liberation Sans', sans-serif\" font-size=\"" +
+               Coordinate(TEXT_HEIGHT) + "\" fill=\"" + INK + "\">\n<title>" + Escaped(title) +
+               "</title>\n<rect width=\"" + size + "\" fill=\"#ffffff\"/>\n" + body + "</svg>\n";
+    }
+
+private:
+    std::string body;
+};
+
+/// Of a character of a font without serifs, of height 1: rather too wide than too narrow.
+double CharacterWidth(char c) {
+    const auto among = [c](const char* characters) { return std::strchr(characters, c) != nullptr; };
+    if ((static_cast<unsigned char>(c) & 0xC0) == 0x80) return 0; // counted with the first byte
+    if (among("WM@%")) return 0.95;
+    if (among("mw")) return 0.85;
+    if (among("iIjl.,;:'|!()[] ")) return 0.35;
+    if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) return 0.57;
+    return 0.78;
+}
+
+double TextWidth(const std::string& text, double height = TEXT_HEIGHT) {
+    double width = 0;
+    for (char c : text) width += CharacterWidth(c) * height;
+    return width;
+}
+
+/// The text, or as much of its beginning as has room, and an ellipsis.
+std::string Fitted(const std::string& text, double room, double height = TEXT_HEIGHT) {
+    if (TextWidth(text, height) <= room) return text;
+    double width = height; // of the ellipsis
+    std::string part;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        width += CharacterWidth(text[i]) * height;
+        if (width > room) break;
+        part += text[i];
+    }
+    return part + "…";
+}
+
+/// Where labels along an axis stand: those too near to one that stands already are left out.
+class Places {
+public:
+    explicit Places(double smallestDistance) : distance(smallestDistance) {}
+    bool Take(double at) {
+        for (double taken : all) {
+            if (std::abs(taken - at) < distance) return false;
+        }
+        all.push_back(at);
+        return true;
+    }
+
+private:
+    double distance;
+    std::vector<double> all;
+};
+
+class Elevation {
+public:
+    Elevation(const Building& what, Property shownProperty, const Units& shownUnits)
+        : building(what), property(shownProperty), units(shownUnits) {
+        Measure();
+        SetColours();
+    }
+
+    std::string Draw() {
+        DrawTitle();
+        DrawLevels();
+        DrawLines();
+        DrawGround();
+        DrawMembers();
+        if (property == Property::Area) DrawColumnSections();
+        DrawSupports();
+        DrawFloors();
+        DrawScale();
+        return drawing.Svg(LEFT + width + RIGHT, TOP + height + BELOW,
+                           Printable(building.name) + ", elevation");
+    }
+
+private:
+    // Fits the frame into the picture.
+    void Measure() {
+        bool first = true;
+        const auto include = [&](double x, double y) {
+            if (!std::isfinite(x) || !std::isfinite(y)) {
+                throw Failure("The building cannot be drawn: it is of no finite size.");
+            }
+            if (first) {
+                left = right = x;
+                bottom = top = y;
+            }
+            first = false;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            bottom = std::min(bottom, y);
+            top = std::max(top, y);
+        };
+        ForMembers([&](const Storey&, const Member& member) {
+            include(member.start->x, member.start->y);
+            include(member.end->x, member.end->y);
+        });
+        if (first) throw Failure("The building cannot be drawn: it has no members.");
+        // Half of each: the difference of two doubles may be none.
+        const double wide = right / 2 - left / 2;
+        const double high = top / 2 - bottom / 2;
+        scale = std::min(FRAME_WIDTH / 2 / std::max(wide, 1e-9), FRAME_HEIGHT / 2 / std::max(high, 1e-9));
+        if (wide <= 0 && high <= 0) scale = 1;
+        frameWidth = wide * scale * 2;
+        frameHeight = high * scale * 2;
+        width = std::max(frameWidth, 360.0); // for the title
+        height = std::max(frameHeight, SCALE_HEIGHT);
+    }
+
+    template <class Action>
+    void ForMembers(Action action) const {
+        for (const auto& storey : building.storeys) {
+            for (const auto& member : storey->members) action(*storey, *member);
+        }
+    }
+
+    double X(double x) const { return LEFT + (width - frameWidth) / 2 + (x / 2 - left / 2) * scale * 2; }
+    double Y(double y) const { return TOP + (height - frameHeight) / 2 + (top / 2 - y / 2) * scale * 2; }
+    double X(const Node& node) const { return X(node.x); }
+    double Y(const Node& node) const { return Y(node.y); }
+
+    static GForcaLinear LoadOf(const Girder& girder) {
+        GForcaLinear load(0.0);
+        for (const auto& part : girder.loads) load += GForcaLinear(part, TForcaLinear::kN_m);
+        return load;
+    }
+    /// In the unit that is shown; false for a member that has none.
+    bool ValueOf(const Member& member, double& value) const {
+        if (property == Property::Area) {
+            value = GArea(member.section->area).Valor(units.area.unit);
+            return true;
+        }
+        const auto* girder = dynamic_cast<const Girder*>(&member);
+        if (girder != nullptr) value = LoadOf(*girder).Valor(units.lineLoad.unit);
+        return girder != nullptr;
+    }
+    std::string UnitName() const {
+        return property == Property::Area ? units.Name(units.area) : units.Name(units.lineLoad);
+    }
+    std::string Number(double value) const {
+        return units.Decimal(value,
+                             property == Property::Area ? units.area.decimals : units.lineLoad.decimals);
+    }
+
+    void SetColours() {
+        ForMembers([&](const Storey&, const Member& member) {
+            double value = 0;
+            if (!ValueOf(member, value) || !std::isfinite(value)) return;
+            least = hasValues ? std::min(least, value) : value;
+            most = hasValues ? std::max(most, value) : value;
+            hasValues = true;
+        });
+        colours.SetScaleLimits(least, most);
+    }
+
+    void DrawTitle() {
+        const double all = LEFT + width + RIGHT - 2 * MARGIN;
+        drawing.Text(MARGIN, 42, Fitted(Printable(building.name), all, 26),
+                     "font-size=\"24\" font-weight=\"bold\"");
+        const char* const what =
+            property == Property::Area ? "areas of the sections" : "loads along the girders";
+        const std::string place = Printable(building.site.name);
+        drawing.Text(
+            MARGIN, 66,
+            Fitted((place.empty() ? "" : place + " · ") + std::string("elevation, ") + what, all, 15),
+            "font-size=\"15\" fill=\"" + std::string(PALE) + "\"");
+    }
+
+    /// Name and level of each floor, and the level of the roof.
+    void DrawLevels() {
+        Places places(TEXT_HEIGHT + 2);
+        const auto level = [&](double at, const std::string& name) {
+            const double y = Y(at);
+            if (!(y > TOP - 1 && y < TOP + height + 1) || !places.Take(y)) return;
+            drawing.Line(MARGIN, y, X(right) + FLOOR_END, y, LEVEL_LINE);
+            drawing.Text(MARGIN, y - 4, Fitted(name, 70));
+            const GComprimento shown(at);
+            drawing.Text(LEFT - 34, y - 4, (at > 0 ? "+" : "") + units.Number(units.length, shown),
+                         "text-anchor=\"end\"");
+        };
+        double roof = 0;
+        for (const auto& storey : building.storeys) {
+            level(storey->level, Printable(storey->name));
+            roof = storey->level + storey->height;
+        }
+        level(roof, "Top");
+        drawing.Text(MARGIN, TOP - 14 + (height - frameHeight) / 2 - 14, "Level, " + units.Name(units.length),
+                     "fill=\"" + std::string(PALE) + "\"");
+    }
+
+    /// The places of the columns' lines, from the left.
+    std::vector<double> LinePlaces() const {
+        std::vector<double> places;
+        ForMembers([&](const Storey&, const Member& member) {
+            if (dynamic_cast<const Column*>(&member) != nullptr) places.push_back(member.start->x);
+        });
+        std::sort(places.begin(), places.end());
+        const auto same = [](double a, double b) { return Equal(a, b, 1); };
+        places.erase(std::unique(places.begin(), places.end(), same), places.end());
+        return places;
+    }
+
+    void DrawLines() {
+        const std::vector<double> lines = LinePlaces();
+        if (lines.empty() || lines.size() != building.lines.NItems()) return; // which is which cannot be told
+        constexpr double radius = 13;
+        const double foot = Y(bottom);
+        const double dimension = foot + 48;
+        const double centre = foot + 88;
+        Places places(2 * radius + 2);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const double x = X(lines[i]);
+            if (!places.Take(x)) continue;
+            drawing.Line(x, foot + 26, x, centre - radius, AXIS);
+            drawing.Add("<circle cx=\"" + Coordinate(x) + "\" cy=\"" + Coordinate(centre) + "\" r=\"" +
+                        Coordinate(radius) + "\" fill=\"none\" stroke=\"" + INK + "\"/>\n");
+            drawing.Text(x, centre + 5, Fitted(Printable(building.lines[i + 1]), 2 * radius),
+                         "text-anchor=\"middle\"");
+            drawing.Line(x - 4, dimension + 4, x + 4, dimension - 4, THIN);
+            if (i == 0) continue;
+            const double before = X(lines[i - 1]);
+            drawing.Line(before, dimension, x, dimension, THIN);
+            const std::string span = units.Number(units.length, GComprimento(lines[i] - lines[i - 1]));
+            if (TextWidth(span) <= x - before - 12) {
+                drawing.Text((before + x) / 2, dimension - 6, span, "text-anchor=\"middle\"");
+            }
+        }
+        drawing.Text(X(lines.back()) + 24, dimension + 4, units.Name(units.length),
+                     "fill=\"" + std::string(PALE) + "\"");
+    }
+
+    /// Where the building goes below it.
+    void DrawGround() {
+        if (bottom >= 0 || top < 0) return;
+        const double y = Y(0);
+        std::string hatches;
+        for (const double from : {X(left) - 28, X(right) + 4}) {
+            drawing.Line(from, y, from + 24, y, GROUND);
+            for (double x = from + 6; x <= from + 24; x += 6) drawing.Line(x, y, x - 6, y + 6, THIN);
+        }
+    }
+
+    void DrawMembers() {
+        std::string casing;
+        std::string girders;
+        std::string columns; // over the girders
+        ForMembers([&](const Storey&, const Member& member) {
+            const std::string x1 = Coordinate(X(*member.start));
+            const std::string y1 = Coordinate(Y(*member.start));
+            const std::string x2 = Coordinate(X(*member.end));
+            const std::string y2 = Coordinate(Y(*member.end));
+            double value = 0;
+            const bool valued = ValueOf(member, value);
+            std::string about = std::string(member.Kind()) + " " + Printable(member.name) + ", " +
+                                Printable(member.section->name);
+            if (valued) about += ", " + Number(value) + " " + UnitName();
+            casing += "M" + x1 + " " + y1 + "L" + x2 + " " + y2;
+            (dynamic_cast<const Column*>(&member) == nullptr ? girders : columns) +=
+                "<line x1=\"" + x1 + "\" y1=\"" + y1 + "\" x2=\"" + x2 + "\" y2=\"" + y2 + "\" stroke=\"" +
+                (valued ? Hex(colours.GetColor(value)) : NEUTRAL) + "\"><title>" + Escaped(about) +
+                "</title></line>\n";
+        });
+        drawing.Add("<path d=\"" + casing + "\" fill=\"none\" " + CASING + "/>\n");
+        drawing.Add("<g stroke-width=\"5\" stroke-linecap=\"square\">\n" + girders + columns + "</g>\n");
+    }
+
+    /// Names the sections of columns, from the lowest upward where they change.
+    void DrawColumnSections() {
+        constexpr double size = 11;
+        std::map<long long, ZoString> below; // by the place of the column
+        ForMembers([&](const Storey&, const Member& member) {
+            if (dynamic_cast<const Column*>(&member) == nullptr) return;
+            const double x = (X(*member.start) + X(*member.end)) / 2;
+            const double y = (Y(*member.start) + Y(*member.end)) / 2;
+            ZoString& last = below[std::llround(x)];
+            const ZoString& section = member.section->name;
+            const std::string name = Printable(section);
+            if (last == section || TextWidth(name, size) > std::abs(Y(*member.start) - Y(*member.end)) - 12) {
+                return;
+            }
+            last = section;
+            drawing.Text(x - 8, y, name,
+                         "font-size=\"" + Coordinate(size) +
+                             "\" text-anchor=\"middle\" transform=\"rotate(-90 " + Coordinate(x - 8) + " " +
+                             Coordinate(y) + ")\"");
+        });
+    }
+
+    bool IsWithin(double x, double y) const { return x >= left && x <= right && y >= bottom && y <= top; }
+
+    void DrawSupports() {
+        for (const auto& node : building.nodes) {
+            if (!node || !node->support || !IsWithin(node->x, node->y)) continue;
+            const double x = X(*node);
+            const double y = Y(*node) + 4;
+            drawing.Add("<path d=\"M" + Coordinate(x) + " " + Coordinate(y) +
+                        "l-8 13h16z\" fill=\"#ffffff\" stroke=\"" + INK + "\"/>\n");
+            drawing.Line(x - 12, y + 13, x + 12, y + 13, GROUND);
+        }
+    }
+
+    /// Beside each storey's girders: their sections and values.
+    void DrawFloors() {
+        Places places(TEXT_HEIGHT + 2);
+        const double x = X(right) + 38;
+        for (const auto& storey : building.storeys) {
+            std::vector<std::string> sections;
+            std::vector<double> values;
+            double y = 0;
+            for (const auto& member : storey->members) {
+                if (dynamic_cast<const Girder*>(member.get()) == nullptr) continue;
+                const std::string name = Printable(member->section->name);
+                if (std::find(sections.begin(), sections.end(), name) == sections.end())
+                    sections.push_back(name);
+                double value = 0;
+                ValueOf(*member, value);
+                values.push_back(value);
+                y = Y(*member->end);
+            }
+            if (sections.empty() || !places.Take(y)) continue;
+            const auto [low, high] = std::minmax_element(values.begin(), values.end());
+            const std::string from = Number(*low);
+            const std::string to = Number(*high);
+            drawing.Text(x, y - 4,
+                         sections.size() == 1 ? Fitted(sections[0], 76)
+                                              : std::to_string(sections.size()) + " sections");
+            drawing.Text(x + 130, y - 4, from == to ? from : from + "–" + to, "text-anchor=\"end\"");
+        }
+        drawing.Text(x, TOP - 14 + (height - frameHeight) / 2 - 14, "Girders, " + UnitName(),
+                     "fill=\"" + std::string(PALE) + "\"");
+    }
+
+    void DrawScale() {
+        if (!hasValues) return;
+        const double x = LEFT + width + 216;
+        const double y = TOP + (height - SCALE_HEIGHT) / 2;
+        drawing.Text(x, y - 18, (property == Property::Area ? "Area, " : "Load, ") + UnitName(),
+                     "font-weight=\"bold\"");
+        constexpr int steps = 16; // colours change linearly within a quarter
+        constexpr int ticks = 4;
+        const bool one = Number(least) == Number(most);
+        if (!one) {
+            drawing.Add("<linearGradient id=\"scale\" x1=\"0\" y1=\"1\" x2=\"0\" y2=\"0\">\n");
+            for (int i = 0; i <= steps; ++i) {
+                drawing.Add("<stop offset=\"" + Coordinate(static_cast<double>(i) / steps) +
+                            "\" stop-color=\"" + Hex(colours.GetColor(Between(i, steps))) + "\"/>\n");
+            }
+            drawing.Add("</linearGradient>\n");
+        }
+        const double shown = one ? 20 : SCALE_HEIGHT;
+        drawing.Add("<rect x=\"" + Coordinate(x) + "\" y=\"" + Coordinate(y) + "\" width=\"20\" height=\"" +
+                    Coordinate(shown) + "\" stroke=\"" + INK + "\" fill=\"" +
+                    (one ? Hex(colours.GetColor(least)) : std::string("url(#scale)")) + "\"/>\n");
+        for (int i = 0; i <= (one ? 0 : ticks); ++i) {
+            const double at = one ? y + shown / 2 : y + shown * (1 - static_cast<double>(i) / ticks);
+            drawing.Line(x + 20, at, x + 26, at, THIN);
+            drawing.Text(x + 32, at + 4.5, Number(Between(i, ticks)));
+        }
+        if (property == Property::Load) {
+            drawing.Line(x, y + shown + 34, x + 20, y + shown + 34, CASING);
+            drawing.Line(x, y + shown + 34, x + 20, y + shown + 34, COLUMN);
+            drawing.Text(x + 32, y + shown + 38.5, "columns");
+        }
+    }
+    double Between(int step, int steps) const {
+        const double part = static_cast<double>(step) / steps;
+        return least * (1 - part) + most * part;
+    }
+
+    static constexpr double MARGIN = 28;
+    static constexpr double FLOOR_END = 172;
+    static constexpr const char* THIN = "stroke=\"#222222\" stroke-width=\"1\"";
+    static constexpr const char* LEVEL_LINE = "stroke=\"#d0d0d0\" stroke-width=\"1\"";
+    static constexpr const char* AXIS = "stroke=\"#767676\" stroke-width=\"1\" stroke-dasharray=\"12 3 2 3\"";
+    static constexpr const char* GROUND = "stroke=\"#222222\" stroke-width=\"2\"";
+    static constexpr const char* CASING = "stroke=\"#222222\" stroke-width=\"7\" stroke-linecap=\"square\"";
+    static constexpr const char* COLUMN = "stroke=\"#a8a8a8\" stroke-width=\"5\" stroke-linecap=\"square\"";
+
+    const Building& building;
+    Property property;
+    const Units& units;
+    Drawing drawing;
+    // The frame's bounds, in cm.
+    double left = 0;
+    double right = 0;
+    double bottom = 0;
+    double top = 0;
+    // Of the picture.
+    double scale = 1; // for each cm
+    double frameWidth = 0;
+    double frameHeight = 0;
+    double width = 0;
+    double height = 0;
+    // Of the values shown.
+    TColorScale colours;
+    bool hasValues = false;
+    double least = 0;
+    double most = 0;
+};
+
+} // namespace
+
+Property PropertyNamed(const std::string& name) {
+    if (name == "load") return Property::Load;
+    if (name == "area") return Property::Area;
+    throw Failure("Members cannot be coloured by \"" + name + "\": use load or area.");
+}
+
+std::string DrawElevation(const Building& building, Property property, const Units& units) {
+    return Elevation(building, property, units).Draw();
+}
+
+} // namespace Frame

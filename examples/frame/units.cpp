@@ -1,0 +1,89 @@
+#include "units.h"
+
+#include "failure.h"
+
+#include "ZoPrimitives/Math2.h"
+#include "ZoPrimitives/ZoUtf8.h"
+
+namespace Frame {
+
+using namespace ZoPrimitives;
+
+namespace {
+
+using L = TComprimento;
+using F = TForcaConcentrada;
+
+const struct {
+    const char* name;
+    Units units;
+} SYSTEMS[] = {
+    // Masses are shown as what weighs as much: a tonne for 1 tf.
+    {"metric",
+     {{L::m, 2},
+      {L::m, 2},
+      {L::mm, 0},
+      {TArea::cm2, 1},
+      {TInercia::cm4, 0},
+      {TVolume::cm3, 0},
+      {F::kN, 1},
+      {TForcaLinear::kN_m, 2},
+      {F::tf, 2, "t"},
+      {TForcaLinear::kgf_m, 1, "kg/m"},
+      {TPeso::kgf_m3, 0, "kg/m³"},
+      '.'}},
+    {"technical",
+     {{L::cm, 0},
+      {L::m, 2},
+      {L::cm, 1},
+      {TArea::cm2, 1},
+      {TInercia::cm4, 0},
+      {TVolume::cm3, 0},
+      {F::tf, 2},
+      {TForcaLinear::tf_m, 3},
+      {F::tf, 2},
+      {TForcaLinear::kgf_m, 1},
+      {TPeso::kgf_m3, 0},
+      '.'}},
+    {"imperial",
+     {{L::ft, 2},
+      {L::ft, 2},
+      {L::in, 1},
+      {TArea::sqin, 1, "in²"},
+      {TInercia::in4, 0},
+      {TVolume::cuin, 0, "in³"},
+      {F::kip, 1},
+      {TForcaLinear::kip_ft, 3},
+      {F::lb, 0},
+      {TForcaLinear::lb_ft, 1},
+      {TPeso::lb_cuft, 0},
+      '.'}},
+};
+
+} // namespace
+
+Units Units::Named(const std::string& name, const std::string& separator) {
+    if (separator != "." && separator != ",") {
+        throw Failure("\"" + separator + "\" does not separate decimals here: use a point or a comma.");
+    }
+    for (const auto& system : SYSTEMS) {
+        if (name != system.name) continue;
+        Units units = system.units;
+        units.separator = separator[0];
+        return units;
+    }
+    throw Failure("There are no units \"" + name + "\": use metric, technical or imperial.");
+}
+
+std::string Units::Decimal(double value, unsigned decimals) const {
+    return FormatFloat(value, decimals, true, separator).c_str();
+}
+
+std::string Units::Utf8(const ZoString& unitAtItsEnd) {
+    std::string text = ZoToUtf8(unitAtItsEnd);
+    // Windows-1252 has no such digit.
+    if (!text.empty() && text.back() == '4') text.replace(text.size() - 1, 1, "⁴");
+    return text;
+}
+
+} // namespace Frame

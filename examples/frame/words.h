@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ZoPrimitives/ZoString.h"
+
+#include <string>
+
+namespace Frame {
+
+/// A text of the model in UTF-8, for a terminal or a picture: characters that could command a terminal are
+/// shown as '?'.
+std::string Printable(const ZoPrimitives::ZoString& text);
+
+/// The number of characters of a UTF-8 text.
+std::size_t Width(const std::string& text);
+
+} // namespace Frame

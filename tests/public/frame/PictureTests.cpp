@@ -1,0 +1,232 @@
+#include "extract.h"
+#include "failure.h"
+#include "options.h"
+#include "picture.h"
+#include "report.h"
+#include "tables.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <sstream>
+
+namespace {
+
+using namespace Frame;
+using namespace ZoPrimitives;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+template <class Action>
+std::string FailureOf(Action action) {
+    try {
+        action();
+    } catch (const Failure& failure) {
+        return failure.what();
+    }
+    return "no failure";
+}
+
+/// What is not well-formed in a text of XML, "" when it is; knows what the pictures use.
+std::string XmlFault(const std::string& text) {
+    std::vector<std::string> open;
+    std::size_t at = text.rfind("<?xml", 0) == 0 ? text.find("?>") + 2 : 0;
+    while (at < text.size()) {
+        const std::string here = text.substr(at, 40);
+        const auto character = static_cast<unsigned char>(text[at]);
+        if (character == '<') {
+            // Quoted values hold no '<' and no '>'.
+            const std::size_t end = text.find_first_of("<>", at + 1);
+            if (end == std::string::npos || text[end] == '<') return "open tag: " + here;
+            const std::string tag = text.substr(at + 1, end - at - 1);
+            if (std::count(tag.begin(), tag.end(), '"') % 2 != 0) return "quotes: " + here;
+            const std::string name = tag.substr(0, tag.find_first_of(" /", 1));
+            if (tag[0] == '/') {
+                if (open.empty() || tag != "/" + open.back()) return "closes nothing: " + here;
+                open.pop_back();
+                if (open.empty()) return text.substr(end + 1) == "\n" ? "" : "something behind its end";
+            } else if (tag.back() != '/') {
+                open.push_back(name);
+            }
+            at = end;
+        } else if (character == '&') {
+            const std::string name = text.substr(at, text.find(';', at) + 1 - at);
+            if (name != "&amp;" && name != "&lt;" && name != "&gt;" && name != "&quot;")
+                return "reference: " + here;
+        } else if (character < 0x20 && character != '\n') {
+            return "control character: " + here;
+        }
+        ++at;
+    }
+    return "no end";
+}
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
+TEST(FrameUnits, WriteEachQuantity) {
+    const GComprimento length(30, TComprimento::ft);
+    const GForcaConcentrada steel(2'000'000, TForcaConcentrada::kgf);
+    const GInercia inertia(9760, TInercia::in4);
+    const struct {
+        const char* system;
+        const char* separator;
+        const char* length;
+        const char* depth;
+        const char* area;
+        const char* inertia;
+        const char* load;
+        const char* lineLoad;
+        const char* steel;
+        const char* density;
+    } rows[] = {
+        {"metric", ".", "9.14 m", "9144 mm", "300.0 cm²", "406211 cm⁴", "20000.0 kN", "34.50 kN/m",
+         "2000.00 t", "7850 kg/m³"},
+        {"technical", ",", "914 cm", "914,4 cm", "300,0 cm²", "406211 cm⁴", "2000,00 tf", "3,450 tf/m",
+         "2000,00 tf", "7850 kgf/m³"},
+        {"imperial", ".", "30.00 ft", "360.0 in", "46.5 in²", "9760 in⁴", "4409.2 kip", "2.319 kip/ft",
+         "4409171 lb", "490 lb/cu ft"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.system);
+        const Units units = Units::Named(row.system, row.separator);
+        EXPECT_EQ(units.Text(units.length, length), row.length);
+        EXPECT_EQ(units.Text(units.depth, length), row.depth);
+        EXPECT_EQ(units.Text(units.area, GArea(300, TArea::cm2)), row.area);
+        EXPECT_EQ(units.Text(units.inertia, inertia), row.inertia);
+        EXPECT_EQ(units.Text(units.load, steel), row.load);
+        EXPECT_EQ(units.Text(units.lineLoad, GForcaLinear(34.5, TForcaLinear::kN_m)), row.lineLoad);
+        EXPECT_EQ(units.Text(units.steel, steel), row.steel);
+        EXPECT_EQ(units.Text(units.density, GPeso(7850, TPeso::kgf_m3)), row.density);
+        const std::string text = row.depth;
+        EXPECT_EQ(units.Number(units.depth, length) + " " + units.Name(units.depth), text);
+    }
+}
+
+TEST(FrameOptions, StandAnywhereAndAreRefusedWithASentence) {
+    const Options options = ReadOptions({"--by", "area", "picture", "--separator", ",", "a.zo", "a.svg"});
+    EXPECT_THAT(options.words, testing::ElementsAre("picture", "a.zo", "a.svg"));
+    EXPECT_THAT(options.given, testing::ElementsAre("--by", "area", "--separator", ","));
+    EXPECT_EQ(options.property, Property::Area);
+    EXPECT_EQ(options.units.separator, ',');
+    EXPECT_EQ(options.units.length.unit, TComprimento::m);
+
+    const struct {
+        std::vector<std::string> arguments;
+        const char* sentence;
+    } rows[] = {
+        {{"a.zo", "--unit", "metric"}, "There is no option --unit: use --units, --separator or --by."},
+        {{"a.zo", "--units"}, "--units needs a value: metric, technical or imperial."},
+        {{"a.zo", "--units", "Metric"}, "There are no units \"Metric\": use metric, technical or imperial."},
+        {{"--separator", ";"}, "\";\" does not separate decimals here: use a point or a comma."},
+        {{"--separator", ""}, "\"\" does not separate decimals here: use a point or a comma."},
+        {{"--by", "mass"}, "Members cannot be coloured by \"mass\": use load or area."},
+    };
+    for (const auto& row : rows) EXPECT_EQ(FailureOf([&] { ReadOptions(row.arguments); }), row.sentence);
+}
+
+TEST(FramePicture, ShowsTheFrame) {
+    const Model model = ReadTables(FRAME_TABLES);
+    const std::string loads = DrawElevation(*model.building, Property::Load, Units::Named("metric", ","));
+    EXPECT_EQ(XmlFault(loads), "");
+    for (const char* fact :
+         {"<title>Pórtico de aço de nove andares, elevation</title>", ">Los Angeles · elevation, loads",
+          ">Load, kN/m<", ">Level, m<", ">+37,19<", ">-3,66<", ">9º andar<", ">9,14<", ">F</text>",
+          ">W24x68<", "<title>column A1, W14x370</title>"})
+        EXPECT_THAT(loads, HasSubstr(fact));
+    EXPECT_EQ(CountOf(loads, "<title>girder "), 50u);
+    EXPECT_EQ(CountOf(loads, "stroke=\"#a8a8a8\"><title>column "), 60u);
+    // Those of least load and of most, at the ends of the scale.
+    EXPECT_EQ(CountOf(loads, "stroke=\"#0000ff\"><title>girder "), 5u);
+    EXPECT_EQ(CountOf(loads, "stroke=\"#ff0000\"><title>girder "), 15u);
+    EXPECT_EQ(CountOf(loads, "<circle"), 6u);
+    EXPECT_EQ(CountOf(loads, "l-8 13h16z"), 6u); // supports
+    EXPECT_LT(loads.size(), 60'000u);
+
+    const std::string areas = DrawElevation(*model.building, Property::Area, Units::Named("imperial", "."));
+    EXPECT_EQ(XmlFault(areas), "");
+    EXPECT_THAT(areas, AllOf(HasSubstr(">Area, in²<"), HasSubstr(">147.0<"), HasSubstr(">30.00<"),
+                             HasSubstr("stroke=\"#ff0000\"><title>column B1, W14x500, 147.0 in²</title>"),
+                             HasSubstr("stroke=\"#0000ff\"><title>girder AB9, W24x68, 20.1 in²</title>"),
+                             Not(HasSubstr("#a8a8a8"))));
+}
+
+TEST(FramePicture, IsWellFormedWhateverTheBuildingIs) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const struct {
+        const char* name;
+        std::function<void(Building&)> change;
+        const char* fact; // or what `Failure` says
+    } rows[] = {
+        {"text that is markup",
+         [](Building& b) { b.name = b.site.name = b.storeys[2]->name = b.lines[1] = "</text>&\"<"; },
+         "&lt;/text&gt;&amp;&quot;&lt;"},
+        {"control characters", [](Building& b) { b.name = b.sections[1]->name = "a\x01[\x1b\x7f\x9d"; },
+         ">a?[?\?\?<"},
+        {"long texts",
+         [](Building& b) { b.name = b.sections[5]->name = b.storeys[3]->name = ZoString('W', 5000); }, "W…<"},
+        {"no texts", [](Building& b) { b.name = b.site.name = b.storeys[2]->name = b.lines[3] = ZoString(); },
+         ">elevation, loads"},
+        {"lines that are not those of the columns", [](Building& b) { b.lines.RemoveAll(); }, ">Level, m<"},
+        {"one value",
+         [](Building& b) {
+             while (b.storeys.NItems() > 1) b.storeys.RemoveFirst();
+         },
+         ">columns<"},
+        {"nodes in one place",
+         [](Building& b) {
+             for (auto& node : b.nodes) node->x = node->y = 7;
+         },
+         ">Girders, kN/m<"},
+        {"nodes very far apart",
+         [](Building& b) {
+             b.nodes[1]->x = -1.7e308;
+             b.nodes[66]->x = 1.7e308;
+         },
+         ">Girders, kN/m<"},
+        {"no node where one is listed", [](Building& b) { b.nodes.Add(nullptr); }, ">Girders, kN/m<"},
+        {"load that is no number",
+         [](Building& b) {
+             for (auto& m : b.storeys[4]->members)
+                 if (auto* girder = dynamic_cast<Girder*>(m.get())) girder->loads.Add(std::nan(""));
+         },
+         ", nan kN/m</title>"},
+        {"node at no finite place", [&](Building& b) { b.nodes[3]->y = infinity; },
+         "The building cannot be drawn: it is of no finite size."},
+        {"no members",
+         [](Building& b) {
+             for (auto& storey : b.storeys) storey->members.RemoveAll();
+         },
+         "The building cannot be drawn: it has no members."},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Model model = ReadTables(FRAME_TABLES);
+        row.change(*model.building);
+        for (const Property property : {Property::Load, Property::Area}) {
+            std::string picture;
+            const std::string failure = FailureOf(
+                [&] { picture = DrawElevation(*model.building, property, Units::Named("metric", ".")); });
+            if (picture.empty()) {
+                EXPECT_EQ(failure, row.fact);
+                continue;
+            }
+            EXPECT_EQ(XmlFault(picture), "");
+            if (property == Property::Load) {
+                EXPECT_THAT(picture, HasSubstr(row.fact));
+            }
+        }
+    }
+    const Model model = ReadTables(FRAME_TABLES);
+    const Model part = ExtractStorey(*model.building, "3");
+    EXPECT_EQ(XmlFault(DrawElevation(*part.building, Property::Load, Units::Named("metric", "."))), "");
+}
+
+} // namespace

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -115,6 +116,14 @@ TEST_F(FrameTest, SectionsAreReadAlone) {
     EXPECT_THAT(FailureOf([&] { OpenProfiles(Path("none.zo")); }), HasSubstr("There is no file"));
     folder.Write("a.zo", bytes.substr(0, Records(bytes)[0]));
     EXPECT_THAT(FailureOf([&] { OpenProfiles(Path("a.zo")); }), HasSubstr("Metadado corrompido"));
+}
+
+TEST_F(FrameTest, EverySystemReadsAndWritesTheSameFile) {
+    std::filesystem::copy_file(FRAME_FILE, Path("golden.zo"));
+    const Model model = ReadTables(FRAME_TABLES);
+    Save(model, Path("a.zo"));
+    EXPECT_TRUE(folder.Read("a.zo") == folder.Read("golden.zo"));
+    EXPECT_EQ(Compare(*model.building, *Open(Path("golden.zo")).building).difference, "");
 }
 
 TEST_F(FrameTest, BackupIsTheVersionBefore) {

@@ -8,6 +8,7 @@
 #include "ZoPrimitives/pointer.h"
 #include "support/Assertions.h"
 #include "support/FaultyServices.h"
+#include "support/OtherProcess.h"
 #include "support/TemporaryFolder.h"
 
 #include <filesystem>
@@ -22,6 +23,7 @@ using namespace ZoPrimitives;
 using testing::ElementsAre;
 using ZoPrimitives::Testing::FaultyServices;
 using ZoPrimitives::Testing::InstalledServices;
+using ZoPrimitives::Testing::OtherProcess;
 using ZoPrimitives::Testing::TemporaryFolder;
 using Stream = pointer<TFileBinOutStream>;
 
@@ -234,6 +236,20 @@ struct FailedSave {
     std::unique_ptr<TFileBinInStream> holder;
 };
 
+/// What is there of the target, the backup and a temporary file: Old, New, Half or less.
+std::string Left(const TemporaryFolder& folder, const std::string& old, const std::string& fresh) {
+    std::string left = "...";
+    for (const std::string& name : folder.Names()) {
+        const std::string bytes = folder.Read(name);
+        left[name == "plan.zo"       ? 0
+             : name == "plan.zo-bak" ? 1
+                                     : 2] = bytes == old     ? 'O'
+                                            : bytes == fresh ? 'N'
+                                                             : 'H';
+    }
+    return left;
+}
+
 /// A call that fails, having done half of its work.
 std::function<void(FailedSave&)> Faulty(const char* operation, int nth, unsigned long error) {
     return [=](FailedSave& save) { save.services.Fail(operation, nth, error, FaultyServices::Half); };
@@ -257,8 +273,7 @@ TEST_F(FileStreamTests, FailuresOfASave) {
     const std::string denied = "write: Input/output error @ TFileBinOutStream::";
     const std::string shared = "write: Broken pipe @ TFileBinOutStream::";
     const std::string noPath = "write: No such process @ TFileBinOutStream::";
-    // The call that fails, Initialize, Record or Finalize; and what is left of the target, the backup and the
-    // temporary file: Old, New, Half or less.
+    // The call that fails, Initialize, Record or Finalize; and what is left.
     const struct {
         const char* name;
         bool backup;
@@ -316,21 +331,46 @@ TEST_F(FileStreamTests, FailuresOfASave) {
         EXPECT_EQ(Thrown([&] { WriteRecords(*out, "more"); }),
                   "write: No such device or address @ TFileBinOutStream::WriteToFile");
         EXPECT_EQ(Thrown([&] { out->Finalize(); }), "");
-        std::string left = "...";
-        for (const std::string& name : save.folder.Names()) {
-            const std::string bytes = save.folder.Read(name);
-            const std::size_t place = name == "plan.zo" ? 0 : name == "plan.zo-bak" ? 1 : 2;
-            left[place] = bytes == old ? 'O' : bytes == fresh ? 'N' : 'H';
-            const bool named = out->GetWrittenPath() == save.folder.Path(name).c_str();
-            EXPECT_TRUE(named || place != 2 || row.thrown.empty());
-        }
-        EXPECT_EQ(left, row.left);
+        EXPECT_EQ(Left(save.folder, old, fresh), row.left);
+        const bool stays = row.left[2] != '.' && !row.thrown.empty();
+        EXPECT_TRUE(!stays || std::filesystem::exists(out->GetWrittenPath().c_str()));
     }
 }
 
-TEST_F(FileStreamTests, AFullDevice) {
-    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "none here";
-    EXPECT_EQ(Thrown([&] { Begin("/dev/full"); }), full + "WriteToFile");
+TEST_F(FileStreamTests, AnotherProcessHoldsTheTarget) {
+    Save(plan, "new", false);
+    const std::string fresh = folder.Read("plan.zo");
+    const struct {
+        const char* name;
+        bool writes, backup;
+        std::string thrown;
+        const char* left;
+    } rows[] = {
+        {"read there, saved in place", false, false, "write: Broken pipe @ TFileBinOutStream::Initialize",
+         "O.."},
+        {"read there, saved with a backup", false, true, "write: Broken pipe @ TFileBinOutStream::Finalize",
+         "OON"},
+        {"written there, saved in place", true, false, "write: Broken pipe @ TFileBinOutStream::Initialize",
+         "O.."},
+        {"written there, saved with a backup", true, true, "write: Broken pipe @ TFileBinOutStream::Finalize",
+         "OON"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        FailedSave save;
+        Save(save.target, "old", false);
+        std::string old = save.folder.Read("plan.zo");
+        {
+            const OtherProcess other(row.writes ? "write" : "read", save.folder);
+            old = save.folder.Read("plan.zo"); // a writer empties it
+            EXPECT_EQ(Thrown([&] { Open(save.target); }), Cannot(save.target));
+            EXPECT_EQ(Thrown([&] { Save(save.target, "new", row.backup); }), row.thrown);
+            EXPECT_EQ(save.services.OpenHandles(), 0u);
+        }
+        EXPECT_EQ(Left(save.folder, old, fresh), row.left);
+        Save(save.target, "new", row.backup);
+        EXPECT_EQ(save.folder.Read("plan.zo"), fresh);
+    }
 }
 
 TEST_F(FileStreamTests, WholeRecordsLeaveInBlocks) {

@@ -49,7 +49,7 @@ public:
     /// Called before each operation, with the text that it leaves in Calls().
     std::function<void(const std::string& call)> onCall;
     /// Called instead of waiting.
-    std::function<void()> onWait;
+    std::function<void(unsigned milliseconds)> onWait;
     /// The texts of message boxes; none is shown.
     std::vector<std::string> messages;
 
@@ -143,9 +143,9 @@ public:
         temporaries.push_back(name);
         return name;
     }
-    void Wait(unsigned) override {
+    void Wait(unsigned milliseconds) override {
         ++counts["Wait"];
-        if (onWait) onWait();
+        if (onWait) onWait(milliseconds);
     }
     void ShowMessageBox(const char* text) override {
         Meet("ShowMessageBox", "");

@@ -1,5 +1,6 @@
 #include "Platform/Platform.h"
 #include "Platform/posix/Files.h"
+#include "support/FaultyServices.h"
 #include "support/TemporaryFolder.h"
 
 #include <atomic>
@@ -10,6 +11,7 @@
 #include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
+#include <memory>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
@@ -25,6 +27,7 @@ namespace {
 
 using namespace ZoPrimitives::Platform;
 using testing::ElementsAre;
+using ZoPrimitives::Testing::FaultyServices;
 using ZoPrimitives::Testing::TemporaryFolder;
 
 FileHandle Open(const std::string& path, Access access, Share share,
@@ -173,37 +176,45 @@ TEST_F(PosixFilesTests, OpeningAloneExcludesOtherProcesses) {
     EXPECT_EQ(value, Processes * Rounds);
 }
 
-TEST_F(PosixFilesTests, AFileReplacedWhileWaitingForARivalIsLookedForAgain) {
-    // The places of the marks are the same in every version of the library: processes of two versions meet.
-    constexpr off_t TentativeReads = (off_t{1} << 62) + 8 + 1,
-                    TentativeDeniesReading = (off_t{1} << 62) + 8 + 3;
-    const auto mark = [](int descriptor, int command, short type, off_t start) {
+// An opening that has shown that it denies reading, and neither settles nor gives up.
+struct Rival {
+    explicit Rival(const std::string& path) : descriptor(open(path.c_str(), O_RDONLY)) {
         struct flock lock {};
-        lock.l_type = type;
-        lock.l_start = start;
+        lock.l_type = F_RDLCK;
+        // The places of the marks are the same in every version of the library: processes of two versions
+        // meet.
+        lock.l_start = (off_t{1} << 62) + 8 + 3;
         lock.l_len = 1;
-        EXPECT_EQ(fcntl(descriptor, command, &lock), 0);
-        return lock.l_type;
-    };
-    const int rival = open(folder.Path("f").c_str(), O_RDONLY);
-    mark(rival, F_OFD_SETLK, F_RDLCK, TentativeDeniesReading);
-    std::atomic<bool> watching{false}, opened{false};
-    std::thread replacer([&] {
-        watching = true;
-        while (mark(rival, F_OFD_GETLK, F_WRLCK, TentativeReads) == F_UNLCK && !opened) sched_yield();
+        EXPECT_EQ(fcntl(descriptor, F_OFD_SETLK, &lock), 0);
+    }
+    ~Rival() { close(descriptor); }
+    int descriptor;
+};
+
+TEST_F(PosixFilesTests, AFileReplacedWhileWaitingForARivalIsLookedForAgain) {
+    auto rival = std::make_unique<Rival>(folder.Path("f"));
+    FaultyServices services;
+    services.onWait = [&](unsigned) {
         std::filesystem::remove(folder.Path("f"));
         folder.Write("f", "another");
-        close(rival);
-    });
-    while (!watching) sched_yield();
+        rival.reset();
+    };
     const FileHandle file = Open(folder.Path("f"), Access::ReadWrite, Share::Read);
-    opened = true;
-    replacer.join();
-    if (file == nullptr) GTEST_SKIP() << "the machine is too busy to meet the rival in time";
+    EXPECT_EQ(services.Count("Wait"), 1);
     unsigned long long size = 0;
     EXPECT_TRUE(Current().FileSize(file, size));
     EXPECT_EQ(size, 7U);
     Current().CloseFile(file);
+}
+
+TEST_F(PosixFilesTests, ARivalIsAwaitedForASecond) {
+    const Rival rival(folder.Path("f"));
+    FaultyServices services;
+    unsigned waited = 0;
+    services.onWait = [&](unsigned milliseconds) { waited += milliseconds; };
+    EXPECT_EQ(Open(folder.Path("f"), Access::ReadWrite, Share::Read), nullptr);
+    EXPECT_EQ(LastError(), ErrorSharingViolation);
+    EXPECT_NEAR(waited, 1003, 3);
 }
 
 TEST_F(PosixFilesTests, AFullDeviceIsAFullDisk) {

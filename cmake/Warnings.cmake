@@ -1,2 +1,6 @@
 add_library(zo_warnings INTERFACE)
-target_compile_options(zo_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror)
+if(MSVC)
+  target_compile_options(zo_warnings INTERFACE /W4 /utf-8 /permissive- /Zc:__cplusplus)
+else()
+  target_compile_options(zo_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror)
+endif()

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <utility>
@@ -17,23 +16,13 @@ class UidTable {
 public:
     void Set(int uid, ZoStreamableBase* object) {
         ++count;
-        if (ZoStreamableBase** present = FindSparse(uid)) {
-            *present = object;
-            return;
-        }
         const auto index = static_cast<std::size_t>(uid);
-        if (uid >= 0 && index < dense.size()) {
+        if (hasSparse || uid < 0 || index > dense.size()) {
+            SetApart(uid, object);
+        } else if (index < dense.size()) {
             dense[index] = object;
-        } else if (uid >= 0 && index == dense.size()) {
-            dense.push_back(object);
-        } else if (uid >= 0 && index < SLACK + 4 * count) {
-            if (index >= dense.capacity()) dense.reserve(2 * index + SLACK);
-            dense.resize(index + 1);
-            dense[index] = object;
-        } else if (rising.empty() || rising.back().first < uid) {
-            rising.emplace_back(uid, object);
         } else {
-            others[uid] = object;
+            dense.push_back(object);
         }
     }
     /// Null for a uid without object, and for 0.
@@ -41,8 +30,7 @@ public:
         if (uid == 0) return nullptr;
         const auto index = static_cast<std::size_t>(uid);
         if (uid > 0 && index < dense.size() && dense[index] != nullptr) return dense[index];
-        ZoStreamableBase* const* found = const_cast<UidTable*>(this)->FindSparse(uid);
-        return found == nullptr ? nullptr : *found;
+        return hasSparse ? GetSparse(uid) : nullptr;
     }
     void Reserve(std::size_t uids) { dense.reserve(uids); }
     void Clear() { *this = UidTable(); }
@@ -50,22 +38,15 @@ public:
 private:
     static constexpr std::size_t SLACK = 1024;
 
-    ZoStreamableBase** FindSparse(int uid) {
-        if (!rising.empty() && uid <= rising.back().first) {
-            const auto found =
-                std::lower_bound(rising.begin(), rising.end(), uid,
-                                 [](const auto& entry, int wanted) { return entry.first < wanted; });
-            if (found->first == uid) return &found->second;
-        }
-        if (others.empty()) return nullptr;
-        const auto found = others.find(uid);
-        return found == others.end() ? nullptr : &found->second;
-    }
+    void SetApart(int uid, ZoStreamableBase* object);
+    ZoStreamableBase* GetSparse(int uid) const;
+    ZoStreamableBase** FindSparse(int uid);
 
     std::vector<ZoStreamableBase*> dense;
     std::vector<std::pair<int, ZoStreamableBase*>> rising;
     std::map<int, ZoStreamableBase*> others; // no hash that a file could work against
     std::size_t count = 0;
+    bool hasSparse = false; // one of the two holds something
 };
 
 } // namespace ZoPrimitives

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/Math2.h"
 
+#include "ZoPrimitives/Length.h"
 #include "ZoPrimitives/Saturated.h"
 #include "ZoPrimitives/grandeza.h"
 
@@ -195,7 +196,7 @@ long double Distance(long double x1, long double y1, long double z1, long double
     const double x = static_cast<double>(x2) - static_cast<double>(x1);
     const double y = static_cast<double>(y2) - static_cast<double>(y1);
     const double z = static_cast<double>(z2) - static_cast<double>(z1);
-    return std::sqrt(x * x + y * y + z * z);
+    return Length(x, y, z);
 }
 
 bool IsNan(double x) { return std::isnan(x); }

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/Point2D.h"
 
 #include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/Length.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/Point3D.h"
 #include "ZoPrimitives/PointClass.h"
@@ -72,9 +73,7 @@ Point2D Point2D::Minor(const Point2D& other, unsigned precision) const {
 }
 
 double Point2D::Distance(const Point2D& other) const {
-    const double dx = other.xValue - xValue;
-    const double dy = other.yValue - yValue;
-    return std::sqrt(dx * dx + dy * dy);
+    return Length(other.xValue - xValue, other.yValue - yValue);
 }
 
 Point2D& Point2D::Move(double dx, double dy) {

@@ -2,6 +2,7 @@
 
 #include "ZoPrimitives/Checksum.h"
 #include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/Length.h"
 #include "ZoPrimitives/NumberText.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
@@ -89,10 +90,7 @@ bool Point3D::Less(const Point3D& other, unsigned precision) const {
 }
 
 double Point3D::Distance(const Point3D& other) const {
-    const double dx = other.X() - X();
-    const double dy = other.Y() - Y();
-    const double dz = other.Z() - Z();
-    return std::sqrt(dx * dx + dy * dy + dz * dz);
+    return Length(other.X() - X(), other.Y() - Y(), other.Z() - Z());
 }
 
 Point3D& Point3D::Move(double dx, double dy, double dz) { return *this += Point3D(dx, dy, dz); }

@@ -3,6 +3,7 @@
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
+#include "ZoPrimitives/TVector3D.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,9 +41,9 @@ TTransformation TTransformation::Scaling(double x, double y, double z) {
 
 TTransformation TTransformation::Rotation(double angle, double x, double y, double z) {
     TTransformation made;
-    const double length = std::sqrt(x * x + y * y + z * z);
-    if (length == 0) return made;
-    const double axis[3] = {x / length, y / length, z / length};
+    const TVector3D direction = TVector3D(x, y, z).Normalized();
+    if (direction.Magnitude() == 0) return made;
+    const double axis[3] = {direction.X(), direction.Y(), direction.Z()};
     const double cosine = std::cos(angle);
     const double sine = std::sin(angle);
     for (int i = 0; i < 3; ++i) {

@@ -1,17 +1,27 @@
 #include "ZoPrimitives/TVector3D.h"
 
 #include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/Length.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
 #include "ZoPrimitives/TTransformation.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace ZoPrimitives {
 
 ZO_POINT_BODY(TVector3D)
+
+namespace {
+
+/// Times the power of two that keeps products of its components in range.
+TVector3D Scaled(const TVector3D& v) {
+    const int scale = ScaleOf(v.X(), v.Y(), v.Z());
+    return {std::scalbn(v.X(), scale), std::scalbn(v.Y(), scale), std::scalbn(v.Z(), scale)};
+}
+
+} // namespace
 
 TZoClass* TVector3D::Register(TZoMetaData* schema) {
     return RegisterPoint<TVector3D>(schema, "TVector3D", "Point3D", {});
@@ -35,14 +45,16 @@ TVector3D TVector3D::operator-() const { return {-X(), -Y(), -Z()}; }
 TVector3D TVector3D::operator*(double factor) const { return {X() * factor, Y() * factor, Z() * factor}; }
 TVector3D TVector3D::operator/(double divisor) const { return {X() / divisor, Y() / divisor, Z() / divisor}; }
 
-double TVector3D::Magnitude() const { return std::sqrt(DotProduct(*this)); }
+double TVector3D::Magnitude() const { return Length(X(), Y(), Z()); }
 
 bool TVector3D::MagnitudeGreaterThanZero() const { return Greater(Magnitude(), 0, 6); }
 
 TVector3D& TVector3D::Normalize() {
     const double magnitude = Magnitude();
-    if (magnitude > 0) *this = *this / magnitude;
-    return *this;
+    if (!(magnitude > 0)) return *this;
+    if (IsModerate(magnitude)) return *this = *this / magnitude;
+    const TVector3D scaled = Scaled(*this);
+    return *this = scaled / scaled.Magnitude();
 }
 
 TVector3D TVector3D::Normalized() const { return TVector3D(*this).Normalize(); }
@@ -65,13 +77,14 @@ double TVector3D::CosAngle(const TVector3D& other) const {
     const double otherMagnitude = other.Magnitude();
     if (magnitude == 0 || otherMagnitude == 0) return 1;
     const double product = magnitude * otherMagnitude;
-    if (!std::isfinite(product)) return std::numeric_limits<double>::quiet_NaN();
-    return std::clamp(DotProduct(other) / product, -1.0, 1.0);
+    if (IsModerate(product)) return std::clamp(DotProduct(other) / product, -1.0, 1.0);
+    const TVector3D a = Scaled(*this), b = Scaled(other);
+    return std::clamp(a.DotProduct(b) / (a.Magnitude() * b.Magnitude()), -1.0, 1.0);
 }
 
 double TVector3D::SignedAngle(const TVector3D& other, const TVector3D& normal) const {
     const double angle = Angle(other);
-    return CrossProduct(other).DotProduct(normal) < 0 ? -angle : angle;
+    return Scaled(*this).CrossProduct(Scaled(other)).DotProduct(Scaled(normal)) < 0 ? -angle : angle;
 }
 
 double TVector3D::SignedAngle(const TVector3D& other) const { return SignedAngle(other, {0, 0, 1}); }
@@ -91,8 +104,9 @@ bool TVector3D::CoplanarTo(const TVector3D& b, const TVector3D& c, unsigned prec
 }
 
 TVector3D TVector3D::Project(const TVector3D& other) const {
-    const double square = other.DotProduct(other);
-    return square == 0 ? TVector3D() : other * (DotProduct(other) / square);
+    const TVector3D axis = Scaled(other);
+    const double square = axis.DotProduct(axis);
+    return square == 0 ? TVector3D() : axis * (DotProduct(axis) / square);
 }
 
 TVector3D TVector3D::ProjectionOnPlane(const TVector3D& normal) const { return *this - Project(normal); }

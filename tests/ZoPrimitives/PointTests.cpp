@@ -228,6 +228,23 @@ TEST(VectorTest, Lengths) {
     EXPECT_EQ(TVector2D(Point2D(1, 1), Point2D(4, 5)).Normalized(), TVector2D(0.6, 0.8));
     EXPECT_EQ(TVector2D().Normalize(), TVector2D());
     EXPECT_EQ(TVector3D::CreateUnitVector({1, 1, 1}, {1, 1, -4}), TVector3D(0, 0, -1));
+    // Where the squares of the components are out of range.
+    for (const double scale : {5e-324, 1e-200, 1e-160, 1e160, 1e200, 1e308}) {
+        EXPECT_EQ(TVector3D(0, scale, 0).Magnitude(), scale);
+        EXPECT_EQ(TVector2D(-scale, 0).Magnitude(), scale);
+        EXPECT_EQ(Point3D().Distance({0, 0, scale}), scale);
+        EXPECT_EQ(Point2D(0, scale).Distance({}), scale);
+        EXPECT_EQ(Distance(scale, 0, 0, 0, 0, 0), scale);
+        ExpectNear(TVector3D(scale, -scale, 0).Normalized(), TVector3D(1, -1, 0).Normalized(), "unit");
+        ExpectNear(TVector2D(scale, -scale).Normalized(), TVector2D(1, -1).Normalized(), "unit");
+        ExpectNear(Point3D(1, 0, 0).Rotate(PI / 2, {}, 0, 0, scale), {0, 1, 0}, "about a short or long axis");
+        ExpectNear(TVector3D(1, 2, 3).Project({0, scale, 0}), {0, 2, 0}, "along");
+    }
+    EXPECT_EQ(TVector3D(1e308, 1e308, 1e308).Magnitude(), 1.7320508075688773e308);
+    EXPECT_EQ(TVector3D(1.7e308, 1.7e308, 0).Magnitude(), INF);
+    EXPECT_EQ(TVector3D(3e-200, 4e-200, 0).Magnitude(), 5e-200);
+    EXPECT_TRUE(std::isnan(TVector3D(1e200, NOT_A_NUMBER, 0).Magnitude()));
+    EXPECT_EQ(TVector2D(-INF, 1).Magnitude(), INF);
     EXPECT_EQ(TVector3D::CreateUnitVector({1, 1, 1}, {1, 1, 1}), TVector3D());
 }
 
@@ -258,8 +275,13 @@ TEST(VectorTest, Angles) {
         {"opposite", x.Angle(-x), PI},
         {"cosine above 1 by rounding", TVector3D(0.1, 0.2, 0.3).Angle({0.3, 0.6, 0.9}), 0},
         {"NaN", x.Angle({NOT_A_NUMBER, 0, 0}), NOT_A_NUMBER},
-        {"overflow", x.Angle({1e200, 0, 0}), NOT_A_NUMBER},
-        {"overflow in the plane", TVector2D(1, 0).Angle({1e200, 0}), NOT_A_NUMBER},
+        {"infinity", x.Angle({INF, 0, 0}), NOT_A_NUMBER},
+        {"long and short", TVector3D(1e-200, 1e-200, 0).Angle({0, 1e300, 0}), PI / 4},
+        {"both long", TVector3D(1e200, 1e200, 0).SignedAngle({-1e200, 1e200, 0}), PI / 2},
+        {"both short", TVector3D(1e-200, 1e-200, 0).SignedAngle({1e-200, -1e-200, 0}, {0, 0, 5e-324}),
+         -PI / 2},
+        {"long in the plane", TVector2D(1e200, 1e200).SignedAngle({1e300, -1e300}), -PI / 2},
+        {"short in the plane", TVector2D(1e-200, 0).SignedAngle({0, -5e-324}), -PI / 2},
         {"cosine", x.CosAngle({1, std::sqrt(3), 0}), 0.5},
         {"to the left", x.SignedAngle(y), PI / 2},
         {"to the right", y.SignedAngle(x), -PI / 2},

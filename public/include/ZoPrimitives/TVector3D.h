@@ -4,7 +4,7 @@
 
 namespace ZoPrimitives {
 
-/// A vector of space. Angles are in radians; with a NaN, or where the magnitudes overflow, they are NaN.
+/// A vector of space. Angles are in radians; beside a NaN or an infinity they are NaN.
 class ZO_API TVector3D : public Point3D {
 public:
     /// The zero vector.

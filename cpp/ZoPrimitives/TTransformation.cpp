@@ -115,6 +115,11 @@ void TTransformation::Write(OutputStreamer& streamer) {
     }
 }
 
+void TTransformation::Read(InputStreamer& streamer) {
+    CreateList_matrix(this, 0, 0, 0);
+    ZoObjectStreamable::Read(streamer);
+}
+
 bool TTransformation::ReadData(int code, InputStreamer& streamer) {
     if (code != 40) return ZoObjectStreamable::ReadData(code, streamer);
     double value = 0;

@@ -496,6 +496,19 @@ TEST(PointStreamingTest, EachIsWrittenAsTextAndRead) {
     }
 }
 
+TEST(PointStreamingTest, AMatrixThatIsReadOverIsForgotten) {
+    const Testing::TemporaryFolder folder;
+    folder.Write("text", "40\n2\n40\n3\n0\n40\n4\n0\n");
+    InputStreamer reader(new FileInputStream(folder.Path("text").c_str()), nullptr);
+    TTransformation first, second = TTransformation::Scaling(5, 5, 5);
+    first.Element(1, 1, 2);
+    first.Element(1, 2, 3);
+    second.Read(reader);
+    EXPECT_TRUE(second == first);
+    second.Read(reader);
+    EXPECT_TRUE(second == TTransformation::Scaling(4, 1, 1));
+}
+
 TEST(PointStreamingTest, VectorsReadTheCodesOfPoints) {
     const Testing::TemporaryFolder folder;
     folder.Write("text", "10\n1\n20\n2\n230\n3\n0\n");

@@ -49,6 +49,7 @@ public:
 
     /// In texts 40 leads each of the 16 elements, row by row.
     void Write(OutputStreamer& streamer) override;
+    void Read(InputStreamer& streamer) override;
 
     static ZoString Getfieldclassfor_matrix(TZoMetaData* schema, TZoClass** fieldClass,
                                             TZoClassFieldType* kind);

@@ -29,6 +29,7 @@ TEST(ChronoTest, Reads) {
         {"ticks pass 16 bits", 65'000, 1'500, "0:0:1.50"},
         {"ticks pass 32 bits", 0xFFFF'FF00u, 1'500, "0:0:1.50"},
         {"cut in binary fractions", 0, 270, "0:0:0.26"},
+        {"whole seconds too", 0, 13'000, "0:0:12.99"},
     };
     for (const auto& row : rows) {
         Testing::FakeClock clock;

@@ -4,8 +4,7 @@
 
 namespace ZoPrimitives {
 
-/// A stopwatch for short times: it counts milliseconds modulo 65,536, so that after 70 s it reads about 4.5
-/// s.
+/// A stopwatch for short times: it counts milliseconds modulo 65,536, and after 70 s reads about 4.5 s.
 class ZO_API Chrono {
 public:
     /// Stopped, at zero.
@@ -23,11 +22,13 @@ public:
     void Start();
     void Stop();
 
+    // Cut off, in binary fractions: at times a hundredth less than the milliseconds would have it, so that
+    // after 13 s the watch reads 12.99.
+
     /// Always 0: the watch does not count that far.
     unsigned short Hours();
     unsigned char Minutes();
     unsigned char Seconds();
-    /// Cut off, in binary fractions: at times one less than the milliseconds would have it.
     unsigned char Hundredths();
 
 private:

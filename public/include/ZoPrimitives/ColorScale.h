@@ -25,8 +25,8 @@ public:
     const TZoColor& GetColorMin() const { return colorMin; }
     const TZoColor& GetColorMax() const { return colorMax; }
 
-    /// The low colour up to the lower limit, then the high colour from the upper limit on: where the limits
-    /// are reversed, up to the former and above it.
+    /// The low colour up to `GetLimitMin`, the high colour from `GetLimitMax` on; where both would do, as
+    /// with limits that are equal or reversed, the low colour.
     ///
     /// In the first quarter the low colour is full and the middle colour rises; in the second the low colour
     /// fades; the upper half mirrors this. The sum of a component shared by both colours wraps in 8 bits.

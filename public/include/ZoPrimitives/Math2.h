@@ -56,8 +56,9 @@ ZO_API double RoundDown(double x, unsigned decimals);
 
 // In the precision of double on every platform.
 
-/// Halves go up. Infinities and values without decimals stay, except that from 2^52 to 2^53 odd ones may go
-/// up to the next even one.
+/// The whole part of x + 0.5, towards minus infinity: halves go up, and so does 0.49999999999999994, the
+/// double before a half. Infinities and values without decimals stay, but for odd ones from 2^52 to 2^53,
+/// which go up.
 ZO_API double Round(long double x);
 /// Halves go down. Infinities and values without decimals stay.
 ZO_API double RoundNearest(long double x);
@@ -74,7 +75,8 @@ ZO_API double AdjustAngle(double x);
 ZO_API double ExAdjustAngle(double angle, unsigned precision, bool radians);
 
 /// The roots of a x^2 + b x + c; x1 is that with the positive square root. False, with both left as they are,
-/// when there are none. With a = 0 they are infinite or NaN.
+/// when there are none: b^2 - 4 a c, as computed, is below 0. They are infinite or NaN with a = 0, NaN where
+/// that is NaN. Where b^2 is by far the greater, the root next to 0 loses digits.
 ZO_API bool Bhaskara(double& x1, double& x2, double a, double b, double c);
 
 /// The y at x on the line through (x0, y0) and (x1, y1); infinite or NaN for x0 = x1.

@@ -203,7 +203,8 @@ TLeituraDeGrandeza ReadQuantity(UnitTable table, const ZoString& text, char sepa
     const UnitRow* row = parser.Unit(unitWhenNone);
     if (row == nullptr) return parser.Refused();
     const double stored = row->stored(value);
-    if (!std::isfinite(stored)) {
+    const bool vanished = stored == 0 && value != 0 && row->stored(0) == 0; // 32 ºF are 0 ºC
+    if (!std::isfinite(stored) || vanished) {
         parser.OutOfRange();
         return parser.Refused();
     }

@@ -88,6 +88,9 @@ TEST(UnitTextTest, Reads) {
         {"GPeso", "25 KN/m3", '.', 0, 25, 2},
         {"GTemperatura", "20°C"_ansi, '.', 2, 20, 0},
         {"GTemperatura", "-40 ºf"_ansi, '.', 2, -40, 1},
+        {"GTemperatura", "32 ºF"_ansi, '.', 2, 32, 1},
+        {"GComprimento", "4e-324", '.', 0, 5e-324, 0},
+        {"GComprimento", "-0 mm", '.', 0, -0.0, 4},
         {"GVazao", "2 L/s", '.', 0, 2, 4},
         {"GInercia", "3 cm^4", '.', 1, 3, 0},
         {"GVelocidade", "5", '.', 3, 5, 3},
@@ -156,6 +159,7 @@ TEST(UnitTextTest, RefusesWithoutGuessing) {
         {" 1e999 m", ',', 1, Expected::Representavel, RANGE},
         {"1e308 m", ',', 0, Expected::Representavel, RANGE},
         {"-1e-999", ',', 0, Expected::Representavel, RANGE},
+        {"4e-324 mm", ',', 0, Expected::Representavel, RANGE}, // but not in cm
         {long_.c_str(), ',', 0, Expected::Representavel, RANGE},
     };
     for (const auto& row : rows) {

@@ -36,6 +36,13 @@ private:
         if (!(left == right)) Differs(field);
     }
 
+    /// Quantities and points.
+    template <class Object>
+    void SameValue(const char* field, const Object& left, const Object& right) {
+        ++result.values;
+        if (!(left == right)) Differs(field);
+    }
+
     /// Pairs the two objects, or sees that they are a pair already.
     void Follow(const char* field, const Entity* left, const Entity* right) {
         if (left == nullptr || right == nullptr) return Same(field, left, right);
@@ -77,19 +84,20 @@ private:
     void Fields(const Catalogue& left, const Catalogue& right) {
         Same("edition", left.edition, right.edition);
     }
-    void Fields(const Material& left, const Material& right) { Same("density", left.density, right.density); }
+    void Fields(const Material& left, const Material& right) {
+        SameValue("density", left.density, right.density);
+    }
     void Fields(const Section& left, const Section& right) {
-        Same("depth", left.depth, right.depth);
-        Same("area", left.area, right.area);
-        Same("inertia", left.inertia, right.inertia);
+        SameValue("depth", left.depth, right.depth);
+        SameValue("area", left.area, right.area);
+        SameValue("inertia", left.inertia, right.inertia);
         Follow("material", left.material.get(), right.material.get());
         Follow("catalogue", left.catalogue.get(), right.catalogue.get());
     }
     void Fields(const LegendEntry& left, const LegendEntry& right) { Same("grey", left.grey, right.grey); }
     void Fields(const Site& left, const Site& right) { Same("seismic", left.seismic, right.seismic); }
     void Fields(const Node& left, const Node& right) {
-        Same("x", left.x, right.x);
-        Same("y", left.y, right.y);
+        SameValue("place", left.place, right.place);
         Same("support", left.support, right.support);
     }
     void Ends(const Member& left, const Member& right) {
@@ -103,12 +111,16 @@ private:
     }
     void Fields(const Girder& left, const Girder& right) {
         Ends(left, right);
-        Same("loads", left.loads, right.loads);
+        if (left.loads.NItems() != right.loads.NItems()) return Differs("loads");
+        for (unsigned long long i = 1; i <= left.loads.NItems(); ++i) {
+            SameValue("loads", *left.loads[i], *right.loads[i]);
+            ++result.listed;
+        }
     }
     void Fields(const Storey& left, const Storey& right) {
         Same("mark", left.mark, right.mark);
-        Same("level", left.level, right.level);
-        Same("height", left.height, right.height);
+        SameValue("level", left.level, right.level);
+        SameValue("height", left.height, right.height);
         Same("underground", left.underground, right.underground);
         FollowAll("members", left.members, right.members);
         Follow("building", left.building.get(), right.building.get());
@@ -141,6 +153,6 @@ private:
 
 Comparison Compare(const Building& left, const Building& right) { return Walk().Run(left, right); }
 
-unsigned long long CountObjects(const Building& building) { return Walk().Run(building, building).objects; }
+Comparison Count(const Building& building) { return Walk().Run(building, building); }
 
 } // namespace Frame

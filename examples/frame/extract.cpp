@@ -30,6 +30,7 @@ public:
         model.building = part;
         part->lines = building.lines;
         part->site = building.site;
+        part->saved = building.saved;
         part->catalogue = Copy(building.catalogue.get());
     }
 
@@ -80,9 +81,14 @@ private:
                 part->legend.Add(copy, new LegendEntry(*entry));
         });
     }
+    static Girder* CopyOf(const Girder& girder) {
+        auto* copy = new Girder(girder);
+        for (auto& load : copy->loads) load = new GForcaLinear(*load); // they were the other's too
+        return copy;
+    }
     Member* CopyOf(const Member& member) {
         const auto* girder = dynamic_cast<const Girder*>(&member);
-        Member* copy = girder != nullptr ? static_cast<Member*>(new Girder(*girder))
+        Member* copy = girder != nullptr ? static_cast<Member*>(CopyOf(*girder))
                                          : new Column(dynamic_cast<const Column&>(member));
         copy->section = Copy(member.section.get());
         copy->start = Copy(member.start.get());

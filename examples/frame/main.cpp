@@ -74,8 +74,8 @@ int Show(const std::string& path, const std::string* tables, const Units& units)
     Print(*model.building, units, std::cout);
     std::cout << "\n  Opened:      " << NameOf(path) << ", " << SizeOf(path) << ", in " << time << '\n';
     if (tables != nullptr) {
-        std::cout << "  Compared:    " << comparison.objects
-                  << " objects and every pointer between them are as they were saved\n";
+        std::cout << "  Compared:    " << comparison.objects << " objects, " << comparison.values
+                  << " values and every pointer between them are as they were saved\n";
     }
     return OK;
 }
@@ -88,7 +88,7 @@ int ShowSections(const std::string& path, const Units& units) {
 int CopyStorey(const std::string& path, const std::string& mark) {
     const Model part = ExtractStorey(*Open(path).building, mark);
     Copy(part);
-    std::cout << "  On the clipboard: storey " << mark << ", " << CountObjects(*part.building)
+    std::cout << "  On the clipboard: storey " << mark << ", " << Count(*part.building).objects
               << " objects\n";
     return OK;
 }
@@ -96,7 +96,7 @@ int CopyStorey(const std::string& path, const std::string& mark) {
 int PrintPasted(const Units& units) {
     const Model model = Paste();
     Print(*model.building, units, std::cout);
-    std::cout << "\n  Pasted:      " << CountObjects(*model.building) << " objects\n";
+    std::cout << "\n  Pasted:      " << Count(*model.building).objects << " objects\n";
     return OK;
 }
 

@@ -1,14 +1,18 @@
 #include "model.h"
 
+#include "ZoPrimitives/BinInStream.h"
+
 #include <algorithm>
 #include <cmath>
 #include <string>
 
 namespace Frame {
 
+using namespace ZoPrimitives;
+
 namespace {
 
-constexpr double CM_PER_METRE = 100;
+constexpr const char* TIME_FORMAT = "%Y-%m-%dT%H:%M:%E7SZ";
 
 ZoString Lacks(const Entity& entity, const char* what) {
     return ZoString(entity.Kind()) + " " + entity.name + " has no " + what;
@@ -38,15 +42,23 @@ private:
 
 } // namespace
 
-double Member::Length() const { return std::hypot(end->x - start->x, end->y - start->y); }
+GComprimento Member::Length() const { return GComprimento(start->place.Distance(end->place)); }
 
-double Member::Mass() const { return section->MassPerMetre() * Length() / CM_PER_METRE; }
+GForcaConcentrada Member::Weight() const { return GForcaConcentrada(section->LineWeight() * Length()); }
 
-double Girder::TotalLoad() const {
-    double load = 0;
-    for (double part : loads) load += part;
-    return load * Length() / CM_PER_METRE;
+GForcaLinear Girder::LineLoad() const {
+    GForcaLinear load(0.0);
+    for (const auto& part : loads) load += *part;
+    return load;
 }
+
+GForcaConcentrada Girder::TotalLoad() const { return GForcaConcentrada(LineLoad() * Length()); }
+
+TTimestamp Building::SavedAt() const {
+    return TTimestamp::IsValid(saved, TIME_FORMAT) ? TTimestamp(saved, TIME_FORMAT) : TTimestamp::MinValue();
+}
+
+void Building::SavedAt(const TTimestamp& when) { saved = when.InUTCTime(TIME_FORMAT); }
 
 ZoString Building::FindFault() const {
     for (const auto& section : sections) {
@@ -62,6 +74,11 @@ ZoString Building::FindFault() const {
             if (!member->section) return Lacks(*member, "section");
             if (!member->section->material) return Lacks(*member->section, "material");
             if (!member->start || !member->end) return Lacks(*member, "node at one of its ends");
+            const auto* girder = dynamic_cast<const Girder*>(member.get());
+            if (girder == nullptr) continue;
+            for (const auto& load : girder->loads) {
+                if (!load) return Lacks(*girder, "load where one should be");
+            }
         }
     }
     return ZoString();
@@ -73,9 +90,9 @@ void Building::DrawThumbnail() {
     double bottom = 0;
     double top = 0;
     for (const auto& node : nodes) {
-        right = std::max(right, node->x);
-        bottom = std::min(bottom, node->y);
-        top = std::max(top, node->y);
+        right = std::max(right, node->place.X());
+        bottom = std::min(bottom, node->place.Y());
+        top = std::max(top, node->place.Y());
     }
     const double scale = (width - 1) / right;
     const auto dots = [scale](double length) { return static_cast<int>(std::lround(length * scale)); };
@@ -86,19 +103,26 @@ void Building::DrawThumbnail() {
             const int steps = std::max(dots(member->Length()), 1);
             for (int i = 0; i <= steps; ++i) {
                 const double along = static_cast<double>(i) / steps;
-                const double x = member->start->x + along * (member->end->x - member->start->x);
-                const double y = member->start->y + along * (member->end->y - member->start->y);
-                picture.Dot(dots(x), dots(top - y), entry == nullptr ? 0 : entry->grey);
+                const Point3D point =
+                    member->start->place.InterpolaPontoComPercentual(member->end->place, along);
+                picture.Dot(dots(point.X()), dots(top - point.Y()), entry == nullptr ? 0 : entry->grey);
             }
         }
     }
     thumbnail = picture.Bytes();
 }
 
-ZoPrimitives::TZoMetaData& Schema() {
+TZoMetaData& Schema() {
     // A class is registered after its parents; the order of the others is free.
-    struct Classes : ZoPrimitives::TZoMetaData {
+    struct Classes : TZoMetaData {
         Classes() {
+            Grandeza::Register(this);
+            GArea::Register(this);
+            GComprimento::Register(this);
+            GForcaLinear::Register(this);
+            GInercia::Register(this);
+            GPeso::Register(this);
+            Point3D::Register(this);
             Entity::Register(this);
             Catalogue::Register(this);
             Material::Register(this);

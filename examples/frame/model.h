@@ -3,14 +3,25 @@
 // The building frame: what it consists of, and how it describes itself to the library so that it can be
 // saved.
 //
-// Lengths are in cm, areas in cm2, second moments of area in cm4, loads along a member in kN/m, densities in
-// kg/m3. X runs to the right and Y upward from the ground. Texts are Windows-1252.
+// Values with a unit are the library's quantities. Their storage units fit together (kgf, cm), so that plain
+// numbers in between are in those: cm times kgf/cm is kgf. Points are in cm; X runs to the right and Y upward
+// from the ground. Texts are Windows-1252.
 
 #include "ZoPrimitives/ConvertionHelper.h"
+#include "ZoPrimitives/Point3D.h"
+#include "ZoPrimitives/TTimestamp.h"
 #include "ZoPrimitives/ZoRegister.h"
+#include "ZoPrimitives/grandeza.h"
 
 namespace Frame {
 
+using ZoPrimitives::GArea;
+using ZoPrimitives::GComprimento;
+using ZoPrimitives::GForcaConcentrada;
+using ZoPrimitives::GForcaLinear;
+using ZoPrimitives::GInercia;
+using ZoPrimitives::GPeso;
+using ZoPrimitives::Point3D;
 using ZoPrimitives::ZoBlob;
 using ZoPrimitives::ZoString;
 
@@ -47,11 +58,12 @@ class Catalogue : public Entity {
 /// What is saved of a `Metal`.
 class Material : public Entity {
     REGISTER_ZO_BEGIN(Material, Entity)
-    DECLARE_ZO_FIELD(double, density)
+    DECLARE_ZO_FIELD_CHILD_VALUE(GPeso, density)
     REGISTER_ZO_END
 
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+    void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
     const char* Kind() const override { return "material"; }
     ZoPrimitives::ZoObject* CreateBusinessObject() override;
@@ -62,22 +74,23 @@ class Material : public Entity {
 /// A rolled profile of one material: what is saved of a `Profile`.
 class Section : public Entity {
     REGISTER_ZO_BEGIN(Section, Entity)
-    DECLARE_ZO_FIELD(double, depth)
-    DECLARE_ZO_FIELD(double, area)
-    DECLARE_ZO_FIELD(double, inertia)
+    DECLARE_ZO_FIELD_CHILD_VALUE(GComprimento, depth)
+    DECLARE_ZO_FIELD_CHILD_VALUE(GArea, area)
+    DECLARE_ZO_FIELD_CHILD_VALUE(GInercia, inertia)
     DECLARE_ZO_FIELD_REFERENCE(Material, material)
     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Catalogue, catalogue)
     REGISTER_ZO_END
 
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+    void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
     const char* Kind() const override { return "section"; }
     ZoPrimitives::ZoObject* CreateBusinessObject() override;
     void FillBusinessObject(ZoPrimitives::ZoObject* object, ToBusiness* helper) override;
     void FillFromBusinessObject(ZoPrimitives::ZoObject* object, FromBusiness* helper) override;
-    /// In kg for each metre.
-    double MassPerMetre() const;
+    /// Of its steel, for each length.
+    GForcaLinear LineWeight() const;
 };
 
 /// How a section is shown; its name says what the section is used for.
@@ -106,13 +119,13 @@ class Site : public Entity {
 
 class Node : public Entity {
     REGISTER_ZO_BEGIN(Node, Entity)
-    DECLARE_ZO_FIELD(double, x)
-    DECLARE_ZO_FIELD(double, y)
+    DECLARE_ZO_FIELD_CHILD_VALUE(Point3D, place)
     DECLARE_ZO_FIELD(bool, support)
     REGISTER_ZO_END
 
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+    void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
     const char* Kind() const override { return "node"; }
 };
@@ -128,9 +141,8 @@ class Member : public Entity {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    double Length() const;
-    /// In kg.
-    double Mass() const;
+    GComprimento Length() const;
+    GForcaConcentrada Weight() const;
 };
 
 class Column : public Member {
@@ -146,23 +158,25 @@ class Column : public Member {
 
 class Girder : public Member {
     REGISTER_ZO_BEGIN(Girder, Member)
-    DECLARE_ZO_FIELD_LIST(double, loads)
+    DECLARE_ZO_FIELD_CHILD_LIST(GForcaLinear, loads)
     REGISTER_ZO_END
 
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+    void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
     const char* Kind() const override { return "girder"; }
-    /// All its loads together, in kN.
-    double TotalLoad() const;
+    /// All its loads together.
+    GForcaLinear LineLoad() const;
+    GForcaConcentrada TotalLoad() const;
 };
 
 /// The columns of a storey and the girders above them.
 class Storey : public Entity {
     REGISTER_ZO_BEGIN(Storey, Entity)
     DECLARE_ZO_FIELD(ZoString, mark)
-    DECLARE_ZO_FIELD(double, level)
-    DECLARE_ZO_FIELD(double, height)
+    DECLARE_ZO_FIELD_CHILD_VALUE(GComprimento, level)
+    DECLARE_ZO_FIELD_CHILD_VALUE(GComprimento, height)
     DECLARE_ZO_FIELD(bool, underground)
     DECLARE_ZO_FIELD_CHILD_LIST(Member, members)
     DECLARE_ZO_FIELD_REFERENCE(Building, building)
@@ -171,6 +185,7 @@ class Storey : public Entity {
 
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
+    void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
     const char* Kind() const override { return "storey"; }
 };
@@ -178,6 +193,7 @@ class Storey : public Entity {
 /// The root: owns everything but the catalogue. Storeys are listed from the lowest upward.
 class Building : public Entity {
     REGISTER_ZO_BEGIN(Building, Entity)
+    DECLARE_ZO_FIELD(ZoString, saved)
     DECLARE_ZO_FIELD(ZoBlob, thumbnail)
     DECLARE_ZO_FIELD_LIST(ZoString, lines)
     DECLARE_ZO_FIELD_CHILD_VALUE(Site, site)
@@ -196,6 +212,10 @@ class Building : public Entity {
     /// What the building lacks to be complete, such as "column A3 has no section"; empty when it lacks
     /// nothing.
     ZoString FindFault() const;
+    /// When it was saved last; the start of 1970 when it never was.
+    ZoPrimitives::TTimestamp SavedAt() const;
+    /// Keeps the time to the last tick, as a text in UTC.
+    void SavedAt(const ZoPrimitives::TTimestamp& when);
     /// Draws the elevation, each member in its section's grey, as a PGM image.
     void DrawThumbnail();
 };

@@ -18,6 +18,12 @@ namespace {
 /// Of the class itself from 10 upward; those below stand for every entity.
 enum Code { codeName = 1, codeOwn = 10, codePointer = 100, codeGroup = 200 };
 
+double Number(InputStreamer& text) {
+    double number = 0;
+    text >> number;
+    return number;
+}
+
 ZoString Encoded(const ZoBlob& blob) {
     ZoBlob copy(blob);
     return TBase64::EncodeBlock(static_cast<unsigned char*>(copy.Data()),
@@ -59,18 +65,18 @@ bool Catalogue::ReadData(int code, InputStreamer& text) {
 
 void Material::Write(OutputStreamer& text) {
     Entity::Write(text);
-    text << codeOwn << density;
+    text << codeOwn << density.kgf_m3();
 }
 
 bool Material::ReadData(int code, InputStreamer& text) {
     if (code != codeOwn) return Entity::ReadData(code, text);
-    text >> density;
+    density.Valor(Number(text), TPeso::kgf_m3);
     return true;
 }
 
 void Section::Write(OutputStreamer& text) {
     Entity::Write(text);
-    text << codeOwn << depth << codeOwn + 1 << area << codeOwn + 2 << inertia << codePointer;
+    text << codeOwn << depth.cm() << codeOwn + 1 << area.cm2() << codeOwn + 2 << inertia.cm4() << codePointer;
     PutPointer(text, material.get());
     text << codePointer + 1;
     PutPointer(text, catalogue.get());
@@ -79,13 +85,13 @@ void Section::Write(OutputStreamer& text) {
 bool Section::ReadData(int code, InputStreamer& text) {
     switch (code) {
     case codeOwn:
-        text >> depth;
+        depth.Valor(Number(text), TComprimento::cm);
         return true;
     case codeOwn + 1:
-        text >> area;
+        area.Valor(Number(text), TArea::cm2);
         return true;
     case codeOwn + 2:
-        text >> inertia;
+        inertia.Valor(Number(text), TInercia::cm4);
         return true;
     case codePointer:
         TextReader::Of(text).TakePointer(material);
@@ -122,19 +128,23 @@ bool Site::ReadData(int code, InputStreamer& text) {
 
 void Node::Write(OutputStreamer& text) {
     Entity::Write(text);
-    text << codeOwn << x << codeOwn + 1 << y << codeOwn + 2 << support;
+    text << codeOwn << place.X() << codeOwn + 1 << place.Y() << codeOwn + 2 << support;
+    if (place.Z() != 0) text << codeOwn + 3 << place.Z();
 }
 
 bool Node::ReadData(int code, InputStreamer& text) {
     switch (code) {
     case codeOwn:
-        text >> x;
+        place.X(Number(text));
         return true;
     case codeOwn + 1:
-        text >> y;
+        place.Y(Number(text));
         return true;
     case codeOwn + 2:
         text >> support;
+        return true;
+    case codeOwn + 3:
+        place.Z(Number(text));
         return true;
     default:
         return Entity::ReadData(code, text);
@@ -180,21 +190,20 @@ bool Column::ReadData(int code, InputStreamer& text) {
 
 void Girder::Write(OutputStreamer& text) {
     Member::Write(text);
-    for (const double load : loads) text << codeOwn << load;
+    for (const auto& load : loads) text << codeOwn << load->kN_m();
 }
 
 bool Girder::ReadData(int code, InputStreamer& text) {
     if (code != codeOwn) return Member::ReadData(code, text);
-    double load = 0;
-    text >> load;
-    loads.Add(load);
+    loads.Add(new GForcaLinear(Number(text), TForcaLinear::kN_m));
     return true;
 }
 
 void Storey::Write(OutputStreamer& text) {
     Entity::Write(text);
     text.MultiLineText(mark, codeOwn);
-    text << codeOwn + 1 << level << codeOwn + 2 << height << codeOwn + 3 << underground << codePointer;
+    text << codeOwn + 1 << level.cm() << codeOwn + 2 << height.cm() << codeOwn + 3 << underground
+         << codePointer;
     PutPointer(text, building.get());
     text << codeGroup;
     PutGroup(text, floor);
@@ -208,10 +217,10 @@ bool Storey::ReadData(int code, InputStreamer& text) {
         TextReader::Of(text).TakeLine(mark);
         return true;
     case codeOwn + 1:
-        text >> level;
+        level.Valor(Number(text), TComprimento::cm);
         return true;
     case codeOwn + 2:
-        text >> height;
+        height.Valor(Number(text), TComprimento::cm);
         return true;
     case codeOwn + 3:
         text >> underground;
@@ -238,6 +247,7 @@ void Building::Write(OutputStreamer& text) {
         text << codeOwn + 1 << ++number; // each begins anew, an empty one too
         text.MultiLineText(line, codeOwn + 2);
     }
+    text.MultiLineText(saved, codeOwn + 3);
     text << codePointer;
     PutPointer(text, &site);
     text << codePointer + 1;
@@ -275,6 +285,9 @@ bool Building::ReadData(int code, InputStreamer& text) {
     case codeOwn + 2:
         if (lines.NItems() == 0) return false;
         reader.TakeLine(lines.Last());
+        return true;
+    case codeOwn + 3:
+        reader.TakeLine(saved);
         return true;
     case codePointer:
         reader.TakeMember(site);

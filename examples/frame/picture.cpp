@@ -1,6 +1,7 @@
 #include "picture.h"
 
 #include "failure.h"
+#include "report.h"
 #include "words.h"
 
 #include "ZoPrimitives/ColorScale.h"
@@ -24,7 +25,7 @@ constexpr double FRAME_HEIGHT = 640; // at most
 constexpr double LEFT = 190;         // of the frame: names and levels of storeys
 constexpr double RIGHT = 310;        // sections and loads of storeys, scale of colours
 constexpr double TOP = 132;          // title
-constexpr double BELOW = 130;        // supports, spans, names of lines
+constexpr double BELOW = 150;        // supports, spans, names of lines, the steel
 constexpr double SCALE_HEIGHT = 240;
 constexpr double TEXT_HEIGHT = 13;
 
@@ -160,6 +161,7 @@ public:
         DrawSupports();
         DrawFloors();
         DrawScale();
+        DrawFoot();
         return drawing.Svg(LEFT + width + RIGHT, TOP + height + BELOW,
                            Printable(building.name) + ", elevation");
     }
@@ -168,7 +170,9 @@ private:
     // Fits the frame into the picture.
     void Measure() {
         bool first = true;
-        const auto include = [&](double x, double y) {
+        const auto include = [&](const Point3D& place) {
+            const double x = place.X();
+            const double y = place.Y();
             if (!std::isfinite(x) || !std::isfinite(y)) {
                 throw Failure("The building cannot be drawn: it is of no finite size.");
             }
@@ -183,8 +187,8 @@ private:
             top = std::max(top, y);
         };
         ForMembers([&](const Storey&, const Member& member) {
-            include(member.start->x, member.start->y);
-            include(member.end->x, member.end->y);
+            include(member.start->place);
+            include(member.end->place);
         });
         if (first) throw Failure("The building cannot be drawn: it has no members.");
         // Half of each: the difference of two doubles may be none.
@@ -207,22 +211,17 @@ private:
 
     double X(double x) const { return LEFT + (width - frameWidth) / 2 + (x / 2 - left / 2) * scale * 2; }
     double Y(double y) const { return TOP + (height - frameHeight) / 2 + (top / 2 - y / 2) * scale * 2; }
-    double X(const Node& node) const { return X(node.x); }
-    double Y(const Node& node) const { return Y(node.y); }
+    double X(const Node& node) const { return X(node.place.X()); }
+    double Y(const Node& node) const { return Y(node.place.Y()); }
 
-    static GForcaLinear LoadOf(const Girder& girder) {
-        GForcaLinear load(0.0);
-        for (const auto& part : girder.loads) load += GForcaLinear(part, TForcaLinear::kN_m);
-        return load;
-    }
     /// In the unit that is shown; false for a member that has none.
     bool ValueOf(const Member& member, double& value) const {
         if (property == Property::Area) {
-            value = GArea(member.section->area).Valor(units.area.unit);
+            value = member.section->area.Valor(units.area.unit);
             return true;
         }
         const auto* girder = dynamic_cast<const Girder*>(&member);
-        if (girder != nullptr) value = LoadOf(*girder).Valor(units.lineLoad.unit);
+        if (girder != nullptr) value = girder->LineLoad().Valor(units.lineLoad.unit);
         return girder != nullptr;
     }
     std::string UnitName() const {
@@ -260,19 +259,19 @@ private:
     /// Name and level of each floor, and the level of the roof.
     void DrawLevels() {
         Places places(TEXT_HEIGHT + 2);
-        const auto level = [&](double at, const std::string& name) {
+        const auto level = [&](const GComprimento& at, const std::string& name) {
             const double y = Y(at);
             if (!(y > TOP - 1 && y < TOP + height + 1) || !places.Take(y)) return;
             drawing.Line(MARGIN, y, X(right) + FLOOR_END, y, LEVEL_LINE);
             drawing.Text(MARGIN, y - 4, Fitted(name, 70));
-            const GComprimento shown(at);
-            drawing.Text(LEFT - 34, y - 4, (at > 0 ? "+" : "") + units.Number(units.length, shown),
+            drawing.Text(LEFT - 34, y - 4, (at > 0.0 ? "+" : "") + units.Number(units.length, at),
                          "text-anchor=\"end\"");
         };
-        double roof = 0;
+        GComprimento roof(0.0);
         for (const auto& storey : building.storeys) {
             level(storey->level, Printable(storey->name));
-            roof = storey->level + storey->height;
+            roof = storey->level;
+            roof += storey->height;
         }
         level(roof, "Top");
         drawing.Text(MARGIN, TOP - 14 + (height - frameHeight) / 2 - 14, "Level, " + units.Name(units.length),
@@ -283,7 +282,7 @@ private:
     std::vector<double> LinePlaces() const {
         std::vector<double> places;
         ForMembers([&](const Storey&, const Member& member) {
-            if (dynamic_cast<const Column*>(&member) != nullptr) places.push_back(member.start->x);
+            if (dynamic_cast<const Column*>(&member) != nullptr) places.push_back(member.start->place.X());
         });
         std::sort(places.begin(), places.end());
         const auto same = [](double a, double b) { return Equal(a, b, 1); };
@@ -377,11 +376,13 @@ private:
         });
     }
 
-    bool IsWithin(double x, double y) const { return x >= left && x <= right && y >= bottom && y <= top; }
+    bool IsWithin(const Point3D& place) const {
+        return place.X() >= left && place.X() <= right && place.Y() >= bottom && place.Y() <= top;
+    }
 
     void DrawSupports() {
         for (const auto& node : building.nodes) {
-            if (!node || !node->support || !IsWithin(node->x, node->y)) continue;
+            if (!node || !node->support || !IsWithin(node->place)) continue;
             const double x = X(*node);
             const double y = Y(*node) + 4;
             drawing.Add("<path d=\"M" + Coordinate(x) + " " + Coordinate(y) +
@@ -419,6 +420,15 @@ private:
         }
         drawing.Text(x, TOP - 14 + (height - frameHeight) / 2 - 14, "Girders, " + UnitName(),
                      "fill=\"" + std::string(PALE) + "\"");
+    }
+
+    void DrawFoot() {
+        std::string text = "Steel " + units.Text(units.steel, TotalSteel(building));
+        if (!building.saved.IsNull())
+            text += std::string(" · saved ") + building.SavedAt().InUTCTime("%Y-%m-%d %H:%M UTC").c_str();
+        drawing.Text(LEFT + width + RIGHT - MARGIN, TOP + height + BELOW - 18,
+                     Fitted(text, LEFT + width + RIGHT - 2 * MARGIN),
+                     "text-anchor=\"end\" fill=\"" + std::string(PALE) + "\"");
     }
 
     void DrawScale() {

@@ -6,15 +6,9 @@ namespace Frame {
 
 using namespace ZoPrimitives;
 
-namespace {
+GForcaLinear Profile::LineWeight() const { return GForcaLinear(area * metal->density); }
 
-constexpr double CM2_PER_M2 = 10'000;
-
-} // namespace
-
-double Profile::MassPerMetre() const { return area / CM2_PER_M2 * metal->density; }
-
-double Section::MassPerMetre() const { return area / CM2_PER_M2 * material->density; }
+GForcaLinear Section::LineWeight() const { return GForcaLinear(area * material->density); }
 
 ZoObjectStreamable* SectionFactory::CreateStreamable(const ZoString& businessClassName) {
     if (businessClassName == "class Frame::Metal") return new Material;

@@ -67,9 +67,9 @@ struct Sums {
     void Add(const Member& member) {
         const auto* girder = dynamic_cast<const Girder*>(&member);
         ++(girder == nullptr ? columns : girders);
-        if (girder != nullptr) load += GForcaConcentrada(girder->TotalLoad(), TForcaConcentrada::kN);
-        length += GComprimento(member.Length());
-        steel += GForcaConcentrada(member.Mass());
+        if (girder != nullptr) load += girder->TotalLoad();
+        length += member.Length();
+        steel += member.Weight();
     }
 };
 
@@ -95,12 +95,11 @@ void PrintStoreys(const Building& building, const Units& units, std::ostream& ou
     for (auto i = building.storeys.NItems(); i >= 1; --i) {
         const Storey& storey = *building.storeys[i];
         const Sums sums = SumsOf(building, [&](const Storey& at, const Member&) { return &at == &storey; });
-        grid.Add({Printable(storey.mark), Printable(storey.name),
-                  units.Number(units.length, GComprimento(storey.level)),
-                  units.Number(units.length, GComprimento(storey.height)), std::to_string(sums.columns),
+        grid.Add({Printable(storey.mark), Printable(storey.name), units.Number(units.length, storey.level),
+                  units.Number(units.length, storey.height), std::to_string(sums.columns),
                   std::to_string(sums.girders), units.Number(units.load, sums.load),
                   units.Number(units.steel, sums.steel)});
-        height += GComprimento(storey.height);
+        height += storey.height;
     }
     const Sums all = SumsOf(building);
     grid.AddRule();
@@ -119,11 +118,9 @@ void PrintSections(const Building& building, const Units& units, std::ostream& o
             SumsOf(building, [&](const Storey&, const Member& of) { return of.section == section.get(); });
         const LegendEntry* entry = building.legend.Find(section.get());
         grid.Add({Printable(section->name), entry == nullptr ? "" : Printable(entry->name),
-                  units.Number(units.depth, GComprimento(section->depth)),
-                  units.Number(units.area, GArea(section->area)),
-                  units.Number(units.inertia, GInercia(section->inertia)),
-                  std::to_string(sums.columns + sums.girders), units.Number(units.total, sums.length),
-                  units.Number(units.steel, sums.steel)});
+                  units.Number(units.depth, section->depth), units.Number(units.area, section->area),
+                  units.Number(units.inertia, section->inertia), std::to_string(sums.columns + sums.girders),
+                  units.Number(units.total, sums.length), units.Number(units.steel, sums.steel)});
     }
     const Sums all = SumsOf(building);
     grid.AddRule();
@@ -140,13 +137,10 @@ void Print(const Profiles& profiles, const Units& units, std::ostream& out) {
                ">Steel " + units.Name(units.steelLine), "Material"});
     for (const auto& profile : profiles) {
         const Metal* metal = profile->metal.get();
-        grid.Add({Printable(profile->name), units.Number(units.depth, GComprimento(profile->depth)),
-                  units.Number(units.area, GArea(profile->area)),
-                  units.Number(units.inertia, GInercia(profile->inertia)),
-                  units.Number(units.modulus, GVolume(profile->Modulus())),
-                  metal == nullptr ? ""
-                                   : units.Number(units.steelLine,
-                                                  GForcaLinear(profile->MassPerMetre(), TForcaLinear::kgf_m)),
+        grid.Add({Printable(profile->name), units.Number(units.depth, profile->depth),
+                  units.Number(units.area, profile->area), units.Number(units.inertia, profile->inertia),
+                  units.Number(units.modulus, profile->Modulus()),
+                  metal == nullptr ? "" : units.Number(units.steelLine, profile->LineWeight()),
                   metal == nullptr ? "" : Printable(metal->name)});
     }
     grid.Print(out);
@@ -164,13 +158,15 @@ void Print(const Building& building, const Units& units, std::ostream& out) {
     for (const auto& material : building.materials) {
         if (material) {
             out << " of " << Printable(material->name) << ", "
-                << units.Text(units.density, GPeso(material->density, TPeso::kgf_m3));
+                << units.Text(units.density, material->density);
         }
     }
     if (building.catalogue) {
         out << "\n  Sections:    " << Printable(building.catalogue->name) << ", edition "
             << building.catalogue->edition;
     }
+    if (!building.saved.IsNull())
+        out << "\n  Saved:       " << building.SavedAt().InUTCTime("%Y-%m-%d %H:%M:%S UTC").c_str();
     out << "\n  Thumbnail:   " << building.thumbnail.Size() << " bytes\n";
 }
 

@@ -26,7 +26,8 @@ using namespace ZoPrimitives;
 namespace {
 
 /// Of the files that this application writes, and the newest that it reads.
-constexpr unsigned VERSION = 3;
+constexpr unsigned VERSION = 4;
+constexpr unsigned VERSION_WITHOUT_VALUES = 3; // its quantities were plain numbers: version3.cpp
 constexpr unsigned RELEASE = 2026;
 
 std::string Quoted(const std::string& path) { return '"' + path + '"'; }
@@ -116,7 +117,12 @@ void ReadObjects(TBinInStream& stream, const Source& source, Model& model) {
     if (model.building == nullptr) throw Failure(source.name + " holds no building.");
     const ZoString fault = model.building->FindFault();
     if (!fault.IsNull()) throw Damaged(source, ZoToUtf8(fault));
-    if (allKnown && CountObjects(*model.building) != streamer.Count()) {
+    // What has lost its owner is left over. Members are not, as the site and most values: their owners have
+    // copies of them.
+    const Comparison count = Count(*model.building);
+    unsigned long long held = count.objects - 1;
+    if (stream.GetVersion() > VERSION_WITHOUT_VALUES) held += count.listed;
+    if (allKnown && model.objects.NItems() != held) {
         throw Damaged(source, "some objects have lost their place");
     }
 }
@@ -130,7 +136,9 @@ void Write(TBinOutStream& stream, const Model& model) {
 
 } // namespace
 
-void Save(const Model& model, const std::string& path) {
+void Save(const Model& model, const std::string& path, const TTimestamp& now) {
+    const ZoString before = model.building->saved;
+    model.building->SavedAt(now);
     const std::unique_ptr<TFileBinOutStream> file(
         TFileBinOutStream::Create(path.c_str(), VERSION, RELEASE, true));
     bool complete = false;
@@ -145,6 +153,7 @@ void Save(const Model& model, const std::string& path) {
             throw Failure(Quoted(path) + " cannot be replaced: what was to be saved is in " +
                           Quoted(written) + "." + detail);
         }
+        model.building->saved = before;
         file->FreeResourses();
         std::error_code ignored;
         if (written != path) std::filesystem::remove(written, ignored);
@@ -166,7 +175,8 @@ Profiles OpenProfiles(const std::string& path) {
     TFileBinInStream file(path.c_str(), VERSION);
     OpenStream(file, path);
     TDList<ZoString> names;
-    for (const char* name : {"Section", "Material"}) names.Add(name);
+    for (const char* name : {"Section", "Material", "GComprimento", "GArea", "GInercia", "GPeso"})
+        names.Add(name);
     TIVector<ZoStreamableBase> objects;
     try {
         TFilteredBinInStreamer(&file, &Schema(), &names).Read();

@@ -8,8 +8,9 @@
 namespace Frame {
 
 /// Saves a building, over the file of that name if there is one; its previous version becomes the "-bak"
-/// file. Throws `Failure`.
-void Save(const Model& model, const std::string& path);
+/// file. The building keeps the time. Throws `Failure`.
+void Save(const Model& model, const std::string& path,
+          const ZoPrimitives::TTimestamp& now = ZoPrimitives::TTimestamp());
 
 /// Opens a file that `Save` made. Throws `Failure` for one that is not whole.
 Model Open(const std::string& path);

@@ -6,7 +6,6 @@
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -16,19 +15,7 @@ namespace Frame {
 
 namespace {
 
-using ZoPrimitives::ZoFromUtf8;
-
-constexpr double CM_PER_INCH = 2.54;
-constexpr double CM2_PER_IN2 = CM_PER_INCH * CM_PER_INCH;
-constexpr double CM4_PER_IN4 = CM2_PER_IN2 * CM2_PER_IN2;
-
-// The tables say nothing of these: what an office building of this kind is usually given.
-constexpr double STEEL_DENSITY = 7850;
-constexpr double DEAD_LOAD = 4.6; // kN/m2
-constexpr double LIVE_LOAD = 2.4;
-constexpr double ROOF_LIVE_LOAD = 1.0;
-constexpr double TRIBUTARY_WIDTH = 4.572; // m: half a bay
-constexpr double GRAVITY = 9.80665;
+using namespace ZoPrimitives;
 
 /// A comma-separated table with a line of headings and no quotes.
 class Table {
@@ -72,27 +59,25 @@ public:
         throw Failure(name + ", line " + std::to_string(row.line) + ": " + what + ".");
     }
 
-    /// A number above zero, with a point for decimals; fields count from 0.
-    double Number(const Row& row, std::size_t field) const {
-        const std::string& text = row.fields[field];
-        double value = 0;
-        const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (error != std::errc() || rest != text.data() + text.size() || !std::isfinite(value) ||
-            value <= 0) {
-            Fail(row, "\"" + text + "\" is not a number above zero");
+    /// A value above zero, with a point for decimals; in `unit` where the text names none.
+    template <class Quantity, class Unit>
+    Quantity Value(const Row& row, const std::string& text, Unit unit) const {
+        Quantity value(0.0);
+        const TLeituraDeGrandeza read = value.LeTexto(ZoFromUtf8(text.c_str()), '.', unit);
+        if (read.esperado == TLeituraDeGrandeza::TEsperado::Unidade) {
+            std::string names;
+            for (int i = 0; !Quantity::NomeDaUnidade(Unit(i)).IsNull(); ++i)
+                names += (i == 0 ? "" : ", ") + ZoToUtf8(Quantity::NomeDaUnidade(Unit(i)));
+            Fail(row, "\"" + text + "\" has no unit that is known here: use " + names);
         }
+        if (!read || !(value > 0)) Fail(row, "\"" + text + "\" is not a number above zero");
         return value;
     }
 
-    /// In cm; the unit is in the field that follows.
-    double Length(const Row& row, std::size_t field) const {
-        const std::string& unit = row.fields[field + 1];
-        const double value = Number(row, field);
-        if (unit == "ft") return value * 12 * CM_PER_INCH;
-        if (unit == "in") return value * CM_PER_INCH;
-        if (unit == "m") return value * 100;
-        if (unit == "cm") return value;
-        Fail(row, "\"" + unit + "\" is no unit of length known here: use ft, in, m or cm");
+    /// The unit is in the field that follows; fields count from 0.
+    GComprimento Length(const Row& row, std::size_t field) const {
+        constexpr auto none = static_cast<TComprimento>(-1);
+        return Value<GComprimento>(row, row.fields[field] + " " + row.fields[field + 1], none);
     }
 
 private:
@@ -151,9 +136,9 @@ private:
     }
 
     void ReadSections() {
-        const ZoPrimitives::pointer<Metal> steel = new Metal;
+        const pointer<Metal> steel = new Metal;
         steel->name = ZoFromUtf8("Aço estrutural");
-        steel->density = STEEL_DENSITY;
+        steel->density = steelDensity;
         Profiles profiles;
         SectionFactory factory;
         FromBusiness helper(&factory);
@@ -166,9 +151,9 @@ private:
             auto* profile = new Profile;
             profiles.Add(profile); // until the helper, which knows it, has gone
             profile->name = name;
-            profile->depth = table.Number(row, 1) * CM_PER_INCH;
-            profile->area = table.Number(row, 2) * CM2_PER_IN2;
-            profile->inertia = table.Number(row, 3) * CM4_PER_IN4;
+            profile->depth = table.Value<GComprimento>(row, row.fields[1], TComprimento::in);
+            profile->area = table.Value<GArea>(row, row.fields[2], TArea::sqin);
+            profile->inertia = table.Value<GInercia>(row, row.fields[3], TInercia::in4);
             profile->metal = steel;
             auto* section = dynamic_cast<Section*>(helper.Convert(profile));
             building().sections.Add(section);
@@ -188,12 +173,14 @@ private:
             const ZoString from = ZoFromUtf8(bay.substr(0, dash).c_str());
             if (places.empty()) {
                 building().lines.Add(from);
-                places.push_back(0);
+                places.emplace_back(0.0);
             } else if (building().lines.Last() != from) {
                 table.Fail(row, "bay " + bay + " does not begin where the one before ends");
             }
             building().lines.Add(ZoFromUtf8(bay.substr(dash + 1).c_str()));
-            places.push_back(places.back() + table.Length(row, 1));
+            GComprimento place = places.back();
+            place += table.Length(row, 1);
+            places.push_back(place);
         }
     }
 
@@ -203,11 +190,11 @@ private:
             folder, "frame9-storeys.csv",
             {"storey", "height", "height_unit", "girder", "exterior_column", "interior_column"});
         const auto isBasement = [](const Table::Row& row) { return row.fields[0].rfind('B', 0) == 0; };
-        double level = 0;
+        GComprimento level(0.0);
         for (const auto& row : table.Rows()) {
             if (isBasement(row)) level -= table.Length(row, 1);
         }
-        bool wasUnderground = level < 0;
+        bool wasUnderground = level < 0.0;
         std::vector<Node*> below = AddNodes("base", level);
         for (Node* node : below) node->support = true;
 
@@ -227,7 +214,7 @@ private:
             const std::vector<Node*> above = AddNodes(storey->mark, level);
             const bool isRoof = &row == &table.Rows().back();
             AddColumns(*storey, below, above, SectionOf(table, row, 4), SectionOf(table, row, 5));
-            AddGirders(*storey, above, SectionOf(table, row, 3), isRoof ? ROOF_LIVE_LOAD : LIVE_LOAD);
+            AddGirders(*storey, above, SectionOf(table, row, 3), isRoof ? roofLiveLoad : liveLoad);
             for (Node* node : below) storey->floor.Add(node);
             below = above;
         }
@@ -239,14 +226,13 @@ private:
         return storey.mark + ZoFromUtf8("º andar");
     }
 
-    std::vector<Node*> AddNodes(const ZoString& mark, double level) {
+    std::vector<Node*> AddNodes(const ZoString& mark, const GComprimento& level) {
         std::vector<Node*> row;
         for (std::size_t i = 0; i < places.size(); ++i) {
             auto* node = new Node;
             building().nodes.Add(node);
             node->name = building().lines[i + 1] + "/" + mark;
-            node->x = places[i];
-            node->y = level;
+            node->place = Point3D(places[i], level, 0);
             row.push_back(node);
         }
         return row;
@@ -263,15 +249,16 @@ private:
         }
     }
 
-    void AddGirders(Storey& storey, const std::vector<Node*>& above, Section* section, double liveLoad) {
+    void AddGirders(Storey& storey, const std::vector<Node*>& above, Section* section,
+                    const GForcaArea& live) {
         for (std::size_t i = 0; i + 1 < above.size(); ++i) {
             auto* girder = new Girder;
             storey.members.Add(girder);
             Place(*girder, building().lines[i + 1] + building().lines[i + 2] + storey.mark, section, above[i],
                   above[i + 1]);
-            girder->loads.Add(section->MassPerMetre() * GRAVITY / 1000);
-            girder->loads.Add(DEAD_LOAD * TRIBUTARY_WIDTH);
-            girder->loads.Add(liveLoad * TRIBUTARY_WIDTH);
+            girder->loads.Add(new GForcaLinear(section->LineWeight()));
+            girder->loads.Add(new GForcaLinear(deadLoad * tributaryWidth));
+            girder->loads.Add(new GForcaLinear(live * tributaryWidth));
         }
     }
 
@@ -285,7 +272,7 @@ private:
     /// Every section in use gets an entry, the darker the larger.
     void FillLegend() {
         double largest = 0;
-        for (const auto& section : building().sections) largest = std::max(largest, section->area);
+        for (const auto& section : building().sections) largest = std::max<double>(largest, section->area);
         for (const auto& storey : building().storeys) {
             for (const auto& member : storey->members) {
                 Section* section = member->section.get();
@@ -318,7 +305,14 @@ private:
 
     std::string folder;
     Model model;
-    std::vector<double> places; // of the column lines, in cm
+    std::vector<GComprimento> places; // of the column lines
+
+    // The tables say nothing of these: what an office building of this kind is usually given.
+    const GPeso steelDensity{7850, TPeso::kgf_m3};
+    const GForcaArea deadLoad{4.6, TForcaArea::kN_m2};
+    const GForcaArea liveLoad{2.4, TForcaArea::kN_m2};
+    const GForcaArea roofLiveLoad{1.0, TForcaArea::kN_m2};
+    const GComprimento tributaryWidth{15, TComprimento::ft}; // half a bay
 };
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "report.h"
 #include "storage.h"
 #include "tables.h"
+#include "text.h"
 
 #include "support/CommaLocale.h"
 #include "support/PrivateClipboard.h"
@@ -30,6 +31,10 @@ namespace {
 
 using namespace Frame;
 using testing::HasSubstr;
+using testing::Not;
+using ZoPrimitives::TComprimento;
+using ZoPrimitives::TPeso;
+using ZoPrimitives::TTimestamp;
 
 /// Where the head of each record begins: marker, size, sum, class, uid, key, of four bytes each.
 std::vector<std::size_t> Records(const std::string& bytes) {
@@ -73,9 +78,9 @@ TEST_F(FrameTest, TablesGiveTheWholeFrame) {
     EXPECT_EQ(building.nodes.NItems(), 66u);
     EXPECT_EQ(building.sections.NItems(), 11u);
     EXPECT_EQ(building.legend.NItems(), 11u);
-    EXPECT_EQ(building.storeys[1]->level, -365.76);
-    EXPECT_NEAR(building.nodes.Last()->x, 4572.0, 1e-9);
-    EXPECT_NEAR(building.nodes.Last()->y, 3718.56, 1e-9);
+    EXPECT_EQ(building.storeys[1]->level.cm(), -365.76);
+    EXPECT_NEAR(building.nodes.Last()->place.X(), 4572.0, 1e-9);
+    EXPECT_NEAR(building.nodes.Last()->place.Y(), 3718.56, 1e-9);
     // Summed by hand from the tables, in exact fractions.
     EXPECT_NEAR(TotalSteel(building), 215'542.06276791552, 1e-6);
     const std::string picture(static_cast<const char*>(building.thumbnail.Data()), building.thumbnail.Size());
@@ -93,6 +98,8 @@ TEST_F(FrameTest, OpensAsItWasSaved) {
     EXPECT_EQ(comparison.difference, "");
     // 110 members, 66 nodes, 11 sections and legend entries, 10 storeys, and 4 that are there once
     EXPECT_EQ(comparison.objects, 110u + 66u + 11u + 11u + 10u + 4u);
+    // a place a node, 3 a section, 2 a storey, 3 a girder, 1 a material
+    EXPECT_EQ(comparison.values, 66u + 33u + 20u + 150u + 1u);
     EXPECT_EQ(Report(*opened.building), Report(*model.building));
 }
 
@@ -109,7 +116,7 @@ TEST_F(FrameTest, SectionsAreReadAlone) {
         const Section& section = *model.building->sections[i];
         const Profile& profile = *profiles[i];
         EXPECT_STREQ(profile.name.c_str(), section.name.c_str());
-        EXPECT_EQ(profile.MassPerMetre(), section.MassPerMetre());
+        EXPECT_EQ(profile.LineWeight(), section.LineWeight());
         EXPECT_DOUBLE_EQ(profile.Modulus() * section.depth, section.inertia * 2);
         EXPECT_EQ(profile.metal.get(), profiles[1]->metal.get()) << "one metal for all";
     }
@@ -119,11 +126,37 @@ TEST_F(FrameTest, SectionsAreReadAlone) {
 }
 
 TEST_F(FrameTest, EverySystemReadsAndWritesTheSameFile) {
-    std::filesystem::copy_file(FRAME_FILE, Path("golden.zo"));
+    std::filesystem::copy_file(FRAME_DATA "/frame9-version4.zo", Path("golden.zo"));
     const Model model = ReadTables(FRAME_TABLES);
-    Save(model, Path("a.zo"));
+    Save(model, Path("a.zo"), TTimestamp::MinValue());
     EXPECT_TRUE(folder.Read("a.zo") == folder.Read("golden.zo"));
     EXPECT_EQ(Compare(*model.building, *Open(Path("golden.zo")).building).difference, "");
+}
+
+TEST_F(FrameTest, FilesWithPlainNumbersAreConverted) {
+    std::filesystem::copy_file(FRAME_DATA "/frame9.zo", Path("old.zo"));
+    std::filesystem::copy_file(FRAME_DATA "/frame9.txt", Path("old.txt"));
+    const Model model = Open(Path("old.zo"));
+    WriteText(model, Path("new.txt")); // has every number, to 15 digits
+    EXPECT_TRUE(folder.Read("new.txt") == folder.Read("old.txt"));
+    EXPECT_EQ(model.building->SavedAt(), TTimestamp::MinValue());
+    EXPECT_EQ(model.building->storeys.Last()->level.Texto(TComprimento::ft, 9, false, '.'), "109 ft");
+    EXPECT_EQ(model.building->materials[1]->density, GPeso(7850, TPeso::kgf_m3));
+
+    const Profiles profiles = OpenProfiles(Path("old.zo"));
+    ASSERT_EQ(profiles.NItems(), 11u);
+    for (unsigned long long i = 1; i <= profiles.NItems(); ++i)
+        EXPECT_EQ(profiles[i]->LineWeight(), model.building->sections[i]->LineWeight());
+
+    Save(model, Path("new.zo"));
+    EXPECT_EQ(folder.Read("old.zo")[0], 3);
+    EXPECT_EQ(folder.Read("new.zo")[0], 4);
+    EXPECT_EQ(Compare(*model.building, *Open(Path("new.zo")).building).difference, "");
+
+    std::string bytes = folder.Read("old.zo");
+    bytes[Records(bytes)[150] + 18] ^= 1; // of the uid of a column
+    folder.Write("bad.zo", bytes);
+    EXPECT_THAT(FailureOf([&] { Open(Path("bad.zo")); }), HasSubstr("(some objects have lost their place)"));
 }
 
 TEST_F(FrameTest, BackupIsTheVersionBefore) {
@@ -139,13 +172,35 @@ TEST_F(FrameTest, BackupIsTheVersionBefore) {
     EXPECT_EQ(Open(Path("a.zo")).building->name, "later");
 }
 
+TEST_F(FrameTest, KeepsTheTimeOfSavingToTheTick) {
+    const Model model = ReadTables(FRAME_TABLES);
+    EXPECT_EQ(model.building->SavedAt(), TTimestamp::MinValue());
+    EXPECT_THAT(Report(*model.building), Not(HasSubstr("Saved:")));
+    for (const long long ticks : {17'952'344'001'234'567LL, 1LL, -1LL, 0LL, -621'355'968'000'000'000LL}) {
+        const TTimestamp when = TTimestamp::FromTicks(ticks);
+        Save(model, Path("a.zo"), when);
+        EXPECT_EQ(Open(Path("a.zo")).building->SavedAt().Ticks(), ticks);
+    }
+    const TTimestamp before;
+    Save(model, Path("a.zo"));
+    EXPECT_GE(model.building->SavedAt(), before);
+    EXPECT_LE(model.building->SavedAt(), TTimestamp());
+    const ZoString saved = model.building->saved;
+    EXPECT_THAT(FailureOf([&] { Save(model, Path("none/a.zo")); }), HasSubstr("cannot be saved"));
+    EXPECT_EQ(model.building->saved, saved);
+    model.building->SavedAt(TTimestamp::FromTicks(17'952'344'001'234'567LL));
+    EXPECT_THAT(Report(*model.building), HasSubstr("  Saved:       2026-11-21 04:13:20 UTC\n"));
+    model.building->saved = "yesterday";
+    EXPECT_EQ(model.building->SavedAt(), TTimestamp::MinValue());
+}
+
 TEST_F(FrameTest, LocaleChangesNothing) {
     const Model model = ReadTables(FRAME_TABLES);
-    Save(model, Path("point.zo"));
+    Save(model, Path("point.zo"), TTimestamp::MinValue());
     const CommaLocale locale;
     if (!locale.Active()) GTEST_SKIP() << "no locale with a comma";
     const Model again = ReadTables(FRAME_TABLES);
-    Save(again, Path("comma.zo"));
+    Save(again, Path("comma.zo"), TTimestamp::MinValue());
     EXPECT_EQ(folder.Read("comma.zo"), folder.Read("point.zo"));
     EXPECT_THAT(Report(*again.building), HasSubstr("Total steel: 215.54 t"));
 }
@@ -157,11 +212,11 @@ TEST_F(FrameTest, ComparisonFindsEveryKindOfDifference) {
         const char* field;
     } const cases[] = {
         {"text", [](Model& m) { m.building->storeys[3]->name += "!"; }, "name"},
-        {"number", [](Model& m) { m.building->sections[2]->area += 1e-9; }, "area"},
+        {"number", [](Model& m) { m.building->sections[2]->area += GArea(1e-9); }, "area"},
         {"bool", [](Model& m) { m.building->nodes[1]->support = false; }, "support"},
         {"blob", [](Model& m) { static_cast<char*>(m.building->thumbnail.Data())[99] ^= 1; }, "thumbnail"},
         {"child value", [](Model& m) { m.building->site.seismic = false; }, "seismic"},
-        {"list of numbers",
+        {"list of values",
          [](Model& m) { dynamic_cast<Girder&>(*m.building->storeys[5]->members.Last()).loads.RemoveLast(); },
          "loads"},
         {"shared object",
@@ -221,13 +276,16 @@ TEST_F(FrameTest, BadFilesAreRefusedWithASentence) {
          "is not a file of this program."},
         {"header cut", good.substr(0, 27), "is not a file of this program."},
         {"header alone", good.substr(0, 28), "is damaged: use a copy of it."},
-        {"newer version", changed(0, 4), "was saved by a newer version of this program: update the program"},
+        {"newer version", changed(0, 5), "was saved by a newer version of this program: update the program"},
         {"byte of the classes", changed(records[0] + 60, '#'), "is damaged"},
-        {"byte of an object", changed(records[50] + 25, '#'), "(212 objects were saved, 211 can be read)"},
-        {"uid of a member", changed(records[150] + 18, 1), "(some objects have lost their place)"},
+        {"byte of an object", changed(records[50] + 25, '#'), "(482 objects were saved, 481 can be read)"},
+        {"uid of a column", changed(records[461] + 18, 1), "(some objects have lost their place)"},
+        {"uid of a load", changed(records[481] + 18, 1), "(some objects have lost their place)"},
+        {"uid of a level", changed(records[454] + 18, 1), "(some objects have lost their place)"},
+        {"uid of the site", changed(records[57] + 18, 1), "(some objects have lost their place)"},
         {"cut in a record", good.substr(0, records[100] + 30), "is damaged"},
-        {"cut between records", good.substr(0, records[100]), "(212 objects were saved, 99 can be read)"},
-        {"cut before the root", good.substr(0, records[1]), "(212 objects were saved, 0 can be read)"},
+        {"cut between records", good.substr(0, records[100]), "(482 objects were saved, 99 can be read)"},
+        {"cut before the root", good.substr(0, records[1]), "(482 objects were saved, 0 can be read)"},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
@@ -296,9 +354,9 @@ TEST_F(FrameTest, AStoreyIsExtractedWithWhatItRefersTo) {
         EXPECT_NE(building.catalogue.get(), model.building->catalogue.get());
         // 11 members, 12 nodes, 3 sections and legend entries, and storey, building, site, material,
         // catalogue
-        EXPECT_EQ(CountObjects(building), 11u + 12u + 3u + 3u + 5u);
+        EXPECT_EQ(Count(building).objects, 11u + 12u + 3u + 3u + 5u);
         double steel = 0;
-        for (const auto& member : storey->members) steel += member->Mass();
+        for (const auto& member : storey->members) steel += member->Weight();
         EXPECT_EQ(TotalSteel(building), steel);
     }
     EXPECT_THAT(FailureOf([&] { ExtractStorey(*model.building, "10"); }),
@@ -348,9 +406,9 @@ TEST(FrameClipboardTest, WhatIsNoBuildingIsRefusedWithASentence) {
         std::string records;
         const char* sentence;
     } rows[] = {
-        {"nothing in it", 3, "", "is damaged: copy it again."},
-        {"no records", 3, std::string(100, 'x'), "is damaged: copy it again."},
-        {"newer version", 4, "", "was copied by a newer version of this program"},
+        {"nothing in it", 4, "", "is damaged: copy it again."},
+        {"no records", 4, std::string(100, 'x'), "is damaged: copy it again."},
+        {"newer version", 5, "", "was copied by a newer version of this program"},
         {"no version", 10'000, "", "There is no building on the clipboard: copy one first."},
     };
     for (const auto& row : rows) {
@@ -371,11 +429,13 @@ TEST_F(FrameTest, BadTablesAreRefusedWithFileAndLine) {
          "frame9-sections.csv, line 1: the headings must be \"name,"},
         {"no number", "sections", "75.6", "75,6",
          "frame9-sections.csv, line 3: 4 fields are expected, 5 are there."},
-        {"letters in a number", "sections", "75.6", "75x", "line 3: \"75x\" is not a number above zero."},
+        {"letters in a number", "sections", "75.6", "75x",
+         "line 3: \"75x\" has no unit that is known here: use mm², cm², m², sq in, sq ft."},
         {"negative", "sections", "75.6", "-1", "line 3: \"-1\" is not a number above zero."},
         {"not finite", "sections", "75.6", "inf", "line 3: \"inf\" is not a number above zero."},
         {"twice", "sections", "W14x257", "W14x233", "line 3: W14x233 is there already."},
-        {"unit", "bays", "30,ft", "30,yd", "frame9-bays.csv, line 2: \"yd\" is no unit of length"},
+        {"unit", "bays", "30,ft", "30,yd",
+         "frame9-bays.csv, line 2: \"30 yd\" has no unit that is known here: use cm, m, in, ft, mm."},
         {"bay", "bays", "B-C", "B", "frame9-bays.csv, line 3: \"B\" does not name two column lines"},
         {"gap", "bays", "C-D", "D-E", "line 4: bay D-E does not begin where the one before ends."},
         {"unknown section", "storeys", "W24x68", "W24x69", "frame9-storeys.csv, line 11: section \"W24x69\""},

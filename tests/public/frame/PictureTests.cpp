@@ -182,23 +182,24 @@ TEST(FramePicture, IsWellFormedWhateverTheBuildingIs) {
          ">columns<"},
         {"nodes in one place",
          [](Building& b) {
-             for (auto& node : b.nodes) node->x = node->y = 7;
+             for (auto& node : b.nodes) node->place = Point3D(7, 7, 0);
          },
          ">Girders, kN/m<"},
         {"nodes very far apart",
          [](Building& b) {
-             b.nodes[1]->x = -1.7e308;
-             b.nodes[66]->x = 1.7e308;
+             b.nodes[1]->place.X(-1.7e308);
+             b.nodes[66]->place.X(1.7e308);
          },
          ">Girders, kN/m<"},
         {"no node where one is listed", [](Building& b) { b.nodes.Add(nullptr); }, ">Girders, kN/m<"},
         {"load that is no number",
          [](Building& b) {
              for (auto& m : b.storeys[4]->members)
-                 if (auto* girder = dynamic_cast<Girder*>(m.get())) girder->loads.Add(std::nan(""));
+                 if (auto* girder = dynamic_cast<Girder*>(m.get()))
+                     girder->loads.Add(new GForcaLinear(std::nan("")));
          },
          ", nan kN/m</title>"},
-        {"node at no finite place", [&](Building& b) { b.nodes[3]->y = infinity; },
+        {"node at no finite place", [&](Building& b) { b.nodes[3]->place.Y(infinity); },
          "The building cannot be drawn: it is of no finite size."},
         {"no members",
          [](Building& b) {

@@ -35,24 +35,24 @@ Model Shed() {
     shed.site.name = "S\xE3o Paulo";
     shed.materials.Add(new Material);
     shed.materials[1]->name = "A\xE7o";
-    shed.materials[1]->density = 7850;
+    shed.materials[1]->density = GPeso(7850, ZoPrimitives::TPeso::kgf_m3);
     shed.sections.Add(new Section);
     Section& section = *shed.sections[1];
     section.name = "W 150";
-    section.depth = 15.3;
-    section.area = 16.6;
-    section.inertia = 685;
+    section.depth = GComprimento(15.3);
+    section.area = GArea(16.6);
+    section.inertia = GInercia(685.0);
     section.material = shed.materials[1];
     for (const double y : {0.0, 365.76}) {
         Node* node = new Node;
-        node->y = y;
+        node->place.Y(y);
         node->support = y == 0;
         shed.nodes.Add(node);
     }
     shed.storeys.Add(new Storey);
     Storey& storey = *shed.storeys[1];
     storey.name = "T\xE9rreo";
-    storey.height = 365.76;
+    storey.height = GComprimento(365.76);
     storey.building = &shed;
     storey.floor.Add(shed.nodes[1].get());
     Column* column = new Column;
@@ -110,19 +110,23 @@ std::string Joined(const std::vector<std::string>& lines) {
 }
 
 /// The number that 15 digits tell.
-void Round(double& value) { value = ZoString::FormatString("%.15g", value).ToDouble(); }
+double Rounded(double value) { return ZoString::FormatString("%.15g", value).ToDouble(); }
+void Round(double& value) { value = Rounded(value); }
 
 TEST_F(FrameTextTest, HoldsTheWholeGraph) {
     const Model model = ReadTables(FRAME_TABLES);
     for (auto& section : model.building->sections) {
-        for (double* value : {&section->depth, &section->area, &section->inertia}) Round(*value);
+        for (double* value : {&section->depth.valor, &section->area.valor, &section->inertia.valor})
+            Round(*value);
     }
-    for (auto& node : model.building->nodes) Round(node->x), Round(node->y);
+    for (auto& node : model.building->nodes) {
+        node->place = Point3D(Rounded(node->place.X()), Rounded(node->place.Y()), 0);
+    }
     for (auto& storey : model.building->storeys) {
-        Round(storey->level);
+        Round(storey->level.valor);
         for (auto& member : storey->members) {
             if (auto* girder = dynamic_cast<Girder*>(member.get())) {
-                for (double& load : girder->loads) Round(load);
+                for (auto& load : girder->loads) Round(load->valor);
             }
         }
     }

@@ -2,16 +2,15 @@
 
 #include "Persistence/ClassNames.h"
 
+#include <cstddef>
 #include <cstring>
+#include <string_view>
 
 namespace ZoPrimitives {
 
 ZoString ZoRegisteredName(const char* qualifiedName) {
-    const char* name = qualifiedName;
-    for (const char* separator = std::strstr(name, "::"); separator != nullptr;
-         separator = std::strstr(name, "::")) {
-        name = separator + 2;
-    }
+    const std::size_t separator = std::string_view(qualifiedName).rfind("::");
+    const char* name = separator == std::string_view::npos ? qualifiedName : qualifiedName + separator + 2;
     while (*name == ' ') ++name;
     return ZoString(name);
 }

@@ -31,7 +31,8 @@ void ZoStreamableBase::Write(OutputStreamer& streamer) {
 void ZoStreamableBase::WillWrite() {}
 
 void ZoStreamableBase::Read(InputStreamer& streamer) {
-    const InputStreamer::Level level(streamer, this);
+    InputStreamer::Level level(streamer, this);
+    level.BeginData();
     int code = 0;
     for (streamer >> code; code != TextCodes::OBJECT && code != TextCodes::END; streamer >> code) {
         try {

@@ -26,8 +26,8 @@ using ZoPrimitives::Testing::TemporaryFolder;
 
 int living = 0;
 
-/// Codes: 10 a number, 11 a text, 20 a pointer. A pointer is 5 and a handle; 0, a class, data and 7; or 0 and
-/// "NULL".
+/// Codes: 10 a number, 11 a text, 20 a pointer, 21 more data of an object that was there before. A pointer is
+/// 5 and a handle; 0, a class, data and 7; or 0 and "NULL".
 class Item : public ZoStreamableBase {
 public:
     Item() { ++living; }
@@ -101,6 +101,12 @@ bool Item::ReadData(int code, InputStreamer& s) {
     case 20:
         next = static_cast<Reader&>(s).ReadPointer();
         return true;
+    case 21: {
+        ZoStreamableBase* object = nullptr;
+        s >> object;
+        object->Read(s);
+        return true;
+    }
     default:
         return ZoStreamableBase::ReadData(code, s);
     }
@@ -615,6 +621,30 @@ TEST(HostileTextTest, AMillionNestedObjectsAreRefused) {
     item.next = nullptr;
     source.Close();
     EXPECT_EQ(living, 1);
+}
+
+TEST(HostileTextTest, AMillionNestedDataOfOneObjectAreRefused) {
+    for (const bool fits : {true, false}) {
+        std::string text = "3|1|10|4|";
+        for (int i = 1; i < (fits ? MAX_TEXT_NESTING : 1'000'000); ++i) text += "21|1|";
+        for (int i = 0; fits && i < MAX_TEXT_NESTING; ++i) text += "7|";
+        Source source(text);
+        Item item;
+        EXPECT_EQ(Thrown([&] { item.Read(*source); }),
+                  fits ? "" : "Objetos aninhados demais @ InputStreamer::Read");
+        EXPECT_EQ(source.Rest().empty(), fits);
+    }
+}
+
+TEST(HostileTextTest, AClassNameMayBeOfColons) {
+    // Linear, with sanitizers too.
+    const std::string colons(2'000'000, ':');
+    TZoMetaData schema;
+    ZoDouble::Register(&schema);
+    pointer<StreamableFactory> factory(new StreamableFactory(&schema));
+    EXPECT_THROW(factory->CreateObject(colons.c_str()), XUnknownObject);
+    const pointer<ZoStreamableBase> object(factory->CreateObject((colons + "ZoDouble").c_str()));
+    EXPECT_NE(dynamic_cast<ZoDouble*>(object.get()), nullptr);
 }
 
 TEST(HostileTextTest, DamageEndsInDocumentedExceptions) {

@@ -22,7 +22,8 @@ ZO_API bool ValidInteger(const ZoString& text);
 /// end. Objects deeper than `MAX_TEXT_NESTING` inside each other throw `XReadStream`.
 ///
 /// The objects that `CreateObject` made are held by the streamer until it goes, or `HandOver`: take hold of
-/// what is to stay, and delete none of them meanwhile. When reading fails, the others go with the streamer.
+/// what is to stay, and delete none of them meanwhile. When reading fails, the others go with the streamer,
+/// but for those that a text lets hold each other in a circle of `pointer`s: hold only what is owned by one.
 class ZO_API InputStreamer : public ZoObject {
 public:
     /// Holds both with a `pointer`: they must be on the heap. Without a stream every operation that reads
@@ -96,7 +97,8 @@ public:
 
     /// One level of nested objects, as long as it stands; throws `XReadStream` when that is too deep.
     /// `ZoStreamableBase::Read` has one: what reads nested objects in a way of its own makes one there.
-    /// Levels of one object directly inside each other count once.
+    /// Levels of one object directly inside each other count once, until its data are read: data that are
+    /// read within those of the same object lie deeper.
     class ZO_API Level {
     public:
         explicit Level(InputStreamer& streamer, const ZoStreamableBase* object = nullptr);
@@ -105,6 +107,9 @@ public:
         Level& operator=(const Level&) = delete;
 
     private:
+        friend class ZoStreamableBase;
+        void BeginData() { reader.innermost = nullptr; }
+
         InputStreamer& reader;
         const ZoStreamableBase* outer;
         int outerDepth;

@@ -100,7 +100,15 @@ int PrintPasted(const Units& units) {
     return OK;
 }
 
+/// What is made of a file must not end it.
+void RefuseOverItself(const std::string& from, const std::string& to) {
+    std::error_code none;
+    if (std::filesystem::equivalent(from, to, none))
+        throw Failure("\"" + to + "\" is the building itself: name another file.");
+}
+
 int WriteAsText(const std::string& path, const std::string& out) {
+    RefuseOverItself(path, out);
     WriteText(Open(path), out);
     std::cout << "  Written:     " << NameOf(out) << ", " << SizeOf(out) << '\n';
     return OK;
@@ -157,6 +165,7 @@ int Demo(const std::string& program, const Options& options) {
 
 int Draw(const Options& options) {
     const std::string& path = options.words[2];
+    RefuseOverItself(options.words[1], path);
     const Model model = Open(options.words[1]);
     const std::string picture = DrawElevation(*model.building, options.property, options.units);
     std::ofstream file(path, std::ios::binary);

@@ -13,9 +13,9 @@
 // length therefore takes little stack.
 //
 // When the outermost `Convert` returns, the objects that it made are the caller's, whoever holds them. When
-// it throws, they are forgotten, and those that no `pointer` outside them holds are deleted: objects that
-// convert must own each other through `pointer`s or not at all. A failure that a filling function catches
-// itself leaves the object concerned as it is.
+// it throws, they are forgotten, and those that no `pointer` holds are deleted: objects that convert must
+// own each other through `pointer`s or not at all, and those that own each other in a circle stay. A failure
+// that a filling function catches itself leaves the object concerned as it is.
 
 namespace ZoPrimitives {
 

@@ -48,9 +48,9 @@ TEST_F(GoldenFiles, AreReadByEverySystem) {
         TFileBinInStream in(folder.Path(name).c_str(), 3u);
         in.Initialize();
         const pointer<ZoStreamableBase> root(TBinInStreamer(&in, &schema).ReadObjects());
-        const pointer<ZoStreamableBase> outside(in.GetInstance(9)); // owned by nobody
         const auto* every = dynamic_cast<app::EveryKind*>(root.get());
         ASSERT_NE(every, nullptr);
+        const pointer<app::Leaf> outside(every->external.get()); // owned by nobody
         EXPECT_EQ(every->anUnsigned, 4'000'000'000U);
         EXPECT_EQ(every->aDouble, -0.25);
         EXPECT_EQ(every->external->number, 99);

@@ -3,6 +3,7 @@
 #include "Platform/Platform.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 
+#include <mutex>
 #include <utility>
 
 namespace ZoPrimitives {
@@ -31,6 +32,9 @@ void TZoTrace::TocTic(ZoString operation, ZoString detail) {
 }
 
 void TZoTrace::TraceSimplesArquivo(const char* text) {
+    // Two files that append at once overwrite each other's line on Windows.
+    static std::mutex oneLine;
+    const std::lock_guard<std::mutex> alone(oneLine);
     CreateFileA();
     if (traceFile == nullptr) return;
     std::fprintf(traceFile, "%s\n", text != nullptr ? text : "");

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ZoPrimitives/ZoString.h"
+
+#include <initializer_list>
+#include <new>
+#include <string_view>
+
+namespace ZoPrimitives {
+
+// A `ZoString` that finds no memory is empty and says nothing. Where a text must not be lost, it is made here.
+
+/// Fills `target` with `count` bytes. Throws `std::bad_alloc` when there is no memory for them.
+inline void AssignWhole(ZoString& target, const char* bytes, unsigned count) {
+    target.Assign(bytes, count);
+    if (count != 0 && bytes[0] != '\0' && target.c_str()[0] == '\0') throw std::bad_alloc();
+}
+
+/// The parts one after the other. Throws `std::bad_alloc` when there is no memory for all of them.
+ZoString WholeText(std::initializer_list<std::string_view> parts);
+
+inline ZoString WholeText(const ZoString& text) { return WholeText({std::string_view(text.c_str())}); }
+
+} // namespace ZoPrimitives

@@ -8,7 +8,8 @@
 
 namespace ZoPrimitives {
 
-// A `ZoString` that finds no memory is empty and says nothing. Where a text must not be lost, it is made here.
+// A `ZoString` that finds no memory is empty and says nothing. Where a text must not be lost, it is made
+// here.
 
 /// Fills `target` with `count` bytes. Throws `std::bad_alloc` when there is no memory for them.
 inline void AssignWhole(ZoString& target, const char* bytes, unsigned count) {

@@ -1,12 +1,13 @@
 #include "Persistence/Crc32Kernel.h"
 
+#include "Persistence/Crc32Folding.h"
+#include "Platform/Compiler.h"
 #include "ZoPrimitives/CRC32.h"
 
 #include <atomic>
-#include <bit>
 #include <cstring>
 
-#if defined(__x86_64__)
+#ifdef ZO_X86_64
 #include <smmintrin.h>
 #include <wmmintrin.h>
 #endif
@@ -15,7 +16,7 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr std::uint32_t polynomial = 0xEDB88320; // bit 31 is the coefficient of x^0; that of x^32 is implied
+using namespace Crc32Folding;
 
 using Slices = std::array<std::array<std::uint32_t, 256>, 16>;
 
@@ -53,40 +54,11 @@ std::uint32_t Crc32Kernels::Tables(std::uint32_t reg, const unsigned char* data,
     return reg;
 }
 
-#if defined(__x86_64__)
+#ifdef ZO_X86_64
 
 namespace {
 
-#define ZO_FOLDING __attribute__((target("pclmul,sse4.1")))
-
-/// x^degree modulo the polynomial, reflected.
-constexpr std::uint32_t PowerOfX(unsigned degree) {
-    std::uint32_t value = 0x80000000;
-    for (; degree > 0; --degree) value = (value >> 1) ^ ((value & 1) != 0 ? polynomial : 0);
-    return value;
-}
-
-/// The inverse of the 33-bit polynomial as a power series, its first 64 coefficients. Multiplying the leading
-/// 64 coefficients of a remainder by it gives the quotient that cancels them.
-constexpr std::uint64_t Inverse() {
-    std::uint64_t inverse = 0, rest = 1;
-    for (unsigned i = 0; i < 64; ++i)
-        if ((rest >> i & 1) != 0) {
-            inverse |= std::uint64_t{1} << i;
-            rest ^= (std::uint64_t{polynomial} << 1 | 1) << i;
-        }
-    return inverse;
-}
-
-/// The factors that carry the two halves of a block over `Blocks` blocks of 16 bytes. A product of reflected
-/// factors comes out one place low, hence the shift.
-template <unsigned Blocks>
-struct Carry {
-    static constexpr std::uint64_t low = std::uint64_t{PowerOfX(128 * Blocks + 32)} << 1;
-    static constexpr std::uint64_t high = std::uint64_t{PowerOfX(128 * Blocks - 32)} << 1;
-};
-static_assert(Carry<1>::low == 0x1751997d0 && Carry<1>::high == 0x0ccaa009e);
-static_assert(Carry<4>::low == 0x154442bd4 && Carry<4>::high == 0x1c6e41596);
+#define ZO_FOLDING ZO_USES_PROCESSOR("pclmul,sse4.1")
 
 ZO_FOLDING inline __m128i Load(const unsigned char* data) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
@@ -147,7 +119,10 @@ alignas(64) constexpr unsigned char shuffles[48] = {
     0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0x0B, 0x0C, 0x0D, 0x0E, 0x0F,
     0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80};
 
-ZO_FOLDING std::uint32_t FoldBlocks(std::uint32_t reg, const unsigned char* data, std::size_t size) noexcept {
+} // namespace
+
+ZO_FOLDING std::uint32_t Crc32Folding::FoldBlocks(std::uint32_t reg, const unsigned char* data,
+                                                  std::size_t size) noexcept {
     if (size < 16) return FoldBelow16(reg, data, size);
 
     const __m128i start = _mm_cvtsi32_si128(static_cast<int>(reg));
@@ -182,140 +157,13 @@ ZO_FOLDING std::uint32_t FoldBlocks(std::uint32_t reg, const unsigned char* data
 
 #undef ZO_FOLDING
 
-struct alignas(64) WideFactors {
-    std::uint64_t carry16[2]; // over 16 blocks, as Carry<16>
-    std::uint64_t carry4[2];
-    std::uint64_t finish[8]; // each of four blocks to what `Reduce96` takes
-    std::uint64_t barrett[2];
-};
-
-constexpr WideFactors wideFactors = {{Carry<16>::low, Carry<16>::high},
-                                     {Carry<4>::low, Carry<4>::high},
-                                     {Carry<4>::high, Carry<3>::low, Carry<3>::high, Carry<2>::low,
-                                      Carry<2>::high, Carry<1>::low, Carry<1>::high,
-                                      std::uint64_t{PowerOfX(32)} << 1},
-                                     {Inverse(), std::uint64_t{polynomial} << 1 | 1}};
-
-/// The 64 bytes from n on mark the four bytes at 64 - n.
-alignas(64) constexpr auto startMarks = [] {
-    std::array<unsigned char, 128> marks{};
-    for (std::size_t i = 64; i < 68; ++i) marks[i] = 0xFF;
-    return marks;
-}();
-
-/// Folds four blocks at once. The compiler never sees a wide value, so that it cannot spill one: not every
-/// system that we build for aligns the stack for that. Registers from 16 on belong to nobody in every calling
-/// convention.
-__attribute__((target("pclmul,sse4.1,avx512f,avx512bw,avx512vl,vpclmulqdq"))) std::uint32_t
-FoldWide(std::uint32_t reg, const unsigned char* data, std::size_t size) noexcept {
-    if (size <= 24) return FoldBlocks(reg, data, size);
-
-    // The odd bytes come first, behind zeros: a masked load that ends with them. It reads nothing before
-    // `data`, but is very slow when it spans a page that cannot be read.
-    std::size_t odd = ((size - 1) & 63) + 1;
-    if (odd < 4 || (reinterpret_cast<std::uintptr_t>(data) & 4095) + odd < 64) {
-        reg = FoldBlocks(reg, data, odd);
-        if (size == odd) return reg;
-        data += odd;
-        size -= odd;
-        odd = 64;
-    }
-    const std::uint64_t mask = ~std::uint64_t{0} << (64 - odd);
-    std::size_t chunks = (size - odd) / 64;
-    std::uint32_t result = std::rotl(reg, static_cast<int>(8 * ((64 - odd) & 3)));
-    data += odd;
-    asm volatile("vpbroadcastd %[result], %%zmm16\n\t"
-                 "kmovq %[mask], %%k1\n\t"
-                 "vmovdqu8 -64(%[data]), %%zmm17%{%%k1%}%{z%}\n\t"
-                 "vpternlogq $0x78, (%[marks]), %%zmm16, %%zmm17\n\t" // data ^ (reg & marks)
-                 "test %[chunks], %[chunks]\n\t"
-                 "jz 5f\n\t"
-                 "vbroadcasti32x4 16(%[factors]), %%zmm19\n\t"
-                 "cmp $7, %[chunks]\n\t"
-                 "jb 4f\n\t"
-
-                 "vmovdqu64 (%[data]), %%zmm20\n\t"
-                 "vmovdqu64 64(%[data]), %%zmm21\n\t"
-                 "vmovdqu64 128(%[data]), %%zmm22\n\t"
-                 "vbroadcasti32x4 (%[factors]), %%zmm18\n\t"
-                 "add $192, %[data]\n\t"
-                 "sub $3, %[chunks]\n\t"
-                 "2:\n\t"
-                 "vpclmulqdq $0x00, %%zmm18, %%zmm17, %%zmm24\n\t"
-                 "vpclmulqdq $0x11, %%zmm18, %%zmm17, %%zmm17\n\t"
-                 "vpclmulqdq $0x00, %%zmm18, %%zmm20, %%zmm25\n\t"
-                 "vpclmulqdq $0x11, %%zmm18, %%zmm20, %%zmm20\n\t"
-                 "vpclmulqdq $0x00, %%zmm18, %%zmm21, %%zmm26\n\t"
-                 "vpclmulqdq $0x11, %%zmm18, %%zmm21, %%zmm21\n\t"
-                 "vpclmulqdq $0x00, %%zmm18, %%zmm22, %%zmm27\n\t"
-                 "vpclmulqdq $0x11, %%zmm18, %%zmm22, %%zmm22\n\t"
-                 "vpternlogq $0x96, (%[data]), %%zmm24, %%zmm17\n\t"
-                 "vpternlogq $0x96, 64(%[data]), %%zmm25, %%zmm20\n\t"
-                 "vpternlogq $0x96, 128(%[data]), %%zmm26, %%zmm21\n\t"
-                 "vpternlogq $0x96, 192(%[data]), %%zmm27, %%zmm22\n\t"
-                 "add $256, %[data]\n\t"
-                 "sub $4, %[chunks]\n\t"
-                 "cmp $4, %[chunks]\n\t"
-                 "jae 2b\n\t"
-                 "vpclmulqdq $0x00, %%zmm19, %%zmm17, %%zmm24\n\t"
-                 "vpclmulqdq $0x11, %%zmm19, %%zmm17, %%zmm17\n\t"
-                 "vpternlogq $0x96, %%zmm20, %%zmm24, %%zmm17\n\t"
-                 "vpclmulqdq $0x00, %%zmm19, %%zmm17, %%zmm24\n\t"
-                 "vpclmulqdq $0x11, %%zmm19, %%zmm17, %%zmm17\n\t"
-                 "vpternlogq $0x96, %%zmm21, %%zmm24, %%zmm17\n\t"
-                 "vpclmulqdq $0x00, %%zmm19, %%zmm17, %%zmm24\n\t"
-                 "vpclmulqdq $0x11, %%zmm19, %%zmm17, %%zmm17\n\t"
-                 "vpternlogq $0x96, %%zmm22, %%zmm24, %%zmm17\n\t"
-                 "test %[chunks], %[chunks]\n\t"
-                 "jz 5f\n\t"
-
-                 "4:\n\t"
-                 "vpclmulqdq $0x00, %%zmm19, %%zmm17, %%zmm24\n\t"
-                 "vpclmulqdq $0x11, %%zmm19, %%zmm17, %%zmm17\n\t"
-                 "vpternlogq $0x96, (%[data]), %%zmm24, %%zmm17\n\t"
-                 "add $64, %[data]\n\t"
-                 "dec %[chunks]\n\t"
-                 "jnz 4b\n\t"
-
-                 "5:\n\t"
-                 "vmovdqu64 32(%[factors]), %%zmm19\n\t"
-                 "vmovdqu64 96(%[factors]), %%xmm20\n\t"
-                 "vpclmulqdq $0x00, %%zmm19, %%zmm17, %%zmm24\n\t"
-                 "vpclmulqdq $0x11, %%zmm19, %%zmm17, %%zmm17\n\t"
-                 "vpxorq %%zmm24, %%zmm17, %%zmm17\n\t"
-                 "vextracti64x4 $1, %%zmm17, %%ymm24\n\t"
-                 "vpxorq %%ymm24, %%ymm17, %%ymm17\n\t"
-                 "vextracti32x4 $1, %%ymm17, %%xmm24\n\t"
-                 "vpxorq %%xmm24, %%xmm17, %%xmm17\n\t"
-                 "vpclmulqdq $0x00, %%xmm20, %%xmm17, %%xmm24\n\t"
-                 "vpclmulqdq $0x10, %%xmm20, %%xmm24, %%xmm24\n\t"
-                 "vpxorq %%xmm24, %%xmm17, %%xmm17\n\t"
-                 "vpshufd $2, %%xmm17, %%xmm17\n\t"
-                 "vmovd %%xmm17, %[result]\n\t"
-                 : [result] "+r"(result), [data] "+r"(data), [chunks] "+r"(chunks)
-                 : [mask] "r"(mask), [marks] "r"(startMarks.data() + odd), [factors] "r"(&wideFactors)
-                 : "cc", "memory", "k1", "xmm16", "xmm17", "xmm18", "xmm19", "xmm20", "xmm21", "xmm22",
-                   "xmm24", "xmm25", "xmm26", "xmm27");
-    return result;
+Crc32Kernels::Kernel Crc32Kernels::Folding() noexcept {
+    return HasCarrylessMultiplication() ? &FoldBlocks : nullptr;
 }
-
-bool HasFolding() { return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("sse4.1") != 0; }
-
-bool HasWideFolding() {
-    return HasFolding() && __builtin_cpu_supports("avx512f") != 0 &&
-           __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&
-           __builtin_cpu_supports("vpclmulqdq") != 0;
-}
-
-} // namespace
-
-Crc32Kernels::Kernel Crc32Kernels::Folding() noexcept { return HasFolding() ? &FoldBlocks : nullptr; }
-Crc32Kernels::Kernel Crc32Kernels::WideFolding() noexcept { return HasWideFolding() ? &FoldWide : nullptr; }
 
 #else
 
 Crc32Kernels::Kernel Crc32Kernels::Folding() noexcept { return nullptr; }
-Crc32Kernels::Kernel Crc32Kernels::WideFolding() noexcept { return nullptr; }
 
 #endif
 

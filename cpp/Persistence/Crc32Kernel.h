@@ -12,7 +12,7 @@ struct Crc32Kernels {
     static std::uint32_t Tables(std::uint32_t reg, const unsigned char* data, std::size_t size) noexcept;
     /// By carry-less multiplication of 16 bytes at a time; null where the processor has none.
     static Kernel Folding() noexcept;
-    /// By that of 64 bytes at a time; null where the processor has none.
+    /// By that of 64 bytes at a time, in assembly; null where the processor or the compiler has none.
     static Kernel WideFolding() noexcept;
 };
 

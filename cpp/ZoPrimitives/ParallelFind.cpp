@@ -1,13 +1,11 @@
 #include "ZoPrimitives/ParallelFind.h"
 
+#include "Platform/Compiler.h"
+
 #include <bit>
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace ZoPrimitives {
 
@@ -36,7 +34,7 @@ std::size_t Locate(const void* data, std::size_t index, std::size_t count, Bits 
     return index;
 }
 
-#ifdef __SSE2__
+#ifdef ZO_X86_64
 // 64 bytes a round: the comparisons are joined and branched on once, the place is sought when one of them
 // holds.
 template <std::size_t ElementSize, class Compare>
@@ -59,7 +57,7 @@ std::size_t SkipRounds(const void* data, std::size_t count, const Compare& equal
 
 std::size_t ZoFindBits32(const void* data, std::size_t count, std::uint32_t value) noexcept {
     std::size_t index = 0;
-#ifdef __SSE2__
+#ifdef ZO_X86_64
     const __m128i pattern = _mm_set1_epi32(std::bit_cast<std::int32_t>(value));
     index = SkipRounds<4>(data, count, [&](__m128i block) { return _mm_cmpeq_epi32(block, pattern); });
 #endif
@@ -68,7 +66,7 @@ std::size_t ZoFindBits32(const void* data, std::size_t count, std::uint32_t valu
 
 std::size_t ZoFindBits64(const void* data, std::size_t count, std::uint64_t value) noexcept {
     std::size_t index = 0;
-#ifdef __SSE2__
+#ifdef ZO_X86_64
     const __m128i pattern = _mm_set1_epi64x(std::bit_cast<std::int64_t>(value));
     index = SkipRounds<8>(data, count, [&](__m128i block) {
         const __m128i halves = _mm_cmpeq_epi32(block, pattern);
@@ -80,7 +78,7 @@ std::size_t ZoFindBits64(const void* data, std::size_t count, std::uint64_t valu
 
 std::size_t ZoFindDouble(const double* data, std::size_t count, double value) noexcept {
     std::size_t index = 0;
-#ifdef __SSE2__
+#ifdef ZO_X86_64
     const __m128d pattern = _mm_set1_pd(value);
     index = SkipRounds<8>(data, count, [&](__m128i block) {
         return _mm_castpd_si128(_mm_cmpeq_pd(_mm_castsi128_pd(block), pattern));

@@ -1,0 +1,61 @@
+#pragma once
+
+// What compilers spell differently, each in one portable form.
+
+#if defined(__x86_64__) || defined(_M_X64)
+#define ZO_X86_64 // which has SSE2
+#include <emmintrin.h>
+#endif
+
+#ifdef _MSC_VER
+#include <intrin.h>
+#endif
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#define ZO_GNU_ASSEMBLY
+#endif
+
+/// Marks a function that uses instructions which not every processor has, such as "pclmul,sse4.1"; whoever
+/// calls it has asked for them. Some compilers want no such mark.
+#if defined(__GNUC__) || defined(__clang__)
+#define ZO_USES_PROCESSOR(instructions) __attribute__((target(instructions)))
+#else
+#define ZO_USES_PROCESSOR(instructions)
+#endif
+
+namespace ZoPrimitives {
+
+/// Tells the processor that what stands there is needed soon. Any address will do, null included.
+inline void Prefetch([[maybe_unused]] const void* address) noexcept {
+#ifdef ZO_X86_64
+    _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
+#elif defined(__GNUC__)
+    __builtin_prefetch(address);
+#endif
+}
+
+/// Whether the processor multiplies without carries, and has SSE 4.1.
+inline bool HasCarrylessMultiplication() noexcept {
+#if !defined(ZO_X86_64)
+    return false;
+#elif defined(__GNUC__)
+    return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("sse4.1") != 0;
+#else
+    int registers[4]; // eax, ebx, ecx, edx
+    __cpuid(registers, 1);
+    constexpr int PCLMULQDQ = 1 << 1;
+    constexpr int SSE41 = 1 << 19;
+    return (registers[2] & PCLMULQDQ) != 0 && (registers[2] & SSE41) != 0;
+#endif
+}
+
+#ifdef ZO_GNU_ASSEMBLY
+/// Whether it does so for four pairs at once, in registers of 512 bits.
+inline bool HasWideCarrylessMultiplication() noexcept {
+    return HasCarrylessMultiplication() && __builtin_cpu_supports("avx512f") != 0 &&
+           __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&
+           __builtin_cpu_supports("vpclmulqdq") != 0;
+}
+#endif
+
+} // namespace ZoPrimitives

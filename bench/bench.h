@@ -8,14 +8,14 @@
 
 namespace bench {
 
-/// What a save into memory leaves: bytes on the C heap.
+/// What a save into memory leaves, and what keeps it.
 class Bytes {
 public:
     Bytes() = default;
-    Bytes(unsigned char* block, std::size_t count) : block(block), count(count) {}
-    Bytes(Bytes&& other) noexcept;
-    Bytes& operator=(Bytes&& other) noexcept;
-    ~Bytes();
+    /// A block of the C heap, which is taken over.
+    Bytes(unsigned char* block, std::size_t count);
+    Bytes(const unsigned char* block, std::size_t count, std::shared_ptr<const void> owner)
+        : block(block), count(count), owner(std::move(owner)) {}
 
     const unsigned char* data() const { return block; }
     std::size_t size() const { return count; }
@@ -23,8 +23,9 @@ public:
     static Bytes Load(const std::string& path);
 
 private:
-    unsigned char* block = nullptr;
+    const unsigned char* block = nullptr;
     std::size_t count = 0;
+    std::shared_ptr<const void> owner;
 };
 
 /// Output for hand-written code and the peers: memory that grows by doubling or, with a file, blocks of 256
@@ -91,13 +92,20 @@ public:
 
 std::unique_ptr<Contender> MakeZo();
 std::unique_ptr<Contender> MakeFloor();
+std::unique_ptr<Contender> MakePlainFloor();
 std::unique_ptr<Contender> MakeBoost();
 std::unique_ptr<Contender> MakeCereal();
+std::unique_ptr<Contender> MakeFlatBuffers();
+std::unique_ptr<Contender> MakeProtobuf();
+std::unique_ptr<Contender> MakeQt();
 
 // For reading a part of a file: this library with a model of which every hundredth object is of one class,
 // and a reader of that class alone.
 std::unique_ptr<Contender> MakePinned();
 std::unique_ptr<Contender> MakeFiltered();
+
+/// Objects that hold values, in three ways, and texts; see shapes.cpp.
+void RunShapes(int runs);
 
 /// Sums and searches; see micro.cpp.
 void RunMicro(int runs);

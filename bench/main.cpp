@@ -1,46 +1,49 @@
-// zo_bench: saves and opens a model with this library, by hand ("floor") and with two other libraries, each
-// case in a process of its own, and prints what it costs.
+// zo_bench: saves and opens a model with this library, by hand and with other libraries, each case in a
+// process of its own, and prints what it costs.
 //
-//     zo_bench                   10,000, 100,000 and 1,000,000 objects, the chain, reading a part, sums and
-//                                searches
+//     zo_bench                   10,000, 100,000 and 1,000,000 objects, the chain, objects that hold values,
+//     reading
+//                                a part, sums and searches
 //     zo_bench --quick           10,000 and 100,000 objects, no chain and no part
+//     zo_bench --large           10,000,000 objects too
 //     zo_bench --micro           sums and searches only
 //     zo_bench --filtered        reading a part of a file only
-//     zo_bench --runs N          timed runs of each case (5; 3 at 1,000,000), after one that is not timed
-//     zo_bench --cpu             count processor time, see below
-//     zo_bench --only NAME       one case in this process, for a profiler: zo-save-memory-1000000,
+//     zo_bench --shapes          objects that hold values and texts only
+//     zo_bench --runs N          timed runs of each case (5; 3 from 1,000,000 on), after the first in its
+//     process zo_bench --svg FILE        draws the frame of 1,000,000 objects (or the largest measured) as
+//     bars zo_bench --cpu             count processor time, see below zo_bench --only NAME       one case in
+//     this process, for a profiler: zo-save-memory-1000000,
 //                                boost-open-file-10000, zo-open-memory-chain ...
 //
 // "save" is the whole saving: opening the sink, the walk that collects the schema, uids, records, and, to a
 // file, ending it (without backup and without asking the device). "open" begins with the bytes, or with the
 // name of the file, and ends with the whole model linked and the reader's tables freed. "drop" is the model's
-// destruction, for information. Building is never timed. Times are the median; the least one is in
-// parentheses. On a machine that does other work too, --cpu counts the process's time on the processor
-// instead of time on the clock (not for sums and searches). "peak" is the most memory that the process ever
-// had: the model, the bytes and what the library needs beside them.
+// destruction, for information. Building is never timed. "fresh" is the first run of a process, the median of
+// three processes; "warm" is the median of the runs that follow in one process. On a machine that does other
+// work too, --cpu counts the process's time on the processor instead of time on the clock (not for sums and
+// searches). "peak" is the most memory that the process ever had: the model, the bytes and what the library
+// needs beside them.
 
 #include "bench.h"
+#include "chart.h"
+#include "measure.h"
 
-#include <pthread.h>
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <exception>
-#include <functional>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace bench {
 
 namespace {
 
-constexpr int MOST_RUNS = 100;
 constexpr std::size_t CHAIN = 1'000'000;
 constexpr std::size_t DEFAULT_STACK = 8u * 1024 * 1024;
 constexpr std::size_t VAST_STACK = 4ull * 1024 * 1024 * 1024;
@@ -50,170 +53,24 @@ struct Entry {
     const char* title;
     std::unique_ptr<Contender> (*make)();
 };
+/// Ours, then what is written by hand, then the peers.
 const Entry ENTRIES[] = {{"zo", "ours", MakeZo},
-                         {"floor", "floor (by hand)", MakeFloor},
-                         {"boost", "Boost.Serialization", MakeBoost},
-                         {"cereal", "cereal", MakeCereal}};
-constexpr int ENTRY_COUNT = 4;
+                         {"floor", "by hand, our objects", MakeFloor},
+                         {"plain", "by hand, std objects", MakePlainFloor},
+                         {"flatbuffers", "FlatBuffers, ids by hand", MakeFlatBuffers},
+                         {"protobuf", "protobuf, ids by hand", MakeProtobuf},
+                         {"qt", "Qt, ids by hand", MakeQt},
+                         {"cereal", "cereal", MakeCereal},
+                         {"boost", "Boost.Serialization", MakeBoost}};
+constexpr std::size_t ENTRY_COUNT = std::size(ENTRIES);
+constexpr std::size_t BY_HAND = 1;
+constexpr std::size_t FIRST_PEER = 3;
+constexpr int FRESH_PROCESSES = 3;
 
-enum Target { MEMORY, FILES };
 const char* const TARGETS[] = {"memory", "file"};
 
 std::string Path(const Entry& entry, const std::string& what) {
     return std::string(ZO_BENCH_FILES) + "/" + entry.name + "-" + what;
-}
-
-/// What a child reports, as it travels through the pipe.
-struct Result {
-    bool done = false;
-    bool overflowed = false; // known to the parent only
-    int runs = 0;
-    double times[MOST_RUNS] = {};
-    double drops[MOST_RUNS] = {};
-    std::uint64_t bytes = 0;
-    std::uint64_t peak = 0; // bytes
-    Digest digest;
-
-    double Time() const { return Median(std::vector<double>(times, times + runs)); }
-    double LeastTime() const { return Least(std::vector<double>(times, times + runs)); }
-    double Drop() const { return Median(std::vector<double>(drops, drops + runs)); }
-};
-
-std::uint64_t PeakMemory() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    std::uint64_t kib = static_cast<std::uint64_t>(usage.ru_maxrss);
-    if (FILE* status = std::fopen("/proc/self/status", "r")) {
-        char line[256];
-        unsigned long value = 0;
-        while (std::fgets(line, sizeof line, status) != nullptr) {
-            if (std::sscanf(line, "VmHWM: %lu kB", &value) == 1) kib = value;
-        }
-        std::fclose(status);
-    }
-    return kib * 1024;
-}
-
-std::uint64_t FileSize(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
-/// Runs `work` in a child. What it leaves in its result comes back; `done` is false when the child died.
-Result InChild(const std::function<void(Result&)>& work) {
-    int ends[2];
-    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-    std::fflush(stdout);
-    const pid_t child = fork();
-    if (child < 0) throw std::runtime_error("no process");
-    if (child == 0) {
-        const rlimit noCore{0, 0};
-        setrlimit(RLIMIT_CORE, &noCore);
-        Result result;
-        try {
-            work(result);
-            result.done = true;
-        } catch (const std::exception& error) {
-            std::fprintf(stderr, "zo_bench: %s\n", error.what());
-        }
-        const ssize_t written = write(ends[1], &result, sizeof result);
-        _exit(written == sizeof result ? 0 : 1); // the model goes with the process
-    }
-    close(ends[1]);
-    Result result;
-    std::size_t got = 0;
-    while (got < sizeof result) {
-        const ssize_t done = read(ends[0], reinterpret_cast<char*>(&result) + got, sizeof result - got);
-        if (done <= 0) break;
-        got += static_cast<std::size_t>(done);
-    }
-    close(ends[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (got != sizeof result) result = Result();
-    result.overflowed = WIFSIGNALED(status) && (WTERMSIG(status) == SIGSEGV || WTERMSIG(status) == SIGBUS);
-    return result;
-}
-
-/// Runs `work` on a thread with a stack of `size` bytes.
-void OnStack(std::size_t size, const std::function<void()>& work) {
-    struct Call {
-        const std::function<void()>& work;
-        std::exception_ptr error;
-    } call{work, nullptr};
-    const auto run = [](void* context) -> void* {
-        auto& called = *static_cast<Call*>(context);
-        try {
-            called.work();
-        } catch (...) {
-            called.error = std::current_exception();
-        }
-        return nullptr;
-    };
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, size);
-    pthread_t thread{};
-    if (pthread_create(&thread, &attributes, run, &call) != 0) throw std::runtime_error("no thread");
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-    if (call.error) std::rethrow_exception(call.error);
-}
-
-bool countsProcessorTime = false;
-
-/// In nanoseconds.
-double Clock() {
-    if (!countsProcessorTime) return Now();
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-}
-
-/// One run that is not timed, then `runs` that are.
-void TimeSaves(Contender& contender, Target target, const std::string& path, int runs, Result& result) {
-    Bytes bytes;
-    for (int run = -1; run < runs; ++run) {
-        bytes = Bytes();
-        // A new file each time: giving the old one's pages back is not part of saving.
-        if (target == FILES) unlink(path.c_str());
-        const double start = Clock();
-        if (target == MEMORY) {
-            bytes = contender.SaveMemory();
-        } else {
-            contender.SaveFile(path);
-        }
-        if (run >= 0) result.times[run] = Clock() - start;
-    }
-    result.runs = runs;
-    result.peak = PeakMemory();
-    if (target == MEMORY) bytes.Store(path);
-    result.bytes = FileSize(path);
-    result.digest = contender.Built();
-}
-
-void TimeOpens(Contender& contender, Target target, const std::string& path, int runs, Result& result) {
-    const Bytes bytes = target == MEMORY ? Bytes::Load(path) : Bytes();
-    for (int run = -1; run < runs; ++run) {
-        const double start = Clock();
-        if (target == MEMORY) {
-            contender.OpenMemory(bytes);
-        } else {
-            contender.OpenFile(path);
-        }
-        const double opened = Clock();
-        if (run < 0) {
-            result.peak = PeakMemory();
-            result.digest = contender.Opened();
-        }
-        const double dropping = Clock();
-        contender.DropOpened();
-        if (run < 0) continue;
-        result.times[run] = opened - start;
-        result.drops[run] = Clock() - dropping;
-    }
-    result.runs = runs;
-    result.bytes = FileSize(path);
 }
 
 void CompareFiles(const std::string& a, const std::string& b) {
@@ -235,61 +92,87 @@ std::string Grouped(std::size_t value) {
 
 double Mebi(std::uint64_t bytes) { return static_cast<double>(bytes) / (1024.0 * 1024.0); }
 
-void PrintRow(const Entry& entry, std::size_t objects, const Result& save, const Result& open) {
+/// One half of a case: `times` are nanoseconds per object.
+struct Half {
+    Result result; // of the process that also ran warm
+    double fresh = 0;
+    double warm = 0;
+};
+
+/// Runs one half in several processes: the first run of each, and in the first of them those that follow.
+template <class Work>
+Half Measure(std::size_t objects, int runs, const Work& work) {
+    Half half;
+    std::vector<double> fresh;
+    for (int process = 0; process < FRESH_PROCESSES; ++process) {
+        const Result result = InChild([&](Result& filled) { work(filled, process == 0 ? runs : 0); });
+        if (!result.done) throw std::runtime_error("a case failed");
+        if (process == 0) half.result = result;
+        fresh.push_back(result.fresh);
+    }
     const auto count = static_cast<double>(objects);
-    std::printf("  %-20s %6.0f (%5.0f)   %6.0f (%5.0f)   %6.0f   %7.1f   %7.0f   %7.0f\n", entry.title,
-                save.Time() / count, save.LeastTime() / count, open.Time() / count, open.LeastTime() / count,
-                open.Drop() / count, static_cast<double>(save.bytes) / count, Mebi(save.peak),
-                Mebi(open.peak));
+    half.fresh = Median(fresh) / count;
+    half.warm = half.result.Time() / count;
+    return half;
 }
 
-void PrintRatios(const char* what, const Result (&results)[ENTRY_COUNT], double target) {
-    const auto print = [&](double (Result::*time)() const) {
-        const double ours = (results[0].*time)();
-        const double floor = (results[1].*time)();
-        const double boost = (results[2].*time)();
-        const double cereal = (results[3].*time)();
-        const double peer = boost < cereal ? boost : cereal;
-        std::printf("%5.2f x the faster peer (>= %.1f: %s)   %5.2f x the floor (<= 2.0: %s)", peer / ours,
-                    target, peer / ours >= target ? "met" : "MISSED", ours / floor,
-                    ours / floor <= 2.0 ? "met" : "MISSED");
-    };
-    std::printf("  %-4s by medians: ", what);
-    print(&Result::Time);
-    std::printf("\n       by least:   ");
-    print(&Result::LeastTime);
+void PrintRow(const Entry& entry, std::size_t objects, const Half& save, const Half& open) {
+    const auto count = static_cast<double>(objects);
+    std::printf("  %-25s %5.0f / %5.0f   %5.0f / %5.0f   %5.0f   %6.1f   %7.0f   %7.0f\n", entry.title,
+                save.fresh, save.warm, open.fresh, open.warm, open.result.Drop() / count,
+                static_cast<double>(save.result.bytes) / count, Mebi(save.result.peak),
+                Mebi(open.result.peak));
+    std::fflush(stdout);
+}
+
+/// How ours stands beside the code by hand and beside the fastest peer.
+void PrintRatios(const char* what, const std::vector<Half>& halves, double most) {
+    std::printf("  %-4s", what);
+    for (const auto& [name, time] : {std::pair("fresh", &Half::fresh), std::pair("warm", &Half::warm)}) {
+        const double ours = halves[0].*time;
+        std::size_t fastest = FIRST_PEER;
+        for (std::size_t i = FIRST_PEER; i < ENTRY_COUNT; ++i) {
+            if (halves[i].*time < halves[fastest].*time) fastest = i;
+        }
+        const double ratio = ours / (halves[BY_HAND].*time);
+        std::printf("  %s: %.2f x by hand (<= %.2f: %s), %.2f x %s", name, ratio, most,
+                    ratio <= most ? "met" : "MISSED", ours / (halves[fastest].*time), ENTRIES[fastest].name);
+    }
     std::printf("\n");
 }
 
-void RunFrame(std::size_t objects, Target target, int runs) {
-    std::printf("\nFrame, %s objects, %s: ns per object\n", Grouped(objects).c_str(), TARGETS[target]);
-    std::printf("  %-20s %14s   %14s   %6s   %7s   %7s   %7s\n", "", "save (least)", "open (least)", "drop",
-                "bytes", "peak MiB", "peak");
-    std::printf("  %-20s %14s   %14s   %6s   %7s   %7s   %7s\n", "", "", "", "", "/object", "saving",
+void RunFrame(std::size_t objects, Target target, int runs, Chart& chart) {
+    std::printf("\nFrame, %s objects, %s: ns per object, fresh / warm\n", Grouped(objects).c_str(),
+                TARGETS[target]);
+    std::printf("  %-25s %13s   %13s   %5s   %6s   %7s   %7s\n", "", "save", "open", "drop", "bytes", "MiB",
+                "MiB");
+    std::printf("  %-25s %13s   %13s   %5s   %6s   %7s   %7s\n", "", "", "", "", "/obj.", "saving",
                 "opening");
-    Result saves[ENTRY_COUNT];
-    Result opens[ENTRY_COUNT];
+    std::vector<Half> saves;
+    std::vector<Half> opens;
     const std::string what = std::to_string(objects) + (target == MEMORY ? ".memory" : ".file");
-    for (int i = 0; i < ENTRY_COUNT; ++i) {
+    for (std::size_t i = 0; i < ENTRY_COUNT; ++i) {
         const Entry& entry = ENTRIES[i];
         const std::string path = Path(entry, what);
-        saves[i] = InChild([&](Result& result) {
+        saves.push_back(Measure(objects, runs, [&](Result& result, int warmRuns) {
             const auto contender = entry.make();
             contender->BuildFrame(objects);
-            TimeSaves(*contender, target, path, runs, result);
-        });
-        opens[i] = InChild([&](Result& result) { TimeOpens(*entry.make(), target, path, runs, result); });
-        if (!saves[i].done || !opens[i].done) throw std::runtime_error(std::string(entry.name) + " failed");
-        if (saves[i].digest != saves[0].digest || opens[i].digest != saves[0].digest ||
-            saves[i].digest.objects != objects) {
+            TimeSaves(*contender, target, path, warmRuns, result);
+        }));
+        opens.push_back(Measure(objects, runs, [&](Result& result, int warmRuns) {
+            TimeOpens(*entry.make(), target, path, warmRuns, result);
+        }));
+        const Digest& model = saves[0].result.digest;
+        if (saves[i].result.digest != model || opens[i].result.digest != model || model.objects != objects)
             throw std::runtime_error(std::string(entry.name) + " has another model");
-        }
-        if (i == 1) CompareFiles(Path(ENTRIES[0], what), path);
+        if (i != 0 && i < FIRST_PEER) CompareFiles(Path(ENTRIES[0], what), path);
         PrintRow(entry, objects, saves[i], opens[i]);
+        chart.Add(entry.title, target == FILES,
+                  {saves[i].fresh, saves[i].warm, opens[i].fresh, opens[i].warm});
     }
     for (const Entry& entry : ENTRIES) unlink(Path(entry, what).c_str());
-    PrintRatios("save", saves, 4.0);
-    PrintRatios("open", opens, 2.5);
+    PrintRatios("save", saves, 1.25);
+    PrintRatios("open", opens, 1.15);
 }
 
 /// Each half on a stack of 8 MiB. The bytes that a recursive library opens are made on a vast one.
@@ -298,7 +181,8 @@ void RunChain(int runs) {
                 Grouped(CHAIN).c_str());
     std::printf("  %-20s %16s   %16s\n", "", "save (least)", "open (least)");
     for (const Entry& entry : ENTRIES) {
-        if (entry.make == MakeFloor) continue;
+        if (entry.make != MakeZo && entry.make != MakeCereal && entry.make != MakeBoost)
+            continue; // ids by hand
         const std::string path = Path(entry, "chain");
         const Result save = InChild([&](Result& result) {
             const auto contender = entry.make();
@@ -398,19 +282,28 @@ int RunOnly(const std::string& name, int runs) {
 int Run(int count, char** arguments) {
     bool quick = false;
     bool micro = false;
+    bool large = false;
     bool filtered = false;
+    bool shapes = false;
     int runs = 0;
     std::string only;
+    std::string svg;
     for (int i = 1; i < count; ++i) {
         const std::string argument = arguments[i];
         if (argument == "--quick") {
             quick = true;
         } else if (argument == "--micro") {
             micro = true;
+        } else if (argument == "--large") {
+            large = true;
         } else if (argument == "--filtered") {
             filtered = true;
+        } else if (argument == "--shapes") {
+            shapes = true;
+        } else if (argument == "--svg" && i + 1 < count) {
+            svg = arguments[++i];
         } else if (argument == "--cpu") {
-            countsProcessorTime = true;
+            CountProcessorTime();
         } else if (argument == "--runs" && i + 1 < count) {
             runs = std::atoi(arguments[++i]);
         } else if (argument == "--only" && i + 1 < count) {
@@ -418,7 +311,8 @@ int Run(int count, char** arguments) {
         } else {
             std::fprintf(
                 stderr,
-                "usage: zo_bench [--quick | --micro | --filtered | --only NAME] [--cpu] [--runs N]\n");
+                "usage: zo_bench [--quick | --large | --micro | --filtered | --shapes | --only NAME]\n"
+                "                [--cpu] [--runs N] [--svg FILE]\n");
             return 2;
         }
     }
@@ -426,23 +320,28 @@ int Run(int count, char** arguments) {
     mkdir(ZO_BENCH_FILES, 0755);
     if (!only.empty()) return RunOnly(only, runs > 0 ? runs : 5);
     if (std::strcmp(ZO_BENCH_BUILD, "Release") != 0) std::printf("NOT A RELEASE BUILD: " ZO_BENCH_BUILD "\n");
-    if (filtered) {
-        RunFiltered(runs > 0 ? runs : 5);
-        return 0;
-    }
+    const int fewRuns = runs > 0 ? runs : 5;
+    if (filtered) RunFiltered(fewRuns);
+    if (shapes) RunShapes(fewRuns);
+    if (filtered || shapes) return 0;
     if (!micro) {
-        for (const std::size_t objects :
-             {std::size_t{10'000}, std::size_t{100'000}, std::size_t{1'000'000}}) {
-            if (quick && objects > 100'000) continue;
+        Chart chart;
+        std::vector<std::size_t> sizes{10'000, 100'000};
+        if (!quick) sizes.push_back(1'000'000);
+        if (large) sizes.push_back(10'000'000);
+        for (const std::size_t objects : sizes) {
+            if (objects <= 1'000'000) chart.Begin(Grouped(objects) + " objects");
             for (const Target target : {MEMORY, FILES})
-                RunFrame(objects, target, runs > 0 ? runs : objects < 1'000'000 ? 5 : 3);
+                RunFrame(objects, target, runs > 0 ? runs : objects < 1'000'000 ? 5 : 3, chart);
+            if (!svg.empty() && objects <= 1'000'000) chart.Store(svg);
         }
         if (!quick) {
             RunChain(runs > 0 ? runs : 3);
-            RunFiltered(runs > 0 ? runs : 5);
+            RunFiltered(fewRuns);
         }
+        RunShapes(fewRuns);
     }
-    RunMicro(runs > 0 ? runs : 5);
+    RunMicro(fewRuns);
     return 0;
 }
 

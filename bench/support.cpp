@@ -32,16 +32,8 @@ int Create(const std::string& path) {
 
 } // namespace
 
-Bytes::Bytes(Bytes&& other) noexcept
-    : block(std::exchange(other.block, nullptr)), count(std::exchange(other.count, 0)) {}
-
-Bytes& Bytes::operator=(Bytes&& other) noexcept {
-    std::swap(block, other.block);
-    std::swap(count, other.count);
-    return *this;
-}
-
-Bytes::~Bytes() { std::free(block); }
+Bytes::Bytes(unsigned char* taken, std::size_t size)
+    : block(taken), count(size), owner(taken, [](unsigned char* ended) { std::free(ended); }) {}
 
 void Bytes::Store(const std::string& path) const {
     const int file = Create(path);
@@ -54,9 +46,10 @@ Bytes Bytes::Load(const std::string& path) {
     struct stat status {};
     if (file < 0 || fstat(file, &status) != 0) throw std::runtime_error("cannot open " + path);
     const auto size = static_cast<std::size_t>(status.st_size);
-    Bytes bytes(static_cast<unsigned char*>(std::malloc(size)), size);
+    auto* block = static_cast<unsigned char*>(std::malloc(size));
+    Bytes bytes(block, size);
     for (std::size_t at = 0; at < size;) {
-        const ssize_t done = read(file, bytes.block + at, size - at);
+        const ssize_t done = read(file, block + at, size - at);
         if (done <= 0) throw std::runtime_error("cannot read " + path);
         at += static_cast<std::size_t>(done);
     }

@@ -119,6 +119,7 @@ class Pin : public Node {
 };
 
 struct Classes {
+    using Entity = zo::Entity;
     using Building = zo::Building;
     using Storey = zo::Storey;
     using Node = zo::Node;
@@ -139,6 +140,10 @@ struct Classes {
     static void Add(List& list, const Holder<T>& item) {
         list.Add(item.get());
     }
+    template <class List, class T>
+    static void Add(List& list, T* item) {
+        list.Add(item);
+    }
     static void Add(TDVector<double>& list, double value) { list.Add(value); }
     template <class List>
     static auto HolderOf(List& list) {
@@ -149,7 +154,21 @@ struct Classes {
         return link.get();
     }
     static void SetBlob(ZoBlob& blob, const void* data, unsigned size) { blob.Assign(data, size); }
+    static const void* BlobData(const ZoBlob& blob) { return blob.Data(); }
     static std::size_t BlobSize(const ZoBlob& blob) { return static_cast<std::size_t>(blob.Size()); }
+    static void SetText(ZoString& text, const char* bytes, unsigned count) { text.Assign(bytes, count); }
+    static void SetNumbers(TDVector<double>& list, const unsigned char* bytes, std::size_t count) {
+        list.Reserve(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            double value = 0;
+            std::memcpy(&value, bytes + i * sizeof value, sizeof value);
+            list.Add(value);
+        }
+    }
+    template <class List>
+    static void Reserve(List& list, std::size_t count) {
+        list.Reserve(count);
+    }
 };
 
 /// The application's schema, with the classes in the order in which they stand above.

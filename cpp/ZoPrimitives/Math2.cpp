@@ -1,6 +1,8 @@
 #include "ZoPrimitives/Math2.h"
 
-#include "ZoPrimitives/Length.h"
+#include "ZoPrimitives/Components.h"
+#include "ZoPrimitives/FullTurn.h"
+#include "ZoPrimitives/NumberText.h"
 #include "ZoPrimitives/Saturated.h"
 #include "ZoPrimitives/grandeza.h"
 
@@ -10,13 +12,12 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <system_error>
+#include <string>
+#include <string_view>
 
 namespace ZoPrimitives {
 
 namespace {
-
-constexpr double TWO_PI = 6.283185307179586;
 
 constexpr double TOLERANCES[] = {1e0,   1e-1,  1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e-7,
                                  1e-8,  1e-9,  1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15,
@@ -32,24 +33,24 @@ double Tolerance(unsigned precision) {
     return TOLERANCES[precision];
 }
 
-/// The double nearest to 10 to the power, which `sign` leads; infinite or 0 when out of range.
-double Power(char sign, unsigned exponent) {
-    char text[16] = {'1', 'e', sign};
-    const char* end = std::to_chars(text + 3, text + sizeof(text), exponent).ptr;
-    double power = 0;
-    if (std::from_chars(text, end, power).ec == std::errc()) return power;
-    return sign == '-' ? 0 : std::numeric_limits<double>::infinity();
-}
+/// The power that `start`, "1e" or "1e-", leads; infinite or 0 when out of range.
+double Power(const char* start, unsigned exponent) { return RealOf(start + std::to_string(exponent)); }
 
-/// 10^exponent: exact up to 22, infinite from 309 on.
 double PowerOfTen(unsigned exponent) {
-    if (exponent < std::size(EXACT_POWERS)) return EXACT_POWERS[exponent];
-    return exponent <= MAX_DECIMALS ? Power('+', exponent) : std::numeric_limits<double>::infinity();
+    return exponent < std::size(EXACT_POWERS) ? EXACT_POWERS[exponent] : Power("1e", exponent);
 }
 
 /// 10^-exponent.
 double InversePowerOfTen(unsigned exponent) {
-    return exponent <= 20 ? TOLERANCES[exponent] : Power('-', exponent);
+    return exponent <= 20 ? TOLERANCES[exponent] : Power("1e-", exponent);
+}
+
+/// The power of ten of the first digit; of a number that is finite.
+int DecimalExponent(double value) {
+    char text[32];
+    const char* end = std::to_chars(text, text + sizeof(text), value, std::chars_format::scientific).ptr;
+    const std::string_view all(text, static_cast<std::size_t>(end - text));
+    return IntOf(all.substr(all.find('e') + 1));
 }
 
 /// Multiplies by 10 until the magnitude, not 0, reaches `low`; returns the number of steps.
@@ -76,6 +77,15 @@ int Normalise(double& value, unsigned intDigits) {
     return Greater(magnitude, limit, 20) ? ScaleDown(value, limit) : -ScaleUp(value, limit / 10);
 }
 
+/// So many that `value`, divided by 10^exponent, shows as many digits as with one before the point.
+unsigned WidenedDecimals(double value, int exponent, unsigned decimals) {
+    if (value == 0) return decimals;
+    const long long zeros = static_cast<long long>(exponent) - DecimalExponent(value);
+    if (zeros < 0) return std::max(decimals, 2u);
+    if (decimals >= MAX_DECIMALS || Equal(value, 0, 20)) return decimals;
+    return decimals + static_cast<unsigned>(std::min<long long>(zeros, MAX_DECIMALS - decimals));
+}
+
 ZoString WithExponent(const ZoString& mantissa, int exponent) {
     return exponent != 0 ? mantissa + "x10^" + exponent : mantissa;
 }
@@ -86,7 +96,7 @@ bool Equal(double a, double b, unsigned precision) { return Tolerance(precision)
 
 bool Equal(const GAngulo& a, const GAngulo& b, unsigned precision) {
     const auto turns = [&](double none, double full) {
-        return Equal(none, 0, precision) && Equal(full, TWO_PI, precision);
+        return Equal(none, 0, precision) && Equal(full, FULL_TURN, precision);
     };
     return turns(a, b) || turns(b, a) || Equal(double{a}, double{b}, precision);
 }
@@ -157,12 +167,12 @@ double RoundNearest(long double x) {
 int RoundUp(long double x) { return Saturated(std::ceil(static_cast<double>(x))); }
 
 double AdjustAngle(double x) {
-    const double rest = x - Saturated(x / TWO_PI) * TWO_PI;
-    return rest < 0 ? rest + TWO_PI : rest;
+    const double rest = x - Saturated(x / FULL_TURN) * FULL_TURN;
+    return rest < 0 ? rest + FULL_TURN : rest;
 }
 
 double ExAdjustAngle(double angle, unsigned precision, bool radians) {
-    const double full = radians ? ExRound(TWO_PI, precision) : 360.0;
+    const double full = radians ? ExRound(FULL_TURN, precision) : 360.0;
     const double x = ExRound(angle, precision);
     const double rest = ExRound(x - Saturated(x / full) * full, precision);
     return Less(rest, 0.0, precision) ? rest + full : rest;
@@ -196,7 +206,7 @@ long double Distance(long double x1, long double y1, long double z1, long double
     const double x = static_cast<double>(x2) - static_cast<double>(x1);
     const double y = static_cast<double>(y2) - static_cast<double>(y1);
     const double z = static_cast<double>(z2) - static_cast<double>(z1);
-    return Length(x, y, z);
+    return Length({x, y, z});
 }
 
 bool IsNan(double x) { return std::isnan(x); }
@@ -275,15 +285,7 @@ ZoString FormatFloatInScientificNotationWithFixedExponent(double value, int expo
         mantissa *= step;
     if (!std::isfinite(mantissa)) return "nan";
 
-    unsigned wanted = decimals;
-    if (!Less(std::abs(mantissa), 10, 20)) {
-        wanted = std::max(decimals, 2u);
-    } else if (!Equal(value, 0, 20) && decimals < MAX_DECIMALS) {
-        double normal = value;
-        const long long missing = static_cast<long long>(exponent) - Normalise(normal, 1);
-        wanted +=
-            static_cast<unsigned>(std::clamp(missing, 0LL, static_cast<long long>(MAX_DECIMALS - decimals)));
-    }
+    const unsigned wanted = WidenedDecimals(value, exponent, decimals);
     return WithExponent(FormatFloat(mantissa, wanted, keepZeros, separator), exponent);
 }
 

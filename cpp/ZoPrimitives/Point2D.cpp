@@ -1,7 +1,8 @@
 #include "ZoPrimitives/Point2D.h"
 
+#include "ZoPrimitives/Components.h"
+#include "ZoPrimitives/FullTurn.h"
 #include "ZoPrimitives/InputStreamer.h"
-#include "ZoPrimitives/Length.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/Point3D.h"
 #include "ZoPrimitives/PointClass.h"
@@ -9,7 +10,6 @@
 #include "ZoPrimitives/TVector2D.h"
 #include "ZoPrimitives/TVector3D.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace ZoPrimitives {
@@ -41,7 +41,7 @@ bool Point2D::operator<(const Point2D& other) const {
     return xValue < other.xValue || (xValue == other.xValue && yValue < other.yValue);
 }
 bool Point2D::operator<=(const Point2D& other) const { return *this == other || *this < other; }
-bool Point2D::operator>(const Point2D& other) const { return !(*this == other) && !(*this < other); }
+bool Point2D::operator>(const Point2D& other) const { return !(*this <= other); }
 bool Point2D::operator>=(const Point2D& other) const { return *this == other || !(*this < other); }
 
 Point2D Point2D::operator+(const Point2D& other) const {
@@ -73,7 +73,7 @@ Point2D Point2D::Minor(const Point2D& other, unsigned precision) const {
 }
 
 double Point2D::Distance(const Point2D& other) const {
-    return Length(other.xValue - xValue, other.yValue - yValue);
+    return Length({other.xValue - xValue, other.yValue - yValue});
 }
 
 Point2D& Point2D::Move(double dx, double dy) {
@@ -83,7 +83,7 @@ Point2D& Point2D::Move(double dx, double dy) {
 }
 
 Point2D& Point2D::Rotate(double angle) {
-    const double theta = 6.283185307179586 - angle;
+    const double theta = FULL_TURN - angle;
     const double cosine = std::cos(theta);
     const double sine = std::sin(theta);
     const double oldX = xValue;
@@ -120,10 +120,14 @@ TQuadrant Point2D::Quadrant(unsigned precision) const {
 }
 
 bool Point2D::IsInSegment(const Point2D& a, const Point2D& b, unsigned precision) const {
-    const TVector2D whole(a, b);
-    const double square = whole.DotProduct(whole);
-    const double part = square > 0 ? TVector2D(a, *this).DotProduct(whole) / square : 0;
-    return Equal(a + whole * std::clamp(part, 0.0, 1.0), precision);
+    if (Equal(a, precision) || Equal(b, precision)) return true;
+    const Point2D start = a / 2; // halves, whose differences do not overflow
+    const TVector2D whole(start, b / 2), part(start, *this / 2);
+    const Components axis{whole.X(), whole.Y()};
+    const int scale = ScaleOf(axis);
+    const Components scaled = Scaled(axis, scale);
+    const double t = Dot(Scaled({part.X(), part.Y()}, scale), scaled) / Dot(scaled, scaled);
+    return t > 0 && t < 1 && ((part - whole * t) * 2).Equal({}, precision);
 }
 
 ZoString Point2D::ToString() const { return ZoString("x:") + xValue + " | y:" + yValue; }

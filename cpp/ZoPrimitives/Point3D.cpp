@@ -1,8 +1,8 @@
 #include "ZoPrimitives/Point3D.h"
 
 #include "ZoPrimitives/Checksum.h"
+#include "ZoPrimitives/Components.h"
 #include "ZoPrimitives/InputStreamer.h"
-#include "ZoPrimitives/Length.h"
 #include "ZoPrimitives/NumberText.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
@@ -58,7 +58,7 @@ bool Point3D::operator<(const Point3D& other) const {
     return Z() < other.Z();
 }
 bool Point3D::operator<=(const Point3D& other) const { return *this == other || *this < other; }
-bool Point3D::operator>(const Point3D& other) const { return !(*this == other) && !(*this < other); }
+bool Point3D::operator>(const Point3D& other) const { return !(*this <= other); }
 bool Point3D::operator>=(const Point3D& other) const { return *this == other || !(*this < other); }
 
 Point3D Point3D::operator+(const Point3D& other) const {
@@ -90,7 +90,7 @@ bool Point3D::Less(const Point3D& other, unsigned precision) const {
 }
 
 double Point3D::Distance(const Point3D& other) const {
-    return Length(other.X() - X(), other.Y() - Y(), other.Z() - Z());
+    return Length({other.X() - X(), other.Y() - Y(), other.Z() - Z()});
 }
 
 Point3D& Point3D::Move(double dx, double dy, double dz) { return *this += Point3D(dx, dy, dz); }

@@ -1,9 +1,8 @@
 #include "ZoPrimitives/TVector2D.h"
 
-#include "ZoPrimitives/Length.h"
+#include "ZoPrimitives/Components.h"
 #include "ZoPrimitives/PointClass.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace ZoPrimitives {
@@ -12,11 +11,7 @@ ZO_POINT_BODY(TVector2D)
 
 namespace {
 
-/// Times the power of two that keeps products of its components in range.
-TVector2D Scaled(const TVector2D& v) {
-    const int scale = ScaleOf(v.X(), v.Y());
-    return {std::scalbn(v.X(), scale), std::scalbn(v.Y(), scale)};
-}
+Components Of(const Point2D& v) { return {v.X(), v.Y()}; }
 
 } // namespace
 
@@ -38,16 +33,13 @@ TVector2D TVector2D::operator-() const { return {-X(), -Y()}; }
 TVector2D TVector2D::operator*(double factor) const { return {X() * factor, Y() * factor}; }
 TVector2D TVector2D::operator/(double divisor) const { return {X() / divisor, Y() / divisor}; }
 
-double TVector2D::Magnitude() const { return Length(X(), Y()); }
+double TVector2D::Magnitude() const { return Length(Of(*this)); }
 
 bool TVector2D::MagnitudeGreaterThanZero() const { return Greater(Magnitude(), 0, 6); }
 
 TVector2D& TVector2D::Normalize() {
-    const double magnitude = Magnitude();
-    if (!(magnitude > 0)) return *this;
-    if (IsModerate(magnitude)) return *this = *this / magnitude;
-    const TVector2D scaled = Scaled(*this);
-    return *this = scaled / scaled.Magnitude();
+    const Components unit = Unit(Of(*this));
+    return *this = TVector2D(unit.x, unit.y);
 }
 
 TVector2D TVector2D::Normalized() const { return TVector2D(*this).Normalize(); }
@@ -56,19 +48,10 @@ double TVector2D::DotProduct(const Point2D& other) const { return X() * other.X(
 
 double TVector2D::CrossProduct(const Point2D& other) const { return X() * other.Y() - Y() * other.X(); }
 
-double TVector2D::Angle(const TVector2D& other) const {
-    const double magnitude = Magnitude();
-    const double otherMagnitude = other.Magnitude();
-    if (magnitude == 0 || otherMagnitude == 0) return 0;
-    const double product = magnitude * otherMagnitude;
-    if (IsModerate(product)) return std::acos(std::clamp(DotProduct(other) / product, -1.0, 1.0));
-    const TVector2D a = Scaled(*this), b = Scaled(other);
-    return std::acos(std::clamp(a.DotProduct(b) / (a.Magnitude() * b.Magnitude()), -1.0, 1.0));
-}
+double TVector2D::Angle(const TVector2D& other) const { return std::acos(Cosine(Of(*this), Of(other))); }
 
 double TVector2D::SignedAngle(const TVector2D& other) const {
-    const double angle = Angle(other);
-    return Scaled(*this).CrossProduct(Scaled(other)) < 0 ? -angle : angle;
+    return ZoPrimitives::SignedAngle(Of(*this), Of(other), {0, 0, 1});
 }
 
 } // namespace ZoPrimitives

@@ -1,12 +1,11 @@
 #include "ZoPrimitives/TVector3D.h"
 
+#include "ZoPrimitives/Components.h"
 #include "ZoPrimitives/InputStreamer.h"
-#include "ZoPrimitives/Length.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/PointClass.h"
 #include "ZoPrimitives/TTransformation.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace ZoPrimitives {
@@ -15,11 +14,9 @@ ZO_POINT_BODY(TVector3D)
 
 namespace {
 
-/// Times the power of two that keeps products of its components in range.
-TVector3D Scaled(const TVector3D& v) {
-    const int scale = ScaleOf(v.X(), v.Y(), v.Z());
-    return {std::scalbn(v.X(), scale), std::scalbn(v.Y(), scale), std::scalbn(v.Z(), scale)};
-}
+Components Of(const Point3D& v) { return {v.X(), v.Y(), v.Z()}; }
+
+TVector3D Vector(const Components& v) { return {v.x, v.y, v.z}; }
 
 } // namespace
 
@@ -45,46 +42,26 @@ TVector3D TVector3D::operator-() const { return {-X(), -Y(), -Z()}; }
 TVector3D TVector3D::operator*(double factor) const { return {X() * factor, Y() * factor, Z() * factor}; }
 TVector3D TVector3D::operator/(double divisor) const { return {X() / divisor, Y() / divisor, Z() / divisor}; }
 
-double TVector3D::Magnitude() const { return Length(X(), Y(), Z()); }
+double TVector3D::Magnitude() const { return Length(Of(*this)); }
 
 bool TVector3D::MagnitudeGreaterThanZero() const { return Greater(Magnitude(), 0, 6); }
 
-TVector3D& TVector3D::Normalize() {
-    const double magnitude = Magnitude();
-    if (!(magnitude > 0)) return *this;
-    if (IsModerate(magnitude)) return *this = *this / magnitude;
-    const TVector3D scaled = Scaled(*this);
-    return *this = scaled / scaled.Magnitude();
-}
+TVector3D& TVector3D::Normalize() { return *this = Vector(Unit(Of(*this))); }
 
 TVector3D TVector3D::Normalized() const { return TVector3D(*this).Normalize(); }
 
-double TVector3D::DotProduct(const Point3D& other) const {
-    return X() * other.X() + Y() * other.Y() + Z() * other.Z();
-}
+double TVector3D::DotProduct(const Point3D& other) const { return Dot(Of(*this), Of(other)); }
 
-TVector3D TVector3D::CrossProduct(const Point3D& other) const {
-    return {Y() * other.Z() - Z() * other.Y(), Z() * other.X() - X() * other.Z(),
-            X() * other.Y() - Y() * other.X()};
-}
+TVector3D TVector3D::CrossProduct(const Point3D& other) const { return Vector(Cross(Of(*this), Of(other))); }
 
 TVector3D TVector3D::Abs() const { return {std::abs(X()), std::abs(Y()), std::abs(Z())}; }
 
 double TVector3D::Angle(const TVector3D& other) const { return std::acos(CosAngle(other)); }
 
-double TVector3D::CosAngle(const TVector3D& other) const {
-    const double magnitude = Magnitude();
-    const double otherMagnitude = other.Magnitude();
-    if (magnitude == 0 || otherMagnitude == 0) return 1;
-    const double product = magnitude * otherMagnitude;
-    if (IsModerate(product)) return std::clamp(DotProduct(other) / product, -1.0, 1.0);
-    const TVector3D a = Scaled(*this), b = Scaled(other);
-    return std::clamp(a.DotProduct(b) / (a.Magnitude() * b.Magnitude()), -1.0, 1.0);
-}
+double TVector3D::CosAngle(const TVector3D& other) const { return Cosine(Of(*this), Of(other)); }
 
 double TVector3D::SignedAngle(const TVector3D& other, const TVector3D& normal) const {
-    const double angle = Angle(other);
-    return Scaled(*this).CrossProduct(Scaled(other)).DotProduct(Scaled(normal)) < 0 ? -angle : angle;
+    return ZoPrimitives::SignedAngle(Of(*this), Of(other), Of(normal));
 }
 
 double TVector3D::SignedAngle(const TVector3D& other) const { return SignedAngle(other, {0, 0, 1}); }
@@ -104,7 +81,7 @@ bool TVector3D::CoplanarTo(const TVector3D& b, const TVector3D& c, unsigned prec
 }
 
 TVector3D TVector3D::Project(const TVector3D& other) const {
-    const TVector3D axis = Scaled(other);
+    const TVector3D axis = Vector(Scaled(Of(other)));
     const double square = axis.DotProduct(axis);
     return square == 0 ? TVector3D() : axis * (DotProduct(axis) / square);
 }

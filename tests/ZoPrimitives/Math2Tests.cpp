@@ -9,8 +9,11 @@
 
 #include <climits>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 using namespace ZoPrimitives;
 
@@ -20,44 +23,52 @@ constexpr double PI = 3.141592653589793;
 constexpr double INF = std::numeric_limits<double>::infinity();
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
-/// The same bits, or both NaN.
-void ExpectSame(double actual, double expected, const char* name) {
-    if (std::isnan(expected)) {
-        EXPECT_TRUE(std::isnan(actual)) << name << ": " << actual;
-    } else {
-        EXPECT_EQ(actual, expected) << name;
-        EXPECT_EQ(std::signbit(actual), std::signbit(expected)) << name;
+struct Row {
+    const char* name;
+    double actual, expected;
+};
+
+/// Each has the bits expected, or both are NaN.
+void Expect(std::initializer_list<Row> rows) {
+    for (const auto& [name, actual, expected] : rows) {
+        const bool same = actual == expected && std::signbit(actual) == std::signbit(expected);
+        EXPECT_TRUE(same || (std::isnan(actual) && std::isnan(expected))) << name << ": " << actual;
     }
 }
+
+double PowerOfTen(int exponent) { return std::stod("1e" + std::to_string(exponent)); }
 
 TEST(Math2Test, ComparesWithinTheTolerance) {
     const struct {
         const char* name;
         double a, b;
         unsigned precision;
-        bool equal, less, lessEqual, greater, greaterEqual;
+        const char* held;
     } cases[] = {
-        {"within", 1.0, 1.00005, 4, true, false, true, false, true},
-        {"the tolerance itself", 0.0, 0.0001, 4, false, true, true, false, false},
-        {"outside", 1.0, 1.0002, 4, false, true, true, false, false},
-        {"greater", 1.0002, 1.0, 4, false, false, false, true, true},
-        {"whole numbers", 1.0, 1.9, 0, true, false, true, false, true},
-        {"precision 20", 0.0, 1e-21, 20, true, false, true, false, true},
-        {"precision 21, the same", 3.0, 3.0, 21, false, false, false, true, true},
-        {"precision 22, the same", 3.0, 3.0, 22, false, false, false, true, true},
-        {"precision 22, less", 3.0, 4.0, 22, false, true, true, false, false},
-        {"NaN", NOT_A_NUMBER, 1.0, 4, false, false, false, true, true},
-        {"infinity and itself", INF, INF, 4, false, false, false, true, true},
-        {"infinity", -INF, INF, 4, false, true, true, false, false},
+        {"within", 1.0, 1.00005, 4, "Equal LessEqual GreaterEqual"},
+        {"the tolerance itself", 0.0, 0.0001, 4, "Different Less LessEqual"},
+        {"outside", 1.0, 1.0002, 4, "Different Less LessEqual"},
+        {"greater", 1.0002, 1.0, 4, "Different Greater GreaterEqual"},
+        {"precision 21, the same", 3.0, 3.0, 21, "Different Greater GreaterEqual"},
+        {"precision 22, the same", 3.0, 3.0, 22, "Different Greater GreaterEqual"},
+        {"precision 22, less", 3.0, 4.0, 22, "Different Less LessEqual"},
+        {"NaN", NOT_A_NUMBER, 1.0, 4, "Different Greater GreaterEqual"},
+        {"infinity and itself", INF, INF, 4, "Different Greater GreaterEqual"},
+        {"infinity", -INF, INF, 4, "Different Less LessEqual"},
     };
-    for (const auto& row : cases) {
-        const auto [name, a, b, precision, equal, less, lessEqual, greater, greaterEqual] = row;
-        EXPECT_EQ(Equal(a, b, precision), equal) << name;
-        EXPECT_EQ(Different(a, b, precision), !equal) << name;
-        EXPECT_EQ(Less(a, b, precision), less) << name;
-        EXPECT_EQ(LessEqual(a, b, precision), lessEqual) << name;
-        EXPECT_EQ(Greater(a, b, precision), greater) << name;
-        EXPECT_EQ(GreaterEqual(a, b, precision), greaterEqual) << name;
+    for (const auto& [name, a, b, precision, held] : cases) {
+        std::string all = Equal(a, b, precision) ? "Equal" : "";
+        if (Different(a, b, precision)) all += "Different";
+        if (Less(a, b, precision)) all += " Less";
+        if (LessEqual(a, b, precision)) all += " LessEqual";
+        if (Greater(a, b, precision)) all += " Greater";
+        if (GreaterEqual(a, b, precision)) all += " GreaterEqual";
+        EXPECT_EQ(all, held) << name;
+    }
+    for (unsigned precision = 0; precision <= 20; ++precision) {
+        const double tolerance = PowerOfTen(-static_cast<int>(precision));
+        EXPECT_FALSE(Equal(0, tolerance, precision)) << precision;
+        EXPECT_TRUE(Equal(std::nextafter(tolerance, 0), 0, precision)) << precision;
     }
     for (const unsigned precision : {23u, UINT_MAX}) {
         EXPECT_EQ(AssertionOf([&] { Equal(1, 1, precision); }).expression, "precision <= 22");
@@ -75,36 +86,31 @@ TEST(Math2Test, FullTurnIsNoTurn) {
 }
 
 TEST(Math2Test, ChoosesAndBounds) {
-    const struct {
-        const char* name;
-        double actual, expected;
-    } cases[] = {
-        {"least of two", Min(1, 2, 4), 1},
+    Expect({
+        {"least, first", Min(1, 2, 4), 1},
         {"least, second", Min(2, 1, 4), 1},
         {"tie of the least", Min(1.0, 1.00001, 4), 1.00001},
+        {"greatest, first", Max(2, 1, 4), 2},
+        {"greatest, second", Max(1, 2, 4), 2},
         {"tie of the greatest", Max(1.00001, 1.0, 4), 1.0},
-        {"greatest", Max(2, 1, 4), 2},
         {"clamped above", Clamp(15, 10, 0), 10},
         {"clamped below", Clamp(-3, 10, 0), 0},
-        {"a bound within its tolerance", Clamp(10.00001, 10, 0), 10.00001},
         {"inside", Clamp(5, 10, 0), 5},
-    };
-    for (const auto& row : cases) ExpectSame(row.actual, row.expected, row.name);
-
-    EXPECT_TRUE(Between(5, 0, 10, 3));
-    EXPECT_FALSE(Between(10, 0, 10, 3));
-    EXPECT_FALSE(Between(0.0005, 0, 10, 3));
-    EXPECT_TRUE(BetweenEqual(10.0005, 0, 10, 3));
-    EXPECT_FALSE(BetweenEqual(-0.001, 0, 10, 3));
-    EXPECT_FALSE(BetweenEqual(NOT_A_NUMBER, 0, 10, 3));
+        {"equal to the upper bound", Clamp(10.00009, 10, 0), 10.00009},
+        {"equal to the lower bound", Clamp(-0.00009, 10, 0), -0.00009},
+        {"beyond its tolerance", Clamp(10.0002, 10, 0), 10},
+        {"below its tolerance", Clamp(-0.0002, 10, 0), 0},
+        {"bounds that cross: the lower one", Clamp(5, 0, 10), 10},
+    });
+    EXPECT_TRUE(Between(5, 0, 10, 3) && BetweenEqual(10.0005, 0, 10, 3) && BetweenEqual(-0.0005, 0, 10, 3));
+    EXPECT_FALSE(Between(10, 0, 10, 3) || Between(0.0005, 0, 10, 3) || BetweenEqual(-0.001, 0, 10, 3) ||
+                 BetweenEqual(10.002, 0, 10, 3) || BetweenEqual(NOT_A_NUMBER, 0, 10, 3));
 }
 
 // What the steps of binary arithmetic give, from a Python script.
 TEST(Math2Test, RoundsStepByStep) {
-    const struct {
-        const char* name;
-        double actual, expected;
-    } cases[] = {
+    const auto toInt = [](auto x) { return static_cast<double>(RoundUp(x)); };
+    Expect({
         {"half", ExRound(2.5, 0), 3},
         {"negative half", ExRound(-2.5, 0), -3},
         {"half of a decimal", ExRound(1.25, 1), 1.3},
@@ -114,11 +120,13 @@ TEST(Math2Test, RoundsStepByStep) {
         {"the double before a half", ExRound(0.49999999999999994, 0), 1},
         {"carries", ExRound(0.9999999, 3), 1},
         {"negative to zero", ExRound(-0.4, 0), -0.0},
+        {"negative zero", ExRound(-0.0, 0), 0.0},
         {"large with decimals", ExRound(123456789.125, 2), 123456789.13},
         {"last with a half", ExRound(4503599627370495.5, 0), 4503599627370496},
         {"2^53", ExRound(9007199254740993.0, 3), 9007199254740992},
         {"huge", ExRound(-1e308, 20), -1e308},
-        {"small", ExRound(6e-30, 29), 1.0000000000000001e-29},
+        {"half a unit of 20 decimals", ExRound(6e-21, 20), 1e-20},
+        {"half a unit of 29 decimals", ExRound(6e-30, 29), 1.0000000000000001e-29},
         {"308 decimals", ExRound(0.5, 308), 0.5},
         {"309 decimals", ExRound(0.5, 309), NOT_A_NUMBER},
         {"infinity", ExRound(INF, 2), NOT_A_NUMBER},
@@ -144,29 +152,18 @@ TEST(Math2Test, RoundsStepByStep) {
         {"above half", RoundNearest(2.5000000000000004), 3},
         {"long double as double", Round(2.49999999999999999999L), 3},
         {"halves of an infinity", RoundNearest(INF), INF},
-    };
-    for (const auto& row : cases) ExpectSame(row.actual, row.expected, row.name);
-
-    const struct {
-        const char* name;
-        int actual, expected;
-    } integers[] = {
-        {"upwards to int", RoundUp(1.0000001), 2},
-        {"of float", RoundUp(-1.5F), -1},
-        {"of int", RoundUp(7), 7},
-        {"beyond int", RoundUp(2147483646.5), INT_MAX},
-        {"far beyond int", RoundUp(1e300), INT_MAX},
-        {"infinity to int", RoundUp(-INF), INT_MIN},
-        {"NaN to int", RoundUp(NOT_A_NUMBER), 0},
-    };
-    for (const auto& row : integers) EXPECT_EQ(row.actual, row.expected) << row.name;
+        {"upwards to int", toInt(1.0000001), 2},
+        {"of float", toInt(-1.5F), -1},
+        {"of int", toInt(7), 7},
+        {"the last int", toInt(2147483646.5), INT_MAX},
+        {"far beyond int", toInt(1e300), INT_MAX},
+        {"infinity to int", toInt(-INF), INT_MIN},
+        {"NaN to int", toInt(NOT_A_NUMBER), 0},
+    });
 }
 
 TEST(Math2Test, BringsAnglesIntoOneTurn) {
-    const struct {
-        const char* name;
-        double actual, expected;
-    } cases[] = {
+    Expect({
         {"negative", AdjustAngle(-PI / 2), 3 * PI / 2},
         {"a turn", AdjustAngle(2 * PI), 0},
         {"many turns", AdjustAngle(1e10), 5.773954391479492},
@@ -177,26 +174,33 @@ TEST(Math2Test, BringsAnglesIntoOneTurn) {
         {"degrees", ExAdjustAngle(-90, 2, false), 270},
         {"two turns", ExAdjustAngle(720, 2, false), 0},
         {"rounded to a turn", ExAdjustAngle(359.999, 2, false), 0},
+        {"rounded without its turn", ExAdjustAngle(365.1, 1, false), 5.1},
         {"rounded radians", ExAdjustAngle(2 * PI + 1, 2, true), 1},
         {"negative radians", ExAdjustAngle(-1, 0, true), 5},
+        {"turns that rounding counts one short", ExAdjustAngle(19 * 6.28, 2, true), 6.28},
         {"beyond 32 bits", ExAdjustAngle(1e300, 2, false), 1e300},
         {"infinite degrees", ExAdjustAngle(INF, 2, false), NOT_A_NUMBER},
-    };
-    for (const auto& row : cases) ExpectSame(row.actual, row.expected, row.name);
+    });
 }
 
 TEST(Math2Test, SolvesQuadratics) {
+    const struct {
+        const char* name;
+        double a, b, c, x1, x2;
+    } cases[] = {
+        {"two roots", 2, -6, 4, 2, 1},
+        {"in the other order", -1, 3, -2, 1, 2},
+        {"one root", 1, -2, 1, 1, 1},
+        {"no square", 0, 2, 1, NOT_A_NUMBER, -INF},
+        {"NaN", NOT_A_NUMBER, 2, 1, NOT_A_NUMBER, NOT_A_NUMBER},
+    };
     double x1 = 7, x2 = 8;
     EXPECT_FALSE(Bhaskara(x1, x2, 1, 0, 1));
     EXPECT_TRUE(x1 == 7 && x2 == 8);
-    EXPECT_TRUE(Bhaskara(x1, x2, 1, -3, 2));
-    EXPECT_TRUE(x1 == 2 && x2 == 1);
-    EXPECT_TRUE(Bhaskara(x1, x2, -1, 3, -2));
-    EXPECT_TRUE(x1 == 1 && x2 == 2);
-    EXPECT_TRUE(Bhaskara(x1, x2, 0, 2, 1));
-    EXPECT_TRUE(std::isnan(x1) && x2 == -INF);
-    EXPECT_TRUE(Bhaskara(x1, x2, NOT_A_NUMBER, 2, 1));
-    EXPECT_TRUE(std::isnan(x1) && std::isnan(x2));
+    for (const auto& row : cases) {
+        EXPECT_TRUE(Bhaskara(x1, x2, row.a, row.b, row.c)) << row.name;
+        Expect({{row.name, x1, row.x1}, {row.name, x2, row.x2}});
+    }
 }
 
 TEST(Math2Test, InterpolatesInTheTypeOfItsArguments) {
@@ -223,13 +227,12 @@ TEST(Math2Test, CountsAndMeasures) {
 }
 
 TEST(Math2Test, ReadsHexadecimalDigits) {
-    const struct {
-        const char* text;
-        int value;
-    } cases[] = {
+    const std::pair<const char*, int> cases[] = {
         {"0xff", 255},
         {"0XFF", 255},
         {"1G2", 1},
+        {"1g2", 1},
+        {"a/", 10},
         {"", 0},
         {nullptr, 0},
         {"x1", 0},
@@ -237,13 +240,14 @@ TEST(Math2Test, ReadsHexadecimalDigits) {
         {"0x0x1", 0},
         {" 1", 0},
         {"-1", 0},
+        {"1x2", 1},
         {"ffffffff", -1},
-        {"0", 0},
-        {"1abcdef01", -1412567295},
         {"aF:", 175},
+        {"19afAF@", 1683375},
+        {"1abcdef01", -1412567295},
+        {"aF`", 175},
     };
-    for (const auto& row : cases)
-        EXPECT_EQ(HexStrToInt(row.text), row.value) << (row.text ? row.text : "null");
+    for (const auto& [text, value] : cases) EXPECT_EQ(HexStrToInt(text), value) << (text ? text : "null");
 }
 
 TEST(Math2Test, ConvertsColourWords) {
@@ -332,28 +336,29 @@ TEST(Math2Test, FormatsWithExponents) {
         {"three digits", 12345, 3, 2, "123,45x10^2"},
         {"no digit", 12345, 0, 5, "0,12345x10^5"},
         {"a power", 1000, 1, 3, "1x10^3"},
-        {"the limit itself", 10, 1, 3, "10"},
-        {"small", 0.00012345, 1, 4, "1,2345x10^-4"},
+        {"a small power", 0.001, 1, 3, "1x10^-3"},
+        {"small and negative", -0.00012345, 1, 4, "-1,2345x10^-4"},
         {"in range", 5, 1, 2, "5"},
         {"too short", 5, 2, 2, "50x10^-1"},
         {"rounded to the limit", 99999.99, 1, 1, "10x10^4"},
+        {"multiplied by 0.1, not divided by 10", 12345, 1, 16, "1,2345000000000002x10^4"},
         {"zero", 0, 1, 2, "0"},
         {"least that is scaled", 1e-20, 1, 3, "1x10^-20"},
         {"below that", 9e-21, 1, 3, "0"},
         {"largest", 1e308, 1, 3, "1x10^308"},
         {"infinity", INF, 1, 3, "nan"},
         {"NaN", NOT_A_NUMBER, 1, 3, "nan"},
-        {"as many digits as there are", 2, 308, 0, nullptr},
         {"more digits than there are", 2, 309, 1, "2"},
     };
     for (const auto& row : free) {
         const ZoString text =
             FormatFloatInScientificNotation(row.value, row.intDigits, row.decimals, false, ',');
-        if (row.text != nullptr) {
-            EXPECT_STREQ(text.c_str(), row.text) << row.name;
-        } else {
-            EXPECT_EQ(text.find("x10^-307"), 308) << row.name;
-        }
+        EXPECT_STREQ(text.c_str(), row.text) << row.name;
+    }
+    for (int digits = 0; digits <= 308; ++digits) {
+        const ZoString limit =
+            FormatFloatInScientificNotation(PowerOfTen(digits), unsigned(digits), 0, false, '.');
+        EXPECT_EQ(limit.find("x"), -1) << "the limit itself is not scaled: " << limit.c_str();
     }
 
     const struct {
@@ -365,23 +370,38 @@ TEST(Math2Test, FormatsWithExponents) {
     } fixed[] = {
         {"own exponent", 12345, 4, 4, "1.2345x10^4"},
         {"fewer decimals", 12345, 4, 1, "1.2x10^4"},
-        {"leading zero", 12345, 5, 4, "0.12345x10^5"},
+        {"ten", 10, 1, 2, "1.00x10^1"},
+        {"ten and a leading zero", 10, 2, 2, "0.100x10^2"},
+        {"leading zero", 20, 2, 2, "0.200x10^2"},
         {"leading zeros", -12345, 7, 2, "-0.00123x10^7"},
         {"ten or more", 12345, 2, 0, "123.45x10^2"},
-        {"ten or more, decimals enough", 123456, 2, 3, "1234.56x10^2"},
+        {"ten itself", 10, 0, 1, "10.00"},
+        {"ten or more, decimals enough", 123456.7, 2, 3, "1234.567x10^2"},
+        {"multiplied by 0.1, not divided by 10", 12345, 4, 16, "1.2345000000000002x10^4"},
         {"negative exponent", 0.00012345, -4, 4, "1.2345x10^-4"},
         {"no exponent", 123.456, 0, 1, "123.46"},
         {"no exponent, small", 0.00123, 0, 1, "0.0012"},
-        {"zero", 0, 3, 2, "0x10^3"},
-        {"below comparing", 4e-21, -21, 2, "4x10^-21"},
-        {"far too small", 1, INT_MAX, 2, "0x10^2147483647"},
+        {"zero", 0, 3, 2, "0.00x10^3"},
+        {"zero, negative exponent", 0, -3, 1, "0.0x10^-3"},
+        {"least that is widened", 1e-20, -19, 1, "0.10x10^-19"},
+        {"below comparing", 4e-21, -20, 1, "0.4x10^-20"},
+        {"far too small", 1, 400, 306, nullptr},
+        {"steps end at 0", 1, INT_MAX, 0, nullptr},
         {"far too large", 1, INT_MIN, 2, "nan"},
         {"NaN", NOT_A_NUMBER, 3, 2, "nan"},
+        {"309 decimals", 0.1, 0, 309, "nan"},
     };
     for (const auto& row : fixed) {
         const ZoString text = FormatFloatInScientificNotationWithFixedExponent(row.value, row.exponent,
-                                                                               row.decimals, false, '.');
-        EXPECT_STREQ(text.c_str(), row.text) << row.name;
+                                                                               row.decimals, true, '.');
+        const std::string zeros = "0." + std::string(308, '0') + "x10^" + std::to_string(row.exponent);
+        EXPECT_STREQ(text.c_str(), row.text != nullptr ? row.text : zeros.c_str()) << row.name;
+    }
+    for (int exponent = -307; exponent <= 308; ++exponent) {
+        const ZoString own =
+            FormatFloatInScientificNotationWithFixedExponent(PowerOfTen(exponent), exponent, 2, true, '.');
+        const std::string suffix = exponent != 0 ? "x10^" + std::to_string(exponent) : "";
+        EXPECT_EQ(own, ("1.00" + suffix).c_str());
     }
 }
 

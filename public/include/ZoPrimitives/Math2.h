@@ -68,10 +68,11 @@ ZO_API int RoundUp(long double x);
 // Angles. Turns are counted in 32 bits: beyond that many the result is not brought into range. An infinity
 // stays or becomes NaN.
 
-/// In radians, to [0, 2 pi); a negative angle within rounding of 0 gives 2 pi itself.
+/// In radians, from 0 on and below 2 pi; within rounding of a whole turn it may be 2 pi itself.
 ZO_API double AdjustAngle(double x);
 /// The angle and the full turn (2 pi or, unless `radians`, 360) are rounded to `precision` decimals first; so
-/// is the result, in [0, full turn).
+/// is what the angle has beyond whole turns, to which a negative one adds a turn. From 0 on and below the
+/// full turn; within rounding of a whole turn it may be the full turn itself.
 ZO_API double ExAdjustAngle(double angle, unsigned precision, bool radians);
 
 /// The roots of a x^2 + b x + c; x1 is that with the positive square root. False, with both left as they are,

@@ -98,8 +98,8 @@ public:
     /// The origin and the positive half-axes belong to the first quadrant, the negative half-axes to the
     /// third.
     TQuadrant Quadrant(unsigned precision) const;
-    /// Whether the nearest point of the segment is `Equal` to this one: with u from a to this point and v
-    /// from a to b, that is a + v t, t = u·v / v·v, kept within 0 to 1. The ends belong to the segment.
+    /// Whether the nearest point of the segment is `Equal` to this one: an end or, with u from a to this
+    /// point and v from a to b, a + v t, t = u·v / v·v, for t between 0 and 1.
     bool IsInSegment(const Point2D& a, const Point2D& b, unsigned precision = 6) const;
 
     /// "x:1.000000 | y:2.000000".

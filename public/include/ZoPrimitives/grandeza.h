@@ -145,7 +145,8 @@ class ZO_API GAngulo : public Grandeza {
     /// Not brought back into one turn.
     GAngulo& operator+=(double radianos);
 
-    /// In unit `u`, within one turn: from 0 on, below 2π radians (`AdjustAngle`).
+    /// In unit `u`, brought into one turn as far as `AdjustAngle` does: below a full turn, or that itself
+    /// within rounding; angles of more turns than 32 bits count stay beyond.
     double ValorAjustado(TAngulo u) const;
     /// Whether the angle, within one turn, is a multiple of 90 degrees, to 5 decimals of a degree.
     bool Ortogonal() const;

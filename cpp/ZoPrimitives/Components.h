@@ -1,0 +1,67 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+namespace ZoPrimitives {
+
+/// The components of a vector; z is 0 in the plane. What is computed of them holds up to the ends of the
+/// doubles' range, where the squares of the components are far beyond it.
+struct Components {
+    double x;
+    double y;
+    double z = 0;
+};
+
+inline double Dot(const Components& a, const Components& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+
+inline Components Cross(const Components& a, const Components& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+/// The power of two that brings the largest component to 1 or a little more; 0 where there is none, or an
+/// infinity.
+inline int ScaleOf(const Components& v) {
+    const double largest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+    return largest > 0 && std::isfinite(largest) ? -std::ilogb(largest) : 0;
+}
+
+/// Times a power of two, which is exact.
+inline Components Scaled(const Components& v, int scale) {
+    return {std::scalbn(v.x, scale), std::scalbn(v.y, scale), std::scalbn(v.z, scale)};
+}
+
+/// With products of its components in range.
+inline Components Scaled(const Components& v) { return Scaled(v, ScaleOf(v)); }
+
+inline double Length(const Components& v) {
+    const double square = Dot(v, v);
+    if (square > 1e-280 && square < 1e280) return std::sqrt(square); // the usual case, fast
+    const int scale = ScaleOf(v);
+    const Components scaled = Scaled(v, scale);
+    return std::scalbn(std::sqrt(Dot(scaled, scaled)), -scale);
+}
+
+/// Of length 1; a vector of length 0 or NaN stays.
+inline Components Unit(const Components& v) {
+    const Components scaled = Scaled(v);
+    const double length = Length(scaled);
+    if (!(length > 0)) return v;
+    return {scaled.x / length, scaled.y / length, scaled.z / length};
+}
+
+/// Of the angle between the two, within [-1, 1] in spite of rounding; 1 beside a vector of length 0.
+inline double Cosine(const Components& v, const Components& w) {
+    const Components a = Scaled(v);
+    const Components b = Scaled(w);
+    const double lengths = Length(a) * Length(b);
+    return lengths == 0 ? 1 : std::clamp(Dot(a, b) / lengths, -1.0, 1.0);
+}
+
+/// Between the two, negative where the turn from `a` to `b` is clockwise for whom the normal points at.
+inline double SignedAngle(const Components& a, const Components& b, const Components& normal) {
+    const double angle = std::acos(Cosine(a, b));
+    return Dot(Cross(Scaled(a), Scaled(b)), Scaled(normal)) < 0 ? -angle : angle;
+}
+
+} // namespace ZoPrimitives

@@ -54,10 +54,10 @@ bool Parsed(const ZoString& text, const ZoString& format, std::int64_t& ticks) {
     return true;
 }
 
-/// With zeros or, for `pad` a blank, blanks in front.
-std::string Digits(std::int64_t value, std::size_t width, char pad = '0') {
+/// With zeros in front.
+std::string Digits(std::int64_t value, std::size_t width) {
     std::string digits = std::to_string(value);
-    if (digits.size() < width) digits.insert(0, width - digits.size(), pad);
+    if (digits.size() < width) digits.insert(0, width - digits.size(), '0');
     return digits;
 }
 
@@ -92,115 +92,118 @@ std::size_t CctzDirective(std::string_view directive) {
     return i < directive.size() && endings.find(directive[i]) != endings.npos ? i + 1 : 0;
 }
 
-/// Appends `format` with what cctz would leave to the C runtime written out: that goes by the locale, knows
-/// other directives on each system, and ends the process over some.
-void AppendFormat(std::string& text, std::string_view format, const cctz::civil_second& time) {
+/// The length of an E or O that C lets stand in front of `directive`'s letter. It asks for another way of
+/// writing, which English has not.
+std::size_t Modifier(std::string_view directive) {
+    if (directive.size() < 2) return 0;
+    const std::string_view letters = directive[0] == 'E'   ? "cCxXyY"
+                                     : directive[0] == 'O' ? "deHImMSuUVwWy"
+                                                           : "";
+    return letters.find(directive[1]) != letters.npos ? 1 : 0;
+}
+
+/// What a directive is short for; empty for one that is not.
+std::string_view Composite(char directive) {
+    switch (directive) {
+    case 'c':
+        return "%a %b %e %H:%M:%S %Y";
+    case 'D':
+    case 'x':
+        return "%m/%d/%y";
+    case 'F':
+        return "%Y-%m-%d";
+    case 'r':
+        return "%I:%M:%S %p";
+    case 'R':
+        return "%H:%M";
+    case 'T':
+    case 'X':
+        return "%H:%M:%S";
+    default:
+        return {};
+    }
+}
+
+/// What a single directive gives that cctz leaves to the C runtime; empty for no such directive.
+std::string Written(char directive, const cctz::civil_second& time) {
     constexpr const char* Months[] = {"January", "February", "March",     "April",   "May",      "June",
                                       "July",    "August",   "September", "October", "November", "December"};
-    constexpr const char* Days[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                    "Thursday", "Friday", "Saturday"};
+    constexpr const char* Days[] = {"Monday", "Tuesday",  "Wednesday", "Thursday",
+                                    "Friday", "Saturday", "Sunday"};
     const cctz::civil_day day(time);
-    const int yearDay = cctz::get_yearday(day); // from 1
-    const int weekDay = (static_cast<int>(cctz::get_weekday(day)) + 1) % 7;
+    const int yearDay = cctz::get_yearday(day);                   // from 1
+    const int weekDay = static_cast<int>(cctz::get_weekday(day)); // from 0, a Monday
     // A week of ISO 8601 belongs to the year of its Thursday.
-    const cctz::civil_day thursday = day - (weekDay + 6) % 7 + 3;
+    const cctz::civil_day thursday = day - weekDay + 3;
     const std::string month = Months[time.month() - 1];
     const std::string dayName = Days[weekDay];
 
-    for (std::size_t i = 0; i < format.size(); ++i) {
-        if (format[i] != '%') {
-            text += format[i];
-            continue;
-        }
-        const std::string_view rest = format.substr(i + 1);
-        if (const std::size_t size = CctzDirective(rest); size > 0) {
+    switch (directive) {
+    case 'a':
+        return dayName.substr(0, 3);
+    case 'A':
+        return dayName;
+    case 'b':
+    case 'h':
+        return month.substr(0, 3);
+    case 'B':
+        return month;
+    case 'C':
+        return Digits((time.year() - Modulo(time.year(), 100)) / 100, 2);
+    case 'g':
+        return Digits(Modulo(thursday.year(), 100), 2);
+    case 'G':
+        return std::to_string(thursday.year());
+    case 'I':
+        return Digits((time.hour() + 11) % 12 + 1, 2);
+    case 'j':
+        return Digits(yearDay, 3);
+    case 'n':
+        return "\n";
+    case 'p':
+        return time.hour() < 12 ? "AM" : "PM";
+    case 't':
+        return "\t";
+    case 'u':
+        return std::to_string(weekDay + 1);
+    case 'U':
+        return Digits((yearDay + 6 - (weekDay + 1) % 7) / 7, 2);
+    case 'V':
+        return Digits((cctz::get_yearday(thursday) + 6) / 7, 2);
+    case 'w':
+        return std::to_string((weekDay + 1) % 7);
+    case 'W':
+        return Digits((yearDay + 6 - weekDay) / 7, 2);
+    case 'y':
+        return Digits(Modulo(time.year(), 100), 2);
+    default:
+        return {};
+    }
+}
+
+/// Appends `format` with what cctz would leave to the C runtime written out: that goes by the locale, knows
+/// other directives on each system, and ends the process over some.
+void AppendFormat(std::string& text, std::string_view format, const cctz::civil_second& time) {
+    for (std::size_t percent; (percent = format.find('%')) != format.npos;) {
+        text += format.substr(0, percent);
+        format.remove_prefix(percent + 1);
+        const std::string_view plain = format.substr(Modifier(format));
+        const char letter = plain.empty() ? '\0' : plain[0];
+        if (const std::size_t size = CctzDirective(plain); size > 0) {
             text += '%';
-            text += rest.substr(0, size);
-            i += size;
-            continue;
-        }
-        ++i;
-        switch (rest.empty() ? '\0' : rest[0]) {
-        case 'a':
-            text += dayName.substr(0, 3);
-            break;
-        case 'A':
-            text += dayName;
-            break;
-        case 'b':
-        case 'h':
-            text += month.substr(0, 3);
-            break;
-        case 'B':
-            text += month;
-            break;
-        case 'C':
-            text += Digits((time.year() - Modulo(time.year(), 100)) / 100, 2);
-            break;
-        case 'g':
-            text += Digits(Modulo(thursday.year(), 100), 2);
-            break;
-        case 'G':
-            text += Digits(thursday.year(), 4);
-            break;
-        case 'I':
-            text += Digits((time.hour() + 11) % 12 + 1, 2);
-            break;
-        case 'j':
-            text += Digits(yearDay, 3);
-            break;
-        case 'n':
-            text += '\n';
-            break;
-        case 'p':
-            text += time.hour() < 12 ? "AM" : "PM";
-            break;
-        case 't':
-            text += '\t';
-            break;
-        case 'u':
-            text += Digits((weekDay + 6) % 7 + 1, 1);
-            break;
-        case 'U':
-            text += Digits((yearDay + 6 - weekDay) / 7, 2);
-            break;
-        case 'V':
-            text += Digits((cctz::get_yearday(thursday) + 6) / 7, 2);
-            break;
-        case 'w':
-            text += Digits(weekDay, 1);
-            break;
-        case 'W':
-            text += Digits((yearDay + 6 - (weekDay + 6) % 7) / 7, 2);
-            break;
-        case 'y':
-            text += Digits(Modulo(time.year(), 100), 2);
-            break;
-        case 'c':
-            AppendFormat(text, "%a %b %e %H:%M:%S %Y", time);
-            break;
-        case 'D':
-        case 'x':
-            AppendFormat(text, "%m/%d/%y", time);
-            break;
-        case 'F':
-            text += "%Y-%m-%d";
-            break;
-        case 'r':
-            AppendFormat(text, "%I:%M:%S %p", time);
-            break;
-        case 'R':
-            text += "%H:%M";
-            break;
-        case 'T':
-        case 'X':
-            text += "%H:%M:%S";
-            break;
-        default:
+            text += plain.substr(0, size);
+            format = plain.substr(size);
+        } else if (const std::string_view parts = Composite(letter); !parts.empty()) {
+            AppendFormat(text, parts, time);
+            format = plain.substr(1);
+        } else if (const std::string written = Written(letter, time); !written.empty()) {
+            text += written;
+            format = plain.substr(1);
+        } else {
             text += "%%"; // the rest follows as plain text
-            --i;
         }
     }
+    text += format;
 }
 
 ZoString Formatted(std::int64_t ticks, const ZoString& format, const cctz::time_zone& zone) {

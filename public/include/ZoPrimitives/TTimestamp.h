@@ -12,9 +12,9 @@ namespace ZoPrimitives {
 /// What would lie beyond the first or the last tick (about 29,000 years from 1970) becomes that tick. Nothing
 /// here throws or reports an error.
 ///
-/// Formats are cctz's: the directives of C's `strftime`, "%E3S", "%E*S" and "%E*f" for parts of a second,
-/// "%Ez" and "%E*z" for the distance from UTC, "%E4Y" for years of four digits. Names are English ones
-/// whatever the locale is. A directive that is none of these is printed as it stands, and reads nothing.
+/// Formats are cctz's: the directives of C's `strftime` with its modifiers E and O, "%E3S", "%E*S" and "%E*f"
+/// for parts of a second, "%Ez" and "%E*z" for the distance from UTC, "%E4Y" for years of four digits. Names
+/// are English ones whatever the locale is. What is none of these is printed as it stands, and reads nothing.
 class ZO_API TTimestamp {
 public:
     /// Now.

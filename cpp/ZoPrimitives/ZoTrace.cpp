@@ -8,14 +8,33 @@
 
 namespace ZoPrimitives {
 
-constinit std::atomic<std::uint32_t> TZoTrace::timestamp = 0;
-constinit std::atomic<bool> TZoTrace::firstTrace = true;
-constinit thread_local std::FILE* TZoTrace::traceFile = nullptr;
+namespace {
 
-void TZoTrace::Tic() { timestamp = Platform::Current().Ticks(); }
+// Guards all of the state. Held while a line is written: two files that append at once overwrite each other's
+// line on Windows.
+std::mutex& Guard() {
+    static std::mutex guard;
+    return guard;
+}
+
+} // namespace
+
+constinit std::uint32_t TZoTrace::timestamp = 0;
+constinit bool TZoTrace::firstTrace = true;
+constinit std::FILE* TZoTrace::traceFile = nullptr;
+
+void TZoTrace::Tic() {
+    const std::lock_guard alone(Guard());
+    timestamp = Platform::Current().Ticks();
+}
+
+std::uint32_t TZoTrace::Passed() {
+    const std::lock_guard alone(Guard());
+    return Platform::Current().Ticks() - timestamp;
+}
 
 void TZoTrace::Toc(ZoString operation, ZoString detail) {
-    const std::uint32_t passed = Platform::Current().Ticks() - timestamp;
+    const std::uint32_t passed = Passed();
     ZoString text("O tempo de execução da operação foi: "_ansi);
     text += passed;
     text += "ms. (";
@@ -32,9 +51,7 @@ void TZoTrace::TocTic(ZoString operation, ZoString detail) {
 }
 
 void TZoTrace::TraceSimplesArquivo(const char* text) {
-    // Two files that append at once overwrite each other's line on Windows.
-    static std::mutex oneLine;
-    const std::lock_guard<std::mutex> alone(oneLine);
+    const std::lock_guard alone(Guard());
     CreateFileA();
     if (traceFile == nullptr) return;
     std::fprintf(traceFile, "%s\n", text != nullptr ? text : "");
@@ -44,7 +61,7 @@ void TZoTrace::TraceSimplesArquivo(const char* text) {
 ZoString TZoTrace::Tabs(int n) { return n < 1 ? ZoString() : ZoString('\t', static_cast<unsigned>(n)); }
 
 void TZoTrace::CreateFileA() {
-    const bool truncate = firstTrace.exchange(false);
+    const bool truncate = std::exchange(firstTrace, false);
     traceFile = Platform::Current().OpenTraceFile(truncate);
 }
 

@@ -99,10 +99,16 @@ public:
     virtual bool CopyWholeFile(const char* from, const char* to);
     /// A read-only file is access denied; a file that is open is a sharing violation.
     virtual bool DeleteWholeFile(const char* path);
+    /// Renames a file within its folder, in one step: whatever happens, `to` is the file that it was or the
+    /// whole new one. Returns when the name is on the device. Of an existing `to`, as of `from`, what
+    /// `DeleteWholeFile` says.
+    virtual bool MoveWholeFile(const char* from, const char* to);
     /// Whether a file (not a folder) of that name exists; `readOnly` (may be null) tells whether it forbids
-    /// writing.
+    /// writing. When there is none, `LastError()` is file or path not found: after any other error it could
+    /// not be told.
     virtual bool FileExists(const char* path, bool* readOnly);
-    /// Whether the path, or its folder when there is no such file, lies on a network drive.
+    /// Whether the path, or its folder when there is no such file, lies on a network drive. (POSIX: also when
+    /// the file system does not answer.)
     virtual bool NetworkFile(const char* path);
     /// A fresh name for a file beside `target`, in the same folder; the file has been created, empty, and can
     /// be opened for writing even where `target` is read-only. Empty when none could be made.
@@ -158,6 +164,9 @@ Services& Current();
 /// Puts `services` (not owned; null for the system's) in place and returns what was in use, null for the
 /// system's. For tests; whoever installs sees to it that no operation is under way.
 Services* Install(Services* services);
+
+/// Whether an operation failed because there is no such file.
+inline bool NotFound(unsigned long error) { return error == ErrorFileNotFound || error == ErrorPathNotFound; }
 
 /// Of the calling thread.
 unsigned long LastError();

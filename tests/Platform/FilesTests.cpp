@@ -309,6 +309,42 @@ TEST_F(FilesTests, DeletesWhatIsFreeAndWritable) {
     EXPECT_THAT(folder.Names(), ElementsAre("readonly"));
 }
 
+TEST_F(FilesTests, MovesInOneStepWhatIsFree) {
+    folder.Write("held", "old");
+    folder.Write("readonly", "old");
+    folder.MakeReadOnly("readonly");
+    const FileHandle holder = Open(folder.Path("held"), Access::Read, Share::ReadWrite);
+    const struct {
+        const char *from, *to;
+        unsigned long error; // 0: it is moved
+    } rows[] = {
+        {"source", "fresh", 0},
+        {"source", "target", 0},
+        {"source", "held", ErrorSharingViolation},
+        {"held", "fresh", ErrorSharingViolation},
+        {"source", "readonly", ErrorAccessDenied},
+        {"source", "", ErrorAccessDenied},
+        {"none", "target", ErrorFileNotFound},
+        {"source", "none/fresh", ErrorPathNotFound},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.from) + " to " + row.to);
+        FaultyServices services; // they wait for nobody
+        folder.Write("source", "new");
+        folder.Write("target", "old");
+        std::filesystem::remove(folder.Path("fresh"));
+        EXPECT_EQ(Current().MoveWholeFile(folder.Path(row.from).c_str(), folder.Path(row.to).c_str()),
+                  row.error == 0);
+        EXPECT_TRUE(row.error == 0 || LastError() == row.error) << LastError();
+        EXPECT_EQ(folder.Has(row.from) && folder.Read(row.from) == "new",
+                  row.error != 0 && row.from == std::string("source"));
+        EXPECT_TRUE(row.error != 0 || folder.Read(row.to) == "new");
+    }
+    Current().CloseFile(holder);
+    EXPECT_EQ(folder.Read("held"), "old");
+    EXPECT_EQ(folder.Read("readonly"), "old");
+}
+
 TEST_F(FilesTests, TemporaryNamesAreFreshFilesBesideTheTarget) {
     folder.Write("plan.zo", "old");
     folder.MakeReadOnly("plan.zo");

@@ -123,6 +123,10 @@ public:
         }
         return Services::CopyWholeFile(from, to);
     }
+    bool MoveWholeFile(const char* from, const char* to) override {
+        if (Fault* fault = Meet("MoveWholeFile", Label(from) + " " + Label(to))) return Refuse(*fault);
+        return Services::MoveWholeFile(from, to);
+    }
     bool DeleteWholeFile(const char* path) override {
         if (Fault* fault = Meet("DeleteWholeFile", Label(path))) return Refuse(*fault);
         return Services::DeleteWholeFile(path);

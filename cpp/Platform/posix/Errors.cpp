@@ -100,12 +100,13 @@ void SetErrorFromErrno(const char* path) {
 
 void SetErrorFromErrno() { SetLastError(ErrorFromErrno(errno)); }
 
-std::string FolderOf(const char* path) {
+FolderOf::FolderOf(const char* path) {
     std::string_view folder = path;
     while (folder.size() > 1 && folder.back() == '/') folder.remove_suffix(1);
     const std::size_t slash = folder.rfind('/');
-    if (slash == std::string_view::npos) return ".";
-    return std::string(folder.substr(0, slash == 0 ? 1 : slash));
+    folder = slash == std::string_view::npos ? "." : folder.substr(0, slash == 0 ? 1 : slash);
+    if (folder.size() >= sizeof text) folder = {};
+    text[folder.copy(text, folder.size())] = '\0';
 }
 
 } // namespace ZoPrimitives::Platform

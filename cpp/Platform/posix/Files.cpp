@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdint>
+#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -30,13 +31,6 @@ int FromHandle(FileHandle file) {
     return number > 0 && number <= INT_MAX ? static_cast<int>(number) : -1;
 }
 
-int OpenUninterrupted(const char* path, int flags, mode_t permissions) {
-    int descriptor;
-    do descriptor = open(path, flags | O_CLOEXEC | O_NOCTTY, permissions);
-    while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
-
 // Folders cannot be opened; opening a pipe would wait for its other end.
 bool Openable(const struct stat& status) {
     return S_ISREG(status.st_mode) || S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode);
@@ -45,7 +39,9 @@ bool Openable(const struct stat& status) {
 int OpenOnce(const char* path, Opening& opening) {
     const int flags = opening.access == Access::ReadWrite || opening.create ? O_RDWR : O_RDONLY;
     opening.created = false;
-    if (stat(path, &opening.status) == 0 && !Openable(opening.status)) {
+    const bool exists = stat(path, &opening.status) == 0;
+    if (!exists && !Absent(errno)) return -1;
+    if (exists && !Openable(opening.status)) {
         errno = EACCES;
         return -1;
     }
@@ -60,6 +56,7 @@ int OpenOnce(const char* path, Opening& opening) {
     if (descriptor >= 0 && descriptor < LowestDescriptor) {
         const int higher = fcntl(descriptor, F_DUPFD_CLOEXEC, LowestDescriptor);
         const int number = errno;
+        if (higher < 0 && opening.created) unlink(path);
         close(descriptor);
         errno = number;
         descriptor = higher;
@@ -67,7 +64,28 @@ int OpenOnce(const char* path, Opening& opening) {
     return descriptor;
 }
 
+bool Inspect(int descriptor, const char* path, Opening& opening) {
+    if (fstat(descriptor, &opening.status) == 0) return true;
+    SetErrorFromErrno();
+    if (opening.created) unlink(path);
+    return false;
+}
+
 } // namespace
+
+int OpenUninterrupted(const char* path, int flags, mode_t permissions) {
+    int descriptor;
+    do descriptor = open(path, flags | O_CLOEXEC | O_NOCTTY, permissions);
+    while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+int TruncateUninterrupted(int descriptor, off_t size) {
+    int result;
+    do result = ftruncate(descriptor, size);
+    while (result != 0 && errno == EINTR);
+    return result;
+}
 
 Descriptor::~Descriptor() {
     if (number < 0) return;
@@ -83,10 +101,7 @@ Descriptor OpenShared(const char* path, Opening& opening) {
             SetErrorFromErrno(path);
             return Descriptor();
         }
-        if (fstat(file.Get(), &opening.status) != 0) {
-            SetErrorFromErrno();
-            return Descriptor();
-        }
+        if (!Inspect(file.Get(), path, opening)) return Descriptor();
         const bool writes = opening.access == Access::ReadWrite || opening.create;
         if (!Openable(opening.status) || (writes && !opening.created && ReadOnly(opening.status))) {
             SetLastError(ErrorAccessDenied);
@@ -98,10 +113,7 @@ Descriptor OpenShared(const char* path, Opening& opening) {
             return Descriptor();
         }
         // The size is only now our own.
-        if (fstat(file.Get(), &opening.status) != 0) {
-            SetErrorFromErrno();
-            return Descriptor();
-        }
+        if (!Inspect(file.Get(), path, opening)) return Descriptor();
         if (opening.status.st_nlink != 0) return file;
     }
     SetLastError(ErrorSharingViolation);
@@ -147,7 +159,7 @@ bool Synchronise(int descriptor) {
 }
 
 void SynchroniseFolder(const char* folder) {
-    const int descriptor = OpenUninterrupted(folder, O_RDONLY | O_DIRECTORY, 0);
+    const int descriptor = OpenUninterrupted(folder, O_RDONLY | O_DIRECTORY);
     if (descriptor < 0) return;
     Synchronise(descriptor);
     close(descriptor);
@@ -161,7 +173,7 @@ FileHandle Services::OpenFile(const char* path, Access access, Share share, Crea
     Descriptor file = OpenShared(path != nullptr ? path : "", opening);
     if (!file) return nullptr;
     if (opening.create && S_ISREG(opening.status.st_mode) && opening.status.st_size != 0 &&
-        ftruncate(file.Get(), 0) != 0) {
+        TruncateUninterrupted(file.Get(), 0) != 0) {
         SetErrorFromErrno();
         return nullptr;
     }
@@ -221,9 +233,9 @@ bool Services::SynchroniseFile(FileHandle file) {
         SetErrorFromErrno();
         return false;
     }
-    const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-    char path[PATH_MAX];
-    const ssize_t length = readlink(link.c_str(), path, sizeof path - 1);
+    char link[32], path[PATH_MAX];
+    std::snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor);
+    const ssize_t length = readlink(link, path, sizeof path - 1);
     if (length > 0 && path[0] == '/') {
         path[length] = '\0';
         SynchroniseFolder(FolderOf(path).c_str());

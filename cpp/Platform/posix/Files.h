@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <utility>
 
 namespace ZoPrimitives::Platform {
 
@@ -15,7 +16,10 @@ public:
     Descriptor(Descriptor&& other) noexcept : number(other.Release()) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    Descriptor& operator=(Descriptor&&) = delete;
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(number, other.number);
+        return *this;
+    }
     ~Descriptor();
 
     explicit operator bool() const { return number >= 0; }
@@ -39,13 +43,19 @@ struct Opening {
     struct stat status = {};   // set by OpenShared
 };
 
-/// Opens a file or a device under the sharing rules. On failure sets the last error and returns none.
+/// Opens a file or a device under the sharing rules. On failure sets the last error and returns none; what it
+/// created is gone then, unless others have opened it.
 Descriptor OpenShared(const char* path, Opening& opening);
 
 /// Both go on until all is done: interrupted and partial calls are repeated. On failure false, reason in
 /// errno.
 bool ReadAll(int descriptor, void* data, std::size_t size, std::size_t& done);
 bool WriteAll(int descriptor, const void* data, std::size_t size);
+
+/// As `open` and `ftruncate`, but repeated when they are interrupted. (`close` is never repeated: the
+/// descriptor is gone in any case.)
+int OpenUninterrupted(const char* path, int flags, mode_t permissions = 0);
+int TruncateUninterrupted(int descriptor, off_t size);
 
 /// Brings a file's data to the device; true for a device that has nothing to bring. On failure reason in
 /// errno.

@@ -83,20 +83,14 @@ int Services::StandardTimeBias() {
 
 std::FILE* Services::OpenTraceFile(bool truncate) {
     const std::string path = TracePath();
-    int number;
-    do
-        number = open(path.c_str(),
-                      O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC |
-                          (truncate ? 0 : O_APPEND),
-                      0600);
-    while (number < 0 && errno == EINTR);
-    Descriptor file(number);
+    Descriptor file(OpenUninterrupted(
+        path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | (truncate ? 0 : O_APPEND), 0600));
     // A second name could be another user's, of a file that is worth something here.
     struct stat status;
     if (!file || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
         status.st_nlink != 1)
         return nullptr;
-    if (truncate && ftruncate(file.Get(), 0) != 0) return nullptr;
+    if (truncate && TruncateUninterrupted(file.Get(), 0) != 0) return nullptr;
     std::FILE* opened = fdopen(file.Get(), truncate ? "w" : "a");
     if (opened != nullptr) file.Release();
     return opened;

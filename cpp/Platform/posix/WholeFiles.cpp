@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <memory>
 #include <string_view>
 #include <sys/random.h>
 #include <sys/vfs.h>
@@ -23,12 +22,11 @@ void CopyWithinSystem(int from, int to) {
 
 // On failure reason in errno.
 bool CopyRest(int from, int to) {
-    constexpr std::size_t Step = std::size_t{1} << 20;
-    const auto buffer = std::make_unique_for_overwrite<char[]>(Step);
+    char buffer[std::size_t{1} << 16]; // by now nothing may fail for want of memory
     for (;;) {
         std::size_t done = 0;
-        if (!ReadAll(from, buffer.get(), Step, done) || !WriteAll(to, buffer.get(), done)) return false;
-        if (done < Step) return true;
+        if (!ReadAll(from, buffer, sizeof buffer, done) || !WriteAll(to, buffer, done)) return false;
+        if (done < sizeof buffer) return true;
     }
 }
 
@@ -40,7 +38,7 @@ bool Reserve(int descriptor, const struct stat& before, off_t size) {
     while (result != 0 && errno == EINTR);
     if (result == 0 || (errno != ENOSPC && errno != EDQUOT && errno != EFBIG)) return true;
     const int number = errno;
-    [[maybe_unused]] const int given = ftruncate(descriptor, before.st_size);
+    TruncateUninterrupted(descriptor, before.st_size);
     errno = number;
     return false;
 }
@@ -53,11 +51,16 @@ bool CopyContent(int from, const struct stat& source, int to, const struct stat&
     if (!CopyRest(from, to)) return false;
     if (!regular) return Synchronise(to);
     const off_t length = lseek(to, 0, SEEK_CUR);
-    if (length < 0 || ftruncate(to, length) != 0) return false;
+    if (length < 0 || TruncateUninterrupted(to, length) != 0) return false;
     // A copy is as old as its source: the backup bears the date of the version that it holds.
     const timespec times[2] = {{0, UTIME_OMIT}, source.st_mtim};
     futimens(to, times);
     return Synchronise(to);
+}
+
+// Whether `number` (of errno) says that writing is not allowed, rather than that it could not be told.
+bool Forbidden(int number) {
+    return number == EACCES || number == EPERM || number == EROFS || number == ETXTBSY;
 }
 
 bool RandomName(char* letters, std::size_t count) {
@@ -65,6 +68,27 @@ bool RandomName(char* letters, std::size_t count) {
     if (count > sizeof random || getrandom(random, count, 0) != static_cast<ssize_t>(count)) return false;
     for (std::size_t i = 0; i < count; ++i) letters[i] = "0123456789abcdefghijklmnopqrstuv"[random[i] % 32];
     return true;
+}
+
+/// Claims a file, alone, whose name is to go; sets the last error and returns false when it must stay.
+bool ClaimName(const char* path, Descriptor& claim, const struct stat& status) {
+    // Of a link it is the link that goes.
+    const bool link = S_ISLNK(status.st_mode);
+    if (S_ISDIR(status.st_mode) || (!link && ReadOnly(status))) {
+        SetLastError(ErrorAccessDenied);
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) return true;
+    claim = Descriptor(OpenUninterrupted(path, O_RDONLY | O_NOFOLLOW));
+    if (!claim) {
+        // What we may not read we may still delete.
+        if (errno == EACCES) return true;
+        SetErrorFromErrno(path);
+        return false;
+    }
+    if (ClaimShare(claim.Get(), Access::ReadWrite, Share::None)) return true;
+    SetLastError(ErrorSharingViolation);
+    return false;
 }
 
 } // namespace
@@ -107,31 +131,36 @@ bool Services::DeleteWholeFile(const char* path) {
         SetErrorFromErrno(path);
         return false;
     }
-    // Of a link it is the link that goes.
-    const bool link = S_ISLNK(status.st_mode);
-    if (S_ISDIR(status.st_mode) || (!link && ReadOnly(status))) {
-        SetLastError(ErrorAccessDenied);
-        return false;
-    }
-    int number = -1;
-    if (S_ISREG(status.st_mode)) {
-        number = open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-        // What we may not read we may still delete.
-        if (number < 0 && errno != EACCES) {
-            SetErrorFromErrno(path);
-            return false;
-        }
-    }
-    const Descriptor claim(number);
-    if (claim && !ClaimShare(claim.Get(), Access::ReadWrite, Share::None)) {
-        SetLastError(ErrorSharingViolation);
-        return false;
-    }
+    Descriptor claim;
+    if (!ClaimName(path, claim, status)) return false;
     if (unlink(path) != 0) {
         SetErrorFromErrno(path);
         return false;
     }
     SynchroniseFolder(FolderOf(path).c_str());
+    return true;
+}
+
+bool Services::MoveWholeFile(const char* from, const char* to) {
+    if (from == nullptr) from = "";
+    if (to == nullptr) to = "";
+    struct stat source, target;
+    if (lstat(from, &source) != 0) {
+        SetErrorFromErrno(from);
+        return false;
+    }
+    const bool replaces = lstat(to, &target) == 0;
+    if (!replaces && !Absent(errno)) {
+        SetErrorFromErrno(to);
+        return false;
+    }
+    Descriptor ours, theirs;
+    if (!ClaimName(from, ours, source) || (replaces && !ClaimName(to, theirs, target))) return false;
+    if (rename(from, to) != 0) {
+        SetErrorFromErrno(to);
+        return false;
+    }
+    SynchroniseFolder(FolderOf(to).c_str());
     return true;
 }
 
@@ -147,8 +176,12 @@ bool Services::FileExists(const char* path, bool* readOnly) {
         SetLastError(ErrorFileNotFound);
         return false;
     }
-    if (readOnly != nullptr) *readOnly = ReadOnly(status) || faccessat(AT_FDCWD, path, W_OK, AT_EACCESS) != 0;
-    return true;
+    if (readOnly == nullptr) return true;
+    *readOnly = ReadOnly(status) || faccessat(AT_FDCWD, path, W_OK, AT_EACCESS) != 0;
+    if (ReadOnly(status) || !*readOnly || Forbidden(errno)) return true;
+    *readOnly = false;
+    SetErrorFromErrno(path);
+    return false;
 }
 
 bool NetworkFileSystem(std::uint32_t type) {
@@ -175,9 +208,17 @@ bool NetworkFileSystem(std::uint32_t type) {
 
 bool Services::NetworkFile(const char* path) {
     if (path == nullptr || *path == '\0') return false;
+    const FolderOf folder(path);
     struct statfs status;
-    if (statfs(path, &status) != 0 && statfs(FolderOf(path).c_str(), &status) != 0) return false;
-    return NetworkFileSystem(static_cast<std::uint32_t>(status.f_type));
+    for (const char* place : {path, folder.c_str()}) {
+        int result;
+        do result = statfs(place, &status);
+        while (result != 0 && errno == EINTR);
+        if (result == 0) return NetworkFileSystem(static_cast<std::uint32_t>(status.f_type));
+        // A server that does not answer is one.
+        if (!Absent(errno)) return errno != EACCES;
+    }
+    return false;
 }
 
 std::string Services::TemporaryFileName(const char* target) {
@@ -188,7 +229,12 @@ std::string Services::TemporaryFileName(const char* target) {
     struct stat status;
     mode_t permissions = 0666;
     // Never more open than the target that it will become.
-    if (stat(target, &status) == 0) permissions = (status.st_mode & 0777) | 0600;
+    if (stat(target, &status) == 0) {
+        permissions = (status.st_mode & 0777) | 0600;
+    } else if (!Absent(errno)) {
+        SetErrorFromErrno(target);
+        return {};
+    }
 
     const std::string_view path = target;
     const std::string prefix = std::string(path.substr(0, path.rfind('/') + 1)) + "~zo";
@@ -197,9 +243,8 @@ std::string Services::TemporaryFileName(const char* target) {
         char letters[Letters];
         if (!RandomName(letters, Letters)) break;
         std::string name = prefix + std::string(letters, Letters) + ".tmp";
-        int descriptor;
-        do descriptor = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, permissions);
-        while (descriptor < 0 && errno == EINTR);
+        const int descriptor =
+            OpenUninterrupted(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, permissions);
         if (descriptor >= 0) {
             close(descriptor);
             return name;

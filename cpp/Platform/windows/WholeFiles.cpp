@@ -118,6 +118,7 @@ bool Services::CopyWholeFile(const char* from, const char* to) {
     if (source == INVALID_FILE_ATTRIBUTES) return false;
     const DWORD target = ::GetFileAttributesA(to);
     const bool fresh = target == INVALID_FILE_ATTRIBUTES;
+    if (fresh && !NotFound(::GetLastError())) return false;
     // What waiting would not change.
     if ((source & FILE_ATTRIBUTE_DIRECTORY) != 0) return Fails(ErrorAccessDenied);
     if (!fresh && (target & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0)
@@ -134,6 +135,14 @@ bool Services::CopyWholeFile(const char* from, const char* to) {
 }
 
 bool Services::DeleteWholeFile(const char* path) { return ::DeleteFileA(path != nullptr ? path : "") != 0; }
+
+bool Services::MoveWholeFile(const char* from, const char* to) {
+    if (from == nullptr) from = "";
+    if (to == nullptr) to = "";
+    return DespiteInterference(*this, [&] {
+        return ::MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    });
+}
 
 bool Services::FileExists(const char* path, bool* readOnly) {
     if (readOnly != nullptr) *readOnly = false;

@@ -17,11 +17,50 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
+#include <sys/vfs.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
+
+namespace {
+
+// A call of the system that fails on order, on files of this name.
+struct Fault {
+    const char* call = "";
+    int error = 0;
+    int times = 0;
+    const char* name = "";
+} fault;
+
+bool Fails(const char* call, const char* path = "") {
+    const std::string_view failing = fault.name, asked = path;
+    if (std::string_view(call) != fault.call || fault.times == 0) return false;
+    if (asked.size() < failing.size() || asked.substr(asked.size() - failing.size()) != failing) return false;
+    --fault.times;
+    errno = fault.error;
+    return true;
+}
+
+} // namespace
+
+// In the place of the C library's.
+extern "C" {
+int ftruncate(int descriptor, off_t size) noexcept {
+    return Fails("ftruncate") ? -1 : static_cast<int>(syscall(SYS_ftruncate, descriptor, size));
+}
+int stat(const char* path, struct stat* status) noexcept {
+    return Fails("stat", path) ? -1 : fstatat(AT_FDCWD, path, status, 0);
+}
+int statfs(const char* path, struct statfs* status) noexcept {
+    return Fails("statfs", path) ? -1 : static_cast<int>(syscall(SYS_statfs, path, status));
+}
+int faccessat(int folder, const char* path, int mode, int) noexcept {
+    return Fails("faccessat", path) ? -1 : static_cast<int>(syscall(SYS_faccessat, folder, path, mode));
+}
+}
 
 namespace {
 
@@ -217,6 +256,52 @@ TEST_F(PosixFilesTests, ARivalIsAwaitedForASecond) {
     EXPECT_NEAR(waited, 1003, 3);
 }
 
+TEST_F(PosixFilesTests, WhatFailsIsNotTakenForAnAnswer) {
+    const std::string path = folder.Path("f"), fresh = folder.Path("fresh"), source = folder.Path("source");
+    const auto create = [&] {
+        return Current().CloseFile(Open(path, Access::ReadWrite, Share::Read, Creation::CreateAlways));
+    };
+    const auto copy = [&] { return Current().CopyWholeFile(source.c_str(), path.c_str()); };
+    const auto exists = [&] { return Current().FileExists(path.c_str(), nullptr); };
+    const auto writable = [&] {
+        bool readOnly = false;
+        return Current().FileExists(path.c_str(), &readOnly) && !readOnly;
+    };
+    const auto temporary = [&] { return !Current().TemporaryFileName(path.c_str()).empty(); };
+    const auto local = [&] { return !Current().NetworkFile(path.c_str()); };
+    const struct {
+        const char* name;
+        Fault fault;
+        std::function<bool()> operation;
+        unsigned long error; // 0: it succeeds
+        const char* content; // then, of "f"
+    } rows[] = {
+        {"emptied on the third try", {"ftruncate", EINTR, 2, ""}, create, 0, ""},
+        {"cut off on the third try", {"ftruncate", EINTR, 2, ""}, copy, 0, "new"},
+        {"not emptied", {"ftruncate", EIO, 1, ""}, create, ErrorInvalidHandle, "older"},
+        {"existence", {"stat", EIO, 1, "f"}, exists, ErrorDevice, "older"},
+        {"existence, not allowed", {"stat", EACCES, 1, "f"}, exists, ErrorAccessDenied, "older"},
+        {"kind of file", {"stat", EIO, 1, "f"}, create, ErrorInvalidHandle, "older"},
+        {"kind of target", {"stat", EIO, 1, "f"}, copy, ErrorDevice, "older"},
+        {"permissions", {"stat", EIO, 1, "f"}, temporary, ErrorDevice, "older"},
+        {"may be written", {"faccessat", EIO, 1, "f"}, writable, ErrorDevice, "older"},
+        {"drive, on the third try", {"statfs", EINTR, 2, "f"}, local, 0, "older"},
+        {"drive of a silent server", {"statfs", ESTALE, 1, "f"}, [&] { return !local(); }, 0, "older"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        folder.Write("f", "older");
+        folder.Write("source", "new");
+        fault = row.fault;
+        EXPECT_EQ(row.operation(), row.error == 0);
+        EXPECT_TRUE(row.error == 0 || LastError() == row.error) << LastError();
+        EXPECT_EQ(fault.times, 0);
+        fault = {};
+        EXPECT_EQ(folder.Read("f"), row.content);
+        EXPECT_THAT(folder.Names(), ElementsAre("f", "source"));
+    }
+}
+
 TEST_F(PosixFilesTests, AFullDeviceIsAFullDisk) {
     const FileHandle full = Open("/dev/full", Access::ReadWrite, Share::Read, Creation::CreateAlways);
     ASSERT_NE(full, nullptr);
@@ -267,9 +352,16 @@ TEST_F(PosixFilesTests, RunningOutOfDescriptorsIsTooManyOpenFiles) {
 TEST_F(PosixFilesTests, TheNumberOfStandardInputIsNoHandle) {
     const Child child([&] {
         close(STDIN_FILENO);
-        return Open(folder.Path("f"), Access::Read, Share::Read) != nullptr ? 0 : 1;
+        if (Open(folder.Path("f"), Access::Read, Share::Read) == nullptr) return 1;
+        // Another number is needed, and there is none.
+        const rlimit limit{3, 3};
+        if (setrlimit(RLIMIT_NOFILE, &limit) != 0) return 2;
+        return Open(folder.Path("new"), Access::ReadWrite, Share::Read, Creation::CreateAlways) == nullptr
+                   ? 0
+                   : 3;
     });
     EXPECT_EQ(child.Wait(), 0);
+    EXPECT_THAT(folder.Names(), ElementsAre("f")) << "what was created for nothing is gone";
 }
 
 TEST_F(PosixFilesTests, ACopyThatFailsLeavesNoNewFile) {

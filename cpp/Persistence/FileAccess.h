@@ -1,13 +1,45 @@
 #pragma once
 
 #include "Platform/Platform.h"
+#include "ZoPrimitives/FileReading.h"
 #include "ZoPrimitives/ZoString.h"
 
 namespace ZoPrimitives {
 
-/// Opens an existing file for its reader: locked against everybody who would write it, unless it is
-/// read-only. Throws `XReadStream` "Não foi possível ler o arquivo " and the name.
-Platform::FileHandle OpenToRead(const char* name, const char* location);
+/// Of a target's previous version, kept beside it.
+inline constexpr const char* BACKUP_SUFFIX = "-bak";
+/// Of a target's new version, whole, while it is being put in the target's place. A file of that name tells
+/// that the target may be torn.
+inline constexpr const char* FRESH_SUFFIX = "-new";
+
+/// A text from outside, null for an empty one, or with something added. Throws `std::bad_alloc` rather than
+/// lose it.
+ZoString FileName(const char* name, const char* suffix = "");
+
+/// Opens an existing file for its reader. `reading` becomes viewing for a read-only file. Throws
+/// `XReadStream` "Não foi possível ler o arquivo " and the name.
+Platform::FileHandle OpenToRead(const char* name, TFileReading& reading, const char* location);
+
+/// Whether a save is putting a new version in the place of the file, or was stopped doing so.
+bool BeingReplaced(const char* name);
+
+/// Loads a file that is viewed, and again when a save was replacing it meanwhile; waits for its end, a second
+/// at most. `load` must leave nothing of its last turn.
+template <class Load>
+void LoadSteadily(const char* name, Load load) {
+    constexpr unsigned STEP = 10, PATIENCE = 1000; // ms
+    for (unsigned waited = 0; waited < PATIENCE; waited += STEP) {
+        if (!BeingReplaced(name)) {
+            load();
+            if (!BeingReplaced(name)) return;
+        }
+        Platform::Current().Wait(STEP);
+    }
+    load(); // of a save that was stopped, perhaps long ago
+}
+
+/// Whether there is such a file. Throws, as `ThrowUnwritten`, when that cannot be told.
+bool FileIsThere(const ZoString& name, const char* location);
 
 [[noreturn]] void ThrowUnreadable(const char* name, const char* location);
 

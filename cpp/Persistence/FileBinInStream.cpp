@@ -25,9 +25,13 @@ Platform::Services& System() { return Platform::Current(); }
 TFileBinInStream::TFileBinInStream(const char* name, bool ownsSource)
     : TFileBinInStream(name, ANY_VERSION, ownsSource) {}
 TFileBinInStream::TFileBinInStream(const char* name, unsigned supportedVersion, bool ownsSource)
-    : TBinInStream(supportedVersion, ownsSource), fileName(name), named(true) {}
+    : TBinInStream(supportedVersion, ownsSource), fileName(FileName(name)), named(true) {}
 TFileBinInStream::TFileBinInStream(const char* name, int supportedVersion, bool ownsSource)
     : TFileBinInStream(name, static_cast<unsigned>(supportedVersion), ownsSource) {}
+TFileBinInStream::TFileBinInStream(const char* name, TFileReading how, unsigned supportedVersion)
+    : TFileBinInStream(name, supportedVersion) {
+    asked = how;
+}
 TFileBinInStream::TFileBinInStream(void* openFile, bool ownsSource, unsigned supportedVersion)
     : TBinInStream(supportedVersion, ownsSource), file(openFile), named(false) {}
 
@@ -58,10 +62,18 @@ void TFileBinInStream::OpenFile() {
 
 void TFileBinInStream::OpenFile(const char* name) {
     Close();
-    file = OpenToRead(name, "TFileBinInStream::OpenFile");
+    reading = asked;
+    file = OpenToRead(name, reading, "TFileBinInStream::OpenFile");
 }
 
 void TFileBinInStream::Load() {
+    if (named && reading == TFileReading::Viewing)
+        LoadSteadily(fileName.c_str(), [this] { LoadOnce(); });
+    else
+        LoadOnce();
+}
+
+void TFileBinInStream::LoadOnce() {
     Unload();
     unsigned long long size = 0;
     unsigned long long position = 0;

@@ -1,8 +1,10 @@
 #include "ZoPrimitives/FileBinOutStream.h"
 
 #include "Persistence/FileAccess.h"
+#include "Persistence/FileReplacement.h"
 #include "Persistence/RecordFormat.h"
 #include "Platform/Platform.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <string>
@@ -17,7 +19,6 @@ namespace {
 constexpr const char* SOURCE = "cpp/Persistence/FileBinOutStream";
 constexpr const char* WRITE = "TFileBinOutStream::WriteToFile";
 constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
-constexpr const char* BACKUP_SUFFIX = "-bak";
 
 Platform::Services& System() { return Platform::Current(); }
 
@@ -36,7 +37,8 @@ TFileBinOutStream::TFileBinOutStream(const char* name, bool keepBackup)
     : TFileBinOutStream(name, 0, 0, keepBackup) {}
 
 TFileBinOutStream::TFileBinOutStream(const char* name, unsigned version, unsigned release, bool keepBackup)
-    : TBinOutStream(version, release), fileName(name), writtenPath(name), backup(keepBackup) {}
+    : TBinOutStream(version, release), names(std::make_unique<FileReplacement>(name)),
+      writtenPath(&names->Target()), backup(keepBackup) {}
 
 TFileBinOutStream::~TFileBinOutStream() { TFileBinOutStream::FreeResourses(); }
 
@@ -46,19 +48,27 @@ void TFileBinOutStream::Initialize() {
     plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
     headerCount = GetNInstances();
     if (file == nullptr) {
-        throughTemporary = backup || System().NetworkFile(fileName.c_str());
-        writtenPath = fileName;
-        if (throughTemporary) {
-            const std::string temporary = System().TemporaryFileName(fileName.c_str());
-            if (temporary.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize");
-            writtenPath = temporary.c_str();
-        }
-        OpenFile(writtenPath.c_str());
+        throughTemporary = backup || System().NetworkFile(GetFileName().c_str());
+        writtenPath = &names->Target();
+        if (throughTemporary) MakeTemporary();
+        OpenFile(writtenPath->c_str());
     } else if (!System().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
         headerStart = 0;
     }
     state = State::Writing;
     FlushBuffer();
+}
+
+void TFileBinOutStream::MakeTemporary() {
+    const std::string name = System().TemporaryFileName(GetFileName().c_str());
+    if (name.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize");
+    try {
+        AssignWhole(temporary, name.data(), static_cast<unsigned>(name.size()));
+    } catch (...) {
+        System().DeleteWholeFile(name.c_str()); // empty still
+        throw;
+    }
+    writtenPath = &temporary;
 }
 
 void TFileBinOutStream::OpenFile(const char* path) {
@@ -72,7 +82,7 @@ void TFileBinOutStream::OpenFile(const char* path) {
     if (throughTemporary) {
         // Empty still.
         System().DeleteWholeFile(path);
-        writtenPath = fileName;
+        writtenPath = &names->Target();
     }
     ThrowUnwritten(error, "TFileBinOutStream::Initialize");
 }
@@ -183,8 +193,10 @@ void TFileBinOutStream::Finalize() {
     state = State::Ended;
     if (!ownsFile) return;
     CloseWritten();
-    if (backup) MakeBackup();
+    if (backup) names->MakeBackup();
     if (throughTemporary) ReplaceTarget();
+    names->Conclude();
+    writtenPath = &names->Target();
 }
 
 void TFileBinOutStream::CloseWritten() {
@@ -195,21 +207,13 @@ void TFileBinOutStream::CloseWritten() {
     if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE);
 }
 
-void TFileBinOutStream::MakeBackup() {
-    if (!System().FileExists(fileName.c_str(), nullptr)) return;
-    const ZoString name = fileName + BACKUP_SUFFIX;
-    // One that cannot be deleted may still be overwritten.
-    if (System().FileExists(name.c_str(), nullptr)) System().DeleteWholeFile(name.c_str());
-    if (!System().CopyWholeFile(fileName.c_str(), name.c_str()))
-        ThrowUnwritten(Platform::LastError(), FINALIZE);
+void TFileBinOutStream::ReplaceTarget() {
+    names->Announce(temporary);
+    writtenPath = &names->Fresh();
+    names->Perform();
 }
 
-void TFileBinOutStream::ReplaceTarget() {
-    if (!System().CopyWholeFile(writtenPath.c_str(), fileName.c_str()))
-        ThrowUnwritten(Platform::LastError(), FINALIZE);
-    System().DeleteWholeFile(writtenPath.c_str());
-    writtenPath = fileName;
-}
+const ZoString& TFileBinOutStream::GetFileName() const { return names->Target(); }
 
 bool TFileBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TFileBinOutStream); }
 

@@ -33,11 +33,16 @@ void Copy(std::string_view token, char* buffer) {
 
 } // namespace
 
-FileInputStream::FileInputStream(const char* name, bool callersFlag) : flag(callersFlag), fileName(name) {
+FileInputStream::FileInputStream(const char* name, bool callersFlag)
+    : FileInputStream(name, callersFlag, TFileReading::Locking) {}
+FileInputStream::FileInputStream(const char* name, TFileReading how) : FileInputStream(name, false, how) {}
+FileInputStream::FileInputStream(const char* name, bool callersFlag, TFileReading how)
+    : flag(callersFlag), fileName(FileName(name)), reading(how) {
     OpenFile(fileName.c_str());
     try {
         LoadFromFile();
     } catch (...) {
+        delete[] buffer;
         System().CloseFile(file);
         throw;
     }
@@ -48,9 +53,18 @@ FileInputStream::~FileInputStream() {
     System().CloseFile(file);
 }
 
-void FileInputStream::OpenFile(const char* name) { file = OpenToRead(name, "FileInputStream::OpenFile"); }
+void FileInputStream::OpenFile(const char* name) {
+    file = OpenToRead(name, reading, "FileInputStream::OpenFile");
+}
 
 void FileInputStream::LoadFromFile() {
+    if (reading == TFileReading::Viewing)
+        LoadSteadily(fileName.c_str(), [this] { LoadOnce(); });
+    else
+        LoadOnce();
+}
+
+void FileInputStream::LoadOnce() {
     constexpr const char* location = "FileInputStream::LoadFromFile";
     unsigned long long length = 0;
     unsigned long long start = 0;

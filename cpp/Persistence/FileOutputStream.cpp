@@ -19,9 +19,10 @@ constexpr const char* LINE_END = "\r\n";
 } // namespace
 
 FileOutputStream::FileOutputStream(const char* fileName, bool keepOpen)
-    : file(Platform::Current().OpenFile(fileName, Platform::Access::ReadWrite, Platform::Share::Read,
-                                        Platform::Creation::CreateAlways)),
-      tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
+    : file(nullptr), tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
+    // Emptied only when nothing else can fail.
+    file = Platform::Current().OpenFile(fileName, Platform::Access::ReadWrite, Platform::Share::Read,
+                                        Platform::Creation::CreateAlways);
     if (file == nullptr) ThrowUnwritten(Platform::LastError(), "FileOutputStream::FileOutputStream");
 }
 
@@ -77,8 +78,9 @@ bool FileOutputStream::Close() {
 }
 
 void FileOutputStream::Finalize() {
-    if (std::exchange(finalized, true)) return;
-    const bool saved = SaveToFile();
+    if (finalized) return;
+    const bool saved = SaveToFile(); // without memory it writes nothing, and may be tried again
+    finalized = true;
     const unsigned long writeError = Platform::LastError();
     const bool closed = Close();
     if (!saved) ThrowUnwritten(writeError, "FileOutputStream::Finalize");

@@ -11,7 +11,9 @@
 #include "support/OtherProcess.h"
 #include "support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
 #include <iterator>
@@ -97,8 +99,8 @@ std::string Rest(TBinInStream& in) {
     return all;
 }
 
-std::string Open(const std::string& path) {
-    TFileBinInStream in(path.c_str());
+std::string Open(const std::string& path, TFileReading reading = TFileReading::Locking) {
+    TFileBinInStream in(path.c_str(), reading);
     in.Initialize();
     return Rest(in);
 }
@@ -129,9 +131,9 @@ TEST_F(FileStreamTests, ASavedFileIsHeaderAndRecords) {
 }
 
 TEST_F(FileStreamTests, StepsOfASave) {
-    // Of the target P, its backup B and the temporary file T.
+    // Of the target P, its backup B, the temporary file T and the new version N.
     const char* const REPLACED = "TemporaryFileName P, OpenFile T, SynchroniseFile T, CloseFile T, "
-                                 "CopyWholeFile T P, DeleteWholeFile T";
+                                 "MoveWholeFile T N, CopyWholeFile N P, DeleteWholeFile N";
     const struct {
         const char* name;
         bool backup;
@@ -144,10 +146,10 @@ TEST_F(FileStreamTests, StepsOfASave) {
         {"backup, new", true, false, 0, REPLACED},
         {"backup, existing", true, false, 1,
          "TemporaryFileName P, OpenFile T, SynchroniseFile T, CloseFile T, CopyWholeFile P B, "
-         "CopyWholeFile T P, DeleteWholeFile T"},
+         "MoveWholeFile T N, CopyWholeFile N P, DeleteWholeFile N"},
         {"backup over a backup", true, true, 2,
          "TemporaryFileName P, OpenFile T, SynchroniseFile T, CloseFile T, DeleteWholeFile B, "
-         "CopyWholeFile P B, CopyWholeFile T P, DeleteWholeFile T"},
+         "CopyWholeFile P B, MoveWholeFile T N, CopyWholeFile N P, DeleteWholeFile N"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -169,7 +171,9 @@ TEST_F(FileStreamTests, StepsOfASave) {
                 other = other || call.rfind(name, 0) == 0;
             if (!other) steps += ZoString(steps.IsNull() ? "" : ", ") + call.c_str();
         }
-        EXPECT_EQ(steps.ReplaceString("<temporary>", "T", true).ReplaceString("P-bak", "B", true), row.steps);
+        for (const auto& [name, letter] : {std::pair{"<temporary>", "T"}, {"P-bak", "B"}, {"P-new", "N"}})
+            steps = steps.ReplaceString(name, letter, true);
+        EXPECT_STREQ(steps.c_str(), row.steps);
         const std::size_t calls = services.Calls().size();
         out->Finalize(); // once is enough
         EXPECT_EQ(services.Calls().size(), calls);
@@ -217,15 +221,151 @@ TEST_F(FileStreamTests, AWholeVersionSurvivesEveryFailure) {
         const std::string thrown = Thrown([&] { Save(plan, "new", true); });
         EXPECT_TRUE(whole());
         EXPECT_EQ(services.OpenHandles(), 0u);
-        const bool harmless = operation == "FileExists" || operation == "DeleteWholeFile";
+        // The last question is only about cleaning up.
+        const bool harmless = operation == "DeleteWholeFile" || (operation == "FileExists" && nth == 4);
         if (harmless) {
             EXPECT_EQ(thrown, "");
             EXPECT_EQ(folder.Read("plan.zo"), fresh);
         } else {
             EXPECT_EQ(thrown.substr(0, full.size()), full);
-            const bool replacing = call == "CopyWholeFile <temporary> plan.zo";
+            const bool replacing = call == "CopyWholeFile plan.zo-new plan.zo";
             EXPECT_EQ(folder.Read("plan.zo") == old, !replacing);
         }
+    }
+}
+
+/// A process that is killed in one of the steps that change files: before it, or in the middle of a copy,
+/// over the old bytes or having cut them off.
+struct Mortal : Platform::Services {
+    struct Killed {};
+    enum Death { Before, OverOld, CutOff, DEATHS };
+
+    Mortal(int step, Death how) : death(how), left(step) {}
+    bool SynchroniseFile(Platform::FileHandle) override { return Live(); }
+    bool MoveWholeFile(const char* from, const char* to) override {
+        std::filesystem::rename((Live(), from), to);
+        return true;
+    }
+    bool DeleteWholeFile(const char* path) override { return (Live(), std::filesystem::remove(path)); }
+    bool CopyWholeFile(const char* from, const char* to) override {
+        const bool dies = left == 1 && death != Before;
+        if (!dies) Live();
+        std::ifstream source(from, std::ios::binary);
+        std::string bytes(std::istreambuf_iterator<char>(source), {});
+        if (dies) bytes.resize(bytes.size() / 2);
+        const bool cut = !dies || death == CutOff || !std::filesystem::exists(to);
+        std::ofstream(to, std::ios::binary | (cut ? std::ios::trunc : std::ios::in)) << bytes;
+        inCopy = dies;
+        if (dies) throw Killed();
+        return true;
+    }
+
+    const Death death;
+    bool inCopy = false;
+
+private:
+    bool Live() {
+        if (left > 0 && --left == 0) throw Killed();
+        return true;
+    }
+    int left; // steps, the last one among them; 0: no end
+    InstalledServices installed{*this};
+};
+
+/// A save of a version, from '0' on. Those of one size differ in both records; half of one file and half of
+/// another make records that all verify.
+void SaveVersion(const std::string& path, int version, bool sameSize, bool backup = true) {
+    const Stream out = Begin(path, backup);
+    const std::size_t size = sameSize ? 100 : 40 + 37 * static_cast<std::size_t>(version * 3 % 5);
+    for (const int uid : {1, 2}) Record(*out, uid, char('0' + version) + std::string(size, 'x'));
+    out->Finalize();
+}
+
+std::string Version(int version, bool sameSize) {
+    const TemporaryFolder folder;
+    SaveVersion(folder.Path("f"), version, sameSize, false);
+    return folder.Read("f");
+}
+
+TEST_F(FileStreamTests, KilledTwiceTheNextSaveKeepsAWholeVersion) {
+    constexpr int STEPS = 7; // of a save that has something to repair
+    for (const bool sameSize : {true, false}) {
+        std::vector<std::string> versions;
+        for (int version = 0; version < 5; ++version) versions.push_back(Version(version, sameSize));
+        const auto whole = [&](const std::string& name) {
+            return folder.Has(name) && std::count(versions.begin(), versions.end(), folder.Read(name)) != 0;
+        };
+        for (int lives = 0; lives < STEPS * STEPS * Mortal::DEATHS * Mortal::DEATHS; ++lives) {
+            const int steps[] = {lives % STEPS + 1, lives / STEPS % STEPS + 1};
+            const int deaths[] = {lives / STEPS / STEPS % Mortal::DEATHS,
+                                  lives / STEPS / STEPS / Mortal::DEATHS};
+            SCOPED_TRACE(testing::Message() << sameSize << ": step " << steps[0] << " as " << deaths[0]
+                                            << ", step " << steps[1] << " as " << deaths[1]);
+            for (const std::string& name : folder.Names()) std::filesystem::remove(folder.Path(name));
+            folder.Write("plan.zo", versions[1]);
+            folder.Write("plan.zo-bak", versions[0]);
+            for (const int save : {0, 1}) {
+                Mortal mortal(steps[save], static_cast<Mortal::Death>(deaths[save]));
+                try {
+                    SaveVersion(plan, 2 + save, sameSize);
+                } catch (const Mortal::Killed&) {
+                }
+                if (mortal.death != Mortal::Before && !mortal.inCopy) break; // seen already
+                const std::vector<std::string> names = folder.Names();
+                ASSERT_TRUE(std::any_of(names.begin(), names.end(), whole));
+            }
+            const Mortal immortal(0, Mortal::Before);
+            SaveVersion(plan, 4, sameSize);
+            ASSERT_EQ(folder.Read("plan.zo"), versions[4]);
+            ASSERT_TRUE(whole("plan.zo-bak"));
+            ASSERT_FALSE(folder.Has("plan.zo-new"));
+        }
+    }
+}
+
+TEST_F(FileStreamTests, WhatAStoppedSaveLeftIsToldFromOtherFiles) {
+    const std::string old = Version(1, true), fresh = Version(2, true), other = Version(3, true);
+    const std::string half = fresh.substr(0, fresh.size() / 2);
+    const std::string behind = fresh.substr(0, 100) + std::string(fresh.size() - 100, '\0');
+    const struct {
+        const char* name;
+        std::string target, backup, announced, kept; // empty: no such file
+    } rows[] = {
+        {"nothing", fresh, old, "", fresh},
+        {"before the copy", old, old, fresh, old},
+        {"after the copy", fresh, old, fresh, fresh},
+        {"half, then the old", half + old.substr(half.size()), old, fresh, fresh},
+        {"half, then the end", half, old, fresh, fresh},
+        {"half, then zeros", behind, old, fresh, fresh},
+        {"half, of an older one than the backup", half + Version(4, false), old, fresh, fresh},
+        {"half, without a backup", half + Version(4, false), "", fresh, fresh},
+        {"another program's since", "Some text, and no records.", old, fresh, "Some text, and no records."},
+        {"another version since", other, old, fresh, other},
+        {"damaged, but not by a stopped save", half, old, "", half},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        for (const std::string& name : folder.Names()) std::filesystem::remove(folder.Path(name));
+        folder.Write("plan.zo", row.target);
+        if (!row.backup.empty()) folder.Write("plan.zo-bak", row.backup);
+        if (!row.announced.empty()) folder.Write("plan.zo-new", row.announced);
+        SaveVersion(plan, 5, true);
+        EXPECT_EQ(folder.Read("plan.zo-bak"), row.kept);
+        EXPECT_EQ(folder.Read("plan.zo"), Version(5, true));
+        EXPECT_THAT(folder.Names(), ElementsAre("plan.zo", "plan.zo-bak"));
+    }
+    folder.Write("plan.zo-new", fresh);
+    SaveVersion(plan, 6, true, false);
+    EXPECT_THAT(folder.Names(), ElementsAre("plan.zo", "plan.zo-bak")) << "written in place";
+    // What cannot be compared is not touched.
+    folder.Write("plan.zo", half);
+    folder.Write("plan.zo-bak", old);
+    folder.Write("plan.zo-new", fresh);
+    for (const char* operation : {"OpenFile", "ReadFile"}) {
+        FaultyServices services;
+        services.Fail(operation, operation == std::string("OpenFile") ? 3 : 1, 5);
+        EXPECT_NE(Thrown([&] { SaveVersion(plan, 7, true); }), "") << operation;
+        EXPECT_EQ(folder.Read("plan.zo-bak"), old) << operation;
     }
 }
 
@@ -298,6 +438,10 @@ TEST_F(FileStreamTests, FailuresOfASave) {
         {"no way back", true, Faulty("SeekFile", 2, 5), denied + "RewriteHeader", "F", "O.H"},
         {"not synchronised", true, Faulty("SynchroniseFile", 1, 5), denied + "Finalize", "F", "O.N"},
         {"lost at closing", true, Faulty("CloseFile", 1, 39), full + "Finalize", "F", "O.N"},
+        {"target or none, who knows", true, Faulty("FileExists", 1, 5), denied + "Finalize", "F", "O.N"},
+        {"torn or not, who knows", true, Faulty("FileExists", 2, 5), denied + "Finalize", "F", "O.N"},
+        {"backup or none, who knows", true, Faulty("FileExists", 3, 5), denied + "Finalize", "F", "O.N"},
+        {"not renamed", true, Faulty("MoveWholeFile", 1, 5), denied + "Finalize", "F", "OON"},
         {"backup not deletable", true, backupReadOnly, denied + "Finalize", "F", "OON"},
         {"backup only writable", true, backupUndeletable, "", "", "NO."},
         {"half a backup", true, Faulty("CopyWholeFile", 1, 112), full + "Finalize", "F", "OHN"},
@@ -726,28 +870,89 @@ TEST_F(FileStreamTests, ADeviceThatFailsIsNotTheEnd) {
 }
 
 TEST_F(FileStreamTests, WhoMayOpenWhat) {
-    Save(plan, "text", false);
-    for (const bool readOnly : {false, true}) {
-        SCOPED_TRACE(readOnly);
-        if (readOnly) folder.MakeReadOnly("plan.zo");
-        TFileBinInStream in(plan.c_str());
-        in.Initialize();
-        EXPECT_EQ(Thrown([&] { Open(plan); }), readOnly ? "" : Cannot(plan));
-        EXPECT_EQ(Thrown([&] { Create(plan)->Initialize(); }),
-                  std::string("write: ") + (readOnly ? "Input/output error" : "Broken pipe") +
-                      " @ TFileBinOutStream::Initialize");
-        EXPECT_EQ(Rest(in), "2:text");
+    const struct {
+        const char* held;
+        bool reads, views, writes;
+    } rows[] = {
+        {"read", false, true, false},
+        {"view", true, true, true},
+        {"write", false, true, false},
+        {"read-only", true, true, false},
+    };
+    for (const auto& row : rows) {
+        for (const bool elsewhere : {false, true}) {
+            const std::string held = row.held;
+            if (held == "read-only" && elsewhere) continue;
+            SCOPED_TRACE(held + (elsewhere ? " elsewhere" : ""));
+            const TemporaryFolder own;
+            const std::string path = own.Path("plan.zo");
+            Save(path, "text", false);
+            if (held == "read-only") own.MakeReadOnly("plan.zo");
+            std::optional<OtherProcess> other;
+            TFileBinInStream in(path.c_str(), held == "view" ? TFileReading::Viewing : TFileReading::Locking);
+            const Stream out = Create(path);
+            if (elsewhere)
+                other.emplace(held, own);
+            else
+                held == "write" ? out->Initialize() : in.Initialize();
+
+            const char* const text = held == "write" ? "" : "2:text";
+            std::string seen;
+            EXPECT_EQ(Thrown([&] { seen = Open(path, TFileReading::Viewing); }),
+                      row.views ? "" : Cannot(path));
+            // A writer that has just begun has written its header, elsewhere too.
+            EXPECT_EQ(seen, text);
+            EXPECT_EQ(Thrown([&] { seen = Open(path); }), row.reads ? "" : Cannot(path));
+            // A writer that was refused may try again.
+            const Stream second = Create(path);
+            const char* const why = held == "read-only" ? "Input/output error" : "Broken pipe";
+            EXPECT_EQ(Thrown([&] { second->Initialize(); }),
+                      row.writes ? "" : std::string("write: ") + why + " @ TFileBinOutStream::Initialize");
+            EXPECT_EQ(elsewhere || held == "write" ? text : Rest(in), text) << "it keeps what it has loaded";
+        }
     }
-    const std::string other = folder.Path("other.zo");
-    const Stream out = Begin(other);
-    EXPECT_EQ(Thrown([&] { Open(other); }), Cannot(other));
-    // A writer that was refused may try again.
-    const Stream second = Create(other);
-    EXPECT_NE(Thrown([&] { second->Initialize(); }), "");
-    out->Finalize();
-    second->Initialize();
-    EXPECT_EQ(AssertionOf([&] { second->Initialize(); }).expression,
+    const Stream out = Begin(plan);
+    EXPECT_EQ(AssertionOf([&] { out->Initialize(); }).expression,
               "state == State::New && \"[zoerror] a stream writes one file\"");
+}
+
+TEST_F(FileStreamTests, AViewerMeetsASaveThatReplacesTheFile) {
+    Save(plan, "new", false);
+    const std::string fresh = folder.Read("plan.zo");
+    Save(plan, "old", false);
+    {
+        TFileBinInStream in(plan.c_str(), TFileReading::Viewing);
+        in.Initialize();
+        Save(plan, "new", true);
+        EXPECT_EQ(Rest(in), "2:old");
+        in.InitializeKeepingLocked();
+        EXPECT_EQ(Rest(in), "2:new");
+    }
+    // Where the save is when the file is opened: its copy half done; about to begin; stopped for good.
+    const auto tear = [&] { folder.Write("plan.zo", fresh.substr(0, 60)); };
+    const auto finish = [&] {
+        folder.Write("plan.zo", fresh);
+        std::filesystem::remove(folder.Path("plan.zo-new"));
+    };
+    for (const int where : {0, 1, 2}) {
+        SCOPED_TRACE(where);
+        FaultyServices services;
+        unsigned waited = 0;
+        if (where != 1) folder.Write("plan.zo-new", fresh);
+        tear();
+        services.onCall = [&](const std::string& call) {
+            if (where == 1 && call == "ReadFile plan.zo" && waited == 0) folder.Write("plan.zo-new", fresh);
+        };
+        services.onWait = [&](unsigned milliseconds) {
+            waited += milliseconds;
+            if (where != 2 && waited >= 30) finish();
+        };
+        std::string seen;
+        const std::string thrown = Thrown([&] { seen = Open(plan, TFileReading::Viewing); });
+        EXPECT_EQ(thrown, where == 2 ? "read: No error" + AT_RECORD + "3" : "");
+        EXPECT_EQ(seen, where == 2 ? "" : "2:new");
+        EXPECT_EQ(waited, where == 2 ? 1000u : 30u);
+    }
 }
 
 // An application may keep its model's file locked from opening on, over its own saves.

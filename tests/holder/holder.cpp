@@ -11,12 +11,12 @@
 
 using namespace ZoPrimitives;
 
-// holder read|write FILE HELD RELEASE: opens the file, makes a file HELD, and waits until there is a file
-// RELEASE.
+// holder read|view|write FILE HELD RELEASE: opens the file, makes a file HELD, and waits until there is a
+// file RELEASE.
 int main(int, char** arguments) {
     const std::string how = arguments[1];
     try {
-        TFileBinInStream in(arguments[2]);
+        TFileBinInStream in(arguments[2], how == "view" ? TFileReading::Viewing : TFileReading::Locking);
         const std::unique_ptr<TFileBinOutStream> out(TFileBinOutStream::Create(arguments[2], false));
         how == "write" ? out->Initialize() : in.OpenFile();
         std::ofstream(arguments[3]) << how;

@@ -11,8 +11,8 @@
 
 namespace ZoPrimitives::Testing {
 
-/// Another process that has the file "plan.zo" of a folder open while this lives, to "read" or to "write" it
-/// (tests/holder).
+/// Another process that has the file "plan.zo" of a folder open while this lives, to "read", "view" or
+/// "write" it (tests/holder).
 class OtherProcess {
 public:
     OtherProcess(const std::string& how, const TemporaryFolder& place) : folder(place) {

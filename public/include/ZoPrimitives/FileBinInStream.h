@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/FileReading.h"
 #include "ZoPrimitives/ZoString.h"
 
 #include <type_traits>
@@ -8,7 +9,7 @@
 namespace ZoPrimitives {
 
 /// Reads records from a file, which is loaded into memory as a whole; where that fails, from the device, much
-/// slower. An open file that is not read-only is locked against everybody who would write it.
+/// slower. It is locked against everybody who would write it, or viewed (`TFileReading`).
 class ZO_API TFileBinInStream : public TBinInStream {
 public:
     static constexpr unsigned ANY_VERSION = 0xFFFFFFFFu;
@@ -17,6 +18,7 @@ public:
     explicit TFileBinInStream(const char* fileName, bool ownsSource = true);
     TFileBinInStream(const char* fileName, unsigned supportedVersion, bool ownsSource = true);
     TFileBinInStream(const char* fileName, int supportedVersion, bool ownsSource = true);
+    TFileBinInStream(const char* fileName, TFileReading reading, unsigned supportedVersion = ANY_VERSION);
     /// A file that is open for reading. `ownsSource`: it is closed with the stream.
     TFileBinInStream(void* file, bool ownsSource, unsigned supportedVersion = ANY_VERSION);
     ~TFileBinInStream() override;
@@ -60,12 +62,15 @@ private:
     void OpenFile(const char* name);
     unsigned long long SeekFar(long long offset, int origin);
     void Load();
+    void LoadOnce();
     void Unload();
     void Close();
 
     ZoString fileName;
     void* file = nullptr;
     bool named;
+    TFileReading asked = TFileReading::Locking;
+    TFileReading reading = TFileReading::Locking; // viewing for a read-only file too
     unsigned char* copy = nullptr;
 };
 

@@ -3,19 +3,25 @@
 #include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/ZoString.h"
 
+#include <memory>
+
 namespace ZoPrimitives {
+
+class FileReplacement;
 
 /// Writes records to a file, and keeps the version that the file held before until the new one is whole.
 ///
-/// With the backup flag, or on a network drive, writing goes to a temporary file beside the target, which
-/// `Finalize` puts in the target's place: at every instant one whole version exists as the target, as its
-/// "-bak" copy (backup flag only) or as the temporary file. Otherwise the target is written in place; it is
-/// then left to the system when it reaches the device.
+/// With the backup flag, or on a network drive, writing goes to a temporary file beside the target.
+/// `Finalize` renames it to the target's name with "-new" behind it, copies it over the target and deletes
+/// it: at every instant one whole version exists as the target, as its "-bak" copy (backup flag only), as the
+/// temporary or as the "-new" file. When that was stopped by a crash, a target that is torn is made whole
+/// from the "-new" file before it is kept as the backup of the next save. Otherwise the target is written in
+/// place; it is then left to the system when it reaches the device.
 ///
 /// A stream writes one file: `Initialize`, records, `Finalize`. Whole records are gathered and written in
 /// blocks of 256 KiB or more; a failure surfaces in the call that meets it, at the latest in `Finalize`, as
 /// `XWriteStreamOutOfSpace` when the device is full and as `XWriteStream` otherwise. The file is then closed,
-/// a temporary file stays where `GetWrittenPath` says, further records throw, and `Finalize` does nothing.
+/// what was written stays where `GetWrittenPath` says, further records throw, and `Finalize` does nothing.
 class ZO_API TFileBinOutStream : public TBinOutStream {
 public:
     /// A new stream, on the heap and the caller's; a `pointer` may hold it. Nothing is opened yet. `backup`
@@ -56,10 +62,10 @@ public:
     /// backup. Null goes back to the file name.
     void SetFile(void* file) override;
 
-    const ZoString& GetFileName() const { return fileName; }
-    /// The file that holds what was written: the temporary one until `Finalize` has put it in the target's
-    /// place, the target otherwise.
-    const ZoString& GetWrittenPath() const { return writtenPath; }
+    const ZoString& GetFileName() const;
+    /// The file that holds what was written: the temporary one, or the "-new" one, until `Finalize` has put
+    /// it in the target's place, the target otherwise.
+    const ZoString& GetWrittenPath() const { return *writtenPath; }
 
 protected:
     TFileBinOutStream(const char* fileName, bool backup);
@@ -71,17 +77,18 @@ protected:
 private:
     enum class State { New, Writing, Ended };
 
+    void MakeTemporary();
     void OpenFile(const char* path);
     void CheckWriting() const;
     void WriteGathered();
     void SeekTo(unsigned long long offset, const char* location);
     void Abandon();
     void CloseWritten();
-    void MakeBackup();
     void ReplaceTarget();
 
-    ZoString fileName;
-    ZoString writtenPath;
+    std::unique_ptr<const FileReplacement> names;
+    ZoString temporary;
+    const ZoString* writtenPath;
     void* file = nullptr;
     bool ownsFile = false;
     bool backup;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZoPrimitives/FileReading.h"
 #include "ZoPrimitives/InputStream.h"
 #include "ZoPrimitives/ZoString.h"
 
@@ -9,7 +10,7 @@
 namespace ZoPrimitives {
 
 /// Reads tokens from a text file, one in a line; lines end with LF or CR LF. The file is loaded as a whole
-/// when the stream is made, and stays open and locked against writers until the stream goes.
+/// when the stream is made, and stays open until the stream goes, locked or viewed (`TFileReading`).
 ///
 /// Numbers are read as C's `atol` and `atof` do in the C locale: blanks, a sign and as much as is a number,
 /// otherwise 0; integers beyond their type become the nearest one, of an unsigned type the negative ones wrap
@@ -22,6 +23,7 @@ public:
     /// `flag` is kept for whoever asks and has no effect here. Throws `XReadStream` "Não foi possível ler o
     /// arquivo " and the name.
     explicit FileInputStream(const char* fileName, bool flag = false);
+    FileInputStream(const char* fileName, TFileReading reading);
     ~FileInputStream() override;
 
     InputStream& operator>>(ZoString& value) override;
@@ -51,7 +53,9 @@ protected:
     void LoadFromFile();
 
 private:
+    FileInputStream(const char* fileName, bool flag, TFileReading reading);
     void OpenFile(const char* name);
+    void LoadOnce();
     /// The next token, good until the file is loaded anew.
     std::string_view GetNextLine();
     std::string_view Token();
@@ -64,6 +68,7 @@ private:
     bool whole = false;
     bool atLastLine = false; // which has no end, and was given
     ZoString fileName;
+    TFileReading reading;
 };
 
 } // namespace ZoPrimitives

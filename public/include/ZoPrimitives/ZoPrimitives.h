@@ -23,6 +23,7 @@
 #include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/FileOutputStream.h"
+#include "ZoPrimitives/FileReading.h"
 #include "ZoPrimitives/FilteredBinInStreamer.h"
 #include "ZoPrimitives/IList.h"
 #include "ZoPrimitives/IMap.h"

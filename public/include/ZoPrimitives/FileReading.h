@@ -1,0 +1,22 @@
+#pragma once
+
+namespace ZoPrimitives {
+
+/// How a stream that reads a file shares it with others.
+///
+/// | is open       | a locking reader | a viewer | a writer in place | a save through a temporary file |
+/// |---------------|------------------|----------|-------------------|---------------------------------|
+/// | locking       | refused          | opens    | refused           | refused at its end              |
+/// | viewing       | opens            | opens    | opens             | goes on                         |
+/// | being written | refused          | opens    | refused           | refused at its end              |
+enum class TFileReading {
+    /// The file is locked against everybody who would write it, other locking readers among them. A read-only
+    /// file is viewed.
+    Locking,
+    /// The file is opened for reading only and keeps nobody out. A stream that has loaded it keeps what it
+    /// read whatever others write. While a save is replacing the file, opening waits for its end, a second at
+    /// most; a file that is being written in place is seen as far as it has come.
+    Viewing,
+};
+
+} // namespace ZoPrimitives

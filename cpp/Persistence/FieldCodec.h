@@ -12,6 +12,7 @@
 #include "ZoPrimitives/ZoClassField.h"
 #include "ZoPrimitives/dvector.h"
 
+#include <array>
 #include <type_traits>
 
 namespace ZoPrimitives {
@@ -61,11 +62,18 @@ public:
 
     template <class Sink>
     static void SaveUids(const Sink& put, TZoClassFieldPointer& field, ZoStreamableBase* object) {
+        SaveUids(put, field, object, field);
+    }
+
+    /// `told`: the field that an exception names, of a map's sub-field the map.
+    template <class Sink>
+    static void SaveUids(const Sink& put, TZoClassFieldPointer& field, ZoStreamableBase* object,
+                         const TZoClassField& told) {
         ZoStreamableBase* target = field.Get(object);
         int uid = 0;
         if (target != nullptr) {
             uid = HandleAccess::Get(put.stream, target);
-            if (uid == 0) ThrowDangling(field, object, target);
+            if (uid == 0) ThrowDangling(told, object, target);
         }
         put(uid);
     }
@@ -82,8 +90,12 @@ public:
 
     template <class Sink>
     static void SaveUids(const Sink& put, TZoClassFieldPointerMap& field, ZoStreamableBase* object) {
-        for (TZoClassField* half : {field.GetKeyField(), field.GetValueField()}) {
-            if (half != nullptr) SaveField(put, *half, object);
+        for (TZoClassFieldPointerBase* half : HalvesOf(field)) {
+            if (TZoClassFieldPointerList* list = AsList(half)) {
+                SaveUids(put, *list, object);
+            } else {
+                SaveUids(put, static_cast<TZoClassFieldPointer&>(*half), object, field);
+            }
         }
     }
 
@@ -141,8 +153,12 @@ public:
     template <class Source>
     static void Load(const Source& take, TZoClassFieldPointerMap* application, ZoStreamableBase* object) {
         if (application != nullptr) {
-            for (TZoClassField* half : {application->GetKeyField(), application->GetValueField()}) {
-                if (half != nullptr) LoadField(take, *half, half, object);
+            for (TZoClassFieldPointerBase* half : HalvesOf(*application)) {
+                if (TZoClassFieldPointerList* list = AsList(half)) {
+                    LoadUids(take, object, list);
+                } else {
+                    Load(take, static_cast<TZoClassFieldPointer*>(half), object);
+                }
             }
         } else {
             LoadUids(take, object, nullptr);
@@ -228,8 +244,22 @@ public:
         resolver.Tell(object, application, resolved.target, uid);
     }
 
+    /// A map's sub-field as a list; null where it is a single pointer.
+    static TZoClassFieldPointerList* AsList(TZoClassFieldPointerBase* half) {
+        return half != nullptr && half->GetFieldType() == ftChildPointerList
+                   ? static_cast<TZoClassFieldPointerList*>(half)
+                   : nullptr;
+    }
+
 private:
     static constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
+
+    using Halves = std::array<TZoClassFieldPointerBase*, 2>;
+    static Halves HalvesOf(const TZoClassFieldPointerMap& map) {
+        if (!map.key || !map.value) FailWithoutHalves(map);
+        return {map.key.get(), map.value.get()};
+    }
+    [[noreturn]] static void FailWithoutHalves(const TZoClassFieldPointerMap& map);
 
     /// Calls the action with the field as what it is.
     template <class Action>
@@ -422,13 +452,12 @@ private:
 
     static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointerMap&,
                              TZoClassFieldPointerMap& application, ZoStreamableBase* object) {
-        TZoClassField* halves[] = {application.GetKeyField(), application.GetValueField()};
+        const Halves halves = HalvesOf(application);
         if (AsList(halves[0]) != nullptr && AsList(halves[1]) != nullptr) {
             ResolvePairs(resolver, *AsList(halves[0]), *AsList(halves[1]), object);
             return;
         }
-        for (TZoClassField* half : halves) {
-            if (half == nullptr || !half->IsPointerKind()) continue;
+        for (TZoClassFieldPointerBase* half : halves) {
             // Application's fields belong to no reading: what they took is not noted on them.
             TZoClassFieldPointer noted("", ftPointer, nullptr, nullptr);
             TZoClassFieldPointerList notedItems("", ftPointerList, {});
@@ -459,12 +488,6 @@ private:
             resolver.Tell(object, keys, key.target, keyUids[i]);
             resolver.Tell(object, values, value.target, valueUids[i]);
         }
-    }
-
-    static TZoClassFieldPointerList* AsList(TZoClassField* field) {
-        return field != nullptr && field->GetFieldType() == ftChildPointerList
-                   ? static_cast<TZoClassFieldPointerList*>(field)
-                   : nullptr;
     }
 
     /// A place to read a value into; strings use one whose buffer is kept.

@@ -78,17 +78,31 @@ void GraphWalk::AddSteps(Plan& plan, const TZoClass* level) {
     for (const auto* list : {&level->fieldsChildMaps, &level->fieldsChilds, &level->fieldsChildLists}) {
         for (const auto& field : *list) plan.steps.push_back({field.get(), nullptr});
     }
-    if (level->collectsExternals) plan.steps.push_back({nullptr, level});
+    bool collects = false;
+    ForEachExternal(*level, [&collects](TZoClassField&) { collects = true; });
+    if (collects) plan.steps.push_back({nullptr, level});
+}
+
+/// Calls the action with each field of the level, maps' sub-fields among them, that refers to external
+/// instances.
+template <class Action>
+void GraphWalk::ForEachExternal(const TZoClass& level, Action action) {
+    const auto visit = [&action](TZoClassField* field) {
+        if (field == nullptr) return;
+        if (field->GetFieldType() == ftPointerEx || field->GetFieldType() == ftPointerListEx) action(*field);
+    };
+    for (const auto& field : level.fieldsChildMaps) {
+        const auto& map = static_cast<const TZoClassFieldPointerMap&>(*field);
+        visit(map.GetKeyField());
+        visit(map.GetValueField());
+    }
+    for (const auto& field : level.fieldsReferences) visit(field.get());
+    for (const auto& field : level.fieldsReferencesLists) visit(field.get());
 }
 
 void GraphWalk::CollectExternals(ZoStreamableBase* object, const TZoClass* level) {
     ItemAction collect([this](ZoStreamableBase* item) { AddExternal(item); });
-    for (const auto& field : level->fieldsReferences) {
-        if (field->GetFieldType() == ftPointerEx) field->GetFieldMetaData(object, collect);
-    }
-    for (const auto& field : level->fieldsReferencesLists) {
-        if (field->GetFieldType() == ftPointerListEx) field->GetFieldMetaData(object, collect);
-    }
+    ForEachExternal(*level, [&](TZoClassField& field) { field.GetFieldMetaData(object, collect); });
 }
 
 void GraphWalk::AddExternal(ZoStreamableBase* target) {

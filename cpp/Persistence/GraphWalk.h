@@ -55,6 +55,8 @@ private:
     void Enter(ZoStreamableBase* object);
     const Plan& PlanOf(const TZoClass* objectClass);
     void AddSteps(Plan& plan, const TZoClass* level);
+    template <class Action>
+    static void ForEachExternal(const TZoClass& level, Action action);
     void CollectExternals(ZoStreamableBase* object, const TZoClass* level);
     void AddExternal(ZoStreamableBase* target);
 

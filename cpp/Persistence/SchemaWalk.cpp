@@ -41,9 +41,16 @@ SchemaWalk::Plan& SchemaWalk::BuiltPlanOf(const TZoClass* objectClass) {
 
 void SchemaWalk::AddSteps(Plan& plan, const TZoClass* level) {
     for (const auto& parent : level->parents) AddSteps(plan, parent.get());
+    const auto add = [&plan](TZoClassField* field) {
+        if (field == nullptr) return;
+        const bool follows = field->GetFieldType() != ftPointer && field->GetFieldType() != ftPointerList;
+        plan.steps.push_back({static_cast<TZoClassFieldPointerBase*>(field), follows, false, 0});
+    };
     level->ForEachPointerField([&](TZoClassField& field) {
-        const bool follows = field.GetFieldType() != ftPointer && field.GetFieldType() != ftPointerList;
-        plan.steps.push_back({static_cast<TZoClassFieldPointerBase*>(&field), follows, false, 0});
+        if (field.GetFieldType() != ftChildPointerMap) return add(&field);
+        const auto& map = static_cast<const TZoClassFieldPointerMap&>(field);
+        add(map.GetKeyField());
+        add(map.GetValueField());
     });
 }
 
@@ -126,7 +133,14 @@ const std::vector<const TZoClass*>& SchemaWalk::ClosureOf(const TZoClass* declar
     for (std::size_t i = 0; i < plan.closure.size(); ++i) {
         const TZoClass* next = plan.closure[i];
         for (const auto& parent : next->parents) add(parent.get());
-        next->ForEachPointerField([&](const TZoClassField& field) { add(field.GetFieldClass()); });
+        next->ForEachPointerField([&](TZoClassField& field) {
+            add(field.GetFieldClass());
+            if (field.GetFieldType() != ftChildPointerMap) return;
+            const auto& map = static_cast<const TZoClassFieldPointerMap&>(field);
+            for (const TZoClassField* half : {map.GetKeyField(), map.GetValueField()}) {
+                if (half != nullptr) add(half->GetFieldClass());
+            }
+        });
     }
     plan.closed = true;
     return plan.closure;

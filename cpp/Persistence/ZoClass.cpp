@@ -71,7 +71,6 @@ Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
     } else {
         inOrder.push_back(field);
     }
-    if (base.kind == ftPointerEx || base.kind == ftPointerListEx) collectsExternals = true;
     return field;
 }
 
@@ -141,7 +140,7 @@ TZoClassFieldPointerList* TZoClass::AddFieldPointerListEx(const ZoString& field,
 TZoClassFieldPointerMap* TZoClass::AddFieldChildPointerMap(const ZoString& field, TZoClass* fieldClass,
                                                            TZoClassField* key, TZoClassField* value) {
     auto* map = Adopt(new TZoClassFieldPointerMap(field), fieldClass);
-    map->AddFields(key, value);
+    if (key != nullptr || value != nullptr) map->AddFields(key, value);
     return map;
 }
 
@@ -255,14 +254,26 @@ bool TZoClass::IsInherited(const ZoString& ancestorName) const {
     return false;
 }
 
+/// Calls the action with each own field, map's sub-fields among them, whose object is a member of its owner.
+template <class Action>
+void TZoClass::ForEachMember(Action action) const {
+    const auto visit = [&action](TZoClassField* field) {
+        if (field != nullptr && field->GetFieldType() == ftChildValue)
+            action(static_cast<TZoClassFieldPointer&>(*field));
+    };
+    for (const auto& field : fieldsChildMaps) {
+        const auto& map = static_cast<const TZoClassFieldPointerMap&>(*field);
+        visit(map.GetKeyField());
+        visit(map.GetValueField());
+    }
+    for (const auto& field : fieldsChilds) visit(field.get());
+}
+
 bool TZoClass::HasValueChildren() const {
-    for (const auto& field : fieldsChilds) {
-        if (field->GetFieldType() == ftChildValue) return true;
-    }
-    for (const auto& parent : parents) {
-        if (parent->HasValueChildren()) return true;
-    }
-    return false;
+    bool any = false;
+    ForEachMember([&any](TZoClassFieldPointer&) { any = true; });
+    for (const auto& parent : parents) any = any || parent->HasValueChildren();
+    return any;
 }
 
 ZoStreamableBase* TZoClass::CreateInstance(TZoMetaData* fileSchema, TZoMetaData* applicationSchema) {
@@ -286,7 +297,15 @@ void TZoClass::SaveMetaToStream(TBinOutStream* stream) { SaveMetaToStream(stream
 
 void TZoClass::SaveMetaToStream(TBinOutStream* stream, const Listed* listed) {
     *stream << classId << name << abstract << PARENTS_FOLLOW << static_cast<int>(parents.NItems());
-    for (const auto& parent : parents) *stream << parent->GetClassId();
+    for (const auto& parent : parents) {
+        // No reader would take a schema that lacks a parent.
+        if (listed != nullptr && !std::binary_search(listed->begin(), listed->end(), parent.get())) {
+            const ZoString message =
+                ZoString::FormatString("[zoerror] parent class of %s not registered", name.c_str());
+            AssertWithFunctor("parent is written", message.c_str(), SOURCE, __LINE__);
+        }
+        *stream << parent->GetClassId();
+    }
     if (fieldsChildMaps.NItems() != 0) {
         SaveBlock(stream, fieldsChildMaps, "fieldsChildMaps->NItems() <= MAX_INT_SIZE", listed);
     }
@@ -344,10 +363,9 @@ int TZoClass::LoadBlock(TBinInStream* stream) {
     CheckCount(stream->GetRemaining(), count, SMALLEST_ENTRY);
     int kind = 0;
     for (int i = 0; i < count; ++i) {
-        int fieldClassId = 0;
-        ZoString fieldName;
-        TZoClassField::LoadMetaFromStream(stream, fieldClassId, kind, fieldName);
-        AddField(fieldClassId, static_cast<TZoClassFieldType>(kind), fieldName);
+        const TZoClassField::Entry entry = TZoClassField::LoadMetaFromStream(stream);
+        kind = entry.kind;
+        AddField(entry.classId, static_cast<TZoClassFieldType>(kind), entry.name);
     }
     return kind;
 }
@@ -554,12 +572,9 @@ void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBas
 
 void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members) {
     for (const auto& parent : parents) parent->FillValueChildren(object, members);
-    for (const auto& field : fieldsChilds) {
-        if (field->GetFieldType() != ftChildValue) continue;
-        if (ZoStreamableBase* member = static_cast<TZoClassFieldPointer*>(field.get())->Get(object)) {
-            members->Add(member);
-        }
-    }
+    ForEachMember([&](TZoClassFieldPointer& field) {
+        if (ZoStreamableBase* member = field.Get(object)) members->Add(member);
+    });
 }
 
 void TZoClass::DeleteReferences(ZoStreamableBase* object,

@@ -15,6 +15,8 @@ namespace ZoPrimitives {
 
 namespace {
 
+constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
+
 template <class T>
 constexpr TZoClassFieldType VALUE_KIND = ftInt;
 template <>
@@ -41,6 +43,39 @@ constexpr TZoClassFieldType LIST_KIND<ZoString> = ftListString;
 
 } // namespace
 
+namespace {
+
+/// A field's kind says what its C++ class is: all that casts by the kind relies on it.
+void CheckShape(TZoClassFieldType kind, FieldShape shape, const ZoString& name) {
+    if (FieldKindOf(kind).shape == shape) return;
+    const ZoString message =
+        ZoString::FormatString("[zoerror] field %s cannot be of kind %d. See TZoClass::AddField",
+                               name.c_str(), static_cast<int>(kind));
+    AssertWithFunctor("FieldKindOf(kind).shape == shape", message.c_str(), SOURCE, __LINE__);
+}
+
+/// What a map's sub-field may be: a list of owned objects or any single pointer.
+bool IsHalf(TZoClassFieldType kind) {
+    return kind == ftChildPointerList || FieldKindOf(kind).shape == FieldShape::Pointer;
+}
+
+[[noreturn]] void FailHalf(const TZoClassFieldPointerMap& map) {
+    const ZoString message = ZoString::FormatString(
+        "[zoerror] a sub-field of map %s is neither a list of owned objects nor a single pointer. See "
+        "TZoClassFieldPointerMap::AddFields",
+        map.GetFieldName().c_str());
+    AssertWithFunctor("IsHalf(kind)", message.c_str(), SOURCE, __LINE__);
+}
+
+} // namespace
+
+void FieldCodec::FailWithoutHalves(const TZoClassFieldPointerMap& map) {
+    const ZoString message =
+        ZoString::FormatString("[zoerror] map %s has no sub-fields. See TZoClassFieldPointerMap::AddFields",
+                               map.GetFieldName().c_str());
+    AssertWithFunctor("key && value", message.c_str(), SOURCE, __LINE__);
+}
+
 void FieldCodec::ThrowDangling(const TZoClassField& field, const ZoStreamableBase* object,
                                const ZoStreamableBase* target) {
     throw XStream(
@@ -66,8 +101,20 @@ bool TZoClassField::IsPointerKind() const { return FieldKindOf(kind).list != Fie
 
 void TZoClassField::GetFieldMetaData(ZoStreamableBase*, ZoStreamableBaseFunctor&) {}
 
-void TZoClassField::LoadMetaFromStream(TBinInStream* stream, int& classId, int& kind, ZoString& name) {
-    *stream >> classId >> kind >> name;
+void TZoClassField::SetFieldClass(TZoClass* newClass) {
+    fieldClass = newClass;
+    if (half != Half::No && newClass != nullptr && name.length() == 0) name = newClass->GetName();
+}
+
+const ZoString& TZoClassField::Unresolved() {
+    static const ZoString unresolved("<unresolve>");
+    return unresolved;
+}
+
+TZoClassField::Entry TZoClassField::LoadMetaFromStream(TBinInStream* stream) {
+    Entry entry{};
+    *stream >> entry.classId >> entry.kind >> entry.name;
+    return entry;
 }
 
 // Values
@@ -126,7 +173,7 @@ bool TZoClassFieldPointerBase::Accepts(const ZoStreamableBase* target) const {
     if (TZoMetaData::IsGenericBase(wanted)) {
         return wanted != "ZoObjectStreamable" || dynamic_cast<const ZoObjectStreamable*>(target) != nullptr;
     }
-    if (declared == nullptr) return false;
+    if (declared == nullptr || declared->GetMetaData() == nullptr) return false;
     const TZoClass* targetClass = target->GetOriginalClass(declared->GetMetaData());
     return targetClass != nullptr && targetClass->IsInherited(declared);
 }
@@ -136,9 +183,13 @@ bool TZoClassFieldPointerBase::Owns() const {
            GetFieldType() == ftChildPointerMap;
 }
 
+bool TZoClassFieldPointerBase::HoldsChildren() const { return Owns() || GetFieldType() == ftChildValue; }
+
 TZoClassFieldPointer::TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set,
                                            TZoPointerGetter get)
-    : TZoClassFieldPointerBase(name, kind), set(set), get(get) {}
+    : TZoClassFieldPointerBase(name, kind), set(set), get(get) {
+    CheckShape(kind, FieldShape::Pointer, name);
+}
 TZoClassFieldPointer::~TZoClassFieldPointer() = default;
 
 void TZoClassFieldPointer::SavePointer(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
@@ -174,7 +225,9 @@ void TZoClassFieldPointer::DeleteReferences(ZoStreamableBase* object,
 
 TZoClassFieldPointerList::TZoClassFieldPointerList(const ZoString& name, TZoClassFieldType kind,
                                                    const TZoPointerListAccessors& access)
-    : TZoClassFieldPointerBase(name, kind), access(access) {}
+    : TZoClassFieldPointerBase(name, kind), access(access) {
+    CheckShape(kind, FieldShape::PointerList, name);
+}
 TZoClassFieldPointerList::~TZoClassFieldPointerList() = default;
 
 unsigned long long TZoClassFieldPointerList::NItems(ZoStreamableBase* object) {
@@ -249,36 +302,41 @@ TZoClassFieldPointerMap::TZoClassFieldPointerMap(const ZoString& name)
 TZoClassFieldPointerMap::~TZoClassFieldPointerMap() = default;
 
 void TZoClassFieldPointerMap::AddFields(TZoClassFieldType keyKind, TZoClassFieldType valueKind) {
-    const ZoString subName =
-        GetFieldClass() != nullptr ? GetFieldClass()->GetName() : ZoString("<unresolve>");
-    const auto make = [&subName](TZoClassFieldType kind) -> TZoClassField* {
-        if (kind == ftChildPointerList) return new TZoClassFieldPointerList(subName, kind, {});
-        return new TZoClassFieldPointer(subName, kind, nullptr, nullptr);
+    if (!IsHalf(keyKind) || !IsHalf(valueKind)) FailHalf(*this);
+    const auto make = [](TZoClassFieldType kind) -> TZoClassField* {
+        if (kind == ftChildPointerList) return new TZoClassFieldPointerList("", kind, {});
+        return new TZoClassFieldPointer("", kind, nullptr, nullptr);
     };
-    AddFields(make(keyKind), make(valueKind));
+    const pointer<TZoClassField> newKey(make(keyKind));
+    Adopt(newKey.get(), Half::OfTheMapsClass, make(valueKind));
 }
 
 void TZoClassFieldPointerMap::AddFields(TZoClassField* newKey, TZoClassField* newValue) {
-    key = newKey;
-    value = newValue;
+    Adopt(newKey, Half::OfItsOwnClass, newValue);
+}
+
+void TZoClassFieldPointerMap::Adopt(TZoClassField* newKey, Half keyClass, TZoClassField* newValue) {
+    const pointer<TZoClassField> held[] = {pointer<TZoClassField>(newKey), pointer<TZoClassField>(newValue)};
+    auto* keys = Adopt(newKey, keyClass);
+    auto* values = Adopt(newValue, Half::OfTheMapsClass);
+    key = keys;
+    value = values;
+}
+
+TZoClassFieldPointerBase* TZoClassFieldPointerMap::Adopt(TZoClassField* field, Half classOf) {
+    // What an application derived itself may claim any kind: the C++ class must be the kind's own.
+    TZoClassFieldPointerBase* adopted = dynamic_cast<TZoClassFieldPointer*>(field);
+    if (adopted == nullptr) adopted = dynamic_cast<TZoClassFieldPointerList*>(field);
+    if (adopted == nullptr || !IsHalf(adopted->GetFieldType())) FailHalf(*this);
+    TZoClassField& base = *adopted;
+    base.half = classOf;
+    base.owner = owner;
     // A map that an application's field reads is read through that field's own sub-fields.
-    for (TZoClassField* field : {newKey, newValue}) SetOriginal(field, field);
+    SetOriginal(adopted, adopted);
+    const bool takesClass = classOf == Half::OfTheMapsClass && base.className.length() == 0;
+    adopted->SetFieldClass(takesClass && base.fieldClass == nullptr ? fieldClass : base.fieldClass);
+    return adopted;
 }
-
-namespace {
-
-TZoClassFieldPointerBase* AsPointers(TZoClassField* field) {
-    return field != nullptr && field->IsPointerKind() ? static_cast<TZoClassFieldPointerBase*>(field)
-                                                      : nullptr;
-}
-
-TZoClassFieldPointerList* AsList(TZoClassField* field) {
-    return field != nullptr && field->GetFieldType() == ftChildPointerList
-               ? static_cast<TZoClassFieldPointerList*>(field)
-               : nullptr;
-}
-
-} // namespace
 
 void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
     FieldCodec::SaveUids(VirtualSink{*stream}, *this, object);
@@ -286,15 +344,14 @@ void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer*, 
 
 void TZoClassFieldPointerMap::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
                                            ZoStreamableBase* object) {
-    for (TZoClassField* field : {key.get(), value.get()}) {
-        if (TZoClassFieldPointerBase* pointers = AsPointers(field))
-            pointers->SaveToStream(stream, streamer, object);
+    for (TZoClassFieldPointerBase* half : {key.get(), value.get()}) {
+        if (half != nullptr && half->HoldsChildren()) half->SaveToStream(stream, streamer, object);
     }
 }
 
 void TZoClassFieldPointerMap::GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {
-    for (TZoClassField* field : {key.get(), value.get()}) {
-        if (field != nullptr) field->GetFieldMetaData(object, action);
+    for (TZoClassFieldPointerBase* half : {key.get(), value.get()}) {
+        if (half != nullptr && half->HoldsChildren()) half->GetFieldMetaData(object, action);
     }
 }
 
@@ -309,13 +366,11 @@ void TZoClassFieldPointerMap::LoadFromStream(TBinInStream* stream, ZoStreamableB
 void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
                                                bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                                const void* context) {
-    TZoClassFieldPointerList* keys = AsList(key.get());
-    TZoClassFieldPointerList* values = AsList(value.get());
+    TZoClassFieldPointerList* keys = FieldCodec::AsList(key.get());
+    TZoClassFieldPointerList* values = FieldCodec::AsList(value.get());
     if (keys == nullptr || values == nullptr) {
-        for (TZoClassField* field : {key.get(), value.get()}) {
-            if (TZoClassFieldPointerBase* pointers = AsPointers(field)) {
-                pointers->DeleteReferences(object, isRemoved, context);
-            }
+        for (TZoClassFieldPointerBase* half : {key.get(), value.get()}) {
+            if (half != nullptr) half->DeleteReferences(object, isRemoved, context);
         }
         return;
     }

@@ -27,6 +27,17 @@ constexpr unsigned SMALLEST_CLASS = 4 + 4 + 1 + 4 + 5 * 4;
 
 std::atomic<bool> writingGenericFile{false};
 
+/// Calls the action with the field and, of a map, with its sub-fields: all that have a class of their own.
+template <class Action>
+void ForEachTarget(TZoClassField& field, Action action) {
+    action(field);
+    const auto* map = dynamic_cast<TZoClassFieldPointerMap*>(&field);
+    if (map == nullptr) return;
+    for (TZoClassField* half : {map->GetKeyField(), map->GetValueField()}) {
+        if (half != nullptr) action(*half);
+    }
+}
+
 std::string_view View(const ZoString& text) { return {text.c_str(), text.length()}; }
 
 /// The classes of all schemas, by the number of their C++ class, those registered last behind.
@@ -56,6 +67,14 @@ private:
 LatestClasses& Latest() {
     static LatestClasses* latest = new LatestClasses; // outlives every class
     return *latest;
+}
+
+[[noreturn]] void FailTaken(const TZoClass& added, const TZoClass& present) {
+    const ZoString message = ZoString::FormatString(
+        "[zoerror] class %s has the id %d, as %s has in this schema. See TZoMetaData::AddClass",
+        added.GetName().c_str(), added.GetClassId(), present.GetName().c_str());
+    AssertWithFunctor("FindClass(newClass->GetClassId()) == nullptr", message.c_str(),
+                      "cpp/Persistence/ZoMetaData", __LINE__);
 }
 
 } // namespace
@@ -103,14 +122,28 @@ TZoMetaData::TZoMetaData() : index(new TClassNameAndIdMap) {}
 
 TZoMetaData::~TZoMetaData() { Clear(); }
 
+/// An id that no class of the schema has: the next one, or, behind the greatest there is, the first left.
+int TZoMetaData::NewId() const {
+    if (nextId <= INT_MAX) return static_cast<int>(nextId);
+    int id = 1;
+    while (FindClass(id) != nullptr) ++id;
+    return id;
+}
+
+void TZoMetaData::NoteId(int id) { nextId = std::max(nextId, id + 1LL); }
+
 TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     const pointer<TZoClass> holder(newClass);
     if (TZoClass* present = FindClass(newClass->GetName())) {
         if (present != newClass) ForgetUnresolved(newClass);
         return present;
     }
-    if (newClass->classId == 0) newClass->classId = nextId;
-    if (newClass->classId >= nextId && newClass->classId < INT_MAX) nextId = newClass->classId + 1;
+    if (newClass->classId == 0) newClass->classId = NewId();
+    if (const TZoClass* other = FindClass(newClass->classId)) {
+        ForgetUnresolved(newClass);
+        FailTaken(*newClass, *other);
+    }
+    NoteId(newClass->classId);
     classes.Add(newClass);
     index->Add(newClass);
     if (newClass->slot != 0 && newClass->schema == this) {
@@ -175,10 +208,12 @@ void TZoMetaData::ExcludeClass(const ZoString& name) {
     index->Clear();
     for (const auto& left : classes) index->Add(left.get());
     for (const auto& left : classes) {
+        if (left->BelongsElsewhere(this)) continue; // its own schema may still have what leaves here
         while (left->parents.Remove(leaving.get())) left->parentMissing = true;
         left->ForEachPointerField([&](TZoClassField& field) {
-            if (field.fieldClass != leaving.get()) return;
-            field.fieldClass = nullptr;
+            ForEachTarget(field, [&](TZoClassField& target) {
+                if (target.fieldClass == leaving.get()) target.SetFieldClass(nullptr);
+            });
             AddToResolveCrossRefs(&field);
         });
     }
@@ -234,14 +269,22 @@ TZoCadastre* TZoMetaData::FindCadastre(const ZoString& className) const {
 }
 
 void TZoMetaData::AddToResolveCrossRefs(TZoClassField* field) {
-    if (field != nullptr && field->IsPointerKind()) unresolved.AddUnique(field);
+    if (field == nullptr || !field->IsPointerKind()) return;
+    if (field->owner != nullptr && field->owner->BelongsElsewhere(this)) return;
+    bool known = true;
+    ForEachTarget(*field, [&](TZoClassField& target) { known = known && target.fieldClass != nullptr; });
+    if (!known) unresolved.AddUnique(field);
 }
 
 void TZoMetaData::ResolveCrossRefs() {
     TDVector<TZoClassField*> left;
     for (TZoClassField* field : unresolved) {
-        field->fieldClass = FindClass(field->GetFieldClassName());
-        if (field->fieldClass == nullptr) left.Add(field);
+        bool known = true;
+        ForEachTarget(*field, [&](TZoClassField& target) {
+            if (target.fieldClass == nullptr) target.SetFieldClass(FindClass(target.WantedClass(*field)));
+            known = known && target.fieldClass != nullptr;
+        });
+        if (!known) left.Add(field);
     }
     unresolved = left;
 }
@@ -258,24 +301,27 @@ bool TZoMetaData::Check(ZoString* report) const {
         if (report->length() != 0) *report += "\n";
         *report += text;
     };
+    const auto isHere = [this](const TZoClass* named) { return FindClass(named->GetClassId()) == named; };
     for (const auto& checked : classes) {
         bool parentsThere = !checked->parentMissing;
-        for (const auto& parent : checked->parents) {
-            parentsThere = parentsThere && FindClass(parent->GetName()) == parent.get();
-        }
+        for (const auto& parent : checked->parents) parentsThere = parentsThere && isHere(parent.get());
         if (!parentsThere) {
             line(ZoString::FormatString("[zoerror] parent class of %s not registered",
                                         checked->GetName().c_str()));
         }
-        checked->ForEachPointerField([&](const TZoClassField& field) {
-            if (field.GetFieldClass() != nullptr || IsGenericBase(field.GetFieldClassName())) return;
-            if (field.GetFieldClassName().length() == 0) {
-                line(ZoString::FormatString("[zoerror] class of reference field %s not registered",
-                                            field.GetFieldName().c_str()));
-            } else {
-                line(ZoString::FormatString("[zoerror] class %s of reference field %s not registered",
-                                            field.GetFieldClassName().c_str(), field.GetFieldName().c_str()));
-            }
+        checked->ForEachPointerField([&](TZoClassField& field) {
+            ForEachTarget(field, [&](const TZoClassField& target) {
+                const TZoClass* known = target.GetFieldClass();
+                const ZoString& className = known != nullptr ? known->GetName() : target.WantedClass(field);
+                if ((known != nullptr && isHere(known)) || IsGenericBase(className)) return;
+                // What a map says already, its sub-fields need not repeat.
+                if (&target != &field && className == field.GetFieldClassName()) return;
+                line(className.length() == 0
+                         ? ZoString::FormatString("[zoerror] class of reference field %s not registered",
+                                                  field.GetFieldName().c_str())
+                         : ZoString::FormatString("[zoerror] class %s of reference field %s not registered",
+                                                  className.c_str(), field.GetFieldName().c_str()));
+            });
         });
     }
     for (const auto& kept : registers) {
@@ -320,6 +366,7 @@ bool TZoMetaData::LoadFromStream(TBinInStream* stream, TZoMetaData* application)
         const pointer<TZoClass> read(new TZoClass(this, nullptr, "", nullptr, false, nullptr));
         read->LoadMetaFromStream(stream);
         if (read->classId <= 0 || index->Find(read->classId) != nullptr) return false;
+        NoteId(read->classId);
         classes.Add(read.get());
         index->Add(read.get());
     }

@@ -51,7 +51,7 @@ void ZoRegistration::AddField(FieldClassFunction fieldClassOf, AddFieldFunction 
     TZoClassFieldType kind{};
     const ZoString typeName = fieldClassOf(schema, &fieldClass, &kind);
     TZoClassField* field = add(made.get(), fieldClass, typeName);
-    if (fieldClass == nullptr) unresolved.Add(field);
+    unresolved.Add(field);
 }
 
 TZoClass* ZoRegistration::Finish() {

@@ -50,7 +50,9 @@ StreamableList::StreamableList(StreamableInit init) : ZoObjectStreamable(init) {
 StreamableList::StreamableList(const StreamableList&) = default;
 StreamableList& StreamableList::operator=(const StreamableList&) = default;
 StreamableList::~StreamableList() = default;
-StreamableList* StreamableList::Create() { return new StreamableList(); }
+ZoStreamableBase* StreamableList::Create(TZoMetaData* fileSchema, TZoMetaData* schema, TZoClass* cls) {
+    return ZoCreateInstance<StreamableList>(fileSchema, schema, cls);
+}
 
 void ZoRegisterPrimitives(TZoMetaData* schema) {
     ZoBoolean::Register(schema);

@@ -211,6 +211,13 @@ TEST(SchemaRecord, RefusesWhatContradictsItself) {
     }
 }
 
+TEST(SchemaRecord, LeavesItsIdsTaken) {
+    LoadedSchema loaded(SchemaOf({{.id = 7, .name = "A"}, {.id = 3, .name = "B"}}));
+    EXPECT_EQ(NoFields::Register(&loaded.schema)->GetClassId(), 8);
+    LoadedSchema greatest(SchemaOf({{.id = 2147483647, .name = "A"}, {.id = 1, .name = "B"}}));
+    EXPECT_EQ(NoFields::Register(&greatest.schema)->GetClassId(), 2) << "the first that is left";
+}
+
 TEST(SchemaRecord, RefusesCountsThatItCannotHold) {
     const std::string corrupt = "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre";
     const auto head = [] { return Payload().Int(1).Int(1).Text("C").Bool(false); };
@@ -402,18 +409,49 @@ TEST(SchemaFactory, NamesAMapsSubFieldsByItsClass) {
     TZoMetaData schema;
     TZoClass target(&schema, nullptr, "Target", nullptr, false, nullptr);
     TZoClass owner(&schema, nullptr, "Owner", nullptr, false, nullptr);
-    struct Case {
-        const char* name;
-        TZoClass* fieldClass;
-        const char* subName;
-    };
-    for (const Case& tested : {Case{"known", &target, "Target"}, Case{"unknown", nullptr, "<unresolve>"}}) {
-        SCOPED_TRACE(tested.name);
-        auto* map = owner.AddFieldChildPointerMap("m", tested.fieldClass, nullptr, nullptr);
+    for (TZoClass* known : {&target, static_cast<TZoClass*>(nullptr)}) {
+        const char* subName = known != nullptr ? "Target" : "<unresolve>";
+        auto* map = owner.AddFieldChildPointerMap("m", known, nullptr, nullptr);
         map->AddFields(ftChildPointer, ftChildPointerList);
-        EXPECT_EQ(Text(map->GetKeyField()->GetFieldName()), tested.subName);
+        for (TZoClassField* half : {map->GetKeyField(), map->GetValueField()}) {
+            EXPECT_EQ(Text(half->GetFieldName()), subName);
+            EXPECT_EQ(half->GetFieldClass(), known);
+        }
         EXPECT_EQ(map->GetKeyField()->GetFieldType(), ftChildPointer);
-        EXPECT_EQ(Text(map->GetValueField()->GetFieldName()), tested.subName);
         EXPECT_EQ(map->GetValueField()->GetFieldType(), ftChildPointerList);
+        if (known != nullptr) continue;
+        map->SetFieldClassName("NoFields");
+        schema.AddToResolveCrossRefs(map);
+        TZoClass* late = NoFields::Register(&schema);
+        EXPECT_EQ(map->GetKeyField()->GetFieldClass(), late);
+        EXPECT_EQ(Text(map->GetValueField()->GetFieldName()), "NoFields");
     }
+}
+
+TEST(SchemaFactory, RefusesAMapsSubFieldsThatAreNoPointersToOneOrOwned) {
+    TZoMetaData schema;
+    TZoClass owner(&schema, nullptr, "Owner", nullptr, false, nullptr);
+    auto* map = owner.AddFieldChildPointerMap("m", nullptr, nullptr, nullptr);
+    const std::string refusal =
+        "[zoerror] a sub-field of map m is neither a list of owned objects nor a single pointer. See "
+        "TZoClassFieldPointerMap::AddFields";
+    const auto refused = [&](const auto& operation) { return AssertionOf(operation).message == refusal; };
+    for (int number = -20; number <= 1; ++number) {
+        const auto kind = static_cast<TZoClassFieldType>(number);
+        const bool allowed = kind == ftChildPointer || kind == ftPointer || kind == ftPointerEx ||
+                             kind == ftChildValue || kind == ftChildPointerList;
+        EXPECT_NE(refused([&] { map->AddFields(kind, ftChildPointer); }), allowed) << number;
+        EXPECT_NE(refused([&] { map->AddFields(ftChildPointer, kind); }), allowed) << number;
+    }
+    const auto other = [] { return new TZoClassFieldPointer("", ftPointer, nullptr, nullptr); };
+    EXPECT_TRUE(refused([&] { map->AddFields(new TZoClassFieldInt("", nullptr, nullptr), other()); }));
+    EXPECT_TRUE(
+        refused([&] { map->AddFields(other(), new TZoClassFieldPointerList("", ftPointerList, {})); }));
+    EXPECT_TRUE(refused([&] { map->AddFields(other(), nullptr); }));
+    map->AddFields(ftPointer, ftChildValue);
+    EXPECT_EQ(map->GetKeyField()->GetFieldType(), ftPointer);
+    // A field's kind is one of its C++ class.
+    EXPECT_EQ(AssertionOf([] { TZoClassFieldPointer("f", ftChildPointerList, nullptr, nullptr); }).message,
+              "[zoerror] field f cannot be of kind -7. See TZoClass::AddField");
+    EXPECT_NE(AssertionOf([] { TZoClassFieldPointerList("f", ftPointer, {}); }).message, "");
 }

@@ -1,3 +1,4 @@
+#include "support/Assertions.h"
 #include "support/EveryKind.h"
 
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
@@ -85,9 +86,20 @@ TEST(Registration, ResolvesFieldsWhenTheirClassComes) {
     EXPECT_FALSE(schema.Check(nullptr));
     TZoClass* target = Target::Register(&schema);
     EXPECT_EQ(targets(), std::vector<TZoClass*>(3, target));
+    ZoString report;
+    EXPECT_FALSE(schema.Check(&report));
+    EXPECT_EQ(Text(report), "[zoerror] class Leaf of reference field map not registered");
+    auto* map = dynamic_cast<TZoClassFieldPointerMap*>(child->FindField("map"));
+    EXPECT_EQ(Text(map->GetKeyField()->GetFieldName()), "<unresolve>");
+    EXPECT_EQ(Text(map->GetValueField()->GetFieldName()), "map");
+    TZoClass* leaf = app::Leaf::Register(&schema);
+    EXPECT_EQ(map->GetKeyField()->GetFieldClass(), leaf);
+    EXPECT_EQ(map->GetValueField()->GetFieldClass(), target);
+    EXPECT_EQ(Text(map->GetKeyField()->GetFieldName()), "map");
     EXPECT_TRUE(schema.Check(nullptr));
     Target::Unregister(&schema);
     EXPECT_EQ(targets(), std::vector<TZoClass*>(3, nullptr));
+    EXPECT_EQ(map->GetValueField()->GetFieldClass(), nullptr);
     EXPECT_FALSE(schema.Check(nullptr));
     Child::Unregister(&schema); // its waiting fields go too
     target = Target::Register(&schema);
@@ -106,6 +118,54 @@ TEST(Registration, NeverGivesAnIdTwice) {
     schema.Clear();
     EXPECT_EQ(schema.GetClassCount(), 0);
     EXPECT_EQ(Parent::Register(&schema)->GetClassId(), 4);
+    TZoMetaData other;
+    EXPECT_EQ(app::Leaf::Register(&other)->GetClassId(), 1);
+    TZoMetaData third;
+    third.AddClass(schema.FindClass("Parent"));
+    EXPECT_EQ(third.AddClass(other.FindClass("Leaf"))->GetClassId(), 1) << "in any order";
+    EXPECT_EQ(Child::Register(&third)->GetClassId(), 5);
+    TZoMetaData fourth;
+    Target::Register(&fourth); // 1
+    EXPECT_EQ(AssertionOf([&] { fourth.AddClass(other.FindClass("Leaf")); }).message,
+              "[zoerror] class Leaf has the id 1, as Target has in this schema. See TZoMetaData::AddClass");
+    EXPECT_EQ(fourth.FindClass("Leaf"), nullptr);
+    EXPECT_NE(other.FindClass("Leaf"), nullptr);
+}
+
+TEST(Registration, WhatABorrowerExcludesStaysInTheOwnersClasses) {
+    TZoMetaData owner;
+    TZoClass* target = Target::Register(&owner);
+    app::Leaf::Register(&owner);
+    Parent::Register(&owner);
+    TZoClass* child = Child::Register(&owner);
+    TZoMetaData borrower;
+    for (int i = 1; i <= owner.GetClassCount(); ++i) borrower.AddClass(owner.GetClass(i));
+    EXPECT_TRUE(borrower.Check(nullptr));
+    Parent::Unregister(&borrower);
+    Target::Unregister(&borrower);
+    const auto untouched = [&] {
+        EXPECT_EQ(ParentNames(child), std::vector<std::string>{"Parent"});
+        EXPECT_EQ(child->FindField("targets")->GetFieldClass(), target);
+        EXPECT_TRUE(owner.Check(nullptr));
+        EXPECT_EQ(Target().GetOriginalClass(&owner), target);
+    };
+    untouched();
+    ZoString report;
+    EXPECT_FALSE(borrower.Check(&report));
+    EXPECT_EQ(Text(report), "[zoerror] parent class of Child not registered\n"
+                            "[zoerror] class Target of reference field map not registered\n"
+                            "[zoerror] class Target of reference field targets not registered");
+    TMemoryBinOutStream stream;
+    stream.Initialize();
+    EXPECT_EQ(AssertionOf([&] { borrower.SaveToStream(&stream); }).message,
+              "[zoerror] parent class of Child not registered");
+    // A class of that name in the borrower is not what the owner's fields wait for.
+    borrower.AddToResolveCrossRefs(child->FindField("targets"));
+    borrower.AddClass(new TZoClass(&borrower, nullptr, "Target", nullptr, false, nullptr));
+    borrower.ResolveCrossRefs();
+    untouched();
+    borrower.Clear();
+    untouched();
 }
 
 TEST(Registration, AnObjectKnowsItsClassInEachSchema) {
@@ -178,6 +238,7 @@ TEST(Registration, KeepsACadastreByTheClassName) {
 TEST(Registration, AParentThatIsRemovedLeavesFilesReadable) {
     TZoMetaData schema;
     Target::Register(&schema);
+    app::Leaf::Register(&schema);
     Parent::Register(&schema);
     TZoClass* child = Child::Register(&schema);
     Parent::Unregister(&schema);
@@ -296,8 +357,8 @@ public:
         Await(schema, made->AddFieldChildPointerList("children", nullptr, Pointers<0>(First, Second)));
         Await(schema, made->AddFieldPointerList("references", nullptr, Pointers<1>(nullptr, Second)));
         Await(schema, made->AddFieldPointerListEx("externals", nullptr, Pointers<2>(First, nullptr)));
-        // A value under a single key.
-        auto* key = new TZoClassFieldInt("key", Set<&ByHand::key>, Get<&ByHand::key>);
+        auto* key = new TZoClassFieldPointer("key", ftPointer, Put<5>, Take<5>);
+        key->SetFieldClassName("Leaf");
         auto* keyed = new TZoClassFieldPointer("keyed", ftChildPointer, Put<4>, Take<4>);
         Await(schema, made->AddFieldChildPointerMap("map", nullptr, key, keyed));
         TZoClass* added = schema->AddClass(made);
@@ -318,8 +379,7 @@ public:
     TDVector<float> floats;
     TDVector<double> doubles;
     TDVector<ZoString> strings;
-    int key = 0;
-    pointer<ZoStreamableBase> owned[5]; // 2 and 3 belong to the tests
+    pointer<ZoStreamableBase> owned[6]; // 2, 3 and 5 belong to the tests
     app::Leaf member;
     TIVector<ZoStreamableBase, pointer<ZoStreamableBase>> lists[3];
     std::vector<int> created; // what the list creators were told
@@ -412,8 +472,8 @@ TEST(HandWrittenAccessors, ServeEveryKindAndTheListsIntegers) {
     written.floats.Add(9);
     written.doubles.Add(10);
     written.strings.Add("eleven");
-    written.key = 12;
     written.owned[0] = new app::Leaf(13);
+    written.owned[5] = written.owned[0];
     written.member.number = 14;
     written.owned[2] = written.owned[0];
     written.owned[3] = new app::Leaf(15);
@@ -426,7 +486,7 @@ TEST(HandWrittenAccessors, ServeEveryKindAndTheListsIntegers) {
 
     const std::string file = Save(schema, &written);
     Payload expected;
-    expected.Int(12).Int(2); // the map: a key, an object
+    expected.Int(3).Int(2); // the map: a key, an object
     expected.Int(-1).Int(2).Bool(true).Float(4).Double(5).Text("six").Text("7");
     expected.Ints({1, 8}).Ints({1, 101}).Float(9).Ints({1, 202}).Double(10);
     expected.Ints({1, 101, 202}).Text("eleven");
@@ -438,11 +498,117 @@ TEST(HandWrittenAccessors, ServeEveryKindAndTheListsIntegers) {
     auto& read = opened.Root<ByHand>();
     EXPECT_EQ(read.created, (std::vector<int>{1,   0, 0,   1,   101, 0, 1,   0, 202, 1, 101,
                                               202, 2, 101, 202, 1,   0, 202, 2, 101, 0}));
-    EXPECT_EQ(read.key, 12);
+    EXPECT_EQ(read.owned[5], read.owned[0]);
     EXPECT_EQ(read.member.number, 14);
     EXPECT_EQ(read.lists[0].NItems(), 2U);
     EXPECT_EQ(read.lists[1][1], read.owned[4]);
     EXPECT_EQ(Save(schema, &read), file);
+}
+
+namespace {
+
+/// A map from one key, of a kind to be chosen, to one object.
+class Keyed : public ZoObjectStreamable {
+public:
+    static TZoClass* Register(TZoMetaData* schema, TZoClassFieldType keyKind) {
+        auto* made = new TZoClass(schema, nullptr, "Keyed", Make, false, nullptr);
+        TZoClass* leaf = schema->FindClass("Leaf");
+        TZoClassField* key = nullptr;
+        if (keyKind == ftChildPointerList) {
+            key = new TZoClassFieldPointerList(
+                "key", keyKind, {SetKey, KeyAt, CountKeys, nullptr, ClearKeys, nullptr, nullptr});
+        } else {
+            key = new TZoClassFieldPointer("key", keyKind, SetKey, GetKey);
+        }
+        key->SetFieldClass(leaf);
+        auto* value = new TZoClassFieldPointer("value", ftChildPointer, SetObject<&Keyed::value>,
+                                               GetObject<&Keyed::value>);
+        made->AddFieldChildPointerMap("map", leaf, key, value);
+        made->AddFieldChildPointer("child", leaf, SetObject<&Keyed::child>, GetObject<&Keyed::child>);
+        return schema->AddClass(made);
+    }
+    TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Keyed"); }
+    ZoString StreamableClassName() const override { return "class Keyed"; }
+    int KeysNumber() { return dynamic_cast<app::Leaf&>(*GetKey(this, keyField)).number; }
+
+    bool byValue = false;
+    TZoClassField* keyField = nullptr;
+    app::Leaf member;
+    pointer<ZoStreamableBase> key;
+    pointer<ZoStreamableBase> value;
+    pointer<ZoStreamableBase> child;
+
+private:
+    static Keyed& Self(ZoStreamableBase* object) { return dynamic_cast<Keyed&>(*object); }
+    static ZoStreamableBase* Make(TZoMetaData*, TZoMetaData*, TZoClass*) { return new Keyed; }
+    static void SetKey(ZoStreamableBase* object, TZoClassField* field, ZoStreamableBase* target) {
+        Self(object).keyField = field;
+        if (field->GetFieldType() == ftChildValue) {
+            Self(object).member = dynamic_cast<app::Leaf&>(*target);
+        } else {
+            Self(object).key = target;
+        }
+    }
+    static ZoStreamableBase* GetKey(ZoStreamableBase* object, TZoClassField* field) {
+        return field->GetFieldType() == ftChildValue ? &Self(object).member : Self(object).key.get();
+    }
+    static ZoStreamableBase* KeyAt(ZoStreamableBase* object, TZoClassField*, int) {
+        return Self(object).key.get();
+    }
+    static unsigned long long CountKeys(ZoStreamableBase* object, TZoClassField*) {
+        return Self(object).key.get() != nullptr ? 1 : 0;
+    }
+    static void ClearKeys(ZoStreamableBase* object, int, int, int) { Self(object).key = nullptr; }
+    template <auto Member>
+    static void SetObject(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* target) {
+        Self(object).*Member = target;
+    }
+    template <auto Member>
+    static ZoStreamableBase* GetObject(ZoStreamableBase* object, TZoClassField*) {
+        return (Self(object).*Member).get();
+    }
+};
+
+} // namespace
+
+TEST(HandWrittenAccessors, KeepAMapsKeyByAnyPointer) {
+    const struct {
+        const char* name;
+        TZoClassFieldType kind;
+        int key; // 0: of its own, 1: the child's object
+        Payload record;
+        int objects;
+    } cases[] = {
+        {"owned", ftChildPointer, 0, Payload().Ints({2, 3, 4}), 4},
+        {"a list of owned ones", ftChildPointerList, 0, Payload().Ints({1, 2, 3, 4}), 4},
+        {"a member", ftChildValue, 0, Payload().Ints({2, 3, 4}), 4},
+        {"owned elsewhere", ftPointer, 1, Payload().Ints({3, 2, 3}), 3},
+        {"external", ftPointerEx, 0, Payload().Ints({4, 2, 3}), 4},
+    };
+    for (const auto& tested : cases) {
+        SCOPED_TRACE(tested.name);
+        TZoMetaData schema;
+        app::Leaf::Register(&schema);
+        Keyed::Register(&schema, tested.kind);
+        Keyed written;
+        written.member.number = 11;
+        written.child = new app::Leaf(13);
+        written.key = tested.key == 1 ? written.child : pointer<ZoStreamableBase>(new app::Leaf(11));
+        written.value = new app::Leaf(12);
+        const std::string file = Save(schema, &written);
+        const std::vector<Row> rows = RowsOf(file);
+        ASSERT_EQ(rows.size(), 1U + static_cast<std::size_t>(tested.objects));
+        EXPECT_EQ(rows[1], (Row{1, 2, tested.record}));
+        Opened opened(file, schema);
+        EXPECT_EQ(opened.Root<Keyed>().KeysNumber(), tested.key == 1 ? 13 : 11);
+        EXPECT_EQ(Save(schema, &opened.Root<Keyed>()), file);
+    }
+    TZoMetaData schema;
+    app::Leaf::Register(&schema);
+    Keyed::Register(&schema, ftPointer);
+    Keyed dangling;
+    dangling.key = new app::Leaf(1);
+    EXPECT_NE(FailureOf([&] { Save(schema, &dangling); }).find("child reference 'map' ("), std::string::npos);
 }
 
 TEST(HandWrittenAccessors, MayBeRegisteredTwice) {

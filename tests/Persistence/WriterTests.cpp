@@ -727,11 +727,13 @@ TEST(Primitives, AFileOfOneDoubleByteByByte) {
 TEST(Primitives, AListWritesItsItemsBehindItself) {
     TZoMetaData schema;
     ZoRegisterPrimitives(&schema);
-    const std::unique_ptr<StreamableList> list(StreamableList::Create());
+    const std::unique_ptr<ZoStreamableBase> made(
+        StreamableList::Create(nullptr, &schema, schema.FindClass("StreamableList")));
+    auto* list = dynamic_cast<StreamableList*>(made.get());
     list->GetList().Add(new ZoInteger(10));
     list->GetList().Add(new ZoBoolean(true));
     list->GetList().Add(new StreamableZoString("x"));
-    const std::string file = Save(schema, list.get());
+    const std::string file = Save(schema, list);
     EXPECT_EQ(ObjectRows(file), (std::vector<Row>{{1, 7, Payload().Ints({3, 2, 3, 4})},
                                                   {2, 2, Payload().Int(10)},
                                                   {3, 1, Payload().Bool(true)},

@@ -85,20 +85,24 @@ public:
     TZoClassField(const TZoClassField&) = delete;
     TZoClassField& operator=(const TZoClassField&) = delete;
 
-    const ZoString& GetFieldName() const { return name; }
+    /// Of a map's sub-field: "<unresolve>" while its class is unknown.
+    const ZoString& GetFieldName() const {
+        return half != Half::No && fieldClass == nullptr ? Unresolved() : name;
+    }
     TZoClassFieldType GetFieldType() const { return kind; }
     bool IsPointerKind() const;
     /// The class that declares the field.
     TZoClass* GetOwnerClass() const { return owner; }
     /// The class of what a pointer field points to; null while unknown and for value fields.
     TZoClass* GetFieldClass() const { return fieldClass; }
-    /// The name of that class as declared, or the name of the value's type.
+    /// The name of that class as declared in code. Empty for value fields and for the fields of a file, whose
+    /// kind and class tell it.
     const ZoString& GetFieldClassName() const { return className; }
     /// The id of that class as read from a file; 0 for none.
     int GetFieldClassId() const { return fieldClassId; }
     /// In a file's schema: the application's field that takes the value; null when there is none.
     TZoClassField* GetOriginal() const { return original; }
-    void SetFieldClass(TZoClass* newClass) { fieldClass = newClass; }
+    void SetFieldClass(TZoClass* newClass);
     void SetFieldClassName(const ZoString& newName) { className = newName; }
     /// Of a value field whose accessors do nothing but read and write a member of the value's own type
     /// (`TDVector` for lists): where it is. The streamers then spare the accessors.
@@ -111,13 +115,19 @@ public:
     /// kept until all records are read. Without an application's field the value is passed over and kept as
     /// excluded.
     virtual void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) = 0;
-    /// Applies the functor to everything that the field points to, nulls included. Nothing for value fields.
+    /// Applies the functor to everything that the field points to, nulls included: of a map, to what it owns.
+    /// Nothing for value fields.
     virtual void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
     /// Collects what a file needs where the field points to nothing: the names of its class and of all that
     /// it declares.
     void GetUninstantiatedFieldMetaData(TZoMetaData* schema, TDVector<ZoString>* names) const;
-    /// Reads kind-independent metadata: class id, kind and name are read by the class; see `TZoClass`.
-    static void LoadMetaFromStream(TBinInStream* stream, int& classId, int& kind, ZoString& name);
+    /// What a schema record holds of a field: `TZoClass::AddField` makes one of it.
+    struct Entry {
+        int classId; ///< of what it points to; 0 for none
+        int kind;    ///< as stored, whether there is such a kind or not
+        ZoString name;
+    };
+    static Entry LoadMetaFromStream(TBinInStream* stream);
 
 protected:
     TZoClassField(const ZoString& name, TZoClassFieldType kind);
@@ -131,11 +141,21 @@ private:
     friend class FieldOffset;
     friend class SchemaWalk;
     friend class TZoClass;
+    friend class TZoClassFieldPointerMap;
     friend class TZoMetaData;
+
+    /// Whether the field is a map's sub-field, and where its class is declared.
+    enum class Half : unsigned char { No, OfItsOwnClass, OfTheMapsClass };
+    static const ZoString& Unresolved();
+    /// The name of the class that the field waits for; `holder` is the field itself or the map around it.
+    const ZoString& WantedClass(const TZoClassField& holder) const {
+        return half == Half::OfTheMapsClass && className.length() == 0 ? holder.className : className;
+    }
 
     ZoString name;
     ZoString className;
     TZoClassFieldType kind;
+    Half half = Half::No;
     int fieldClassId = 0;
     TZoMemberAddress member = nullptr;
     TZoClass* owner = nullptr;
@@ -223,6 +243,8 @@ public:
     void SetTypeTest(TZoTypeTest test) { typeTest = test; }
     /// Whether the field's objects belong to it.
     bool Owns() const;
+    /// Whether what the field holds gets its records with the object: what it owns, or members.
+    bool HoldsChildren() const;
 
 protected:
     TZoClassFieldPointerBase(const ZoString& name, TZoClassFieldType kind);
@@ -235,7 +257,7 @@ private:
     const std::type_info* accepted[2] = {nullptr, nullptr};
 };
 
-/// A pointer to one object: owned, by value, or a reference.
+/// A pointer to one object: owned, by value, or a reference. Another kind fails an assertion.
 class ZO_API TZoClassFieldPointer : public TZoClassFieldPointerBase {
 public:
     TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set,
@@ -273,7 +295,7 @@ struct TZoPointerListAccessors {
     TZoListInteger second = nullptr;
 };
 
-/// A list of pointers: owned, or references.
+/// A list of pointers: owned, or references. Another kind fails an assertion.
 class ZO_API TZoClassFieldPointerList : public TZoClassFieldPointerBase {
 public:
     TZoClassFieldPointerList(const ZoString& name, TZoClassFieldType kind,
@@ -308,17 +330,20 @@ private:
     TZoPointerListAccessors access;
 };
 
-/// Owned objects under owned keys: two sub-fields, one for the keys and one for the values, each a list of
-/// pointers (`ftChildPointerList`), a single pointer (`ftChildPointer`) or a value.
+/// Objects under keys: two sub-fields, one for the keys and one for the values, each a list of owned objects
+/// (`ftChildPointerList`) or a single pointer of any kind. What a sub-field refers to without owning it is
+/// saved as by a field of that kind.
 class ZO_API TZoClassFieldPointerMap : public TZoClassFieldPointerBase {
 public:
     explicit TZoClassFieldPointerMap(const ZoString& name);
     ~TZoClassFieldPointerMap() override;
 
-    /// Creates both sub-fields, without accessors, under the name of the map's class or, while it is unknown,
-    /// "<unresolve>". Each kind is `ftChildPointer` or `ftChildPointerList`.
+    /// Creates both sub-fields, without accessors, under the name of the map's class, which is theirs. A kind
+    /// that no sub-field can have fails an assertion: values, reference lists, maps.
     void AddFields(TZoClassFieldType keyKind, TZoClassFieldType valueKind);
-    /// Takes both sub-fields over.
+    /// Takes both sub-fields over; the same kinds are refused. The class of the values is the map's unless
+    /// they have one of their own; that of the keys is theirs to have (`SetFieldClass`, or
+    /// `SetFieldClassName` until it is registered).
     void AddFields(TZoClassField* key, TZoClassField* value);
     TZoClassField* GetKeyField() const { return key.get(); }
     TZoClassField* GetValueField() const { return value.get(); }
@@ -335,8 +360,13 @@ public:
                           const void* context) override;
 
 private:
-    pointer<TZoClassField> key;
-    pointer<TZoClassField> value;
+    friend class FieldCodec;
+
+    TZoClassFieldPointerBase* Adopt(TZoClassField* half, Half classOf);
+    void Adopt(TZoClassField* newKey, Half keyClass, TZoClassField* newValue);
+
+    pointer<TZoClassFieldPointerBase> key;
+    pointer<TZoClassFieldPointerBase> value;
 };
 
 } // namespace ZoPrimitives

@@ -112,7 +112,8 @@ public:
                                                   const TZoPointerListAccessors& access);
     TZoClassFieldPointerList* AddFieldPointerListEx(const ZoString& name, TZoClass* fieldClass,
                                                     const TZoPointerListAccessors& access);
-    /// Both sub-fields are taken over: lists of pointers, single pointers, or values.
+    /// Both sub-fields are taken over, as by `TZoClassFieldPointerMap::AddFields`; without them (null),
+    /// `AddFields` must follow.
     TZoClassFieldPointerMap* AddFieldChildPointerMap(const ZoString& name, TZoClass* fieldClass,
                                                      TZoClassField* key, TZoClassField* value);
     /// A field without accessors, as a file declares it; null for a kind that is none of the 19.
@@ -185,7 +186,11 @@ private:
                    const Listed* listed);
     void SaveMetaToStream(TBinOutStream* stream, const Listed* listed);
     int LoadBlock(TBinInStream* stream);
+    template <class Action>
+    void ForEachMember(Action action) const;
     bool HasValueChildren() const;
+    /// Whether the class is another schema's.
+    bool BelongsElsewhere(const TZoMetaData* here) const { return schema != here && schema != nullptr; }
 
     bool AppliesTo(const TZoClass& level) const;
     ReadPlan& PlanFor(TBinInStream& stream);
@@ -216,8 +221,7 @@ private:
     bool parentMissing = false;
     std::unique_ptr<ReadPlan> readPlan; // of a class read from a file
     unsigned hooks = ~0u;
-    bool loading = false;           // fields are put in order at the end
-    bool collectsExternals = false; // a field of this class, ancestors aside, points to external instances
+    bool loading = false; // fields are put in order at the end
     Parents parents;
     FieldList fields;
     FieldList fieldsChilds;
@@ -247,7 +251,8 @@ public:
 
     /// Takes the class over and returns it. A class without id gets the next one, from 1 upward; ids are
     /// never used twice in one schema. When a class of that name is there already, that one stays and is
-    /// returned.
+    /// returned. A class of another schema is borrowed: it keeps its id, which fails an assertion when a
+    /// class here has it, and it changes as its own schema changes it.
     TZoClass* AddClass(TZoClass* newClass);
     TZoClass* FindClass(const ZoString& name) const;
     TZoClass* FindClass(int id) const;
@@ -266,7 +271,9 @@ public:
     /// Whether the first class is the second or derives from it.
     bool IsClassInherited(const ZoString& name, const ZoString& ancestorName) const;
     /// Removes a class. Fields that point to it wait for a class of its name again. Classes that derive from
-    /// it go on without that parent, as if registered before it, until they are registered anew.
+    /// it go on without that parent, as if registered before it, until they are registered anew. Classes that
+    /// this schema borrows stay as they are: `Check` tells what they miss here, and writing the schema
+    /// without a parent fails an assertion.
     void ExcludeClass(const ZoString& name);
     void Clear();
 
@@ -282,7 +289,8 @@ public:
     void ClassesRegister();
 
     /// Remembers a pointer field whose class, by the name set with `SetFieldClassName`, is not registered
-    /// yet; other fields are ignored.
+    /// yet, or a map of whose sub-fields that holds. Other fields are ignored, those of classes of another
+    /// schema too.
     void AddToResolveCrossRefs(TZoClassField* field);
     void ResolveCrossRefs();
     /// Whether all parents, field classes and classes kept for `ClassesRegister` are registered. `report`
@@ -292,10 +300,12 @@ public:
 
     /// Writes the schema record: uid 0, class 0.
     void SaveToStream(TBinOutStream* stream);
-    /// Reads the schema record, which is current in `stream`, and links its classes to the application's of
-    /// the same name. False when it contradicts itself: an unknown parent or field class, an id that is not
-    /// positive or stands twice, a class among its own ancestors, more than 1,000 class levels for one
-    /// object, or when the record ends before it does.
+    /// Clears this schema, reads the schema record, which is current in `stream`, and links its classes to
+    /// the application's of the same name. False when the record contradicts itself: an unknown parent or
+    /// field class, an id that is not positive or stands twice, a class among its own ancestors, more than
+    /// 1,000 class levels for one object; or when its last values lie beyond its end. Counts and texts that
+    /// it cannot hold throw `XReadStream`. What was read until then stays in the schema, of no use but to be
+    /// cleared.
     bool LoadFromStream(TBinInStream* stream, TZoMetaData* application);
 
     /// Whether an object is written under its registered class even though its C++ type is a subclass.
@@ -322,13 +332,16 @@ private:
     bool LinkClasses(const TZoMetaData* application);
     void Unbind(TZoClass* leaving);
     void ForgetUnresolved(const TZoClass* leaving);
+    int NewId() const;
+    /// Moves the next id behind one that is in use.
+    void NoteId(int id);
     bool LevelsAreSound() const;
 
     TIVector<TZoClass, pointer<TZoClass>> classes;
     TIVector<TZoCadastre, pointer<TZoCadastre>> cadastres;
     TDVector<TZoClassField*> unresolved;
     std::unique_ptr<TClassNameAndIdMap> index;
-    int nextId = 1;
+    long long nextId = 1;         // beyond `int` behind the greatest
     std::vector<TZoClass*> slots; // by process-wide number of the C++ class
     TIVector<ZoStreamableRegister, pointer<ZoStreamableRegister>> registers;
     bool registersClasses = false; // `ClassesRegister` is under way

@@ -188,6 +188,9 @@ Field* ZoBind(Field* field) {
     return field;
 }
 
+/// A registration's name for a class: without the namespaces that precede it.
+ZO_API ZoString ZoRegisteredName(const char* qualifiedName);
+
 /// The accessors of a map's two lists, of one length. On reading, a key is added first and then its value.
 template <class Owner, auto Member>
 struct ZoMapAccessors;
@@ -214,17 +217,20 @@ struct ZoMapAccessors<Owner, Member> {
         return ZoTarget(Map(object).ValueAt(static_cast<unsigned long long>(index)));
     }
 
-    static TZoClassFieldPointerMap* AddField(TZoClass* owner, const char* name, TZoClass* fieldClass) {
+    /// `keyClass`: the name of the keys' class.
+    static TZoClassFieldPointerMap* AddField(TZoClass* owner, const char* name, TZoClass* fieldClass,
+                                             const char* keyClass) {
         auto* keys = new TZoClassFieldPointerList(name, ftChildPointerList,
                                                   {AddKey, KeyAt, NItems, nullptr, Clear, nullptr, nullptr});
         auto* values = new TZoClassFieldPointerList(
             name, ftChildPointerList, {AddValue, ValueAt, NItems, nullptr, ClearNothing, nullptr, nullptr});
+        const ZoString keyName = ZoRegisteredName(keyClass);
+        keys->SetFieldClass(owner->GetMetaData()->FindClass(keyName));
+        keys->SetFieldClassName(keyName);
         return owner->AddFieldChildPointerMap(name, fieldClass, ZoBind<K>(keys), ZoBind<V>(values));
     }
 };
 
-/// A registration's name for a class: without the namespaces that precede it.
-ZO_API ZoString ZoRegisteredName(const char* qualifiedName);
 /// "class " and the run-time type's name without "ZoPrimitives::".
 ZO_API ZoString ZoStreamableClassName(const std::type_info& type);
 /// What every `Getfieldclassfor_<field>` does: finds the class of that name, null when it is not registered.
@@ -584,7 +590,7 @@ public:                                                                         
                                                               ::ZoPrimitives::TZoClass* fieldClass,          \
                                                               const ::ZoPrimitives::ZoString& typeName) {    \
         using Accessors = ::ZoPrimitives::ZoMapAccessors<ZoThis, &ZoThis::field>;                            \
-        auto* made = Accessors::AddField(owner, #field, fieldClass);                                         \
+        auto* made = Accessors::AddField(owner, #field, fieldClass, #Key);                                   \
         made->SetFieldClassName(typeName);                                                                   \
         return made;                                                                                         \
     }                                                                                                        \

@@ -92,8 +92,8 @@ class ZO_API StreamableList : public ZoObjectStreamable {
     ~StreamableList() override;
 
     TIVector<ZoObjectStreamable, pointer<ZoObjectStreamable>>& GetList() { return list; }
-    /// A new, empty list, owned by the caller.
-    static StreamableList* Create();
+    /// The factory for readers: a new, empty list, owned by the caller.
+    static ZoStreamableBase* Create(TZoMetaData* fileSchema, TZoMetaData* schema, TZoClass* cls);
 };
 
 /// Registers all of the above.

@@ -35,11 +35,14 @@ public:
 
     static std::uint64_t Run(const ZoStreamableBase* object) { return object->handleRun; }
     static void Put(const ZoStreamableBase* object, std::uint64_t run, int handle) {
-        object->handleRun = run;
+        object->handleRun = run & RUN_BITS;
         object->handle = handle;
     }
 
 private:
+    // A process that begins a million runs a second comes to their end after twelve days.
+    static constexpr std::uint64_t RUN_BITS = (std::uint64_t{1} << 40) - 1;
+
     static void SetNew(ZoHandleTable& table, const ZoStreamableBase* object, int handle);
 };
 

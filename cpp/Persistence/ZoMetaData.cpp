@@ -40,9 +40,25 @@ void ForEachTarget(TZoClassField& field, Action action) {
 
 std::string_view View(const ZoString& text) { return {text.c_str(), text.length()}; }
 
-/// The classes of all schemas, by the number of their C++ class, those registered last behind.
-class LatestClasses {
+/// The classes that stand in schemas: by the number of their C++ class, those registered last behind, and
+/// by the number of their registration.
+class StandingClasses {
 public:
+    /// A number that no other class gets, while there are any; 0 then.
+    unsigned Enter(TZoClass* registered) {
+        const std::lock_guard<std::mutex> lock(guard);
+        if (byNumber.size() > ZoMadeFor::MOST) return 0;
+        byNumber.push_back(registered);
+        return static_cast<unsigned>(byNumber.size() - 1);
+    }
+    void Leave(unsigned number) {
+        const std::lock_guard<std::mutex> lock(guard);
+        byNumber[number] = nullptr;
+    }
+    TZoClass* Registered(unsigned number) {
+        const std::lock_guard<std::mutex> lock(guard);
+        return byNumber[number];
+    }
     void Add(unsigned slot, TZoClass* latest) {
         const std::lock_guard<std::mutex> lock(guard);
         if (slot >= classes.size()) classes.resize(slot + 1);
@@ -62,11 +78,12 @@ public:
 private:
     std::mutex guard;
     std::vector<std::vector<TZoClass*>> classes;
+    std::vector<TZoClass*> byNumber{nullptr};
 };
 
-LatestClasses& Latest() {
-    static LatestClasses* latest = new LatestClasses; // outlives every class
-    return *latest;
+StandingClasses& Standing() {
+    static StandingClasses* standing = new StandingClasses; // outlives every class
+    return *standing;
 }
 
 [[noreturn]] void FailTaken(const TZoClass& added, const TZoClass& present) {
@@ -110,7 +127,8 @@ private:
 };
 
 TZoClass::~TZoClass() {
-    if (slot != 0) Latest().Forget(slot, this);
+    if (slot != 0) Standing().Forget(slot, this);
+    if (registration != 0) Standing().Leave(registration);
 }
 
 void TZoClass::SetType(const std::type_info& newType, unsigned newSlot) {
@@ -149,8 +167,10 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     if (newClass->slot != 0 && newClass->schema == this) {
         if (newClass->slot >= slots.size()) slots.resize(newClass->slot + 1ULL);
         slots[newClass->slot] = newClass;
-        Latest().Add(newClass->slot, newClass);
+        Standing().Add(newClass->slot, newClass);
     }
+    if (newClass->registration == 0 && !newClass->BelongsElsewhere(this))
+        newClass->registration = Standing().Enter(newClass);
     return newClass;
 }
 
@@ -164,7 +184,13 @@ TZoClass* TZoMetaData::FindUnbound(const char* name, const std::type_info& type)
     return found == nullptr || found->type == nullptr || *found->type == type ? found : nullptr;
 }
 
-TZoClass* TZoMetaData::FindLatestClass(unsigned slot) { return Latest().Get(slot); }
+TZoClass* TZoMetaData::FindLatestClass(unsigned slot) { return Standing().Get(slot); }
+
+TZoClass* TZoMetaData::FindClassOf(const ZoStreamableBase& object, unsigned slot) {
+    const unsigned number = ZoMadeFor::Get(object);
+    TZoClass* registered = number == 0 ? nullptr : Standing().Registered(number);
+    return registered != nullptr ? registered : FindLatestClass(slot);
+}
 
 TZoClass* TZoMetaData::GetClass(int position) const {
     return classes[static_cast<unsigned long long>(position)].get();
@@ -188,10 +214,13 @@ bool TZoMetaData::IsClassInherited(const ZoString& name, const ZoString& ancesto
 void TZoMetaData::Unbind(TZoClass* leaving) {
     if (leaving->slot < slots.size() && slots[leaving->slot] == leaving) {
         slots[leaving->slot] = nullptr;
-        Latest().Forget(leaving->slot, leaving);
+        Standing().Forget(leaving->slot, leaving);
     }
     ForgetUnresolved(leaving);
-    if (leaving->schema == this) leaving->schema = nullptr;
+    if (leaving->BelongsElsewhere(this)) return;
+    leaving->schema = nullptr;
+    if (leaving->registration != 0) Standing().Leave(leaving->registration);
+    leaving->registration = 0;
 }
 
 void TZoMetaData::ForgetUnresolved(const TZoClass* leaving) {

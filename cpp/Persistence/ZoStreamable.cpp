@@ -18,9 +18,10 @@ ZoString PlainClassName(const ZoString& classText) {
     return classText.Remove("ZoPrimitives::", true).Remove("class ", true);
 }
 
-ZoStreamableBase::ZoStreamableBase() = default;
-ZoStreamableBase::ZoStreamableBase(const ZoStreamableBase& other) : ZoObject(other) {}
-ZoStreamableBase::ZoStreamableBase(StreamableInit) {}
+ZoStreamableBase::ZoStreamableBase() : handleRun(0), madeFor(0) {}
+ZoStreamableBase::ZoStreamableBase(const ZoStreamableBase& other)
+    : ZoObject(other), handleRun(0), madeFor(other.madeFor) {}
+ZoStreamableBase::ZoStreamableBase(StreamableInit) : handleRun(0), madeFor(0) {}
 ZoStreamableBase& ZoStreamableBase::operator=(const ZoStreamableBase&) { return *this; }
 ZoStreamableBase::~ZoStreamableBase() = default;
 

@@ -30,7 +30,7 @@ TZoClass* RegisterPoint(TZoMetaData* schema, const char* name, const char* paren
 #define ZO_POINT_BODY(Class)                                                                                 \
     Class::~Class() = default;                                                                               \
     void Class::Unregister(TZoMetaData* schema) { schema->ExcludeClass(#Class); }                            \
-    TZoClass* Class::GetClass() const { return TZoMetaData::FindLatestClass(POINT_SLOT<Class>); }            \
+    TZoClass* Class::GetClass() const { return TZoMetaData::FindClassOf(*this, POINT_SLOT<Class>); }         \
     TZoClass* Class::GetOriginalClass(TZoMetaData* schema) const {                                           \
         return schema->FindClass(POINT_SLOT<Class>, #Class, typeid(Class));                                  \
     }                                                                                                        \

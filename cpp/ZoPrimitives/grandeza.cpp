@@ -138,7 +138,7 @@ TZoClass* Grandeza::Register(TZoMetaData* schema) {
     return registration.Finish();
 }
 void Grandeza::Unregister(TZoMetaData* schema) { schema->ExcludeClass("Grandeza"); }
-TZoClass* Grandeza::GetClass() const { return TZoMetaData::FindLatestClass(SLOT<Grandeza>); }
+TZoClass* Grandeza::GetClass() const { return TZoMetaData::FindClassOf(*this, SLOT<Grandeza>); }
 TZoClass* Grandeza::GetOriginalClass(TZoMetaData* schema) const {
     return schema->FindClass(SLOT<Grandeza>, "Grandeza", typeid(Grandeza));
 }
@@ -185,8 +185,10 @@ bool Grandeza::ReadData(int code, InputStreamer& streamer) {
         return registration.Finish();                                                                        \
     }                                                                                                        \
     void Class::Unregister(TZoMetaData* schema) { schema->ExcludeClass(#Class); }                            \
-    ZoStreamableBase* Class::Create(TZoMetaData*, TZoMetaData*, TZoClass*) { return new Class(InitEmpty); }  \
-    TZoClass* Class::GetClass() const { return TZoMetaData::FindLatestClass(SLOT<Class>); }                  \
+    ZoStreamableBase* Class::Create(TZoMetaData* fileSchema, TZoMetaData* schema, TZoClass* cls) {           \
+        return ZoCreateInstance<Class>(fileSchema, schema, cls);                                             \
+    }                                                                                                        \
+    TZoClass* Class::GetClass() const { return TZoMetaData::FindClassOf(*this, SLOT<Class>); }               \
     TZoClass* Class::GetOriginalClass(TZoMetaData* schema) const {                                           \
         return schema->FindClass(SLOT<Class>, #Class, typeid(Class));                                        \
     }                                                                                                        \

@@ -1,5 +1,8 @@
 #include "support/Assertions.h"
 #include "support/EveryKind.h"
+#include "support/Slots.h"
+
+#include "ZoPrimitives/ConvertionHelper.h"
 
 #include <algorithm>
 #include <memory>
@@ -455,3 +458,48 @@ TEST(SchemaFactory, RefusesAMapsSubFieldsThatAreNoPointersToOneOrOwned) {
               "[zoerror] field f cannot be of kind -7. See TZoClass::AddField");
     EXPECT_NE(AssertionOf([] { TZoClassFieldPointerList("f", ftPointer, {}); }).message, "");
 }
+
+// What applications override stands where they were compiled to find it.
+
+#ifdef ZO_SLOTS_ARE_TOLD
+namespace {
+
+struct Inside : ZoStreamableBase {
+    static std::ptrdiff_t ReadDataSlot() { return Slot(&Inside::ReadData); }
+};
+struct InsideStreamer : TBinInStreamer {
+    static std::ptrdiff_t CreateInstanceSlot() { return Slot(&InsideStreamer::CreateInstance); }
+};
+
+} // namespace
+
+TEST(Slots, StandInTheirOrder) {
+    // Two slots for destruction, then the two comparisons.
+    constexpr std::ptrdiff_t FIRST = 4;
+    using B = ZoStreamableBase;
+    using S = ZoObjectStreamable;
+    using F = TZoClassField;
+    const struct {
+        const char* name;
+        std::vector<std::ptrdiff_t> slots;
+    } cases[] = {
+        {"streamable objects",
+         {Slot(&B::StreamableClassName), Slot(&B::Write), Slot(&B::WillWrite), Slot(&B::Read),
+          Slot(&B::GetIsValid), Slot(&B::GetClass), Slot(&B::GetOriginalClass), Slot(&B::OnRead),
+          Slot(&B::CanBeConvertedToBaseClass), Slot(&B::OnReadPointer), Slot(&B::HandleExcludedField),
+          Slot(&B::CheckForExcludedFields), Slot(&B::ToString), Inside::ReadDataSlot(),
+          Slot(&S::CreateBusinessObject), Slot(&S::FillBusinessObject), Slot(&S::FillFromBusinessObject)}},
+        {"fields", {Slot(&F::SaveToStream), Slot(&F::LoadFromStream), Slot(&F::GetFieldMetaData)}},
+        {"the writer", {Slot(&TBinOutStreamer::OnAfterSaveInstance), Slot(&TBinOutStreamer::RewriteHeader)}},
+        {"the reader",
+         {Slot(&TBinInStreamer::OnAfterLoadInstance), Slot(&TBinInStreamer::OnAfterResolveInstance),
+          InsideStreamer::CreateInstanceSlot()}},
+    };
+    for (const auto& tested : cases) {
+        std::ptrdiff_t expected = FIRST;
+        for (const std::ptrdiff_t slot : tested.slots) EXPECT_EQ(slot, expected++) << tested.name;
+    }
+    // Of an interface, destruction comes last.
+    EXPECT_EQ(Slot(&IStreamableConvertionFactory::CreateStreamable), 0);
+}
+#endif

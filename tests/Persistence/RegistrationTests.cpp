@@ -180,10 +180,14 @@ TEST(Registration, AnObjectKnowsItsClassInEachSchema) {
     EXPECT_EQ(object.GetOriginalClass(first.get()), inFirst);
     EXPECT_EQ(object.GetOriginalClass(second.get()), inSecond);
     EXPECT_EQ(object.GetClass(), inSecond);
+    const pointer<ZoStreamableBase> made(inFirst->CreateInstance(nullptr, first.get()));
+    EXPECT_EQ(made->GetClass(), inFirst) << "the one that it was made for";
+    EXPECT_EQ(Target(dynamic_cast<Target&>(*made)).GetClass(), inFirst) << "copies too";
     second.reset();
     EXPECT_EQ(object.GetOriginalClass(first.get()), inFirst);
     EXPECT_EQ(object.GetClass(), inFirst) << "the one registered last of those that are left";
     Target::Unregister(first.get());
+    EXPECT_EQ(made->GetClass(), nullptr);
     EXPECT_EQ(object.GetOriginalClass(first.get()), nullptr);
     EXPECT_EQ(object.GetClass(), nullptr);
     Target::Unregister(first.get()); // nothing there

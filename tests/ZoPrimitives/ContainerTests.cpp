@@ -4,6 +4,7 @@
 #include "ZoPrimitives/SDList.h"
 #include "ZoPrimitives/dvector.h"
 #include "support/Assertions.h"
+#include "support/Slots.h"
 
 #include <algorithm>
 #include <atomic>
@@ -104,13 +105,7 @@ TEST(ContainerTests, OperationsAtTheEndsOfAnEmptyContainerFail) {
 
 // Layout
 
-#if defined(__GXX_ABI_VERSION) && defined(__x86_64__)
-template <class Member>
-std::ptrdiff_t Slot(Member member) {
-    std::ptrdiff_t encoded; // of a virtual member: 1 + its offset in the table
-    std::memcpy(&encoded, &member, sizeof encoded);
-    return (encoded - 1) / 8;
-}
+#ifdef ZO_SLOTS_ARE_TOLD
 
 TEST(ContainerTests, TheOperationsOfTDVectorStandInTheirOrder) {
     using V = TDVector<int>;

@@ -377,11 +377,15 @@ TEST(GrandezaTest, OtherCodesOfATextAreLeftOut) {
 TEST(GrandezaTest, FactoriesMakeEmptyQuantities) {
     TZoMetaData schema;
     ZoRegisterGrandezas(&schema);
+    TZoMetaData later;
+    ZoRegisterGrandezas(&later);
     for (const Quantity& of : AllQuantities()) {
         TZoClass* entry = schema.FindClass(of.name.c_str());
         const std::unique_ptr<ZoStreamableBase> made(of.create(&schema, &schema, entry));
         EXPECT_EQ(made->GetClass(), entry) << of.name;
         EXPECT_EQ(dynamic_cast<Grandeza&>(*made), 0) << of.name;
+        const std::unique_ptr<ZoStreamableBase> ofNone(of.create(nullptr, nullptr, nullptr));
+        EXPECT_EQ(ofNone->GetClass(), later.FindClass(of.name.c_str())) << "the latest";
     }
     GComprimento::Unregister(&schema);
     EXPECT_EQ(GComprimento(1.0).GetOriginalClass(&schema), nullptr);

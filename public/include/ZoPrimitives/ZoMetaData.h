@@ -47,6 +47,14 @@ private:
 using TZoCreateFunction = ZoStreamableBase* (*)(TZoMetaData* fileSchema, TZoMetaData* applicationSchema,
                                                 TZoClass* objectClass);
 
+/// The registration that an object was made for. A factory sets it; `TZoMetaData::FindClassOf` reads it.
+struct ZoMadeFor {
+    static constexpr unsigned MOST = (1U << 24) - 1; ///< the greatest number
+
+    static void Set(ZoStreamableBase& object, const TZoClass* registered);
+    static unsigned Get(const ZoStreamableBase& object) { return static_cast<unsigned>(object.madeFor); }
+};
+
 /// One class of a schema: id, name, parents and fields.
 class ZO_API TZoClass : public ZoObject {
 public:
@@ -169,6 +177,7 @@ public:
 
 private:
     friend class TZoMetaData;
+    friend struct ZoMadeFor;
     friend class GraphWalk;
     friend class SchemaWalk;
     friend class TBinInStreamer;
@@ -236,8 +245,13 @@ private:
     TZoMetaData* schema = nullptr;
     const std::type_info* type = nullptr;
     unsigned slot = 0;                // of the application's class in the process; 0 for none
+    unsigned registration = 0;        // of this very class in the process; 0 for none
     std::vector<int> storedParentIds; // of a class read from a file
 };
+
+inline void ZoMadeFor::Set(ZoStreamableBase& object, const TZoClass* registered) {
+    if (registered != nullptr) object.madeFor = registered->registration & MOST;
+}
 
 /// The run-time description of all classes of an application, or of those that a file uses.
 ///
@@ -317,6 +331,9 @@ public:
     /// The class that was registered last under a C++ class's number, of those that still stand in a schema;
     /// null for none.
     static TZoClass* FindLatestClass(unsigned slot);
+    /// What `GetClass` answers: the class that the object was made for, while that stands in its schema, or
+    /// else the latest.
+    static TZoClass* FindClassOf(const ZoStreamableBase& object, unsigned slot);
 
     /// Appends what hangs from the objects of the list: everything that they own, to any depth, each once.
     void FillObjectsCascade(TDVector<ZoStreamableBase*>* objects);

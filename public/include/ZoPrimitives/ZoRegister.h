@@ -299,13 +299,17 @@ T ZoEmpty() {
     }
 }
 
+/// The factory of every registered class: an empty object, whose class is the one given (may be null).
 template <class T>
-ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass*) {
+ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass* objectClass) {
+    ZoStreamableBase* made = nullptr;
     if constexpr (std::is_constructible_v<T, ZoStreamableBase::StreamableInit>) {
-        return new T(ZoStreamableBase::InitEmpty);
+        made = new T(ZoStreamableBase::InitEmpty);
     } else {
-        return new T();
+        made = new T();
     }
+    ZoMadeFor::Set(*made, objectClass);
+    return made;
 }
 
 template <class Class, class Parent>
@@ -397,7 +401,7 @@ public:                                                                         
         return schema->FindClass(ZoSlot, ZoName(), typeid(ZoClass));                                         \
     }                                                                                                        \
     ::ZoPrimitives::TZoClass* GetClass() const override {                                                    \
-        return ::ZoPrimitives::TZoMetaData::FindLatestClass(ZoSlot);                                         \
+        return ::ZoPrimitives::TZoMetaData::FindClassOf(*this, ZoSlot);                                      \
     }                                                                                                        \
     ::ZoPrimitives::ZoString StreamableClassName() const override {                                          \
         return ::ZoPrimitives::ZoStreamableClassName(typeid(*this));                                         \

@@ -47,8 +47,9 @@ public:
     virtual void Read(InputStreamer& streamer);
     /// Whether the object, as read, may stay in the model. True here.
     virtual bool GetIsValid() const;
-    /// The application's class of this object, from the schema in which it was registered last of those that
-    /// still have it; null for none.
+    /// The application's class of this object: the one that it was made for by a factory, as readers do, or
+    /// else, and when that one has left its schema, the class as registered last of those that still stand in
+    /// one; null for none.
     virtual TZoClass* GetClass() const;
     /// The class under which the object is registered in a schema; null when it is not.
     virtual TZoClass* GetOriginalClass(TZoMetaData* schema) const;
@@ -75,10 +76,13 @@ protected:
 
 private:
     friend class HandleAccess;
+    friend struct ZoMadeFor;
     // The handle that a stream gave to this object, and the run of that stream. They belong to the object's
     // address: never copied, never assigned.
     mutable std::int32_t handle = 0;
-    mutable std::uint64_t handleRun = 0;
+    mutable std::uint64_t handleRun : 40;
+    // The registration that the object was made for (`ZoMadeFor`); a copy keeps it.
+    std::uint64_t madeFor : 24;
 };
 
 /// As lists of objects hold them: nothing is owned.

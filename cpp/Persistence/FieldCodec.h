@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Persistence/ClassNames.h"
+#include "Persistence/FieldKinds.h"
 #include "Persistence/HandleAccess.h"
 #include "Persistence/PointerResolver.h"
 #include "Persistence/RecordChecks.h"
@@ -41,10 +42,6 @@ struct VirtualSource {
 /// How each kind of field stands in a record: the one place that both directions share.
 class FieldCodec {
 public:
-    // The fewest bytes that a value takes in a record: of strings and blobs the length.
-    template <class T>
-    static constexpr unsigned StoredSize = std::is_class_v<T> ? 4 : static_cast<unsigned>(sizeof(T));
-
     // Writing
 
     template <class Sink, class T>
@@ -115,7 +112,7 @@ public:
 
     template <class Source, class T>
     static void Load(const Source& take, TZoClassFieldValue<T>* application, ZoStreamableBase* object) {
-        CheckBytes(take, StoredSize<T>);
+        CheckBytes(take, STORED_SIZE<T>);
         Scratch<T> value(take.stream);
         take(value.Get());
         if (application != nullptr && application->set != nullptr) {
@@ -127,11 +124,11 @@ public:
     static void Load(const Source& take, TZoClassFieldList<T>* application, ZoStreamableBase* object) {
         static constexpr TZoListAccessors<T> NONE{};
         const TZoListAccessors<T>& access = application != nullptr ? application->access : NONE;
-        const ListHead head(take, access.first != nullptr, access.second != nullptr, StoredSize<T>);
+        const ListHead head(take, access.first != nullptr, access.second != nullptr, STORED_SIZE<T>);
         if (access.createList != nullptr) access.createList(object, head.count, head.first, head.second);
         Scratch<T> value(take.stream);
         for (int i = 0; i < head.count; ++i) {
-            CheckBytes(take, StoredSize<T>);
+            CheckBytes(take, STORED_SIZE<T>);
             take(value.Get());
             if (access.add != nullptr) access.add(object, application, value.Get());
         }
@@ -232,7 +229,7 @@ public:
     /// Whether the field holds one object that is no member of its owner.
     static bool IsReference(const TZoClassField& application) {
         const TZoClassFieldType kind = application.GetFieldType();
-        return kind == ftChildPointer || kind == ftPointer || kind == ftPointerEx;
+        return IsKindOf<TZoClassFieldPointer>(kind) && FieldKindOf(kind).holds != FieldHold::Member;
     }
 
     static void ResolveReference(TZoPointerResolver& resolver, TZoClassFieldPointerBase& field,
@@ -265,82 +262,30 @@ private:
     template <class Action>
     static void Dispatch(TZoClassField& field, Action action) {
         switch (field.GetFieldType()) {
-        case ftInt:
-            return action(static_cast<TZoClassFieldInt&>(field));
-        case ftUnsigned:
-            return action(static_cast<TZoClassFieldUnsigned&>(field));
-        case ftBool:
-            return action(static_cast<TZoClassFieldBool&>(field));
-        case ftFloat:
-            return action(static_cast<TZoClassFieldFloat&>(field));
-        case ftDouble:
-            return action(static_cast<TZoClassFieldDouble&>(field));
-        case ftString:
-            return action(static_cast<TZoClassFieldString&>(field));
-        case ftBlob:
-            return action(static_cast<TZoClassFieldBlob&>(field));
-        case ftListInt:
-            return action(static_cast<TZoClassFieldListInt&>(field));
-        case ftListFloat:
-            return action(static_cast<TZoClassFieldListFloat&>(field));
-        case ftListDouble:
-            return action(static_cast<TZoClassFieldListDouble&>(field));
-        case ftListString:
-            return action(static_cast<TZoClassFieldListString&>(field));
-        case ftChildPointer:
-        case ftPointer:
-        case ftPointerEx:
-        case ftChildValue:
-            return action(static_cast<TZoClassFieldPointer&>(field));
-        case ftChildPointerList:
-        case ftPointerList:
-        case ftPointerListEx:
-            return action(static_cast<TZoClassFieldPointerList&>(field));
-        case ftChildPointerMap:
-            return action(static_cast<TZoClassFieldPointerMap&>(field));
+#define ZO_ROW(Kind, Class, Place, Hold, Encoding, Member)                                                   \
+    case ft##Kind:                                                                                           \
+        return action(static_cast<Class&>(field));
+            ZO_FIELD_KINDS(ZO_ROW)
+#undef ZO_ROW
         }
     }
 
-    template <class T, class Pointer>
-    static auto& As(Pointer* member) {
-        return *static_cast<std::conditional_t<std::is_const_v<Pointer>, const T, T>*>(member);
+    template <class T, class Pointer, class Action>
+    static void As(Pointer* member, Action action) {
+        if constexpr (!std::is_void_v<T>) {
+            action(*static_cast<std::conditional_t<std::is_const_v<Pointer>, const T, T>*>(member));
+        }
     }
 
     /// Calls the action with a member as what its kind says.
     template <class Pointer, class Action>
     static void MemberAs(TZoClassFieldType kind, Pointer* member, Action action) {
         switch (kind) {
-        case ftInt:
-            return action(As<int>(member));
-        case ftUnsigned:
-            return action(As<unsigned>(member));
-        case ftBool:
-            return action(As<bool>(member));
-        case ftFloat:
-            return action(As<float>(member));
-        case ftDouble:
-            return action(As<double>(member));
-        case ftString:
-            return action(As<ZoString>(member));
-        case ftBlob:
-            return action(As<ZoBlob>(member));
-        case ftListInt:
-            return action(As<TDVector<int>>(member));
-        case ftListFloat:
-            return action(As<TDVector<float>>(member));
-        case ftListDouble:
-            return action(As<TDVector<double>>(member));
-        case ftListString:
-            return action(As<TDVector<ZoString>>(member));
-        case ftChildPointer:
-        case ftChildPointerList:
-        case ftPointer:
-        case ftPointerList:
-        case ftPointerEx:
-        case ftPointerListEx:
-        case ftChildValue:
-        case ftChildPointerMap:
-            return;
+#define ZO_ROW(Kind, Class, Place, Hold, Encoding, Member)                                                   \
+    case ft##Kind:                                                                                           \
+        return As<Member>(member, action);
+            ZO_FIELD_KINDS(ZO_ROW)
+#undef ZO_ROW
         }
     }
 
@@ -358,12 +303,12 @@ private:
 
     template <class Source, class T>
     static void LoadValue(const Source& take, T& value) {
-        CheckBytes(take, StoredSize<T>);
+        CheckBytes(take, STORED_SIZE<T>);
         take(value);
     }
     template <class Source, class T>
     static void LoadValue(const Source& take, TDVector<T>& list) {
-        const ListHead head(take, false, false, StoredSize<T>);
+        const ListHead head(take, false, false, STORED_SIZE<T>);
         list.RemoveAll();
         list.Reserve(static_cast<unsigned long long>(head.count));
         for (int i = 0; i < head.count; ++i) {

@@ -1,6 +1,7 @@
 #include "Persistence/GraphWalk.h"
 
 #include "Persistence/ClassNames.h"
+#include "Persistence/FieldKinds.h"
 #include "Persistence/HandleAccess.h"
 #include "Persistence/ItemAction.h"
 #include "ZoPrimitives/BinOutStream.h"
@@ -89,7 +90,7 @@ template <class Action>
 void GraphWalk::ForEachExternal(const TZoClass& level, Action action) {
     const auto visit = [&action](TZoClassField* field) {
         if (field == nullptr) return;
-        if (field->GetFieldType() == ftPointerEx || field->GetFieldType() == ftPointerListEx) action(*field);
+        if (FieldKindOf(field->GetFieldType()).holds == FieldHold::External) action(*field);
     };
     for (const auto& field : level.fieldsChildMaps) {
         const auto& map = static_cast<const TZoClassFieldPointerMap&>(*field);

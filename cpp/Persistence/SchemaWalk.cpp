@@ -1,5 +1,6 @@
 #include "Persistence/SchemaWalk.h"
 
+#include "Persistence/FieldKinds.h"
 #include "Persistence/HandleAccess.h"
 #include "Persistence/ItemAction.h"
 
@@ -43,7 +44,7 @@ void SchemaWalk::AddSteps(Plan& plan, const TZoClass* level) {
     for (const auto& parent : level->parents) AddSteps(plan, parent.get());
     const auto add = [&plan](TZoClassField* field) {
         if (field == nullptr) return;
-        const bool follows = field->GetFieldType() != ftPointer && field->GetFieldType() != ftPointerList;
+        const bool follows = FieldKindOf(field->GetFieldType()).holds != FieldHold::Other;
         plan.steps.push_back({static_cast<TZoClassFieldPointerBase*>(field), follows, false, 0});
     };
     level->ForEachPointerField([&](TZoClassField& field) {

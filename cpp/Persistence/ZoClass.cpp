@@ -27,9 +27,7 @@ bool SameEncoding(TZoClassFieldType a, TZoClassFieldType b) {
 }
 
 /// The place of a field's list in a record.
-int StreamingRank(const TZoClassField& field) {
-    return static_cast<int>(FieldKindOf(field.GetFieldType()).list);
-}
+FieldPlace PlaceOf(const TZoClassField& field) { return FieldKindOf(field.GetFieldType()).list; }
 
 } // namespace
 
@@ -45,17 +43,32 @@ TZoClass::TZoClass(TZoMetaData* schema, Parents* parentClasses, const ZoString& 
 // Fields
 
 TZoClass::FieldList& TZoClass::ListOf(const TZoClassField& field) {
-    FieldList* lists[] = {&fieldsChildMaps,  &fields,           &fieldsChilds,
-                          &fieldsChildLists, &fieldsReferences, &fieldsReferencesLists};
-    return *lists[StreamingRank(field)];
+    switch (PlaceOf(field)) {
+    case FieldPlace::Maps:
+        return fieldsChildMaps;
+    case FieldPlace::Values:
+        break;
+    case FieldPlace::Children:
+        return fieldsChilds;
+    case FieldPlace::ChildLists:
+        return fieldsChildLists;
+    case FieldPlace::References:
+        return fieldsReferences;
+    case FieldPlace::ReferenceLists:
+        return fieldsReferencesLists;
+    }
+    return fields;
 }
 
 void TZoClass::PutInOrder() {
     inOrder.clear();
-    for (const FieldList* list : {&fieldsChildMaps, &fields, &fieldsChilds, &fieldsChildLists,
-                                  &fieldsReferences, &fieldsReferencesLists}) {
+    for (const FieldList* list : {&fields, &fieldsChilds, &fieldsReferences, &fieldsChildLists,
+                                  &fieldsReferencesLists, &fieldsChildMaps}) {
         for (const auto& field : *list) inOrder.push_back(field.get());
     }
+    std::stable_sort(inOrder.begin(), inOrder.end(), [](const TZoClassField* a, const TZoClassField* b) {
+        return PlaceOf(*a) < PlaceOf(*b);
+    });
 }
 
 template <class Field>
@@ -66,7 +79,7 @@ Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
     base.fieldClass = fieldClass;
     if (fieldClass != nullptr) base.className = fieldClass->GetName();
     ListOf(base).Add(field);
-    if (!inOrder.empty() && StreamingRank(*inOrder.back()) > StreamingRank(base)) {
+    if (!inOrder.empty() && PlaceOf(*inOrder.back()) > PlaceOf(base)) {
         if (!loading) PutInOrder();
     } else {
         inOrder.push_back(field);
@@ -144,66 +157,35 @@ TZoClassFieldPointerMap* TZoClass::AddFieldChildPointerMap(const ZoString& field
     return map;
 }
 
+namespace {
+
+/// A field without accessors.
+template <class Field>
+Field* BareField(const ZoString& name, TZoClassFieldType kind) {
+    if constexpr (std::is_same_v<Field, TZoClassFieldPointerMap>) {
+        return new Field(name);
+    } else if constexpr (std::is_same_v<Field, TZoClassFieldPointer>) {
+        return new Field(name, kind, nullptr, nullptr);
+    } else if constexpr (std::is_same_v<Field, TZoClassFieldPointerList>) {
+        return new Field(name, kind, {});
+    } else if constexpr (std::is_constructible_v<Field, ZoString, std::nullptr_t, std::nullptr_t>) {
+        return new Field(name, nullptr, nullptr);
+    } else {
+        return new Field(name, {});
+    }
+}
+
+} // namespace
+
 TZoClassField* TZoClass::AddField(int fieldClassId, TZoClassFieldType kind, const ZoString& field) {
     TZoClassField* made = nullptr;
     switch (kind) {
-    case ftInt:
-        made = AddFieldInt(field, nullptr, nullptr);
+#define ZO_ROW(Kind, Class, Place, Hold, Encoding, Member)                                                   \
+    case ft##Kind:                                                                                           \
+        made = Adopt(BareField<Class>(field, ft##Kind), nullptr);                                            \
         break;
-    case ftFloat:
-        made = AddFieldFloat(field, nullptr, nullptr);
-        break;
-    case ftDouble:
-        made = AddFieldDouble(field, nullptr, nullptr);
-        break;
-    case ftString:
-        made = AddFieldString(field, nullptr, nullptr);
-        break;
-    case ftBlob:
-        made = AddFieldBlob(field, nullptr, nullptr);
-        break;
-    case ftBool:
-        made = AddFieldBool(field, nullptr, nullptr);
-        break;
-    case ftUnsigned:
-        made = AddFieldUnsigned(field, nullptr, nullptr);
-        break;
-    case ftListInt:
-        made = AddFieldListInt(field, {});
-        break;
-    case ftListFloat:
-        made = AddFieldListFloat(field, {});
-        break;
-    case ftListDouble:
-        made = AddFieldListDouble(field, {});
-        break;
-    case ftListString:
-        made = AddFieldListString(field, {});
-        break;
-    case ftChildPointer:
-        made = AddFieldChildPointer(field, nullptr, nullptr, nullptr);
-        break;
-    case ftChildValue:
-        made = AddFieldChildValue(field, nullptr, nullptr, nullptr);
-        break;
-    case ftPointer:
-        made = AddFieldPointer(field, nullptr, nullptr, nullptr);
-        break;
-    case ftPointerEx:
-        made = AddFieldPointerEx(field, nullptr, nullptr, nullptr);
-        break;
-    case ftChildPointerList:
-        made = AddFieldChildPointerList(field, nullptr, {});
-        break;
-    case ftPointerList:
-        made = AddFieldPointerList(field, nullptr, {});
-        break;
-    case ftPointerListEx:
-        made = AddFieldPointerListEx(field, nullptr, {});
-        break;
-    case ftChildPointerMap:
-        made = AddFieldChildPointerMap(field, nullptr, nullptr, nullptr);
-        break;
+        ZO_FIELD_KINDS(ZO_ROW)
+#undef ZO_ROW
     }
     if (made != nullptr) made->fieldClassId = fieldClassId;
     return made;

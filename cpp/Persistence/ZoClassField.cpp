@@ -17,46 +17,19 @@ namespace {
 
 constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
 
-template <class T>
-constexpr TZoClassFieldType VALUE_KIND = ftInt;
-template <>
-constexpr TZoClassFieldType VALUE_KIND<unsigned> = ftUnsigned;
-template <>
-constexpr TZoClassFieldType VALUE_KIND<bool> = ftBool;
-template <>
-constexpr TZoClassFieldType VALUE_KIND<float> = ftFloat;
-template <>
-constexpr TZoClassFieldType VALUE_KIND<double> = ftDouble;
-template <>
-constexpr TZoClassFieldType VALUE_KIND<ZoString> = ftString;
-template <>
-constexpr TZoClassFieldType VALUE_KIND<ZoBlob> = ftBlob;
-
-template <class T>
-constexpr TZoClassFieldType LIST_KIND = ftListInt;
-template <>
-constexpr TZoClassFieldType LIST_KIND<float> = ftListFloat;
-template <>
-constexpr TZoClassFieldType LIST_KIND<double> = ftListDouble;
-template <>
-constexpr TZoClassFieldType LIST_KIND<ZoString> = ftListString;
-
-} // namespace
-
-namespace {
-
 /// A field's kind says what its C++ class is: all that casts by the kind relies on it.
-void CheckShape(TZoClassFieldType kind, FieldShape shape, const ZoString& name) {
-    if (FieldKindOf(kind).shape == shape) return;
+template <class Field>
+void CheckKind(TZoClassFieldType kind, const ZoString& name) {
+    if (IsKindOf<Field>(kind)) return;
     const ZoString message =
         ZoString::FormatString("[zoerror] field %s cannot be of kind %d. See TZoClass::AddField",
                                name.c_str(), static_cast<int>(kind));
-    AssertWithFunctor("FieldKindOf(kind).shape == shape", message.c_str(), SOURCE, __LINE__);
+    AssertWithFunctor("IsKindOf<Field>(kind)", message.c_str(), SOURCE, __LINE__);
 }
 
 /// What a map's sub-field may be: a list of owned objects or any single pointer.
 bool IsHalf(TZoClassFieldType kind) {
-    return kind == ftChildPointerList || FieldKindOf(kind).shape == FieldShape::Pointer;
+    return kind == ftChildPointerList || IsKindOf<TZoClassFieldPointer>(kind);
 }
 
 [[noreturn]] void FailHalf(const TZoClassFieldPointerMap& map) {
@@ -97,7 +70,7 @@ void FieldCodec::ThrowDanglingItem(const TZoClassField& field, const ZoStreamabl
 TZoClassField::TZoClassField(const ZoString& name, TZoClassFieldType kind) : name(name), kind(kind) {}
 TZoClassField::~TZoClassField() = default;
 
-bool TZoClassField::IsPointerKind() const { return FieldKindOf(kind).list != FieldPlace::Values; }
+bool TZoClassField::IsPointerKind() const { return FieldKindOf(kind).holds != FieldHold::Nothing; }
 
 void TZoClassField::GetFieldMetaData(ZoStreamableBase*, ZoStreamableBaseFunctor&) {}
 
@@ -121,7 +94,7 @@ TZoClassField::Entry TZoClassField::LoadMetaFromStream(TBinInStream* stream) {
 
 template <class T>
 TZoClassFieldValue<T>::TZoClassFieldValue(const ZoString& name, TZoSetter<T> set, TZoGetter<T> get)
-    : TZoClassField(name, VALUE_KIND<T>), set(set), get(get) {}
+    : TZoClassField(name, KindOf<TZoClassFieldValue<T>>()), set(set), get(get) {}
 
 template <class T>
 void TZoClassFieldValue<T>::SaveToStream(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
@@ -135,7 +108,7 @@ void TZoClassFieldValue<T>::LoadFromStream(TBinInStream* stream, ZoStreamableBas
 
 template <class T>
 TZoClassFieldList<T>::TZoClassFieldList(const ZoString& name, const TZoListAccessors<T>& access)
-    : TZoClassField(name, LIST_KIND<T>), access(access) {}
+    : TZoClassField(name, KindOf<TZoClassFieldList<T>>()), access(access) {}
 
 template <class T>
 void TZoClassFieldList<T>::SaveToStream(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
@@ -178,17 +151,14 @@ bool TZoClassFieldPointerBase::Accepts(const ZoStreamableBase* target) const {
     return targetClass != nullptr && targetClass->IsInherited(declared);
 }
 
-bool TZoClassFieldPointerBase::Owns() const {
-    return GetFieldType() == ftChildPointer || GetFieldType() == ftChildPointerList ||
-           GetFieldType() == ftChildPointerMap;
-}
+bool TZoClassFieldPointerBase::Owns() const { return FieldKindOf(GetFieldType()).holds == FieldHold::Owned; }
 
-bool TZoClassFieldPointerBase::HoldsChildren() const { return Owns() || GetFieldType() == ftChildValue; }
+bool TZoClassFieldPointerBase::HoldsChildren() const { return ZoPrimitives::HoldsChildren(GetFieldType()); }
 
 TZoClassFieldPointer::TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set,
                                            TZoPointerGetter get)
     : TZoClassFieldPointerBase(name, kind), set(set), get(get) {
-    CheckShape(kind, FieldShape::Pointer, name);
+    CheckKind<TZoClassFieldPointer>(kind, name);
 }
 TZoClassFieldPointer::~TZoClassFieldPointer() = default;
 
@@ -226,7 +196,7 @@ void TZoClassFieldPointer::DeleteReferences(ZoStreamableBase* object,
 TZoClassFieldPointerList::TZoClassFieldPointerList(const ZoString& name, TZoClassFieldType kind,
                                                    const TZoPointerListAccessors& access)
     : TZoClassFieldPointerBase(name, kind), access(access) {
-    CheckShape(kind, FieldShape::PointerList, name);
+    CheckKind<TZoClassFieldPointerList>(kind, name);
 }
 TZoClassFieldPointerList::~TZoClassFieldPointerList() = default;
 

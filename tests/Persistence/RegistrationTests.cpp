@@ -535,7 +535,6 @@ public:
     ZoString StreamableClassName() const override { return "class Keyed"; }
     int KeysNumber() { return dynamic_cast<app::Leaf&>(*GetKey(this, keyField)).number; }
 
-    bool byValue = false;
     TZoClassField* keyField = nullptr;
     app::Leaf member;
     pointer<ZoStreamableBase> key;
@@ -579,15 +578,15 @@ TEST(HandWrittenAccessors, KeepAMapsKeyByAnyPointer) {
     const struct {
         const char* name;
         TZoClassFieldType kind;
-        int key; // 0: of its own, 1: the child's object
+        bool isChild; // the key is the object of the field behind the map
         Payload record;
         int objects;
     } cases[] = {
-        {"owned", ftChildPointer, 0, Payload().Ints({2, 3, 4}), 4},
-        {"a list of owned ones", ftChildPointerList, 0, Payload().Ints({1, 2, 3, 4}), 4},
-        {"a member", ftChildValue, 0, Payload().Ints({2, 3, 4}), 4},
-        {"owned elsewhere", ftPointer, 1, Payload().Ints({3, 2, 3}), 3},
-        {"external", ftPointerEx, 0, Payload().Ints({4, 2, 3}), 4},
+        {"owned", ftChildPointer, false, Payload().Ints({2, 3, 4}), 4},
+        {"a list of owned ones", ftChildPointerList, false, Payload().Ints({1, 2, 3, 4}), 4},
+        {"a member", ftChildValue, false, Payload().Ints({2, 3, 4}), 4},
+        {"owned elsewhere", ftPointer, true, Payload().Ints({3, 2, 3}), 3},
+        {"external", ftPointerEx, false, Payload().Ints({4, 2, 3}), 4},
     };
     for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
@@ -597,14 +596,14 @@ TEST(HandWrittenAccessors, KeepAMapsKeyByAnyPointer) {
         Keyed written;
         written.member.number = 11;
         written.child = new app::Leaf(13);
-        written.key = tested.key == 1 ? written.child : pointer<ZoStreamableBase>(new app::Leaf(11));
+        written.key = tested.isChild ? written.child : pointer<ZoStreamableBase>(new app::Leaf(11));
         written.value = new app::Leaf(12);
         const std::string file = Save(schema, &written);
         const std::vector<Row> rows = RowsOf(file);
         ASSERT_EQ(rows.size(), 1U + static_cast<std::size_t>(tested.objects));
         EXPECT_EQ(rows[1], (Row{1, 2, tested.record}));
         Opened opened(file, schema);
-        EXPECT_EQ(opened.Root<Keyed>().KeysNumber(), tested.key == 1 ? 13 : 11);
+        EXPECT_EQ(opened.Root<Keyed>().KeysNumber(), tested.isChild ? 13 : 11);
         EXPECT_EQ(Save(schema, &opened.Root<Keyed>()), file);
     }
     TZoMetaData schema;

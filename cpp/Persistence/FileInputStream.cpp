@@ -2,6 +2,7 @@
 
 #include "Persistence/FileAccess.h"
 #include "ZoPrimitives/NumberText.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <algorithm>
@@ -110,7 +111,7 @@ std::string_view FileInputStream::Token() {
 
 InputStream& FileInputStream::operator>>(ZoString& value) {
     const std::string_view token = Token();
-    value.Assign(token.data(), static_cast<unsigned>(token.size()));
+    AssignWhole(value, token.data(), static_cast<unsigned>(token.size()));
     return *this;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Persistence/FileAccess.h"
 #include "ZoPrimitives/NumberText.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <cstddef>
@@ -40,24 +41,34 @@ FileOutputStream::~FileOutputStream() {
     Close();
 }
 
-OutputStream& FileOutputStream::Add(const ZoString& token) {
+OutputStream& FileOutputStream::Add(std::string_view token) {
     ZO_ASSERT(!finalized, "!finalized && \"[zoerror] a stream writes one file\"", SOURCE);
-    tokens->Add(token);
+    tokens->Add(ZoString());
+    try {
+        AssignWhole(tokens->Last(), token.data(), static_cast<unsigned>(token.size()));
+    } catch (...) {
+        tokens->RemoveLast();
+        throw;
+    }
     return *this;
 }
 
-OutputStream& FileOutputStream::operator<<(const ZoString& value) { return Add(value); }
-OutputStream& FileOutputStream::operator<<(const char* value) { return Add(value); }
+OutputStream& FileOutputStream::operator<<(const ZoString& value) { return Add(value.c_str()); }
+OutputStream& FileOutputStream::operator<<(const char* value) { return Add(value != nullptr ? value : ""); }
 OutputStream& FileOutputStream::operator<<(long double value) { return *this << static_cast<double>(value); }
 OutputStream& FileOutputStream::operator<<(double value) { return Add(RealText(value).c_str()); }
 OutputStream& FileOutputStream::operator<<(float value) { return *this << static_cast<double>(value); }
-OutputStream& FileOutputStream::operator<<(unsigned int value) { return Add(value); }
-OutputStream& FileOutputStream::operator<<(int value) { return Add(value); }
-OutputStream& FileOutputStream::operator<<(unsigned short value) { return Add(int{value}); }
-OutputStream& FileOutputStream::operator<<(short value) { return Add(int{value}); }
-OutputStream& FileOutputStream::operator<<(bool value) { return Add(value ? 1 : 0); }
+OutputStream& FileOutputStream::operator<<(unsigned int value) { return Add(std::to_string(value)); }
+OutputStream& FileOutputStream::operator<<(int value) { return Add(std::to_string(value)); }
+OutputStream& FileOutputStream::operator<<(unsigned short value) { return *this << int{value}; }
+OutputStream& FileOutputStream::operator<<(short value) { return *this << int{value}; }
+OutputStream& FileOutputStream::operator<<(bool value) { return Add(value ? "1" : "0"); }
 
-bool FileOutputStream::GetHasEOF() const { return tokens->Contains("EOF"); }
+bool FileOutputStream::GetHasEOF() const {
+    for (const ZoString& token : *tokens)
+        if (std::strcmp(token.c_str(), "EOF") == 0) return true;
+    return false;
+}
 
 bool FileOutputStream::SaveToFile() {
     if (tokens->NItems() == 0) return true;

@@ -320,6 +320,21 @@ TEST(FileInputStreamTest, OpensAsReaderOfItsFile) {
         EXPECT_NE(first.GetFile(), nullptr);
         EXPECT_EQ(Thrown(open), refused) << "locked by its first reader";
     }
+    {
+        FileInputStream first(text.Path().c_str(), TFileReading::Viewing);
+        FileInputStream second(text.Path().c_str(), TFileReading::Viewing);
+        EXPECT_EQ(Thrown(open), "") << "viewers keep nobody out";
+        FileOutputStream(text.Path().c_str(), false) << "written meanwhile";
+        EXPECT_EQ(Next(first) + Next(second), "aa");
+        // While a save replaces the file, opening waits for its end.
+        text.folder.Write("tokens.txt-new", "new");
+        system.onWait = [&](unsigned) {
+            text.folder.Write(NAME, "new");
+            std::filesystem::remove(text.folder.Path("tokens.txt-new"));
+        };
+        FileInputStream third(text.Path().c_str(), TFileReading::Viewing);
+        EXPECT_EQ(Next(third), "new");
+    }
     text.folder.MakeReadOnly(NAME);
     {
         FileInputStream first(text.Path().c_str(), true);

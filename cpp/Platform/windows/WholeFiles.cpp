@@ -140,6 +140,8 @@ bool Services::MoveWholeFile(const char* from, const char* to) {
     if (from == nullptr) from = "";
     if (to == nullptr) to = "";
     return DespiteInterference(*this, [&] {
+        // Moving onto an open file is merely denied: asking to delete it tells why.
+        if (!OpenAmongAll(to, DELETE) && ::GetLastError() == ERROR_SHARING_VIOLATION) return false;
         return ::MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     });
 }

@@ -5,13 +5,15 @@
 #include "ZoPrimitives/dvector.h"
 #include "ZoPrimitives/pointer.h"
 
+#include <string_view>
+
 namespace ZoPrimitives {
 
 /// Writes tokens as a text file, one in a line, with CR LF between them and nothing behind the last one.
 ///
 /// Integers are decimal, flags 1 and 0, real numbers have 15 significant digits and always a point ("100.",
 /// "1.e+020"). Tokens are collected in memory and written at once, by `Finalize`, which reports failures, or
-/// by the destructor, which cannot.
+/// by the destructor, which cannot. A token that finds no memory throws `std::bad_alloc`.
 class ZO_API FileOutputStream : public OutputStream {
 public:
     /// Creates the file, or empties it; others may read it meanwhile. `keepOpen`: the file is not closed with
@@ -50,7 +52,7 @@ protected:
     bool SaveToFile();
 
 private:
-    OutputStream& Add(const ZoString& token);
+    OutputStream& Add(std::string_view token);
     bool Close();
 
     void* file;

@@ -51,7 +51,6 @@ TBinOutStream::TBinOutStream(const TBinOutStream& other) : TBinOutStream(0, 0, o
 TBinOutStream& TBinOutStream::operator=(const TBinOutStream& other) {
     if (this == &other) return *this;
     header = other.header;
-    lastUid = other.lastUid;
     usesSecurity = other.usesSecurity;
     const std::size_t payload = other.GetBufferSize();
     if (buffering == Buffering::Keep && other.buffering == Buffering::Keep) {
@@ -92,14 +91,15 @@ void TBinOutStream::SetBounds(std::size_t gathered, std::size_t payload) {
     limit = record + std::clamp<std::ptrdiff_t>(room, 0, DEFAULT_BUFFER_SIZE);
 }
 
-void TBinOutStream::MakeRoom(std::size_t size) {
+void TBinOutStream::MakeRoom(std::size_t size, std::size_t head) {
     const std::size_t payload = GetBufferSize();
-    ZO_ASSERT(size <= DEFAULT_BUFFER_SIZE - payload,
+    const std::size_t room = DEFAULT_BUFFER_SIZE - payload;
+    ZO_ASSERT(head <= room && size <= room - head,
               "size <= DEFAULT_BUFFER_SIZE - GetBufferSize() && \"[zoerror] the record is too big\"", SOURCE);
     const auto gathered = static_cast<std::size_t>(gatheredEnd - buffer);
     const auto summed = static_cast<std::size_t>(summedEnd - buffer);
     const auto capacity = static_cast<std::size_t>(bufferEnd - buffer);
-    const std::size_t needed = gathered + payload + size + 2 * RecordFormat::HEAD_SIZE;
+    const std::size_t needed = gathered + payload + head + size + 2 * RecordFormat::HEAD_SIZE;
     Allocate(std::max(capacity * 2, needed));
     SetBounds(gathered, payload);
     summedEnd = buffer + summed;
@@ -172,13 +172,8 @@ TBinOutStream& TBinOutStream::operator<<(bool value) {
     return *this;
 }
 
-void TBinOutStream::FlushRecord(int uid, [[maybe_unused]] int classId) {
-    // "[zoerror] uids must be save in sequence. uid=%d, expected uid=%d": callers are told so, and any order
-    // is taken; the check on this path always holds, so the text is composed for nobody.
-    if (lastUid <= uid) ZO_ASSERT_AT(lastUid <= uid, "last_uid <= streamableUid", SOURCE, 249);
-    lastUid = uid;
-    ++header.recordCount;
-}
+// Uids may come in any order: that they rise is the object writer's to keep, and nothing is checked here.
+void TBinOutStream::FlushRecord(int, int) { ++header.recordCount; }
 
 void TBinOutStream::FreeResourses() {}
 
@@ -192,6 +187,11 @@ void TBinOutStream::RewriteHeader() {}
 void* TBinOutStream::GetFile() const { return nullptr; }
 
 void TBinOutStream::SetFile(void*) {}
+
+void TBinOutStream::SetHandle(const ZoStreamableBase* object, int uid) {
+    handles.Set(object, uid);
+    if (object != nullptr && uid >= nextHandle) nextHandle = uid == INT_MAX ? INT_MAX : uid + 1;
+}
 
 int TBinOutStream::AllocateHandle(const ZoStreamableBase* object) {
     ZO_ASSERT(object != nullptr, "object != nullptr", SOURCE);
@@ -278,17 +278,28 @@ void TBinOutStream::PatchGathered(unsigned long long offset, const void* data, s
     std::memcpy(buffer + offset, data, size);
 }
 
-void TBinOutStream::PatchHeader() {
-    const unsigned payload = GetBufferSize();
-    SaveHeader();
-    PatchGathered(0, record + payload, GetBufferSize() - payload);
-    position = record + payload;
+std::vector<unsigned char> TBinOutStream::HeaderBytes() {
+    // `SaveHeader` appends to the open record, which may be full: it is set aside.
+    const std::vector<unsigned char> open(record, position);
+    const auto restore = [&] {
+        if (!open.empty()) std::memcpy(record, open.data(), open.size());
+        position = record + open.size();
+    };
+    DropRecord();
+    try {
+        SaveHeader();
+        std::vector<unsigned char> bytes(record, position);
+        restore();
+        return bytes;
+    } catch (...) {
+        restore();
+        throw;
+    }
 }
 
 void TBinOutStream::StartAnew() {
     DropGathered();
     header.recordCount = 0;
-    lastUid = -1;
 }
 
 void TBinOutStream::ReleaseGathered() {

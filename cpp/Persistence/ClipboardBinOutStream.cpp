@@ -26,6 +26,7 @@ void TClipboardBinOutStream::Initialize() {
     plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
     writing = true;
     FlushBuffer();
+    headerSize = GatheredSize();
 }
 
 void TClipboardBinOutStream::FlushRecord(int uid, int classId) {
@@ -39,7 +40,9 @@ void TClipboardBinOutStream::FlushBuffer() {
 }
 
 void TClipboardBinOutStream::RewriteHeader() {
-    if (writing && GatheredSize() >= RecordFormat::HEADER_SIZE) PatchHeader();
+    if (!writing || headerSize < RecordFormat::HEADER_SIZE) return;
+    const std::vector<unsigned char> header = HeaderBytes();
+    if (header.size() <= headerSize) PatchGathered(0, header.data(), header.size());
 }
 
 void TClipboardBinOutStream::Finalize() {

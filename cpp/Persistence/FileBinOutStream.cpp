@@ -7,6 +7,7 @@
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoAssert.h"
 
+#include <algorithm>
 #include <string>
 #include <typeinfo>
 #include <utility>
@@ -52,7 +53,9 @@ void TFileBinOutStream::Initialize() {
         writtenPath = &names->Target();
         if (throughTemporary) MakeTemporary();
         OpenFile(writtenPath->c_str());
-    } else if (!System().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
+    } else if (System().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
+        isWhole = headerStart == 0;
+    } else {
         headerStart = 0;
     }
     state = State::Writing;
@@ -109,16 +112,29 @@ void TFileBinOutStream::WriteGathered() {
     unsigned long long size = 0;
     const unsigned char* data = Gathered(size);
     if (size == 0) return;
-    WriteToFile(data, static_cast<unsigned>(size));
+    WriteBytes(data, static_cast<unsigned>(size));
     DropGathered();
 }
 
 void TFileBinOutStream::WriteToFile(const unsigned char* data, unsigned size) {
     CheckWriting();
-    if (System().WriteFile(file, data, size)) return;
+    WriteGathered();
+    WriteBytes(data, size);
+}
+
+void TFileBinOutStream::WriteBytes(const unsigned char* data, unsigned size) {
+    if (System().WriteFile(file, data, size)) return NoteEnd();
     const unsigned long error = Platform::LastError();
     Abandon();
     ThrowUnwritten(error, WRITE);
+}
+
+/// The stream, and the caller by the handle, may go back in the file before it ends.
+void TFileBinOutStream::NoteEnd() {
+    unsigned long long position = 0;
+    if (isWhole && System().SeekFile(file, 0, Platform::Origin::Current, position)) {
+        writtenEnd = std::max(writtenEnd, position);
+    }
 }
 
 void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) {
@@ -147,15 +163,12 @@ void TFileBinOutStream::Reset() {
 
 void TFileBinOutStream::RewriteHeader() {
     if (state != State::Writing) return;
+    const std::vector<unsigned char> header = HeaderBytes();
     const unsigned long long after = GetPosition();
-    const std::vector<unsigned char> open(RecordBytes(), RecordBytes() + GetBufferSize());
-    DropRecord();
     SeekTo(headerStart, "TFileBinOutStream::RewriteHeader");
-    SaveHeader();
-    FlushBuffer();
+    WriteBytes(header.data(), static_cast<unsigned>(header.size()));
     headerCount = GetNInstances();
     SeekTo(after, "TFileBinOutStream::RewriteHeader");
-    if (!open.empty()) Append(open.data(), open.size());
 }
 
 void* TFileBinOutStream::GetFile() const {
@@ -190,6 +203,7 @@ void TFileBinOutStream::Finalize() {
     if (state != State::Writing) return;
     if (plainHeader && headerCount != GetNInstances()) RewriteHeader();
     WriteGathered();
+    if (isWhole) EndFile();
     state = State::Ended;
     if (!ownsFile) return;
     CloseWritten();
@@ -197,6 +211,18 @@ void TFileBinOutStream::Finalize() {
     if (throughTemporary) ReplaceTarget();
     names->Conclude();
     writtenPath = &names->Target();
+}
+
+/// Takes off what an earlier, longer version left behind: it would be read as records of this one.
+void TFileBinOutStream::EndFile() {
+    NoteEnd();
+    unsigned long long size = 0;
+    const bool known = System().FileSize(file, size);
+    if (!known && Platform::LastError() == Platform::ErrorInvalidFunction) return; // a device
+    if (known && (size <= writtenEnd || System().TruncateFile(file, writtenEnd))) return;
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    ThrowUnwritten(error, FINALIZE);
 }
 
 void TFileBinOutStream::CloseWritten() {

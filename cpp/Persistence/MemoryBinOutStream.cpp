@@ -19,7 +19,7 @@ void TMemoryBinOutStream::Initialize() {
     StartAnew();
     if (GetBufferSize() == 0) SaveHeader();
     FlushBuffer();
-    hasHeader = GetSize() >= RecordFormat::HEADER_SIZE;
+    headerSize = GetSize() >= RecordFormat::HEADER_SIZE ? GetSize() : 0;
 }
 
 void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId, true); }
@@ -27,12 +27,14 @@ void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId
 void TMemoryBinOutStream::FlushBuffer() { FrameRaw(); }
 
 void TMemoryBinOutStream::FreeResourses() {
-    hasHeader = false;
+    headerSize = 0;
     ReleaseGathered();
 }
 
 void TMemoryBinOutStream::RewriteHeader() {
-    if (hasHeader) PatchHeader();
+    if (headerSize == 0) return;
+    const std::vector<unsigned char> header = HeaderBytes();
+    if (header.size() <= headerSize) PatchGathered(0, header.data(), header.size());
 }
 
 bool TMemoryBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TMemoryBinOutStream); }
@@ -43,7 +45,7 @@ const unsigned char* TMemoryBinOutStream::GetData() {
 }
 
 unsigned char* TMemoryBinOutStream::Detach(unsigned long long& size) {
-    hasHeader = false;
+    headerSize = 0;
     return TakeGathered(size);
 }
 

@@ -87,6 +87,8 @@ public:
     virtual bool SeekFile(FileHandle file, long long offset, Origin origin, unsigned long long& position);
     /// In bytes; false for a device, which has none.
     virtual bool FileSize(FileHandle file, unsigned long long& size);
+    /// Ends the file at `size` bytes, fewer than it has. The place of the handle stays.
+    virtual bool TruncateFile(FileHandle file, unsigned long long size);
     /// Returns when what was written is on the device, the file's name included.
     virtual bool SynchroniseFile(FileHandle file);
 

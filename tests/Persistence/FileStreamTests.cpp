@@ -571,6 +571,22 @@ TEST_F(FileStreamTests, SomeCallsWriteFirst) {
     }
 }
 
+TEST_F(FileStreamTests, OwnBytesStandBehindWhatWasFlushed) {
+    struct Own : TFileBinOutStream {
+        explicit Own(const std::string& path) : TFileBinOutStream(path.c_str(), false) {}
+        using TFileBinOutStream::WriteToFile;
+    } out(plan);
+    out.Initialize();
+    Record(out, 1, "before");
+    out << 5; // open
+    out.WriteToFile(reinterpret_cast<const unsigned char*>("own"), 3);
+    out.FlushRecord(2, 7);
+    out.Finalize();
+    const std::string bytes = folder.Read("plan.zo");
+    EXPECT_EQ(bytes.size(), 62U + 3 + 28);
+    EXPECT_EQ(bytes.substr(56, 9), "beforeown");
+}
+
 TEST_F(FileStreamTests, TheHeader) {
     // Put there by the caller, with an extra block.
     Stream out = Create(plan);
@@ -963,13 +979,34 @@ TEST_F(FileStreamTests, AFileKeptLockedIsReadAnew) {
     EXPECT_EQ(Rest(in), "2:old");
     unsigned long long place = 0;
     Platform::Current().SeekFile(in.GetFile(), 0, Platform::Origin::Begin, place);
-    const Stream out = Create("unused");
-    out->SetFile(in.GetFile());
-    out->Initialize();
-    WriteRecords(*out, "new, longer");
-    out->Finalize();
-    in.InitializeKeepingLocked();
-    EXPECT_EQ(Rest(in), "2:new, longer");
+    const std::pair<std::string, void (*)(TFileBinOutStream&)> rows[] = {
+        {"2:new, longer", [](auto& out) { WriteRecords(out, "new, longer"); }},
+        {"1:shorter", [](auto& out) { Record(out, 1, "shorter"); }},
+        {"1:back before the end",
+         [](auto& out) {
+             Record(out, 1, "back before the end");
+             out.Reset();
+         }},
+    };
+    for (const auto& [expected, write] : rows) {
+        Platform::Current().SeekFile(in.GetFile(), 0, Platform::Origin::Begin, place);
+        const Stream out = Create("unused");
+        out->SetFile(in.GetFile());
+        out->Initialize();
+        write(*out);
+        out->Finalize();
+        in.InitializeKeepingLocked();
+        EXPECT_EQ(Rest(in), expected);
+    }
+    {
+        FaultyServices services;
+        services.Fail("TruncateFile", 1, Platform::ErrorDiskFull);
+        Platform::Current().SeekFile(in.GetFile(), 0, Platform::Origin::Begin, place);
+        const Stream out = Create("unused");
+        out->SetFile(in.GetFile());
+        out->Initialize();
+        EXPECT_EQ(Thrown([&] { out->Finalize(); }), full + "Finalize");
+    }
     EXPECT_NE(Thrown([&] { Create(plan)->Initialize(); }), "");
 
     // The record at hand went with the old bytes; the file stays.

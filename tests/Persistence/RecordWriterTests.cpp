@@ -140,10 +140,15 @@ TEST(RecordWriter, HeaderHoldsVersionReleaseAndCount) {
     stream.FlushRecord(2, 1);
     stream << 7; // the open record is nobody's yet
     stream.RewriteHeader();
+    stream.Append(std::string(DEFAULT_BUFFER_SIZE - 4, 'x').c_str(), DEFAULT_BUFFER_SIZE - 4);
+    stream.RewriteHeader(); // where the open record is full
+    EXPECT_EQ(stream.GetBufferSize(), DEFAULT_BUFFER_SIZE);
     EXPECT_EQ(stream.GetNInstances(), 2u);
     EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 2) + RecordBytes(2, 1, "\1"s));
     stream.FlushRecord(3, 1);
-    EXPECT_EQ(Written(stream).substr(28), RecordBytes(2, 1, "\1"s) + RecordBytes(3, 1, "\7\0\0\0"s));
+    EXPECT_EQ(Written(stream).substr(28),
+              RecordBytes(2, 1, "\1"s) +
+                  RecordBytes(3, 1, "\7\0\0\0"s + std::string(DEFAULT_BUFFER_SIZE - 4, 'x')));
 
     TMemoryBinOutStream plain;
     plain.Initialize();
@@ -336,6 +341,8 @@ TEST(RecordWriter, RefusesWhatARecordCannotHold) {
         {"a bool too many", DEFAULT_BUFFER_SIZE, [](auto& s) { s << true; }, noRoom},
         {"nothing more", DEFAULT_BUFFER_SIZE, [](auto& s) { s.Append("", 0); }, {}},
         {"a size that wraps", 100, [&](auto& s) { s.Append("", wrapping); }, noRoom},
+        {"a block whose size wraps with its length", 100, [&](auto& s) { s.AppendBlock("", wrapping + 46); },
+         noRoom},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);

@@ -112,6 +112,10 @@ public:
         if (Fault* fault = Meet("FileSize", Label(file))) return Refuse(*fault);
         return Services::FileSize(file, size);
     }
+    bool TruncateFile(Platform::FileHandle file, unsigned long long size) override {
+        if (Fault* fault = Meet("TruncateFile", Label(file))) return Refuse(*fault);
+        return Services::TruncateFile(file, size);
+    }
     bool SynchroniseFile(Platform::FileHandle file) override {
         if (Fault* fault = Meet("SynchroniseFile", Label(file))) return Refuse(*fault);
         return Services::SynchroniseFile(file);

@@ -227,6 +227,12 @@ bool Services::FileSize(FileHandle file, unsigned long long& size) {
     return true;
 }
 
+bool Services::TruncateFile(FileHandle file, unsigned long long size) {
+    if (TruncateUninterrupted(FromHandle(file), static_cast<off_t>(size)) == 0) return true;
+    SetErrorFromErrno();
+    return false;
+}
+
 bool Services::SynchroniseFile(FileHandle file) {
     const int descriptor = FromHandle(file);
     if (!Synchronise(descriptor)) {

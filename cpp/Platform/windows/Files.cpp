@@ -88,6 +88,12 @@ bool Services::FileSize(FileHandle file, unsigned long long& size) {
     return true;
 }
 
+bool Services::TruncateFile(FileHandle file, unsigned long long size) {
+    FILE_END_OF_FILE_INFO end;
+    end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+    return ::SetFileInformationByHandle(file, FileEndOfFileInfo, &end, sizeof end) != 0;
+}
+
 bool Services::SynchroniseFile(FileHandle file) {
     // A device that has nothing to bring does not know the function.
     return ::FlushFileBuffers(file) != 0 || ::GetLastError() == ERROR_INVALID_FUNCTION;

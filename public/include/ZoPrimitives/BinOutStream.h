@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
+#include <vector>
 
 namespace ZoPrimitives {
 
@@ -79,7 +80,8 @@ public:
 
     /// The uid that this stream gave to an object; 0 when it has none.
     int GetHandle(const ZoStreamableBase* object) const { return handles.Get(object); }
-    void SetHandle(const ZoStreamableBase* object, int uid) { handles.Set(object, uid); }
+    /// Gives an object a uid of the caller's choice, 0 for none; `AllocateHandle` goes on behind it.
+    void SetHandle(const ZoStreamableBase* object, int uid);
     /// Gives the next uid, from 1 upward, to an object.
     int AllocateHandle(const ZoStreamableBase* object);
     /// Forgets all uids and begins at 1 again.
@@ -97,7 +99,8 @@ public:
     }
     /// Appends a 32-bit length and the bytes.
     void AppendBlock(const void* data, std::size_t size) {
-        if (size + 4 > static_cast<std::size_t>(limit - position)) MakeRoom(size + 4);
+        const auto room = static_cast<std::size_t>(limit - position);
+        if (room < 4 || size > room - 4) MakeRoom(size, 4);
         const auto length = static_cast<std::uint32_t>(size);
         std::memcpy(position, &length, 4);
         if (size != 0) std::memcpy(position + 4, data, size);
@@ -143,8 +146,8 @@ protected:
     void DropGathered();
     /// Writes bytes over gathered ones; `offset` + `size` must lie inside them.
     void PatchGathered(unsigned long long offset, const void* data, std::size_t size);
-    /// Writes the header as it would be now over the first gathered bytes; the open record stays.
-    void PatchHeader();
+    /// The header as `SaveHeader` writes it now; the open record stays.
+    std::vector<unsigned char> HeaderBytes();
     /// Forgets what was gathered and counted; the open record stays.
     void StartAnew();
     /// Gives the gathered bytes away, on the C heap, and starts an empty buffer. The open record is lost.
@@ -161,12 +164,12 @@ private:
 
     void Allocate(std::size_t capacity);
     void SetBounds(std::size_t gathered, std::size_t payload);
-    void MakeRoom(std::size_t size);
+    /// Makes room for `size` + `head` bytes; an assertion fails when the record cannot hold them.
+    void MakeRoom(std::size_t size, std::size_t head = 0);
     [[noreturn]] void RefuseHandle();
     void SumGathered(const unsigned char* end);
 
     TBinHeader header;
-    int lastUid = -1;
     bool usesSecurity = false;
     Buffering buffering;
 

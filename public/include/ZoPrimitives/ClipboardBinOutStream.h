@@ -38,7 +38,8 @@ public:
 
 private:
     bool writing = false;
-    bool plainHeader = false; // written by `SaveHeader`
+    bool plainHeader = false;          // written by `SaveHeader`
+    unsigned long long headerSize = 0; // of what stands before the records
 };
 
 } // namespace ZoPrimitives

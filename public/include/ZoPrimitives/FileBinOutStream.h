@@ -59,7 +59,8 @@ public:
     void* GetFile() const override;
     /// Before `Initialize`: has the stream write to a file that the caller has opened for writing, from where
     /// it stands. That file stays the caller's: it is not closed, and there is no temporary file and no
-    /// backup. Null goes back to the file name.
+    /// backup. Where the stream began at its very beginning, `Finalize` ends it behind what was written. Null
+    /// goes back to the file name.
     void SetFile(void* file) override;
 
     const ZoString& GetFileName() const;
@@ -71,7 +72,7 @@ protected:
     TFileBinOutStream(const char* fileName, bool backup);
     TFileBinOutStream(const char* fileName, unsigned version, unsigned release, bool backup);
 
-    /// Writes the bytes at once, before anything that is gathered.
+    /// Writes everything gathered, and then the bytes, at once; the open record stays.
     void WriteToFile(const unsigned char* data, unsigned size);
 
 private:
@@ -81,6 +82,9 @@ private:
     void OpenFile(const char* path);
     void CheckWriting() const;
     void WriteGathered();
+    void WriteBytes(const unsigned char* data, unsigned size);
+    void NoteEnd();
+    void EndFile();
     void SeekTo(unsigned long long offset, const char* location);
     void Abandon();
     void CloseWritten();
@@ -96,6 +100,8 @@ private:
     bool plainHeader = false;           // written by `SaveHeader`, and nothing else with it
     unsigned headerCount = 0;           // the record count that it holds
     unsigned long long headerStart = 0; // where in the file it stands
+    unsigned long long writtenEnd = 0;  // of a caller's file that begins with the header: the furthest place
+    bool isWhole = false;               // it is such a file
     State state = State::New;
 };
 

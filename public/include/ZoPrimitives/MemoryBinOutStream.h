@@ -35,7 +35,7 @@ public:
     unsigned long long WriteInMemory(void* block, unsigned long long size);
 
 private:
-    bool hasHeader = false;
+    unsigned long long headerSize = 0; // of what stands before the records; 0: no header
 };
 
 } // namespace ZoPrimitives

@@ -27,6 +27,13 @@ public:
         }
     }
 
+    /// The number of the stream's run, which ends when its handles are reset; 0: none has begun.
+    static std::uint64_t RunOf(const TBinOutStream& stream) { return stream.handles.run; }
+    /// The first uid that no object of the stream can have yet.
+    static long long FirstNew(const TBinOutStream& stream) {
+        return stream.nextHandle == INT_MAX ? INT_MAX + 1LL : stream.nextHandle;
+    }
+
     /// Gives the stream's next uid to an object that has none.
     static void Allocate(TBinOutStream& stream, const ZoStreamableBase* object) {
         if (stream.nextHandle == INT_MAX) stream.RefuseHandle();

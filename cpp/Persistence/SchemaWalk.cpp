@@ -1,8 +1,8 @@
 #include "Persistence/SchemaWalk.h"
 
-#include "Persistence/FieldKinds.h"
 #include "Persistence/HandleAccess.h"
 #include "Persistence/ItemAction.h"
+#include "Persistence/RecordOrder.h"
 
 #include <memory>
 #include <unordered_set>
@@ -36,23 +36,13 @@ SchemaWalk::Plan& SchemaWalk::BuiltPlanOf(const TZoClass* objectClass) {
     Plan& plan = PlanOf(objectClass);
     plan.built = true;
     Use(objectClass);
-    AddSteps(plan, objectClass);
-    return plan;
-}
-
-void SchemaWalk::AddSteps(Plan& plan, const TZoClass* level) {
-    for (const auto& parent : level->parents) AddSteps(plan, parent.get());
-    const auto add = [&plan](TZoClassField* field) {
-        if (field == nullptr) return;
-        const bool follows = FieldKindOf(field->GetFieldType()).holds != FieldHold::Other;
-        plan.steps.push_back({static_cast<TZoClassFieldPointerBase*>(field), follows, false, 0});
-    };
-    level->ForEachPointerField([&](TZoClassField& field) {
-        if (field.GetFieldType() != ftChildPointerMap) return add(&field);
-        const auto& map = static_cast<const TZoClassFieldPointerMap&>(field);
-        add(map.GetKeyField());
-        add(map.GetValueField());
+    RecordOrder::ForEachLevel(*objectClass, [&plan](const TZoClass& level) {
+        RecordOrder::ForEachPointer(level, [&plan](TZoClassFieldPointerBase& field) {
+            const bool follows = field.HoldsChildren() || RecordOrder::IsExternal(field);
+            plan.steps.push_back({&field, follows, false, 0});
+        });
     });
+    return plan;
 }
 
 bool SchemaWalk::Uses(const TZoClass* someClass) const {
@@ -63,6 +53,17 @@ bool SchemaWalk::Uses(const TZoClass* someClass) const {
 void SchemaWalk::Run(ZoStreamableBase* root) {
     if (root == nullptr) return;
     stack.push_back(root);
+    Finish();
+}
+
+void SchemaWalk::Run(ZoStreamableBase* root, const TZoClass* rootClass) {
+    if (root == nullptr) return;
+    if (ClassOf(root) == rootClass) return Run(root);
+    AskAll(root, BuiltPlanOf(rootClass));
+    Finish();
+}
+
+void SchemaWalk::Finish() {
     while (!stack.empty()) {
         ZoStreamableBase* object = stack.back();
         stack.pop_back();
@@ -76,6 +77,10 @@ void SchemaWalk::Visit(ZoStreamableBase* object, const TZoClass* objectClass) {
     // Objects that lead nowhere need no mark: meeting them again does no harm.
     if (plan.steps.empty()) return;
     HandleAccess::Set(visited, object, 1);
+    AskAll(object, plan);
+}
+
+void SchemaWalk::AskAll(ZoStreamableBase* object, Plan& plan) {
     for (std::size_t i = 0; i < plan.steps.size();) {
         Step& step = plan.steps[i];
         if (!step.follows && IsSettled(step)) {

@@ -16,6 +16,8 @@ public:
     ~SchemaWalk();
 
     void Run(ZoStreamableBase* root);
+    /// The same, with the root as an object of the given class.
+    void Run(ZoStreamableBase* root, const TZoClass* rootClass);
     /// How many objects were met; shared ones may count more than once.
     std::size_t Met() const { return met; }
     /// Finds the class, its ancestors and all that they declare.
@@ -44,8 +46,9 @@ private:
     TZoClass* ClassOf(const ZoStreamableBase* object);
     Plan& PlanOf(const TZoClass* someClass);
     Plan& BuiltPlanOf(const TZoClass* objectClass);
-    void AddSteps(Plan& plan, const TZoClass* level);
     void Visit(ZoStreamableBase* object, const TZoClass* objectClass);
+    void AskAll(ZoStreamableBase* object, Plan& plan);
+    void Finish();
     void PushTargets();
     void Use(const TZoClass* usedClass);
     /// Whether nothing new can come of the field's declared class.

@@ -1,22 +1,60 @@
 #pragma once
 
-#include "ZoPrimitives/ZoClassField.h"
+#include "ZoPrimitives/ZoMetaData.h"
 
 #include <cstddef>
+#include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace ZoPrimitives {
 
-/// What is written of an object whose C++ type is the one registered: the fields of its class and of the
-/// ancestors in the order of the record.
+/// What is written of the objects of one class, in the order of the record.
 struct WritePlan {
     struct Step {
-        TZoClassField* field;  // null: the object hears `WillWrite`
-        std::ptrdiff_t offset; // of the member; `FieldOffset::NONE` where accessors are used
+        TZoClassField* field;  // null: a level begins
+        std::ptrdiff_t offset; // of the member in objects of the class's own type; `FieldOffset::NONE` where
+                               // accessors are used
+    };
+    /// Where the walk goes on from an object.
+    struct Target {
+        TZoClassFieldPointerBase* field; // one object or a list, never a map; null: the externals of a level
+        const TZoClass* externalsOf;
     };
 
-    bool made = false;
+    explicit WritePlan(const TZoClass& objectClass);
+    /// Finds the members in an object of the class's own type.
+    void Measure(ZoStreamableBase* object);
+
+    bool measured = false;
+    bool tells;  // objects of the class's own type may answer `WillWrite`
+    bool steady; // while one of them is written no code of the application runs
     std::vector<Step> steps;
+    std::vector<Target> targets;
+};
+
+/// The plans of one streamer or walk.
+class WritePlans {
+public:
+    WritePlan& Of(const TZoClass& objectClass) {
+        const auto id = static_cast<std::size_t>(objectClass.GetClassId());
+        if (id < byId.size() && byId[id].objectClass == &objectClass) return *byId[id].plan;
+        return Make(objectClass);
+    }
+    void Clear() {
+        byId.clear();
+        others.clear();
+    }
+
+private:
+    struct Entry {
+        const TZoClass* objectClass = nullptr;
+        std::unique_ptr<WritePlan> plan;
+    };
+    WritePlan& Make(const TZoClass& objectClass);
+
+    std::vector<Entry> byId;                                                // by class id
+    std::unordered_map<const TZoClass*, std::unique_ptr<WritePlan>> others; // whose id another schema's has
 };
 
 } // namespace ZoPrimitives

@@ -1,13 +1,13 @@
 #include "Persistence/FieldCodec.h"
 #include "Persistence/FieldKinds.h"
 #include "Persistence/FieldOffset.h"
-#include "Persistence/GraphWalk.h"
 #include "Persistence/InstanceTables.h"
+#include "Persistence/ObjectWriter.h"
 #include "Persistence/PointerResolver.h"
 #include "Persistence/ReadPlan.h"
 #include "Persistence/RecordCursors.h"
+#include "Persistence/RecordOrder.h"
 #include "Persistence/SchemaWalk.h"
-#include "Persistence/WritePlan.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
@@ -368,7 +368,7 @@ void AddUsedNames(const TZoMetaData& schema, const SchemaWalk& walk, TDVector<Zo
 void TZoClass::GetClassMetaData(TZoMetaData* applicationSchema, ZoStreamableBase* root,
                                 TDVector<ZoString>* names) {
     SchemaWalk walk(applicationSchema);
-    walk.Run(root);
+    walk.Run(root, this);
     AddUsedNames(*applicationSchema, walk, *names);
 }
 
@@ -385,71 +385,28 @@ void TZoClassField::GetUninstantiatedFieldMetaData(TZoMetaData* applicationSchem
 
 void TZoClass::AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,
                                TDList<ZoStreamableBase*>* externals) {
-    GraphWalk(*stream, schema, *externals).Run(object);
+    WritePlans plans;
+    GraphWalk(*stream, schema, plans, *externals).Run(object, this);
 }
 
 void TZoClass::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
-    streamer->SaveInstance(stream, object);
+    ObjectWriter::Of(*streamer).Save(*stream, object, this);
 }
 
 void TZoClass::SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer*, ZoStreamableBase* object) {
-    SaveFields(*stream, stream->PutsDirectly(), false, object);
-}
-
-void TZoClass::AddSteps(WritePlan& plan, bool tells, ZoStreamableBase* object) const {
-    for (const auto& parent : parents) parent->AddSteps(plan, tells, object);
-    if (tells) plan.steps.push_back({nullptr, FieldOffset::NONE});
-    for (TZoClassField* field : inOrder) plan.steps.push_back({field, FieldOffset::Measure(field, object)});
-}
-
-void TZoClass::SaveByPlan(TBinOutStream& stream, WritePlan& plan, ZoStreamableBase* object) const {
-    if (!plan.made) {
-        AddSteps(plan, (hooks & hookWillWrite) != 0, object);
-        plan.made = true;
-    }
-    const WriteCursor put(stream);
-    for (const WritePlan::Step& step : plan.steps) {
-        if (step.offset != FieldOffset::NONE) {
-            FieldCodec::SaveMember(put, step.field->GetFieldType(), FieldOffset::Apply(object, step.offset));
-        } else if (step.field != nullptr) {
-            FieldCodec::SaveField(put, *step.field, object);
-        } else {
-            object->WillWrite();
-        }
-    }
-    put.Commit();
-}
-
-void TZoClass::SaveFields(TBinOutStream& stream, bool direct, bool exact, ZoStreamableBase* object) {
-    const bool tells = !exact || (hooks & hookWillWrite) != 0;
-    if (direct) {
-        const WriteCursor put(stream);
-        SaveLevels(put, tells, object);
-        put.Commit();
-    } else {
-        SaveLevels(VirtualSink{stream}, tells, object);
-    }
-}
-
-template <class Sink>
-void TZoClass::SaveLevels(const Sink& put, bool tells, ZoStreamableBase* object) {
-    for (const auto& parent : parents) parent->SaveLevels(put, tells, object);
-    if (tells) object->WillWrite();
-    for (TZoClassField* field : inOrder) FieldCodec::SaveField(put, *field, object);
+    ObjectWriter::WriteFields(*stream, object, *this);
 }
 
 void TZoClass::SaveToStreamPos(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) {
-    for (const auto& parent : parents) parent->SaveToStreamPos(stream, streamer, object);
-    for (const auto& field : fieldsChildMaps) field->SaveToStream(stream, streamer, object);
-    for (const auto& field : fieldsChilds) field->SaveToStream(stream, streamer, object);
-    for (const auto& field : fieldsChildLists) field->SaveToStream(stream, streamer, object);
+    ObjectWriter::Of(*streamer).SaveOwned(*stream, object, *this);
 }
 
 void TZoClass::ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {
-    for (const auto& parent : parents) parent->ChildsReferences(object, action);
-    for (const auto& field : fieldsChildMaps) field->GetFieldMetaData(object, action);
-    for (const auto& field : fieldsChilds) field->GetFieldMetaData(object, action);
-    for (const auto& field : fieldsChildLists) field->GetFieldMetaData(object, action);
+    RecordOrder::ForEachLevel(*this, [&](const TZoClass& level) {
+        RecordOrder::ForEachPointer(level, [&](TZoClassFieldPointerBase& field) {
+            if (field.HoldsChildren()) field.GetFieldMetaData(object, action);
+        });
+    });
 }
 
 // Reading

@@ -3,6 +3,7 @@
 #include "Persistence/FieldCodec.h"
 #include "Persistence/FieldKinds.h"
 #include "Persistence/ItemAction.h"
+#include "Persistence/ObjectWriter.h"
 #include "Persistence/PointerResolver.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/ZoMetaData.h"
@@ -151,6 +152,15 @@ bool TZoClassFieldPointerBase::Accepts(const ZoStreamableBase* target) const {
     return targetClass != nullptr && targetClass->IsInherited(declared);
 }
 
+bool TZoClassField::IsPlain() const {
+    if (kind != ftChildPointerMap) return plain;
+    const auto& map = static_cast<const TZoClassFieldPointerMap&>(*this);
+    for (const TZoClassField* half : {map.GetKeyField(), map.GetValueField()}) {
+        if (half != nullptr && !half->IsPlain()) return false;
+    }
+    return true;
+}
+
 bool TZoClassFieldPointerBase::Owns() const { return FieldKindOf(GetFieldType()).holds == FieldHold::Owned; }
 
 bool TZoClassFieldPointerBase::HoldsChildren() const { return ZoPrimitives::HoldsChildren(GetFieldType()); }
@@ -168,7 +178,7 @@ void TZoClassFieldPointer::SavePointer(TBinOutStream* stream, TBinOutStreamer*, 
 
 void TZoClassFieldPointer::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
                                         ZoStreamableBase* object) {
-    if (ZoStreamableBase* target = Get(object)) streamer->SaveInstance(stream, target);
+    ObjectWriter::Of(*streamer).SaveOwned(*stream, object, *this);
 }
 
 void TZoClassFieldPointer::GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {
@@ -204,6 +214,11 @@ unsigned long long TZoClassFieldPointerList::NItems(ZoStreamableBase* object) {
     return access.nItems == nullptr ? 0 : access.nItems(object, this);
 }
 
+ZoStreamableBase* TZoClassFieldPointerList::ElementAt(ZoStreamableBase* object, unsigned long long index) {
+    if (access.elementAt == nullptr || index == 0 || index > NItems(object)) return nullptr;
+    return access.elementAt(object, this, static_cast<int>(index));
+}
+
 namespace {
 
 /// All items of a list, null ones included, so that the list may change while they are looked at.
@@ -223,10 +238,7 @@ void TZoClassFieldPointerList::SavePointers(TBinOutStream* stream, TBinOutStream
 
 void TZoClassFieldPointerList::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
                                             ZoStreamableBase* object) {
-    ItemAction save([&](ZoStreamableBase* item) {
-        if (item != nullptr) streamer->SaveInstance(stream, item);
-    });
-    GetFieldMetaData(object, save);
+    ObjectWriter::Of(*streamer).SaveOwned(*stream, object, *this);
 }
 
 void TZoClassFieldPointerList::GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {

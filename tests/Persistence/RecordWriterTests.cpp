@@ -6,6 +6,7 @@
 #include "ZoPrimitives/ZoString.h"
 #include "support/Assertions.h"
 #include "support/Records.h"
+#include "support/Slots.h"
 
 #include <gtest/gtest.h>
 
@@ -130,6 +131,30 @@ TEST(RecordWriter, EncodesValues) {
         EXPECT_EQ(own.GetBufferSize(), row.bytes.size()) << row.name;
     }
 }
+
+#ifdef ZO_SLOTS_ARE_TOLD
+TEST(RecordWriter, OperationsStandInTheirOrder) {
+    using S = TBinOutStream;
+    const std::ptrdiff_t slots[] = {Slot<S& (S::*)(const ZoBlob&)>(&S::operator<<),
+                                    Slot<S& (S::*)(const ZoString&)>(&S::operator<<),
+                                    Slot<S& (S::*)(const char*)>(&S::operator<<),
+                                    Slot<S& (S::*)(short)>(&S::operator<<),
+                                    Slot<S& (S::*)(unsigned short)>(&S::operator<<),
+                                    Slot<S& (S::*)(int)>(&S::operator<<),
+                                    Slot<S& (S::*)(unsigned)>(&S::operator<<),
+                                    Slot<S& (S::*)(float)>(&S::operator<<),
+                                    Slot<S& (S::*)(double)>(&S::operator<<),
+                                    Slot<S& (S::*)(long double)>(&S::operator<<),
+                                    Slot<S& (S::*)(bool)>(&S::operator<<),
+                                    Slot(&S::FlushRecord),
+                                    Slot(&S::FlushBuffer),
+                                    Slot(&S::FreeResourses),
+                                    Slot(&S::Initialize),
+                                    Slot(&S::SaveHeader)};
+    std::ptrdiff_t expected = 4; // behind destruction and the two comparisons
+    for (const std::ptrdiff_t slot : slots) EXPECT_EQ(slot, expected++);
+}
+#endif
 
 TEST(RecordWriter, HeaderHoldsVersionReleaseAndCount) {
     TMemoryBinOutStream stream(3, 2026);

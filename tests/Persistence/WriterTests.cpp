@@ -4,6 +4,7 @@
 
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 
+#include <limits>
 #include <map>
 #include <memory>
 #include <random>
@@ -23,8 +24,6 @@ class Thing : public virtual ZoObjectStreamable {
     DECLARE_ZO_FIELD_REFERENCE(Thing, reference)
     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE(Thing, external)
     REGISTER_ZO_END
-    void WillWrite() override { ++willWrite; }
-    int willWrite = 0;
 };
 
 class Mapped : public virtual Thing {
@@ -50,12 +49,23 @@ class Both : public Mapped, public Listed {
     REGISTER_ZO_END
 };
 
+/// Does something once, when its record is about to be written.
+class Keeper : public virtual Thing {
+    REGISTER_ZO_BEGIN(Keeper, Thing)
+    REGISTER_ZO_END
+    void WillWrite() override {
+        if (const auto once = std::exchange(act, nullptr)) once();
+    }
+    std::function<void()> act;
+};
+
 struct Things : testing::Test {
     Things() {
         Thing::Register(&schema);
         Mapped::Register(&schema);
         Listed::Register(&schema);
         Both::Register(&schema);
+        Keeper::Register(&schema);
     }
     TZoMetaData schema;
 };
@@ -233,6 +243,12 @@ private:
     std::vector<pointer<Thing>> things;
 };
 
+/// The application's own streamer, for all that the library knows.
+class Watching : public TBinOutStreamer {
+public:
+    using TBinOutStreamer::TBinOutStreamer;
+};
+
 std::vector<Row> ObjectRows(const std::string& file) {
     std::vector<Row> rows = RowsOf(file);
     rows.erase(rows.begin());
@@ -247,26 +263,10 @@ TEST_F(Writer, OrdersUidsAndRecordsAsPlainRecursionDoes) {
         const PlainWriter expected(graph.Root());
         const std::string file = Save(schema, graph.Root());
         ASSERT_EQ(ObjectRows(file), expected.rows) << "seed " << seed;
+        // Where code of the application runs meanwhile, owners are asked again.
+        ASSERT_EQ(Save<Watching>(schema, graph.Root()), file) << "seed " << seed;
         Opened opened(file, schema);
         ASSERT_TRUE(Save(schema, opened.root) == file) << "seed " << seed;
-    }
-}
-
-TEST_F(Writer, ClassesWriteTheSameRecordsByThemselves) {
-    for (unsigned seed = 0; seed < 20; ++seed) {
-        RandomGraph graph(seed);
-        TMemoryBinOutStream stream;
-        stream.Initialize();
-        TBinOutStreamer streamer(&stream, &schema);
-        TDList<ZoStreamableBase*> externals;
-        TZoClass* rootClass = graph.Root()->GetOriginalClass(&schema);
-        rootClass->AllocateHandles(&stream, graph.Root(), &externals);
-        streamer.AlocateExternalInstancesHandles(nullptr, &externals);
-        rootClass->SaveToStream(&stream, &streamer, graph.Root());
-        for (ZoStreamableBase* external : externals) {
-            external->GetOriginalClass(&schema)->SaveToStream(&stream, &streamer, external);
-        }
-        ASSERT_EQ(RowsOf(BytesOf(stream)), PlainWriter(graph.Root()).rows) << "seed " << seed;
     }
 }
 
@@ -297,27 +297,282 @@ TEST(WriterOf, EveryKind) {
         FileOf(app::EveryKindEntries(), app::EveryKindRows()).replace(12, 4, std::string(Payload().Int(9))));
 }
 
-TEST_F(Writer, CallsWillWriteOnceForEveryLevel) {
-    const auto calls = [this](Thing&& thing) {
-        Save(schema, &thing);
-        return thing.willWrite;
-    };
-    EXPECT_EQ(calls(Thing()), 1);
-    EXPECT_EQ(calls(Mapped()), 2) << "a parent";
-    EXPECT_EQ(calls(Both()), 5) << "two parents with one of their own";
+namespace {
+
+/// The numbers of the objects in the order of their records.
+std::string Numbers(const std::string& file) {
+    std::string numbers;
+    for (const Row& row : ObjectRows(file)) {
+        int number = 0;
+        std::memcpy(&number, row.payload.data(), sizeof number);
+        numbers += (numbers.empty() ? "" : " ") + std::to_string(number);
+    }
+    return numbers;
 }
 
-TEST_F(Writer, SeesWhatWillWriteChanges) {
-    class Late : public Thing {
-    public:
-        void WillWrite() override { number = 77; }
-        TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Thing"); }
+template <class Base>
+class Counting : public Base {
+public:
+    void WillWrite() override { this->number = ++calls; }
+    int calls = 0;
+};
+
+} // namespace
+
+TEST_F(Writer, CallsWillWriteOnceForEveryLevelBeforeItsFields) {
+    const auto calls = [this](auto&& thing) {
+        EXPECT_EQ(Numbers(Save(schema, &thing)), "1") << "the root-most level's field";
+        return thing.calls;
     };
     TZoMetaData::WritingGenericFile(true);
-    Late late;
-    Opened opened(Save(schema, &late), schema);
+    EXPECT_EQ(calls(Counting<Thing>()), 1);
+    EXPECT_EQ(calls(Counting<Mapped>()), 2) << "a parent";
+    EXPECT_EQ(calls(Counting<Both>()), 5) << "two parents with one of their own";
     TZoMetaData::WritingGenericFile(false);
-    EXPECT_EQ(opened.Root<Thing>().number, 77);
+}
+
+// Hooks that change the graph
+
+namespace {
+
+/// A root (1) with a child (2) that has one (3), and children of its own (4, 5, 6). 2, 4 and 5 act when told.
+struct Family {
+    Family() {
+        root.number = 1;
+        child->number = 2;
+        grandchild->number = 3;
+        root.child = child.get();
+        child->child = grandchild.get();
+        for (int i = 0; i < 3; ++i) {
+            kids[i]->number = 4 + i;
+            root.children.Add(kids[i].get());
+        }
+    }
+    Keeper root;
+    pointer<Keeper> child{new Keeper};
+    pointer<Thing> grandchild{new Thing};
+    pointer<Keeper> kids[3] = {new Keeper, new Keeper, new Keeper};
+    pointer<Thing> outside[2] = {new Thing, new Thing};
+    /// Leaves the objects to the graph alone.
+    void Leave() {
+        child = nullptr;
+        grandchild = nullptr;
+        for (auto& kid : kids) kid = nullptr;
+    }
+};
+
+} // namespace
+
+TEST_F(Writer, LeavesOutWhatHooksLetGoOf) {
+    const struct {
+        const char* name;
+        void (*prepare)(Family& f);
+        std::string written;
+        std::string kept = {}; // where somebody else keeps the objects, if that makes a difference
+    } cases[] = {
+        {"nothing", [](Family&) {}, "1 2 3 4 5 6"},
+        {"its child", [](Family& f) { f.root.act = [&f] { f.root.child = nullptr; }; }, "1 4 5 6"},
+        {"its list", [](Family& f) { f.root.act = [&f] { f.root.children.RemoveAll(); }; }, "1 2 3"},
+        {"a child that another owner has too: at that one's turn",
+         [](Family& f) {
+             f.kids[1]->child = f.child.get();
+             f.root.act = [&f] { f.root.child = nullptr; };
+         },
+         "1 4 5 2 3 6"},
+        {"a sibling that comes later",
+         [](Family& f) { f.kids[0]->act = [&f] { f.root.children.RemoveAt(2); }; }, "1 2 3 4 6"},
+        {"all siblings", [](Family& f) { f.kids[0]->act = [&f] { f.root.children.RemoveAll(); }; },
+         "1 2 3 4"},
+        {"itself, and nobody behind it is passed over",
+         [](Family& f) { f.kids[0]->act = [&f] { f.root.children.RemoveAt(1); }; }, "1 2 3 4 5 6"},
+        {"its owner, and what hangs from that",
+         [](Family& f) {
+             f.child->child = f.kids[0].get();
+             f.child->children.Add(f.grandchild.get());
+             f.root.children.RemoveAll();
+             f.kids[0]->act = [&f] { f.root.child = nullptr; };
+         },
+         "1 2 4", "1 2 4 3"},
+        {"a sibling, to one whose turn is over",
+         [](Family& f) {
+             f.kids[1]->act = [&f] {
+                 f.root.child->children.Add(f.root.children[3].get());
+                 f.root.children.RemoveAt(3);
+             };
+         },
+         "1 2 3 4 5 6"},
+        {"places in a list: each is written once",
+         [](Family& f) { f.kids[1]->act = [&f] { std::swap(f.root.children[1], f.root.children[3]); }; },
+         "1 2 3 4 5 6"},
+        {"an external instance",
+         [](Family& f) {
+             f.root.external = f.outside[0].get();
+             f.child->external = f.outside[1].get();
+             f.outside[1]->number = 8;
+             f.root.act = [&f] {
+                 f.root.external = nullptr;
+                 f.outside[0] = nullptr;
+             };
+         },
+         "1 2 3 4 5 6 8"},
+        {"an external instance, by another one",
+         [](Family& f) {
+             auto* acting = new Keeper;
+             f.outside[0] = acting;
+             f.child->external = acting;
+             f.root.external = f.outside[1].get();
+             acting->number = 7;
+             acting->act = [&f] {
+                 f.root.external = nullptr;
+                 f.outside[1] = nullptr;
+             };
+         },
+         "1 2 3 4 5 6 7"},
+    };
+    for (const bool kept : {true, false}) {
+        for (const auto& tested : cases) {
+            SCOPED_TRACE(tested.name);
+            Family family;
+            tested.prepare(family);
+            if (!kept) family.Leave();
+            const std::string file = Save(schema, &family.root);
+            EXPECT_EQ(Numbers(file), kept && !tested.kept.empty() ? tested.kept : tested.written);
+            Opened opened(file, schema);
+            EXPECT_EQ(opened.Root<Thing>().number, 1);
+        }
+    }
+}
+
+TEST_F(Writer, LeavesOutWhatOtherCodeOfTheApplicationLetsGoOf) {
+    static Thing* root = nullptr;
+    class Streamer : public TBinOutStreamer {
+    public:
+        using TBinOutStreamer::TBinOutStreamer;
+        void OnAfterSaveInstance(ZoStreamableBase* object) override {
+            if (object == root) root->children.RemoveAll();
+        }
+    };
+    const auto plain = [&] {
+        pointer<Thing> made(new Thing);
+        made->children.Add(new Thing);
+        root = made.get();
+        return made;
+    };
+    EXPECT_EQ(Numbers(Save<Streamer>(schema, plain().get())), "0");
+    schema.FindClass("Thing")->AddFieldInt("counted", nullptr, [](ZoStreamableBase*, TZoClassField*) {
+        root->children.RemoveAll();
+        return 1;
+    });
+    EXPECT_EQ(Numbers(Save(schema, plain().get())), "0");
+}
+
+// Uids that were given before, and saving by hand
+
+TEST_F(Writer, SavesObjectsThatHaveAUidBefore) {
+    const struct {
+        const char* name;
+        void (*give)(TBinOutStream& stream, TZoMetaData& schema, Thing& root);
+        std::vector<int> uids;
+    } cases[] = {
+        {"none", [](auto&, auto&, auto&) {}, {1, 2, 3, 4}},
+        {"all, by a class",
+         [](auto& stream, auto& schema, auto& root) {
+             TDList<ZoStreamableBase*> externals;
+             root.GetOriginalClass(&schema)->AllocateHandles(&stream, &root, &externals);
+         },
+         {1, 2, 3, 4}},
+        {"the root", [](auto& stream, auto&, auto& root) { stream.SetHandle(&root, 7); }, {7, 8, 9, 10}},
+        {"a child, by the stream",
+         [](auto& stream, auto&, auto& root) { stream.AllocateHandle(root.child.get()); },
+         {2, 1, 3, 4}},
+        {"a child and its own, the greater first",
+         [](auto& stream, auto&, auto& root) {
+             stream.SetHandle(root.child.get(), 9);
+             stream.SetHandle(root.child->child.get(), 5);
+         },
+         {10, 9, 5, 11}},
+        {"none after all", [](auto& stream, auto&, auto& root) { stream.SetHandle(&root, 0); }, {1, 2, 3, 4}},
+        {"the last one there is",
+         [](auto& stream, auto&, auto& root) {
+             int uid = 0;
+             for (Thing* thing :
+                  {&root, root.child.get(), root.child->child.get(), root.child->external.get()})
+                 stream.SetHandle(thing, std::numeric_limits<int>::max() - uid++);
+         },
+         {2147483647, 2147483646, 2147483645, 2147483644}},
+    };
+    for (const auto& tested : cases) {
+        for (const bool asked : {false, true}) {
+            SCOPED_TRACE(tested.name);
+            Thing root, outside;
+            root.child = new Thing;
+            root.child->child = new Thing;
+            root.child->child->reference = &root; // and back again
+            root.child->external = &outside;
+            TMemoryBinOutStream stream;
+            stream.Initialize();
+            const std::unique_ptr<TBinOutStreamer> streamer(asked ? new Watching(&stream, &schema)
+                                                                  : new TBinOutStreamer(&stream, &schema));
+            tested.give(stream, schema, root);
+            streamer->WriteObject(&root);
+            std::vector<int> uids;
+            for (const Row& row : RowsOf(BytesOf(stream))) uids.push_back(row.uid);
+            EXPECT_EQ(uids, tested.uids);
+        }
+    }
+    Thing root;
+    root.child = new Thing;
+    TMemoryBinOutStream stream;
+    stream.SetHandle(&root, 3);
+    stream.SetHandle(root.child.get(), 3);
+    EXPECT_EQ(AssertionOf([&] { TBinOutStreamer(&stream, &schema).WriteObject(&root); }).message,
+              "[zoerror] two objects have the uid 3");
+}
+
+TEST_F(Writer, SavesByHandOnceUntilHandlesAreReset) {
+    RandomGraph graph(3);
+    TZoClass* rootClass = graph.Root()->GetOriginalClass(&schema);
+    const std::vector<Row> expected = PlainWriter(graph.Root()).rows;
+    TMemoryBinOutStream stream;
+    TBinOutStreamer streamer(&stream, &schema);
+    stream.Initialize();
+    streamer.WriteObject(graph.Root());
+    for (int run = 0; run < 2; ++run) {
+        stream.Initialize();
+        TDList<ZoStreamableBase*> externals;
+        rootClass->AllocateHandles(&stream, graph.Root(), &externals);
+        streamer.AlocateExternalInstancesHandles(nullptr, &externals);
+        for (int again = 0; again < 2; ++again) {
+            rootClass->SaveToStream(&stream, &streamer, graph.Root());
+            for (ZoStreamableBase* external : externals) {
+                external->GetOriginalClass(&schema)->SaveToStream(&stream, &streamer, external);
+            }
+        }
+        EXPECT_TRUE(streamer.InstanceIsAlreadySaved(graph.Root()));
+        EXPECT_EQ(RowsOf(BytesOf(stream)), expected) << "run " << run;
+        stream.ResetHandles();
+        EXPECT_FALSE(streamer.InstanceIsAlreadySaved(graph.Root()));
+    }
+}
+
+TEST_F(Writer, AClassTakesAnObjectAsItsOwn) {
+    Mapped object;
+    object.number = 5;
+    object.child = new Thing;
+    object.second = new Mapped; // not a field of Thing
+    TZoClass* thing = schema.FindClass("Thing");
+    TDVector<ZoString> names;
+    thing->GetClassMetaData(&schema, &object, &names);
+    EXPECT_EQ(names.NItems(), 1U);
+    TMemoryBinOutStream stream;
+    stream.Initialize();
+    TBinOutStreamer streamer(&stream, &schema);
+    TDList<ZoStreamableBase*> externals;
+    thing->AllocateHandles(&stream, &object, &externals);
+    EXPECT_EQ(stream.GetHandle(object.second.get()), 0);
+    thing->SaveToStream(&stream, &streamer, &object);
+    EXPECT_EQ(RowsOf(BytesOf(stream)), (std::vector<Row>{{1, 1, Payload().Ints({5, 2, 0, 0, 0})},
+                                                         {2, 1, Payload().Ints({0, 0, 0, 0, 0})}}));
 }
 
 // Externals

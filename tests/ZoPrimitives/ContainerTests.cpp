@@ -109,7 +109,6 @@ TEST(ContainerTests, OperationsAtTheEndsOfAnEmptyContainerFail) {
 
 TEST(ContainerTests, TheOperationsOfTDVectorStandInTheirOrder) {
     using V = TDVector<int>;
-    // Two slots for destruction, then the two comparisons.
     EXPECT_EQ(Slot(static_cast<bool (ZoObject::*)(const ZoObject&) const>(&V::operator==)), 2);
     EXPECT_EQ(Slot(&ZoObject::operator!=), 3);
     const std::ptrdiff_t slots[] = {

@@ -150,10 +150,11 @@ inline std::string BytesOf(ZoPrimitives::TMemoryBinOutStream& stream) {
     return {reinterpret_cast<const char*>(stream.GetData()), static_cast<std::size_t>(stream.GetSize())};
 }
 
-inline std::string Save(ZoPrimitives::TZoMetaData& schema, ZoPrimitives::ZoStreamableBase* root) {
+template <class Streamer = ZoPrimitives::TBinOutStreamer>
+std::string Save(ZoPrimitives::TZoMetaData& schema, ZoPrimitives::ZoStreamableBase* root) {
     ZoPrimitives::TMemoryBinOutStream stream;
     stream.Initialize();
-    ZoPrimitives::TBinOutStreamer streamer(&stream, &schema);
+    Streamer streamer(&stream, &schema);
     streamer.WriteObjectMetaData(root);
     streamer.WriteObject(root);
     return BytesOf(stream);

@@ -6,16 +6,14 @@
 
 #include <cstddef>
 #include <memory>
-#include <unordered_set>
-#include <vector>
 
 namespace ZoPrimitives {
 
+class ObjectWriter;
 class SchemaWalk;
 class TBinOutStream;
 class TZoClass;
 class TZoMetaData;
-struct WritePlan;
 
 /// Writes a graph of objects: the schema record of the classes that it uses, then one record for each object,
 /// in rising uid order, with pointers as uids.
@@ -51,7 +49,11 @@ public:
 
     /// Write the records. An object of a class that is not registered, or registered only by its base, fails
     /// an assertion; a reference to an object that is not written throws `XStream`. After any failure the
-    /// stream's resources are freed.
+    /// stream's resources are freed. An object that has a uid before keeps it and is written like the others.
+    ///
+    /// Code of the application that runs meanwhile (`WillWrite`, accessors, `OnAfterSaveInstance`) may change
+    /// the graph: what no owner holds any more when the turn of its record comes is not written. An object
+    /// that no `pointer` owns must outlive its turn and those of what it owns, unless it is let go of before.
     void WriteObject(ZoStreamableBase* object);
     void WriteObjects(TDList<ZoStreamableBase*>* objects);
     /// Gives uids to what the external references point to and to what hangs from it. Both lists as in
@@ -59,23 +61,21 @@ public:
     void AlocateExternalInstancesHandles(TDList<ZoStreamableBase*>* objects,
                                          TDList<ZoStreamableBase*>* externals);
 
+    /// Whether the object's record was written since the stream's handles were last reset.
     bool InstanceIsAlreadySaved(const ZoStreamableBase* object) const;
     /// Writes the record of an object and those of what it owns, unless written before. The objects must have
     /// uids.
     void SaveInstance(TBinOutStream* target, ZoStreamableBase* object);
 
 private:
+    friend class ObjectWriter;
+
     void WriteSchemaOf(const SchemaWalk& walk);
-    void SaveRecord(TBinOutStream* target, bool direct, ZoStreamableBase* object, TZoClass* objectClass);
 
     TBinOutStream* stream;
     TZoMetaData* schema;
-    WritePlan& PlanOf(const TZoClass& objectClass);
-
-    std::vector<std::unique_ptr<WritePlan>> plans; // of this run, by class id
-    std::size_t expected = 0;                      // objects, as the collecting of the schema met them
-    int savedUpTo = 0;                             // all uids up to here were saved
-    std::unordered_set<int> saved;                 // others that were
+    std::unique_ptr<ObjectWriter> writer;
+    std::size_t expected = 0; // objects, as the collecting of the schema met them
 };
 
 } // namespace ZoPrimitives

@@ -106,7 +106,15 @@ public:
     void SetFieldClassName(const ZoString& newName) { className = newName; }
     /// Of a value field whose accessors do nothing but read and write a member of the value's own type
     /// (`TDVector` for lists): where it is. The streamers then spare the accessors.
-    void SetMember(TZoMemberAddress memberOf) { member = memberOf; }
+    void SetMember(TZoMemberAddress memberOf) {
+        member = memberOf;
+        SetPlain();
+    }
+    /// Tells that the accessors do nothing but read and write a member. Without it the writer expects that
+    /// they may change other objects.
+    void SetPlain() { plain = true; }
+    /// Whether they do nothing else; a map's are those of its halves.
+    bool IsPlain() const;
 
     /// Writes a value into the open record. Of pointer kinds: writes the records of the owned objects that
     /// the field holds, unless they were written before.
@@ -157,6 +165,7 @@ private:
     TZoClassFieldType kind;
     Half half = Half::No;
     int fieldClassId = 0;
+    bool plain = false;
     TZoMemberAddress member = nullptr;
     TZoClass* owner = nullptr;
     TZoClass* fieldClass = nullptr;
@@ -309,6 +318,8 @@ public:
     void CreateList(ZoStreamableBase* object, int count, int first, int second) {
         if (access.createList != nullptr) access.createList(object, count, first, second);
     }
+    /// Null where the list has no accessor for it, or no such item; `index` counts from 1.
+    ZoStreamableBase* ElementAt(ZoStreamableBase* object, unsigned long long index);
     bool HasFirst() const { return access.first != nullptr; }
     bool HasSecond() const { return access.second != nullptr; }
     /// Writes the count, the list's integers, and each item's uid, 0 for null. An item without uid throws

@@ -17,7 +17,6 @@ class TBinOutStream;
 class TBinOutStreamer;
 class TZoMetaData;
 struct ReadPlan;
-struct WritePlan;
 
 /// The virtual operations of `ZoStreamableBase` that cost a call for each object; the streamers leave out
 /// those that a class does not override.
@@ -89,6 +88,8 @@ public:
     /// Tells which of the streamers' calls the C++ type answers in its own way (`ZoHooks`); all, when not
     /// told.
     void SetHooks(unsigned overridden) { hooks = overridden; }
+    /// Whether the C++ type answers one of those calls in its own way.
+    bool Answers(ZoHooks hook) const { return (hooks & hook) != 0; }
     /// Notes that a parent named at registration was not in the schema; `TZoMetaData::Check` reports it.
     void NoteMissingParent() { parentMissing = true; }
 
@@ -147,16 +148,18 @@ public:
     /// Reads what `SaveMetaToStream` wrote. Parents stay ids until the whole schema is read.
     void LoadMetaFromStream(TBinInStream* stream);
 
+    // The next four take the object as one of this class, which its own class may derive from.
     /// Collects the names of the classes that the graph under `root` uses, with their ancestors.
     void GetClassMetaData(TZoMetaData* schema, ZoStreamableBase* root, TDVector<ZoString>* names);
     /// Collects the names of this class, of its ancestors, and of all classes that their fields declare;
     /// nothing for a generic base.
     void GetClassStaticMetaData(TZoMetaData* schema, TDVector<ZoString>* names);
-    /// Gives a uid to every object of the graph under `object` that has none, depth first, and collects the
-    /// external instances that it refers to.
+    /// Gives a uid to `object`, and to every object of the graph under it, that has none, depth first, and
+    /// collects the external instances that it refers to.
     void AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,
                          TDList<ZoStreamableBase*>* externals);
-    /// Writes the record of `object` and the records of what it owns, each once.
+    /// Writes the record of `object`, under this class's id, and the records of what it owns, each once until
+    /// the stream's handles are reset.
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
     /// Writes the object's fields into the open record: ancestors' first.
     void SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
@@ -178,7 +181,7 @@ public:
 private:
     friend class TZoMetaData;
     friend struct ZoMadeFor;
-    friend class GraphWalk;
+    friend class RecordOrder;
     friend class SchemaWalk;
     friend class TBinInStreamer;
     friend class TBinOutStreamer;
@@ -207,12 +210,6 @@ private:
     unsigned long long SmallestRecord() const;
     /// `always`: an entry for the resolving is opened even when there is nothing to resolve.
     void LoadObject(TBinInStream& stream, bool direct, bool always, ZoStreamableBase* object);
-    /// `exact`: the object's C++ type is the one that the class is registered with.
-    void SaveFields(TBinOutStream& stream, bool direct, bool exact, ZoStreamableBase* object);
-    template <class Sink>
-    void SaveLevels(const Sink& put, bool tells, ZoStreamableBase* object);
-    void AddSteps(WritePlan& plan, bool tells, ZoStreamableBase* object) const;
-    void SaveByPlan(TBinOutStream& stream, WritePlan& plan, ZoStreamableBase* object) const;
     void FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members);
 
     template <class Action>

@@ -185,6 +185,7 @@ Field* ZoBind(Field* field) {
     static_assert(std::is_base_of_v<ZoStreamableBase, T>,
                   "a field's objects must derive from ZoStreamableBase: use DECLARE_ZO_FIELD for values");
     field->SetTypeTest(ZoIsA<T>);
+    field->SetPlain();
     return field;
 }
 

@@ -4,6 +4,7 @@
 #include "Persistence/HandleAccess.h"
 #include "Persistence/ItemAction.h"
 #include "Persistence/RecordOrder.h"
+#include "Platform/Compiler.h"
 #include "ZoPrimitives/BinOutStream.h"
 
 namespace ZoPrimitives {
@@ -73,7 +74,7 @@ void GraphWalk::Finish() {
             continue;
         }
         const Visit visit = waiting[frame.next++];
-        if (frame.next + PREFETCH < frame.end) __builtin_prefetch(waiting[frame.next + PREFETCH].object);
+        if (frame.next + PREFETCH < frame.end) Prefetch(waiting[frame.next + PREFETCH].object);
         if (visit.externalsOf != nullptr) {
             ForEachExternal(*visit.externalsOf, visit.object, collect);
         } else if (IsNew(visit.object)) {

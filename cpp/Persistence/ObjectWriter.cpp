@@ -4,6 +4,7 @@
 #include "Persistence/FieldOffset.h"
 #include "Persistence/OwnerWalk.h"
 #include "Persistence/RecordCursors.h"
+#include "Platform/Compiler.h"
 
 #include <typeinfo>
 
@@ -78,7 +79,7 @@ void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBa
 void ObjectWriter::SaveInOrder(TBinOutStream& stream, const std::vector<GraphWalk::Entry>& order) {
     const bool anySaved = saved.CountOf(stream) != 0;
     for (std::size_t i = 0; i < order.size(); ++i) {
-        if (i + PREFETCH < order.size()) __builtin_prefetch(order[i + PREFETCH].object);
+        if (i + PREFETCH < order.size()) Prefetch(order[i + PREFETCH].object);
         if (anySaved && IsSaved(stream, order[i].object)) continue;
         SaveRecord(stream, true, order[i].object, order[i].objectClass);
     }

@@ -3,6 +3,7 @@
 #include "Persistence/HandleAccess.h"
 #include "Persistence/ItemAction.h"
 #include "Persistence/RecordOrder.h"
+#include "Platform/Compiler.h"
 
 #include <memory>
 #include <unordered_set>
@@ -104,7 +105,7 @@ void SchemaWalk::AskAll(ZoStreamableBase* object, Plan& plan) {
 void SchemaWalk::PushTargets() {
     met += targets.size();
     for (std::size_t i = 0; i < targets.size(); ++i) {
-        if (i + PREFETCH < targets.size()) __builtin_prefetch(targets[i + PREFETCH]);
+        if (i + PREFETCH < targets.size()) Prefetch(targets[i + PREFETCH]);
         const TZoClass* targetClass = ClassOf(targets[i]);
         if (targetClass != nullptr && !BuiltPlanOf(targetClass).steps.empty()) stack.push_back(targets[i]);
     }

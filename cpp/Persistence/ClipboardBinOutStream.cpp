@@ -17,7 +17,7 @@ constexpr const char* SOURCE = "cpp/Persistence/ClipboardBinOutStream";
 
 TClipboardBinOutStream::TClipboardBinOutStream() : TClipboardBinOutStream(0, 0) {}
 TClipboardBinOutStream::TClipboardBinOutStream(unsigned version, unsigned release)
-    : TBinOutStream(version, release, Buffering::Keep) {}
+    : TBinOutStream(version, release, RecordBuffer::Use::Keep) {}
 TClipboardBinOutStream::~TClipboardBinOutStream() = default;
 
 void TClipboardBinOutStream::Initialize() {
@@ -26,7 +26,7 @@ void TClipboardBinOutStream::Initialize() {
     plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
     writing = true;
     FlushBuffer();
-    headerSize = GatheredSize();
+    headerSize = Records().FramesSize();
 }
 
 void TClipboardBinOutStream::FlushRecord(int uid, int classId) {
@@ -36,27 +36,27 @@ void TClipboardBinOutStream::FlushRecord(int uid, int classId) {
 
 void TClipboardBinOutStream::FlushBuffer() {
     ZO_ASSERT(writing, "writing && \"[zoerror] bytes go between Initialize and Finalize\"", SOURCE);
-    FrameRaw();
+    Records().FrameRaw();
 }
 
 void TClipboardBinOutStream::RewriteHeader() {
     if (!writing || headerSize < RecordFormat::HEADER_SIZE) return;
     const std::vector<unsigned char> header = HeaderBytes();
-    if (header.size() <= headerSize) PatchGathered(0, header.data(), header.size());
+    if (header.size() <= headerSize) Records().PatchFrames(0, header.data(), header.size());
 }
 
 void TClipboardBinOutStream::Finalize() {
     if (!writing) return;
     if (plainHeader) RewriteHeader();
     unsigned long long size = 0;
-    const unsigned char* data = Gathered(size);
+    const unsigned char* data = Records().Frames(size);
     PutOnClipboard(data, static_cast<std::size_t>(size), "TClipboardBinOutStream::Finalize");
     FreeResourses();
 }
 
 void TClipboardBinOutStream::FreeResourses() {
     writing = false;
-    ReleaseGathered();
+    Records().ReleaseFrames();
 }
 
 void TClipboardBinOutStream::Reset() {

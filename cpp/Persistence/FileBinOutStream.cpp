@@ -99,21 +99,21 @@ void TFileBinOutStream::CheckWriting() const {
 void TFileBinOutStream::FlushRecord(int uid, int classId) {
     CheckWriting();
     Frame(uid, classId, true);
-    if (GatheredSize() >= RecordFormat::GATHER_SIZE) WriteGathered();
+    if (Records().FramesSize() >= RecordFormat::GATHER_SIZE) WriteGathered();
 }
 
 void TFileBinOutStream::FlushBuffer() {
     CheckWriting();
-    FrameRaw();
+    Records().FrameRaw();
     WriteGathered();
 }
 
 void TFileBinOutStream::WriteGathered() {
     unsigned long long size = 0;
-    const unsigned char* data = Gathered(size);
+    const unsigned char* data = Records().Frames(size);
     if (size == 0) return;
     WriteBytes(data, static_cast<unsigned>(size));
-    DropGathered();
+    Records().DropFrames();
 }
 
 void TFileBinOutStream::WriteToFile(const unsigned char* data, unsigned size) {
@@ -187,14 +187,14 @@ void TFileBinOutStream::SetFile(void* openFile) {
 
 void TFileBinOutStream::Abandon() {
     state = State::Ended;
-    DropGathered();
+    Records().DropFrames();
     if (ownsFile && file != nullptr) System().CloseFile(std::exchange(file, nullptr));
 }
 
 void TFileBinOutStream::FreeResourses() {
     if (state != State::Writing) return;
     unsigned long long size = 0;
-    const unsigned char* data = Gathered(size);
+    const unsigned char* data = Records().Frames(size);
     if (size != 0) System().WriteFile(file, data, static_cast<std::size_t>(size));
     Abandon();
 }

@@ -84,7 +84,7 @@ void GraphWalk::Finish() {
 }
 
 void GraphWalk::Enter(ZoStreamableBase* object, TZoClass* objectClass) {
-    if (HandleAccess::Get(stream, object) == 0) HandleAccess::Allocate(stream, object);
+    if (HandleAccess::Get(stream, object) == 0) HandleAccess::Give(stream, object);
     order.push_back({object, objectClass});
     const WritePlan& plan = plans.Of(*objectClass);
     steady = steady && plan.steady && objectClass->GetType() == &typeid(*object);

@@ -31,14 +31,15 @@ public:
     static std::uint64_t RunOf(const TBinOutStream& stream) { return stream.handles.run; }
     /// The first uid that no object of the stream can have yet.
     static long long FirstNew(const TBinOutStream& stream) {
-        return stream.nextHandle == INT_MAX ? INT_MAX + 1LL : stream.nextHandle;
+        return stream.handles.next == INT_MAX ? INT_MAX + 1LL : stream.handles.next;
     }
 
-    /// Gives the stream's next uid to an object that has none.
-    static void Allocate(TBinOutStream& stream, const ZoStreamableBase* object) {
-        if (stream.nextHandle == INT_MAX) stream.RefuseHandle();
-        Set(stream.handles, object, stream.nextHandle++);
+    /// Gives an object that has none the next handle.
+    static void Give(ZoHandleTable& table, const ZoStreamableBase* object) {
+        if (table.next == INT_MAX) ZoHandleTable::Refuse();
+        Set(table, object, table.next++);
     }
+    static void Give(TBinOutStream& stream, const ZoStreamableBase* object) { Give(stream.handles, object); }
 
     static std::uint64_t Run(const ZoStreamableBase* object) { return object->handleRun; }
     static void Put(const ZoStreamableBase* object, std::uint64_t run, int handle) {

@@ -10,7 +10,7 @@ namespace ZoPrimitives {
 
 TMemoryBinOutStream::TMemoryBinOutStream() : TMemoryBinOutStream(0, 0) {}
 TMemoryBinOutStream::TMemoryBinOutStream(unsigned version, unsigned release)
-    : TBinOutStream(version, release, Buffering::Keep) {}
+    : TBinOutStream(version, release, RecordBuffer::Use::Keep) {}
 TMemoryBinOutStream::TMemoryBinOutStream(const TMemoryBinOutStream&) = default;
 TMemoryBinOutStream& TMemoryBinOutStream::operator=(const TMemoryBinOutStream&) = default;
 TMemoryBinOutStream::~TMemoryBinOutStream() = default;
@@ -24,34 +24,34 @@ void TMemoryBinOutStream::Initialize() {
 
 void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId, true); }
 
-void TMemoryBinOutStream::FlushBuffer() { FrameRaw(); }
+void TMemoryBinOutStream::FlushBuffer() { Records().FrameRaw(); }
 
 void TMemoryBinOutStream::FreeResourses() {
     headerSize = 0;
-    ReleaseGathered();
+    Records().ReleaseFrames();
 }
 
 void TMemoryBinOutStream::RewriteHeader() {
     if (headerSize == 0) return;
     const std::vector<unsigned char> header = HeaderBytes();
-    if (header.size() <= headerSize) PatchGathered(0, header.data(), header.size());
+    if (header.size() <= headerSize) Records().PatchFrames(0, header.data(), header.size());
 }
 
 bool TMemoryBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TMemoryBinOutStream); }
 
 const unsigned char* TMemoryBinOutStream::GetData() {
     unsigned long long size = 0;
-    return Gathered(size);
+    return Records().Frames(size);
 }
 
 unsigned char* TMemoryBinOutStream::Detach(unsigned long long& size) {
     headerSize = 0;
-    return TakeGathered(size);
+    return Records().TakeFrames(size);
 }
 
 unsigned long long TMemoryBinOutStream::WriteInMemory(void* block, unsigned long long size) {
     unsigned long long written = 0;
-    const unsigned char* data = Gathered(written);
+    const unsigned char* data = Records().Frames(written);
     if (written > size) throw XWriteStreamOutOfSpace("TMemoryBinOutStream::WriteInMemory");
     if (written != 0) std::memcpy(block, data, static_cast<std::size_t>(written));
     return written;

@@ -17,7 +17,7 @@ namespace ZoPrimitives {
 /// abandoned.
 class WriteCursor {
 public:
-    explicit WriteCursor(TBinOutStream& target) : stream(target), at(target.position), limit(target.limit) {}
+    explicit WriteCursor(TBinOutStream& target) : stream(target), records(target.records) { Renew(); }
 
     template <class T, class = std::enable_if_t<std::is_arithmetic_v<T>>>
     void operator()(const T& value) const {
@@ -39,21 +39,22 @@ public:
         stream.Put(value);
         Renew();
     }
-    void Commit() const { stream.position = at; }
+    void Commit() const { records.position = at; }
 
     TBinOutStream& stream;
 
 private:
     void MakeRoom(std::size_t size) const {
         Commit();
-        stream.MakeRoom(size);
+        records.MakeRoom(size);
         Renew();
     }
     void Renew() const {
-        at = stream.position;
-        limit = stream.limit;
+        at = records.position;
+        limit = records.limit;
     }
 
+    RecordBuffer& records;
     mutable unsigned char* at;
     mutable unsigned char* limit;
 };

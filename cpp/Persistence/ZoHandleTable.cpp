@@ -1,6 +1,7 @@
 #include "ZoPrimitives/ZoHandleTable.h"
 
 #include "Persistence/HandleAccess.h"
+#include "ZoPrimitives/ZoAssert.h"
 
 #include <algorithm>
 #include <mutex>
@@ -54,12 +55,25 @@ int ZoHandleTable::Get(const ZoStreamableBase* object) const {
 }
 
 void ZoHandleTable::Set(const ZoStreamableBase* object, int handle) {
-    if (object != nullptr) HandleAccess::Set(*this, object, handle);
+    if (object == nullptr) return;
+    HandleAccess::Set(*this, object, handle);
+    if (handle >= next) next = handle == INT_MAX ? INT_MAX : handle + 1;
+}
+
+int ZoHandleTable::Give(const ZoStreamableBase* object) {
+    HandleAccess::Give(*this, object);
+    return next - 1;
+}
+
+void ZoHandleTable::Refuse() {
+    AssertWithFunctor("nextHandle < INT_MAX && \"[zoerror] too many objects\"", "",
+                      "cpp/Persistence/BinOutStream", __LINE__);
 }
 
 void ZoHandleTable::Reset() {
     if (run != 0) Runs().End(run);
     run = 0;
+    next = 1;
     delete shared;
     shared = nullptr;
 }

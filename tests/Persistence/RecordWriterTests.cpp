@@ -56,19 +56,18 @@ public:
                  LittleEndian(key);
         ApplySecurityKey(key, reinterpret_cast<unsigned char*>(payload.data()), size);
         bytes += payload;
-        DropRecord();
+        Records().Drop();
     }
     void FlushBuffer() override {
         bytes += Payload();
-        DropRecord();
+        Records().Drop();
     }
     void Initialize() override {
         SaveHeader();
         FlushBuffer();
     }
     std::string Payload() const {
-        return {reinterpret_cast<const char*>(TBinOutStream::RecordBytes()),
-                static_cast<std::size_t>(GetBufferSize())};
+        return {reinterpret_cast<const char*>(Records().Bytes()), static_cast<std::size_t>(GetBufferSize())};
     }
 };
 
@@ -80,10 +79,10 @@ public:
 
     void FlushRecord(int uid, int classId) override {
         Frame(uid, classId, true);
-        if (GatheredSize() >= 256 * 1024) Take();
+        if (Records().FramesSize() >= 256 * 1024) Take();
     }
     void FlushBuffer() override {
-        FrameRaw();
+        Records().FrameRaw();
         Take();
     }
     void Initialize() override {
@@ -92,9 +91,9 @@ public:
     }
     void Take() {
         unsigned long long size = 0;
-        const unsigned char* data = Gathered(size);
+        const unsigned char* data = Records().Frames(size);
         bytes.append(reinterpret_cast<const char*>(data), static_cast<std::size_t>(size));
-        DropGathered();
+        Records().DropFrames();
     }
 };
 

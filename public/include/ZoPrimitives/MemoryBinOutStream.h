@@ -27,7 +27,7 @@ public:
     /// What was written so far, valid until the next write.
     const unsigned char* GetData();
     /// Its size in bytes.
-    unsigned long long GetSize() const { return GatheredSize(); }
+    unsigned long long GetSize() const { return Records().FramesSize(); }
     /// Gives what was written away: a block of `size` bytes on the C heap, the caller's to free.
     unsigned char* Detach(unsigned long long& size);
     /// Copies what was written into the caller's block and returns its size. A block that is too small throws

@@ -22,16 +22,21 @@ public:
 
     /// 0 when the object has none.
     int Get(const ZoStreamableBase* object) const;
+    /// `Give` goes on behind the handle; 0 takes the object's away.
     void Set(const ZoStreamableBase* object, int handle);
-    /// Forgets all handles, in constant time.
+    /// Gives the next handle, from 1 upward. An assertion fails when there is none left.
+    int Give(const ZoStreamableBase* object);
+    /// Forgets all handles, in constant time, and begins at 1 again.
     void Reset();
 
 private:
     friend class HandleAccess;
     struct Shared;
+    [[noreturn]] static void Refuse();
     bool Claim(const ZoStreamableBase* object);
     int GetShared(const ZoStreamableBase* object) const;
 
+    int next = 1;                  // to be given
     std::uint64_t run = 0;         // unique in the process; 0: nothing was set since the last Reset
     std::uint64_t endedBefore = 0; // runs below it had ended when this one began
     Shared* shared = nullptr;

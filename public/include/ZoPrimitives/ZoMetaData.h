@@ -148,7 +148,7 @@ public:
     /// Reads what `SaveMetaToStream` wrote. Parents stay ids until the whole schema is read.
     void LoadMetaFromStream(TBinInStream* stream);
 
-    // The next four take the object as one of this class, which its own class may derive from.
+    // Objects are taken as ones of this class, which their own class may derive from.
     /// Collects the names of the classes that the graph under `root` uses, with their ancestors.
     void GetClassMetaData(TZoMetaData* schema, ZoStreamableBase* root, TDVector<ZoString>* names);
     /// Collects the names of this class, of its ancestors, and of all classes that their fields declare;

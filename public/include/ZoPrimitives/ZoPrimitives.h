@@ -39,6 +39,7 @@
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/Point2D.h"
 #include "ZoPrimitives/Point3D.h"
+#include "ZoPrimitives/RecordBuffer.h"
 #include "ZoPrimitives/SDList.h"
 #include "ZoPrimitives/StreamableFactory.h"
 #include "ZoPrimitives/TBase64.h"

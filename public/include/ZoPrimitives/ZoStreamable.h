@@ -40,7 +40,8 @@ public:
     /// Text output: the object's data as codes and values, without their end. Here the code 3 and the handle;
     /// a class calls its parent's first and goes on with codes of its own.
     virtual void Write(OutputStreamer& streamer);
-    /// Called by the binary writer before the object's fields are written, once for each class level.
+    /// Called by the binary writer before the object's fields are written, once for each class level. It may
+    /// let go of objects; see `TBinOutStreamer::WriteObject`.
     virtual void WillWrite();
     /// Text input: hands each code to `ReadData`, up to a code 0 or 7. The value of a code that the class
     /// does not know is passed over: one token. A value with a handle that stands for nothing is dropped.

@@ -36,9 +36,12 @@ GraphWalk::GraphWalk(TBinOutStream& outStream, TZoMetaData* applicationSchema, W
     : stream(outStream), schema(applicationSchema), plans(writePlans), externals(externalInstances),
       knownExternals(externals.begin(), externals.end()), firstNew(HandleAccess::FirstNew(outStream)) {}
 
-bool GraphWalk::IsNew(const ZoStreamableBase* object) {
+/// Whether the object was not met before; it has a uid then.
+bool GraphWalk::Meet(const ZoStreamableBase* object) {
     const int uid = HandleAccess::Get(stream, object);
-    return uid == 0 || (uid < firstNew && MeetGiven(uid, object));
+    if (uid != 0) return uid < firstNew && MeetGiven(uid, object);
+    HandleAccess::Give(stream, object);
+    return true;
 }
 
 bool GraphWalk::MeetGiven(int uid, const ZoStreamableBase* object) {
@@ -51,13 +54,11 @@ bool GraphWalk::MeetGiven(int uid, const ZoStreamableBase* object) {
 }
 
 void GraphWalk::Run(ZoStreamableBase* root) {
-    if (root == nullptr || !IsNew(root)) return;
-    Enter(root, ClassToWrite(schema, root));
-    Finish();
+    if (root != nullptr) Run(root, ClassToWrite(schema, root));
 }
 
 void GraphWalk::Run(ZoStreamableBase* root, TZoClass* rootClass) {
-    if (root == nullptr || !IsNew(root)) return;
+    if (root == nullptr || !Meet(root)) return;
     Enter(root, rootClass);
     Finish();
 }
@@ -77,14 +78,13 @@ void GraphWalk::Finish() {
         if (frame.next + PREFETCH < frame.end) Prefetch(waiting[frame.next + PREFETCH].object);
         if (visit.externalsOf != nullptr) {
             ForEachExternal(*visit.externalsOf, visit.object, collect);
-        } else if (IsNew(visit.object)) {
+        } else if (Meet(visit.object)) {
             Enter(visit.object, ClassToWrite(schema, visit.object));
         }
     }
 }
 
 void GraphWalk::Enter(ZoStreamableBase* object, TZoClass* objectClass) {
-    if (HandleAccess::Get(stream, object) == 0) HandleAccess::Give(stream, object);
     order.push_back({object, objectClass});
     const WritePlan& plan = plans.Of(*objectClass);
     steady = steady && plan.steady && objectClass->GetType() == &typeid(*object);

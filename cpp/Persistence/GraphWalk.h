@@ -50,7 +50,7 @@ private:
         std::size_t end;
     };
 
-    bool IsNew(const ZoStreamableBase* object);
+    bool Meet(const ZoStreamableBase* object);
     bool MeetGiven(int uid, const ZoStreamableBase* object);
     void Enter(ZoStreamableBase* object, TZoClass* objectClass);
     void Finish();

@@ -4,6 +4,7 @@
 #include "Persistence/FieldOffset.h"
 #include "Persistence/OwnerWalk.h"
 #include "Persistence/RecordCursors.h"
+#include "Persistence/RecordOrder.h"
 #include "Platform/Compiler.h"
 
 #include <typeinfo>
@@ -14,45 +15,55 @@ namespace {
 
 constexpr std::size_t PREFETCH = 8; // objects ahead
 
-/// `exact`: the object's C++ type is the one that the class is registered with.
 template <class Sink>
-void PutFields(const Sink& put, const WritePlan& plan, bool exact, ZoStreamableBase* object) {
-    const bool tells = !exact || plan.tells;
-    const bool measured = exact && plan.measured;
+void PutFields(const Sink& put, const WritePlan& plan, ZoStreamableBase* object) {
     for (const WritePlan::Step& step : plan.steps) {
-        if (step.field == nullptr) {
-            if (tells) object->WillWrite();
-        } else if (measured && step.offset != FieldOffset::NONE) {
+        if (step.offset != FieldOffset::NONE) {
             FieldCodec::SaveMember(put, step.field->GetFieldType(), FieldOffset::Apply(object, step.offset));
-        } else {
+        } else if (step.field != nullptr) {
             FieldCodec::SaveField(put, *step.field, object);
+        } else {
+            object->WillWrite();
         }
     }
 }
 
-void PutFields(TBinOutStream& stream, bool direct, const WritePlan& plan, bool exact,
-               ZoStreamableBase* object) {
+/// Of an object whose C++ type is another than the class's: nothing is known but what the class declares.
+template <class Sink>
+void PutFields(const Sink& put, const TZoClass& objectClass, ZoStreamableBase* object) {
+    RecordOrder::ForEachLevel(objectClass, [&](const TZoClass& level) {
+        object->WillWrite();
+        for (TZoClassField* field : RecordOrder::FieldsOf(level)) FieldCodec::SaveField(put, *field, object);
+    });
+}
+
+template <class Fields>
+void PutRecord(TBinOutStream& stream, bool direct, const Fields& fields, ZoStreamableBase* object) {
     if (direct) {
         const WriteCursor put(stream);
-        PutFields(put, plan, exact, object);
+        PutFields(put, fields, object);
         put.Commit();
     } else {
-        PutFields(VirtualSink{stream}, plan, exact, object);
+        PutFields(VirtualSink{stream}, fields, object);
     }
 }
 
 } // namespace
 
 void ObjectWriter::WriteFields(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass) {
-    PutFields(stream, stream.PutsDirectly(), WritePlan(objectClass), false, object);
+    PutRecord(stream, stream.PutsDirectly(), objectClass, object);
 }
 
 bool ObjectWriter::SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object,
                               TZoClass* objectClass) {
     const bool exact = objectClass->GetType() == &typeid(*object);
     WritePlan& plan = plans.Of(*objectClass);
-    if (exact && !plan.measured) plan.Measure(object);
-    PutFields(stream, direct, plan, exact, object);
+    if (exact) {
+        if (!plan.measured) plan.Measure(object);
+        PutRecord(stream, direct, plan, object);
+    } else {
+        PutRecord(stream, direct, *objectClass, object);
+    }
     const int uid = HandleAccess::Get(stream, object);
     stream.FlushRecord(uid, objectClass->GetClassId());
     saved.Add(stream, uid);

@@ -21,7 +21,6 @@ public:
     }
     void Add(const TBinOutStream& stream, int uid) {
         if (run != HandleAccess::RunOf(stream)) Begin(HandleAccess::RunOf(stream), uid);
-        ++count;
         if (uid == end) {
             ++end;
         } else {
@@ -30,14 +29,13 @@ public:
     }
     /// How many were saved in the stream's run.
     std::size_t CountOf(const TBinOutStream& stream) const {
-        return run == HandleAccess::RunOf(stream) ? count : 0;
+        return run == HandleAccess::RunOf(stream) ? static_cast<std::size_t>(end - first) + others.size() : 0;
     }
 
 private:
     void Begin(std::uint64_t newRun, int uid) {
         run = newRun;
         first = end = uid;
-        count = 0;
         others.clear();
     }
 
@@ -45,7 +43,6 @@ private:
     long long first = 0; // all from here up to `end` were saved
     long long end = 0;
     std::unordered_set<int> others; // others that were
-    std::size_t count = 0;
 };
 
 /// Writes objects: the fields of one, the record of one, those of what it owns, a whole graph.

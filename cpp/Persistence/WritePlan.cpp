@@ -6,9 +6,10 @@
 namespace ZoPrimitives {
 
 WritePlan::WritePlan(const TZoClass& objectClass)
-    : tells(objectClass.Answers(hookWillWrite)), steady(objectClass.GetType() != nullptr && !tells) {
-    RecordOrder::ForEachLevel(objectClass, [this](const TZoClass& level) {
-        steps.push_back({nullptr, FieldOffset::NONE});
+    : steady(objectClass.GetType() != nullptr && !objectClass.Answers(hookWillWrite)) {
+    const bool tells = objectClass.Answers(hookWillWrite);
+    RecordOrder::ForEachLevel(objectClass, [&](const TZoClass& level) {
+        if (tells) steps.push_back({nullptr, FieldOffset::NONE});
         for (TZoClassField* field : RecordOrder::FieldsOf(level)) {
             steps.push_back({field, FieldOffset::NONE});
             steady = steady && field->IsPlain();

@@ -9,12 +9,11 @@
 
 namespace ZoPrimitives {
 
-/// What is written of the objects of one class, in the order of the record.
+/// What is written of the objects of one class and of its own C++ type, in the order of the record.
 struct WritePlan {
     struct Step {
-        TZoClassField* field;  // null: a level begins
-        std::ptrdiff_t offset; // of the member in objects of the class's own type; `FieldOffset::NONE` where
-                               // accessors are used
+        TZoClassField* field;  // null: the object hears `WillWrite`
+        std::ptrdiff_t offset; // of the member; `FieldOffset::NONE` where accessors are used
     };
     /// Where the walk goes on from an object.
     struct Target {
@@ -23,11 +22,10 @@ struct WritePlan {
     };
 
     explicit WritePlan(const TZoClass& objectClass);
-    /// Finds the members in an object of the class's own type.
+    /// Finds the members in such an object.
     void Measure(ZoStreamableBase* object);
 
     bool measured = false;
-    bool tells;  // objects of the class's own type may answer `WillWrite`
     bool steady; // while one of them is written no code of the application runs
     std::vector<Step> steps;
     std::vector<Target> targets;

@@ -356,9 +356,12 @@ TEST(Math2Test, FormatsWithExponents) {
         EXPECT_STREQ(text.c_str(), row.text) << row.name;
     }
     for (int digits = 0; digits <= 308; ++digits) {
-        const ZoString limit =
-            FormatFloatInScientificNotation(PowerOfTen(digits), unsigned(digits), 0, false, '.');
-        EXPECT_EQ(limit.find("x"), -1) << "the limit itself is not scaled: " << limit.c_str();
+        const double limit = PowerOfTen(digits), beyond = std::nextafter(limit, INF);
+        const auto text = [&](double value) {
+            return FormatFloatInScientificNotation(value, static_cast<unsigned>(digits), 0, false, '.');
+        };
+        EXPECT_EQ(text(limit).find("x"), -1) << "the limit itself is not scaled: " << digits;
+        EXPECT_NE(text(beyond).find("x10^1"), -1) << "beyond the limit: " << digits;
     }
 
     const struct {

@@ -71,10 +71,8 @@ int ScaleDown(double& value, double high) {
 /// scaled.
 int Normalise(double& value, unsigned intDigits) {
     const double limit = PowerOfTen(intDigits);
-    const double magnitude = std::abs(value);
-    if (!std::isfinite(value) || !std::isfinite(limit)) return 0;
-    if (Equal(value, 0, 20) || Equal(magnitude, limit, 20)) return 0;
-    return Greater(magnitude, limit, 20) ? ScaleDown(value, limit) : -ScaleUp(value, limit / 10);
+    if (!std::isfinite(value) || !std::isfinite(limit) || Equal(value, 0, 20)) return 0;
+    return Greater(std::abs(value), limit, 20) ? ScaleDown(value, limit) : -ScaleUp(value, limit / 10);
 }
 
 /// So many that `value`, divided by 10^exponent, shows as many digits as with one before the point.
@@ -87,7 +85,7 @@ unsigned WidenedDecimals(double value, int exponent, unsigned decimals) {
 }
 
 ZoString WithExponent(const ZoString& mantissa, int exponent) {
-    return exponent != 0 ? mantissa + "x10^" + exponent : mantissa;
+    return exponent == 0 || mantissa == "nan" ? mantissa : mantissa + "x10^" + exponent;
 }
 
 } // namespace
@@ -142,7 +140,6 @@ double ExRound(double x, unsigned decimals) {
 }
 
 double RobustRound(double x, unsigned decimals) {
-    if (decimals > MAX_DECIMALS) return std::numeric_limits<double>::quiet_NaN();
     return ExRound(ExRound(x, decimals + 2), decimals);
 }
 
@@ -283,8 +280,6 @@ ZoString FormatFloatInScientificNotationWithFixedExponent(double value, int expo
     const int direction = exponent > 0 ? 1 : -1;
     for (int i = 0; i != exponent && mantissa != 0 && std::isfinite(mantissa); i += direction)
         mantissa *= step;
-    if (!std::isfinite(mantissa)) return "nan";
-
     const unsigned wanted = WidenedDecimals(value, exponent, decimals);
     return WithExponent(FormatFloat(mantissa, wanted, keepZeros, separator), exponent);
 }

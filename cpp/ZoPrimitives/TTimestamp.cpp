@@ -20,16 +20,14 @@ constexpr std::int64_t TICKS_PER_SECOND = 10'000'000;
 constexpr std::int64_t FIRST = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t LAST = std::numeric_limits<std::int64_t>::max();
 
+// Results out of range are the nearest in it.
+
 std::int64_t Sum(std::int64_t a, std::int64_t b) {
-    if (b > 0 && a > LAST - b) return LAST;
-    if (b < 0 && a < FIRST - b) return FIRST;
-    return a + b;
+    return a + std::clamp(b, FIRST - std::min<std::int64_t>(a, 0), LAST - std::max<std::int64_t>(a, 0));
 }
 
 std::int64_t Difference(std::int64_t a, std::int64_t b) {
-    if (b < 0 && a > LAST + b) return LAST;
-    if (b > 0 && a < FIRST + b) return FIRST;
-    return a - b;
+    return a - std::clamp(b, std::max<std::int64_t>(a, -1) - LAST, std::min<std::int64_t>(a, -1) - FIRST);
 }
 
 std::int64_t Times(std::int64_t value, std::int64_t factor) {

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/Math2.h"
 
+#include "ZoPrimitives/Point3D.h"
 #include "ZoPrimitives/grandeza.h"
 
 #include "support/Assertions.h"
@@ -121,9 +122,7 @@ TEST(Math2Test, RoundsStepByStep) {
         {"carries", ExRound(0.9999999, 3), 1},
         {"negative to zero", ExRound(-0.4, 0), -0.0},
         {"negative zero", ExRound(-0.0, 0), 0.0},
-        {"large with decimals", ExRound(123456789.125, 2), 123456789.13},
         {"last with a half", ExRound(4503599627370495.5, 0), 4503599627370496},
-        {"2^53", ExRound(9007199254740993.0, 3), 9007199254740992},
         {"huge", ExRound(-1e308, 20), -1e308},
         {"half a unit of 20 decimals", ExRound(6e-21, 20), 1e-20},
         {"half a unit of 29 decimals", ExRound(6e-30, 29), 1.0000000000000001e-29},
@@ -144,17 +143,15 @@ TEST(Math2Test, RoundsStepByStep) {
         {"down, not rounded before", RoundDown(0.29, 2), 0.28},
         {"down, overflow", RoundDown(1e308, 2), INF},
         {"whole part", IntPart(-2.7), -2},
-        {"whole part of an infinity", IntPart(-INF), -INF},
         {"halves up", Round(2.5), 3},
+        {"below a half", Round(2.4), 2},
         {"negative halves up", Round(-2.5), -2},
         {"halves down", RoundNearest(2.5), 2},
         {"negative halves down", RoundNearest(-2.5), -3},
         {"above half", RoundNearest(2.5000000000000004), 3},
         {"long double as double", Round(2.49999999999999999999L), 3},
-        {"halves of an infinity", RoundNearest(INF), INF},
         {"upwards to int", toInt(1.0000001), 2},
         {"of float", toInt(-1.5F), -1},
-        {"of int", toInt(7), 7},
         {"the last int", toInt(2147483646.5), INT_MAX},
         {"far beyond int", toInt(1e300), INT_MAX},
         {"infinity to int", toInt(-INF), INT_MIN},
@@ -206,9 +203,9 @@ TEST(Math2Test, SolvesQuadratics) {
 TEST(Math2Test, InterpolatesInTheTypeOfItsArguments) {
     static_assert(std::is_same_v<decltype(Interpolacao(0.F, 1.F, 1.F, 0.F, 1.F)), float>);
     static_assert(std::is_same_v<decltype(Interpolacao(0, 1.F, 1.0, 0L, 1)), double>);
-    EXPECT_EQ(Interpolacao(1.0, 3.0, 2.0, 10.0, 20.0), 15.0);
+    EXPECT_EQ(Interpolacao(1.0, 5.0, 3.0, 10.0, 20.0), 15.0);
     EXPECT_EQ(Interpolacao(0, 2, 1, 0, 1), 0.5);
-    EXPECT_EQ(Interpolacao(0.F, 3.F, 1.F, 0.F, 1.F), 1.F / 3.F);
+    EXPECT_EQ(Interpolacao(0.F, 3.F, 2.F, 0.F, 1.F), 1.F / 3.F * 2.F);
     EXPECT_EQ(Interpolacao(1.0, 1.0, 2.0, 10.0, 20.0), INF);
 }
 
@@ -228,69 +225,44 @@ TEST(Math2Test, CountsAndMeasures) {
 
 TEST(Math2Test, ReadsHexadecimalDigits) {
     const std::pair<const char*, int> cases[] = {
-        {"0xff", 255},
-        {"0XFF", 255},
-        {"1G2", 1},
-        {"1g2", 1},
-        {"a/", 10},
-        {"", 0},
-        {nullptr, 0},
-        {"x1", 0},
-        {"0x", 0},
-        {"0x0x1", 0},
-        {" 1", 0},
-        {"-1", 0},
-        {"1x2", 1},
-        {"ffffffff", -1},
-        {"aF:", 175},
-        {"19afAF@", 1683375},
-        {"1abcdef01", -1412567295},
-        {"aF`", 175},
-    };
+        {"0xff", 255},    {"0XFF", 255},    {"09af", 0x9AF},
+        {"AF09", 0xAF09}, {"1G2", 1},       {"1g2", 1},
+        {"aF:", 175},     {"aF/", 175},     {"aF@", 175},
+        {"aF`", 175},     {"x1", 0},        {"0x", 0},
+        {"0x0x1", 0},     {" 1", 0},        {"-1", 0},
+        {"", 0},          {"ffffffff", -1}, {"1abcdef01", -1412567295},
+        {nullptr, 0}};
     for (const auto& [text, value] : cases) EXPECT_EQ(HexStrToInt(text), value) << (text ? text : "null");
 }
 
 TEST(Math2Test, ConvertsColourWords) {
     const struct {
-        const char* name;
         double components[3];
         unsigned long word;
     } words[] = {
-        {"red", {1, 0, 0}, 0xFF0000},
-        {"cut, not rounded", {0.5, 0.25, 0.999}, 0x7F3FFE},
-        {"rounded to six decimals first", {0.9999999999, 0, 0}, 0xFF0000},
-        {"overflowing", {2, 0, 0}, 0x1FE0000},
-        {"negative", {0, 0, -0.1}, 0xFFFFFFE7},
-        {"no numbers", {NOT_A_NUMBER, INF, -INF}, 0},
-        {"huge", {0, 0, 1e300}, 0x7FFFFFFF},
+        {{1, 0, 0}, 0xFF0000},
+        {{0.5, 0.25, 0.999}, 0x7F3FFE},   // cut, not rounded
+        {{0.9999999999, 0, 0}, 0xFF0000}, // but rounded to six decimals first
+        {{2, 0, 0}, 0x1FE0000},           // overflowing
+        {{0, 0, -0.1}, 0xFFFFFFE7},       // negative
+        {{NOT_A_NUMBER, INF, -INF}, 0},
+        {{0, 0, 1e300}, 0x7FFFFFFF},
     };
-    for (const auto& row : words) EXPECT_EQ(DoubleArrayToColor(row.components), row.word) << row.name;
+    for (const auto& row : words)
+        EXPECT_EQ(DoubleArrayToColor(row.components), row.word) << std::hex << row.word;
 
-    const struct {
-        const char* name;
-        unsigned long word;
-        double components[3];
-    } components[] = {
-        {"high byte last", 0xFF0000, {0, 0, 1}},
-        {"in order", 0x336699, {0.6, 0.4, 0.2}},
-        {"short", 0xFF, {1, 0, 0}},
-        {"above six digits", 0x99663300, {0.2, 0.4, 0.6}},
-    };
-    for (const auto& row : components) {
+    const std::pair<unsigned long, Point3D> components[] = {
+        {0xFF0000, {0, 0, 1}}, {0x336699, {0.6, 0.4, 0.2}}, {0xFF, {1, 0, 0}}, {0x99663300, {0.2, 0.4, 0.6}}};
+    for (const auto& [word, expected] : components) {
         double out[3] = {};
-        ULongToDoubleArray(row.word, out);
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(out[i], row.components[i]) << row.name << ", " << i;
+        ULongToDoubleArray(word, out);
+        EXPECT_EQ(Point3D(out[0], out[1], out[2]), expected) << std::hex << word;
     }
 }
 
-// The long rows are Python's decimal.Decimal of the rounded double.
 TEST(Math2Test, FormatsNumbers) {
     const std::string zeros(20, '0');
-    const std::string huge =
-        "1000000000000000010979063629440455417404923096773118463368106829031575854049114915371633289784946888"
-        "9906124966972117251561159028374314008832830700919814604603127166450293302718569748969958855904333838"
-        "4466165001178426897626212945177628091195786707458122783970171784415105291802893207873272974885715430"
-        "223118336";
+    const std::string huge = std::to_string(1e308).substr(0, 309); // before the point
     const struct {
         const char* name;
         double value;
@@ -304,9 +276,7 @@ TEST(Math2Test, FormatsNumbers) {
         {"kept zeros", 2.0, 2, true, ',', "2,00"},
         {"no negative zero", -0.0001, 2, false, '.', "0"},
         {"no negative zero, kept", -0.0, 1, true, '.', "0.0"},
-        {"zeros before the point", 100, 0, false, '.', "100"},
         {"zeros on both sides", -1200.0, 2, false, '.', "-1200"},
-        {"rounded", 1.005, 2, true, '.', "1.00"},
         {"rounded up", 0.615, 2, true, '.', "0.62"},
         {"no grouping", 1234567.891, 1, true, ',', "1234567,9"},
         {"more decimals than digits", 1.0 / 3, 22, true, '.', "0.3333333333333333148296"},
@@ -339,6 +309,7 @@ TEST(Math2Test, FormatsWithExponents) {
         {"a small power", 0.001, 1, 3, "1x10^-3"},
         {"small and negative", -0.00012345, 1, 4, "-1,2345x10^-4"},
         {"in range", 5, 1, 2, "5"},
+        {"nearly in range", 0.95, 1, 2, "9,5x10^-1"},
         {"too short", 5, 2, 2, "50x10^-1"},
         {"rounded to the limit", 99999.99, 1, 1, "10x10^4"},
         {"multiplied by 0.1, not divided by 10", 12345, 1, 16, "1,2345000000000002x10^4"},
@@ -349,6 +320,7 @@ TEST(Math2Test, FormatsWithExponents) {
         {"infinity", INF, 1, 3, "nan"},
         {"NaN", NOT_A_NUMBER, 1, 3, "nan"},
         {"more digits than there are", 2, 309, 1, "2"},
+        {"more decimals than there are", 12345, 1, 309, "nan"},
     };
     for (const auto& row : free) {
         const ZoString text =
@@ -392,7 +364,7 @@ TEST(Math2Test, FormatsWithExponents) {
         {"steps end at 0", 1, INT_MAX, 0, nullptr},
         {"far too large", 1, INT_MIN, 2, "nan"},
         {"NaN", NOT_A_NUMBER, 3, 2, "nan"},
-        {"309 decimals", 0.1, 0, 309, "nan"},
+        {"decimals that wrap", 0.1, 5, UINT_MAX, "nan"},
     };
     for (const auto& row : fixed) {
         const ZoString text = FormatFloatInScientificNotationWithFixedExponent(row.value, row.exponent,

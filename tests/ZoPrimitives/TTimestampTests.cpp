@@ -117,7 +117,7 @@ TEST_F(TTimestampTest, Shifts) {
         {"a second", 5, 1s, 10'000'005, -9'999'995},
         {"beyond both ends", 5, std::chrono::seconds::max(), LAST, FIRST},
         {"beyond both ends, backwards", 5, std::chrono::seconds::min(), FIRST, LAST},
-        {"by more than half of all", FIRST, 1'000'000'000'000s, 776'627'963'145'224'192, FIRST},
+        {"by nearly all", FIRST, 1'800'000'000'000s, 8'776'627'963'145'224'192, FIRST},
     };
     for (const auto& row : rows) {
         TTimestamp later = TTimestamp::FromTicks(row.ticks);
@@ -132,10 +132,19 @@ TEST_F(TTimestampTest, Differs) {
         std::int64_t a;
         std::int64_t b;
         long long nanoseconds;
-    } rows[] = {
-        {10'000'005, 5, 1'000'000'000}, {5, 7, -200},     {FIRST + 3, FIRST, 300}, {LAST / 10, 0, LAST},
-        {0, LAST / 10, FIRST},          {LAST, -1, LAST}, {FIRST, 1, FIRST},
-    };
+    } rows[] = {{10'000'005, 5, 1'000'000'000},
+                {5, 7, -200},
+                {FIRST + 3, FIRST, 300},
+                {LAST / 10, 0, LAST},
+                {0, LAST / 10, FIRST},
+                {LAST, -1, LAST},
+                {FIRST, 1, FIRST},
+                {-3, LAST, FIRST},
+                {0, FIRST, LAST},
+                {LAST / 100, 0, LAST / 100 * 100},
+                {FIRST / 100, 0, FIRST / 100 * 100},
+                {LAST, FIRST, LAST},
+                {LAST - 1, LAST, -100}};
     for (const auto& row : rows) {
         const TTimestamp a = TTimestamp::FromTicks(row.a);
         const TTimestamp b = TTimestamp::FromTicks(row.b);

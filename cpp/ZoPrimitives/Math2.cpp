@@ -130,18 +130,15 @@ double Clamp(double value, double upper, double lower) { return Max(lower, Min(u
 double IntPart(double x) { return x < 0 ? std::ceil(x) : std::floor(x); }
 
 double ExRound(double x, unsigned decimals) {
-    if (decimals > MAX_DECIMALS) return std::numeric_limits<double>::quiet_NaN();
     const double sign = x < 0 ? -1 : 1;
     const double whole = IntPart(x);
     const double fraction = std::abs(x - whole);
-    const double power = PowerOfTen(decimals);
+    const double power = PowerOfTen(decimals); // infinite above 308 decimals: NaN
     const double scaled = (fraction + 5 * InversePowerOfTen(decimals + 1)) * power;
     return whole + sign * IntPart(scaled) / power;
 }
 
-double RobustRound(double x, unsigned decimals) {
-    return ExRound(ExRound(x, decimals + 2), decimals);
-}
+double RobustRound(double x, unsigned decimals) { return ExRound(ExRound(x, decimals + 2), decimals); }
 
 double RoundUp(double x, unsigned decimals) {
     const double power = PowerOfTen(decimals);

@@ -143,8 +143,8 @@ bool Point3D::CoordsFromString(const ZoString& text) {
     if (first == all.npos) return false;
     const auto second = all.find(';', first + 1);
     if (second == all.npos || all.find(';', second + 1) != all.npos) return false;
-    X(RealOf(all.substr(0, first)));
-    Y(RealOf(all.substr(first + 1, second - first - 1)));
+    X(RealOf(all));
+    Y(RealOf(all.substr(first + 1)));
     Z(RealOf(all.substr(second + 1)));
     return true;
 }

@@ -282,7 +282,7 @@ TEST(Math2Test, FormatsNumbers) {
         {"more decimals than digits", 1.0 / 3, 22, true, '.', "0.3333333333333333148296"},
         {"all digits", 0.1, 60, false, '.', "0.1000000000000000055511151231257827021181583404541015625"},
         {"largest", 1e308, 20, true, '.', huge + "." + zeros},
-        {"largest, negative", -1e308, 20, false, '.', "-" + huge},
+        {"largest, most decimals", -1e308, 308, false, '.', "-" + huge},
         {"308 decimals", 1e-308, 308, false, '.', "0." + std::string(307, '0') + "1"},
         {"309 decimals", 1, 309, false, '.', "nan"},
         {"NaN", -NOT_A_NUMBER, 2, true, '.', "nan"},

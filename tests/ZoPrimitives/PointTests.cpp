@@ -87,6 +87,7 @@ TEST(PointTest, NamedComparisonsHaveATolerance) {
         {"x greater", {2, 0, 0}, {1, 9, 9}, "", ""},
         {"y less", {1.00005, 1, 9}, {1, 2, 0}, "<", "<"},
         {"z less", {1, 2, 3}, {1, 2, 4}, "<", "="},
+        {"y less, x greater", {3, 1, 9}, {1, 2, 0}, "", ""},
         {"z less, y greater", {1, 3, 3}, {1, 2, 4}, "", ""},
         {"z less, x greater", {2, 2, 3}, {1, 2, 4}, "", ""},
         {"x within", {1, 2, 3}, {1.00009, 2, 3}, "=", "="},
@@ -274,6 +275,8 @@ TEST(VectorTest, Products) {
     EXPECT_EQ(v.DotProduct(w), 24);
     EXPECT_EQ(TVector2D(1, 2).CrossProduct(TVector2D(3, 4)), -2);
     EXPECT_EQ(-v + w * 2 - x / 2, TVector3D(-9.5, 8, 9));
+    EXPECT_EQ(-TVector2D(1, 2) + TVector2D(3, 5) * 3 - TVector2D(4, 10) / 4, TVector2D(7, 10.5));
+    EXPECT_EQ(TVector2D(1, 2).DotProduct(TVector2D(3, 5)), 13);
 
     EXPECT_EQ(v.Project({0, 0, -2}), TVector3D(0, 0, 3));
     EXPECT_EQ(v.Project({0, 0, 0}), TVector3D());

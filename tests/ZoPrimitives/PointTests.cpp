@@ -274,7 +274,7 @@ TEST(VectorTest, Products) {
     EXPECT_EQ(v.CrossProduct(w), TVector3D(-3, -18, 13));
     EXPECT_EQ(v.DotProduct(w), 24);
     EXPECT_EQ(TVector2D(1, 2).CrossProduct(TVector2D(3, 4)), -2);
-    EXPECT_EQ(-v + w * 2 - x / 2, TVector3D(-9.5, 8, 9));
+    EXPECT_EQ(-v + w * 2 - v / 2, TVector3D(-9.5, 7, 7.5));
     EXPECT_EQ(-TVector2D(1, 2) + TVector2D(3, 5) * 3 - TVector2D(4, 10) / 4, TVector2D(7, 10.5));
     EXPECT_EQ(TVector2D(1, 2).DotProduct(TVector2D(3, 5)), 13);
 
@@ -339,6 +339,7 @@ TEST(VectorTest, Directions) {
 }
 
 TEST(VectorTest, ArbitraryAxes) {
+    const TVector3D beside(0.01, -0.0157, 1);
     const struct {
         const char* name;
         TVector3D normal, x, y;
@@ -350,7 +351,9 @@ TEST(VectorTest, ArbitraryAxes) {
         {"zero", {0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
         {"just beyond 1/64", {0.0157, 0, 1}, {0, 1, 0}, TVector3D(-1, 0, 0.0157).Normalized()},
         {"just below 1/64", {0.0156, 0, 1}, TVector3D(1, 0, -0.0156).Normalized(), {0, 1, 0}},
-        {"y beyond 1/64", {0, -0.0157, 1}, {1, 0, 0}, TVector3D(0, 1, 0.0157).Normalized()},
+        {"x beyond -1/64", {-0.0157, 0, 1}, {0, -1, 0}, TVector3D(1, 0, 0.0157).Normalized()},
+        {"y beyond -1/64", beside, TVector3D(0.0157, 0.01, 0).Normalized(),
+         beside.CrossProduct({0.0157, 0.01, 0}).Normalized()},
     };
     const TVector3D v(1, 2, 3);
     for (const auto& row : cases) {

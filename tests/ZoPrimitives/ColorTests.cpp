@@ -56,7 +56,17 @@ TEST(TZoColorTest, ComparesAndChangesComponents) {
     color.AddBrightDelta(INT_MIN);
     EXPECT_TRUE(color.IsBlack() && !color.IsWhite());
     EXPECT_FALSE(TZoColor(0, 0, 1, 0).IsBlack());
-    EXPECT_EQ(TZoColor(51, 0, 0, 0).GetRedAsFloat(), 0.2F);
+    color.SetRGB(51, 102, 204);
+    EXPECT_EQ(color, TZoColor(51, 102, 204, 9));
+    EXPECT_TRUE(color.GetRedAsFloat() == 0.2F && color.GetGreenAsFloat() == 0.4F &&
+                color.GetBlueAsFloat() == 0.8F && TZoColor(1, 1, 1, 255).GetAlphaAsFloat() == 1);
+    EXPECT_EQ(TZoColor(), TZoColor(0, 0, 0, 0));
+    for (const TZoColor& other : {TZoColor(0, 102, 204, 9), {51, 0, 204, 9}, {51, 102, 0, 9}}) {
+        EXPECT_FALSE(color.AreRgbEqual(other));
+    }
+    for (const TZoColor& one : {TZoColor(255, 0, 0, 0), {0, 255, 0, 0}, {0, 0, 255, 0}}) {
+        EXPECT_FALSE(one.IsBlack() || one.IsWhite());
+    }
 }
 
 TEST(TZoColorTest, ColourWordFitsItsPartner) {
@@ -92,6 +102,7 @@ TEST(TColorScaleTest, BlendsThreeColours) {
         {"no limits", {}, -0.0, blue},
         {"no limits, above", {}, 5e-324, red},
         {"end colours keep their alpha", shared, 0, {255, 200, 10, 3}},
+        {"the upper one too", shared, 100, {255, 100, 10, 4}},
         {"middle colour of sums", shared, 50, {1, 211, 235, 0}},
         {"sums wrap", shared, 25, {0, 155, 245, 0}},
         {"other colours, first quarter", odd, -0.875, {218, 55, 85, 0}},

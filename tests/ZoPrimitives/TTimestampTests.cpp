@@ -68,7 +68,8 @@ TEST_F(TTimestampTest, WritesText) {
         const char* text;
     } rows[] = {
         {"start", 0, FORMAT, "01/01/1970 00:00:00"},
-        {"parts of a second", 12'345'678, "%E*S %E3S %E*f %E2f", "01.2345678 01.234 2345678 23"},
+        {"parts of a second", 12'345'678, "%E*S %E3S %E*f %E2f %E09S",
+         "01.2345678 01.234 2345678 23 01.234567800"},
         {"parts before 1970", -5'000'000, "%F %H:%M:%E1S", "1969-12-31 23:59:59.5"},
         {"zone", 0, "%z %Ez %:z %E*z", "+0000 +00:00 +00:00 +00:00:00"},
         {"four digits of a year", -624'511'296'000'000'000, "%E4Y", "-009"},
@@ -76,6 +77,7 @@ TEST_F(TTimestampTest, WritesText) {
         {"composites", Monday, "%c|%D|%x|%F|%r|%R|%T|%X",
          "Mon Jan  1 00:00:00 2024|01/01/24|01/01/24|2024-01-01|12:00:00 AM|00:00|00:00:00|00:00:00"},
         {"weeks", Monday - 864'000'000'000, "%G %g %V %U %W %u %w %j", "2023 23 52 53 52 7 0 365"},
+        {"noon", 432'000'000'000, "%p %I %r %R", "PM 12 12:00:00 PM 12:00"},
         {"percent signs", 0, "100%% %%d %", "100% %d %"},
         {"accents", 0, "%d de mar\xE7o", "01 de mar\xE7o"},
         {"modified", 5'025'000'000, "%Ec|%EC|%Ex|%EX|%Ey|%EY|%Od|%Oe|%OH|%OI|%Om|%OM|%OS",

@@ -9,6 +9,7 @@
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinUnresolved.h"
 #include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoMetaData.h"
@@ -17,7 +18,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <new>
-#include <unordered_set>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -102,7 +102,7 @@ void TBinInStream::Get(ZoBlob& value) {
 void TBinInStream::Get(ZoString& value) {
     unsigned size = 0;
     const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoString)");
-    value.Assign(reinterpret_cast<const char*>(bytes), size);
+    AssignWhole(value, reinterpret_cast<const char*>(bytes), size);
 }
 
 bool TBinInStream::GetsDirectly() const { return false; }
@@ -438,16 +438,11 @@ void TBinInStream::TakeObjects(TIVector<ZoStreamableBase>* list) {
 }
 
 void TBinInStream::RemoveInstances(const TDVector<ZoStreamableBase*>& list) {
-    const std::unordered_set<const ZoStreamableBase*> removed(list.begin(), list.end());
-    TDVector<ZoStreamableBase*> kept;
-    std::vector<int> keptUids;
-    for (std::size_t i = 0; i < tables->uids.size(); ++i) {
-        if (removed.count(objects[i + 1]) != 0) continue;
-        kept.Add(objects[i + 1]);
-        keptUids.push_back(tables->uids[i]);
-    }
-    objects = kept;
-    tables->uids = std::move(keptUids);
+    std::vector<const ZoStreamableBase*> removed(list.begin(), list.end());
+    std::sort(removed.begin(), removed.end());
+    InstanceTables::RemoveIf(*this, [&removed](const ZoStreamableBase* object) {
+        return std::binary_search(removed.begin(), removed.end(), object);
+    });
 }
 
 void TBinInStream::SetHandle(ZoStreamableBase* object, int handle) { tables->handles.Set(handle, object); }
@@ -491,19 +486,20 @@ TZoClassField* TBinInStream::GetFirstExcludedField() {
 
 void TBinInStream::ReserveInstances() {
     if (!HasWindow()) return;
-    // Room that is not used costs nothing; it stays within a small multiple of the data.
+    // Room that is not used costs address space only. How many uids there are is anybody's guess.
     constexpr std::size_t SMALLEST_RECORD = HEAD_SIZE + 1;
     const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
     const std::size_t count = std::min<std::size_t>(header.recordCount, left / SMALLEST_RECORD);
     objects.Reserve(count);
     tables->uids.reserve(count);
     tables->handles.Reserve(count + 1);
-    unresolved->Reserve(count, left / sizeof(std::int32_t));
+    unresolved->Reserve(count);
 }
 
-void TBinInStream::ForgetInstances() {
+void TBinInStream::ForgetInstances() noexcept {
     objects.RemoveAll();
     tables->uids.clear();
+    tables->uidsRise = true;
     tables->handles.Clear();
     ClearExcludedFields();
     unresolved->Clear();

@@ -33,8 +33,8 @@ const TBinUnresolved* TBinUnresolvedPointers::Find(int uid) const {
     return found == entries.end() ? nullptr : &*found;
 }
 
-void TBinUnresolvedPointers::Clear() {
-    entries = {};
+void TBinUnresolvedPointers::Clear() noexcept {
+    std::vector<TBinUnresolved>().swap(entries);
     std::free(std::exchange(uids, nullptr));
     used = capacity = 0;
 }

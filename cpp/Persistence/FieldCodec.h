@@ -9,6 +9,7 @@
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoClassField.h"
 #include "ZoPrimitives/dvector.h"
@@ -115,9 +116,21 @@ public:
         CheckBytes(take, STORED_SIZE<T>);
         Scratch<T> value(take.stream);
         take(value.Get());
-        if (application != nullptr && application->set != nullptr) {
-            application->set(object, application, value.Get());
-        }
+        if (application != nullptr && application->set != nullptr) Set(*application, object, value.Get());
+    }
+
+    template <class T>
+    static void Set(TZoClassFieldValue<T>& application, ZoStreamableBase* object, const T& value) {
+        application.set(object, &application, value);
+    }
+    /// A setter that copies a text without memory for it loses it and says nothing. With memory for a copy at
+    /// hand an empty text is what the setter wants.
+    static void Set(TZoClassFieldString& application, ZoStreamableBase* object, const ZoString& value) {
+        application.set(object, &application, value);
+        if (application.get == nullptr || IsWhole(application.get(object, &application), value.c_str()))
+            return;
+        const ZoString copy = WholeText(value);
+        application.set(object, &application, copy);
     }
 
     template <class Source, class T>
@@ -190,15 +203,27 @@ public:
         }
     }
 
-    /// Reads a field's part of the record into the application's field. Without one it is kept as excluded.
+    /// Reads a field's part of the record into the application's field.
     template <class Source>
-    static void LoadField(const Source& take, TZoClassField& field, TZoClassField* application,
-                          ZoStreamableBase* object) {
+    static void LoadField(const Source& take, TZoClassField& application, ZoStreamableBase* object) {
+        Dispatch(application, [&](auto& exact) { Load(take, &exact, object); });
+    }
+    /// Passes over the part of a file's field that the application does not know; it is kept as excluded.
+    template <class Source>
+    static void PassOver(const Source& take, TZoClassField& field) {
         const unsigned begin = take.Position();
         Dispatch(field, [&](auto& exact) {
-            Load(take, static_cast<std::decay_t<decltype(exact)>*>(application), object);
+            Load(take, static_cast<std::decay_t<decltype(exact)>*>(nullptr), nullptr);
         });
-        if (application == nullptr) take.stream.AddExcludedField(&field, begin);
+        take.stream.AddExcludedField(&field, begin);
+    }
+    /// One or the other, for a field of a file.
+    static void LoadFileField(TBinInStream& stream, TZoClassField& field, ZoStreamableBase* object) {
+        if (field.GetOriginal() != nullptr) {
+            LoadField(VirtualSource{stream}, *field.GetOriginal(), object);
+        } else {
+            PassOver(VirtualSource{stream}, field);
+        }
     }
 
     // Members that the macros declared, without their accessors
@@ -215,13 +240,14 @@ public:
 
     // Resolving
 
+    using TypesTaken = TZoPointerResolver::TypesTaken;
+
     /// Hands the objects that the field's uids name to the application's field.
-    static void Resolve(TZoPointerResolver& resolver, TZoClassFieldPointerBase& field,
+    static void Resolve(TZoPointerResolver& resolver, TypesTaken& taken,
                         TZoClassFieldPointerBase& application, ZoStreamableBase* object) {
-        Dispatch(field, [&](auto& exact) {
-            using Exact = std::decay_t<decltype(exact)>;
-            if constexpr (std::is_base_of_v<TZoClassFieldPointerBase, Exact>) {
-                ResolveExact(resolver, exact, static_cast<Exact&>(application), object);
+        Dispatch(application, [&](auto& exact) {
+            if constexpr (std::is_base_of_v<TZoClassFieldPointerBase, std::decay_t<decltype(exact)>>) {
+                ResolveExact(resolver, taken, exact, object);
             }
         });
     }
@@ -232,11 +258,11 @@ public:
         return IsKindOf<TZoClassFieldPointer>(kind) && FieldKindOf(kind).holds != FieldHold::Member;
     }
 
-    static void ResolveReference(TZoPointerResolver& resolver, TZoClassFieldPointerBase& field,
+    static void ResolveReference(TZoPointerResolver& resolver, TypesTaken& taken,
                                  TZoClassFieldPointer& application, ZoStreamableBase* object) {
         const int uid = resolver.Next();
         if (!resolver.ResolvesReferences()) return;
-        const Resolved resolved(resolver, field, application, uid);
+        const Resolved resolved(resolver, taken, application, uid);
         application.Set(object, resolved.target);
         resolver.Tell(object, application, resolved.target, uid);
     }
@@ -314,7 +340,11 @@ private:
         for (int i = 0; i < head.count; ++i) {
             T value{};
             LoadValue(take, value);
-            list.TDVector<T>::Add(value);
+            if constexpr (std::is_same_v<T, ZoString>) {
+                AddWhole(list, value);
+            } else {
+                list.TDVector<T>::Add(value);
+            }
         }
     }
 
@@ -358,17 +388,17 @@ private:
         ZoStreamableBase* target;
         bool dropped;
 
-        Resolved(const TZoPointerResolver& resolver, TZoClassFieldPointerBase& fileField,
+        Resolved(const TZoPointerResolver& resolver, TypesTaken& taken,
                  const TZoClassFieldPointerBase& application, int uid)
             : target(resolver.Find(uid)), dropped(uid != 0 && target == nullptr) {
-            if (target != nullptr && !resolver.Allows(fileField, application, target)) {
+            if (target != nullptr && !resolver.Allows(application, target, taken)) {
                 target = nullptr;
                 dropped = true;
             }
         }
     };
 
-    static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointer& field,
+    static void ResolveExact(TZoPointerResolver& resolver, TypesTaken& taken,
                              TZoClassFieldPointer& application, ZoStreamableBase* object) {
         if (application.GetFieldType() == ftChildValue) {
             const int uid = resolver.Next();
@@ -379,38 +409,32 @@ private:
             resolver.Tell(object, application, application.Get(object), uid);
             return;
         }
-        ResolveReference(resolver, field, application, object);
+        ResolveReference(resolver, taken, application, object);
     }
 
-    static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointerList& field,
+    static void ResolveExact(TZoPointerResolver& resolver, TypesTaken& taken,
                              TZoClassFieldPointerList& application, ZoStreamableBase* object) {
         const int count = resolver.Next();
         const std::int32_t* uids = resolver.Take(count);
         if (!resolver.ResolvesReferences()) return;
         for (int i = 0; i < count; ++i) {
-            const Resolved resolved(resolver, field, application, uids[i]);
+            const Resolved resolved(resolver, taken, application, uids[i]);
             if (resolved.dropped) continue;
             application.Add(object, resolved.target);
             resolver.Tell(object, application, resolved.target, uids[i]);
         }
     }
 
-    static void ResolveExact(TZoPointerResolver& resolver, TZoClassFieldPointerMap&,
-                             TZoClassFieldPointerMap& application, ZoStreamableBase* object) {
+    static void ResolveExact(TZoPointerResolver& resolver, TypesTaken&, TZoClassFieldPointerMap& application,
+                             ZoStreamableBase* object) {
         const Halves halves = HalvesOf(application);
         if (AsList(halves[0]) != nullptr && AsList(halves[1]) != nullptr) {
             ResolvePairs(resolver, *AsList(halves[0]), *AsList(halves[1]), object);
             return;
         }
         for (TZoClassFieldPointerBase* half : halves) {
-            // Application's fields belong to no reading: what they took is not noted on them.
-            TZoClassFieldPointer noted("", ftPointer, nullptr, nullptr);
-            TZoClassFieldPointerList notedItems("", ftPointerList, {});
-            if (TZoClassFieldPointerList* list = AsList(half)) {
-                ResolveExact(resolver, notedItems, *list, object);
-            } else {
-                ResolveExact(resolver, noted, static_cast<TZoClassFieldPointer&>(*half), object);
-            }
+            TypesTaken taken;
+            Resolve(resolver, taken, *half, object);
         }
     }
 
@@ -422,11 +446,11 @@ private:
         const int valueCount = resolver.Next();
         const std::int32_t* valueUids = resolver.Take(valueCount);
         if (!resolver.ResolvesReferences()) return;
-        TZoClassFieldPointerList notedKeys("", ftPointerList, {});
-        TZoClassFieldPointerList notedValues("", ftPointerList, {});
+        TypesTaken keysTaken;
+        TypesTaken valuesTaken;
         for (int i = 0; i < keyCount && i < valueCount; ++i) {
-            const Resolved key(resolver, notedKeys, keys, keyUids[i]);
-            const Resolved value(resolver, notedValues, values, valueUids[i]);
+            const Resolved key(resolver, keysTaken, keys, keyUids[i]);
+            const Resolved value(resolver, valuesTaken, values, valueUids[i]);
             if (key.dropped || value.dropped) continue;
             keys.Add(object, key.target);
             values.Add(object, value.target);

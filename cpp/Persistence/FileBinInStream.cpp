@@ -106,7 +106,7 @@ void TFileBinInStream::Close() {
 }
 
 bool TFileBinInStream::Read(void* data, unsigned size, unsigned& done) {
-    if (HasWindow()) return ReadWindow(data, size, done) || done != 0;
+    if (HasWindow()) return ReadWindow(data, size, done);
     std::size_t count = 0;
     const bool read = System().ReadFile(file, data, size, count);
     SetReadError(read ? 0 : DEVICE_ERROR);

@@ -3,9 +3,11 @@
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -13,7 +15,8 @@ namespace ZoPrimitives {
 TFilteredBinInStreamer::TFilteredBinInStreamer(TBinInStream* stream, TZoMetaData* schema,
                                                const TDList<ZoString>* classNames)
     : reader(stream, schema) {
-    if (classNames != nullptr) names = *classNames;
+    if (classNames == nullptr) return;
+    for (const ZoString& name : *classNames) AddWhole(names, name);
 }
 
 TFilteredBinInStreamer::~TFilteredBinInStreamer() = default;
@@ -33,17 +36,25 @@ bool TFilteredBinInStreamer::Read() {
             "TFilteredBinInStreamer::Read #3");
     }
     std::sort(ids.begin(), ids.end());
-    const auto take = [this] {
-        for (ZoStreamableBase* object : reader.stream->Objects()) objects.Add(object);
-    };
     try {
         reader.ReadRecords(&ids);
     } catch (...) {
-        take();
+        try {
+            TakeObjects();
+        } catch (const std::bad_alloc&) {
+            // The stream lists them.
+        }
         throw;
     }
-    take();
+    TakeObjects();
     return objects.NItems() != 0;
+}
+
+/// All of them or none.
+void TFilteredBinInStreamer::TakeObjects() {
+    const TDVector<ZoStreamableBase*>& read = reader.stream->Objects();
+    objects.Reserve(read.NItems());
+    for (ZoStreamableBase* object : read) objects.Add(object);
 }
 
 bool TFilteredBinInStreamer::ReadFromStream(TBinInStream* stream, TZoMetaData* schema,

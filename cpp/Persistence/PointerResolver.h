@@ -50,18 +50,20 @@ public:
     void ResolveValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) {
         if (taker != nullptr && !passing) taker->TakeValue(field, owner, uid);
     }
-    /// Whether the setter of `application` may be given the object; `fileField` is what is being resolved.
-    bool Allows(TZoClassFieldPointerBase& fileField, const TZoClassFieldPointerBase& application,
-                const ZoStreamableBase* target) const {
+    /// The types of objects that a field took last in this reading.
+    struct TypesTaken {
+        const std::type_info* latest = nullptr;
+        const std::type_info* other = nullptr;
+    };
+    /// Whether the setter of `application` may be given the object.
+    bool Allows(const TZoClassFieldPointerBase& application, const ZoStreamableBase* target,
+                TypesTaken& taken) const {
         if (members != nullptr && application.Owns() && members->count(target) != 0) return false;
         const std::type_info* type = &typeid(*target);
-        if (type == fileField.accepted[0] || type == fileField.accepted[1]) return true;
+        if (type == taken.latest || type == taken.other) return true;
         if (!application.Accepts(target)) return false;
-        // The application's own fields serve several readings at once.
-        if (application.typeTest != nullptr && &fileField != &application) {
-            fileField.accepted[1] = fileField.accepted[0];
-            fileField.accepted[0] = type;
-        }
+        // Without such a test more than the type counts.
+        if (application.typeTest != nullptr) taken = {type, taken.latest};
         return true;
     }
 

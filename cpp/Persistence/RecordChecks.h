@@ -5,9 +5,8 @@
 
 namespace ZoPrimitives {
 
-[[noreturn]] inline void ThrowRecordEnds() {
-    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(),
-                      "TZoClass::LoadFromStreamPre");
+[[noreturn]] inline void ThrowRecordEnds(const char* location = "TZoClass::LoadFromStreamPre") {
+    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location);
 }
 
 /// Throws unless the record still holds that many bytes.
@@ -18,8 +17,9 @@ void CheckBytes(const Source& source, unsigned size) {
 
 /// Throws unless the `remaining` bytes of a record may hold `count` items of at least `itemSize` bytes each;
 /// `count` is not negative then.
-inline void CheckCount(unsigned remaining, int count, unsigned itemSize) {
-    if (count < 0 || static_cast<unsigned>(count) > remaining / itemSize) ThrowRecordEnds();
+inline void CheckCount(unsigned remaining, int count, unsigned itemSize,
+                       const char* location = "TZoClass::LoadFromStreamPre") {
+    if (count < 0 || static_cast<unsigned>(count) > remaining / itemSize) ThrowRecordEnds(location);
 }
 
 } // namespace ZoPrimitives

@@ -33,7 +33,7 @@ public:
         return hasSparse ? GetSparse(uid) : nullptr;
     }
     void Reserve(std::size_t uids) { dense.reserve(uids); }
-    void Clear() { *this = UidTable(); }
+    void Clear() noexcept { *this = UidTable(); }
 
 private:
     static constexpr std::size_t SLACK = 1024;

@@ -1,18 +1,16 @@
 #include "Persistence/FieldCodec.h"
 #include "Persistence/FieldKinds.h"
-#include "Persistence/FieldOffset.h"
-#include "Persistence/InstanceTables.h"
+#include "Persistence/ObjectReader.h"
 #include "Persistence/ObjectWriter.h"
-#include "Persistence/PointerResolver.h"
 #include "Persistence/ReadPlan.h"
-#include "Persistence/RecordCursors.h"
 #include "Persistence/RecordOrder.h"
+#include "Persistence/SchemaReader.h"
 #include "Persistence/SchemaWalk.h"
 #include "ZoPrimitives/BinOutStreamer.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace ZoPrimitives {
 
@@ -37,6 +35,7 @@ TZoCadastre::~TZoCadastre() = default;
 TZoClass::TZoClass(TZoMetaData* schema, Parents* parentClasses, const ZoString& name,
                    TZoCreateFunction create, bool abstract, TZoCadastre* cadastre)
     : name(name), abstract(abstract), create(create), cadastre(cadastre), schema(schema) {
+    CheckWhole(this->name, name.c_str());
     if (parentClasses != nullptr) parents.Append(*parentClasses);
 }
 
@@ -60,6 +59,11 @@ TZoClass::FieldList& TZoClass::ListOf(const TZoClassField& field) {
     return fields;
 }
 
+void TZoClass::ReserveLike(const TZoClassField& field, std::size_t count) {
+    ListOf(field).reserve(count);
+    inOrder.reserve(inOrder.size() + count);
+}
+
 void TZoClass::PutInOrder() {
     inOrder.clear();
     for (const FieldList* list : {&fields, &fieldsChilds, &fieldsReferences, &fieldsChildLists,
@@ -77,8 +81,11 @@ Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
     TZoClassField& base = *field;
     base.owner = this;
     base.fieldClass = fieldClass;
-    if (fieldClass != nullptr) base.className = fieldClass->GetName();
-    ListOf(base).Add(field);
+    if (fieldClass != nullptr) {
+        base.className = fieldClass->GetName();
+        CheckWhole(base.className, fieldClass->GetName().c_str());
+    }
+    ListOf(base).push_back(holder);
     if (!inOrder.empty() && PlaceOf(*inOrder.back()) > PlaceOf(base)) {
         if (!loading) PutInOrder();
     } else {
@@ -209,7 +216,7 @@ TZoClassField* TZoClass::GetField(int index) {
 int TZoClass::GetFieldCount() const { return static_cast<int>(inOrder.size()); }
 
 unsigned long long TZoClass::GetFieldPointerCount() const {
-    unsigned long long count = fieldsChildMaps.NItems();
+    unsigned long long count = fieldsChildMaps.size();
     ForEachPointerField([&count](const TZoClassField&) { ++count; });
     for (const auto& parent : parents) count += parent->GetFieldPointerCount();
     return count;
@@ -288,7 +295,7 @@ void TZoClass::SaveMetaToStream(TBinOutStream* stream, const Listed* listed) {
         }
         *stream << parent->GetClassId();
     }
-    if (fieldsChildMaps.NItems() != 0) {
+    if (fieldsChildMaps.size() != 0) {
         SaveBlock(stream, fieldsChildMaps, "fieldsChildMaps->NItems() <= MAX_INT_SIZE", listed);
     }
     SaveBlock(stream, fields, "fields->NItems() <= MAX_INT_SIZE", listed);
@@ -300,8 +307,8 @@ void TZoClass::SaveMetaToStream(TBinOutStream* stream, const Listed* listed) {
 
 void TZoClass::SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
                          const Listed* listed) {
-    ZO_ASSERT(list.NItems() <= RecordFormat::MAX_INT_SIZE, countCheck, SOURCE);
-    *stream << static_cast<unsigned>(list.NItems());
+    ZO_ASSERT(list.size() <= RecordFormat::MAX_INT_SIZE, countCheck, SOURCE);
+    *stream << static_cast<unsigned>(list.size());
     for (const auto& field : list) {
         const TZoClass* fieldClass = field->GetFieldClass();
         // A class that the file does not list cannot be looked up in it.
@@ -313,44 +320,7 @@ void TZoClass::SaveBlock(TBinOutStream* stream, const FieldList& list, const cha
     }
 }
 
-void TZoClass::LoadMetaFromStream(TBinInStream* stream) {
-    int marker = 0;
-    *stream >> classId >> name >> abstract >> marker;
-    storedParentIds.clear();
-    loading = true;
-    if (marker == PARENTS_FOLLOW) {
-        int count = 0;
-        *stream >> count;
-        CheckCount(stream->GetRemaining(), count, sizeof(std::int32_t));
-        for (int i = 0; i < count; ++i) {
-            int id = 0;
-            *stream >> id;
-            storedParentIds.push_back(id);
-        }
-    } else {
-        storedParentIds.push_back(marker);
-    }
-    if (LoadBlock(stream) == ftChildPointerMap) LoadBlock(stream);
-    for (int block = 0; block < 4; ++block) LoadBlock(stream);
-    loading = false;
-    PutInOrder();
-}
-
-/// Returns the kind of the block's last entry as it is stored, even when no field was made of it; 0 without
-/// entries.
-int TZoClass::LoadBlock(TBinInStream* stream) {
-    constexpr unsigned SMALLEST_ENTRY = 12;
-    int count = 0;
-    *stream >> count;
-    CheckCount(stream->GetRemaining(), count, SMALLEST_ENTRY);
-    int kind = 0;
-    for (int i = 0; i < count; ++i) {
-        const TZoClassField::Entry entry = TZoClassField::LoadMetaFromStream(stream);
-        kind = entry.kind;
-        AddField(entry.classId, static_cast<TZoClassFieldType>(kind), entry.name);
-    }
-    return kind;
-}
+void TZoClass::LoadMetaFromStream(TBinInStream* stream) { SchemaReader::ReadClass(*stream, *this); }
 
 // Writing
 
@@ -411,102 +381,16 @@ void TZoClass::ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFuncto
 
 // Reading
 
-/// Whether the accessors of a level's application class may be used on objects of this class's application
-/// class: a file may give a class parents that it does not have in the application.
-bool TZoClass::AppliesTo(const TZoClass& level) const {
-    return level.original != nullptr && original != nullptr && original->IsInherited(level.original);
-}
-
-unsigned long long TZoClass::SmallestRecord() const {
-    unsigned long long size = 0;
-    for (const auto& parent : parents) size += parent->SmallestRecord();
-    for (const TZoClassField* field : inOrder) size += FieldKindOf(field->GetFieldType()).smallest;
-    return size;
-}
-
-ReadPlan& TZoClass::PlanFor(TBinInStream& stream) {
-    if (readPlan == nullptr) {
-        readPlan = std::make_unique<ReadPlan>();
-        readPlan->smallestRecord = SmallestRecord();
-    }
-    if (stream.GetRemaining() < readPlan->smallestRecord) ThrowRecordEnds();
-    if (!readPlan->made) {
-        AddSteps(*readPlan, *this);
-        std::unordered_set<const TZoClassField*> later;
-        for (auto step = readPlan->pointers.rbegin(); step != readPlan->pointers.rend(); ++step) {
-            step->last = later.insert(step->application).second;
-            step->single = step->single && step->last;
-        }
-        readPlan->made = true;
-    }
-    return *readPlan;
-}
-
-void TZoClass::AddSteps(ReadPlan& plan, const TZoClass& objectClass) {
-    for (const auto& parent : parents) parent->AddSteps(plan, objectClass);
-    const bool applies = objectClass.AppliesTo(*this);
-    for (TZoClassField* field : inOrder) {
-        TZoClassField* application = applies ? field->original : nullptr;
-        plan.steps.push_back({FieldOffset::NONE, field->GetFieldType(), field, application});
-        if (application != nullptr && field->IsPointerKind()) {
-            auto* target = static_cast<TZoClassFieldPointerBase*>(application);
-            plan.pointers.push_back({FieldCodec::IsReference(*target),
-                                     static_cast<TZoClassFieldPointerBase*>(field), target, true});
-        }
-    }
-}
-
 void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    LoadObject(*stream, stream->GetsDirectly(), true, object);
-}
-
-void TZoClass::LoadObject(TBinInStream& stream, bool direct, bool always, ZoStreamableBase* object) {
-    InstanceTables::ForgetExcluded(stream);
-    ReadPlan& plan = PlanFor(stream);
-    if (always || !plan.pointers.empty()) {
-        stream.UnresolvedPointers().Open(object, stream.GetCurrentUID(), this);
-    }
-    if (!direct) {
-        for (const ReadPlan::Step& step : plan.steps) {
-            FieldCodec::LoadField(VirtualSource{stream}, *step.field, step.application, object);
-        }
-        return;
-    }
-    const std::type_info* type = &typeid(*object);
-    if (plan.exactType == nullptr && original != nullptr && original->type == type) {
-        plan.exactType = type;
-        for (ReadPlan::Step& step : plan.steps) step.offset = FieldOffset::Measure(step.application, object);
-    }
-    const bool exact = plan.exactType == type;
-    const ReadCursor take(stream);
-    for (const ReadPlan::Step& step : plan.steps) {
-        if (exact && step.offset != FieldOffset::NONE) {
-            FieldCodec::LoadMember(take, step.kind, FieldOffset::Apply(object, step.offset));
-        } else {
-            FieldCodec::LoadField(take, *step.field, step.application, object);
-        }
-    }
-    take.Commit();
+    ObjectReader(*stream, ObjectReader::Entries::All).Read(*this, object);
 }
 
 void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object) {
-    for (const ReadPlan::Step& step : PlanFor(*stream).steps) {
-        FieldCodec::LoadField(VirtualSource{*stream}, *step.field, step.application, object);
-    }
+    ObjectReader::ReadFields(*stream, *this, object);
 }
 
 void TZoClass::LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBase* object) {
-    if (readPlan == nullptr) return;
-    for (const ReadPlan::Pointer& pointer : readPlan->pointers) {
-        if (pointer.single) {
-            FieldCodec::ResolveReference(resolver, *pointer.field,
-                                         static_cast<TZoClassFieldPointer&>(*pointer.application), object);
-        } else {
-            resolver.SetPassing(!pointer.last);
-            FieldCodec::Resolve(resolver, *pointer.field, *pointer.application, object);
-            resolver.SetPassing(false);
-        }
-    }
+    ObjectReader::Resolve(*this, resolver, object);
 }
 
 void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members) {

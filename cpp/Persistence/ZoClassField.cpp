@@ -6,6 +6,7 @@
 #include "Persistence/ObjectWriter.h"
 #include "Persistence/PointerResolver.h"
 #include "ZoPrimitives/BinOutStreamer.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
 #include <algorithm>
@@ -68,7 +69,21 @@ void FieldCodec::ThrowDanglingItem(const TZoClassField& field, const ZoStreamabl
                   "SavePointerFunc::operator()");
 }
 
-TZoClassField::TZoClassField(const ZoString& name, TZoClassFieldType kind) : name(name), kind(kind) {}
+namespace {
+
+/// An empty text without a buffer: a schema may hold very many.
+ZoString NoText() {
+    ZoString text;
+    const ZoString buffer(std::move(text));
+    return text;
+}
+
+} // namespace
+
+TZoClassField::TZoClassField(const ZoString& name, TZoClassFieldType kind)
+    : name(name.c_str()[0] == '\0' ? NoText() : name), className(NoText()), kind(kind) {
+    CheckWhole(this->name, name.c_str());
+}
 TZoClassField::~TZoClassField() = default;
 
 bool TZoClassField::IsPointerKind() const { return FieldKindOf(kind).holds != FieldHold::Nothing; }
@@ -104,7 +119,7 @@ void TZoClassFieldValue<T>::SaveToStream(TBinOutStream* stream, TBinOutStreamer*
 
 template <class T>
 void TZoClassFieldValue<T>::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
+    FieldCodec::LoadFileField(*stream, *this, object);
 }
 
 template <class T>
@@ -118,7 +133,7 @@ void TZoClassFieldList<T>::SaveToStream(TBinOutStream* stream, TBinOutStreamer*,
 
 template <class T>
 void TZoClassFieldList<T>::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
+    FieldCodec::LoadFileField(*stream, *this, object);
 }
 
 template class TZoClassFieldValue<int>;
@@ -190,7 +205,7 @@ void TZoClassFieldPointer::LoadPointer(TBinInStream* stream) {
 }
 
 void TZoClassFieldPointer::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
+    FieldCodec::LoadFileField(*stream, *this, object);
 }
 
 void TZoClassFieldPointer::DeleteReferences(ZoStreamableBase* object,
@@ -229,6 +244,46 @@ std::vector<ZoStreamableBase*> ItemsOf(TZoClassField& field, ZoStreamableBase* o
     return items;
 }
 
+/// What `DeleteReferences` asks of each item.
+struct RemovedTest {
+    bool (*isRemoved)(const void*, const ZoStreamableBase*);
+    const void* context;
+    bool operator()(const ZoStreamableBase* item) const {
+        return item != nullptr && isRemoved(context, item);
+    }
+};
+
+/// Holds the items of a list that is emptied and filled again, so that those that go back into it do not end
+/// in between. When that fails, those that no list got back end as with any list that is emptied; the removed
+/// ones are their owner's.
+class HeldItems {
+public:
+    HeldItems(const std::vector<ZoStreamableBase*>& items, const RemovedTest& removed) : removed(removed) {
+        for (const ZoStreamableBase* item : items) {
+            // An item that nobody counts belongs to somebody else.
+            if (item != nullptr && ZoReferenceCount::Count(item) != 0) held.push_back(item);
+        }
+        for (const ZoStreamableBase* item : held) ZoReferenceCount::Add(item);
+    }
+    ~HeldItems() {
+        for (const ZoStreamableBase* item : held) {
+            if (succeeded || removed(item)) {
+                ZoReferenceCount::Surrender(item);
+            } else {
+                ZoReferenceCount::Release(item);
+            }
+        }
+    }
+    HeldItems(const HeldItems&) = delete;
+    HeldItems& operator=(const HeldItems&) = delete;
+    void Succeed() { succeeded = true; }
+
+private:
+    RemovedTest removed;
+    std::vector<const ZoStreamableBase*> held;
+    bool succeeded = false;
+};
+
 } // namespace
 
 void TZoClassFieldPointerList::SavePointers(TBinOutStream* stream, TBinOutStreamer*,
@@ -256,25 +311,23 @@ void TZoClassFieldPointerList::LoadPointers(TBinInStream* stream, ZoStreamableBa
 }
 
 void TZoClassFieldPointerList::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
+    FieldCodec::LoadFileField(*stream, *this, object);
 }
 
 void TZoClassFieldPointerList::DeleteReferences(ZoStreamableBase* object,
                                                 bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                                 const void* context) {
     const std::vector<ZoStreamableBase*> items = ItemsOf(*this, object);
-    bool any = false;
-    for (const ZoStreamableBase* item : items) any = any || (item != nullptr && isRemoved(context, item));
-    if (!any) return;
+    const RemovedTest removed{isRemoved, context};
+    if (std::none_of(items.begin(), items.end(), removed)) return;
     const int first = access.first != nullptr ? access.first(object, this) : 0;
     const int second = access.second != nullptr ? access.second(object, this) : 0;
-    // Emptying the list must not end the items that go back into it.
-    for (const ZoStreamableBase* item : items) ZoReferenceCount::Add(item);
+    HeldItems held(items, removed);
     CreateList(object, 0, first, second);
     for (ZoStreamableBase* item : items) {
-        if (item == nullptr || !isRemoved(context, item)) Add(object, item);
+        if (!removed(item)) Add(object, item);
     }
-    for (const ZoStreamableBase* item : items) ZoReferenceCount::Surrender(item);
+    held.Succeed();
 }
 
 // Maps
@@ -342,7 +395,7 @@ void TZoClassFieldPointerMap::LoadPair(TBinInStream* stream, ZoStreamableBase* o
 }
 
 void TZoClassFieldPointerMap::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    FieldCodec::LoadField(VirtualSource{*stream}, *this, GetOriginal(), object);
+    FieldCodec::LoadFileField(*stream, *this, object);
 }
 
 void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
@@ -358,9 +411,7 @@ void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
     }
     const std::vector<ZoStreamableBase*> gatheredKeys = ItemsOf(*keys, object);
     const std::vector<ZoStreamableBase*> gatheredValues = ItemsOf(*values, object);
-    const auto removed = [&](const ZoStreamableBase* item) {
-        return item != nullptr && isRemoved(context, item);
-    };
+    const RemovedTest removed{isRemoved, context};
     std::vector<std::pair<ZoStreamableBase*, ZoStreamableBase*>> kept;
     const std::size_t count = std::min(gatheredKeys.size(), gatheredValues.size());
     for (std::size_t i = 0; i < count; ++i) {
@@ -369,18 +420,16 @@ void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
         }
     }
     if (kept.size() == count) return;
-    for (const auto* gathered : {&gatheredKeys, &gatheredValues}) {
-        for (const ZoStreamableBase* item : *gathered) ZoReferenceCount::Add(item);
-    }
+    HeldItems heldKeys(gatheredKeys, removed);
+    HeldItems heldValues(gatheredValues, removed);
     keys->CreateList(object, 0, 0, 0);
     values->CreateList(object, 0, 0, 0);
     for (const auto& [keyObject, valueObject] : kept) {
         keys->Add(object, keyObject);
         values->Add(object, valueObject);
     }
-    for (const auto* gathered : {&gatheredKeys, &gatheredValues}) {
-        for (const ZoStreamableBase* item : *gathered) ZoReferenceCount::Surrender(item);
-    }
+    heldKeys.Succeed();
+    heldValues.Succeed();
 }
 
 } // namespace ZoPrimitives

@@ -2,8 +2,8 @@
 
 #include "Persistence/ItemAction.h"
 #include "Persistence/ReadPlan.h"
-#include "Persistence/RecordChecks.h"
 #include "Persistence/RecordFormat.h"
+#include "Persistence/SchemaReader.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinOutStream.h"
 
@@ -13,17 +13,11 @@
 #include <cstring>
 #include <mutex>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 
 namespace ZoPrimitives {
 
 namespace {
-
-// Class levels that one object may walk: repeated parents count each time.
-constexpr unsigned MAX_LEVELS = 1000;
-// The smallest entry of a class: id, name, flag, parents' layout and count, five empty blocks.
-constexpr unsigned SMALLEST_CLASS = 4 + 4 + 1 + 4 + 5 * 4;
 
 std::atomic<bool> writingGenericFile{false};
 
@@ -101,30 +95,53 @@ unsigned ZoNewClassSlot() {
     return ++last;
 }
 
-/// Classes by name and by id. Of equal names the first one is found.
+/// Classes by name and by id. Of equal ones the first is found. Sorted lists: against a hash a file's names
+/// and ids could be chosen.
 class TZoMetaData::TClassNameAndIdMap {
 public:
     void Add(TZoClass* added) {
-        byName.emplace(View(added->GetName()), added);
-        byId.emplace(added->GetClassId(), added);
+        // It stands in both or in neither.
+        if (byId.size() == byId.capacity()) byId.reserve(2 * byId.size() + 8);
+        byName.insert(std::upper_bound(byName.begin(), byName.end(), added, NameIsLess), added);
+        byId.insert(std::upper_bound(byId.begin(), byId.end(), added, IdIsLess), added);
+    }
+    /// Takes the place of what was there.
+    void SetAll(const TIVector<TZoClass, pointer<TZoClass>>& classes) {
+        Clear();
+        byName.reserve(classes.NItems());
+        for (const auto& one : classes) byName.push_back(one.get());
+        byId = byName;
+        std::stable_sort(byName.begin(), byName.end(), NameIsLess);
+        std::stable_sort(byId.begin(), byId.end(), IdIsLess);
     }
     void Clear() {
         byName.clear();
         byId.clear();
     }
-    TZoClass* Find(const ZoString& name) const {
-        const auto found = byName.find(View(name));
-        return found == byName.end() ? nullptr : found->second;
+    TZoClass* Find(std::string_view name) const {
+        const auto found = std::lower_bound(
+            byName.begin(), byName.end(), name,
+            [](const TZoClass* one, std::string_view wanted) { return View(one->GetName()) < wanted; });
+        return found == byName.end() || View((*found)->GetName()) != name ? nullptr : *found;
     }
     TZoClass* Find(int id) const {
-        const auto found = byId.find(id);
-        return found == byId.end() ? nullptr : found->second;
+        const auto found =
+            std::lower_bound(byId.begin(), byId.end(), id,
+                             [](const TZoClass* one, int wanted) { return one->GetClassId() < wanted; });
+        return found == byId.end() || (*found)->GetClassId() != id ? nullptr : *found;
     }
 
 private:
-    std::unordered_map<std::string_view, TZoClass*> byName; // keys lie in the classes
-    std::unordered_map<int, TZoClass*> byId;
+    static bool NameIsLess(const TZoClass* a, const TZoClass* b) {
+        return View(a->GetName()) < View(b->GetName());
+    }
+    static bool IdIsLess(const TZoClass* a, const TZoClass* b) { return a->GetClassId() < b->GetClassId(); }
+
+    std::vector<TZoClass*> byName;
+    std::vector<TZoClass*> byId;
 };
+
+void TZoMetaData::IndexClasses() { index->SetAll(classes); }
 
 TZoClass::~TZoClass() {
     if (slot != 0) Standing().Forget(slot, this);
@@ -174,12 +191,12 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     return newClass;
 }
 
-TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Find(name); }
+TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Find(View(name)); }
 
 TZoClass* TZoMetaData::FindClass(int id) const { return index->Find(id); }
 
 TZoClass* TZoMetaData::FindUnbound(const char* name, const std::type_info& type) const {
-    TZoClass* found = FindClass(ZoString(name));
+    TZoClass* found = index->Find(std::string_view(name));
     // Another type's accessors must not meet this one's objects.
     return found == nullptr || found->type == nullptr || *found->type == type ? found : nullptr;
 }
@@ -388,83 +405,7 @@ void TZoMetaData::SaveClasses(TBinOutStream* stream, const std::vector<TZoClass*
 
 bool TZoMetaData::LoadFromStream(TBinInStream* stream, TZoMetaData* application) {
     Clear();
-    int count = 0;
-    *stream >> count;
-    CheckCount(stream->GetRemaining(), count, SMALLEST_CLASS);
-    for (int i = 0; i < count; ++i) {
-        const pointer<TZoClass> read(new TZoClass(this, nullptr, "", nullptr, false, nullptr));
-        read->LoadMetaFromStream(stream);
-        if (read->classId <= 0 || index->Find(read->classId) != nullptr) return false;
-        NoteId(read->classId);
-        classes.Add(read.get());
-        index->Add(read.get());
-    }
-    if (stream->GetRecordPosition() > stream->GetRecordSize()) return false;
-    if (LinkClasses(application)) return true;
-    // Parents are counted references: classes among their own ancestors would hold each other for ever.
-    for (const auto& read : classes) read->parents.RemoveAll();
-    return false;
-}
-
-bool TZoMetaData::LinkClasses(const TZoMetaData* application) {
-    for (const auto& linked : classes) {
-        linked->parents.RemoveAll();
-        for (const int id : linked->storedParentIds) {
-            if (id == 0) continue;
-            TZoClass* parent = FindClass(id);
-            if (parent == nullptr) return false;
-            linked->parents.Add(parent);
-        }
-    }
-    if (!LevelsAreSound()) return false;
-    for (const auto& linked : classes) {
-        linked->SetOriginal(application == nullptr ? nullptr : application->FindClass(linked->GetName()));
-        bool known = true;
-        linked->ForEachPointerField([&](TZoClassField& field) {
-            if (field.fieldClassId == 0) return;
-            field.fieldClass = FindClass(field.fieldClassId);
-            known = known && field.fieldClass != nullptr;
-        });
-        if (!known) return false;
-    }
-    return true;
-}
-
-/// Whether no class is its own ancestor and the levels of each are few enough.
-bool TZoMetaData::LevelsAreSound() const {
-    enum : unsigned { Unknown = 0, Open = UINT_MAX };
-    std::unordered_map<const TZoClass*, unsigned> levels;
-    std::vector<const TZoClass*> stack;
-    for (const auto& root : classes) {
-        if (levels[root.get()] == Unknown) stack.push_back(root.get());
-        while (!stack.empty()) {
-            const TZoClass* top = stack.back();
-            unsigned& own = levels[top];
-            if (own != Unknown && own != Open) {
-                stack.pop_back();
-                continue;
-            }
-            const bool parentsDone = own == Open;
-            own = Open;
-            unsigned long long sum = 1;
-            for (const auto& parent : top->parents) {
-                const unsigned parentLevels = levels[parent.get()];
-                if (parentLevels == Unknown) {
-                    stack.push_back(parent.get());
-                } else if (parentLevels == Open) {
-                    return false;
-                } else {
-                    sum += parentLevels;
-                }
-            }
-            if (sum > MAX_LEVELS) return false;
-            if (stack.back() == top || parentsDone) {
-                levels[top] = static_cast<unsigned>(sum);
-                stack.pop_back();
-            }
-        }
-    }
-    return true;
+    return SchemaReader(*this, application).Read(*stream);
 }
 
 void TZoMetaData::FillObjectsCascade(TDVector<ZoStreamableBase*>* objects) {

@@ -14,6 +14,8 @@ namespace {
 // balanced number of holds brings the count back to zero.
 constexpr std::uint32_t DYING = 0x80000000u;
 
+constexpr std::uintptr_t KEPT = 1; // objects lie at even addresses
+
 thread_local std::vector<const ZoObject*>* waiting = nullptr;
 thread_local DestructionHold* innermostHold = nullptr;
 } // namespace
@@ -24,30 +26,70 @@ bool ZoObject::operator==(const ZoObject& other) const { return this == &other; 
 
 bool ZoObject::operator!=(const ZoObject& other) const { return !(*this == other); }
 
-DestructionHold::DestructionHold() : outer(innermostHold) { innermostHold = this; }
-
-DestructionHold::~DestructionHold() {
-    End([](const ZoObject*) { return false; });
+DestructionHold::DestructionHold(const KeptObjects& kept) noexcept : kept(kept), outer(innermostHold) {
+    innermostHold = this;
 }
 
-std::vector<const ZoObject*> DestructionHold::Lift() {
-    if (!standing) return {};
+void DestructionHold::End() noexcept {
+    if (!standing) return;
     standing = false;
     innermostHold = outer;
-    std::sort(noted.begin(), noted.end());
-    noted.erase(std::unique(noted.begin(), noted.end()), noted.end());
-    return std::exchange(noted, {});
+    std::vector<std::uintptr_t> objects = std::move(noted);
+    std::sort(objects.begin(), objects.end());
+    objects.erase(std::unique(objects.begin(), objects.end()), objects.end());
+    class Mark final : public KeptObjects::Action {
+    public:
+        explicit Mark(std::vector<std::uintptr_t>& sorted) : all(sorted) {}
+        void operator()(const ZoObject* object) override {
+            const auto address = reinterpret_cast<std::uintptr_t>(object);
+            const auto found = std::lower_bound(all.begin(), all.end(), address);
+            if (found != all.end() && *found == address) *found |= KEPT;
+        }
+
+    private:
+        std::vector<std::uintptr_t>& all;
+    };
+    Mark mark(objects);
+    if (!objects.empty()) kept.ForEach(mark);
+    const auto forTheOthers = [&objects](void (*act)(const ZoObject*)) {
+        for (const std::uintptr_t address : objects) {
+            if ((address & KEPT) == 0) act(reinterpret_cast<const ZoObject*>(address));
+        }
+    };
+    // Held first, so that none goes with another before its turn.
+    forTheOthers([](const ZoObject* object) { ZoReferenceCount::Add(object); });
+    forTheOthers([](const ZoObject* object) { ZoReferenceCount::Release(object); });
+}
+
+bool DestructionHold::Knows(const ZoObject* object) const noexcept {
+    class Search final : public KeptObjects::Action {
+    public:
+        explicit Search(const ZoObject* object) : wanted(object) {}
+        void operator()(const ZoObject* one) override { found = found || one == wanted; }
+        const ZoObject* wanted;
+        bool found = false;
+    };
+    if (std::find(noted.begin(), noted.end(), reinterpret_cast<std::uintptr_t>(object)) != noted.end())
+        return true;
+    Search search(object);
+    kept.ForEach(search);
+    return search.found;
+}
+
+bool DestructionHold::Takes(const ZoObject* object) noexcept {
+    try {
+        noted.push_back(reinterpret_cast<std::uintptr_t>(object));
+        return true;
+    } catch (const std::bad_alloc&) {
+        for (const DestructionHold* hold = this; hold != nullptr; hold = hold->outer) {
+            if (hold->Knows(object)) return true;
+        }
+        return false;
+    }
 }
 
 void ZoReferenceCount::Destroy(const ZoObject* object) noexcept {
-    if (innermostHold != nullptr) {
-        try {
-            innermostHold->noted.push_back(object);
-        } catch (const std::bad_alloc&) {
-            // Better never ended than ended too early.
-        }
-        return;
-    }
+    if (innermostHold != nullptr && innermostHold->Takes(object)) return;
     object->references = DYING;
     if (waiting != nullptr) {
         try {

@@ -173,7 +173,7 @@ public:
     /// Makes room for as many objects as the header counts, where the data that is left could hold them.
     void ReserveInstances();
     /// Forgets all objects read and everything about them, without deleting any.
-    void ForgetInstances();
+    void ForgetInstances() noexcept;
 
 protected:
     static unsigned GetSecurityKey(unsigned stored);

@@ -3,11 +3,12 @@
 #include "ZoPrimitives/ZoMetaData.h"
 
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 namespace ZoPrimitives {
 
+class MadeObjects;
+class ObjectReader;
 class TBinInStream;
 
 /// Reads what `TBinOutStreamer` wrote: one object for each record, with its fields filled through the file's
@@ -65,30 +66,26 @@ public:
 private:
     friend class TFilteredBinInStreamer;
     struct Use;
-    class Made;
-    class Values;
+    class Uses;
 
     /// Throws with one of the locations when there is no schema record, or when it contradicts itself.
     void LoadSchema(const char* noRecord, const char* noSchema);
     /// `classIds`, rising: reads the records of these classes only; null: all.
     void ReadRecords(const std::vector<int>* classIds);
     const Use& UseOf(int classId);
+    void Decide(Use& use);
     bool IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues);
-    void Remove(const TDList<ZoStreamableBase*>& invalid);
-    void ReadRecord(int uid, int classId, Made& made);
-    void Resolve(Made& made);
-    void Validate(Made& made);
+    void ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made);
+    void Resolve(MadeObjects& made);
+    void Validate(MadeObjects& made);
 
     TBinInStream* stream;
     TZoMetaData* schema;
     TZoMetaData fileSchema;
     TIList<TZoClass, pointer<TZoClass>> unknown;
-    std::vector<std::unique_ptr<Use>> uses; // by class id
-    std::unordered_map<int, std::unique_ptr<Use>> rareUses;
-    bool direct = false;       // the stream's values are taken without virtual calls
-    bool entryForEach = false; // an entry for the resolving even where nothing is to resolve
-    bool plain = false;        // no operation of this streamer is overridden
-    bool filtered = false;     // some classes only: what hangs together may not be there
+    std::unique_ptr<Uses> uses;
+    bool plain = false;    // no operation of this streamer is overridden
+    bool filtered = false; // some classes only: what hangs together may not be there
 };
 
 } // namespace ZoPrimitives

@@ -44,11 +44,8 @@ public:
     const TBinUnresolved* Find(int uid) const;
     std::vector<TBinUnresolved>& Entries() { return entries; }
     const std::int32_t* Uids() const { return uids; }
-    void Reserve(std::size_t entryCount, std::size_t uidCount) {
-        entries.reserve(entryCount);
-        if (uidCount > capacity) Grow(uidCount);
-    }
-    void Clear();
+    void Reserve(std::size_t entryCount) { entries.reserve(entryCount); }
+    void Clear() noexcept;
 
     TBinUnresolvedPointers(const TBinUnresolvedPointers&) = delete;
     TBinUnresolvedPointers& operator=(const TBinUnresolvedPointers&) = delete;

@@ -37,6 +37,8 @@ public:
     TZoMetaData* GetFileMetaData() { return reader.GetFileMetaData(); }
 
 private:
+    void TakeObjects();
+
     TBinInStreamer reader;
     TDList<ZoString> names;
     TDList<ZoStreamablePointer> objects;

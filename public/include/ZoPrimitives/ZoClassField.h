@@ -147,6 +147,7 @@ protected:
 
 private:
     friend class FieldOffset;
+    friend class SchemaReader;
     friend class SchemaWalk;
     friend class TZoClass;
     friend class TZoClassFieldPointerMap;
@@ -262,8 +263,6 @@ private:
     friend class TZoPointerResolver;
 
     TZoTypeTest typeTest = nullptr;
-    // Of a file's field, which belongs to one reading: the types that the application's field took last.
-    const std::type_info* accepted[2] = {nullptr, nullptr};
 };
 
 /// A pointer to one object: owned, by value, or a reference. Another kind fails an assertion.

@@ -182,34 +182,41 @@ private:
     friend class TZoMetaData;
     friend struct ZoMadeFor;
     friend class RecordOrder;
+    friend class ObjectReader;
+    friend class ObjectRemoval;
+    friend class SchemaReader;
     friend class SchemaWalk;
+    friend struct ReadPlan;
     friend class TBinInStreamer;
     friend class TBinOutStreamer;
 
-    using FieldList = Fields;
+    using FieldList = std::vector<pointer<TZoClassField>>;
 
     template <class Field>
     Field* Adopt(Field* field, TZoClass* fieldClass);
     void PutInOrder();
     FieldList& ListOf(const TZoClassField& field);
+    /// Makes room for so many fields in all of the kind of this one.
+    void ReserveLike(const TZoClassField& field, std::size_t count);
     using Listed = std::vector<const TZoClass*>; // the classes of the schema that is written, sorted
 
     void SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
                    const Listed* listed);
     void SaveMetaToStream(TBinOutStream* stream, const Listed* listed);
-    int LoadBlock(TBinInStream* stream);
     template <class Action>
     void ForEachMember(Action action) const;
     bool HasValueChildren() const;
     /// Whether the class is another schema's.
     bool BelongsElsewhere(const TZoMetaData* here) const { return schema != here && schema != nullptr; }
 
-    bool AppliesTo(const TZoClass& level) const;
-    ReadPlan& PlanFor(TBinInStream& stream);
-    void AddSteps(ReadPlan& plan, const TZoClass& objectClass);
-    unsigned long long SmallestRecord() const;
-    /// `always`: an entry for the resolving is opened even when there is nothing to resolve.
-    void LoadObject(TBinInStream& stream, bool direct, bool always, ZoStreamableBase* object);
+    /// What a record of the class holds, ancestors' levels included: at least so many bytes, so many fields.
+    struct Extent {
+        bool known = false;
+        unsigned fields = 0;
+        unsigned pointers = 0;
+        unsigned long long bytes = 0;
+    };
+    const Extent& RecordExtent() const;
     void FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members);
 
     template <class Action>
@@ -226,6 +233,7 @@ private:
     bool abstract = false;
     bool parentMissing = false;
     std::unique_ptr<ReadPlan> readPlan; // of a class read from a file
+    mutable Extent extent;
     unsigned hooks = ~0u;
     bool loading = false; // fields are put in order at the end
     Parents parents;
@@ -336,6 +344,7 @@ public:
     void FillObjectsCascade(TDVector<ZoStreamableBase*>* objects);
 
 private:
+    friend class SchemaReader;
     friend class TBinOutStreamer;
     friend class TZoClass;
     class TClassNameAndIdMap;
@@ -343,13 +352,12 @@ private:
     static void SaveClasses(TBinOutStream* stream, const std::vector<TZoClass*>& written);
 
     TZoClass* FindUnbound(const char* name, const std::type_info& type) const;
-    bool LinkClasses(const TZoMetaData* application);
+    void IndexClasses();
     void Unbind(TZoClass* leaving);
     void ForgetUnresolved(const TZoClass* leaving);
     int NewId() const;
     /// Moves the next id behind one that is in use.
     void NoteId(int id);
-    bool LevelsAreSound() const;
 
     TIVector<TZoClass, pointer<TZoClass>> classes;
     TIVector<TZoCadastre, pointer<TZoCadastre>> cadastres;

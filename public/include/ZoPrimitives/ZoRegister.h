@@ -38,6 +38,7 @@
 #include "ZoPrimitives/dvector.h"
 
 #include <cstddef>
+#include <new>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -115,6 +116,26 @@ ZO_LIST_FIELD(double, Double, "list<double>")
 ZO_LIST_FIELD(ZoString, String, "list<ZoString>")
 #undef ZO_VALUE_FIELD
 #undef ZO_LIST_FIELD
+
+// What the macros' accessors do with the members that hold values. A text that finds no memory throws
+// `std::bad_alloc` instead of getting lost.
+
+template <class T>
+void ZoAssign(T& member, const T& value) {
+    member = value;
+}
+inline void ZoAssign(ZoString& member, const ZoString& value) {
+    member = value;
+    if (value.c_str()[0] != '\0' && member.c_str()[0] == '\0') throw std::bad_alloc();
+}
+template <class T>
+void ZoAddValue(TDVector<T>& list, const T& value) {
+    list.Add(value);
+}
+inline void ZoAddValue(TDVector<ZoString>& list, const ZoString& value) {
+    list.Add(ZoString());
+    ZoAssign(list.Last(), value);
+}
 
 // What the macros' accessors do with the members that hold pointers.
 
@@ -428,7 +449,7 @@ public:                                                                         
     Type field{};                                                                                            \
     static void Set##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
                            ::ZoPrimitives::TZoParameter<Type> value) {                                       \
-        ::ZoPrimitives::ZoSelf<ZoClass>(object).field = value;                                               \
+        ::ZoPrimitives::ZoAssign(::ZoPrimitives::ZoSelf<ZoClass>(object).field, value);                      \
     }                                                                                                        \
     static ::ZoPrimitives::TZoParameter<Type> Get##field(::ZoPrimitives::ZoStreamableBase* object,           \
                                                          ::ZoPrimitives::TZoClassField*) {                   \
@@ -449,7 +470,7 @@ public:                                                                         
     ::ZoPrimitives::TDVector<Type> field;                                                                    \
     static void Add##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
                            ::ZoPrimitives::TZoParameter<Type> value) {                                       \
-        ::ZoPrimitives::ZoSelf<ZoClass>(object).field.Add(value);                                            \
+        ::ZoPrimitives::ZoAddValue(::ZoPrimitives::ZoSelf<ZoClass>(object).field, value);                    \
     }                                                                                                        \
     static ::ZoPrimitives::TZoParameter<Type> ElementAt##field(::ZoPrimitives::ZoStreamableBase* object,     \
                                                                ::ZoPrimitives::TZoClassField*, int index) {  \

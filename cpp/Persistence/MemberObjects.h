@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Persistence/MadeObjects.h"
+#include "Persistence/PointerResolver.h"
+#include "ZoPrimitives/BinInStream.h"
+
+#include <cstddef>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace ZoPrimitives {
+
+/// Copies the objects that were read for members of others into their owners, owners first, and lets the
+/// members stand for them.
+class MemberObjects final : private ValueTaker {
+public:
+    MemberObjects(TBinInStream& stream, MadeObjects& made) : stream(stream), made(made) {}
+
+    void Run();
+
+private:
+    void TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) override;
+    void Copy(TZoClassFieldPointer& field, ZoStreamableBase* owner, ZoStreamableBase* value,
+              std::size_t entry);
+    void Walk(std::size_t entry);
+    std::size_t EntryOf(int uid) const;
+    void MoveInvalidToOwners();
+
+    static constexpr std::size_t NOBODY = static_cast<std::size_t>(-1);
+
+    TBinInStream& stream;
+    MadeObjects& made;
+    bool collecting = false;
+    std::size_t walked = 0;                         // entry
+    std::vector<std::pair<int, std::size_t>> byUid; // entries, rising
+    std::vector<std::size_t> claims;                // by entry: the entry that takes it first
+    std::unordered_map<const ZoStreamableBase*, ZoStreamableBase*> owners;
+    std::vector<const ZoStreamableBase*> taken;
+    std::vector<std::size_t> waiting;
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/ZoMetaData.h"
+
+namespace ZoPrimitives {
+
+/// Reads a stream's records into objects through the file's classes, and hands the objects that pointers name
+/// to their fields afterwards.
+class ObjectReader {
+public:
+    /// Which objects get an entry for the resolving of pointers.
+    enum class Entries { All, WithPointers };
+
+    ObjectReader(TBinInStream& stream, Entries entries)
+        : stream(stream), direct(stream.GetsDirectly()), entries(entries) {}
+
+    /// Reads the current record; `fileClass` is the file's class of the object.
+    void Read(TZoClass& fileClass, ZoStreamableBase* object) const;
+    /// Reads the fields through the stream's virtual operations, without an entry.
+    static void ReadFields(TBinInStream& stream, TZoClass& fileClass, ZoStreamableBase* object);
+    static void Resolve(const TZoClass& fileClass, TZoPointerResolver& resolver, ZoStreamableBase* object);
+
+private:
+    template <class Source>
+    static void ReadLevels(const Source& take, TZoClass& level, const TZoClass& objectClass,
+                           ZoStreamableBase* object);
+
+    TBinInStream& stream;
+    bool direct; // values are taken without virtual calls
+    Entries entries;
+};
+
+} // namespace ZoPrimitives

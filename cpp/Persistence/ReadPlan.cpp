@@ -1,0 +1,88 @@
+#include "Persistence/ReadPlan.h"
+
+#include "Persistence/FieldCodec.h"
+#include "Persistence/FieldKinds.h"
+#include "Persistence/FieldOffset.h"
+#include "Persistence/RecordChecks.h"
+
+#include <climits>
+#include <memory>
+#include <unordered_set>
+
+namespace ZoPrimitives {
+
+namespace {
+constexpr unsigned MOST_STEPS = 4096;
+} // namespace
+
+/// Adds up what the class and its ancestors hold, each level once.
+const TZoClass::Extent& TZoClass::RecordExtent() const {
+    if (extent.known) return extent;
+    Extent sum{true, static_cast<unsigned>(inOrder.size()), 0, 0};
+    for (const TZoClassField* field : inOrder) {
+        sum.bytes += FieldKindOf(field->GetFieldType()).smallest;
+        if (field->IsPointerKind()) ++sum.pointers;
+    }
+    for (const auto& parent : parents) {
+        const Extent& inherited = parent->RecordExtent();
+        sum.bytes += inherited.bytes;
+        sum.fields += inherited.fields;
+        sum.pointers += inherited.pointers;
+    }
+    return extent = sum;
+}
+
+bool ReadPlan::Applies(const TZoClass& level, const TZoClass& objectClass) {
+    return level.original != nullptr && objectClass.original != nullptr &&
+           objectClass.original->IsInherited(level.original);
+}
+
+ReadPlan& ReadPlan::For(TZoClass& fileClass, TBinInStream& stream) {
+    const TZoClass::Extent& extent = fileClass.RecordExtent();
+    if (stream.GetRemaining() < extent.bytes) ThrowRecordEnds();
+    if (fileClass.readPlan != nullptr) return *fileClass.readPlan;
+    auto plan = std::make_unique<ReadPlan>();
+    plan->hasSteps = extent.fields <= MOST_STEPS;
+    if (plan->hasSteps) plan->steps.reserve(extent.fields);
+    plan->pointers.reserve(extent.pointers);
+    plan->AddLevel(fileClass, fileClass);
+    std::unordered_set<const TZoClassField*> later;
+    for (auto pointer = plan->pointers.rbegin(); pointer != plan->pointers.rend(); ++pointer) {
+        pointer->last = later.insert(pointer->application).second;
+        pointer->single = pointer->single && pointer->last;
+    }
+    fileClass.readPlan = std::move(plan);
+    return *fileClass.readPlan;
+}
+
+void ReadPlan::AddLevel(TZoClass& level, const TZoClass& objectClass) {
+    for (const auto& parent : level.parents) {
+        if (parent->RecordExtent().fields != 0) AddLevel(*parent, objectClass);
+    }
+    const bool applies = Applies(level, objectClass);
+    for (TZoClassField* field : level.inOrder) {
+        TZoClassField* application = applies ? field->GetOriginal() : nullptr;
+        if (application == nullptr) ++excluded;
+        TZoClassField* used = application != nullptr ? application : field;
+        if (hasSteps) {
+            steps.push_back({used, FieldOffset::NONE, static_cast<std::int16_t>(used->GetFieldType()),
+                             application != nullptr});
+        }
+        if (application != nullptr && field->IsPointerKind()) {
+            pointers.push_back({static_cast<TZoClassFieldPointerBase*>(application),
+                                {},
+                                FieldCodec::IsReference(*application),
+                                true});
+        }
+    }
+}
+
+void ReadPlan::Measure(ZoStreamableBase* object) {
+    exactType = &typeid(*object);
+    for (Step& step : steps) {
+        const std::ptrdiff_t offset = FieldOffset::Measure(step.known ? step.field : nullptr, object);
+        step.offset = offset <= INT_MAX ? static_cast<std::int32_t>(offset) : FieldOffset::NONE;
+    }
+}
+
+} // namespace ZoPrimitives

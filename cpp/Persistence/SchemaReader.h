@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ZoPrimitives/ZoMetaData.h"
+
+#include <utility>
+#include <vector>
+
+namespace ZoPrimitives {
+
+/// Reads a schema record into an empty schema, checks it and links its classes to the application's.
+class SchemaReader {
+public:
+    /// `application` may be null.
+    SchemaReader(TZoMetaData& schema, const TZoMetaData* application)
+        : schema(schema), application(application) {}
+
+    /// False when the schema contradicts itself; no class has parents then.
+    bool Read(TBinInStream& stream);
+    /// Reads the entry of one class.
+    static void ReadClass(TBinInStream& stream, TZoClass& read);
+
+private:
+    using Position = unsigned; // of a class in the schema, from 0
+
+    bool ReadClasses(TBinInStream& stream);
+    bool FindParents();
+    static int ReadBlock(TBinInStream& stream, TZoClass& read);
+    bool LevelsAreSound() const;
+    void LinkParents();
+    bool LinkFields();
+    TZoClass* ClassAt(Position position) const { return schema.classes[position + 1ULL].get(); }
+    const std::pair<int, Position>* Find(int id) const;
+
+    TZoMetaData& schema;
+    const TZoMetaData* application;
+    std::vector<std::pair<int, Position>> byId; // rising
+    // The parents of all classes, one class after the other, and where each class's begin.
+    std::vector<Position> parents;
+    std::vector<Position> firstParent;
+};
+
+} // namespace ZoPrimitives

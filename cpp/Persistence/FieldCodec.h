@@ -337,12 +337,14 @@ private:
         const ListHead head(take, false, false, STORED_SIZE<T>);
         list.RemoveAll();
         list.Reserve(static_cast<unsigned long long>(head.count));
+        [[maybe_unused]] const T nothing{};
         for (int i = 0; i < head.count; ++i) {
-            T value{};
-            LoadValue(take, value);
-            if constexpr (std::is_same_v<T, ZoString>) {
-                AddWhole(list, value);
+            if constexpr (std::is_class_v<T>) { // read where it stays: a copy of a text could get lost
+                list.TDVector<T>::Add(nothing);
+                LoadValue(take, list.Last());
             } else {
+                T value{};
+                LoadValue(take, value);
                 list.TDVector<T>::Add(value);
             }
         }

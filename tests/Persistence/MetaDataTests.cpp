@@ -222,16 +222,17 @@ TEST(SchemaRecord, LeavesItsIdsTaken) {
 }
 
 TEST(SchemaRecord, RefusesCountsThatItCannotHold) {
-    const std::string corrupt = "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre";
+    const std::string corrupt = "Tamanho de registro corrompido @ ";
     const auto head = [] { return Payload().Int(1).Int(1).Text("C").Bool(false); };
     struct Case {
         const char* name;
         Payload schema;
+        const char* location = "TZoClass::LoadMetaFromStream";
     };
     const Payload rest = Payload().Ints({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
     const Case cases[] = {
-        {"negative number of classes", Payload().Int(-1).Add(rest)},
-        {"more classes than bytes", Payload().Int(2'000'000'000).Add(rest)},
+        {"negative number of classes", Payload().Int(-1).Add(rest), "TZoMetaData::LoadFromStream"},
+        {"more classes than bytes", Payload().Int(2'000'000'000).Add(rest), "TZoMetaData::LoadFromStream"},
         {"negative number of parents", head().Ints({-1, -1}).Add(rest)},
         {"more parents than bytes", head().Ints({-1, 2'147'483'647}).Add(rest)},
         {"negative number of fields", head().Ints({-1, 0, -2}).Add(rest)},
@@ -240,7 +241,7 @@ TEST(SchemaRecord, RefusesCountsThatItCannotHold) {
     };
     for (const Case& tested : cases) {
         SCOPED_TRACE(tested.name);
-        EXPECT_EQ(FailureOf([&] { LoadedSchema loaded(tested.schema); }), corrupt);
+        EXPECT_EQ(FailureOf([&] { LoadedSchema loaded(tested.schema); }), corrupt + tested.location);
     }
     EXPECT_EQ(FailureOf([&] {
                   LoadedSchema loaded(Payload().Ints({1, 1}).Int(-1).Add(rest));

@@ -35,7 +35,7 @@ public:
     /// arquivo " and the name.
     void OpenFile();
 
-    /// Raw bytes. True when at least one came (or none were asked for). A derived class that overrides it is
+    /// Raw bytes. True when all came; without the file in memory when at least one did, or none were asked for. A derived class that overrides it is
     /// asked for every byte, header included.
     bool Read(void* data, unsigned size, unsigned& done) override;
     /// The whole file as it lies in memory, `size` in bytes, until the stream is initialised anew or

@@ -1,0 +1,278 @@
+#include "support/EveryKind.h"
+#include "support/FakeClipboard.h"
+#include "support/Memory.h"
+#include "support/TemporaryFolder.h"
+
+#include "ZoPrimitives/ClipboardBinInStream.h"
+#include "ZoPrimitives/ClipboardBinOutStream.h"
+#include "ZoPrimitives/FileBinInStream.h"
+#include "ZoPrimitives/FileBinOutStream.h"
+#include "ZoPrimitives/FilteredBinInStreamer.h"
+#include "ZoPrimitives/ZoStreamablePrimitives.h"
+
+#include <memory>
+#include <new>
+#include <optional>
+
+using namespace ZoPrimitives;
+using namespace ZoPrimitives::Testing;
+
+// Every allocation fails in turn, once and for good: an operation ends with the documented exception, or it
+// does all that it does with memory.
+
+namespace {
+
+/// Objects that are removed for what they say of themselves, among them a member and what others own.
+class Doubtful : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Doubtful)
+    DECLARE_ZO_FIELD(ZoString, name)
+    DECLARE_ZO_FIELD_CHILD_VALUE(app::Leaf, member)
+    DECLARE_ZO_FIELD_CHILD(Doubtful, child)
+    DECLARE_ZO_FIELD_CHILD_LIST(Doubtful, children)
+    DECLARE_ZO_FIELD_CHILD_MAP(app::Leaf, Doubtful, map)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(Doubtful, references)
+    REGISTER_ZO_END
+    Doubtful() = default;
+    explicit Doubtful(const char* text) : name(text) {}
+    bool GetIsValid() const override { return name != "invalid"; }
+
+private:
+    Alive alive;
+};
+
+/// One operation on what it holds.
+class Trial {
+public:
+    virtual ~Trial() = default;
+    /// With memory refused.
+    virtual void Run() = 0;
+    /// What `Run` did.
+    virtual std::string Outcome() = 0;
+    /// What must hold after a failure too.
+    virtual void Check() {}
+};
+
+class Model {
+public:
+    Model() {
+        app::RegisterEveryKind(schema);
+        Doubtful::Register(&schema);
+        root.Fill(outside);
+        root.strings.Add("a text too long for any short cut");
+        root.aString = "another text that is long enough";
+        everyKind = Save(schema, &root);
+        Doubtful top("top");
+        for (const char* text : {"kept", "invalid", "kept too"}) top.children.Add(new Doubtful(text));
+        top.children[2]->child = new Doubtful("below");
+        top.children[2]->children.Add(top.children[1].get());
+        top.map.Append(new app::Leaf(1), new Doubtful("invalid"));
+        top.map.Append(new app::Leaf(2), new Doubtful("in a map"));
+        top.references.Add(top.children[2].get());
+        top.references.Add(top.children[3].get());
+        doubtful = Save(schema, &top);
+    }
+    TZoMetaData schema;
+    app::Leaf outside{99};
+    app::EveryKind root;
+    std::string everyKind;
+    std::string doubtful;
+    FakeClipboard clipboard;
+    InstalledServices services{clipboard};
+    TemporaryFolder folder;
+    const std::string path = folder.Path("model.zo");
+};
+
+/// A stream whose values come through its virtual operations.
+class IndirectStream : public TMemoryBinInStream {
+public:
+    using TMemoryBinInStream::TMemoryBinInStream;
+    bool GetsDirectly() const override { return false; }
+};
+
+class Opening : public Trial {
+public:
+    using Make = std::function<std::unique_ptr<TBinInStream>(Model&)>;
+    Opening(Model& model, Make make) : model(model), make(std::move(make)) {}
+    ~Opening() override { Check(); }
+    void Run() override {
+        stream = make(model);
+        streamer.emplace(stream.get(), &model.schema);
+        root = streamer->ReadObjects();
+    }
+    std::string Outcome() override {
+        TMemoryBinOutStream out;
+        out.Initialize();
+        TBinOutStreamer writer(&out, &model.schema);
+        writer.WriteObjectMetaData(root);
+        writer.WriteObject(root);
+        return BytesOf(out);
+    }
+    void Check() override {
+        if (stream != nullptr) stream->TakeObjects(&objects);
+    }
+
+protected:
+    Model& model;
+    Make make;
+    std::unique_ptr<TBinInStream> stream;
+    std::optional<TBinInStreamer> streamer;
+    ZoStreamableBase* root = nullptr;
+    TIVector<ZoStreamableBase> objects;
+};
+
+class OpeningFiltered : public Opening {
+public:
+    using Opening::Opening;
+    void Run() override {
+        stream = make(model);
+        TDList<ZoString> names;
+        names.Add("Leaf with a name that is not there");
+        names.Add("EveryKind");
+        reader.emplace(stream.get(), &model.schema, &names);
+        reader->Read();
+    }
+    std::string Outcome() override {
+        std::string all;
+        for (ZoStreamableBase* object : reader->GetObjects())
+            all += Text(dynamic_cast<app::EveryKind&>(*object).aString) + "|";
+        return all;
+    }
+
+private:
+    std::optional<TFilteredBinInStreamer> reader;
+};
+
+class Saving : public Trial {
+public:
+    explicit Saving(Model& model) : model(model) {}
+
+protected:
+    void Write(TBinOutStream& out) {
+        TBinOutStreamer streamer(&out, &model.schema);
+        streamer.WriteObjectMetaData(&model.root);
+        streamer.WriteObject(&model.root);
+    }
+    Model& model;
+};
+
+class SavingInMemory : public Saving {
+public:
+    using Saving::Saving;
+    void Run() override {
+        out.Initialize();
+        Write(out);
+    }
+    std::string Outcome() override { return BytesOf(out); }
+
+private:
+    TMemoryBinOutStream out;
+};
+
+class SavingOnClipboard : public Saving {
+public:
+    using Saving::Saving;
+    void Run() override {
+        TClipboardBinOutStream out;
+        out.Initialize();
+        Write(out);
+        out.Finalize();
+    }
+    std::string Outcome() override { return model.clipboard.block.value_or(""); }
+};
+
+std::unique_ptr<TBinInStream> InMemory(const std::string& bytes) {
+    return CreateMemoryBinInStream(bytes.data(), bytes.size(), 9999);
+}
+
+struct Operation {
+    const char* name;
+    std::function<std::unique_ptr<Trial>(Model&)> make;
+};
+
+std::vector<Operation> Operations() {
+    const auto opening = [](Opening::Make make) {
+        return [make](Model& model) { return std::make_unique<Opening>(model, make); };
+    };
+    const auto ofMemory = [](Model& model) { return InMemory(model.everyKind); };
+    return {
+        {"open in memory", opening(ofMemory)},
+        {"open through virtual operations", opening([](Model& model) -> std::unique_ptr<TBinInStream> {
+             auto stream =
+                 std::make_unique<IndirectStream>(model.everyKind.data(), model.everyKind.size(), 9999);
+             stream->Initialize();
+             return stream;
+         })},
+        {"open a file", opening([](Model& model) -> std::unique_ptr<TBinInStream> {
+             auto stream = std::make_unique<TFileBinInStream>(model.path.c_str(), true);
+             stream->Initialize();
+             return stream;
+         })},
+        {"open what lies on the clipboard", opening([](Model& model) -> std::unique_ptr<TBinInStream> {
+             if (!model.clipboard.block) model.clipboard.block = model.everyKind;
+             auto stream = std::make_unique<TClipboardBinInStream>(9999);
+             stream->Initialize();
+             return stream;
+         })},
+        {"open with objects that are removed",
+         opening([](Model& model) { return InMemory(model.doubtful); })},
+        {"open filtered",
+         [ofMemory](Model& model) { return std::make_unique<OpeningFiltered>(model, ofMemory); }},
+        {"save in memory", [](Model& model) { return std::make_unique<SavingInMemory>(model); }},
+        {"save on the clipboard", [](Model& model) { return std::make_unique<SavingOnClipboard>(model); }},
+    };
+}
+
+/// What the operation does with the allocation of that number refused; the exception that it ended with.
+std::string Attempt(const Operation& operation, Model& model, long long number, bool forGood, bool& refused) {
+    model.clipboard.log.clear();
+    const std::unique_ptr<Trial> trial = operation.make(model);
+    std::string failure;
+    {
+        const Memory::Shortage shortage(number, forGood);
+        try {
+            trial->Run();
+        } catch (const std::bad_alloc&) {
+            failure = "no memory";
+        } catch (const XStream&) {
+            failure = "XStream";
+        }
+        refused = Memory::Shortage::Met();
+    }
+    trial->Check();
+    return failure.empty() ? trial->Outcome() : failure;
+}
+
+} // namespace
+
+TEST(MemoryShortageTests, EndsInTheDocumentedExceptionOrTheSameModel) {
+    if (!Memory::Watched())
+        GTEST_SKIP() << "a sanitizer keeps operator new to itself: nothing can be refused";
+    Model model;
+    model.folder.Write("model.zo", model.everyKind);
+    for (const Operation& operation : Operations()) {
+        SCOPED_TRACE(operation.name);
+        bool refused = false;
+        const std::string whole = Attempt(operation, model, 0, false, refused);
+        ASSERT_GT(whole.size(), 20U);
+        for (const bool forGood : {false, true}) {
+            int failures = 0;
+            long long number = 1;
+            for (;; ++number) {
+                const int alive = Alive::Count();
+                const long long before = Memory::InUse();
+                {
+                    const std::string done = Attempt(operation, model, number, forGood, refused);
+                    if (!refused) break;
+                    if (done == "no memory") {
+                        ++failures;
+                    } else {
+                        ASSERT_EQ(done, whole) << "allocation " << number << (forGood ? " for good" : "");
+                    }
+                }
+                ASSERT_EQ(Alive::Count(), alive) << "allocation " << number << (forGood ? " for good" : "");
+                ASSERT_EQ(Memory::InUse(), before) << "allocation " << number << (forGood ? " for good" : "");
+            }
+            EXPECT_GT(failures, 5);
+        }
+    }
+}

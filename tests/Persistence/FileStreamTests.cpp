@@ -517,6 +517,21 @@ TEST_F(FileStreamTests, AnotherProcessHoldsTheTarget) {
     }
 }
 
+TEST_F(FileStreamTests, ReadingTellsWhetherAllBytesCame) {
+    folder.Write("plan.zo", std::string(HEADER, '\0') + "abc");
+    for (const bool inMemory : {true, false}) {
+        FaultyServices services;
+        if (!inMemory) services.Fail("FileSize", 0, Platform::ErrorInvalidFunction);
+        TFileBinInStream in(plan.c_str());
+        in.Initialize();
+        char bytes[4] = {};
+        unsigned done = 0;
+        EXPECT_EQ(in.Read(bytes, 4, done), !inMemory) << "from the device any will do";
+        EXPECT_EQ(done, 3U);
+        EXPECT_FALSE(in.Read(bytes, 4, done));
+    }
+}
+
 TEST_F(FileStreamTests, WholeRecordsLeaveInBlocks) {
     struct : Platform::Services {
         bool WriteFile(Platform::FileHandle file, const void* data, std::size_t size) override {

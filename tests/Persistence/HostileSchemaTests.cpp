@@ -272,7 +272,7 @@ std::vector<Hostile> HostileGrowing() {
              child.parents = std::vector<int>(static_cast<std::size_t>(n), 1);
              return FileOf({{.id = 1, .name = "Leaf"}, child}, {});
          },
-         300'000},
+         40'000},
         {"parents that are repeated, an object of each class",
          [=](int n) {
              std::vector<ClassEntry> made{{.id = 1, .name = "Leaf", .values = {{0, -10, "x"}}}};
@@ -303,34 +303,34 @@ std::vector<Hostile> HostileGrowing() {
              return FileOf({parent, child}, {{1, 2, std::string(500 * static_cast<std::size_t>(n), '\1')}});
          },
          10'000},
-        {"bools, a short record", wide(-10), 100'000},
-        {"bools", wideWithRecord(-10, 1), 100'000},
-        {"texts", wideWithRecord(-4, 4), 100'000},
-        {"lists of texts", wideWithRecord(-14, 4), 100'000},
-        {"owned pointers", wideWithRecord(-6, 4), 100'000},
-        {"owned lists", wideWithRecord(-7, 4), 100'000},
-        {"references", wideWithRecord(-8, 4), 100'000},
-        {"lists of references", wideWithRecord(-9, 4), 100'000},
-        {"maps", wideWithRecord(-19, 8), 100'000},
+        {"bools, a short record", wide(-10), 40'000},
+        {"bools", wideWithRecord(-10, 1), 40'000},
+        {"texts", wideWithRecord(-4, 4), 40'000},
+        {"lists of texts", wideWithRecord(-14, 4), 40'000},
+        {"owned pointers", wideWithRecord(-6, 4), 40'000},
+        {"owned lists", wideWithRecord(-7, 4), 40'000},
+        {"references", wideWithRecord(-8, 4), 40'000},
+        {"lists of references", wideWithRecord(-9, 4), 40'000},
+        {"maps", wideWithRecord(-19, 8), 40'000},
         {"fields that stand in the wrong block",
          [=](int n) {
              ClassEntry entry{.id = 1, .name = "Leaf"};
              for (int i = 0; i < n; ++i) entry.values.push_back({0, i % 2 == 0 ? -9 : -10, ""});
              return FileOf({entry}, Repeated(1, 1, ""));
          },
-         100'000},
+         40'000},
         {"records without content",
          [=](int n) {
              return FileOf({{.id = 1, .name = "Leaf"}}, Repeated(static_cast<std::size_t>(n), 1, ""));
          },
-         100'000},
+         40'000},
         {"uids far apart, falling",
          [=](int n) {
              std::vector<Row> rows;
              for (int i = 0; i < n; ++i) rows.push_back({2'147'483'647 - i * 5'000, 1, ""});
              return FileOf({{.id = 1, .name = "Leaf"}}, rows);
          },
-         100'000},
+         40'000},
         {"members",
          [=](int n) {
              std::vector<Row> rows;
@@ -350,7 +350,7 @@ std::vector<Hostile> HostileGrowing() {
                  Repeated(1, 1,
                           Payload().Int(n).Add(Payload(std::string(4 * static_cast<std::size_t>(n), '\1')))));
          },
-         300'000},
+         40'000},
     };
 }
 

@@ -122,12 +122,11 @@ protected:
 
 class OpeningFiltered : public Opening {
 public:
-    using Opening::Opening;
+    OpeningFiltered(Model& model, Make make) : Opening(model, std::move(make)) {
+        for (const char* name : {"a name of no class", "EveryKind"}) names.Add(name);
+    }
     void Run() override {
         stream = make(model);
-        TDList<ZoString> names;
-        names.Add("Leaf with a name that is not there");
-        names.Add("EveryKind");
         reader.emplace(stream.get(), &model.schema, &names);
         reader->Read();
     }
@@ -139,6 +138,7 @@ public:
     }
 
 private:
+    TDList<ZoString> names;
     std::optional<TFilteredBinInStreamer> reader;
 };
 
@@ -233,8 +233,10 @@ std::string Attempt(const Operation& operation, Model& model, long long number, 
             trial->Run();
         } catch (const std::bad_alloc&) {
             failure = "no memory";
-        } catch (const XStream&) {
-            failure = "XStream";
+        } catch (const XWriteStream&) {
+            failure = "no memory"; // for the clipboard's format or block
+        } catch (const XStream& other) {
+            failure = Text(other.Message()) + " @ " + Text(other.Location());
         }
         refused = Memory::Shortage::Met();
     }

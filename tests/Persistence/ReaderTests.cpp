@@ -596,3 +596,40 @@ TEST_F(ReaderTest, PrimitivesAndEveryKindComeBack) {
     EXPECT_EQ(read.externals[1], read.external.get());
     EXPECT_EQ(Save(full, &read), Save(full, &written)) << "in every value";
 }
+
+TEST(ReaderTests, ForgetsExcludedFieldsWithTheReading) {
+    TZoMetaData schema;
+    app::RegisterEveryKind(schema);
+    const ClassEntry entry{.id = 1, .name = "Leaf", .values = {{0, -1, "gone"}}};
+    Opened opened(FileOf({entry}, {{1, 1, Payload().Int(5)}}), schema);
+    EXPECT_EQ(opened.Count(), 1U);
+    EXPECT_EQ(opened.stream.GetFirstExcludedField(), nullptr);
+}
+
+TEST(ReaderTests, AnAccessorThatThrowsWhileReferencesAreTakenOutLeaksNothing) {
+    const auto children = [](ZoStreamableBase * object) -> auto& {
+        return dynamic_cast<app::EveryKind&>(*object).children;
+    };
+    static constexpr auto CHILDREN = children;
+    TZoPointerListAccessors access;
+    access.add = [](ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* target) {
+        auto& leaf = dynamic_cast<app::Leaf&>(*target);
+        if (leaf.number == 3) throw std::runtime_error("full");
+        CHILDREN(object).Add(&leaf);
+    };
+    access.elementAt = [](ZoStreamableBase* object, TZoClassField*, int i) -> ZoStreamableBase* {
+        return CHILDREN(object)[static_cast<unsigned long long>(i)].get();
+    };
+    access.nItems = [](ZoStreamableBase* object, TZoClassField*) { return CHILDREN(object).NItems(); };
+    access.createList = [](ZoStreamableBase* object, int, int, int) { CHILDREN(object).RemoveAll(); };
+    TZoClassFieldPointerList field("children", ftChildPointerList, access);
+    app::EveryKind owner;
+    const int before = Alive::Count();
+    for (const int number : {1, 2, 3, 4}) owner.children.Add(new app::Leaf(number));
+    const ZoStreamableBase* removed = owner.children[1].get();
+    const auto isRemoved = [](const void* wanted, const ZoStreamableBase* item) { return item == wanted; };
+    EXPECT_THROW(field.DeleteReferences(&owner, isRemoved, removed), std::runtime_error);
+    EXPECT_EQ(owner.children.NItems(), 1U) << "of the second";
+    EXPECT_EQ(Alive::Count(), before + 2) << "the second, and the removed one, which is the caller's";
+    delete removed;
+}

@@ -1,12 +1,15 @@
 #include "Persistence/ErrorText.h"
 #include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/BinInStreamer.h"
 #include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/FilteredBinInStreamer.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/ZoString.h"
 #include "support/Records.h"
+#include "support/VirtualSlots.h"
 
 #include <gtest/gtest.h>
 
@@ -65,6 +68,20 @@ private:
     std::size_t cursor = 0;
     Kind kind;
 };
+
+/// Give pointers to protected operations.
+struct Operations : TBinInStream {
+    static auto LoadHeaderOf() { return &Operations::LoadHeader; }
+    static auto ReadOf() { return &Operations::Read; }
+};
+struct StreamerOperations : TBinInStreamer {
+    static auto CreateInstanceOf() { return &StreamerOperations::CreateInstance; }
+};
+
+template <class Value>
+std::ptrdiff_t TakingSlot() {
+    return SlotOf(static_cast<TBinInStream& (TBinInStream::*)(Value)>(&TBinInStream::operator>>));
+}
 
 bool Load(TBinInStream& stream) {
     int uid = 0, classId = 0;
@@ -760,6 +777,21 @@ TEST(RecordReader, FindsObjectsByUid) {
     EXPECT_EQ(stream.GetHandle(5'000), nullptr);
     stream.ResetHandles();
     for (int uid : uids) EXPECT_EQ(stream.GetHandle(uid), nullptr) << uid;
+}
+
+TEST(RecordReader, KeepsItsVirtualOperationsInOrder) {
+    // Two slots for destruction, then the two comparisons.
+    const std::ptrdiff_t slots[] = {
+        TakingSlot<ZoBlob&>(),       TakingSlot<ZoString&>(),       TakingSlot<char*>(),
+        TakingSlot<short&>(),        TakingSlot<unsigned short&>(), TakingSlot<int&>(),
+        TakingSlot<unsigned&>(),     TakingSlot<float&>(),          TakingSlot<double&>(),
+        TakingSlot<long double&>(),  TakingSlot<bool&>(),           SlotOf(Operations::LoadHeaderOf()),
+        SlotOf(Operations::ReadOf())};
+    for (int i = 0; i < 13; ++i) EXPECT_EQ(slots[i], 4 + i) << "operation " << i;
+    EXPECT_EQ(SlotOf(&TBinInStreamer::OnAfterLoadInstance), 4);
+    EXPECT_EQ(SlotOf(&TBinInStreamer::OnAfterResolveInstance), 5);
+    EXPECT_EQ(SlotOf(StreamerOperations::CreateInstanceOf()), 6);
+    EXPECT_EQ(SlotOf(&TFilteredBinInStreamer::Read), 4);
 }
 
 TEST(RecordReader, ListsTheObjectsRead) {

@@ -35,6 +35,16 @@ long long TakeDigits(std::string_view& text) {
     return value;
 }
 
+/// Without what looks like an exponent and is none: `from_chars` takes "p+-1" for one. `text` starts at its
+/// first digit or point.
+std::string_view WithoutHalfExponent(std::string_view text, bool hexadecimal) {
+    const std::size_t end = text.find_first_not_of(hexadecimal ? "0123456789abcdefABCDEF." : "0123456789.");
+    if (end == std::string_view::npos || (text[end] | 0x20) != (hexadecimal ? 'p' : 'e')) return text;
+    std::size_t digit = end + 1;
+    if (digit < text.size() && (text[digit] == '+' || text[digit] == '-')) ++digit;
+    return digit < text.size() && IsDigit(text[digit]) ? text : text.substr(0, end);
+}
+
 /// Whether a number that is out of range is too large rather than too small. `text` starts at its first digit
 /// or point.
 bool TooLarge(std::string_view text, bool hexadecimal) {
@@ -94,8 +104,9 @@ double RealOf(std::string_view text) noexcept {
     double value = 0;
     std::from_chars_result result{text.data(), std::errc::invalid_argument};
     const bool hexadecimal = text.size() > 1 && text[0] == '0' && (text[1] | 0x20) == 'x';
+    if (hexadecimal) text.remove_prefix(2);
+    text = WithoutHalfExponent(text, hexadecimal);
     if (hexadecimal) {
-        text.remove_prefix(2);
         if (!text.empty() && text[0] != '-') {
             result = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::hex);
         }
@@ -160,8 +171,7 @@ void RealText::AppendDigits(double value) noexcept {
 
     const std::size_t count = significant.size();
     const auto distance = static_cast<std::size_t>(std::abs(exponent));
-    const std::size_t fixed = exponent < 0 ? 1 + distance + count : std::max(count, distance + 1) + 1;
-    if (fixed > count + 1 + 2 + EXPONENT_DIGITS) {
+    if (exponent < -1 || exponent >= SIGNIFICANT_DIGITS) {
         Append(significant.substr(0, 1));
         Append(".");
         Append(significant.substr(1));
@@ -173,7 +183,6 @@ void RealText::AppendDigits(double value) noexcept {
         Append(power);
     } else if (exponent < 0) {
         Append("0.");
-        Append(distance - 1, '0');
         Append(significant);
     } else {
         Append(significant.substr(0, distance + 1));

@@ -18,9 +18,10 @@ bool WholeInt(std::string_view text, int& value) noexcept;
 double RealOf(std::string_view text) noexcept;
 float FloatOf(std::string_view text) noexcept;
 
-/// A double as text, for tokens: 15 significant digits without the zeros at their end, and always a point
-/// ("100."). The fixed form, or the one with an exponent of at least three digits ("1.e+020") where that is
-/// shorter. "inf" and "nan" for what has no digits; zero keeps its sign.
+/// A double as text, for tokens, as the C runtime's `_gcvt(value, 15)` writes it: 15 significant digits
+/// without the zeros at their end, and always a point ("100."). The fixed form for decimal exponents from -1
+/// to 14, otherwise an exponent of a sign and three digits ("1.e+020"). "inf" and "nan" for what has no
+/// digits; zero keeps its sign.
 ///
 /// A double that is the nearest one to a number of at most 15 significant digits reads back as itself.
 class RealText {

@@ -18,7 +18,7 @@ constexpr double INF = std::numeric_limits<double>::infinity();
 
 std::string Written(double value) { return std::string(RealText(value).Text()); }
 
-TEST(RealTextTest, IsTheShorterForm) {
+TEST(RealTextTest, IsFixedFromATenthToFifteenDigits) {
     const struct {
         double value;
         const char* text;
@@ -28,38 +28,28 @@ TEST(RealTextTest, IsTheShorterForm) {
         {1, "1."},
         {-1.5, "-1.5"},
         {100, "100."},
+        {1000000, "1000000."},
+        {0.5, "0.5"},
         {0.1, "0.1"},
-        {0.001, "0.001"},
         {1.0 / 3, "0.333333333333333"},
         {2.0 / 3, "0.666666666666667"},
-        // Equally long: fixed.
-        {1e5, "100000."},
-        {1e-5, "0.00001"},
-        {1.2e5, "120000."},
-        {1.23e-5, "0.0000123"},
-        {1.23456789012345e-5, "0.0000123456789012345"},
-        // One longer: exponent.
-        {1e6, "1.e+006"},
-        {1e-6, "1.e-006"},
-        {1.2e6, "1200000."},
-        {1.2e7, "1.2e+007"},
-        {1.23e-6, "1.23e-006"},
-        {123456789012345, "123456789012345."},
-        {1234567890123450, "1234567890123450."},
-        {1234567890123450000000.0, "1.23456789012345e+021"},
-        {12345678901234500000.0, "12345678901234500000."},
-        {123456789012345000000.0, "1.23456789012345e+020"},
-        {1e20, "1.e+020"},
+        {100000000000000, "100000000000000."},
+        {-123456789012345, "-123456789012345."},
+        {1e15, "1.e+015"},
+        {1.23456789012346e15, "1.23456789012346e+015"},
+        {1.23456789012346e17, "1.23456789012346e+017"},
         {1e100, "1.e+100"},
-        {1e-100, "1.e-100"},
+        {0.05, "5.e-002"},
+        {-0.012, "-1.2e-002"},
+        {0.0999999999999999, "9.99999999999999e-002"},
         {1.5e-7, "1.5e-007"},
+        {1e-100, "1.e-100"},
         // Rounded up to the next power of ten, across the switch-over too.
+        {0.09999999999999999, "0.1"},
         {0.9999999999999999, "1."},
         {9.999999999999999, "10."},
-        {99999.99999999999, "100000."},
-        {999999.9999999999, "1.e+006"},
-        {9.999999999999999e-6, "0.00001"},
-        {9.999999999999999e22, "1.e+023"},
+        {99999999999999.99, "100000000000000."},
+        {999999999999999.9, "1.e+015"},
         {9.999999999999999e99, "1.e+100"},
         {9.999999999999999e-101, "1.e-100"},
         // Where doubles end. The largest needs more digits than are written, and is rounded up.
@@ -108,6 +98,20 @@ TEST(RealTextTest, IsTheSameInALocaleWithCommas) {
     if (!comma.Active()) GTEST_SKIP() << "no locale with a decimal comma";
     EXPECT_EQ(Written(1.5), "1.5");
     EXPECT_EQ(RealOf("1.5"), 1.5);
+}
+
+TEST(NumberTextTest, ReadsRealNumbersAsAtof) {
+    const struct {
+        const char* text;
+        double value;
+    } rows[] = {
+        // What was written before in the shorter form.
+        {"1.e+006", 1e6},   {"0.00001", 1e-5}, {"1234567890123450.", 1234567890123450},
+        {"0x1p+-1", 1},     {"0x1p--1", 1},    {"0x1p+", 1},
+        {"0x1.8p-1", 0.75}, {"0x1P+1x", 2},    {"1e+-1", 1},
+        {"1e", 1},          {"-1.5E+1e", -15}, {"e5", 0},
+    };
+    for (const auto& row : rows) EXPECT_EQ(RealOf(row.text), row.value) << row.text;
 }
 
 TEST(NumberTextTest, ReadsNoFurtherThanTheText) {

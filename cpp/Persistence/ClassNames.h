@@ -4,6 +4,8 @@
 
 #include <typeinfo>
 
+// Whole, or `std::bad_alloc`.
+
 namespace ZoPrimitives {
 
 /// "class " and the type's name without "ZoPrimitives::", the same with every compiler.

@@ -9,9 +9,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
-#include <limits>
 #include <new>
-#include <type_traits>
 #include <utility>
 
 namespace ZoPrimitives {
@@ -19,13 +17,6 @@ namespace ZoPrimitives {
 namespace {
 
 Platform::Services& System() { return Platform::Current(); }
-
-template <class Number>
-Number Nearest(std::string_view text) {
-    using Signed = std::make_signed_t<Number>;
-    return static_cast<Number>(std::clamp<long long>(IntegerOf(text), std::numeric_limits<Signed>::min(),
-                                                     std::numeric_limits<Number>::max()));
-}
 
 void Copy(std::string_view token, char* buffer) {
     if (!token.empty()) std::memcpy(buffer, token.data(), token.size());
@@ -95,12 +86,19 @@ std::string_view FileInputStream::GetNextLine() {
     const std::size_t left = static_cast<std::size_t>(end - line);
     const auto* feed = atLastLine ? nullptr : static_cast<const char*>(std::memchr(line, '\n', left));
     if (feed == nullptr) {
-        if (std::exchange(atLastLine, true) && GetRepeats() < UINT_MAX) SetRepeats(GetRepeats() + 1);
+        if (std::exchange(atLastLine, true)) Repeat(left);
         return {line, left};
     }
     position = static_cast<std::uint32_t>(feed + 1 - buffer);
     if (feed != line && feed[-1] == '\r') --feed;
     return {line, static_cast<std::size_t>(feed - line)};
+}
+
+void FileInputStream::Repeat(std::size_t length) {
+    // Who reads on to the limit has read no more than a small multiple of the file.
+    constexpr std::size_t SHORT_LINE = 64;
+    const auto weight = static_cast<unsigned>(1 + length / SHORT_LINE);
+    SetRepeats(GetRepeats() < UINT_MAX - weight ? GetRepeats() + weight : UINT_MAX);
 }
 
 std::string_view FileInputStream::Token() {
@@ -136,22 +134,22 @@ InputStream& FileInputStream::operator>>(float& value) {
 }
 
 InputStream& FileInputStream::operator>>(unsigned int& value) {
-    value = Nearest<unsigned int>(Token());
+    value = static_cast<unsigned>(std::clamp<long long>(IntegerOf(Token()), INT_MIN, UINT_MAX));
     return *this;
 }
 
 InputStream& FileInputStream::operator>>(int& value) {
-    value = Nearest<int>(Token());
+    value = IntOf(Token());
     return *this;
 }
 
 InputStream& FileInputStream::operator>>(unsigned short& value) {
-    value = Nearest<unsigned short>(Token());
+    value = static_cast<unsigned short>(IntOf(Token()));
     return *this;
 }
 
 InputStream& FileInputStream::operator>>(short& value) {
-    value = Nearest<short>(Token());
+    value = static_cast<short>(IntOf(Token()));
     return *this;
 }
 

@@ -1,15 +1,18 @@
 #include "ZoPrimitives/InputStreamer.h"
 
 #include "Persistence/TextCodes.h"
+#include "Persistence/TextLevel.h"
+#include "Platform/Platform.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/NumberText.h"
 #include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/xContainer.h"
 
 #include <algorithm>
 #include <climits>
-#include <limits>
+#include <cstddef>
 
 namespace ZoPrimitives {
 
@@ -20,6 +23,18 @@ void RefuseTerminator(const ZoString& token, unsigned count) {
     if (std::find(TextCodes::TERMINATORS, end, token) != end) throw XEndSection();
 }
 
+[[noreturn]] void ThrowTooDeep() {
+    throw XReadStream(TTranslatedString(TextCodes::TOO_DEEP).Text(), "InputStreamer::Read");
+}
+
+/// Objects nest as deep as the classes read on in ways of their own. What runs between two tokens, and the
+/// exception, must find room.
+void RefuseShortStack() {
+    constexpr std::size_t RESERVE = 128 * 1024;
+    const Platform::Stack stack = Platform::CallersStack();
+    if (stack.left < std::min(RESERVE, stack.size / 4)) ThrowTooDeep();
+}
+
 } // namespace
 
 bool ValidInteger(const ZoString& text) {
@@ -27,18 +42,25 @@ bool ValidInteger(const ZoString& text) {
     return WholeInt(text.c_str(), ignored);
 }
 
-InputStreamer::Level::Level(InputStreamer& streamer, const ZoStreamableBase* object)
-    : reader(streamer), outer(streamer.innermost), outerDepth(streamer.depth) {
-    if (object != nullptr && outer == object) return;
-    if (outerDepth == MAX_TEXT_NESTING)
-        throw XReadStream(TTranslatedString(TextCodes::TOO_DEEP).Text(), "InputStreamer::Read");
+TextLevel::TextLevel(InputStreamer& streamer, const ZoStreamableBase& read)
+    : reader(streamer), object(&read), outer(streamer.innermost), outerDepth(streamer.depth),
+      held(ZoReferenceCount::Count(object) != 0) {
+    if (outer != object) {
+        if (outerDepth == MAX_TEXT_NESTING) ThrowTooDeep();
+        ++reader.depth;
+    }
     reader.innermost = object;
-    ++reader.depth;
+    if (held) ZoReferenceCount::Add(object);
 }
 
-InputStreamer::Level::~Level() {
+TextLevel::~TextLevel() {
     reader.innermost = outer;
     reader.depth = outerDepth;
+    if (held) {
+        ZoReferenceCount::Release(object);
+    } else if (ZoReferenceCount::Count(object) == 1 && reader.members.erase(object) != 0) {
+        ZoReferenceCount::Surrender(object); // no `pointer` was filled with it
+    }
 }
 
 InputStreamer::InputStreamer(InputStream* source, StreamableFactory* factory) : stream(source) {
@@ -63,6 +85,7 @@ void InputStreamer::HandOver() {
 InputStream& InputStreamer::Source() {
     InputStream& source = *stream;
     if (source.GetRepeats() >= MAX_TEXT_NESTING) throw XEndOfStream();
+    RefuseShortStack();
     return source;
 }
 
@@ -78,32 +101,17 @@ ZO_FORWARD(double&)
 ZO_FORWARD(float&)
 ZO_FORWARD(unsigned int&)
 ZO_FORWARD(int&)
+ZO_FORWARD(unsigned short&)
+ZO_FORWARD(short&)
 ZO_FORWARD(bool&)
 #undef ZO_FORWARD
-
-template <class Number>
-InputStreamer& InputStreamer::ReadShort(Number& value) {
-    InputStream& source = Source();
-    int wide = 0;
-    try {
-        source >> wide;
-    } catch (const XReadStream&) {
-        source >> value; // nothing was taken
-        return *this;
-    }
-    value = static_cast<Number>(std::clamp<int>(wide, SHRT_MIN, std::numeric_limits<Number>::max()));
-    return *this;
-}
-
-InputStreamer& InputStreamer::operator>>(unsigned short& value) { return ReadShort(value); }
-InputStreamer& InputStreamer::operator>>(short& value) { return ReadShort(value); }
 
 void InputStreamer::SkipValue() { Source().SkipValue(); }
 
 // Objects
 
 InputStreamer& InputStreamer::operator>>(ZoStreamableBase& object) {
-    const Level level(*this, &object);
+    const TextLevel level(*this, object);
     ZoString token;
     *this >> token;
     RefuseTerminator(token, TextCodes::TERMINATORS_OF_OBJECTS);
@@ -136,7 +144,8 @@ ZoStreamableBase* InputStreamer::CreateObject(const ZoString& className) {
     for (unsigned long long i = 1; i <= factories.NItems(); ++i) {
         const pointer<StreamableFactory> factory = factories[i];
         try {
-            const pointer<ZoStreamableBase> object = factory ? factory->CreateObject(className) : nullptr;
+            const pointer<ZoStreamableBase> object =
+                factory ? factory->CreateObject(WholeText(className)) : nullptr;
             if (!object) continue;
             made.Add(object.get());
             ZoReferenceCount::Add(object.get());
@@ -164,17 +173,15 @@ void InputStreamer::SkipObject() {
 // Handles
 
 void InputStreamer::SetHandle(ZoStreamableBase* object, int handle) {
-    if (handle < 1) return;
-    if (object == nullptr) return RemoveObject(handle);
-    RemoveObject(GetHandle(object));
+    InputStream& source = *stream;
     objects[handle] = object;
-    stream->SetHandle(object, handle);
+    if (handle != 0) source.SetHandle(object, handle);
 }
 
 int InputStreamer::AddObject(ZoStreamableBase* object) {
     const int known = GetHandle(object);
     if (known != 0) return known;
-    const int largest = objects.empty() ? 0 : objects.rbegin()->first;
+    const int largest = objects.empty() ? 0 : std::max(objects.rbegin()->first, 0);
     if (object == nullptr || largest == INT_MAX) throw XInvalidHandle();
     SetHandle(object, largest + 1);
     return largest + 1;
@@ -182,10 +189,15 @@ int InputStreamer::AddObject(ZoStreamableBase* object) {
 
 void InputStreamer::RemoveObject(int handle) { objects.erase(handle); }
 
-ZoStreamableBase* InputStreamer::RetrieveObject(int handle) const {
+ZoStreamableBase* InputStreamer::RetrieveObject(int handle) {
     const auto found = objects.find(handle);
     if (found == objects.end() || found->second == nullptr) throw XInvalidHandle();
-    return found->second;
+    ZoStreamableBase* object = found->second;
+    if (ZoReferenceCount::Count(object) == 0) {
+        members.insert(object);
+        ZoReferenceCount::Add(object); // its owner ends it, whatever else lets go of it
+    }
+    return object;
 }
 
 int InputStreamer::GetHandle(const ZoStreamableBase* object) const {

@@ -2,20 +2,38 @@
 
 #include "Persistence/ClassNames.h"
 #include "Persistence/TextCodes.h"
+#include "Persistence/TextLevel.h"
 #include "Platform/Platform.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/xContainer.h"
+
+#include <string>
+#include <string_view>
 
 namespace ZoPrimitives {
 
+namespace {
+
+std::string Without(std::string_view text, std::string_view part) {
+    std::string rest;
+    for (std::size_t at = text.find(part); at != std::string_view::npos; at = text.find(part)) {
+        rest += text.substr(0, at);
+        text.remove_prefix(at + part.size());
+    }
+    return rest += text;
+}
+
+} // namespace
+
 ZoString ClassText(const std::type_info& type) {
-    return ZoString("class ") + ZoString(Platform::TypeName(type).c_str()).Remove("ZoPrimitives::", true);
+    return WholeText({"class ", Without(Platform::TypeName(type), "ZoPrimitives::")});
 }
 
 ZoString PlainClassName(const ZoString& classText) {
-    return classText.Remove("ZoPrimitives::", true).Remove("class ", true);
+    return WholeText({Without(Without(classText.c_str(), "ZoPrimitives::"), "class ")});
 }
 
 ZoStreamableBase::ZoStreamableBase() : handleRun(0), madeFor(0) {}
@@ -32,7 +50,7 @@ void ZoStreamableBase::Write(OutputStreamer& streamer) {
 void ZoStreamableBase::WillWrite() {}
 
 void ZoStreamableBase::Read(InputStreamer& streamer) {
-    InputStreamer::Level level(streamer, this);
+    TextLevel level(streamer, *this);
     level.BeginData();
     int code = 0;
     for (streamer >> code; code != TextCodes::OBJECT && code != TextCodes::END; streamer >> code) {

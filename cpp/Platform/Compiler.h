@@ -7,6 +7,8 @@
 #include <emmintrin.h>
 #endif
 
+#include <cstdint>
+
 #ifdef _MSC_VER
 #include <intrin.h>
 #endif
@@ -31,6 +33,15 @@ inline void Prefetch([[maybe_unused]] const void* address) noexcept {
     _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
 #elif defined(__GNUC__)
     __builtin_prefetch(address);
+#endif
+}
+
+/// Of the caller's frame. The address of a variable will not do: sanitizers keep these elsewhere.
+inline std::uintptr_t StackAddress() noexcept {
+#ifdef __GNUC__
+    return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+#else
+    return reinterpret_cast<std::uintptr_t>(_AddressOfReturnAddress());
 #endif
 }
 

@@ -194,6 +194,13 @@ private:
     void* previous;
 };
 
+struct Stack {
+    std::size_t size = 0; // bytes; 0 when the caller runs on none that the system knows
+    std::size_t left = 0;
+};
+/// Of the calling thread.
+Stack CallersStack();
+
 /// The readable name of a type, without "class " or "struct ": "ZoPrimitives::ZoBoolean".
 std::string TypeName(const std::type_info& type);
 

@@ -28,7 +28,11 @@ inline void CheckWhole(const ZoString& copy, const char* text) {
 /// The parts one after the other. Throws `std::bad_alloc` when there is no memory for all of them.
 ZoString WholeText(std::initializer_list<std::string_view> parts);
 
-inline ZoString WholeText(const ZoString& text) { return WholeText({std::string_view(text.c_str())}); }
+inline ZoString WholeText(const ZoString& text) {
+    ZoString copy;
+    AssignWhole(copy, text.c_str(), text.length());
+    return copy;
+}
 
 /// Adds a copy of the text. Throws `std::bad_alloc` when there is no memory for it; the list is as before
 /// then.

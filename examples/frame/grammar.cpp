@@ -2,6 +2,8 @@
 
 #include "ZoPrimitives/xContainer.h"
 
+#include <new>
+
 namespace Frame {
 
 using namespace ZoPrimitives;
@@ -77,7 +79,10 @@ void TextReader::TakeLine(ZoString& target) {
 }
 
 void TextReader::FinishText() {
-    if (lineTarget != nullptr) *lineTarget = lines.c_str();
+    if (lineTarget != nullptr) {
+        *lineTarget = lines.c_str();
+        if (lineTarget->length() != lines.size()) throw std::bad_alloc(); // the string says nothing
+    }
     lineTarget = nullptr;
     lines.clear();
 }
@@ -104,7 +109,6 @@ bool TextReader::SkipPointer() {
 }
 
 void TextReader::SkipObject() {
-    const Level level(*this);
     int code = 0;
     for (*this >> code; code != 0 && code != END; *this >> code) SkipValueOf(code);
 }

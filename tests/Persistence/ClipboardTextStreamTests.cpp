@@ -289,7 +289,9 @@ bool Link::ReadData(int code, InputStreamer& s) {
         s >> line;
         name += line;
     } else if (code == 11) {
-        s >> number;
+        int written = 0;
+        s >> written;
+        number = static_cast<short>(written);
     } else if (code == 12) {
         s >> real;
     } else if (code == 20) {

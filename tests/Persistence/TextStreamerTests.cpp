@@ -9,6 +9,7 @@
 #include "ZoPrimitives/xContainer.h"
 #include "support/Assertions.h"
 #include "support/PrivateClipboard.h"
+#include "support/Slots.h"
 #include "support/TemporaryFolder.h"
 
 #include <climits>
@@ -26,8 +27,8 @@ using ZoPrimitives::Testing::TemporaryFolder;
 
 int living = 0;
 
-/// Codes: 10 a number, 11 a text, 20 a pointer, 21 more data of an object that was there before. A pointer is
-/// 5 and a handle; 0, a class, data and 7; or 0 and "NULL".
+/// Codes: 10 a number, 11 a text, 20 a pointer, 21 more data of an object that was there before, 22 a
+/// reference. A pointer is 5 and a handle; 0, a class, data and 7; or 0 and "NULL".
 class Item : public ZoStreamableBase {
 public:
     Item() { ++living; }
@@ -45,6 +46,26 @@ public:
     int number = 0;
     ZoString text;
     pointer<ZoStreamableBase> next;
+    ZoStreamableBase* seen = nullptr;
+};
+
+/// Reads in a way of its own, code 21 and then 7, without the library's loop.
+class OwnReader : public Item {
+public:
+    void Read(InputStreamer& s) override {
+        int code = 0;
+        for (s >> code; code == 21; s >> code) ReadData(code, s);
+    }
+};
+
+/// An item with a member: code 30, a class and the member's data.
+class House : public Item {
+public:
+    bool ReadData(int code, InputStreamer& s) override {
+        if (code == 30) s >> room;
+        return code == 30 || Item::ReadData(code, s);
+    }
+    Item room;
 };
 
 /// Makes items under the names that it is given.
@@ -107,6 +128,9 @@ bool Item::ReadData(int code, InputStreamer& s) {
         object->Read(s);
         return true;
     }
+    case 22:
+        s >> seen;
+        return true;
     default:
         return ZoStreamableBase::ReadData(code, s);
     }
@@ -247,9 +271,13 @@ TEST(StreamersTest, NestAsDeepAsIsStated) {
             last->next = next;
             last = next;
         }
-        std::string failure;
-        Written([&](OutputStreamer& s) { failure = Thrown([&] { s << first.get(); }); });
-        EXPECT_EQ(failure, fits ? "" : "Objetos aninhados demais @ OutputStreamer::operator<<");
+        const std::string written = Written([&](OutputStreamer& s) {
+            EXPECT_EQ(Thrown([&] { s << first.get(); }),
+                      fits ? "" : "Objetos aninhados demais @ OutputStreamer::operator<<");
+            EXPECT_EQ(s.GetHandle(last), fits ? MAX_TEXT_NESTING : 0);
+            EXPECT_EQ(s.Objects().NItems(), static_cast<unsigned long long>(MAX_TEXT_NESTING));
+        });
+        EXPECT_EQ(written.substr(written.size() - 2), fits ? "|7" : "20") << "nothing of the one refused";
 
         std::string text;
         for (int i = 0; i < levels; ++i) text += "0|class Item|20|";
@@ -298,7 +326,6 @@ TEST(InputStreamerTest, ReadsAnObjectsData) {
         EXPECT_EQ(item.number, row.number) << row.name;
         EXPECT_STREQ(item.text.c_str(), row.text) << row.name;
         EXPECT_EQ(source.Rest(), row.rest) << row.name;
-        if (item.next == &item) ZoReferenceCount::Add(&item), item.next = nullptr;
     }
 }
 
@@ -381,38 +408,67 @@ TEST(InputStreamerTest, KeepsHandles) {
     Item b;
     EXPECT_EQ(source->GetHandle(&a), 0);
     EXPECT_EQ(source->GetHandle(static_cast<ZoStreamableBase*>(nullptr)), 0);
-    source->SetHandle(&a, 3);
-    EXPECT_EQ(source->RetrieveObject(3), &a);
-    EXPECT_EQ(source->GetHandle(&a), 3);
-    // One handle an object, one object a handle.
-    source->SetHandle(&a, 4);
     EXPECT_EQ(Thrown([&] { source->RetrieveObject(3); }), "invalid handle");
-    source->SetHandle(&b, 4);
-    EXPECT_EQ(source->RetrieveObject(4), &b);
-    EXPECT_EQ(source->GetHandle(&a), 0);
-    // What objects without a handle write.
-    for (const int none : {0, -1, INT_MIN}) {
-        source->SetHandle(&a, none);
-        EXPECT_EQ(source->GetHandle(&a), 0);
-        EXPECT_EQ(Thrown([&] { source->RetrieveObject(none); }), "invalid handle");
+    for (const int handle : {3, INT_MIN, 5}) {
+        source->SetHandle(&a, handle);
+        EXPECT_EQ(source->GetHandle(&a), handle);
     }
-    source->SetHandle(&a, 8);
-    source->SetHandle(nullptr, 8);
-    EXPECT_EQ(Thrown([&] { source->RetrieveObject(8); }), "invalid handle");
-    EXPECT_EQ(source->GetHandle(&a), 0);
+    source->SetHandle(&a, 0); // as objects write it that were not written through a pointer
+    EXPECT_EQ(source->GetHandle(&a), 5);
+    for (const int handle : {3, INT_MIN, 5, 0}) EXPECT_EQ(source->RetrieveObject(handle), &a);
+    source->SetHandle(&b, 5);
+    EXPECT_EQ(source->RetrieveObject(5), &b);
+    EXPECT_EQ(source->GetHandle(&a), 0) << "its last one is another's";
+    source->SetHandle(nullptr, 5);
+    EXPECT_EQ(Thrown([&] { source->RetrieveObject(5); }), "invalid handle");
+    EXPECT_EQ(source->GetHandle(&b), 0);
 
-    EXPECT_EQ(source->AddObject(&b), 4);
-    EXPECT_EQ(source->AddObject(&a), 5);
-    source->RemoveObject(5);
-    source->RemoveObject(5);
-    EXPECT_EQ(source->GetHandle(&a), 0);
-    EXPECT_EQ(source->AddObject(&a), 5);
+    EXPECT_EQ(source->AddObject(&b), 6);
+    EXPECT_EQ(source->AddObject(&b), 6);
+    source->RemoveObject(6);
+    source->RemoveObject(6);
+    EXPECT_EQ(source->GetHandle(&b), 0);
+    EXPECT_EQ(source->AddObject(&b), 6);
     source->SetHandle(&b, INT_MAX);
-    source->RemoveObject(5);
     EXPECT_EQ(Thrown([&] { source->AddObject(&a); }), "invalid handle");
     source->ResetHandles();
     EXPECT_EQ(source->GetHandle(&b), 0);
+    source->SetHandle(&b, -1);
     EXPECT_EQ(source->AddObject(&a), 1);
+}
+
+TEST(InputStreamerTest, NoTextEndsAMember) {
+    ASSERT_EQ(living, 0);
+    {
+        Source source("30|class Item|3|2|10|4|7|20|5|2|20|0|NULL|20|5|2|7|");
+        const pointer<House> house(new House);
+        house->Read(*source);
+        EXPECT_EQ(house->next.get(), &house->room);
+        EXPECT_TRUE(source->IsMember(&house->room));
+        EXPECT_FALSE(source->IsMember(house.get()));
+        source.Close();
+        house->next = nullptr;
+        EXPECT_EQ(living, 2);
+        EXPECT_EQ(house->room.number, 4);
+    }
+    EXPECT_EQ(living, 0);
+
+    // An object that is let go of while it is read ends behind its data.
+    const pointer<Item> holder(new Item);
+    auto* held = new Item;
+    holder->next = held;
+    Source source("21|1|20|0|NULL|7|20|0|class Item|7|7|class Item|3|2|22|2|7|");
+    source->SetHandle(holder.get(), 1);
+    held->Read(*source);
+    EXPECT_EQ(living, 2) << "the holder, and what the reader made";
+
+    // Nothing is held for good of an object that only references name.
+    auto* object = new Item;
+    *source >> *object;
+    EXPECT_EQ(object->seen, object);
+    EXPECT_FALSE(source->IsMember(object));
+    { const pointer<Item> last(object); }
+    EXPECT_EQ(living, 2);
 }
 
 TEST(InputStreamerTest, AsksTheFactoriesInOrder) {
@@ -496,36 +552,87 @@ TEST(InputStreamerTest, HoldsWhatItMade) {
     EXPECT_EQ(living, 0);
 }
 
-TEST(InputStreamerTest, ReadsWhatTheStreamerWroteOfNumbers) {
-    Source source("-5|70000|65535|-1|99999999999|7");
-    short small[3] = {};
-    unsigned short natural[2] = {};
-    *source >> small[0] >> small[1] >> natural[0] >> natural[1] >> small[2];
-    EXPECT_THAT(small, ElementsAre(-5, SHRT_MAX, SHRT_MAX));
-    EXPECT_THAT(natural, ElementsAre(65535, 65535));
+/// An application's stream: each operation leaves its letter.
+class Letters : public InputStream {
+public:
+#define ZO_LETTER(Type, letter)                                                                              \
+    InputStream& operator>>(Type) override {                                                                 \
+        seen += letter;                                                                                      \
+        return *this;                                                                                        \
+    }
+    ZO_LETTER(ZoString&, 'Z')
+    ZO_LETTER(char*, 'c')
+    ZO_LETTER(long double&, 'D')
+    ZO_LETTER(double&, 'd')
+    ZO_LETTER(float&, 'f')
+    ZO_LETTER(unsigned int&, 'u')
+    ZO_LETTER(int&, 'i')
+    ZO_LETTER(unsigned short&, 'S')
+    ZO_LETTER(short&, 's')
+    ZO_LETTER(bool&, 'b')
+#undef ZO_LETTER
+    void SkipValue() override { seen += '-'; }
+    bool GetLine(char*) override { return false; }
+    void CheckRead() override {}
+    std::string seen;
+};
+
+TEST(InputStreamerTest, HandsEveryValueToTheStream) {
+    const pointer<Letters> stream(new Letters);
+    InputStreamer reader(stream.get(), nullptr);
+    ZoString text;
+    char buffer[4];
+    long double longReal;
+    double real;
+    float single;
+    unsigned natural;
+    int number;
+    unsigned short smallNatural;
+    short small;
+    bool flag;
+    reader >> text >> buffer >> longReal >> real >> single >> natural >> number >> smallNatural >> small >>
+        flag;
+    reader.SkipValue();
+    EXPECT_EQ(stream->seen, "ZcDdfuiSsb-");
 }
 
-TEST(RealClipboardStreamersTest, ShortNumbersComeBack) {
-    // The streamer writes them as ints; a stream by itself in their own size.
+#ifdef ZO_SLOTS_ARE_TOLD
+template <class Stream, class... Types>
+std::vector<std::ptrdiff_t> InputSlots() {
+    return {Slot(static_cast<Stream& (Stream::*)(Types)>(&Stream::operator>>))...};
+}
+template <class Stream, class... Types>
+std::vector<std::ptrdiff_t> OutputSlots() {
+    return {Slot(static_cast<Stream& (Stream::*)(Types)>(&Stream::operator<<))...};
+}
+
+TEST(TextStreamsTest, TheirOperationsStandInTheirOrder) {
+    const auto ten = ElementsAre(4, 5, 6, 7, 8, 9, 10, 11, 12, 13);
+    EXPECT_THAT((OutputSlots<OutputStream, const ZoString&, const char*, long double, double, float,
+                             unsigned int, int, unsigned short, short, bool>()),
+                ten);
+    EXPECT_THAT((InputSlots<InputStream, ZoString&, char*, long double&, double&, float&, unsigned int&, int&,
+                            unsigned short&, short&, bool&>()),
+                ten);
+    EXPECT_EQ(Slot(&InputStream::SkipValue), 14);
+    EXPECT_EQ(Slot(&InputStream::GetLine), 15);
+    EXPECT_EQ(Slot(&InputStream::CheckRead), 16);
+}
+#endif
+
+TEST(RealClipboardStreamersTest, ShortNumbersAreIntsThere) {
     const PrivateClipboard clipboard;
     {
         pointer<OutputStream> stream(new ClipboardOutputStream);
-        OutputStreamer streamer(stream.get());
-        streamer << static_cast<short>(-5) << static_cast<unsigned short>(65535);
-        *stream << static_cast<short>(-5) << static_cast<unsigned short>(65535) << "xy";
+        OutputStreamer(stream.get()) << static_cast<short>(-5) << static_cast<unsigned short>(65535);
+        *stream << static_cast<short>(-7);
     }
     Reader reader(new ClipboardInputStream, nullptr);
-    for (int i = 0; i < 2; ++i) {
-        short small = 0;
-        unsigned short natural = 0;
-        reader >> small >> natural;
-        EXPECT_EQ(small, -5);
-        EXPECT_EQ(natural, 65535);
-    }
-    short none = 0;
-    EXPECT_EQ(Thrown([&] { reader >> none; }), "Invalid data size @ ClipboardInputStream::ReadBinaryData");
-    reader.SkipValue();
-    EXPECT_EQ(Thrown([&] { reader >> none; }), "end of stream");
+    short small = 0;
+    EXPECT_EQ(Thrown([&] { reader >> small; }), "Invalid data size @ ClipboardInputStream::ReadBinaryData");
+    int first = 0, second = 0;
+    reader >> first >> second >> small;
+    EXPECT_THAT((std::vector<int>{first, second, small}), ElementsAre(-5, 65535, -7));
 }
 
 TEST(StreamersTest, NeedAStream) {
@@ -605,6 +712,12 @@ TEST(HostileTextTest, ALastLineWithoutEndComesToAnEnd) {
         item.next = nullptr;
     }
     EXPECT_EQ(living, 0);
+    // Nobody reads a long one again and again.
+    Source line(std::string(1'000'000, 'x'));
+    ZoString token;
+    int count = 0;
+    while (Thrown([&] { *line >> token; }).empty()) ++count;
+    EXPECT_LE(count, 2);
     // As often as objects may be nested the last token is there for them.
     Source source("7");
     for (int i = 0; i <= MAX_TEXT_NESTING; ++i) Item().Read(*source);
@@ -624,15 +737,19 @@ TEST(HostileTextTest, AMillionNestedObjectsAreRefused) {
 }
 
 TEST(HostileTextTest, AMillionNestedDataOfOneObjectAreRefused) {
-    for (const bool fits : {true, false}) {
-        std::string text = "3|1|10|4|";
-        for (int i = 1; i < (fits ? MAX_TEXT_NESTING : 1'000'000); ++i) text += "21|1|";
-        for (int i = 0; fits && i < MAX_TEXT_NESTING; ++i) text += "7|";
-        Source source(text);
-        Item item;
-        EXPECT_EQ(Thrown([&] { item.Read(*source); }),
-                  fits ? "" : "Objetos aninhados demais @ InputStreamer::Read");
-        EXPECT_EQ(source.Rest().empty(), fits);
+    const auto own = std::make_unique<OwnReader>();
+    const auto usual = std::make_unique<Item>();
+    for (Item* item : {usual.get(), static_cast<Item*>(own.get())}) {
+        for (const bool fits : {true, false}) {
+            std::string text;
+            for (int i = 1; i < (fits ? MAX_TEXT_NESTING : 1'000'000); ++i) text += "21|1|";
+            for (int i = 0; fits && i < MAX_TEXT_NESTING; ++i) text += "7|";
+            Source source(text);
+            source->SetHandle(item, 1);
+            EXPECT_EQ(Thrown([&] { item->Read(*source); }),
+                      fits ? "" : "Objetos aninhados demais @ InputStreamer::Read");
+            EXPECT_EQ(source.Rest().empty(), fits);
+        }
     }
 }
 

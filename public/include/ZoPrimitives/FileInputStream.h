@@ -4,6 +4,7 @@
 #include "ZoPrimitives/InputStream.h"
 #include "ZoPrimitives/ZoString.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -14,7 +15,8 @@ namespace ZoPrimitives {
 ///
 /// Numbers are read as C's `atol` and `atof` do in the C locale: blanks, a sign and as much as is a number,
 /// otherwise 0; integers beyond their type become the nearest one, of an unsigned type the negative ones wrap
-/// around. A 0 byte ends its token; the rest of the line is passed over.
+/// around; of a short the low 16 bits of the nearest int are taken. A 0 byte ends its token; the rest of the
+/// line is passed over.
 ///
 /// At a line end that ends the file, reading throws `XEndOfStream`. A last line without an end is given again
 /// and again, and `GetRepeats` counts.
@@ -59,6 +61,7 @@ private:
     /// The next token, good until the file is loaded anew.
     std::string_view GetNextLine();
     std::string_view Token();
+    void Repeat(std::size_t length);
 
     bool flag;
     void* file = nullptr;

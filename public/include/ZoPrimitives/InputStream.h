@@ -47,7 +47,7 @@ public:
     void ResetHandles() { handles.Reset(); }
 
     /// How often the last token was given again instead of an end of the stream, for those who must come to
-    /// an end. 0 for a stream that has an end.
+    /// an end; a long one counts for more. 0 for a stream that has an end.
     unsigned GetRepeats() const { return repeats; }
 
     using ZoObject::operator==;

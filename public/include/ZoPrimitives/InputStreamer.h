@@ -8,6 +8,7 @@
 #include "ZoPrimitives/pointer.h"
 
 #include <map>
+#include <set>
 
 namespace ZoPrimitives {
 
@@ -18,8 +19,10 @@ ZO_API bool ValidInteger(const ZoString& text);
 /// and `ReadData`. docs/text-format.md has the format.
 ///
 /// Every operation throws `XEndOfStream` when no token is left. A last token that the stream gives again and
-/// again is taken `MAX_TEXT_NESTING` times, so that every level of nested objects may meet it; then it is the
-/// end. Objects deeper than `MAX_TEXT_NESTING` inside each other throw `XReadStream`.
+/// again is taken `MAX_TEXT_NESTING` times, a long one less often, so that every level of nested objects may
+/// meet it; then it is the end. Objects deeper than `MAX_TEXT_NESTING` inside each other throw `XReadStream`,
+/// as does every operation that finds the thread's stack nearly used up: classes may read on in `Read` and
+/// `ReadData` as they like.
 ///
 /// The objects that `CreateObject` made are held by the streamer until it goes, or `HandOver`: take hold of
 /// what is to stay, and delete none of them meanwhile. When reading fails, the others go with the streamer,
@@ -46,8 +49,7 @@ public:
     InputStreamer& operator>>(float& value);
     InputStreamer& operator>>(unsigned int& value);
     InputStreamer& operator>>(int& value);
-    /// Read as the int that `OutputStreamer` wrote, the nearest one; or as it is from a stream that holds it
-    /// in its own size.
+    /// `OutputStreamer` writes an int: on the clipboard, where that has another size, read an int.
     InputStreamer& operator>>(unsigned short& value);
     InputStreamer& operator>>(short& value);
     InputStreamer& operator>>(bool& value);
@@ -64,17 +66,21 @@ public:
     /// Passes over one token.
     void SkipValue();
 
-    /// Has the handle stand for this object only, for none if null, and the object have no other handle. A
-    /// handle below 1, as objects without one have it, is passed over.
+    /// Has the handle stand for this object, for none if null. Other handles of the object go on standing for
+    /// it. Objects that were not written through a pointer all have the handle 0, to which no text can refer.
     void SetHandle(ZoStreamableBase* object, int handle);
     /// Gives an object that the text does not hold, for it to refer to, the handle that it has or one more
     /// than the largest, and returns it. Throws `XInvalidHandle` when there is none.
     int AddObject(ZoStreamableBase* object);
     /// Forgets a handle; its object stays.
     void RemoveObject(int handle);
-    /// Throws `XInvalidHandle` for a handle that stands for no object.
-    ZoStreamableBase* RetrieveObject(int handle) const;
-    /// 0 for an object without one.
+    /// Throws `XInvalidHandle` for a handle that stands for no object. An object that no `pointer` holds is
+    /// taken for a member of another, or the caller's own: from here on no `pointer` ends it.
+    ZoStreamableBase* RetrieveObject(int handle);
+    /// Whether a handle gave out the object while no `pointer` held it. No `pointer` that may outlive such an
+    /// object's owner must hold it.
+    bool IsMember(const ZoStreamableBase* object) const { return members.count(object) != 0; }
+    /// The last one that the object got; 0 when it has none, or that one stands for it no more.
     int GetHandle(const ZoStreamableBase* object) const;
 
     /// The objects that `CreateObject` made, in this order.
@@ -95,26 +101,6 @@ public:
     bool operator==(const InputStreamer& other) const { return stream == other.stream; }
     bool operator!=(const InputStreamer& other) const { return stream != other.stream; }
 
-    /// One level of nested objects, as long as it stands; throws `XReadStream` when that is too deep.
-    /// `ZoStreamableBase::Read` has one: what reads nested objects in a way of its own makes one there.
-    /// Levels of one object directly inside each other count once, until its data are read: data that are
-    /// read within those of the same object lie deeper.
-    class ZO_API Level {
-    public:
-        explicit Level(InputStreamer& streamer, const ZoStreamableBase* object = nullptr);
-        ~Level();
-        Level(const Level&) = delete;
-        Level& operator=(const Level&) = delete;
-
-    private:
-        friend class ZoStreamableBase;
-        void BeginData() { reader.innermost = nullptr; }
-
-        InputStreamer& reader;
-        const ZoStreamableBase* outer;
-        int outerDepth;
-    };
-
 protected:
     /// Asks the factories, in order, for a new object. When none knows the class the object's data are
     /// skipped; null then, and when there are no factories.
@@ -128,16 +114,16 @@ protected:
     void ResetHandles();
 
 private:
+    friend class TextLevel;
     InputStream& Source();
-    template <class Number>
-    InputStreamer& ReadShort(Number& value);
     void ReleaseMade();
 
     pointer<InputStream> stream;
     TIList<StreamableFactory, pointer<StreamableFactory>> factories;
     std::map<int, ZoStreamableBase*> objects;
     int unidadePadraoDiametros = 0;
-    TDVector<ZoStreamableBase*> made; // each held once
+    TDVector<ZoStreamableBase*> made;          // each held once
+    std::set<const ZoStreamableBase*> members; // each held once, for good
     const ZoStreamableBase* innermost = nullptr;
     int depth = 0;
 };

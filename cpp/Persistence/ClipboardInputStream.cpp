@@ -1,6 +1,7 @@
 #include "ZoPrimitives/ClipboardInputStream.h"
 
 #include "Persistence/ClipboardAccess.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoString.h"
 
@@ -62,7 +63,7 @@ InputStream& ClipboardInputStream::operator>>(ZoString& value) {
     const unsigned length = NextSize("ClipboardInputStream::ReadString");
     const auto* text = reinterpret_cast<const char*>(data + sizeof length);
     const bool terminated = length != 0 && text[length - 1] == '\0';
-    value.Assign(text, terminated ? length - 1 : length);
+    AssignWhole(value, text, terminated ? length - 1 : length);
     IncrementClipboardDataPointer(sizeof length + 0ULL + length);
     return *this;
 }

@@ -9,7 +9,6 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
-#include <new>
 #include <utility>
 
 namespace ZoPrimitives {
@@ -63,8 +62,7 @@ void FileInputStream::LoadOnce() {
     const bool sized = System().FileSize(file, length);
     if (!sized) length = 0;
     if (length >= UINT32_MAX) ThrowUnreadable(fileName.c_str(), location);
-    char* fresh = new (std::nothrow) char[static_cast<std::size_t>(length) + 1];
-    if (fresh == nullptr) ThrowUnreadable(fileName.c_str(), location);
+    char* fresh = new char[static_cast<std::size_t>(length) + 1];
     delete[] std::exchange(buffer, fresh);
     std::size_t done = 0;
     whole = sized && System().SeekFile(file, 0, Platform::Origin::Begin, start) &&

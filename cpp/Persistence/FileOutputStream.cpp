@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -16,6 +17,19 @@ namespace {
 
 constexpr const char* SOURCE = "cpp/Persistence/FileOutputStream";
 constexpr const char* LINE_END = "\r\n";
+
+/// A string with room for `size` bytes, or as many as there is memory for.
+std::string WithRoom(std::size_t size) {
+    std::string text;
+    for (;; size /= 2) {
+        try {
+            text.reserve(size); // a short one needs no memory
+            return text;
+        } catch (const std::bad_alloc&) {
+            continue;
+        }
+    }
+}
 
 } // namespace
 
@@ -33,11 +47,7 @@ FileOutputStream::FileOutputStream(void* openFile)
 }
 
 FileOutputStream::~FileOutputStream() {
-    try {
-        if (!finalized) SaveToFile();
-    } catch (...) {
-        // No memory.
-    }
+    if (!finalized) SaveToFile();
     Close();
 }
 
@@ -56,7 +66,7 @@ OutputStream& FileOutputStream::Add(std::string_view token) {
 OutputStream& FileOutputStream::operator<<(const ZoString& value) { return Add(value.c_str()); }
 OutputStream& FileOutputStream::operator<<(const char* value) { return Add(value != nullptr ? value : ""); }
 OutputStream& FileOutputStream::operator<<(long double value) { return *this << static_cast<double>(value); }
-OutputStream& FileOutputStream::operator<<(double value) { return Add(RealText(value).c_str()); }
+OutputStream& FileOutputStream::operator<<(double value) { return Add(RealText(value).Text()); }
 OutputStream& FileOutputStream::operator<<(float value) { return *this << static_cast<double>(value); }
 OutputStream& FileOutputStream::operator<<(unsigned int value) { return Add(std::to_string(value)); }
 OutputStream& FileOutputStream::operator<<(int value) { return Add(std::to_string(value)); }
@@ -74,14 +84,25 @@ bool FileOutputStream::SaveToFile() {
     if (tokens->NItems() == 0) return true;
     std::size_t size = 0;
     for (const ZoString& token : *tokens) size += std::strlen(token.c_str()) + std::strlen(LINE_END);
-    std::string text;
-    text.reserve(size);
+    std::string text = WithRoom(size);
+    bool saved = true;
+    const auto put = [&](std::string_view piece) {
+        if (piece.size() > text.capacity() - text.size()) {
+            saved = saved && Platform::Current().WriteFile(file, text.data(), text.size());
+            text.clear();
+        }
+        if (piece.size() <= text.capacity()) {
+            text += piece;
+        } else {
+            saved = saved && Platform::Current().WriteFile(file, piece.data(), piece.size());
+        }
+    };
     for (const ZoString& token : *tokens) {
-        if (std::exchange(begun, true)) text += LINE_END;
-        text += token.c_str();
+        if (std::exchange(begun, true)) put(LINE_END);
+        put(token.c_str());
     }
     tokens->RemoveAll();
-    return Platform::Current().WriteFile(file, text.data(), text.size());
+    return saved && Platform::Current().WriteFile(file, text.data(), text.size());
 }
 
 bool FileOutputStream::Close() {
@@ -90,7 +111,7 @@ bool FileOutputStream::Close() {
 
 void FileOutputStream::Finalize() {
     if (finalized) return;
-    const bool saved = SaveToFile(); // without memory it writes nothing, and may be tried again
+    const bool saved = SaveToFile();
     finalized = true;
     const unsigned long writeError = Platform::LastError();
     const bool closed = Close();

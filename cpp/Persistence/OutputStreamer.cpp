@@ -3,10 +3,15 @@
 #include "Persistence/TextCodes.h"
 #include "ZoPrimitives/FileOutputStream.h"
 #include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <climits>
+#include <cstddef>
 #include <cstring>
+#include <new>
+#include <string>
+#include <string_view>
 
 namespace ZoPrimitives {
 
@@ -61,18 +66,33 @@ OutputStreamer& OutputStreamer::operator<<(ZoStreamableBase& object) {
 OutputStreamer& OutputStreamer::operator<<(ZoStreamableBase* object) {
     if (object == nullptr) return *this << TextCodes::OBJECT;
     const int known = GetHandle(object);
-    if (known != 0) return *this << TextCodes::REFERENCE << ZoString(known);
+    if (known != 0) return *this << TextCodes::REFERENCE << WholeText({std::to_string(known)});
+    const Level level(*this);
+    const ZoString name = object->StreamableClassName();
+    if (name.c_str()[0] == '\0') throw std::bad_alloc(); // the text was lost
+    Number(object);
+    *this << TextCodes::OBJECT << name;
+    object->Write(*this);
+    return *this;
+}
+
+void OutputStreamer::Number(ZoStreamableBase* object) {
     if (nextHandle == INT_MAX) Throw("Objetos demais");
-    stream->SetHandle(object, nextHandle++);
     written.Add(object);
-    return *this << TextCodes::OBJECT << object->StreamableClassName() << *object;
+    try {
+        stream->SetHandle(object, nextHandle);
+    } catch (...) {
+        written.RemoveLast();
+        throw;
+    }
+    ++nextHandle;
 }
 
 void OutputStreamer::MultiLineText(const ZoString& text, int code) {
     const char* line = text.c_str();
     if (*line == '\0') return;
     while (const char* feed = std::strchr(line, '\n')) {
-        *this << code << ZoString(line, static_cast<unsigned>(feed - line));
+        *this << code << WholeText({std::string_view(line, static_cast<std::size_t>(feed - line))});
         line = feed + 1;
     }
     *this << code << line;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <new>
 
 namespace ZoPrimitives {
 
@@ -56,7 +57,7 @@ ZoString TBase64::EncodeBlock(unsigned char* data, unsigned long size) {
     ZO_ASSERT(size <= maximumSize, "size <= maximumSize", "cpp/Persistence/TBase64");
     if (data == nullptr || size == 0) return "";
     ZoString text('=', static_cast<unsigned>((size + 2) / 3 * 4));
-    if (text.c_str()[0] == 0) return text; // memory was short
+    if (text.c_str()[0] == '\0') throw std::bad_alloc();
     char* out = &text[0];
     for (; size > 0; out += 4) {
         const unsigned count = size < 3 ? static_cast<unsigned>(size) : 3;
@@ -78,7 +79,7 @@ unsigned char* TBase64::DecodeBlock(unsigned char* text, unsigned long size, uns
     outSize = 0;
     if (text == nullptr && size > 0) return nullptr;
     auto* const decoded = static_cast<unsigned char*>(std::malloc(std::size_t{size} / 4 * 3 + 1));
-    if (decoded == nullptr) return nullptr;
+    if (decoded == nullptr) throw std::bad_alloc();
 
     unsigned char group[4];
     unsigned filled = 0;

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/ZoRegister.h"
 
 #include "Persistence/ClassNames.h"
+#include "ZoPrimitives/WholeText.h"
 
 #include <cstddef>
 #include <cstring>
@@ -12,7 +13,7 @@ ZoString ZoRegisteredName(const char* qualifiedName) {
     const std::size_t separator = std::string_view(qualifiedName).rfind("::");
     const char* name = separator == std::string_view::npos ? qualifiedName : qualifiedName + separator + 2;
     while (*name == ' ') ++name;
-    return ZoString(name);
+    return WholeText({name});
 }
 
 ZoString ZoStreamableClassName(const std::type_info& type) { return ClassText(type); }

@@ -5,6 +5,7 @@
 #include "model.h"
 
 #include "ZoPrimitives/TBase64.h"
+#include "ZoPrimitives/XStream.h"
 
 #include <cstdlib>
 #include <memory>
@@ -36,6 +37,7 @@ ZoBlob Decoded(ZoString text) {
     if (length == 0) return ZoBlob();
     const std::unique_ptr<unsigned char, void (*)(void*)> bytes(
         TBase64::DecodeBlock(reinterpret_cast<unsigned char*>(&text[0]), length, size), std::free);
+    if (bytes == nullptr) throw XReadStream("The picture is no Base64", "Frame::Building");
     return ZoBlob(bytes.get(), size);
 }
 

@@ -50,8 +50,8 @@ public:
 
 protected:
     void CheckRead() override;
-    /// Loads the whole file anew; reading begins at its start. Throws `XReadStream` when it does not fit
-    /// into memory, or is larger than 4 GiB.
+    /// Loads the whole file anew; reading begins at its start. Throws `std::bad_alloc` when it does not
+    /// fit into memory, and `XReadStream` when it is larger than 4 GiB.
     void LoadFromFile();
 
 private:

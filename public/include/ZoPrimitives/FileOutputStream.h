@@ -47,8 +47,8 @@ public:
     bool GetHasEOF() const;
 
 protected:
-    /// Writes the tokens collected so far where the file stands, all at once, and forgets them. False on a
-    /// failure.
+    /// Writes the tokens collected so far where the file stands, all at once unless memory is short, and
+    /// forgets them. False on a failure.
     bool SaveToFile();
 
 private:

@@ -40,7 +40,9 @@ public:
     OutputStreamer& operator<<(ZoStreamableBase& object);
     /// 0 for null; 5 and the handle for an object that was written before; otherwise 0, the class's name and
     /// the object's data, whose end is the caller's to write. The object must outlive the stream's handles.
-    /// Objects deeper than `MAX_TEXT_NESTING` inside each other throw `XWriteStream`.
+    /// Objects deeper than `MAX_TEXT_NESTING` inside each other throw `XWriteStream`: of the one that is
+    /// refused nothing is written, and it has no handle. A class's name is not empty: one that is was lost,
+    /// and throws `std::bad_alloc`.
     OutputStreamer& operator<<(ZoStreamableBase* object);
     /// Other pointers are no flags.
     template <class T, class = std::enable_if_t<!std::is_convertible_v<T*, const char*> &&
@@ -66,6 +68,7 @@ public:
 
 private:
     class Level;
+    void Number(ZoStreamableBase* object);
 
     pointer<OutputStream> stream;
     TDList<ZoStreamableBase*> written;

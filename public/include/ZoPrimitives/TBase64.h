@@ -4,7 +4,8 @@
 
 namespace ZoPrimitives {
 
-/// Base64 of RFC 4648: the standard alphabet, "=" at the end, no line breaks.
+/// Base64 of RFC 4648: the standard alphabet, "=" at the end, no line breaks. `std::bad_alloc` when memory is
+/// short.
 class ZO_API TBase64 {
 public:
     TBase64() = delete;
@@ -18,8 +19,7 @@ public:
     /// The decoded bytes, followed by a zero that `outSize` does not count. The caller owns the block and
     /// releases it with `free`. White space (blank, tab, line and page breaks) is skipped; everything else
     /// that `EncodeBlock` would not have written is refused with null and an `outSize` of 0: foreign
-    /// characters, a truncated last group, padding that is missing, in the wrong place or hides bits. Null,
-    /// too, when memory is short.
+    /// characters, a truncated last group, padding that is missing, in the wrong place or hides bits.
     static unsigned char* DecodeBlock(unsigned char* text, unsigned long size, unsigned long& outSize);
     /// One group: 4 characters become `count` bytes, 1 to 3; of `out` no more than these is touched. A group
     /// that is not what `Encode` writes sets `count` to 0.

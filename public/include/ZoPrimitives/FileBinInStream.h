@@ -35,8 +35,8 @@ public:
     /// arquivo " and the name.
     void OpenFile();
 
-    /// Raw bytes. True when all came; without the file in memory when at least one did, or none were asked for. A derived class that overrides it is
-    /// asked for every byte, header included.
+    /// Raw bytes. True when all came; without the file in memory when at least one did, or none were asked
+    /// for. A derived class that overrides it is asked for every byte, header included.
     bool Read(void* data, unsigned size, unsigned& done) override;
     /// The whole file as it lies in memory, `size` in bytes, until the stream is initialised anew or
     /// destroyed. Null, and 0, when it could not be loaded or is not open.

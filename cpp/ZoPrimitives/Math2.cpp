@@ -29,7 +29,7 @@ constexpr double EXACT_POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
 constexpr unsigned MAX_DECIMALS = std::numeric_limits<double>::max_exponent10; // of a finite power of ten
 
 double Tolerance(unsigned precision) {
-    ZO_ASSERT(precision <= 22, "precision <= 22", "cpp/ZoPrimitives/Math2");
+    ZO_ASSERT(precision <= 22, "precision <= 22", ZoSources::MATH2);
     return TOLERANCES[precision];
 }
 

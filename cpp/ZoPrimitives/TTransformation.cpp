@@ -57,14 +57,12 @@ TTransformation TTransformation::Rotation(double angle, double x, double y, doub
 }
 
 double TTransformation::Element(unsigned row, unsigned column) const {
-    ZO_ASSERT(row - 1 < 4 && column - 1 < 4, "row and column from 1 to 4",
-              "cpp/ZoPrimitives/TTransformation");
+    ZO_ASSERT(row - 1 < 4 && column - 1 < 4, "row and column from 1 to 4", ZoSources::TTRANSFORMATION);
     return matrix[row - 1][column - 1];
 }
 
 void TTransformation::Element(unsigned row, unsigned column, double value) {
-    ZO_ASSERT(row - 1 < 4 && column - 1 < 4, "row and column from 1 to 4",
-              "cpp/ZoPrimitives/TTransformation");
+    ZO_ASSERT(row - 1 < 4 && column - 1 < 4, "row and column from 1 to 4", ZoSources::TTRANSFORMATION);
     matrix[row - 1][column - 1] = value;
 }
 

@@ -15,7 +15,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/ZoPrimitives/ZoString";
 constexpr std::size_t FORMAT_SIZE = 10'000;
 constexpr std::size_t NUMBER_SIZE = 512; // "%f" of the largest double takes 317
 
@@ -208,7 +207,7 @@ int ZoString::Compare(const ZoString& other) const noexcept {
 int ZoString::find(char c, unsigned initPos) const {
     const std::string_view text(c_str(), Size());
     if (text.empty()) return -1;
-    ZO_ASSERT_AT(initPos < text.size(), "initPos < stringLength", SOURCE, 645);
+    ZO_ASSERT_SITE(initPos < text.size(), "initPos < stringLength", ZoSources::FIND);
     return Position(text, text.find(c, initPos));
 }
 
@@ -232,7 +231,7 @@ int ZoString::rfind(char c, unsigned initPos) const {
     const std::string_view text(c_str(), Size());
     if (text.empty()) return -1;
     const std::size_t start = initPos == NO_POSITION ? text.size() - 1 : initPos;
-    ZO_ASSERT_AT(start < text.size(), "initPos < thisLength", SOURCE, 693);
+    ZO_ASSERT_SITE(start < text.size(), "initPos < thisLength", ZoSources::RFIND);
     return Position(text, text.rfind(c, start));
 }
 
@@ -247,7 +246,7 @@ int ZoString::textRFind(const ZoString& text, int initPos, bool caseSensitive) c
     if (own.empty()) return -1;
     const long long length = static_cast<long long>(own.size());
     const long long end = initPos == -1 ? length - 1 : initPos;
-    ZO_ASSERT_AT(end < length, "initPos < (int)thisLength", SOURCE, 723);
+    ZO_ASSERT_SITE(end < length, "initPos < (int)thisLength", ZoSources::TEXT_RFIND);
     const long long start = end - (static_cast<long long>(text.Size()) - 1);
     if (start < 0) return -1;
     if (!caseSensitive) {

@@ -1,8 +1,10 @@
+// These five have all the containers.
 #include "ZoPrimitives/IList.h"
-#include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/SDList.h"
 #include "ZoPrimitives/dvector.h"
+#include "ZoPrimitives/pointer.h"
+
 #include "support/Assertions.h"
 #include "support/Slots.h"
 
@@ -11,6 +13,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
@@ -58,24 +61,42 @@ std::string Long(const char* text) { return text + std::string(40, '.'); }
 
 // Positions
 
+/// The line of a public header.
+std::string LineOf(const std::string& source, int line) {
+    std::ifstream file(ZO_TEST_DATA "/../../" + source + ".h");
+    std::string text;
+    for (int i = 0; i < line; ++i) std::getline(file, text);
+    return text;
+}
+
 template <class List>
-void ExpectPositionsFrom1To(unsigned long long count, const List& list, const char* source) {
+void ExpectPositionsFrom1To(unsigned long long count, List& list, const char* source) {
     SCOPED_TRACE(source);
     for (unsigned long long position = 1; position <= count; ++position)
-        EXPECT_NO_THROW((void)list[position]);
+        EXPECT_EQ(&list[position], list.data() + position - 1);
+    const auto expect = [&](const char* expression, const FailedAssertion& failed) {
+        EXPECT_EQ(failed, (FailedAssertion{expression, source, failed.line}));
+        EXPECT_NE(LineOf(source, failed.line).find("__LINE__"), std::string::npos) << failed.line;
+    };
     for (unsigned long long position : {0ULL, count + 1, ~0ULL}) {
-        FailedAssertion failed = AssertionOf([&] { (void)list[position]; });
-        failed.line = 0;
-        EXPECT_EQ(failed, (FailedAssertion{"index >= 1 && index <= NItems()", source}));
+        expect("index >= 1 && index <= NItems()", AssertionOf([&] { (void)list[position]; }));
+        expect("index >= 1 && index <= NItems()", AssertionOf([&] { list.RemoveAt(position); }));
+        if (position == count + 1) continue;
+        expect("index >= 1 && index <= NItems() + 1", AssertionOf([&] { list.InsertAt(position, {}); }));
     }
+    EXPECT_EQ(list.NItems(), count);
 }
 
 template <class List>
 void FillAndExpectPositions(const char* source) {
     List list;
     ExpectPositionsFrom1To(0, list, source);
+    EXPECT_THROW(list.First(), XZoAssert);
+    EXPECT_THROW(list.Last(), XZoAssert);
+    EXPECT_THROW(list.RemoveFirst(), XZoAssert);
+    EXPECT_THROW(list.RemoveLast(), XZoAssert);
     list.Add({});
-    list.Add({});
+    list.InsertAt(2, {});
     ExpectPositionsFrom1To(2, list, source);
     EXPECT_EQ(&list.First(), &list[1]);
     EXPECT_EQ(&list.Last(), &list[2]);
@@ -90,17 +111,10 @@ TEST(ContainerTests, PositionsCountFrom1) {
     FillAndExpectPositions<TSIList<Item>>("public/include/ZoPrimitives/SDList");
 }
 
-TEST(ContainerTests, OperationsAtTheEndsOfAnEmptyContainerFail) {
-    TDList<int> list;
-    EXPECT_THROW(list.First(), XZoAssert);
-    EXPECT_THROW(list.Last(), XZoAssert);
-    EXPECT_THROW(list.RemoveFirst(), XZoAssert);
-    EXPECT_THROW(list.RemoveLast(), XZoAssert);
-    for (const unsigned position : {0u, 2u}) EXPECT_THROW(list.InsertAt(position, 1), XZoAssert);
-    EXPECT_EQ(list.NItems(), 0u);
+TEST(ContainerTests, AnObjectThatIsRefusedIsDeleted) {
     Item::alive = 0;
     EXPECT_THROW(TIList<Item>().InsertAt(2, new Item), XZoAssert);
-    EXPECT_EQ(Item::alive, 0) << "an object that is refused is deleted";
+    EXPECT_EQ(Item::alive, 0);
 }
 
 // Layout
@@ -313,6 +327,26 @@ TEST(ContainerTests, AnOverriddenEqualIsHonoured) {
         v.calls = 0;
         EXPECT_FALSE(v.Contains(0));
         EXPECT_EQ(v.calls, count - 1) << "each element once";
+    }
+}
+
+/// Counts the comparisons.
+struct Compared {
+    bool operator==(const Compared& other) const {
+        ++calls;
+        return id == other.id;
+    }
+    int id;
+    static inline std::atomic<int> calls = 0;
+};
+
+TEST(ContainerTests, ASearchComparesEachElementOnce) {
+    for (int count : {1000, 1001, 300000}) {
+        TDVector<Compared> v;
+        for (int i = 0; i < count; ++i) v.Add({i});
+        Compared::calls = 0;
+        EXPECT_FALSE(v.Contains({-1}));
+        EXPECT_EQ(Compared::calls, count);
     }
 }
 

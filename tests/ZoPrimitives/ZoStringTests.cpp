@@ -89,6 +89,25 @@ TEST(ZoStringTest, Construction) {
 static_assert(!std::is_constructible_v<ZoString, wchar_t> && !std::is_constructible_v<ZoString, char32_t>);
 static_assert(!std::is_constructible_v<ZoString, char8_t>);
 static_assert(!std::is_constructible_v<ZoString, int*> && !std::is_constructible_v<ZoString, const wchar_t*>);
+// A 0 beside a text is a number, not a null text: it does not compile, on either side.
+template <class S>
+constexpr bool ZERO_IS_REFUSED = !requires(S s) {
+    s == 0;
+}
+&&!requires(S s) { s != 0; }
+&&!requires(S s) { s < 0; }
+&&!requires(S s) { s <= 0; }
+&&!requires(S s) { s > 0; }
+&&!requires(S s) { s >= 0; }
+&&!requires(S s) { 0 == s; }
+&&!requires(S s) { 0 != s; }
+&&!requires(S s) { 0 < s; }
+&&!requires(S s) { 0 <= s; }
+&&!requires(S s) { 0 > s; }
+&&!requires(S s) { 0 >= s; }
+&&!requires(S s) { 0 + s; };
+struct Name : ZoString {};
+static_assert(ZERO_IS_REFUSED<ZoString> && ZERO_IS_REFUSED<Name>);
 static_assert(std::is_nothrow_move_constructible_v<ZoString> && std::is_nothrow_move_assignable_v<ZoString>);
 
 TEST(ZoStringTest, DoublesAreWrittenAsPrintfWrites) {

@@ -116,7 +116,8 @@ private:
 };
 
 /// The operations of the containers of objects. `Self` is the container: it says whether long searches run in
-/// parallel (`SEARCHES_IN_PARALLEL`) and the source of its assertions (`SOURCE`).
+/// parallel (`SEARCHES_IN_PARALLEL`) and the place that its assertions
+/// name (`SITE`).
 ///
 /// The last holder deletes the object. `T` needs to be complete only where the container is made, used or
 /// destroyed.
@@ -202,8 +203,8 @@ public:
     /// Puts the object at the position; that may be `NItems()` + 1.
     void InsertAt(unsigned long long index, T* object) {
         P holder(object);
-        ZO_ASSERT(index >= 1 && index <= items.size() + 1, "index >= 1 && index <= NItems() + 1",
-                  Self::SOURCE);
+        ZO_ASSERT_SITE(index >= 1 && index <= items.size() + 1, "index >= 1 && index <= NItems() + 1",
+                       Self::SITE);
         items.insert(items.begin() + static_cast<std::ptrdiff_t>(index - 1), std::move(holder));
     }
     void RemoveAt(unsigned long long index) {
@@ -235,7 +236,7 @@ protected:
 
 private:
     std::size_t Index(unsigned long long index) const {
-        ZO_ASSERT(index >= 1 && index <= items.size(), "index >= 1 && index <= NItems()", Self::SOURCE);
+        ZO_ASSERT_SITE(index >= 1 && index <= items.size(), "index >= 1 && index <= NItems()", Self::SITE);
         return static_cast<std::size_t>(index - 1);
     }
 
@@ -245,17 +246,17 @@ private:
         const bool parallel = Self::SEARCHES_IN_PARALLEL && count > ZoSerialFindLimit;
         // A class derived from the container may compare in its own way.
         const bool direct = typeid(*this) == typeid(Self);
+        std::size_t searched = 0;
         if (direct) {
-            const std::size_t prefix = parallel ? ZoSerialFindPrefix(count) : count;
-            const std::size_t found = ZoFindFirstHolder(items.data(), prefix, object);
-            if (found < prefix || !parallel) return found;
+            searched = parallel ? ZoSerialFindPrefix(count) : count;
+            const std::size_t found = ZoFindFirstHolder(items.data(), searched, object);
+            if (found < searched || !parallel) return found;
         } else if (!parallel) {
-            std::size_t found = 0;
-            while (found < count && !Same(items[found].get(), object)) ++found;
-            return found;
+            while (searched < count && !Same(items[searched].get(), object)) ++searched;
+            return searched;
         }
         return static_cast<std::size_t>(
-            TBBParallelFinderPointer<Self>(static_cast<const Self&>(*this), object, direct).Find());
+            TBBParallelFinderPointer<Self>(static_cast<const Self&>(*this), object, direct).Find(searched));
     }
 };
 

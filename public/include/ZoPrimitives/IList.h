@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/IContainer.h"
+#include "ZoPrimitives/IMap.h"
 
 namespace ZoPrimitives {
 
@@ -11,7 +12,7 @@ class TIList : public TObjectContainer<T, P, TIList<T, P>> {
 
 public:
     static constexpr bool SEARCHES_IN_PARALLEL = false;
-    static constexpr const char* SOURCE = "public/include/ZoPrimitives/IList";
+    static constexpr ZoSite SITE{ZoSources::ILIST, __LINE__};
 
     TIList() = default;
     TIList(const TIList&) = default;

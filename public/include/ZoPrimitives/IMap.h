@@ -30,8 +30,6 @@ class TIMap : public ZoObject {
     static constexpr bool OBJECT_KEYS = ZoMapKeyIsObject<K>::value;
 
 public:
-    static constexpr const char* SOURCE = "public/include/ZoPrimitives/IMap";
-
     using KeyHolder = std::conditional_t<OBJECT_KEYS, pointer<K>, K>;
     /// How keys are given: as `K*` or as `const K&`.
     using KeyArgument = std::conditional_t<OBJECT_KEYS, K*, const K&>;
@@ -129,7 +127,7 @@ private:
     }
 
     std::size_t Index(unsigned long long index) const {
-        ZO_ASSERT(index >= 1 && index <= keys.size(), "index >= 1 && index <= NItems()", SOURCE);
+        ZO_ASSERT(index >= 1 && index <= keys.size(), "index >= 1 && index <= NItems()", ZoSources::IMAP);
         return static_cast<std::size_t>(index - 1);
     }
 

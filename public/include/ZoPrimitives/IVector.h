@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/IContainer.h"
+#include "ZoPrimitives/IMap.h"
 
 namespace ZoPrimitives {
 
@@ -12,7 +13,7 @@ class TIVector : public TObjectContainer<T, P, TIVector<T, P>> {
 
 public:
     static constexpr bool SEARCHES_IN_PARALLEL = true;
-    static constexpr const char* SOURCE = "public/include/ZoPrimitives/IVector";
+    static constexpr ZoSite SITE{ZoSources::IVECTOR, __LINE__};
 
     TIVector() = default;
     TIVector(const TIVector&) = default;

@@ -70,6 +70,9 @@ class ZoParallelMatch {
 public:
     explicit ZoParallelMatch(unsigned long long end) noexcept : lowest(end) {}
 
+    /// Before any `Run`: what stands before `begin` is not looked at.
+    void StartAt(unsigned long long begin) noexcept { next.store(begin, std::memory_order_relaxed); }
+
     /// Index of the first match, from 0; the end when there is none.
     unsigned long long Lowest() const noexcept { return lowest.load(std::memory_order_relaxed); }
 
@@ -109,9 +112,10 @@ public:
         : container(where), value(what), direct(directly),
           count(static_cast<unsigned long long>(where.end() - where.begin())), match(count) {}
 
-    /// Index of the first match, from 0; the count when there is none.
-    unsigned long long Find() {
-        ZoParallelFor(count, &Search, this);
+    /// Index of the first match from index `begin` on, from 0; the count when there is none.
+    unsigned long long Find(unsigned long long begin = 0) {
+        match.StartAt(begin);
+        ZoParallelFor(count - begin, &Search, this);
         return match.Lowest();
     }
 
@@ -155,9 +159,10 @@ public:
         : container(where), object(what), direct(directly),
           count(static_cast<unsigned long long>(where.end() - where.begin())), match(count) {}
 
-    /// Index of the first match, from 0; the count when there is none.
-    unsigned long long Find() {
-        ZoParallelFor(count, &Search, this);
+    /// Index of the first match from index `begin` on, from 0; the count when there is none.
+    unsigned long long Find(unsigned long long begin = 0) {
+        match.StartAt(begin);
+        ZoParallelFor(count - begin, &Search, this);
         return match.Lowest();
     }
 

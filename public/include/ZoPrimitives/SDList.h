@@ -13,7 +13,7 @@ class TSDList : public TValueContainer<T, TSDList<T>> {
 
 public:
     static constexpr bool SEARCHES_IN_PARALLEL = false;
-    static constexpr const char* SOURCE = "public/include/ZoPrimitives/SDList";
+    static constexpr ZoSite SITE{ZoSources::SDLIST, __LINE__};
 
     TSDList() = default;
     TSDList(const TSDList&) = default;
@@ -40,7 +40,7 @@ class TSIList : public TObjectContainer<T, P, TSIList<T, P>> {
 
 public:
     static constexpr bool SEARCHES_IN_PARALLEL = false;
-    static constexpr const char* SOURCE = "public/include/ZoPrimitives/SDList";
+    static constexpr ZoSite SITE{ZoSources::SDLIST, __LINE__};
 
     TSIList() = default;
     TSIList(const TSIList&) = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/Export.h"
+#include "ZoPrimitives/ZoSources.h"
 
 namespace ZoPrimitives {
 
@@ -65,4 +66,5 @@ ZO_API void SetAssertionFunctor(IAssertFunctor* functor);
 /// Fails with the given text, which is the check's name in crash reports, unless the condition holds.
 #define ZO_ASSERT_AT(condition, text, source, line)                                                          \
     ((condition) ? static_cast<void>(0) : ::ZoPrimitives::AssertWithFunctor(text, "", source, line))
+#define ZO_ASSERT_SITE(condition, text, site) ZO_ASSERT_AT(condition, text, (site).source, (site).line)
 #define ZO_ASSERT(condition, text, source) ZO_ASSERT_AT(condition, text, source, __LINE__)

@@ -77,11 +77,11 @@ public:
     const char* c_str() const noexcept { return buffer != nullptr ? buffer : NOTHING; }
 
     char& operator[](unsigned pos) {
-        ZO_ASSERT_AT(Holds(pos), "pos < length()", "public/include/ZoPrimitives/ZoString", 514);
+        ZO_ASSERT_SITE(Holds(pos), "pos < length()", ZoSources::INDEX);
         return buffer[pos];
     }
     const char& operator[](unsigned pos) const {
-        ZO_ASSERT_AT(Holds(pos), "pos < length()", "public/include/ZoPrimitives/ZoString", 524);
+        ZO_ASSERT_SITE(Holds(pos), "pos < length()", ZoSources::CONST_INDEX);
         return buffer[pos];
     }
 
@@ -274,15 +274,19 @@ static_assert(sizeof(void*) != 8 || sizeof(ZoString) == 24, "the layout of ZoStr
 // A number is not compared with a text nor leads one: without these, 0 would be a null `const char*`.
 template <class Text, class Number>
 using ZoNumberBesideText =
-    std::enable_if_t<std::is_same_v<Text, ZoString> && std::is_arithmetic_v<Number>, bool>;
-template <class Text, class Number>
-ZoNumberBesideText<Text, Number> operator==(const Text&, Number) = delete;
-template <class Text, class Number>
-ZoNumberBesideText<Text, Number> operator!=(const Text&, Number) = delete;
-template <class Text, class Number>
-ZoNumberBesideText<Text, Number> operator==(Number, const Text&) = delete;
-template <class Text, class Number>
-ZoNumberBesideText<Text, Number> operator!=(Number, const Text&) = delete;
+    std::enable_if_t<std::is_base_of_v<ZoString, Text> && std::is_arithmetic_v<Number>, bool>;
+#define ZO_NOT_WITH_NUMBERS_(Operator)                                                                       \
+    template <class Text, class Number>                                                                      \
+    ZoNumberBesideText<Text, Number> operator Operator(const Text&, Number) = delete;                        \
+    template <class Text, class Number>                                                                      \
+    ZoNumberBesideText<Text, Number> operator Operator(Number, const Text&) = delete;
+ZO_NOT_WITH_NUMBERS_(==)
+ZO_NOT_WITH_NUMBERS_(!=)
+ZO_NOT_WITH_NUMBERS_(<)
+ZO_NOT_WITH_NUMBERS_(<=)
+ZO_NOT_WITH_NUMBERS_(>)
+ZO_NOT_WITH_NUMBERS_(>=)
+#undef ZO_NOT_WITH_NUMBERS_
 template <class Text, class Number>
 ZoNumberBesideText<Text, Number> operator+(Number, const Text&) = delete;
 

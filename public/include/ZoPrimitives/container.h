@@ -97,7 +97,8 @@ private:
 };
 
 /// The operations of the containers of values. `Self` is the container: it says whether long searches run in
-/// parallel (`SEARCHES_IN_PARALLEL`) and the source of its assertions (`SOURCE`).
+/// parallel (`SEARCHES_IN_PARALLEL`) and the place that its assertions
+/// name (`SITE`).
 ///
 /// `T` needs `==`, and to be complete only where the container is made, used or destroyed.
 template <class T, class Self>
@@ -171,8 +172,8 @@ public:
     void AddFirst(const T& value) { values.insert(values.begin(), value); }
     /// Puts the value at the position; that may be `NItems()` + 1.
     void InsertAt(unsigned long long index, const T& value) {
-        ZO_ASSERT(index >= 1 && index <= values.size() + 1, "index >= 1 && index <= NItems() + 1",
-                  Self::SOURCE);
+        ZO_ASSERT_SITE(index >= 1 && index <= values.size() + 1, "index >= 1 && index <= NItems() + 1",
+                       Self::SITE);
         values.insert(values.begin() + static_cast<std::ptrdiff_t>(index - 1), value);
     }
     void RemoveAt(unsigned long long index) {
@@ -205,7 +206,7 @@ protected:
 
 private:
     std::size_t Index(unsigned long long index) const {
-        ZO_ASSERT(index >= 1 && index <= values.size(), "index >= 1 && index <= NItems()", Self::SOURCE);
+        ZO_ASSERT_SITE(index >= 1 && index <= values.size(), "index >= 1 && index <= NItems()", Self::SITE);
         return static_cast<std::size_t>(index - 1);
     }
 
@@ -215,17 +216,17 @@ private:
         const bool parallel = Self::SEARCHES_IN_PARALLEL && count > ZoSerialFindLimit;
         // A class derived from the container may compare in its own way.
         const bool direct = typeid(*this) == typeid(Self);
+        std::size_t searched = 0;
         if (direct) {
-            const std::size_t prefix = parallel ? ZoSerialFindPrefix(count) : count;
-            const std::size_t found = ZoFindFirst(values.data(), prefix, value);
-            if (found < prefix || !parallel) return found;
+            searched = parallel ? ZoSerialFindPrefix(count) : count;
+            const std::size_t found = ZoFindFirst(values.data(), searched, value);
+            if (found < searched || !parallel) return found;
         } else if (!parallel) {
-            std::size_t found = 0;
-            while (found < count && !Equal(values[found], value)) ++found;
-            return found;
+            while (searched < count && !Equal(values[searched], value)) ++searched;
+            return searched;
         }
         return static_cast<std::size_t>(
-            TBBParallelFinder<Self>(static_cast<const Self&>(*this), value, direct).Find());
+            TBBParallelFinder<Self>(static_cast<const Self&>(*this), value, direct).Find(searched));
     }
 };
 

@@ -12,7 +12,7 @@ class TDVector : public TValueContainer<T, TDVector<T>> {
 
 public:
     static constexpr bool SEARCHES_IN_PARALLEL = true;
-    static constexpr const char* SOURCE = "public/include/ZoPrimitives/dvector";
+    static constexpr ZoSite SITE{ZoSources::DVECTOR, __LINE__};
 
     TDVector() = default;
     TDVector(const TDVector&) = default;
@@ -38,7 +38,7 @@ class TDList : public TValueContainer<T, TDList<T>> {
 
 public:
     static constexpr bool SEARCHES_IN_PARALLEL = false;
-    static constexpr const char* SOURCE = "public/include/ZoPrimitives/dvector";
+    static constexpr ZoSite SITE{ZoSources::DVECTOR, __LINE__};
 
     TDList() = default;
     TDList(const TDList&) = default;

@@ -72,7 +72,7 @@ public:
 
 private:
     T* Checked() const {
-        ZO_ASSERT(object, "object", "public/include/ZoPrimitives/pointer");
+        ZO_ASSERT(object, "object", ZoSources::POINTER);
         return object;
     }
 
@@ -109,7 +109,7 @@ public:
 
 private:
     T* Checked() const {
-        ZO_ASSERT(object, "object", "public/include/ZoPrimitives/pointer");
+        ZO_ASSERT(object, "object", ZoSources::POINTER);
         return object;
     }
 

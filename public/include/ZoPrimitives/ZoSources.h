@@ -1,0 +1,40 @@
+#pragma once
+
+// Where assertions say that they failed. Crash reports are compared with those of older versions: these
+// paths, relative to the source root and without extension, and these lines stay as they are when the code
+// moves. An assertion without a line here gives the one where it stands.
+
+namespace ZoPrimitives {
+
+/// A place in the sources, as assertions name it.
+struct ZoSite {
+    const char* source;
+    int line;
+};
+
+namespace ZoSources {
+
+inline constexpr const char* DVECTOR = "public/include/ZoPrimitives/dvector";
+inline constexpr const char* ILIST = "public/include/ZoPrimitives/IList";
+inline constexpr const char* IMAP = "public/include/ZoPrimitives/IMap";
+inline constexpr const char* IVECTOR = "public/include/ZoPrimitives/IVector";
+inline constexpr const char* POINTER = "public/include/ZoPrimitives/pointer";
+inline constexpr const char* SDLIST = "public/include/ZoPrimitives/SDList";
+inline constexpr const char* ZOSTRING_HEADER = "public/include/ZoPrimitives/ZoString";
+
+inline constexpr const char* GRANDEZA = "cpp/ZoPrimitives/grandeza";
+inline constexpr const char* MATH2 = "cpp/ZoPrimitives/Math2";
+inline constexpr const char* TTRANSFORMATION = "cpp/ZoPrimitives/TTransformation";
+inline constexpr const char* UNIT_TEXT = "cpp/ZoPrimitives/UnitText";
+inline constexpr const char* ZOSTRING = "cpp/ZoPrimitives/ZoString";
+
+// ZoString
+inline constexpr ZoSite INDEX{ZOSTRING_HEADER, 514};
+inline constexpr ZoSite CONST_INDEX{ZOSTRING_HEADER, 524};
+inline constexpr ZoSite FIND{ZOSTRING, 645};
+inline constexpr ZoSite RFIND{ZOSTRING, 693};
+inline constexpr ZoSite TEXT_RFIND{ZOSTRING, 723};
+
+} // namespace ZoSources
+
+} // namespace ZoPrimitives

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <span>
-#include <string_view>
 
 namespace ZoPrimitives {
 
@@ -51,15 +50,20 @@ constexpr UnitConversion Over(double k) { return {{UnitStep::Divide, k}, {}}; }
 constexpr UnitConversion Plus(double k) { return {{UnitStep::Add, k}, {}}; }
 constexpr UnitConversion Minus(double k) { return {{UnitStep::Subtract, k}, {}}; }
 
-/// A unit of a quantity: its number, its name in Windows-1252 ("" for none), what turns a value of it into
-/// the storage unit, and what turns the value in the storage unit into it.
+/// A unit of a quantity: its number; its accessor's name; its name in Windows-1252 ("" for none); what turns
+/// a value of it into the storage unit, and the value in the storage unit into it; other ways to write it,
+/// "a|b".
 struct UnitRow {
     template <class Unit>
-    constexpr UnitRow(Unit enumerator, const char* unitName, UnitConversion store, UnitConversion read)
-        : unit(static_cast<int>(enumerator)), name(unitName), stored(store), reading(read) {}
+    constexpr UnitRow(Unit enumerator, const char* accessorName, const char* shownName, UnitConversion store,
+                      UnitConversion read, const char* otherNames = "")
+        : unit(static_cast<int>(enumerator)), accessor(accessorName), name(shownName), others(otherNames),
+          stored(store), reading(read) {}
 
     int unit;
+    const char* accessor;
     const char* name;
+    const char* others;
     UnitConversion stored;
     UnitConversion reading;
 };
@@ -77,16 +81,6 @@ inline const UnitRow* FindUnit(UnitTable table, int unit) {
 constexpr bool UnitsAreInOrder(UnitTable table) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (table[i].unit != static_cast<int>(i)) return false;
-    }
-    return true;
-}
-
-/// No name stands twice; one unit may be nameless.
-constexpr bool UnitNamesDiffer(UnitTable table) {
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        for (std::size_t j = 0; j < i; ++j) {
-            if (std::string_view(table[i].name) == table[j].name) return false;
-        }
     }
     return true;
 }

@@ -3,7 +3,9 @@
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/Math2.h"
 #include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UnitName.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string>
@@ -13,14 +15,15 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/ZoPrimitives/UnitText";
-
-constexpr int MOST_WORDS = 4; // of a unit's name
+constexpr int MOST_WORDS = 6; // of a unit's name: "lb / cu . ft"
 
 using Expected = TLeituraDeGrandeza::TEsperado;
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsSign(char c) { return c == '+' || c == '-'; }
+bool IsSmall(char c) {
+    return (c >= 'a' && c <= 'z') || (static_cast<unsigned char>(c) >= 0xDF && c != '\xF7');
+}
 bool IsSeparator(char c) {
     return std::string_view("!\"#$%&'()*,./:;<=>?@[\\]^_`{|}~").find(c) != std::string_view::npos;
 }
@@ -48,14 +51,16 @@ public:
             return Miss(at == start ? Expected::Numero : Expected::Algarismo);
         }
         TakeDigits(digits);
-        if (Here() == separator) {
+        const bool pointed = Here() == separator;
+        if (pointed) {
             ++at;
-            if (!At(IsDigit)) return Miss(Expected::Algarismo);
+            if (!IsDigit(digits.empty() ? '\0' : digits.back()) && !At(IsDigit))
+                return Miss(Expected::Algarismo);
             digits += '.';
             TakeDigits(digits);
-        } else if (OtherMark()) {
-            return Miss(Expected::Separador);
         }
+        if (GroupFollows(pointed)) return Miss(Expected::MilharesJuntos);
+        if (!pointed && OtherMark()) return Miss(Expected::Separador);
         if ((Here() | 0x20) == 'e' && IsDigit(Here(IsSign(Here(1)) ? 2 : 1))) {
             digits += 'e';
             ++at;
@@ -73,15 +78,15 @@ public:
     const UnitRow* Unit(int unitWhenNone) {
         SkipBlanks();
         std::size_t end = text.size();
-        while (end > at && UnitNameReader::IsBlank(text[end - 1])) --end;
+        while (end > at && IsBlank(text[end - 1])) --end;
         const UnitRow* row = at == end ? FindUnit(table, unitWhenNone) : FindNamed(text.substr(at, end - at));
         if (row != nullptr) return row;
         // A name and then something else: that is what is too much.
         std::size_t named = at;
         std::size_t word = at;
         for (int words = 0; words < MOST_WORDS && word < end; ++words) {
-            while (UnitNameReader::IsBlank(text[word])) ++word;
-            while (word < end && !UnitNameReader::IsBlank(text[word])) ++word;
+            while (IsBlank(text[word])) ++word;
+            while (word < end && !IsBlank(text[word])) ++word;
             if (FindNamed(text.substr(at, word - at)) != nullptr) named = word;
         }
         if (named > at) {
@@ -112,7 +117,7 @@ private:
     bool At(bool (*is)(char)) const { return is(Here()); }
     bool OtherMark() const { return Here() == '.' || Here() == ','; }
     void SkipBlanks() {
-        while (at < text.size() && UnitNameReader::IsBlank(text[at])) ++at;
+        while (at < text.size() && IsBlank(text[at])) ++at;
     }
     void TakeDigits(std::string& digits) {
         while (At(IsDigit)) digits += text[at++];
@@ -122,9 +127,22 @@ private:
         return false;
     }
 
+    /// Whether thousands are grouped here. A mark and three digits alone may be decimals behind the wrong
+    /// mark.
+    bool GroupFollows(bool pointed) const {
+        std::size_t digits = 0;
+        while (digits < 4 && IsDigit(Here(1 + digits))) ++digits;
+        if (IsBlank(Here()) || Here() == '\'') return digits == 3;
+        if (!OtherMark() && Here() != separator) return false;
+        const char next = Here(1 + digits);
+        return pointed ? digits > 0 : digits == 3 && (next == '.' || next == ',' || next == separator);
+    }
+
     /// Null when no unit has the name, or several do.
     const UnitRow* FindNamed(std::string_view name) const {
-        for (const Likeness likeness : {Shown, Plain, AnyCase}) {
+        const bool capitals = std::none_of(name.begin(), name.end(), IsSmall);
+        for (const Likeness likeness : {Shown, Own, AnyCase, Capitals}) {
+            if (likeness == Capitals && !capitals) break;
             const UnitRow* found = nullptr;
             for (std::size_t i = 0; i < table.size(); ++i) {
                 if (!IsNamed(i, name, likeness)) continue;
@@ -136,11 +154,15 @@ private:
         return nullptr;
     }
     /// The language in use comes before the library's own names, and those before either in another case.
-    enum Likeness { Shown, Plain, AnyCase };
-    bool IsNamed(std::size_t i, std::string_view name, Likeness likeness) const {
-        const bool anyCase = likeness == AnyCase;
-        return (likeness != Plain && IsSameUnitName(name, shownNames[i].c_str(), anyCase)) ||
-               (likeness != Shown && IsSameUnitName(name, table[i].name, anyCase));
+    enum Likeness { Shown, Own, AnyCase, Capitals };
+    bool IsNamed(std::size_t i, std::string_view typed, Likeness likeness) const {
+        const UnitLetters letters = likeness == Capitals  ? UnitLetters::AnyCase
+                                    : likeness == AnyCase ? UnitLetters::AnyCaseButM
+                                                          : UnitLetters::AsTheyAre;
+        const auto isTyped = [&](std::string_view name) { return IsUnitName(typed, name, letters); };
+        const ZoString& shown = shownNames[i];
+        return (likeness != Own && shown.length() != 0 && isTyped(shown.c_str())) ||
+               (likeness != Shown && HasName(table[i], isTyped));
     }
 
     ZoString Description() const {
@@ -160,6 +182,8 @@ private:
             return words("uma unidade") + Names();
         case Expected::Fim:
             return words("o fim do texto");
+        case Expected::MilharesJuntos:
+            return words("os milhares juntos, sem separador");
         }
         return ZoString();
     }
@@ -186,7 +210,7 @@ ZoString TranslatedName(const char* name) { return TTranslatedString(name).ToZoS
 
 ZoString WriteQuantity(UnitTable table, int unit, double valor, unsigned decimals, bool keepZeros,
                        char separator) {
-    ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", SOURCE);
+    ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", ZoSources::UNIT_TEXT);
     const UnitRow* row = FindUnit(table, unit);
     if (row == nullptr) return ZoString();
     ZoString text = FormatFloat(row->reading(valor), decimals, keepZeros, separator);
@@ -196,7 +220,7 @@ ZoString WriteQuantity(UnitTable table, int unit, double valor, unsigned decimal
 
 TLeituraDeGrandeza ReadQuantity(UnitTable table, const ZoString& text, char separator, int unitWhenNone,
                                 double& valor, ShownName shown) {
-    ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", SOURCE);
+    ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", ZoSources::UNIT_TEXT);
     QuantityParser parser(text, separator, table, shown);
     double value = 0;
     if (!parser.Number(value)) return parser.Refused();

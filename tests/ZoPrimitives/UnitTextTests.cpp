@@ -8,16 +8,18 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
-#include <limits>
+#include <cstdint>
 
 using namespace ZoPrimitives;
 
 namespace {
 
-using Expected = TLeituraDeGrandeza::TEsperado;
-
 constexpr double UNTOUCHED = -77; // what `ofText` reads over
+
+std::uint64_t Bits(double value) { return std::bit_cast<std::uint64_t>(value); }
 
 TEST(UnitTextTest, Writes) {
     const struct {
@@ -38,143 +40,148 @@ TEST(UnitTextTest, Writes) {
         {"GTemperatura", 101.25, 1, 1, false, ',', "212 ºF"_ansi},
         {"GVelocidade", 1, 3, 1, true, ',', "600,0"},
         {"GComprimento", 1, 5, 1, true, ',', ""},
-        {"GComprimento", 1e300, 0, 0, false, ',', nullptr},
     };
     for (const auto& row : rows) {
         const std::string text =
             QuantityNamed(row.quantity).text(row.valor, row.unit, row.decimals, row.keepZeros, row.separator);
-        if (row.text != nullptr) {
-            EXPECT_EQ(text, row.text);
-        } else {
-            EXPECT_EQ(text.size(), 301 + std::string(" cm").size());
-        }
+        EXPECT_EQ(text, row.text);
     }
 }
 
 TEST(UnitTextTest, Reads) {
     const struct {
         const char* quantity;
-        const char* text;
-        char separator;
-        int unitWhenNone;
-        double value; // in the unit
-        int unit;
+        int unit; // the next one counts where none is written
+        double value;
+        std::vector<const char*> texts; // ',' before decimals
     } rows[] = {
-        {"GForcaLinear", "3,5 kN/m", ',', 0, 3.5, 2},
-        {"GForcaLinear", "3.5kN/m", '.', 0, 3.5, 2},
-        {"GForcaLinear", "350 kgf/m", ',', 2, 350, 0},
-        {"GForcaLinear", "350", ',', 2, 350, 2},
-        {"GComprimento", "1e-3 m", ',', 0, 1e-3, 1},
-        {"GComprimento", "1e-3m", '.', 0, 1e-3, 1},
-        {"GComprimento", "-2,5E+2cm", ',', 1, -250, 0},
-        {"GComprimento", "+7", ',', 4, 7, 4},
-        {"GComprimento", "\t  ,5 \xA0m\r\n", ',', 0, 0.5, 1},
-        {"GComprimento", "1e3", '.', 1, 1000, 1},
-        {"GComprimento", "1.000 m", '.', 0, 1, 1},
-        {"GComprimento", "007 in", '.', 0, 7, 2},
-        {"GComprimento", "12 IN", '.', 0, 12, 2},
-        {"GMomento", "2 kgf.cm", '.', 0, 2, 6},
-        {"GMomento", "2 kgf·cm"_ansi, ',', 0, 2, 6},
-        {"GMomento", "0.1 tf.kip", '.', 0, 0.1, 4},
-        {"GPressaoTensao", "40 kgf/cm²"_ansi, '.', 3, 40, 0},
-        {"GPressaoTensao", "40 kgf/cm2", '.', 3, 40, 0},
-        {"GPressaoTensao", "40 kgf/cm^2", '.', 3, 40, 0},
-        {"GPressaoTensao", "25 MPa", '.', 0, 25, 3},
-        {"GPressaoTensao", "25 Mpa", '.', 0, 25, 3},
-        {"GPressaoHidraulica", "10 m.c.a.", '.', 0, 10, 1},
-        {"GPressaoHidraulica", "10 kpa", '.', 0, 10, 3},
-        {"GForcaConcentrada", "10 KN", '.', 0, 10, 2},
-        {"GPeso", "150 lb/cu  ft", '.', 0, 150, 4},
-        {"GPeso", "25 KN/m3", '.', 0, 25, 2},
-        {"GTemperatura", "20°C"_ansi, '.', 2, 20, 0},
-        {"GTemperatura", "-40 ºf"_ansi, '.', 2, -40, 1},
-        {"GTemperatura", "32 ºF"_ansi, '.', 2, 32, 1},
-        {"GComprimento", "4e-324", '.', 0, 5e-324, 0},
-        {"GComprimento", "-0 mm", '.', 0, -0.0, 4},
-        {"GVazao", "2 L/s", '.', 0, 2, 4},
-        {"GInercia", "3 cm^4", '.', 1, 3, 0},
-        {"GVelocidade", "5", '.', 3, 5, 3},
+        {"GForcaLinear", 2, 3.5, {"3,5 kN/m", "3,5 KN/M", "3,5kN / m", "3,5 kN_m", "+35e-1 kN /m"}},
+        {"GForcaLinear", 4, 2, {"2 lb/ft", "2 lbs./ft", "2 LBS. / FT."}},
+        {"GComprimento", 0, -250, {"-2,5E+2cm", "-250", "-250, Cm"}},
+        {"GComprimento", 1, 0.5, {"\t  ,5 \xA0m\r\n", "0,500m", "5e-1 M", "0005,e-01m."}},
+        {"GComprimento", 2, 12, {"12 in", "12 in.", "12 IN"}},
+        {"GComprimento", 3, 3, {"3, ft", "3,ft", "3,e0ft"}},
+        {"GComprimento", 4, 12, {"12 mm", "12 MM", "12,"}},
+        {"GComprimento", 4, -0.0, {"-0 mm", "-,0"}},
+        {"GComprimento", 0, 5e-324, {"4e-324", "0,0004e-320"}},
+        {"GMomento", 6, 2, {"2 kgf.cm", "2 kgf·cm"_ansi, "2 KGF . CM", "2 kgfcm."}},
+        {"GMomento", 2, 2, {"2 kNm", "2 kN m", "2 kN*m", "2 KN.m", "2 kN-m"}},
+        {"GMomento", 5, 2, {"2 ft.lb", "2 ft-lbs"}},
+        {"GMomento", 4, 0.1, {",1 tf.kip", ",1 ftkip", ",1 ft.kips"}},
+        {"GPressaoTensao", 0, 40, {"40 kgf/cm²"_ansi, "40 kgf/cm2", "40 kgf/cm^2", "40 KGF/CM2"}},
+        {"GPressaoTensao", 3, 25, {"25 MPa", "25 Mpa", "25 MPA"}},
+        {"GPressaoHidraulica", 1, 10, {"10 m.c.a.", "10 m.c.a", "10 mca"}},
+        {"GForcaConcentrada", 5, 10, {"10 kip", "10 kips."}},
+        {"GArea", 3, 3, {"3 sq in", "3 sqin", "3 sq. in.", "3 in²"_ansi}},
+        {"GVolume", 3, 3, {"3 ft³"_ansi, "3 cu.ft"}},
+        {"GPeso", 4, 150, {"150 lb/cu  ft", "150 lb / cu . ft", "150 lb/ft^3"}},
+        {"GRecalque", 4, 150, {"150 lb/cu in", "150 lbs/in3"}},
+        {"GAngulo", 1, 45, {"45°"_ansi, "45 º"_ansi, "45 deg", "45 graus"}},
+        {"GAngulo", 0, 1.57, {"1,57 rad"}},
+        {"GTemperatura", 0, 20, {"20°C"_ansi, "20 ºc"_ansi, "20 C"}},
+        {"GTemperatura", 1, 32, {"32 ºF"_ansi, "32F"}},
+        {"GVelocidade", 3, 5, {"5", "5 mm/min", "5 MM/MIN"}},
+        {"GInercia", 0, 3, {"3 cm4", "3 cm^4"}},
+        {"GTempo", 3, 2, {"2 dias", "2 dia"}},
     };
     for (const auto& row : rows) {
         const Quantity& of = QuantityNamed(row.quantity);
-        const auto [valor, reading] = of.ofText(row.text, row.separator, row.unitWhenNone);
-        EXPECT_TRUE(reading) << row.text << ": " << reading.posicao << ' ' << reading.descricao.c_str();
-        EXPECT_EQ(reading.unidade, row.unit) << row.text;
-        EXPECT_EQ(valor, of.constructed(row.value, row.unit)) << row.text;
-        EXPECT_EQ(reading.descricao, "") << row.text;
+        for (std::string text : row.texts) {
+            for (const char separator : {',', '.'}) {
+                std::replace(text.begin(), text.end(), ',', separator);
+                const bool named = text.find_first_not_of("+-0123456789,.e") != std::string::npos;
+                const int unitWhenNone = (row.unit + (named ? 1 : 0)) % of.units;
+                const auto [valor, reading] = of.ofText(text.c_str(), separator, unitWhenNone);
+                EXPECT_TRUE(reading) << text << ": " << reading.posicao << ' ' << reading.descricao.c_str();
+                EXPECT_EQ(reading.unidade, row.unit) << text;
+                EXPECT_EQ(Bits(valor), Bits(of.constructed(row.value, row.unit))) << text;
+                EXPECT_EQ(reading.descricao, "") << text;
+            }
+        }
+    }
+}
+
+TEST(UnitTextTest, EveryUnitIsReadByEachOfItsNames) {
+    for (const Quantity& of : AllQuantities()) {
+        for (int unit = 0; unit < of.units; ++unit) {
+            for (ZoString name : {ZoString(of.unitName(unit).c_str()),
+                                  ZoString(of.accessorNames[static_cast<std::size_t>(unit)].c_str())}) {
+                if (name.length() == 0) continue;
+                for (int capitals = 0; capitals < 2; ++capitals, name.Uppercase()) {
+                    const auto [valor, reading] = of.ofText((" 2 " + name).c_str(), ',', -1);
+                    EXPECT_EQ(reading.unidade, unit) << of.name << ' ' << name.c_str();
+                    EXPECT_EQ(valor, of.constructed(2, unit)) << of.name << ' ' << name.c_str();
+                }
+            }
+        }
     }
 }
 
 TEST(UnitTextTest, RefusesWithoutGuessing) {
-    constexpr const char* LENGTHS = "uma unidade: cm, m, in, ft, mm";
-    constexpr const char* NUMBER = "um número"_ansi;
-    constexpr const char* DIGIT = "um algarismo";
-    constexpr const char* COMMA = "o separador decimal ,";
-    constexpr const char* POINT = "o separador decimal .";
-    constexpr const char* RANGE = "um número nem grande nem pequeno demais"_ansi;
-    constexpr const char* END = "o fim do texto";
-    const std::string long_ = "1" + std::string(400, '0');
+    using enum TLeituraDeGrandeza::TEsperado;
+    const auto described = [](TLeituraDeGrandeza::TEsperado expected, char separator) {
+        constexpr const char* TEXTS[] = {"",
+                                         "um número"_ansi,
+                                         "um algarismo",
+                                         "o separador decimal ",
+                                         "um número nem grande nem pequeno demais"_ansi,
+                                         "uma unidade: cm, m, in, ft, mm",
+                                         "o fim do texto",
+                                         "os milhares juntos, sem separador"};
+        const ZoString text = TEXTS[static_cast<std::size_t>(expected)];
+        return expected == Separador ? text + separator : text;
+    };
+    const std::string large = "1" + std::string(400, '0');
     const struct {
-        const char* text;
-        char separator;
+        TLeituraDeGrandeza::TEsperado expected;
         unsigned position;
-        Expected expected;
-        const char* description;
+        std::vector<const char*> texts;
+        char separator = ',';
     } rows[] = {
-        {"", ',', 0, Expected::Numero, NUMBER},
-        {"  ", ',', 2, Expected::Numero, NUMBER},
-        {"m", ',', 0, Expected::Numero, NUMBER},
-        {"nan m", ',', 0, Expected::Numero, NUMBER},
-        {"inf", ',', 0, Expected::Numero, NUMBER},
-        {"-", ',', 1, Expected::Algarismo, DIGIT},
-        {"-inf", ',', 1, Expected::Algarismo, DIGIT},
-        {"- 3 m", ',', 1, Expected::Algarismo, DIGIT},
-        {"--3 m", ',', 1, Expected::Algarismo, DIGIT},
-        {"3, m", ',', 2, Expected::Algarismo, DIGIT},
-        {",", ',', 1, Expected::Algarismo, DIGIT},
-        {",m", ',', 1, Expected::Algarismo, DIGIT},
-        {"3.5", ',', 1, Expected::Separador, COMMA},
-        {"3.5 m", ',', 1, Expected::Separador, COMMA},
-        {"3,5 m", '.', 1, Expected::Separador, POINT},
-        {".5 m", ',', 0, Expected::Separador, COMMA},
-        {"1.000,5", ',', 1, Expected::Separador, COMMA},
-        {"1.000,5", '.', 5, Expected::Unidade, LENGTHS},
-        {"1,000,000 m", ',', 5, Expected::Unidade, LENGTHS},
-        {"1 000 m", ',', 2, Expected::Unidade, LENGTHS},
-        {"1'000 m", ',', 1, Expected::Unidade, LENGTHS},
-        {"12 im", ',', 3, Expected::Unidade, LENGTHS},
-        {"12 mx", ',', 3, Expected::Unidade, LENGTHS},
-        {"12 M", ',', 3, Expected::Unidade, LENGTHS},
-        {"12 Mm", ',', 3, Expected::Unidade, LENGTHS},
-        {"12 MM", ',', 3, Expected::Unidade, LENGTHS},
-        {"12 m m", ',', 5, Expected::Fim, END},
-        {"12 cm , 3", ',', 6, Expected::Fim, END},
-        {"12 km", ',', 3, Expected::Unidade, LENGTHS},
-        {"12 m2", ',', 3, Expected::Unidade, LENGTHS},
-        {"12e m", ',', 2, Expected::Unidade, LENGTHS},
-        {"12e+ m", ',', 2, Expected::Unidade, LENGTHS},
-        {"1e2,5 m", ',', 3, Expected::Unidade, LENGTHS},
-        {"0x10 m", ',', 1, Expected::Unidade, LENGTHS},
-        {"12 kgf", ',', 3, Expected::Unidade, LENGTHS},
-        {" 1e999 m", ',', 1, Expected::Representavel, RANGE},
-        {"1e308 m", ',', 0, Expected::Representavel, RANGE},
-        {"-1e-999", ',', 0, Expected::Representavel, RANGE},
-        {"4e-324 mm", ',', 0, Expected::Representavel, RANGE}, // but not in cm
-        {long_.c_str(), ',', 0, Expected::Representavel, RANGE},
+        {Numero, 0, {"", "nan m", "inf", "m"}},
+        {Numero, 2, {"  "}},
+        {Algarismo, 1, {"-inf", "- 3 m", "--3 m", ",", ",m", ",,5"}},
+        {Algarismo, 2, {"-,m"}},
+        {Separador, 0, {".5 m"}},
+        {Separador, 1, {"3.5 m", "3. m", "1.000 m", "1.0000,5 m", "1.00,5"}}, // 1.000: 1 or 1000
+        {Separador, 1, {"3,5 m"}, '.'},
+        {MilharesJuntos,
+         1,
+         {"1 234,5 m",
+          "1\xA0"
+          "000 m",
+          "1'000 m", "1.000,5", "1.000.000"}},
+        {MilharesJuntos, 5, {"1,000,000 m", "1,000.5"}},
+        {MilharesJuntos, 5, {"1.000,5"}, '.'},
+        {Unidade, 1, {"0x10 m", "1'00 m"}},
+        {Unidade, 2, {"12e m", "12e+ m", "12-m", "1 2345 m", "1 23 m"}},
+        {Unidade,
+         3,
+         {"3, 5 m", "12 im", "12 Mm", "12 cM", "12 .m", "12 m..", "12 m^", "12 cm/", "12 km", "1e2,5 m"}},
+        {Fim, 5, {"12 m m"}},
+        {Fim, 6, {"12 cm , 3", "12 m  / 2", "12 m. m"}},
+        {Representavel, 0, {"1e308 m", "-1e-999", "4e-324 mm", large.c_str()}}, // mm: not in cm
+        {Representavel, 1, {" 1e999 m"}},
     };
     for (const auto& row : rows) {
-        const auto [valor, reading] = QuantityNamed("GComprimento").ofText(row.text, row.separator, 0);
-        EXPECT_FALSE(reading) << row.text;
-        EXPECT_EQ(reading.posicao, row.position) << row.text;
-        EXPECT_EQ(reading.esperado, row.expected) << row.text;
-        EXPECT_EQ(reading.descricao, row.description) << row.text;
-        EXPECT_EQ(reading.unidade, -1) << row.text;
-        EXPECT_EQ(valor, UNTOUCHED) << row.text;
+        for (const char* text : row.texts) {
+            const auto [valor, reading] = QuantityNamed("GComprimento").ofText(text, row.separator, 0);
+            EXPECT_EQ(reading.esperado, row.expected) << text;
+            EXPECT_EQ(reading.posicao, row.position) << text;
+            EXPECT_EQ(reading.descricao, described(row.expected, row.separator)) << text;
+            EXPECT_EQ(reading.unidade, -1) << text;
+            EXPECT_EQ(valor, UNTOUCHED) << text;
+        }
     }
-    const auto [valor, unitless] = QuantityNamed("GComprimento").ofText("12,5 ", ',', -1);
-    EXPECT_EQ(unitless.esperado, Expected::Unidade) << "where no unit counts, one must be written";
+    const std::pair<const char*, const char*> others[] = {{"GPressaoTensao", "1 mPa"},
+                                                          {"GForcaLinear", "1 kN-/m"},
+                                                          {"GForcaLinear", "1 kN/.m"},
+                                                          {"GVelocidade", "1 ."}};
+    for (const auto& [quantity, text] : others)
+        EXPECT_EQ(QuantityNamed(quantity).ofText(text, ',', 0).second.esperado, Unidade) << text;
+    const auto unitless = QuantityNamed("GComprimento").ofText("12,5 ", ',', -1).second;
+    EXPECT_EQ(unitless.esperado, Unidade) << "where no unit counts, one must be written";
     EXPECT_EQ(unitless.posicao, 5u);
-    EXPECT_EQ(valor, UNTOUCHED);
 }
 
 /// A language in which feet and pounds are named alike, and inches as metres are elsewhere.
@@ -187,16 +194,16 @@ ZoString OtherLanguage(const char* name) {
 }
 
 TEST(UnitTextTest, ReadsTheLanguageInUse) {
-    static constexpr UnitRow rows[] = {{0, "m", AsIs, AsIs},
-                                       {1, "in", AsIs, AsIs},
-                                       {2, "ft", AsIs, AsIs},
-                                       {3, "lb", AsIs, AsIs},
-                                       {4, "cm", AsIs, AsIs}};
+    static constexpr UnitRow rows[] = {{0, "m", "m", AsIs, AsIs},
+                                       {1, "in", "in", AsIs, AsIs},
+                                       {2, "ft", "ft", AsIs, AsIs},
+                                       {3, "lb", "lb", AsIs, AsIs, "lbs|#"},
+                                       {4, "cm", "cm", AsIs, AsIs}};
     const std::pair<const char*, int> texts[] = {
         {"1 m", 1},  // the language's name comes before the library's own
         {"1 in", 1}, // which are read too
         {"1 espaço"_ansi, 0}, {"1 ESPAÇO"_ansi, 0}, {"1 x", -1}, // two units
-        {"1 X", -1},          {"1 lb", 3},          {"1 CM", -1},
+        {"1 X", -1},          {"1 lb", 3},          {"1 #", 3},  {"1 M", -1}, {"1 CM", 4},
     };
     for (const auto& [text, unit] : texts) {
         double valor = UNTOUCHED;
@@ -211,34 +218,26 @@ TEST(UnitTextTest, WhatIsWrittenReadsBack) {
     const CommaLocale locale; // of no consequence
     for (const Quantity& of : AllQuantities()) {
         for (int unit = 0; unit < of.units; ++unit) {
-            for (const double value : {0.0, 1.0, -1234.5678, 0.001, 98765.4321, 250000.0}) {
+            for (const double value : {0.0, -1234.5678, 0.001, 250000.0}) {
                 for (const unsigned decimals : {0u, 3u, 9u}) {
-                    for (const char separator : {',', '.'}) {
-                        const bool keepZeros = separator == ',';
-                        const auto written = [&](double valor) {
-                            return of.text(valor, unit, decimals, keepZeros, separator);
-                        };
-                        const std::string text = written(of.constructed(value, unit));
-                        const bool named = !of.unitName(unit).empty();
-                        const auto [valor, reading] =
-                            of.ofText(text.c_str(), separator, named ? (unit + 1) % of.units : unit);
-                        ASSERT_TRUE(reading) << of.name << ": " << text;
-                        EXPECT_EQ(reading.unidade, unit) << of.name << ": " << text;
-                        if (of.name == "GPotencia" && unit >= 4) continue;
-                        const double off = std::abs(of.read(valor, unit) - value);
-                        EXPECT_LE(off, 0.5 * std::pow(10, -static_cast<int>(decimals)) * (1 + 1e-6) +
-                                           1e-15 * std::abs(value))
-                            << of.name << ": " << text;
-                        EXPECT_EQ(written(valor), text) << of.name;
-                    }
+                    const char separator = decimals == 3 ? '.' : ',';
+                    const auto written = [&](double valor) {
+                        return of.text(valor, unit, decimals, decimals != 9, separator);
+                    };
+                    const std::string text = written(of.constructed(value, unit));
+                    const int unitWhenNone = of.unitName(unit).empty() ? unit : (unit + 1) % of.units;
+                    const auto [valor, reading] = of.ofText(text.c_str(), separator, unitWhenNone);
+                    EXPECT_EQ(reading.unidade, unit) << of.name << ": " << text;
+                    if (of.name == "GPotencia" && unit >= 4) continue; // written as they read, not as set
+                    EXPECT_LE(std::abs(of.read(valor, unit) - value),
+                              0.5 * std::pow(10, -static_cast<int>(decimals)) * (1 + 1e-6) +
+                                  1e-15 * std::abs(value))
+                        << of.name << ": " << text;
+                    EXPECT_EQ(written(valor), text) << of.name;
                 }
             }
         }
     }
-    // These two are written as they read, not as they were set.
-    EXPECT_EQ(QuantityNamed("GPotencia").text(GPotencia(1, TPotencia::watt), 4, 4, true, ','), "1,0002 W");
-    EXPECT_EQ(QuantityNamed("GPotencia").text(GPotencia(1, TPotencia::kwatt), 5, 8, true, ','),
-              "0,99999981 kW");
 }
 
 TEST(UnitTextTest, LongTextsTakeNoLongTime) {
@@ -260,14 +259,12 @@ TEST(UnitTextTest, LongTextsTakeNoLongTime) {
 }
 
 TEST(UnitTextTest, SeparatorsAreMarks) {
+    GComprimento length(1.0);
     for (const char separator : {'1', '-', '+', 'e', ' ', '\0', '\xB2'}) {
-        GComprimento length(1.0);
-        const FailedAssertion read =
-            AssertionOf([&] { static_cast<void>(length.LeTexto("1", separator, TComprimento::m)); });
-        const FailedAssertion written =
-            AssertionOf([&] { length.Texto(TComprimento::m, 1, true, separator); });
-        EXPECT_EQ(read.expression, "IsSeparator(separator)");
-        EXPECT_EQ(written.expression, read.expression);
+        const auto read = [&] { static_cast<void>(length.LeTexto("1", separator, TComprimento::m)); };
+        const auto write = [&] { length.Texto(TComprimento::m, 1, true, separator); };
+        EXPECT_EQ(AssertionOf(read).expression, "IsSeparator(separator)");
+        EXPECT_EQ(AssertionOf(write).expression, "IsSeparator(separator)");
     }
 }
 

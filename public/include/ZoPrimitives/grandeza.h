@@ -12,6 +12,7 @@
 // and 1 kp = 1 kgf. A unit is an enumerator; its number may be stored, its name depends on the language in
 // use. Applications rely on every bit of a conversion, and on its oddities, which are told where they are.
 
+#include "ZoPrimitives/GrandezaUnits.h"
 #include "ZoPrimitives/ZoRegister.h"
 
 #include <type_traits>
@@ -73,7 +74,16 @@ protected:
 
 /// What came of reading a quantity from text: true when the text was understood.
 struct TLeituraDeGrandeza {
-    enum class TEsperado : int { Nada, Numero, Algarismo, Separador, Representavel, Unidade, Fim };
+    enum class TEsperado : int {
+        Nada,
+        Numero,
+        Algarismo,
+        Separador,
+        Representavel,
+        Unidade,
+        Fim,
+        MilharesJuntos
+    };
 
     /// What was expected, and not found; `Nada` when the text was understood.
     TEsperado esperado = TEsperado::Nada;
@@ -87,26 +97,32 @@ struct TLeituraDeGrandeza {
     explicit operator bool() const { return esperado == TEsperado::Nada; }
 };
 
-// What every quantity has beside its accessors, one for each unit, which return what `Valor(unit)` returns.
+// What every quantity has: an accessor for each unit, which returns what `Valor(unit)` returns, and these.
 //
 // A number that is no unit is ignored by `Valor(v, u)`, reads 0 and has the name "" and the text "". Names
 // are in the language in use. `Create` is the factory for readers.
 //
 // `Texto` writes the value in a unit as `FormatFloat` does, a space and the unit's name: "3,50 kN/m".
 // `LeTexto` reads such a text, and what people type: a sign, digits, the separator with more digits, an
-// exponent, blanks and a unit; "-1e-3m", "2 kgf/cm2". `semUnidade` counts where no unit is written; if it is
-// no unit, one must be written. Thousands are not grouped. The value stays as it was when the text is
-// refused.
+// exponent, blanks and a unit; "-1e-3m", "2 kgf/cm2", "3. ft". `semUnidade` counts where no unit is written;
+// if it is no unit, one must be written. Thousands are not grouped. The value stays as it was when the text
+// is refused.
 //
-// A unit is named in the language in use or by the library's own name, "²" being also "2" or "^2", "º" also
-// the degree sign. Its letters may be in any case but for M, as mega is neither milli nor metre.
+// A unit is named in the language in use, by the library's own name or as its accessor is, "²" being also "2"
+// or "^2", "º" also the degree sign. Its parts may be joined by a point, a middle dot, a hyphen, an asterisk,
+// blanks or nothing ("kN.m", "kNm", "sqin"); blanks may stand around "/", and a point at the end. Letters may
+// be in any case but for M, as mega is neither milli nor metre; or all of them capitals: "12 MM".
 //
 // What was written reads back to the same value as far as its decimals go (and the 15 digits of a double),
 // but for W and kW, which do not quite convert back to themselves, for the unit without a name, unless it is
 // `semUnidade`, and for values that are not finite. A separator is a punctuation mark, no sign: others fail
 // an assertion. Nothing that a text holds throws.
+#define ZO_ENUMERATOR_(Class, unit, ...) unit,
+#define ZO_ACCESSOR_(Class, unit, ...) double unit() const;
 #define ZO_GRANDEZA_(Class, Unit)                                                                            \
 public:                                                                                                      \
+    using TUnidade = Unit;                                                                                   \
+                                                                                                             \
     explicit Class(double v);                                                                                \
     Class(double v, Unit u);                                                                                 \
     explicit Class(StreamableInit init);                                                                     \
@@ -127,14 +143,13 @@ public:                                                                         
     static ZoStreamableBase* Create(TZoMetaData* fileSchema, TZoMetaData* schema, TZoClass* cls);            \
     TZoClass* GetClass() const override;                                                                     \
     TZoClass* GetOriginalClass(TZoMetaData* schema) const override;                                          \
-    ZoString StreamableClassName() const override;
+    ZoString StreamableClassName() const override;                                                           \
+    ZO_UNITS_##Unit(ZO_ACCESSOR_)
 
 /// Angles. Kept in radians.
-enum class TAngulo : int { Radianos, Graus };
+enum class TAngulo : int { ZO_UNITS_TAngulo(ZO_ENUMERATOR_) };
 class ZO_API GAngulo : public Grandeza {
     ZO_GRANDEZA_(GAngulo, TAngulo)
-    double Radianos() const;
-    double Graus() const;
 
     using Grandeza::operator==;
     using Grandeza::operator+=;
@@ -153,32 +168,21 @@ class ZO_API GAngulo : public Grandeza {
 };
 
 /// Areas. Kept in cm².
-enum class TArea : int { mm2, cm2, m2, sqin, sqft };
+enum class TArea : int { ZO_UNITS_TArea(ZO_ENUMERATOR_) };
 class ZO_API GArea : public Grandeza {
     ZO_GRANDEZA_(GArea, TArea)
-    double mm2() const;
-    double cm2() const;
-    double m2() const;
-    double sqin() const;
-    double sqft() const;
 };
 
 /// Areas per metre, of reinforcement. Kept in cm²/m.
-enum class TAreaM : int { cm2_m };
+enum class TAreaM : int { ZO_UNITS_TAreaM(ZO_ENUMERATOR_) };
 class ZO_API GAreaM : public Grandeza {
     ZO_GRANDEZA_(GAreaM, TAreaM)
-    double cm2_m() const;
 };
 
 /// Lengths. Kept in cm.
-enum class TComprimento : int { cm, m, in, ft, mm };
+enum class TComprimento : int { ZO_UNITS_TComprimento(ZO_ENUMERATOR_) };
 class ZO_API GComprimento : public Grandeza {
     ZO_GRANDEZA_(GComprimento, TComprimento)
-    double cm() const;
-    double m() const;
-    double in() const;
-    double ft() const;
-    double mm() const;
 
     /// The length in cm on a drawing: times `escala`.
     double EmEscala(double escala) const;
@@ -187,241 +191,139 @@ class ZO_API GComprimento : public Grandeza {
 };
 
 /// Electric currents. Kept in A.
-enum class TCorrente : int { a, ka };
+enum class TCorrente : int { ZO_UNITS_TCorrente(ZO_ENUMERATOR_) };
 class ZO_API GCorrente : public Grandeza {
     ZO_GRANDEZA_(GCorrente, TCorrente)
-    double a() const;
-    double ka() const;
 };
 
 /// Energies. Kept in kWh. One kcal counts as 859.84524 kWh: applications expect it.
-enum class TEnergia : int { kwh, kcal };
+enum class TEnergia : int { ZO_UNITS_TEnergia(ZO_ENUMERATOR_) };
 class ZO_API GEnergia : public Grandeza {
     ZO_GRANDEZA_(GEnergia, TEnergia)
-    double kwh() const;
-    double kcal() const;
 };
 
 /// Loads on a surface. Kept in kgf/cm².
-enum class TForcaArea : int { kgf_m2, tf_m2, kN_m2, kp_m2, psf, ksf, kgf_cm2 };
+enum class TForcaArea : int { ZO_UNITS_TForcaArea(ZO_ENUMERATOR_) };
 class ZO_API GForcaArea : public Grandeza {
     ZO_GRANDEZA_(GForcaArea, TForcaArea)
-    double kgf_m2() const;
-    double tf_m2() const;
-    double kN_m2() const;
-    double kp_m2() const;
-    double psf() const;
-    double ksf() const;
-    double kgf_cm2() const;
 };
 
 /// Forces. Kept in kgf.
-enum class TForcaConcentrada : int { kgf, tf, kN, kp, lb, kip };
+enum class TForcaConcentrada : int { ZO_UNITS_TForcaConcentrada(ZO_ENUMERATOR_) };
 class ZO_API GForcaConcentrada : public Grandeza {
     ZO_GRANDEZA_(GForcaConcentrada, TForcaConcentrada)
-    double kgf() const;
-    double tf() const;
-    double kN() const;
-    double kp() const;
-    double lb() const;
-    double kip() const;
 };
 
 /// Loads on a line. Kept in kgf/cm.
-enum class TForcaLinear : int { kgf_m, tf_m, kN_m, kp_m, lb_ft, kip_ft, lb_in, kgf_cm, tf_cm };
+enum class TForcaLinear : int { ZO_UNITS_TForcaLinear(ZO_ENUMERATOR_) };
 class ZO_API GForcaLinear : public Grandeza {
     ZO_GRANDEZA_(GForcaLinear, TForcaLinear)
-    double kgf_m() const;
-    double tf_m() const;
-    double kN_m() const;
-    double kp_m() const;
-    double lb_ft() const;
-    double kip_ft() const;
-    double lb_in() const;
-    double kgf_cm() const;
-    double tf_cm() const;
 };
 
 /// Second moments of area. Kept in cm⁴.
-enum class TInercia : int { cm4, m4, in4 };
+enum class TInercia : int { ZO_UNITS_TInercia(ZO_ENUMERATOR_) };
 class ZO_API GInercia : public Grandeza {
     ZO_GRANDEZA_(GInercia, TInercia)
-    double cm4() const;
-    double m4() const;
-    double in4() const;
 };
 
 /// Intensities of rain, or of flow on an area. Kept in cm/s.
-enum class TIntensidade : int { cm_s, m_s, mm_min, mm_h, m_min };
+enum class TIntensidade : int { ZO_UNITS_TIntensidade(ZO_ENUMERATOR_) };
 class ZO_API GIntensidade : public Grandeza {
     ZO_GRANDEZA_(GIntensidade, TIntensidade)
-    double cm_s() const;
-    double m_s() const;
-    double mm_min() const;
-    double mm_h() const;
-    double m_min() const;
 };
 
 /// Moments. Kept in kgf·cm. `ftkip` is the moment of a kip at one foot, and is named "tf.kip".
-enum class TMomento : int { kgfm, tfm, kNm, kpm, ftkip, ftlb, kgfcm, tfcm };
+enum class TMomento : int { ZO_UNITS_TMomento(ZO_ENUMERATOR_) };
 class ZO_API GMomento : public Grandeza {
     ZO_GRANDEZA_(GMomento, TMomento)
-    double kgfm() const;
-    double tfm() const;
-    double kNm() const;
-    double kpm() const;
-    double ftkip() const;
-    double ftlb() const;
-    double kgfcm() const;
-    double tfcm() const;
 };
 
 /// Specific weights. Kept in kgf/cm³.
-enum class TPeso : int { kgf_m3, tf_m3, kN_m3, kp_m3, lb_cuft, kgf_cm3 };
+enum class TPeso : int { ZO_UNITS_TPeso(ZO_ENUMERATOR_) };
 class ZO_API GPeso : public Grandeza {
     ZO_GRANDEZA_(GPeso, TPeso)
-    double kgf_m3() const;
-    double tf_m3() const;
-    double kN_m3() const;
-    double kp_m3() const;
-    double lb_cuft() const;
-    double kgf_cm3() const;
 };
 
 /// Calorific values. Kept in kcal/m³.
-enum class TPoderCalorifico : int { kcal_m3 };
+enum class TPoderCalorifico : int { ZO_UNITS_TPoderCalorifico(ZO_ENUMERATOR_) };
 class ZO_API GPoderCalorifico : public Grandeza {
     ZO_GRANDEZA_(GPoderCalorifico, TPoderCalorifico)
-    double kcal_m3() const;
 };
 
 /// Powers. Kept in kcal/s. W and kW do not convert back to themselves: what was set in W reads 1.0001577
 /// times as much in W, what was set in kW 0.9999998 times.
-enum class TPotencia : int { kcal_s, kcal_min, kcal_h, cv, watt, kwatt };
+enum class TPotencia : int { ZO_UNITS_TPotencia(ZO_ENUMERATOR_) };
 class ZO_API GPotencia : public Grandeza {
     ZO_GRANDEZA_(GPotencia, TPotencia)
-    double kcal_s() const;
-    double kcal_min() const;
-    double kcal_h() const;
-    double cv() const;
-    double watt() const;
-    double kwatt() const;
 
     /// Asserts that some unit has that name, in the language in use.
     static TPotencia UnidadePorNome(const ZoString& nome);
 };
 
 /// Cohesions of soils. Kept in kgf/cm².
-enum class TPressaoCoesao : int { kgf_cm2, tf_m2, kN_m2, kp_cm2, psi, ksi };
+enum class TPressaoCoesao : int { ZO_UNITS_TPressaoCoesao(ZO_ENUMERATOR_) };
 class ZO_API GPressaoCoesao : public Grandeza {
     ZO_GRANDEZA_(GPressaoCoesao, TPressaoCoesao)
-    double kgf_cm2() const;
-    double tf_m2() const;
-    double kN_m2() const;
-    double kp_cm2() const;
-    double psi() const;
-    double ksi() const;
 };
 
 /// Pressures of water. Kept in cm of water column.
-enum class TPressaoHidraulica : int { cmca, mca, mmca, kpa, kgf_cm2 };
+enum class TPressaoHidraulica : int { ZO_UNITS_TPressaoHidraulica(ZO_ENUMERATOR_) };
 class ZO_API GPressaoHidraulica : public Grandeza {
     ZO_GRANDEZA_(GPressaoHidraulica, TPressaoHidraulica)
-    double cmca() const;
-    double mca() const;
-    double mmca() const;
-    double kpa() const;
-    double kgf_cm2() const;
 
     /// Ends the process when no unit has that name, in the language in use.
     static TPressaoHidraulica UnidadePorNome(const ZoString& nome);
 };
 
 /// Stresses. Kept in kgf/cm².
-enum class TPressaoTensao : int { kgf_cm2, tf_m2, kN_cm2, MPa, kp_cm2, psi, ksi, tf_cm2 };
+enum class TPressaoTensao : int { ZO_UNITS_TPressaoTensao(ZO_ENUMERATOR_) };
 class ZO_API GPressaoTensao : public Grandeza {
     ZO_GRANDEZA_(GPressaoTensao, TPressaoTensao)
-    double kgf_cm2() const;
-    double tf_m2() const;
-    double kN_cm2() const;
-    double MPa() const;
-    double kp_cm2() const;
-    double psi() const;
-    double ksi() const;
-    double tf_cm2() const;
 };
 
 /// Moduli of subgrade reaction. Kept in kgf/cm³.
-enum class TRecalque : int { kgf_cm3, tf_m3, kN_m3, kp_cm3, lb_cuin };
+enum class TRecalque : int { ZO_UNITS_TRecalque(ZO_ENUMERATOR_) };
 class ZO_API GRecalque : public Grandeza {
     ZO_GRANDEZA_(GRecalque, TRecalque)
-    double kgf_cm3() const;
-    double tf_m3() const;
-    double kN_m3() const;
-    double kp_cm3() const;
-    double lb_cuin() const;
 };
 
 /// Temperatures. Kept in degrees Celsius. A degree Celsius counts as 1.777777777777778 degrees Fahrenheit:
 /// applications expect it.
-enum class TTemperatura : int { c, f, k };
+enum class TTemperatura : int { ZO_UNITS_TTemperatura(ZO_ENUMERATOR_) };
 class ZO_API GTemperatura : public Grandeza {
     ZO_GRANDEZA_(GTemperatura, TTemperatura)
-    double c() const;
-    double f() const;
-    double k() const;
 };
 
 /// Durations. Kept in s. `dia` is 24 hours.
-enum class TTempo : int { s, minuto, h, dia, ms };
+enum class TTempo : int { ZO_UNITS_TTempo(ZO_ENUMERATOR_) };
 class ZO_API GTempo : public Grandeza {
     ZO_GRANDEZA_(GTempo, TTempo)
-    double s() const;
-    double minuto() const;
-    double h() const;
-    double dia() const;
-    double ms() const;
 };
 
 /// Flow rates. Kept in cm³/s.
-enum class TVazao : int { cm3_s, m3_s, m3_h, m3_dia, l_s, l_min, l_dia };
+enum class TVazao : int { ZO_UNITS_TVazao(ZO_ENUMERATOR_) };
 class ZO_API GVazao : public Grandeza {
     ZO_GRANDEZA_(GVazao, TVazao)
-    double cm3_s() const;
-    double m3_s() const;
-    double m3_h() const;
-    double m3_dia() const;
-    double l_s() const;
-    double l_min() const;
-    double l_dia() const;
 
     /// Asserts that some unit has that name, in the language in use.
     static TVazao UnidadePorNome(const ZoString& nome);
 };
 
 /// Velocities. Kept in cm/s. `mm_min` has no name.
-enum class TVelocidade : int { cm_s, m_s, mm_h, mm_min, km_h };
+enum class TVelocidade : int { ZO_UNITS_TVelocidade(ZO_ENUMERATOR_) };
 class ZO_API GVelocidade : public Grandeza {
     ZO_GRANDEZA_(GVelocidade, TVelocidade)
-    double cm_s() const;
-    double m_s() const;
-    double mm_h() const;
-    double mm_min() const;
-    double km_h() const;
 };
 
 /// Volumes. Kept in cm³.
-enum class TVolume : int { cm3, m3, cuin, cuft, l };
+enum class TVolume : int { ZO_UNITS_TVolume(ZO_ENUMERATOR_) };
 class ZO_API GVolume : public Grandeza {
     ZO_GRANDEZA_(GVolume, TVolume)
-    double cm3() const;
-    double m3() const;
-    double cuin() const;
-    double cuft() const;
-    double l() const;
 };
 
 #undef ZO_GRANDEZA_
+#undef ZO_ACCESSOR_
+#undef ZO_ENUMERATOR_
 
 /// Registers `Grandeza` and all of the above.
 ZO_API void ZoRegisterGrandezas(TZoMetaData* schema);

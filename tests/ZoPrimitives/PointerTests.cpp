@@ -1,6 +1,7 @@
 #include "ZoPrimitives/IList.h"
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/pointer.h"
+#include "support/Assertions.h"
 
 #include <gtest/gtest.h>
 #include <utility>
@@ -30,22 +31,21 @@ protected:
 
 TEST_F(PointerTests, TheLastOneDeletes) {
     pointer<Counted> a(new Counted);
-    pointer<Counted> b(a);
-    a = nullptr;
-    EXPECT_EQ(Counted::alive, 1);
-    b.reset();
-    EXPECT_EQ(Counted::alive, 0);
-}
-
-TEST_F(PointerTests, APlainPointerBecomesAPointerAgain) {
-    const pointer<Counted> a(new Counted);
     Counted* plain = a.get();
+    pointer<Counted> b(a);
     {
-        const pointer<Counted> b(plain);
-        EXPECT_EQ(ZoReferenceCount::Count(plain), 2u);
+        const pointer<Counted> again(plain);
+        EXPECT_EQ(ZoReferenceCount::Count(plain), 3u);
     }
+    a = nullptr;
     EXPECT_EQ(ZoReferenceCount::Count(plain), 1u);
     EXPECT_EQ(Counted::alive, 1);
+    ZoReferenceCount::Add(plain);
+    b.reset();
+    EXPECT_EQ(Counted::alive, 1);
+    ZoReferenceCount::Surrender(plain); // to this test
+    EXPECT_EQ(Counted::alive, 1);
+    delete plain;
 }
 
 TEST_F(PointerTests, AssigningAPointerToItselfKeepsTheObject) {
@@ -67,16 +67,12 @@ TEST_F(PointerTests, MovingLeavesTheSourceEmpty) {
     c = std::move(b);
     EXPECT_FALSE(b);
     EXPECT_EQ(Counted::alive, 1);
-}
-
-TEST_F(PointerTests, MovingOnInAChainReleasesWhatIsPassed) {
-    pointer<Counted> walker(new Counted);
-    walker->next = new Counted;
-    walker = std::move(walker->next);
-    ASSERT_TRUE(walker);
+    c->next = new Counted;
+    c = std::move(c->next); // on in a chain
+    ASSERT_TRUE(c);
     EXPECT_EQ(Counted::alive, 1);
-    walker->next = new Counted;
-    walker = walker->next;
+    c->next = new Counted;
+    c = c->next;
     EXPECT_EQ(Counted::alive, 1);
 }
 
@@ -88,22 +84,11 @@ TEST_F(PointerTests, CopiesOfObjectsStartWithoutHolders) {
     EXPECT_EQ(ZoReferenceCount::Count(copy.get()), 1u);
 }
 
-TEST_F(PointerTests, ADerivedObjectIsHeldByItsBase) {
-    pointer<Derived> derived(new Derived);
-    const pointer<Counted> base(derived);
-    derived.reset();
-    EXPECT_EQ(Counted::alive, 1);
-}
+struct Tree : Counted {
+    TIList<Tree> children;
+};
 
-TEST_F(PointerTests, SurrenderLeavesTheObjectToItsOwner) {
-    Counted* object = new Counted;
-    ZoReferenceCount::Add(object);
-    ZoReferenceCount::Surrender(object);
-    EXPECT_EQ(Counted::alive, 1);
-    delete object;
-}
-
-TEST_F(PointerTests, ALongChainIsReleasedWithoutRecursion) {
+TEST_F(PointerTests, LongChainsAreReleasedWithoutRecursion) {
     pointer<Counted> head;
     for (int i = 0; i < 1000000; ++i) {
         pointer<Counted> link(new Counted);
@@ -112,14 +97,8 @@ TEST_F(PointerTests, ALongChainIsReleasedWithoutRecursion) {
     }
     head.reset();
     EXPECT_EQ(Counted::alive, 0);
-}
 
-struct Tree : Counted {
-    TIList<Tree> children;
-};
-
-TEST_F(PointerTests, AListAtEveryLinkOfALongChainIsReleasedWithoutRecursion) {
-    TIList<Tree> roots;
+    TIList<Tree> roots; // a list at every link
     roots.Add(new Tree);
     Tree* deepest = roots[1].get();
     for (int i = 0; i < 200000; ++i) {
@@ -148,32 +127,41 @@ TEST_F(PointerTests, AnObjectHeldByItsOwnDestructorIsDeletedOnce) {
 
 TEST_F(PointerTests, UseOfAnEmptyPointerFailsTheAssertion) {
     const pointer<Counted> empty;
-    const crossRef<Counted> emptyReference;
-    EXPECT_THROW((void)empty->next, XZoAssert);
-    EXPECT_THROW((void)*empty, XZoAssert);
-    EXPECT_THROW((void)emptyReference->next, XZoAssert);
-    EXPECT_THROW((void)*emptyReference, XZoAssert);
-    SetAssertionFunctor(new ZoAssertFunctor);
-    XZoAssert::ShowMessageBox(false);
-    try {
-        (void)*empty;
-        ADD_FAILURE();
-    } catch (const XZoAssert& failure) {
-        EXPECT_STREQ(failure.Message(), "Error: ( object )");
-    }
-    XZoAssert::ShowMessageBox(true);
-    SetAssertionFunctor(nullptr);
+    const crossRef<Counted> none;
+    for (const FailedAssertion& failed :
+         {AssertionOf([&] { (void)empty->next; }), AssertionOf([&] { (void)*empty; }),
+          AssertionOf([&] { (void)none->next; }), AssertionOf([&] { (void)*none; })})
+        EXPECT_EQ(failed, (FailedAssertion{"object", "public/include/ZoPrimitives/pointer", failed.line}));
 }
 
-TEST_F(PointerTests, ACrossReferenceHoldsNothing) {
-    pointer<Counted> a(new Counted);
-    const crossRef<Counted> reference(a);
-    EXPECT_EQ(reference, a.get());
-    const pointer<Derived> derived(new Derived);
-    crossRef<Counted> base = derived;
-    base = crossRef<Derived>(derived);
-    EXPECT_EQ(base, derived.get());
-    EXPECT_EQ(ZoReferenceCount::Count(a.get()), 1u);
+TEST_F(PointerTests, PointersCompareByObject) {
+    const pointer<Counted> a(new Counted), same(a), b(new Counted), none;
+    const crossRef<Counted> reference(a), sameReference(a.get()), other(b), nothing;
+    const Counted* plain = a.get();
+    EXPECT_TRUE(a == same && a == plain && plain == a && a != nullptr && none == nullptr);
+    EXPECT_TRUE(a != b && b != plain && plain != b && a != none);
+    EXPECT_FALSE(a != same || a != plain || plain != a || a == nullptr || none != nullptr);
+    EXPECT_FALSE(a == b || b == plain || plain == b || a == none);
+    EXPECT_TRUE(reference == sameReference && reference == plain && reference != nullptr &&
+                nothing == nullptr);
+    EXPECT_TRUE(reference != other && other != plain);
+    EXPECT_FALSE(reference != sameReference || reference != plain || reference == nullptr ||
+                 nothing != nullptr);
+    EXPECT_FALSE(reference == other || other == plain || nothing);
+    EXPECT_TRUE(reference);
+    EXPECT_EQ(&*reference, plain);
+    EXPECT_EQ(&reference->next, &plain->next);
+}
+
+TEST_F(PointerTests, ADerivedObjectIsHeldByItsBase) {
+    pointer<Derived> derived(new Derived);
+    crossRef<Counted> reference = derived;
+    reference = crossRef<Derived>(derived);
+    EXPECT_EQ(reference, derived.get());
+    EXPECT_EQ(ZoReferenceCount::Count(derived.get()), 1u) << "a cross reference holds nothing";
+    const pointer<Counted> base(derived);
+    derived.reset();
+    EXPECT_EQ(Counted::alive, 1);
 }
 
 } // namespace

@@ -153,6 +153,12 @@ TEST_F(PointerTests, PointersCompareByObject) {
     EXPECT_EQ(&reference->next, &plain->next);
 }
 
+TEST_F(PointerTests, ObjectsAreEqualToThemselves) {
+    const Counted a, b;
+    EXPECT_TRUE(a == static_cast<const ZoObject&>(a) && a != static_cast<const ZoObject&>(b));
+    EXPECT_FALSE(a == static_cast<const ZoObject&>(b) || a != static_cast<const ZoObject&>(a));
+}
+
 TEST_F(PointerTests, ADerivedObjectIsHeldByItsBase) {
     pointer<Derived> derived(new Derived);
     crossRef<Counted> reference = derived;

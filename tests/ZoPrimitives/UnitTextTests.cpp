@@ -138,7 +138,7 @@ TEST(UnitTextTest, RefusesWithoutGuessing) {
         std::vector<const char*> texts;
         char separator = ',';
     } rows[] = {
-        {Numero, 0, {"", "nan m", "inf", "m"}},
+        {Numero, 0, {"", "nan m", "inf", "m", ". m"}},
         {Numero, 2, {"  "}},
         {Algarismo, 1, {"-inf", "- 3 m", "--3 m", ",", ",m", ",,5"}},
         {Algarismo, 2, {"-,m"}},
@@ -153,6 +153,8 @@ TEST(UnitTextTest, RefusesWithoutGuessing) {
           "1'000 m", "1.000,5", "1.000.000"}},
         {MilharesJuntos, 5, {"1,000,000 m", "1,000.5"}},
         {MilharesJuntos, 5, {"1.000,5"}, '.'},
+        {MilharesJuntos, 5, {"1;000;000 m"}, ';'},
+        {MilharesJuntos, 1, {"1.000;5 m"}, ';'},
         {Unidade, 1, {"0x10 m", "1'00 m"}},
         {Unidade, 2, {"12e m", "12e+ m", "12-m", "1 2345 m", "1 23 m"}},
         {Unidade,

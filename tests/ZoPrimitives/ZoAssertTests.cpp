@@ -24,7 +24,7 @@ protected:
     void SetUp() override { previous = Platform::Install(&boxes); }
     void TearDown() override {
         SetAssertionFunctor(nullptr);
-        XZoAssert::ShowMessageBox(true);
+        XZoAssert::ShowMessageBox(showing);
         Platform::Install(previous);
     }
     template <class Operation>
@@ -39,6 +39,7 @@ protected:
 
     Boxes boxes;
     Platform::Services* previous = nullptr;
+    bool showing = XZoAssert::ShowMessageBox();
 };
 
 void FailIndex() { ZO_ASSERT_AT(1 > 2, "pos < length()", "public/include/ZoPrimitives/ZoString", 514); }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -53,12 +54,16 @@ TEST(ZoBlobTest, AssignsWithinItsMemory) {
     ZoBlob blob("abcdef", 6);
     const void* memory = blob.Data();
     blob.Assign("xy", 2);
+    EXPECT_EQ(blob.Data(), memory);
     blob.Assign("uvwxyz", 6);
     EXPECT_EQ(blob.Data(), memory);
     blob.Assign(static_cast<char*>(blob.Data()) + 1, 5);
     EXPECT_EQ(Bytes(blob), "vwxyz");
     blob.Assign("1234567", 7);
     EXPECT_EQ(Bytes(blob), "1234567");
+    blob.Assign("q", 1);
+    EXPECT_EQ(Bytes(blob), "q");
+    EXPECT_NE(blob, ZoBlob("r", 1));
     blob.Assign(nullptr, 5);
     EXPECT_EQ(blob, ZoBlob(nullptr, 9));
 }
@@ -67,6 +72,8 @@ TEST(ZoBlobTest, OfASize) {
     const ZoBlob blob(10'485'760);
     EXPECT_EQ(blob.Size(), 10'485'760u);
     EXPECT_EQ(Bytes(blob).find_first_not_of('\0'), std::string_view::npos);
+    delete new ZoBlob(std::string(64, 'x').c_str(), 64);
+    EXPECT_EQ(Bytes(ZoBlob(64)), std::string(64, '\0')) << "in memory that was used";
     ZoBlob kept("abc", 3);
     EXPECT_THROW(ZoBlob(~0ull), std::bad_alloc);
     EXPECT_THROW(kept.Assign("x", ~0ull), std::bad_alloc);

@@ -547,6 +547,7 @@ TEST(ZoStringTest, Formatting) {
     EXPECT_EQ(ZoString::FormatString(format, ZoString("A"), "B", 5ull, 'c'),
               "[zoerror] invalid class (A - B). 5 c");
     EXPECT_EQ(ZoString::FormatString(format.substr(0, 8)), "[zoerror]");
+    EXPECT_EQ(ZoString::FormatString(ZoString("50%% a%n b%d %")), "50% a b%d %") << "without arguments";
     const ZoString text('x', 9'999);
     EXPECT_EQ(ZoString::FormatString("%s", text.c_str()), text);
     EXPECT_EQ(ZoString::FormatString("%sy", text.c_str()), text) << "cut, never written beyond";

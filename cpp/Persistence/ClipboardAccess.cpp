@@ -31,6 +31,14 @@ const char* Reason(unsigned long error) {
     }
 }
 
+/// Closes the clipboard, whatever happens.
+struct Closing {
+    Closing() = default;
+    Closing(const Closing&) = delete;
+    Closing& operator=(const Closing&) = delete;
+    ~Closing() { System().CloseClipboard(); }
+};
+
 } // namespace
 
 unsigned IdZoClipboardFormat() {
@@ -60,9 +68,9 @@ void PutOnClipboard(const void* data, std::size_t size, const char* location) {
     bool put = format != 0 && System().OpenClipboard();
     unsigned long error = Platform::LastError();
     if (put) {
+        const Closing closing;
         put = System().SetClipboardData(format, data, size);
         error = Platform::LastError();
-        System().CloseClipboard();
     }
     if (put) return;
     if (error == Platform::ErrorDiskFull || error == Platform::ErrorHandleDiskFull)

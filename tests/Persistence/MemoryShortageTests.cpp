@@ -5,10 +5,18 @@
 
 #include "ZoPrimitives/ClipboardBinInStream.h"
 #include "ZoPrimitives/ClipboardBinOutStream.h"
+#include "ZoPrimitives/ClipboardInputStream.h"
+#include "ZoPrimitives/ClipboardOutputStream.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
+#include "ZoPrimitives/FileInputStream.h"
+#include "ZoPrimitives/FileOutputStream.h"
 #include "ZoPrimitives/FilteredBinInStreamer.h"
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
+#include "ZoPrimitives/xContainer.h"
 
 #include <memory>
 #include <new>
@@ -80,6 +88,7 @@ public:
     InstalledServices services{clipboard};
     TemporaryFolder folder;
     const std::string path = folder.Path("model.zo");
+    const std::string textPath = folder.Path("notes.txt");
 };
 
 /// A stream whose values come through its virtual operations.
@@ -180,6 +189,117 @@ public:
     std::string Outcome() override { return model.clipboard.block.value_or(""); }
 };
 
+/// An object of a text: 10 a name line by line, 11 a number, 20 another note, which 7 ends.
+class Note : public ZoStreamableBase {
+public:
+    ZoString StreamableClassName() const override { return "class Note of a name that needs memory"; }
+    void Write(OutputStreamer& s) override {
+        ZoStreamableBase::Write(s);
+        s.MultiLineText(name, 10);
+        s << 11 << number;
+        if (next) s << 20 << next.get() << 7;
+    }
+    bool ReadData(int code, InputStreamer& s) override;
+
+    ZoString name;
+    double number = 0;
+    pointer<Note> next;
+
+private:
+    Alive alive;
+};
+
+class NoteReader : public InputStreamer {
+public:
+    using InputStreamer::InputStreamer;
+    Note* Read() {
+        int code = 0;
+        *this >> code;
+        ZoStreamableBase* object = nullptr;
+        if (code == 5) {
+            *this >> object;
+        } else {
+            ZoString className;
+            *this >> className;
+            object = CreateObject(className);
+            if (object != nullptr) object->Read(*this);
+        }
+        return dynamic_cast<Note*>(object);
+    }
+};
+
+bool Note::ReadData(int code, InputStreamer& s) {
+    ZoString line;
+    switch (code) {
+    case 10:
+        s >> line;
+        name = WholeText({name.c_str(), "|", line.c_str()});
+        return true;
+    case 11:
+        s >> number;
+        return true;
+    case 20:
+        next = static_cast<NoteReader&>(s).Read();
+        return true;
+    default:
+        return ZoStreamableBase::ReadData(code, s);
+    }
+}
+
+class Notes : public StreamableFactory {
+    ZoStreamableBase* CreateObject(ZoString className) override {
+        if (className != "class Note of a name that needs memory") throw XUnknownObject();
+        return new Note;
+    }
+};
+
+template <class Stream>
+void WriteNotes(const pointer<Stream>& stream) {
+    const pointer<Note> first(new Note), second(new Note);
+    for (Note* note : {first.get(), second.get()}) {
+        note->name = WholeText({"a line of a note that is long\nand another line that is as long"});
+        note->number = 1.0 / 3;
+    }
+    first->next = second;
+    OutputStreamer streamer(stream.get());
+    streamer << first.get() << 7 << second.get();
+    stream->Finalize();
+}
+
+class ReadingText : public Trial {
+public:
+    explicit ReadingText(std::function<InputStream*()> make) : open(std::move(make)) {}
+    void Run() override {
+        const pointer<InputStream> stream(open());
+        NoteReader reader(stream.get(), new Notes);
+        first = reader.Read();
+        second = reader.Read();
+    }
+    std::string Outcome() override {
+        std::string all;
+        for (const pointer<Note>& note : {first, second})
+            all += note ? Text(note->name) + Text(ZoString(note->number)) : "none";
+        return all + (first && first->next == second ? " joined" : "");
+    }
+
+private:
+    std::function<InputStream*()> open;
+    pointer<Note> first, second;
+};
+
+class WritingText : public Trial {
+public:
+    WritingText(std::function<void()> write, std::function<std::string()> bytes)
+        : write(std::move(write)), bytes(std::move(bytes)) {}
+    ~WritingText() override { bytes(); }
+    void Run() override { write(); }
+    std::string Outcome() override { return bytes(); }
+
+private:
+    std::function<void()> write;
+    std::function<std::string()> bytes;
+};
+
 std::unique_ptr<TBinInStream> InMemory(const std::string& bytes) {
     return CreateMemoryBinInStream(bytes.data(), bytes.size(), 9999);
 }
@@ -219,6 +339,32 @@ std::vector<Operation> Operations() {
          [ofMemory](Model& model) { return std::make_unique<OpeningFiltered>(model, ofMemory); }},
         {"save in memory", [](Model& model) { return std::make_unique<SavingInMemory>(model); }},
         {"save on the clipboard", [](Model& model) { return std::make_unique<SavingOnClipboard>(model); }},
+        {"write a text file",
+         [](Model& model) {
+             return std::make_unique<WritingText>(
+                 [&] {
+                     WriteNotes(
+                         pointer<FileOutputStream>(new FileOutputStream(model.textPath.c_str(), false)));
+                 },
+                 [&] { return model.folder.Read("notes.txt"); });
+         }},
+        {"read a text file",
+         [](Model& model) {
+             return std::make_unique<ReadingText>(
+                 [&] { return new FileInputStream(model.textPath.c_str()); });
+         }},
+        {"write a text on the clipboard",
+         [](Model& model) {
+             return std::make_unique<WritingText>(
+                 [] { WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream)); },
+                 [&] { return std::exchange(model.clipboard.block, {}).value_or(""); });
+         }},
+        {"read a text from the clipboard",
+         [](Model& model) {
+             if (!model.clipboard.block)
+                 WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream));
+             return std::make_unique<ReadingText>([] { return new ClipboardInputStream; });
+         }},
     };
 }
 

@@ -6,6 +6,7 @@
 #include "Persistence/InstanceTables.h"
 #include "Persistence/RecordFormat.h"
 #include "Persistence/UidTable.h"
+#include "Platform/Memory.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinUnresolved.h"
 #include "ZoPrimitives/TTranslatedString.h"
@@ -490,6 +491,7 @@ void TBinInStream::ReserveInstances() {
     constexpr std::size_t SMALLEST_RECORD = HEAD_SIZE + 1;
     const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
     const std::size_t count = std::min<std::size_t>(header.recordCount, left / SMALLEST_RECORD);
+    Platform::ExpectObjects(left);
     objects.Reserve(count);
     tables->uids.reserve(count);
     tables->handles.Reserve(count + 1);

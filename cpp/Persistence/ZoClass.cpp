@@ -81,10 +81,7 @@ Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
     TZoClassField& base = *field;
     base.owner = this;
     base.fieldClass = fieldClass;
-    if (fieldClass != nullptr) {
-        base.className = fieldClass->GetName();
-        CheckWhole(base.className, fieldClass->GetName().c_str());
-    }
+    if (fieldClass != nullptr) base.SetFieldClassName(fieldClass->GetName());
     ListOf(base).push_back(holder);
     if (!inOrder.empty() && PlaceOf(*inOrder.back()) > PlaceOf(base)) {
         if (!loading) PutInOrder();

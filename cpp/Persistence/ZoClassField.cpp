@@ -81,10 +81,19 @@ ZoString NoText() {
 } // namespace
 
 TZoClassField::TZoClassField(const ZoString& name, TZoClassFieldType kind)
-    : name(name.c_str()[0] == '\0' ? NoText() : name), className(NoText()), kind(kind) {
+    : kind(kind), name(name.c_str()[0] == '\0' ? NoText() : name) {
     CheckWhole(this->name, name.c_str());
 }
 TZoClassField::~TZoClassField() = default;
+
+const ZoString& TZoClassField::NoName() {
+    static const ZoString none;
+    return none;
+}
+
+void TZoClassField::SetFieldClassName(const ZoString& newName) {
+    className = std::make_unique<const ZoString>(WholeText(newName));
+}
 
 bool TZoClassField::IsPointerKind() const { return FieldKindOf(kind).holds != FieldHold::Nothing; }
 
@@ -368,7 +377,7 @@ TZoClassFieldPointerBase* TZoClassFieldPointerMap::Adopt(TZoClassField* field, H
     base.owner = owner;
     // A map that an application's field reads is read through that field's own sub-fields.
     SetOriginal(adopted, adopted);
-    const bool takesClass = classOf == Half::OfTheMapsClass && base.className.length() == 0;
+    const bool takesClass = classOf == Half::OfTheMapsClass && base.GetFieldClassName().length() == 0;
     adopted->SetFieldClass(takesClass && base.fieldClass == nullptr ? fieldClass : base.fieldClass);
     return adopted;
 }

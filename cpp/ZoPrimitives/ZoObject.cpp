@@ -18,6 +18,16 @@ constexpr std::uintptr_t KEPT = 1; // objects lie at even addresses
 
 thread_local std::vector<const ZoObject*>* waiting = nullptr;
 thread_local DestructionHold* innermostHold = nullptr;
+
+/// After many objects the heap is asked to give back what it holds for them.
+void NoteEnded(std::size_t objects) noexcept {
+    constexpr std::size_t MANY = 100'000;
+    thread_local std::size_t ended = 0;
+    ended += objects;
+    if (ended < MANY) return;
+    ended = 0;
+    ZoTrimMemory();
+}
 } // namespace
 
 ZoObject::~ZoObject() = default;
@@ -102,12 +112,14 @@ void ZoReferenceCount::Destroy(const ZoObject* object) noexcept {
     std::vector<const ZoObject*> list;
     waiting = &list;
     delete object;
-    while (!list.empty()) {
+    std::size_t ended = 1;
+    for (; !list.empty(); ++ended) {
         const ZoObject* next = list.back();
         list.pop_back();
         delete next;
     }
     waiting = nullptr;
+    NoteEnded(ended);
 }
 
 } // namespace ZoPrimitives

@@ -6,10 +6,14 @@
 #ifdef ZO_TEST_WATCHES_MEMORY
 
 #include <malloc.h>
+#include <mimalloc.h>
 #include <new>
 
-// The linker leads the calls of `malloc` and its kin here (--wrap).
+// The linker leads the calls of `malloc` and its kin here (--wrap), and those of the library's own heap.
 extern "C" {
+void* __real_mi_malloc(std::size_t size);
+void* __real_mi_malloc_aligned(std::size_t size, std::size_t alignment);
+void __real_mi_free(void* block);
 void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
@@ -46,9 +50,11 @@ bool Refuses() noexcept {
     return false;
 }
 
-void* Counted(void* block, long long before) noexcept {
+long long OwnSizeOf(const void* block) noexcept { return static_cast<long long>(mi_usable_size(block)); }
+
+void* Counted(void* block, long long change) noexcept {
     if (block == nullptr) return nullptr;
-    const long long now = inUse += SizeOf(block) - before;
+    const long long now = inUse += change;
     for (long long highest = peak; highest < now && !peak.compare_exchange_weak(highest, now);) {
     }
     return block;
@@ -57,18 +63,35 @@ void* Counted(void* block, long long before) noexcept {
 } // namespace
 
 extern "C" {
-void* __wrap_malloc(std::size_t size) { return Refuses() ? nullptr : Counted(__real_malloc(size), 0); }
+void* __wrap_malloc(std::size_t size) {
+    void* block = Refuses() ? nullptr : __real_malloc(size);
+    return Counted(block, SizeOf(block));
+}
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    return Refuses() ? nullptr : Counted(__real_calloc(count, size), 0);
+    void* block = Refuses() ? nullptr : __real_calloc(count, size);
+    return Counted(block, SizeOf(block));
 }
 void* __wrap_realloc(void* block, std::size_t size) {
     if (Refuses()) return nullptr;
     const long long before = SizeOf(block);
-    return Counted(__real_realloc(block, size), before);
+    void* moved = __real_realloc(block, size);
+    return Counted(moved, SizeOf(moved) - before);
 }
 void __wrap_free(void* block) {
     inUse -= SizeOf(block);
     __real_free(block);
+}
+void* __wrap_mi_malloc(std::size_t size) {
+    void* block = Refuses() ? nullptr : __real_mi_malloc(size);
+    return Counted(block, OwnSizeOf(block));
+}
+void* __wrap_mi_malloc_aligned(std::size_t size, std::size_t alignment) {
+    void* block = Refuses() ? nullptr : __real_mi_malloc_aligned(size, alignment);
+    return Counted(block, OwnSizeOf(block));
+}
+void __wrap_mi_free(void* block) {
+    inUse -= OwnSizeOf(block);
+    __real_mi_free(block);
 }
 }
 

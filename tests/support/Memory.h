@@ -3,9 +3,9 @@
 /// The memory of the test program: how much its code holds, and, on demand, none left.
 class Memory {
 public:
-    /// False where a sanitizer keeps `operator new` to itself: nothing is counted or refused then.
+    /// False where the library takes the C heap for all, for a sanitizer: nothing is counted or refused then.
     static bool Watched();
-    /// Bytes that `new` and `malloc` gave and that were not given back.
+    /// Bytes that `new`, `malloc` and the library's own heap gave and that were not given back.
     static long long InUse();
     /// The most bytes in use since the last `ResetPeak`.
     static long long Peak();

@@ -62,7 +62,7 @@ protected:
     ~TIContainer() override = default;
     TIContainer& operator=(const TIContainer&) = delete;
 
-    std::vector<P> items;
+    ZoVector<P> items;
 };
 
 /// The position of an iterator over objects, whatever their class.
@@ -166,7 +166,7 @@ public:
             items.insert(items.end(), added.begin(), added.end());
             return;
         }
-        const std::vector<P> copy(items);
+        const ZoVector<P> copy(items);
         items.insert(items.end(), copy.begin(), copy.end());
     }
 
@@ -226,11 +226,11 @@ protected:
 
     void Assign(const TObjectContainer& other) {
         if (this == &other) return;
-        std::vector<P> copy(other.items);
+        ZoVector<P> copy(other.items);
         items.swap(copy);
     }
     void Assign(TObjectContainer&& other) {
-        std::vector<P> taken(std::move(other.items));
+        ZoVector<P> taken(std::move(other.items));
         items.swap(taken);
     }
 

@@ -139,8 +139,8 @@ private:
         }
     }
 
-    std::vector<KeyHolder> keys;
-    std::vector<P> values;
+    ZoVector<KeyHolder> keys;
+    ZoVector<P> values;
 };
 
 } // namespace ZoPrimitives

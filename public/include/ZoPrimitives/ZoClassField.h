@@ -6,6 +6,7 @@
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/pointer.h"
 
+#include <memory>
 #include <type_traits>
 #include <typeinfo>
 
@@ -97,13 +98,13 @@ public:
     TZoClass* GetFieldClass() const { return fieldClass; }
     /// The name of that class as declared in code. Empty for value fields and for the fields of a file, whose
     /// kind and class tell it.
-    const ZoString& GetFieldClassName() const { return className; }
+    const ZoString& GetFieldClassName() const { return className == nullptr ? NoName() : *className; }
     /// The id of that class as read from a file; 0 for none.
     int GetFieldClassId() const { return fieldClassId; }
     /// In a file's schema: the application's field that takes the value; null when there is none.
     TZoClassField* GetOriginal() const { return original; }
     void SetFieldClass(TZoClass* newClass);
-    void SetFieldClassName(const ZoString& newName) { className = newName; }
+    void SetFieldClassName(const ZoString& newName);
     /// Of a value field whose accessors do nothing but read and write a member of the value's own type
     /// (`TDVector` for lists): where it is. The streamers then spare the accessors.
     void SetMember(TZoMemberAddress memberOf) {
@@ -156,16 +157,19 @@ private:
     /// Whether the field is a map's sub-field, and where its class is declared.
     enum class Half : unsigned char { No, OfItsOwnClass, OfTheMapsClass };
     static const ZoString& Unresolved();
+    static const ZoString& NoName();
     /// The name of the class that the field waits for; `holder` is the field itself or the map around it.
     const ZoString& WantedClass(const TZoClassField& holder) const {
-        return half == Half::OfTheMapsClass && className.length() == 0 ? holder.className : className;
+        const bool ofMap = half == Half::OfTheMapsClass && GetFieldClassName().length() == 0;
+        return (ofMap ? holder : *this).GetFieldClassName();
     }
 
-    ZoString name;
-    ZoString className;
+    // A file may declare very many fields: few bytes each.
     TZoClassFieldType kind;
-    Half half = Half::No;
+    ZoString name;
+    std::unique_ptr<const ZoString> className; // null for none
     int fieldClassId = 0;
+    Half half = Half::No;
     bool plain = false;
     TZoMemberAddress member = nullptr;
     TZoClass* owner = nullptr;

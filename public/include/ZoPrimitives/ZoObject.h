@@ -1,8 +1,10 @@
 #pragma once
 
 #include "ZoPrimitives/Export.h"
+#include "ZoPrimitives/ZoMemory.h"
 
 #include <cstdint>
+#include <new>
 
 namespace ZoPrimitives {
 
@@ -17,6 +19,24 @@ public:
     ZoObject(const ZoObject&) noexcept : references(0) {}
     ZoObject& operator=(const ZoObject&) noexcept { return *this; }
     virtual ~ZoObject();
+
+    // Objects that are made with `new` lie in the library's own heap, whichever module makes or ends them.
+    static void* operator new(std::size_t size) { return ZoAllocate(size); }
+    static void* operator new(std::size_t size, std::align_val_t alignment) {
+        return ZoAllocateAligned(size, static_cast<std::size_t>(alignment));
+    }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+        try {
+            return ZoAllocate(size);
+        } catch (const std::bad_alloc&) {
+            return nullptr;
+        }
+    }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* object) noexcept { ZoFree(object); }
+    static void operator delete(void* object, std::align_val_t) noexcept { ZoFree(object); }
+    static void operator delete(void* object, const std::nothrow_t&) noexcept { ZoFree(object); }
+    static void operator delete(void*, void*) noexcept {}
 
     /// Identity here; classes that are values compare values.
     virtual bool operator==(const ZoObject& other) const;

@@ -64,7 +64,7 @@ protected:
     ~TContainer() override = default;
     TContainer& operator=(const TContainer&) = delete;
 
-    std::vector<T> values;
+    ZoVector<T> values;
 };
 
 /// Walks a container of values: `for (TContainerIterator<T> i(list); !i.IsDone(); i.Next())
@@ -139,7 +139,7 @@ public:
             values.insert(values.end(), added.begin(), added.end());
             return;
         }
-        const std::vector<T> copy(values);
+        const ZoVector<T> copy(values);
         values.insert(values.end(), copy.begin(), copy.end());
     }
 
@@ -195,12 +195,12 @@ protected:
         if constexpr (std::is_trivially_copyable_v<T>) {
             values = other.values;
         } else {
-            std::vector<T> copy(other.values);
+            ZoVector<T> copy(other.values);
             values.swap(copy);
         }
     }
     void Assign(TValueContainer&& other) {
-        std::vector<T> taken(std::move(other.values));
+        ZoVector<T> taken(std::move(other.values));
         values.swap(taken);
     }
 

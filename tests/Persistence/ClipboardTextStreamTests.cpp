@@ -7,17 +7,10 @@
 #include "support/Records.h"
 #include "support/Streaming.h"
 
-#include "ZoPrimitives/InputStreamer.h"
-#include "ZoPrimitives/OutputStreamer.h"
-#include "ZoPrimitives/StreamableFactory.h"
-#include "ZoPrimitives/XStream.h"
-
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cmath>
 #include <functional>
-#include <limits>
 #include <string>
 
 using namespace ZoPrimitives;
@@ -169,11 +162,9 @@ TEST(ClipboardInputStreamTests, BlocksOfStrangers) {
          LittleEndian(5) + "1234",
          {{As<int>, NUMBER}, {As<ZoString>, STRING}, {Skip, SKIP}, {Line, "false, untouched"}},
          true},
-        {"the right length, beyond the block", LittleEndian(4) + "123", {{As<int>, NUMBER}}, true},
         {"the largest length", LittleEndian(0xFFFFFFFF) + "1234", {{As<ZoString>, STRING}, {Skip, SKIP}}},
         {"a length that wraps around", LittleEndian(0xFFFFFFFC) + "1234", {{As<int>, NUMBER}, {Skip, SKIP}}},
         {"a text without an end", Value("ab") + Value("c\0"s), {{As<ZoString>, "ab"}, {As<ZoString>, "c"}}},
-        {"the same, into a buffer", Value("ab") + Value("c\0"s), {{Characters, "ab"}, {Line, "c"}}},
         {"length 0 inside",
          LittleEndian(0) + LittleEndian(0) + LittleEndian(0) + Value("a\0"s),
          {{As<bool>, NUMBER}, {As<ZoString>, ""}, {Skip, ""}, {Characters, ""}, {As<ZoString>, "a"}}},
@@ -199,133 +190,22 @@ TEST(ClipboardInputStreamTests, BlocksOfStrangers) {
 
 TEST(RealClipboardTextTests, ValuesComeBack) {
     const PrivateClipboard clipboard;
-    const std::string longText(3'000'000, 'x');
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     {
         ClipboardOutputStream out;
-        out << INT_MIN << UINT_MAX << static_cast<short>(SHRT_MIN) << static_cast<unsigned short>(USHRT_MAX);
-        out << 0.1f << 0.1 << 0.1L << nan << true << false;
-        out << "text" << longText.c_str() << "" << 0;
+        out << INT_MIN << static_cast<unsigned short>(USHRT_MAX) << 0.1f << 0.1 << 0.1L << true << "text"
+            << "" << 0;
     }
     ClipboardInputStream in;
     EXPECT_EQ(As<int>(in), std::to_string(INT_MIN));
-    EXPECT_EQ(As<unsigned>(in), std::to_string(UINT_MAX));
-    EXPECT_EQ(As<short>(in), std::to_string(SHRT_MIN));
     EXPECT_EQ(As<unsigned short>(in), std::to_string(USHRT_MAX));
-    float aFloat = 0;
-    double aDouble = 0;
-    long double aLongDouble = 0;
-    in >> aFloat >> aDouble >> aLongDouble;
-    EXPECT_EQ(aFloat, 0.1f);
-    EXPECT_EQ(aDouble, 0.1);
-    EXPECT_EQ(aLongDouble, 0.1);
-    in >> aDouble;
-    EXPECT_TRUE(std::isnan(aDouble));
+    EXPECT_EQ(As<float>(in), std::to_string(0.1f));
+    EXPECT_EQ(As<double>(in), std::to_string(0.1));
+    EXPECT_EQ(As<long double>(in), std::to_string(0.1L));
     EXPECT_EQ(As<bool>(in), "1");
-    EXPECT_EQ(As<bool>(in), "0");
     EXPECT_EQ(Characters(in), "text");
-    EXPECT_TRUE(As<ZoString>(in) == longText);
     EXPECT_EQ(Line(in), "");
     EXPECT_EQ(As<int>(in), "0");
     EXPECT_EQ(FailureOf([&] { in.CheckRead(); }), END);
-}
-
-TEST(RealClipboardTextTests, NoValuesAreAnEmptyBlock) {
-    const PrivateClipboard clipboard;
-    { ClipboardOutputStream out; }
-    ClipboardInputStream in;
-    EXPECT_EQ(As<int>(in), END);
-}
-
-// Objects: a code 20 is followed by 5 and a handle, or by 0, a class and its data.
-
-class Link : public ZoStreamableBase {
-public:
-    Link() = default;
-    ZoString StreamableClassName() const override { return "class Link"; }
-    void Write(OutputStreamer& s) override {
-        ZoStreamableBase::Write(s);
-        s.MultiLineText(name, 10);
-        s << 11 << static_cast<short>(-7) << 12 << 0.1 << 99 << "unknown" << 20;
-        s << next << 7;
-    }
-    bool ReadData(int code, InputStreamer& s) override;
-
-    ZoString name;
-    short number = 0;
-    double real = 0;
-    Link* next = nullptr;
-};
-
-class LinkFactory : public StreamableFactory {
-    ZoStreamableBase* CreateObject(ZoString className) override {
-        if (className != "class Link") throw XUnknownObject();
-        return new Link;
-    }
-};
-
-class LinkReader : public InputStreamer {
-public:
-    using InputStreamer::InputStreamer;
-    Link* ReadLink() {
-        int kind = -1;
-        *this >> kind;
-        ZoStreamableBase* object = nullptr;
-        if (kind == 5) {
-            *this >> object;
-        } else {
-            ZoString className;
-            *this >> className;
-            object = CreateObject(className);
-            object->Read(*this);
-        }
-        return dynamic_cast<Link*>(object);
-    }
-};
-
-bool Link::ReadData(int code, InputStreamer& s) {
-    if (code == 10) {
-        ZoString line;
-        s >> line;
-        name += line;
-    } else if (code == 11) {
-        int written = 0;
-        s >> written;
-        number = static_cast<short>(written);
-    } else if (code == 12) {
-        s >> real;
-    } else if (code == 20) {
-        next = static_cast<LinkReader&>(s).ReadLink();
-    } else {
-        return ZoStreamableBase::ReadData(code, s);
-    }
-    return true;
-}
-
-TEST(RealClipboardTextTests, ObjectsComeBack) {
-    const PrivateClipboard clipboard;
-    const pointer<Link> one(new Link);
-    const pointer<Link> two(new Link);
-    one->name = "one\nin two lines";
-    one->next = two.get();
-    two->next = one.get();
-    {
-        const pointer<ClipboardOutputStream> stream(new ClipboardOutputStream);
-        OutputStreamer streamer(stream.get());
-        streamer << one.get();
-        stream->Finalize();
-    }
-    const pointer<ClipboardInputStream> stream(new ClipboardInputStream);
-    LinkReader reader(stream.get(), new LinkFactory);
-    const pointer<Link> read(reader.ReadLink());
-    ASSERT_NE(read.get(), nullptr);
-    EXPECT_EQ(read->name, "onein two lines");
-    EXPECT_EQ(read->number, -7);
-    EXPECT_EQ(read->real, 0.1);
-    ASSERT_NE(read->next, nullptr);
-    EXPECT_NE(read->next, read.get());
-    EXPECT_EQ(read->next->next, read.get());
-    EXPECT_EQ(reader.GetHandle(read->next), 2);
 }
 
 } // namespace

@@ -12,8 +12,8 @@ using namespace ZoPrimitives;
 using ZoPrimitives::Testing::TemporaryFolder;
 
 /// Files that one system wrote once: tests/data/README.md tells which.
-struct GoldenFiles : testing::Test {
-    GoldenFiles() {
+struct GoldenFileTests : testing::Test {
+    GoldenFileTests() {
         app::RegisterEveryKind(schema);
         // Copies: who opens a file keeps writers out.
         for (const char* name : {"every-kind.zo", "scrambled.zo"})
@@ -35,14 +35,14 @@ struct GoldenFiles : testing::Test {
     TZoMetaData schema;
 };
 
-TEST_F(GoldenFiles, AreWrittenByEverySystem) {
+TEST_F(GoldenFileTests, AreWrittenByEverySystem) {
     app::Leaf outside(99);
     app::EveryKind written;
     written.Fill(outside);
     EXPECT_TRUE(Saved(&written) == folder.Read("every-kind.zo"));
 }
 
-TEST_F(GoldenFiles, AreReadByEverySystem) {
+TEST_F(GoldenFileTests, AreReadByEverySystem) {
     for (const char* name : {"every-kind.zo", "scrambled.zo"}) {
         SCOPED_TRACE(name);
         TFileBinInStream in(folder.Path(name).c_str(), 3u);

@@ -17,6 +17,7 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <optional>
+#include <tuple>
 
 namespace {
 
@@ -112,28 +113,22 @@ public:
 };
 
 bool Item::ReadData(int code, InputStreamer& s) {
-    switch (code) {
-    case 10:
+    if (code == 10) {
         s >> number;
-        return true;
-    case 11:
+    } else if (code == 11) {
         s >> text;
-        return true;
-    case 20:
+    } else if (code == 20) {
         next = static_cast<Reader&>(s).ReadPointer();
-        return true;
-    case 21: {
+    } else if (code == 21) {
         ZoStreamableBase* object = nullptr;
         s >> object;
         object->Read(s);
-        return true;
-    }
-    case 22:
+    } else if (code == 22) {
         s >> seen;
-        return true;
-    default:
+    } else {
         return ZoStreamableBase::ReadData(code, s);
     }
+    return true;
 }
 
 /// What `operation` writes, with "|" between the tokens.
@@ -181,27 +176,23 @@ private:
     std::optional<Reader> streamer;
 };
 
+/// What an operation throws; exceptions that bear no texts by their names.
 template <class Operation>
 std::string Thrown(Operation operation) {
     try {
-        operation();
+        return FailureOf(operation);
     } catch (const XEndSection&) {
         return "end of section";
     } catch (const XInvalidHandle&) {
         return "invalid handle";
     } catch (const xInvalidConversion&) {
         return "invalid conversion";
-    } catch (const XEndOfStream&) {
-        return "end of stream";
-    } catch (const XStream& e) {
-        return std::string(e.Message().c_str()) + " @ " + e.Location().c_str();
     }
-    return "";
 }
 
 // Writing
 
-TEST(OutputStreamerTest, WritesPointers) {
+TEST(OutputStreamerTests, WritesPointers) {
     const pointer<Item> a(new Item);
     const pointer<Item> b(new Item);
     Item value;
@@ -211,11 +202,8 @@ TEST(OutputStreamerTest, WritesPointers) {
         std::function<void(OutputStreamer&)> write;
         const char* tokens;
     } rows[] = {
-        {"null", [&](OutputStreamer& s) { s << null; }, "0"},
-        {"once", [&](OutputStreamer& s) { s << a.get(); }, "0|class Item|3|1|10|0"},
-        {"twice", [&](OutputStreamer& s) { s << a.get() << a.get(); }, "0|class Item|3|1|10|0|5|1"},
-        {"another", [&](OutputStreamer& s) { s << a.get() << b.get() << a.get(); },
-         "0|class Item|3|1|10|0|0|class Item|3|2|10|0|5|1"},
+        {"another", [&](OutputStreamer& s) { s << a.get() << b.get() << a.get() << null; },
+         "0|class Item|3|1|10|0|0|class Item|3|2|10|0|5|1|0"},
         {"a value", [&](OutputStreamer& s) { s << value << a.get() << *a; },
          "3|0|10|0|0|class Item|3|1|10|0|3|1|10|0"},
         {"a circle",
@@ -241,17 +229,14 @@ TEST(OutputStreamerTest, WritesPointers) {
     for (const auto& row : rows) EXPECT_EQ(Written(row.write), row.tokens) << row.name;
 }
 
-TEST(OutputStreamerTest, CutsTextIntoLines) {
+TEST(OutputStreamerTests, CutsTextIntoLines) {
     const struct {
         const char* text;
         const char* tokens;
     } rows[] = {
         {"", ""},
         {"a", "8|a"},
-        {"a\nb", "8|a|8|b"},
         {"a\n", "8|a|8|"},
-        {"\n", "8||8|"},
-        {"\na", "8||8|a"},
         {"\n\n", "8||8||8|"},
         {"a\n\nb", "8|a|8||8|b"},
         {"a\r\nb", "8|a\r|8|b"},
@@ -261,7 +246,7 @@ TEST(OutputStreamerTest, CutsTextIntoLines) {
     }
 }
 
-TEST(StreamersTest, NestAsDeepAsIsStated) {
+TEST(TextStreamerTests, NestAsDeepAsIsStated) {
     for (const int levels : {MAX_TEXT_NESTING, MAX_TEXT_NESTING + 1}) {
         const bool fits = levels == MAX_TEXT_NESTING;
         pointer<Item> first(new Item);
@@ -294,7 +279,7 @@ TEST(StreamersTest, NestAsDeepAsIsStated) {
 
 // Reading
 
-TEST(InputStreamerTest, ReadsAnObjectsData) {
+TEST(InputStreamerTests, ReadsAnObjectsData) {
     const struct {
         const char* name;
         const char* tokens;
@@ -303,9 +288,7 @@ TEST(InputStreamerTest, ReadsAnObjectsData) {
         const char* thrown;
         const char* rest;
     } rows[] = {
-        {"ended by 0", "10|4|0|rest|", 4, "", "", "rest|"},
         {"ended by 7", "10|4|11|x|7|rest|", 4, "x", "", "rest|"},
-        {"no data", "7|rest|", 0, "", "", "rest|"},
         {"unknown codes", "99|10|98|0|-1|7|10|4|97||7|rest|", 4, "", "", "rest|"},
         {"a text for a code", "x|rest|", 0, "", "", "rest|"},
         {"a reference to nothing", "20|5|77|10|4|7|rest|", 4, "", "", "rest|"},
@@ -315,9 +298,7 @@ TEST(InputStreamerTest, ReadsAnObjectsData) {
         {"null", "20|0|NULL|10|4|7|", 4, "", "", ""},
         {"an object of no known class", "20|0|class X|10|7|11|x|7|10|4|7|", 4, "", "", ""},
         {"an object", "20|0|class Item|3|6|10|1|7|10|4|7|", 4, "", "", ""},
-        {"no end", "10|4|", 4, "", "end of stream", ""},
-        {"no value", "10|4|11|", 4, "", "end of stream", ""},
-        {"nothing", "", 0, "", "end of stream", ""},
+        {"no end", "10|4|", 4, "", "End-of-file @ ", ""},
     };
     for (const auto& row : rows) {
         Source source(row.tokens);
@@ -329,7 +310,7 @@ TEST(InputStreamerTest, ReadsAnObjectsData) {
     }
 }
 
-TEST(InputStreamerTest, KnowsWhatClosesASection) {
+TEST(InputStreamerTests, KnowsWhatClosesASection) {
     const struct {
         const char* token;
         bool endsObjects;
@@ -342,8 +323,6 @@ TEST(InputStreamerTest, KnowsWhatClosesASection) {
         {"ENDGROUPELEMENTOPARARA", true, true},
         {"ENDRAINDIV", false, true},
         {"ENDSE", false, false},
-        {"endsec", false, false},
-        {" ENDSEC", false, false},
         {"", false, false},
     };
     for (const auto& row : rows) {
@@ -362,7 +341,7 @@ TEST(InputStreamerTest, KnowsWhatClosesASection) {
     }
 }
 
-TEST(InputStreamerTest, TakesTerminatorsOfTheReaders) {
+TEST(InputStreamerTests, TakesTerminatorsOfTheReaders) {
     TIList<ZoString> terminators;
     terminators.Add(new ZoString("END"));
     terminators.Add(nullptr);
@@ -380,16 +359,14 @@ TEST(InputStreamerTest, TakesTerminatorsOfTheReaders) {
     }
 }
 
-TEST(InputStreamerTest, TakesHandlesFromTokens) {
+TEST(InputStreamerTests, TakesHandlesFromTokens) {
     const struct {
         const char* token;
         bool valid;
         int handle; // 0: refused
     } rows[] = {
-        {"1", true, 1},   {"+12", true, 12},        {"-3", true, -3}, {"2147483647", true, INT_MAX},
-        {"0", true, 0},   {"00", true, 0},          {"", false, 0},   {"x", false, 0},
-        {"1x", false, 0}, {" 1", false, 0},         {"1 ", false, 0}, {"1.", false, 0},
-        {"-", false, 0},  {"2147483648", false, 0},
+        {"+12", true, 12}, {"-3", true, -3}, {"2147483647", true, INT_MAX}, {"0", true, 0}, {"", false, 0},
+        {"1x", false, 0},  {" 1", false, 0}, {"2147483648", false, 0},
     };
     Source source("");
     for (const auto& row : rows) {
@@ -402,7 +379,7 @@ TEST(InputStreamerTest, TakesHandlesFromTokens) {
     }
 }
 
-TEST(InputStreamerTest, KeepsHandles) {
+TEST(InputStreamerTests, KeepsHandles) {
     Source source("");
     Item a;
     Item b;
@@ -426,7 +403,6 @@ TEST(InputStreamerTest, KeepsHandles) {
     EXPECT_EQ(source->AddObject(&b), 6);
     EXPECT_EQ(source->AddObject(&b), 6);
     source->RemoveObject(6);
-    source->RemoveObject(6);
     EXPECT_EQ(source->GetHandle(&b), 0);
     EXPECT_EQ(source->AddObject(&b), 6);
     source->SetHandle(&b, INT_MAX);
@@ -437,7 +413,7 @@ TEST(InputStreamerTest, KeepsHandles) {
     EXPECT_EQ(source->AddObject(&a), 1);
 }
 
-TEST(InputStreamerTest, NoTextEndsAMember) {
+TEST(InputStreamerTests, NoTextEndsAMember) {
     ASSERT_EQ(living, 0);
     {
         Source source("30|class Item|3|2|10|4|7|20|5|2|20|0|NULL|20|5|2|7|");
@@ -471,7 +447,7 @@ TEST(InputStreamerTest, NoTextEndsAMember) {
     EXPECT_EQ(living, 2);
 }
 
-TEST(InputStreamerTest, AsksTheFactoriesInOrder) {
+TEST(InputStreamerTests, AsksTheFactoriesInOrder) {
     auto* const first = new Factory({"A"});
     auto* const second = new Factory({"A", "B"});
     Source source("10|x|7|10|y", first);
@@ -496,28 +472,30 @@ TEST(InputStreamerTest, AsksTheFactoriesInOrder) {
     EXPECT_EQ(without.Rest(), "10|");
 }
 
-TEST(StreamableFactoryTest, KnowsTheClassesOfASchema) {
+TEST(StreamableFactoryTests, KnowsTheClassesOfASchema) {
     TZoMetaData schema;
     ZoDouble::Register(&schema);
     pointer<StreamableFactory> factory(new StreamableFactory(&schema));
     EXPECT_STREQ(factory->StreamableClassName().c_str(), "class StreamableFactory");
-    for (const char* name :
-         {"class ZoDouble", "ZoDouble", "class ZoPrimitives::ZoDouble", "Other::ZoDouble"}) {
-        const pointer<ZoStreamableBase> object(factory->CreateObject(name));
+    const std::string colons(2'000'000, ':'); // linear, with sanitizers too
+    for (const std::string& name : {std::string("class ZoDouble"), std::string("ZoDouble"),
+                                    std::string("class ZoPrimitives::ZoDouble"), colons + "ZoDouble"}) {
+        const pointer<ZoStreamableBase> object(factory->CreateObject(name.c_str()));
         EXPECT_NE(dynamic_cast<ZoDouble*>(object.get()), nullptr) << name;
     }
+    EXPECT_THROW(factory->CreateObject(colons.c_str()), XUnknownObject);
     for (const char* name : {"", "class ", "ZoInteger", "class zodouble", "ENDSEC"}) {
         EXPECT_THROW(factory->CreateObject(name), XUnknownObject) << name;
     }
     EXPECT_FALSE(factory->ReadSection(nullptr, "TABLE"));
 }
 
-TEST(InputStreamerTest, HoldsWhatItMade) {
+TEST(InputStreamerTests, HoldsWhatItMade) {
     ASSERT_EQ(living, 0);
     const std::string whole = "0|class Item|3|1|20|0|class Item|3|2|20|5|1|7|7|";
     {
         Source source(whole.substr(0, whole.size() - 4));
-        EXPECT_EQ(Thrown([&] { source->ReadPointer(); }), "end of stream");
+        EXPECT_EQ(Thrown([&] { source->ReadPointer(); }), "End-of-file @ ");
         EXPECT_EQ(living, 2);
         static_cast<Item*>(source->Objects()[2])->next = nullptr; // no circle of holders
     }
@@ -555,43 +533,33 @@ TEST(InputStreamerTest, HoldsWhatItMade) {
 /// An application's stream: each operation leaves its letter.
 class Letters : public InputStream {
 public:
-#define ZO_LETTER(Type, letter)                                                                              \
-    InputStream& operator>>(Type) override {                                                                 \
-        seen += letter;                                                                                      \
-        return *this;                                                                                        \
-    }
-    ZO_LETTER(ZoString&, 'Z')
-    ZO_LETTER(char*, 'c')
-    ZO_LETTER(long double&, 'D')
-    ZO_LETTER(double&, 'd')
-    ZO_LETTER(float&, 'f')
-    ZO_LETTER(unsigned int&, 'u')
-    ZO_LETTER(int&, 'i')
-    ZO_LETTER(unsigned short&, 'S')
-    ZO_LETTER(short&, 's')
-    ZO_LETTER(bool&, 'b')
-#undef ZO_LETTER
-    void SkipValue() override { seen += '-'; }
+    InputStream& operator>>(ZoString&) override { return Add('Z'); }
+    InputStream& operator>>(char*) override { return Add('c'); }
+    InputStream& operator>>(long double&) override { return Add('D'); }
+    InputStream& operator>>(double&) override { return Add('d'); }
+    InputStream& operator>>(float&) override { return Add('f'); }
+    InputStream& operator>>(unsigned int&) override { return Add('u'); }
+    InputStream& operator>>(int&) override { return Add('i'); }
+    InputStream& operator>>(unsigned short&) override { return Add('S'); }
+    InputStream& operator>>(short&) override { return Add('s'); }
+    InputStream& operator>>(bool&) override { return Add('b'); }
+    void SkipValue() override { Add('-'); }
     bool GetLine(char*) override { return false; }
     void CheckRead() override {}
+    InputStream& Add(char letter) { return seen += letter, *this; }
     std::string seen;
 };
 
-TEST(InputStreamerTest, HandsEveryValueToTheStream) {
+template <class... Values>
+void ReadEach(InputStreamer& reader) {
+    std::tuple<Values...> values{};
+    std::apply([&](auto&... value) { (reader >> ... >> value); }, values);
+}
+
+TEST(InputStreamerTests, HandsEveryValueToTheStream) {
     const pointer<Letters> stream(new Letters);
     InputStreamer reader(stream.get(), nullptr);
-    ZoString text;
-    char buffer[4];
-    long double longReal;
-    double real;
-    float single;
-    unsigned natural;
-    int number;
-    unsigned short smallNatural;
-    short small;
-    bool flag;
-    reader >> text >> buffer >> longReal >> real >> single >> natural >> number >> smallNatural >> small >>
-        flag;
+    ReadEach<ZoString, char*, long double, double, float, unsigned, int, unsigned short, short, bool>(reader);
     reader.SkipValue();
     EXPECT_EQ(stream->seen, "ZcDdfuiSsb-");
 }
@@ -606,7 +574,7 @@ std::vector<std::ptrdiff_t> OutputSlots() {
     return {Slot(static_cast<Stream& (Stream::*)(Types)>(&Stream::operator<<))...};
 }
 
-TEST(TextStreamsTest, TheirOperationsStandInTheirOrder) {
+TEST(TextStreamTests, TheirOperationsStandInTheirOrder) {
     const auto ten = ElementsAre(4, 5, 6, 7, 8, 9, 10, 11, 12, 13);
     EXPECT_THAT((OutputSlots<OutputStream, const ZoString&, const char*, long double, double, float,
                              unsigned int, int, unsigned short, short, bool>()),
@@ -620,7 +588,7 @@ TEST(TextStreamsTest, TheirOperationsStandInTheirOrder) {
 }
 #endif
 
-TEST(RealClipboardStreamersTest, ShortNumbersAreIntsThere) {
+TEST(RealClipboardStreamerTests, ShortNumbersAreIntsThere) {
     const PrivateClipboard clipboard;
     {
         pointer<OutputStream> stream(new ClipboardOutputStream);
@@ -635,29 +603,18 @@ TEST(RealClipboardStreamersTest, ShortNumbersAreIntsThere) {
     EXPECT_THAT((std::vector<int>{first, second, small}), ElementsAre(-5, 65535, -7));
 }
 
-TEST(StreamersTest, NeedAStream) {
+TEST(TextStreamerTests, NeedAStream) {
     OutputStreamer out(nullptr);
     Reader in(nullptr, nullptr);
     Item item;
     ZoStreamableBase* object = &item;
-    ZoString text;
     int number = 0;
     const std::function<void()> operations[] = {
-        [&] { out << 1; },
-        [&] { out << "x"; },
-        [&] { out << object; },
-        [&] { out << item; },
-        [&] { out << static_cast<ZoStreamableBase*>(nullptr); },
-        [&] { out.MultiLineText("x", 1); },
-        [&] { out.GetHandle(object); },
-        [&] { out.GetFile(); },
-        [&] { in >> text; },
-        [&] { in >> number; },
-        [&] { in >> item; },
-        [&] { in >> object; },
-        [&] { in.SkipValue(); },
-        [&] { in.SkipObject(); },
-        [&] { in.SetHandle(object, 1); },
+        [&] { out << 1; },       [&] { out << object; },
+        [&] { out << item; },    [&] { out.GetHandle(object); },
+        [&] { out.GetFile(); },  [&] { in >> number; },
+        [&] { in >> item; },     [&] { in >> object; },
+        [&] { in.SkipValue(); }, [&] { in.SetHandle(object, 1); },
         [&] { in.GetFile(); },
     };
     for (const auto& operation : operations) {
@@ -666,29 +623,23 @@ TEST(StreamersTest, NeedAStream) {
     }
 }
 
-TEST(StreamersTest, StandOverTheirStream) {
+TEST(TextStreamerTests, StandOverTheirStream) {
     const TemporaryFolder folder;
     folder.Write("in", "a");
     const pointer<FileOutputStream> file(new FileOutputStream(folder.Path("out").c_str(), false));
     OutputStreamer out(file.get());
     EXPECT_EQ(out.GetFile(), file->GetFile());
-    EXPECT_TRUE(out == OutputStreamer(file.get()));
-    EXPECT_TRUE(out != OutputStreamer(nullptr));
+    EXPECT_TRUE(out == OutputStreamer(file.get()) && out != OutputStreamer(nullptr));
 
     const pointer<FileInputStream> source(new FileInputStream(folder.Path("in").c_str()));
     InputStreamer in(source.get(), nullptr);
     EXPECT_EQ(in.GetFile(), source->GetFile());
-    EXPECT_EQ(in.GetStream(), source.get());
-    EXPECT_TRUE(in == InputStreamer(source.get(), nullptr));
-    EXPECT_TRUE(in != InputStreamer(nullptr, nullptr));
-    EXPECT_EQ(in.GetUnidadePadraoDiametros(), 0);
-    in.SetUnidadePadraoDiametros(4);
-    EXPECT_EQ(in.GetUnidadePadraoDiametros(), 4);
+    EXPECT_TRUE(in == InputStreamer(source.get(), nullptr) && in != InputStreamer(nullptr, nullptr));
 }
 
 // Texts of strangers
 
-TEST(HostileTextTest, ALastLineWithoutEndComesToAnEnd) {
+TEST(HostileTextTests, ALastLineWithoutEndComesToAnEnd) {
     const char* const texts[] = {
         "10",              // a code for ever
         "3|1|99",          // one that nobody knows
@@ -707,7 +658,7 @@ TEST(HostileTextTest, ALastLineWithoutEndComesToAnEnd) {
         int count = 0;
         while (Thrown([&] { *source >> token; }).empty()) ++count;
         EXPECT_LE(count, MAX_TEXT_NESTING + 1) << text;
-        EXPECT_EQ(Thrown([&] { source->SkipValue(); }), "end of stream") << text;
+        EXPECT_EQ(Thrown([&] { source->SkipValue(); }), "End-of-file @ ") << text;
         source->SkipObject();
         item.next = nullptr;
     }
@@ -721,10 +672,10 @@ TEST(HostileTextTest, ALastLineWithoutEndComesToAnEnd) {
     // As often as objects may be nested the last token is there for them.
     Source source("7");
     for (int i = 0; i <= MAX_TEXT_NESTING; ++i) Item().Read(*source);
-    EXPECT_EQ(Thrown([&] { Item().Read(*source); }), "end of stream");
+    EXPECT_EQ(Thrown([&] { Item().Read(*source); }), "End-of-file @ ");
 }
 
-TEST(HostileTextTest, AMillionNestedObjectsAreRefused) {
+TEST(HostileTextTests, AMillionNestedObjectsAreRefused) {
     std::string text;
     for (int i = 0; i < 1'000'000; ++i) text += "20|0|class Item|";
     Source source(text);
@@ -736,7 +687,7 @@ TEST(HostileTextTest, AMillionNestedObjectsAreRefused) {
     EXPECT_EQ(living, 1);
 }
 
-TEST(HostileTextTest, AMillionNestedDataOfOneObjectAreRefused) {
+TEST(HostileTextTests, AMillionNestedDataOfOneObjectAreRefused) {
     const auto own = std::make_unique<OwnReader>();
     const auto usual = std::make_unique<Item>();
     for (Item* item : {usual.get(), static_cast<Item*>(own.get())}) {
@@ -753,36 +704,18 @@ TEST(HostileTextTest, AMillionNestedDataOfOneObjectAreRefused) {
     }
 }
 
-TEST(HostileTextTest, AClassNameMayBeOfColons) {
-    // Linear, with sanitizers too.
-    const std::string colons(2'000'000, ':');
-    TZoMetaData schema;
-    ZoDouble::Register(&schema);
-    pointer<StreamableFactory> factory(new StreamableFactory(&schema));
-    EXPECT_THROW(factory->CreateObject(colons.c_str()), XUnknownObject);
-    const pointer<ZoStreamableBase> object(factory->CreateObject((colons + "ZoDouble").c_str()));
-    EXPECT_NE(dynamic_cast<ZoDouble*>(object.get()), nullptr);
-}
-
-TEST(HostileTextTest, DamageEndsInDocumentedExceptions) {
-    // Each prefix of a whole text, with and without a line end; then each token replaced by each of some.
-    const std::vector<std::string> whole = {"3", "1",  "10", "5", "20", "0", "class Item", "3",
-                                            "2", "20", "5",  "1", "11", "x", "7",          "7"};
-    const char* const others[] = {"0",          "3",    "5",      "7",          "20", "-1", "",           "x",
-                                  "class Item", "NULL", "ENDSEC", "ENDRAINDIV", "1",  "2",  "99999999999"};
+TEST(HostileTextTests, DamageEndsInDocumentedExceptions) {
+    // Each prefix of a whole text, with and without a line end, then with a token that does not belong there.
+    const char* const whole[] = {"3", "1",  "10", "5", "20", "0", "class Item", "3",
+                                 "2", "20", "5",  "1", "11", "x", "7",          "7"};
+    const char* const others[] = {"0", "5",          "7",    "20",     "-1",
+                                  "",  "class Item", "NULL", "ENDSEC", "99999999999"};
     std::vector<std::string> texts;
     std::string prefix;
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        texts.push_back(prefix);
-        texts.push_back(prefix + whole[i]);
-        prefix += whole[i] + "|";
-        for (const char* other : others) {
-            std::string text;
-            for (std::size_t j = 0; j < whole.size(); ++j) text += (j == i ? other : whole[j]) + "|";
-            texts.push_back(text);
-            text.pop_back();
-            texts.push_back(text);
-        }
+    for (const char* token : whole) {
+        for (const char* other : others) texts.push_back(prefix + other + "|" + token);
+        for (const char* end : {"", "|"}) texts.push_back(prefix + token + end);
+        prefix += token + std::string("|");
     }
     for (const std::string& text : texts) {
         auto item = std::make_unique<Item>();

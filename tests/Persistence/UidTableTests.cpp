@@ -12,7 +12,7 @@ using namespace ZoPrimitives;
 
 namespace {
 
-TEST(UidTable, FindsWhatWasSetLast) {
+TEST(UidTableTests, FindsWhatWasSetLast) {
     std::mt19937 random(7);
     const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
     const struct {
@@ -20,9 +20,7 @@ TEST(UidTable, FindsWhatWasSetLast) {
         std::function<int(int)> uid; // of the object that comes as that number
     } cases[] = {
         {"dense", [](int i) { return i + 1; }},
-        {"every hundredth", [](int i) { return 100 * i; }},
         {"falling", [](int i) { return 1'000'000 - 100 * i; }},
-        {"by chance, near", [&](int) { return below(3'000); }},
         {"by chance, far", [&](int) { return below(INT_MAX); }},
         {"few of them, again and again", [&](int) { return 5'000 * below(50); }},
         {"negative ones too", [&](int i) { return i % 3 == 0 ? -below(1'000) : 90 * i; }},

@@ -8,7 +8,7 @@ using namespace ZoPrimitives::Platform;
 
 namespace {
 
-TEST(SystemTimeTest, GoesWithTheClocksOfTheStandardLibrary) {
+TEST(SystemTimeTests, GoesWithTheClocksOfTheStandardLibrary) {
     using namespace std::chrono;
     using Ticks = duration<std::int64_t, std::ratio<1, 10'000'000>>;
     const auto now = Ticks(Current().SystemTime()) - system_clock::now().time_since_epoch();
@@ -23,7 +23,7 @@ TEST(SystemTimeTest, GoesWithTheClocksOfTheStandardLibrary) {
 }
 
 // Whatever the zone is: local time is the standard time or up to two hours beside it.
-TEST(SystemTimeTest, LocalTimeGoesWithTheBias) {
+TEST(SystemTimeTests, LocalTimeGoesWithTheBias) {
     CalendarTime local;
     ASSERT_TRUE(Current().LocalTime(1'720'000'800, local)); // 10:00 UTC on 2024-07-03
     EXPECT_EQ(local.year * 100 + local.month, 202'407);

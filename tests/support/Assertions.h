@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <gtest/gtest.h>
@@ -41,4 +43,20 @@ FailedAssertion AssertionOf(Operation operation) {
     }
     ZoPrimitives::SetAssertionFunctor(nullptr);
     return failed;
+}
+
+/// Which exception of a stream an operation ended with: "message @ location", "full @ location" where there
+/// is no room left; "" for none.
+template <class Operation>
+std::string FailureOf(Operation operation) {
+    using namespace ZoPrimitives;
+    try {
+        operation();
+    } catch (const XWriteStreamOutOfSpace& e) {
+        EXPECT_EQ(e.Message(), "Espaço em disco insuficiente."_ansi);
+        return std::string("full @ ") + e.Location().c_str();
+    } catch (const XStream& e) {
+        return std::string(e.Message().c_str()) + " @ " + e.Location().c_str();
+    }
+    return "";
 }

@@ -76,80 +76,63 @@ public:
 
     Platform::FileHandle OpenFile(const char* path, Platform::Access access, Platform::Share share,
                                   Platform::Creation creation) override {
-        if (Fault* fault = Meet("OpenFile", Label(path))) return Refuse(*fault), nullptr;
+        if (Fails("OpenFile", Label(path))) return nullptr;
         const Platform::FileHandle file = Services::OpenFile(path, access, share, creation);
         if (file != nullptr) handles[file] = Label(path);
         return file;
     }
     /// A close that fails has closed, as the system's.
     bool CloseFile(Platform::FileHandle file) override {
-        Fault* fault = Meet("CloseFile", Label(file));
+        const Fault* fault = Meet("CloseFile", Label(file));
         handles.erase(file);
         const bool closed = Services::CloseFile(file);
-        return fault != nullptr ? Refuse(*fault) : closed;
+        if (fault != nullptr) Platform::SetLastError(fault->error);
+        return closed && fault == nullptr;
     }
     bool ReadFile(Platform::FileHandle file, void* data, std::size_t size, std::size_t& done) override {
-        if (Fault* fault = Meet("ReadFile", Label(file))) {
-            done = 0;
-            if (fault->effect == Half) Services::ReadFile(file, data, size / 2, done);
-            return Refuse(*fault);
-        }
-        return Services::ReadFile(file, data, size, done);
+        done = 0;
+        return !Fails("ReadFile", Label(file), [&] { Services::ReadFile(file, data, size / 2, done); }) &&
+               Services::ReadFile(file, data, size, done);
     }
     bool WriteFile(Platform::FileHandle file, const void* data, std::size_t size) override {
-        if (Fault* fault = Meet("WriteFile", Label(file))) {
-            if (fault->effect == Half) Services::WriteFile(file, data, size / 2);
-            return Refuse(*fault);
-        }
-        return Services::WriteFile(file, data, size);
+        return !Fails("WriteFile", Label(file), [&] { Services::WriteFile(file, data, size / 2); }) &&
+               Services::WriteFile(file, data, size);
     }
     bool SeekFile(Platform::FileHandle file, long long offset, Platform::Origin origin,
                   unsigned long long& position) override {
-        if (Fault* fault = Meet("SeekFile", Label(file))) return Refuse(*fault);
-        return Services::SeekFile(file, offset, origin, position);
+        return !Fails("SeekFile", Label(file)) && Services::SeekFile(file, offset, origin, position);
     }
     bool FileSize(Platform::FileHandle file, unsigned long long& size) override {
-        if (Fault* fault = Meet("FileSize", Label(file))) return Refuse(*fault);
-        return Services::FileSize(file, size);
+        return !Fails("FileSize", Label(file)) && Services::FileSize(file, size);
     }
     bool TruncateFile(Platform::FileHandle file, unsigned long long size) override {
-        if (Fault* fault = Meet("TruncateFile", Label(file))) return Refuse(*fault);
-        return Services::TruncateFile(file, size);
+        return !Fails("TruncateFile", Label(file)) && Services::TruncateFile(file, size);
     }
     bool SynchroniseFile(Platform::FileHandle file) override {
-        if (Fault* fault = Meet("SynchroniseFile", Label(file))) return Refuse(*fault);
-        return Services::SynchroniseFile(file);
+        return !Fails("SynchroniseFile", Label(file)) && Services::SynchroniseFile(file);
     }
     bool CopyWholeFile(const char* from, const char* to) override {
-        if (Fault* fault = Meet("CopyWholeFile", Label(from) + " " + Label(to))) {
-            if (fault->effect == Half) CopyHalf(from, to);
-            return Refuse(*fault);
-        }
-        return Services::CopyWholeFile(from, to);
+        return !Fails("CopyWholeFile", Label(from) + " " + Label(to), [&] { CopyHalf(from, to); }) &&
+               Services::CopyWholeFile(from, to);
     }
     bool MoveWholeFile(const char* from, const char* to) override {
-        if (Fault* fault = Meet("MoveWholeFile", Label(from) + " " + Label(to))) return Refuse(*fault);
-        return Services::MoveWholeFile(from, to);
+        return !Fails("MoveWholeFile", Label(from) + " " + Label(to)) && Services::MoveWholeFile(from, to);
     }
     bool DeleteWholeFile(const char* path) override {
-        if (Fault* fault = Meet("DeleteWholeFile", Label(path))) return Refuse(*fault);
-        return Services::DeleteWholeFile(path);
+        return !Fails("DeleteWholeFile", Label(path)) && Services::DeleteWholeFile(path);
     }
     bool FileExists(const char* path, bool* isReadOnly) override {
-        if (Fault* fault = Meet("FileExists", Label(path))) return Refuse(*fault);
+        if (Fails("FileExists", Label(path))) return false;
         const bool exists = Services::FileExists(path, isReadOnly);
         if (exists && isReadOnly != nullptr && readOnly) *isReadOnly = *readOnly;
         return exists;
     }
     bool NetworkFile(const char* path) override {
-        if (Fault* fault = Meet("NetworkFile", Label(path))) return Refuse(*fault);
-        return network ? *network : Services::NetworkFile(path);
+        return !Fails("NetworkFile", Label(path)) && (network ? *network : Services::NetworkFile(path));
     }
     std::string TemporaryFileName(const char* target) override {
-        if (Fault* fault = Meet("TemporaryFileName", Label(target))) return Refuse(*fault), std::string();
-        std::string name = Services::TemporaryFileName(target);
-        temporaries.push_back(name);
-        return name;
+        if (Fails("TemporaryFileName", Label(target))) return "";
+        return temporaries.emplace_back(Services::TemporaryFileName(target));
     }
     void Wait(unsigned milliseconds) override {
         ++counts["Wait"];
@@ -169,19 +152,24 @@ private:
     };
 
     // Records the call; the fault that it meets, if any.
-    Fault* Meet(const std::string& operation, const std::string& label) {
+    const Fault* Meet(const std::string& operation, const std::string& label) {
         const std::string call = label.empty() ? operation : operation + " " + label;
         if (onCall) onCall(call);
         calls.push_back(call);
         const int number = ++counts[operation];
-        for (Fault& fault : faults)
+        for (const Fault& fault : faults)
             if (fault.operation == operation && (fault.nth == 0 || fault.nth == number)) return &fault;
         return nullptr;
     }
 
-    static bool Refuse(const Fault& fault) {
-        Platform::SetLastError(fault.error);
-        return false;
+    // Whether the call fails; having done, with the effect `Half`, half of its work.
+    bool Fails(const std::string& operation, const std::string& label,
+               const std::function<void()>& half = {}) {
+        const Fault* fault = Meet(operation, label);
+        if (fault == nullptr) return false;
+        if (fault->effect == Half && half) half();
+        Platform::SetLastError(fault->error);
+        return true;
     }
 
     std::string Label(const char* path) const {

@@ -4,10 +4,10 @@
 #include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/MemoryBinOutStream.h"
-#include "ZoPrimitives/XStream.h"
+#include "support/Assertions.h"
+#include "support/Records.h"
 
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <cstring>
 #include <functional>
@@ -66,29 +66,18 @@ struct Row {
 
 /// A file of these records, with right sums.
 inline std::string FileOf(const std::vector<Row>& rows) {
-    Payload file;
-    for (int i = 0; i < 7; ++i) file.Int(0);
-    for (const Row& row : rows) {
-        const auto crc = crc32(0, reinterpret_cast<const unsigned char*>(row.payload.data()),
-                               static_cast<unsigned>(row.payload.size()));
-        file.Int(0xABCAABCA).Int(static_cast<long long>(row.payload.size())).Int(static_cast<long long>(crc));
-        file.Ints({row.classId, row.uid, 0}).Add(Payload(row.payload));
-    }
+    std::string file = HeaderBytes(0, 0);
+    for (const Row& row : rows) file += RecordBytes(row.uid, row.classId, row.payload);
     return file;
 }
 
 /// The records of a sound file.
 inline std::vector<Row> RowsOf(const std::string& file) {
     std::vector<Row> rows;
-    const auto word = [&](std::size_t at) {
-        std::uint32_t value = 0;
-        std::memcpy(&value, file.data() + at, sizeof value);
-        return value;
-    };
     for (std::size_t at = 28; at < file.size();) {
-        const std::size_t size = word(at + 4);
-        rows.push_back(
-            {static_cast<int>(word(at + 16)), static_cast<int>(word(at + 12)), file.substr(at + 24, size)});
+        const std::size_t size = Word(file, at + 4);
+        rows.push_back({static_cast<int>(Word(file, at + 16)), static_cast<int>(Word(file, at + 12)),
+                        file.substr(at + 24, size)});
         at += 24 + size;
     }
     return rows;
@@ -219,16 +208,6 @@ public:
     ZoPrimitives::TBinInStreamer streamer;
     ZoPrimitives::ZoStreamableBase* root = nullptr;
 };
-
-/// Which exception of the library an operation ended with: "message @ location"; "" for none.
-inline std::string FailureOf(const std::function<void()>& operation) {
-    try {
-        operation();
-    } catch (const ZoPrimitives::XStream& failure) {
-        return Text(failure.Message()) + " @ " + Text(failure.Location());
-    }
-    return "";
-}
 
 /// Counts the objects of which it is a member.
 struct Alive {

@@ -56,6 +56,11 @@ public:
                                      perms::owner_read | perms::group_read | perms::others_read);
     }
 
+    /// Removes every file.
+    void Clear() const {
+        for (const std::string& name : Names()) std::filesystem::remove(folder / name);
+    }
+
     /// The names in the folder, sorted.
     std::vector<std::string> Names() const {
         std::vector<std::string> names;

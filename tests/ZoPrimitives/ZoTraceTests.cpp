@@ -23,7 +23,7 @@ struct Opened {
 };
 template struct Opened<&TZoTrace::Tabs, &TZoTrace::firstTrace>;
 
-struct ZoTraceTest : testing::Test {
+struct ZoTraceTests : testing::Test {
     struct Services : Testing::FakeClock {
         std::FILE* OpenTraceFile(bool truncate) override {
             return std::fopen(path.c_str(), truncate ? "wb" : "ab");
@@ -32,7 +32,7 @@ struct ZoTraceTest : testing::Test {
         std::string path = folder.Path("Trace.txt");
     };
 
-    ZoTraceTest() {
+    ZoTraceTests() {
         FirstTrace() = true;
         TZoTrace::Tic();
     }
@@ -46,7 +46,7 @@ struct ZoTraceTest : testing::Test {
     const std::string prefix = "O tempo de execução da operação foi: "_ansi;
 };
 
-TEST_F(ZoTraceTest, FirstLineEmptiesTheFile) {
+TEST_F(ZoTraceTests, FirstLineEmptiesTheFile) {
     services.folder.Write("Trace.txt", "of another process\n");
     services.ticks = 12;
     TZoTrace::Toc("Abrir", "obra");
@@ -59,7 +59,7 @@ TEST_F(ZoTraceTest, FirstLineEmptiesTheFile) {
                            "4294967294ms. (, x)\n50% %d %n %%\tas it is\n\n\n");
 }
 
-TEST_F(ZoTraceTest, PercentSignsOfTextsAreInterpreted) {
+TEST_F(ZoTraceTests, PercentSignsOfTextsAreInterpreted) {
     const struct {
         const char* text;
         const char* written;
@@ -79,13 +79,13 @@ TEST_F(ZoTraceTest, PercentSignsOfTextsAreInterpreted) {
     EXPECT_EQ(Trace().size(), 10'000u) << "cut as by FormatString";
 }
 
-TEST_F(ZoTraceTest, WithoutAFileThereIsNoTrace) {
+TEST_F(ZoTraceTests, WithoutAFileThereIsNoTrace) {
     services.path = services.folder.Path("missing/Trace.txt");
     TZoTrace::Toc("a", "b");
     EXPECT_TRUE(services.folder.Names().empty());
 }
 
-TEST_F(ZoTraceTest, ThreadsMayTraceAtOnce) {
+TEST_F(ZoTraceTests, ThreadsMayTraceAtOnce) {
     const auto trace = [] {
         for (int i = 0; i < 50; ++i) {
             TZoTrace::TraceSimplesArquivo("");
@@ -98,7 +98,7 @@ TEST_F(ZoTraceTest, ThreadsMayTraceAtOnce) {
     EXPECT_EQ(Trace(), std::string(100, '\n'));
 }
 
-TEST_F(ZoTraceTest, Tabs) {
+TEST_F(ZoTraceTests, Tabs) {
     EXPECT_EQ(::Tabs(2), "\t\t");
     EXPECT_EQ(::Tabs(0), "");
     EXPECT_EQ(::Tabs(-3), "");

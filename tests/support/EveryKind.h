@@ -95,20 +95,46 @@ inline std::vector<ClassEntry> EveryKindEntries() {
     return {leaf, every};
 }
 
+/// A field's value in a record.
+struct FieldBytes {
+    std::string name;
+    int kind;
+    std::string bytes;
+
+    bool operator==(const FieldBytes&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, const FieldBytes& field) {
+        return out << Row{0, field.kind, field.bytes} << ' ' << field.name;
+    }
+};
+
+/// The fields of a filled one, as they follow each other in its record.
+inline std::vector<FieldBytes> EveryKindFields() {
+    return {{"map", -19, Payload().Ints({1, 2, 1, 3})},
+            {"anInt", -1, Payload().Int(-2)},
+            {"aFloat", -2, Payload().Float(1.5F)},
+            {"aDouble", -3, Payload().Double(-0.25)},
+            {"aString", -4, Payload().Text("text")},
+            {"aBlob", -5, Payload().Text("\1\2")},
+            {"aBool", -10, Payload().Bool(true)},
+            {"ints", -11, Payload().Ints({2, 7, -8})},
+            {"floats", -12, Payload().Int(1).Float(2.5F)},
+            {"doubles", -13, Payload().Int(1).Double(3.25)},
+            {"strings", -14, Payload().Int(2).Text("a").Text("")},
+            {"anUnsigned", -17, Payload().Int(4'000'000'000LL)},
+            {"child", -6, Payload().Int(4)},
+            {"member", -18, Payload().Int(5)},
+            {"children", -7, Payload().Ints({2, 6, 7})},
+            {"reference", -8, Payload().Int(7)},
+            {"external", -15, Payload().Int(8)},
+            {"references", -9, Payload().Ints({2, 4, 5})},
+            {"externals", -16, Payload().Ints({1, 8})}};
+}
+
 /// The records of a filled one: the map's key and value, the child, the member, both children, the external
 /// leaf.
 inline std::vector<Row> EveryKindRows() {
-    Payload every;
-    every.Ints({1, 2, 1, 3}); // the map's two lists
-    every.Int(-2).Float(1.5F).Double(-0.25).Text("text").Text("\1\2").Bool(true);
-    every.Ints({2, 7, -8}).Int(1).Float(2.5F).Int(1).Double(3.25).Int(2).Text("a").Text("");
-    every.Int(4'000'000'000LL);
-    every.Ints({4, 5});    // child, member
-    every.Ints({2, 6, 7}); // children
-    every.Ints({7, 8});    // reference, external
-    every.Ints({2, 4, 5}); // references
-    every.Ints({1, 8});    // externals
-    std::vector<Row> rows{{1, 2, every}};
+    std::vector<Row> rows{{1, 2, ""}};
+    for (const FieldBytes& field : EveryKindFields()) rows[0].payload += field.bytes;
     int uid = 2;
     for (const int number : {14, 15, 10, 13, 11, 12, 99}) rows.push_back({uid++, 1, Payload().Int(number)});
     return rows;

@@ -1,9 +1,10 @@
 #include "compare.h"
-#include "failure.h"
 #include "grammar.h"
 #include "report.h"
 #include "tables.h"
 #include "text.h"
+
+#include "public/frame/FailureOf.h"
 
 #include "support/PrivateClipboard.h"
 #include "support/TemporaryFolder.h"
@@ -65,8 +66,7 @@ Model Shed() {
     return model;
 }
 
-class FrameTextTest : public testing::Test {
-protected:
+struct TextTests : testing::Test {
     std::string Path(const char* name) const { return folder.Path(name); }
     std::string TextOf(const Model& model) const {
         WriteText(model, Path("out.txt"));
@@ -77,14 +77,8 @@ protected:
         folder.Write(name, text);
         return ReadText(folder.Path(name));
     }
-    /// Empty for a text that is read.
     std::string FailureOf(const std::string& text) const {
-        try {
-            ModelOf(text);
-        } catch (const Failure& failure) {
-            return failure.what();
-        }
-        return "";
+        return ::FailureOf([&] { ModelOf(text); });
     }
 
     ZoPrimitives::Testing::TemporaryFolder folder;
@@ -109,25 +103,26 @@ std::string Joined(const std::vector<std::string>& lines) {
     return text;
 }
 
-/// The number that 15 digits tell.
-double Rounded(double value) { return ZoString::FormatString("%.15g", value).ToDouble(); }
-void Round(double& value) { value = Rounded(value); }
-
-TEST_F(FrameTextTest, HoldsTheWholeGraph) {
+TEST_F(TextTests, HoldsTheWholeGraph) {
     const Model model = ReadTables(FRAME_TABLES);
+    // What 15 digits tell of the numbers.
+    const auto round = [](double& value) { value = ZoString::FormatString("%.15g", value).ToDouble(); };
     for (auto& section : model.building->sections) {
         for (double* value : {&section->depth.valor, &section->area.valor, &section->inertia.valor})
-            Round(*value);
+            round(*value);
     }
     for (auto& node : model.building->nodes) {
-        node->place = Point3D(Rounded(node->place.X()), Rounded(node->place.Y()), 0);
+        double x = node->place.X(), y = node->place.Y();
+        round(x);
+        round(y);
+        node->place = Point3D(x, y, 0);
     }
     for (auto& storey : model.building->storeys) {
-        Round(storey->level.valor);
+        round(storey->level.valor);
         for (auto& member : storey->members) {
-            if (auto* girder = dynamic_cast<Girder*>(member.get())) {
-                for (auto& load : girder->loads) Round(load->valor);
-            }
+            auto* girder = dynamic_cast<Girder*>(member.get());
+            if (girder == nullptr) continue;
+            for (auto& load : girder->loads) round(load->valor);
         }
     }
     const std::string text = TextOf(model);
@@ -136,13 +131,9 @@ TEST_F(FrameTextTest, HoldsTheWholeGraph) {
     EXPECT_EQ(comparison.difference, "");
     EXPECT_EQ(comparison.objects, 212u);
     EXPECT_EQ(TextOf(read), text);
-    std::ostringstream before, after;
-    Print(*model.building, Units::Named("metric", "."), before);
-    Print(*read.building, Units::Named("metric", "."), after);
-    EXPECT_EQ(after.str(), before.str());
 }
 
-TEST_F(FrameTextTest, IsTheOneInTheDocument) {
+TEST_F(TextTests, IsTheOneInTheDocument) {
     // A line holds tokens with ends between them, and an explanation.
     std::ifstream document(FRAME_DOCS "/text-format.md");
     const std::string lineEnd = " ↵ ";
@@ -161,22 +152,15 @@ TEST_F(FrameTextTest, IsTheOneInTheDocument) {
         }
         if (line == "```text") inside = true;
     }
-    std::string text = TextOf(Shed());
-    // The document is UTF-8.
-    std::string utf8;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            utf8 += c;
-        } else {
-            utf8 += static_cast<char>(0xC0 | (byte >> 6));
-            utf8 += static_cast<char>(0x80 | (byte & 0x3F));
-        }
+    std::string utf8; // as the document
+    for (const unsigned char byte : TextOf(Shed())) {
+        if (byte >= 0x80) utf8 += static_cast<char>(0xC0 | (byte >> 6));
+        utf8 += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
     }
     EXPECT_EQ(Joined(shown), utf8);
 }
 
-TEST_F(FrameTextTest, KeepsTextsOfSeveralLines) {
+TEST_F(TextTests, KeepsTextsOfSeveralLines) {
     Model model = Shed();
     for (const char* name : {"", "a", "a\nb", "a\n", "\n", "\na", "\n\n", "\r\nENDGROUP\n7"}) {
         model.building->name = name;
@@ -188,7 +172,7 @@ TEST_F(FrameTextTest, KeepsTextsOfSeveralLines) {
     }
 }
 
-TEST_F(FrameTextTest, KeepsWhatIsNullSharedOrOutside) {
+TEST_F(TextTests, KeepsWhatIsNullSharedOrOutside) {
     Model model = Shed();
     Building& shed = *model.building;
     auto* catalogue = new Catalogue;
@@ -207,7 +191,7 @@ TEST_F(FrameTextTest, KeepsWhatIsNullSharedOrOutside) {
     EXPECT_EQ(read.building->catalogue.get(), read.building->sections[1]->catalogue.get());
 }
 
-TEST_F(FrameTextTest, PassesOverWhatItDoesNotKnow) {
+TEST_F(TextTests, PassesOverWhatItDoesNotKnow) {
     const Model model = Shed();
     const std::vector<std::string> lines = LinesOf(TextOf(model));
     const std::vector<std::vector<std::string>> unknown = {
@@ -237,7 +221,7 @@ TEST_F(FrameTextTest, PassesOverWhatItDoesNotKnow) {
     }
 }
 
-TEST_F(FrameTextTest, ClipboardCarriesIt) {
+TEST_F(TextTests, ClipboardCarriesIt) {
     using namespace ZoPrimitives;
     const Testing::PrivateClipboard clipboard;
     const Model model = ReadTables(FRAME_TABLES);
@@ -257,7 +241,7 @@ TEST_F(FrameTextTest, ClipboardCarriesIt) {
     EXPECT_THROW(reader.SkipValue(), XEndOfStream);
 }
 
-TEST_F(FrameTextTest, DamageIsToldInASentence) {
+TEST_F(TextTests, DamageIsToldInASentence) {
     const std::vector<std::string> lines = LinesOf(TextOf(Shed()));
     const std::size_t closed = lines.size() - 1; // EOF is not needed
     std::string prefix;

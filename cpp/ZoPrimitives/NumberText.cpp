@@ -179,7 +179,7 @@ void RealText::AppendDigits(double value) noexcept {
         char plain[8];
         const std::to_chars_result last = std::to_chars(plain, plain + sizeof plain, distance);
         const std::string_view power(plain, static_cast<std::size_t>(last.ptr - plain));
-        Append(EXPONENT_DIGITS - power.size(), '0');
+        for (std::size_t digits = power.size(); digits < EXPONENT_DIGITS; ++digits) Append("0");
         Append(power);
     } else if (exponent < 0) {
         Append("0.");

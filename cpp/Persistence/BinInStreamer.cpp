@@ -34,7 +34,9 @@ struct TBinInStreamer::Use {
     int classId;
     bool decided;     // the rest is known
     bool substituted; // readAs is an ancestor
+    bool inPlace;     // a member of the class is read where it stands
     bool hasValues;   // its objects have members that are objects
+    bool asked;       // whether those may be invalid is known
     unsigned hooks;   // calls that its objects answer
     TZoClass* readAs; // the class itself, or the ancestor that stands for it; null: records are dropped
 };
@@ -47,7 +49,7 @@ public:
         uses.reserve(static_cast<std::size_t>(count));
         for (int i = 1; i <= count; ++i) {
             TZoClass* fileClass = schema.GetClass(i);
-            uses.push_back({fileClass->GetClassId(), false, false, false, ~0u, fileClass});
+            uses.push_back({fileClass->GetClassId(), false, false, false, false, false, ~0u, fileClass});
         }
         const auto byId = [](const Use& a, const Use& b) { return a.classId < b.classId; };
         if (!std::is_sorted(uses.begin(), uses.end(), byId)) std::sort(uses.begin(), uses.end(), byId);
@@ -117,8 +119,8 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
         const TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
         all = original != nullptr && original->HasValueChildren();
     }
-    const ObjectReader reader(*stream,
-                              all ? ObjectReader::Entries::All : ObjectReader::Entries::WithPointers);
+    const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::WithPointers,
+                              plain ? &made.awaited : nullptr);
     int uid = 0;
     int classId = 0;
     if (filtered) {
@@ -134,7 +136,7 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
     Validate(made);
 }
 
-const TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
+TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
     Use* use = uses->Find(classId);
     if (use == nullptr) Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #3");
     if (!use->decided) Decide(*use);
@@ -156,13 +158,20 @@ void TBinInStreamer::Decide(Use& use) {
         use.hasValues = use.readAs->GetOriginal()->HasValueChildren();
         // A streamer of an application's own may make objects of other types than the class's.
         if (plain) use.hooks = use.readAs->GetOriginal()->hooks;
+        use.inPlace = !use.substituted && (use.hooks & hookCreateInstance) == 0;
     }
     use.decided = true;
 }
 
 void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made) {
-    const Use& use = UseOf(classId);
+    Use& use = UseOf(classId);
     if (use.readAs == nullptr) return;
+    const AwaitedMembers::Member member = made.awaited.Take(uid);
+    if (member.object != nullptr) {
+        if (use.inPlace && use.readAs->GetOriginal()->GetType() == &typeid(*member.object))
+            return ReadMember(reader, use, uid, member.object, member.owner, made);
+        made.awaited.LeaveSome();
+    }
     ZoStreamableBase* object = CreateInstance(use.readAs, &fileSchema, schema);
     if (object == nullptr) return;
     made.Begin(object);
@@ -172,19 +181,39 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
     }
     made.hasValues = made.hasValues || use.hasValues;
     made.mayBeInvalid = made.mayBeInvalid || (use.hooks & hookGetIsValid) != 0;
-    InstanceTables::SetHandle(*stream, object, uid);
-    reader.Read(*use.readAs, object);
-    if ((use.hooks & hookOnRead) != 0 && !object->OnRead(stream, use.substituted))
-        made.invalid.push_back(object);
+    if (use.hasValues && !use.asked) {
+        use.asked = plain;
+        made.membersMayBeInvalid =
+            made.membersMayBeInvalid || !plain || use.readAs->GetOriginal()->MembersMayBeInvalid(object);
+    }
+    ReadFields(reader, use, uid, object, object, made);
     made.Finish();
     if (!plain) OnAfterLoadInstance(object);
     if ((use.hooks & hookCheckForExcludedFields) != 0) object->CheckForExcludedFields(stream);
 }
 
+void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
+                                ZoStreamableBase* owner, MadeObjects& made) {
+    ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
+    made.members.Set(uid, member);
+    ReadFields(reader, use, uid, member, owner, made);
+    if ((use.hooks & hookCheckForExcludedFields) != 0) member->CheckForExcludedFields(stream);
+}
+
+void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* object,
+                                ZoStreamableBase* owner, MadeObjects& made) {
+    InstanceTables::SetHandle(*stream, object, uid);
+    made.awaited.Begin(uid, owner);
+    reader.Read(*use.readAs, object);
+    made.awaited.End();
+    if ((use.hooks & hookOnRead) != 0 && !object->OnRead(stream, use.substituted))
+        made.invalid.push_back(owner);
+}
+
 void TBinInStreamer::Resolve(MadeObjects& made) {
-    if (made.hasValues) MemberObjects(*stream, made).Run();
+    if (made.hasValues && (!plain || made.awaited.LeftSome())) MemberObjects(*stream, made).Run();
     TBinUnresolvedPointers& unresolved = stream->UnresolvedPointers();
-    TZoPointerResolver resolver(*stream, made.members.empty() ? nullptr : &made.members, nullptr);
+    TZoPointerResolver resolver(*stream, made.hasValues ? &made.members : nullptr, nullptr);
     const auto& entries = unresolved.Entries();
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (i + PREFETCH < entries.size()) Prefetch(entries[i + PREFETCH].object);
@@ -198,13 +227,13 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
 }
 
 void TBinInStreamer::Validate(MadeObjects& made) {
-    if (made.invalid.empty() && (filtered || (!made.mayBeInvalid && !made.hasValues))) return;
+    if (made.invalid.empty() && (filtered || (!made.mayBeInvalid && !made.membersMayBeInvalid))) return;
     const std::unordered_set<const ZoStreamableBase*> known(made.invalid.begin(), made.invalid.end());
     TDList<ZoStreamableBase*> invalid;
     for (ZoStreamableBase* object : stream->Objects()) {
         const bool foundBefore = known.count(object) != 0;
         // What was read in part may well miss something: only its own word counts.
-        const bool valid = filtered ? !foundBefore : IsValid(object, foundBefore, made.hasValues);
+        const bool valid = filtered ? !foundBefore : IsValid(object, foundBefore, made.membersMayBeInvalid);
         if (!valid) invalid.Add(object);
     }
     if (invalid.NItems() == 0) return;

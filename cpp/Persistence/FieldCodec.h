@@ -393,7 +393,7 @@ private:
         Resolved(const TZoPointerResolver& resolver, TypesTaken& taken,
                  const TZoClassFieldPointerBase& application, int uid)
             : target(resolver.Find(uid)), dropped(uid != 0 && target == nullptr) {
-            if (target != nullptr && !resolver.Allows(application, target, taken)) {
+            if (target != nullptr && !resolver.Allows(application, uid, target, taken)) {
                 target = nullptr;
                 dropped = true;
             }
@@ -405,7 +405,7 @@ private:
         if (application.GetFieldType() == ftChildValue) {
             const int uid = resolver.Next();
             resolver.ResolveValue(application, object, uid);
-            if (!resolver.ResolvesReferences()) return;
+            if (!resolver.ResolvesReferences() || !resolver.Tells()) return;
             const ZoStreamableBase* value = resolver.Find(uid);
             if (value == nullptr || !application.Accepts(value)) return;
             resolver.Tell(object, application, application.Get(object), uid);

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Persistence/AwaitedMembers.h"
+#include "Persistence/UidTable.h"
 #include "ZoPrimitives/DestructionHold.h"
 #include "ZoPrimitives/ZoStreamable.h"
 
-#include <unordered_set>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -30,10 +31,12 @@ public:
     /// From here on objects end when they are let go of. What was read stays, held by somebody or not.
     void EndHold() { hold.End(); }
 
-    std::vector<ZoStreamableBase*> invalid;              // by their own word, while they were read
-    std::unordered_set<const ZoStreamableBase*> members; // objects that stand inside others
+    std::vector<ZoStreamableBase*> invalid; // by their own word, while they were read
+    UidTable members;                       // objects that stand inside others
+    AwaitedMembers awaited;
     bool hasValues = false;
-    bool mayBeInvalid = false; // some class answers GetIsValid
+    bool mayBeInvalid = false;        // some class answers GetIsValid
+    bool membersMayBeInvalid = false; // so does the class of some member
 
 private:
     void ForEach(Action& action) const override;

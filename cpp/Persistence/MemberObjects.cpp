@@ -36,11 +36,22 @@ void MemberObjects::TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* own
     ZoStreamableBase* value = stream.GetHandle(uid);
     const std::size_t entry = EntryOf(uid);
     if (value == nullptr || entry == NOBODY || !field.Accepts(value)) return;
-    if (!collecting) {
+    const bool stands = IsMember(uid, value) && field.Get(owner) == value;
+    if (!collecting && stands) {
+        if (claims[entry] != walked) return;
+        Follow(entry);
+        owners[value] = owner;
+    } else if (!collecting) {
         Copy(field, owner, value, entry);
-    } else if (claims[entry] == NOBODY) {
+    } else if (claims[entry] == NOBODY && (stands || !IsMember(uid, value))) {
         claims[entry] = walked;
     }
+}
+
+/// What the object claims itself comes next.
+void MemberObjects::Follow(std::size_t entry) {
+    claims[entry] = NOBODY;
+    waiting.push_back(entry);
 }
 
 void MemberObjects::Copy(TZoClassFieldPointer& field, ZoStreamableBase* owner, ZoStreamableBase* value,
@@ -48,17 +59,16 @@ void MemberObjects::Copy(TZoClassFieldPointer& field, ZoStreamableBase* owner, Z
     field.Set(owner, value);
     // A second owner gets a copy and no more.
     if (claims[entry] != walked) return;
-    claims[entry] = NOBODY;
-    waiting.push_back(entry);
+    Follow(entry);
     // A member of another type got a part of the object: the record's class does not fit it.
     ZoStreamableBase* member = field.Get(owner);
     if (member == nullptr || member == value || typeid(*member) != typeid(*value)) return;
     ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
-    made.members.insert(member);
     TBinUnresolved& unresolved = stream.UnresolvedPointers().Entries()[entry];
+    if (!IsMember(unresolved.uid, value)) taken.push_back(value);
+    made.members.Set(unresolved.uid, member);
     stream.SetHandle(member, unresolved.uid);
     unresolved.object = member;
-    taken.push_back(value);
     owners[value] = owner;
     owners[member] = owner;
 }

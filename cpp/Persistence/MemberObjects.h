@@ -12,7 +12,7 @@
 namespace ZoPrimitives {
 
 /// Copies the objects that were read for members of others into their owners, owners first, and lets the
-/// members stand for them.
+/// members stand for them. Those that were read where they stand stay, or move with an owner that is copied.
 class MemberObjects final : private ValueTaker {
 public:
     MemberObjects(TBinInStream& stream, MadeObjects& made) : stream(stream), made(made) {}
@@ -24,7 +24,9 @@ private:
     void Copy(TZoClassFieldPointer& field, ZoStreamableBase* owner, ZoStreamableBase* value,
               std::size_t entry);
     void Walk(std::size_t entry);
+    void Follow(std::size_t entry);
     std::size_t EntryOf(int uid) const;
+    bool IsMember(int uid, const ZoStreamableBase* object) const { return made.members.Get(uid) == object; }
     void MoveInvalidToOwners();
 
     static constexpr std::size_t NOBODY = static_cast<std::size_t>(-1);

@@ -1,5 +1,6 @@
 #include "Persistence/ObjectReader.h"
 
+#include "Persistence/AwaitedMembers.h"
 #include "Persistence/FieldCodec.h"
 #include "Persistence/FieldOffset.h"
 #include "Persistence/InstanceTables.h"
@@ -26,12 +27,24 @@ void ReadSteps(const Source& take, const ReadPlan& plan, ZoStreamableBase* objec
     for (const ReadPlan::Step& step : plan.steps) ReadField(take, *step.field, step.known, object);
 }
 
+void Await(const ReadCursor& take, TZoClassFieldPointer& field, ZoStreamableBase* object,
+           AwaitedMembers& awaited) {
+    CheckBytes(take, sizeof(std::int32_t));
+    int uid = 0;
+    take(uid);
+    take.stream.UnresolvedPointers().LoadPointer(&field, uid);
+    awaited.Add(uid, field.Get(object));
+}
+
 /// The objects' type is the one that the plan's offsets were measured in.
-void ReadMembers(const ReadCursor& take, const ReadPlan& plan, ZoStreamableBase* object) {
+void ReadMembers(const ReadCursor& take, const ReadPlan& plan, ZoStreamableBase* object,
+                 AwaitedMembers* awaited) {
     for (const ReadPlan::Step& step : plan.steps) {
         if (step.offset != FieldOffset::NONE) {
             FieldCodec::LoadMember(take, static_cast<TZoClassFieldType>(step.kind),
                                    FieldOffset::Apply(object, step.offset));
+        } else if (step.awaited && awaited != nullptr) {
+            Await(take, static_cast<TZoClassFieldPointer&>(*step.field), object, *awaited);
         } else {
             ReadField(take, *step.field, step.known, object);
         }
@@ -70,20 +83,20 @@ void ObjectReader::Read(TZoClass& fileClass, ZoStreamableBase* object) const {
     if (entries == Entries::All || !plan.pointers.empty()) {
         stream.UnresolvedPointers().Open(object, stream.GetCurrentUID(), &fileClass);
     }
+    const std::type_info* type = &typeid(*object);
+    const TZoClass* application = fileClass.GetOriginal();
+    if (plan.exactType == nullptr && application != nullptr && application->GetType() == type)
+        plan.Measure(object);
+    const bool exact = direct && plan.hasSteps && plan.exactType == type;
+    if (awaited != nullptr && plan.hasMembers && !(exact && plan.awaitsMembers)) awaited->LeaveSome();
     if (!direct) return ReadFields(stream, fileClass, object);
     const ReadCursor take(stream);
-    if (!plan.hasSteps) {
-        ReadLevels(take, fileClass, fileClass, object);
+    if (exact) {
+        ReadMembers(take, plan, object, awaited);
+    } else if (plan.hasSteps) {
+        ReadSteps(take, plan, object);
     } else {
-        const std::type_info* type = &typeid(*object);
-        const TZoClass* application = fileClass.GetOriginal();
-        if (plan.exactType == nullptr && application != nullptr && application->GetType() == type)
-            plan.Measure(object);
-        if (plan.exactType == type) {
-            ReadMembers(take, plan, object);
-        } else {
-            ReadSteps(take, plan, object);
-        }
+        ReadLevels(take, fileClass, fileClass, object);
     }
     take.Commit();
 }

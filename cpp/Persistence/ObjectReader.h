@@ -5,6 +5,8 @@
 
 namespace ZoPrimitives {
 
+class AwaitedMembers;
+
 /// Reads a stream's records into objects through the file's classes, and hands the objects that pointers name
 /// to their fields afterwards.
 class ObjectReader {
@@ -12,8 +14,9 @@ public:
     /// Which objects get an entry for the resolving of pointers.
     enum class Entries { All, WithPointers };
 
-    ObjectReader(TBinInStream& stream, Entries entries)
-        : stream(stream), direct(stream.GetsDirectly()), entries(entries) {}
+    /// `awaited` (may be null) learns of the members that can be read where they stand.
+    ObjectReader(TBinInStream& stream, Entries entries, AwaitedMembers* awaited)
+        : stream(stream), direct(stream.GetsDirectly()), entries(entries), awaited(awaited) {}
 
     /// Reads the current record; `fileClass` is the file's class of the object.
     void Read(TZoClass& fileClass, ZoStreamableBase* object) const;
@@ -29,6 +32,7 @@ private:
     TBinInStream& stream;
     bool direct; // values are taken without virtual calls
     Entries entries;
+    AwaitedMembers* awaited;
 };
 
 } // namespace ZoPrimitives

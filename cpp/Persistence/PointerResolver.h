@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <typeinfo>
-#include <unordered_set>
 
 namespace ZoPrimitives {
 
@@ -22,9 +21,8 @@ public:
 /// those that are members of their owner (with a `ValueTaker`), in the other all the rest.
 class TZoPointerResolver {
 public:
-    /// `members` (may be null): objects that stand inside others and can have no other owner.
-    TZoPointerResolver(TBinInStream& stream, const std::unordered_set<const ZoStreamableBase*>* members,
-                       ValueTaker* taker)
+    /// `members` (may be null): by uid, the objects that stand inside others and can have no other owner.
+    TZoPointerResolver(TBinInStream& stream, const UidTable* members, ValueTaker* taker)
         : handles(stream.Handles()), members(members), taker(taker) {}
 
     /// Begins with an object's uids. `tells`: the object answers `OnReadPointer`.
@@ -39,6 +37,7 @@ public:
         next += count;
         return begin;
     }
+    bool Tells() const { return tellsObject; }
     void Tell(ZoStreamableBase* object, TZoClassField& application, ZoStreamableBase* target, int uid) const {
         if (tellsObject) object->OnReadPointer(&application, target, static_cast<unsigned>(uid));
     }
@@ -55,10 +54,10 @@ public:
         const std::type_info* latest = nullptr;
         const std::type_info* other = nullptr;
     };
-    /// Whether the setter of `application` may be given the object.
-    bool Allows(const TZoClassFieldPointerBase& application, const ZoStreamableBase* target,
+    /// Whether the setter of `application` may be given the object that the uid names.
+    bool Allows(const TZoClassFieldPointerBase& application, int uid, const ZoStreamableBase* target,
                 TypesTaken& taken) const {
-        if (members != nullptr && application.Owns() && members->count(target) != 0) return false;
+        if (members != nullptr && application.Owns() && members->Get(uid) == target) return false;
         const std::type_info* type = &typeid(*target);
         if (type == taken.latest || type == taken.other) return true;
         if (!application.Accepts(target)) return false;
@@ -69,7 +68,7 @@ public:
 
 private:
     const UidTable& handles;
-    const std::unordered_set<const ZoStreamableBase*>* members;
+    const UidTable* members;
     ValueTaker* taker;
     const std::int32_t* next = nullptr;
     bool tellsObject = true;

@@ -13,6 +13,13 @@ namespace ZoPrimitives {
 
 namespace {
 constexpr unsigned MOST_STEPS = 4096;
+
+bool HoldsMember(const TZoClassField& field) {
+    if (field.GetFieldType() != ftChildPointerMap) return field.GetFieldType() == ftChildValue;
+    const auto& map = static_cast<const TZoClassFieldPointerMap&>(field);
+    return (map.GetKeyField() != nullptr && HoldsMember(*map.GetKeyField())) ||
+           (map.GetValueField() != nullptr && HoldsMember(*map.GetValueField()));
+}
 } // namespace
 
 /// Adds up what the class and its ancestors hold, each level once.
@@ -47,10 +54,14 @@ ReadPlan& ReadPlan::For(TZoClass& fileClass, TBinInStream& stream) {
     plan->pointers.reserve(extent.pointers);
     plan->AddLevel(fileClass, fileClass);
     std::unordered_set<const TZoClassField*> later;
+    bool repeats = false;
     for (auto pointer = plan->pointers.rbegin(); pointer != plan->pointers.rend(); ++pointer) {
         pointer->last = later.insert(pointer->application).second;
         pointer->single = pointer->single && pointer->last;
+        repeats = repeats || !pointer->last;
+        plan->hasMembers = plan->hasMembers || HoldsMember(*pointer->application);
     }
+    if (plan->hasSteps && plan->hasMembers && !repeats) plan->AwaitMembers();
     fileClass.readPlan = std::move(plan);
     return *fileClass.readPlan;
 }
@@ -66,7 +77,7 @@ void ReadPlan::AddLevel(TZoClass& level, const TZoClass& objectClass) {
         TZoClassField* used = application != nullptr ? application : field;
         if (hasSteps) {
             steps.push_back({used, FieldOffset::NONE, static_cast<std::int16_t>(used->GetFieldType()),
-                             application != nullptr});
+                             application != nullptr, false});
         }
         if (application != nullptr && field->IsPointerKind()) {
             pointers.push_back({static_cast<TZoClassFieldPointerBase*>(application),
@@ -74,6 +85,17 @@ void ReadPlan::AddLevel(TZoClass& level, const TZoClass& objectClass) {
                                 FieldCodec::IsReference(*application),
                                 true});
         }
+    }
+}
+
+/// Accessors that do nothing else give the member itself.
+void ReadPlan::AwaitMembers() {
+    awaitsMembers = true;
+    for (Step& step : steps) {
+        if (!step.known || !HoldsMember(*step.field)) continue;
+        const auto& field = static_cast<const TZoClassFieldPointerBase&>(*step.field);
+        step.awaited = step.kind == ftChildValue && field.IsPlain() && field.typeTest != nullptr;
+        awaitsMembers = awaitsMembers && step.awaited;
     }
 }
 

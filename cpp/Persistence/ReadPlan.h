@@ -21,6 +21,7 @@ struct ReadPlan {
         std::int32_t offset;  // of the member, in objects of `exactType`
         std::int16_t kind;    // `TZoClassFieldType`
         bool known;           // to the application
+        bool awaited;         // a member that is an object and may be read where it stands
     };
     struct Pointer {
         TZoClassFieldPointerBase* application;
@@ -39,14 +40,17 @@ struct ReadPlan {
     /// Measures where the members lie in objects of this type.
     void Measure(ZoStreamableBase* object);
 
-    unsigned excluded = 0; // fields that the application does not know
-    bool hasSteps = false; // there are few enough fields: the levels are walked otherwise
+    unsigned excluded = 0;      // fields that the application does not know
+    bool hasSteps = false;      // there are few enough fields: the levels are walked otherwise
+    bool hasMembers = false;    // that are objects
+    bool awaitsMembers = false; // all of them may be read where they stand
     const std::type_info* exactType = nullptr;
     std::vector<Step> steps;
     std::vector<Pointer> pointers; // those that the application knows
 
 private:
     void AddLevel(TZoClass& level, const TZoClass& objectClass);
+    void AwaitMembers();
 };
 
 } // namespace ZoPrimitives

@@ -379,7 +379,7 @@ void TZoClass::ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFuncto
 // Reading
 
 void TZoClass::LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) {
-    ObjectReader(*stream, ObjectReader::Entries::All).Read(*this, object);
+    ObjectReader(*stream, ObjectReader::Entries::All, nullptr).Read(*this, object);
 }
 
 void TZoClass::LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object) {
@@ -395,6 +395,19 @@ void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamable
     ForEachMember([&](TZoClassFieldPointer& field) {
         if (ZoStreamableBase* member = field.Get(object)) members->Add(member);
     });
+}
+
+/// Whether a member of objects of this one's type might say so, or its class cannot be told.
+bool TZoClass::MembersMayBeInvalid(ZoStreamableBase* object) const {
+    bool may = false;
+    for (const auto& parent : parents) may = may || parent->MembersMayBeInvalid(object);
+    ForEachMember([&](TZoClassFieldPointer& field) {
+        ZoStreamableBase* member = may || !field.IsPlain() ? nullptr : field.Get(object);
+        const TZoClass* memberClass = member == nullptr ? nullptr : member->GetOriginalClass(schema);
+        may = memberClass == nullptr || memberClass->GetType() != &typeid(*member) ||
+              memberClass->Answers(hookGetIsValid) || memberClass->MembersMayBeInvalid(member);
+    });
+    return may;
 }
 
 void TZoClass::DeleteReferences(ZoStreamableBase* object,

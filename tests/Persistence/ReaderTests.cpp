@@ -1,8 +1,11 @@
 #include "support/EveryKind.h"
 
+#include "Persistence/ItemAction.h"
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 
+#include <map>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 using namespace ZoPrimitives;
@@ -21,8 +24,12 @@ class Inner : public ZoObjectStreamable {
     DECLARE_ZO_FIELD_CHILD_LIST(Inner, children)
     DECLARE_ZO_FIELD_REFERENCE(Inner, reference)
     REGISTER_ZO_END
-    bool OnRead(TBinInStream*, bool) override { return !refusesRead; }
+    bool OnRead(TBinInStream*, bool) override {
+        read.push_back(this);
+        return !refusesRead;
+    }
     bool GetIsValid() const override { return !invalid; }
+    static inline std::vector<const Inner*> read;
     Alive alive;
 };
 
@@ -84,7 +91,46 @@ protected:
         all.insert(all.end(), rows.begin(), rows.end());
         return FileOf(all);
     }
-    Opened Open(const std::vector<Row>& rows) { return {File(rows), schema}; }
+    // What was read of members where they stand is what factories of an application's own would bring about.
+    Opened Open(const std::vector<Row>& rows) {
+        Answer(~0u);
+        const std::string copied = GraphOf(rows);
+        Answer(hookOnRead | hookOnReadPointer | hookGetIsValid);
+        EXPECT_EQ(GraphOf(rows), copied);
+        events.clear();
+        Inner::read.clear();
+        return {File(rows), schema};
+    }
+    void Answer(unsigned hooks) {
+        for (int i = 1; i <= schema.GetClassCount(); ++i) schema.GetClass(i)->SetHooks(hooks);
+    }
+    std::string GraphOf(const std::vector<Row>& rows) {
+        events.clear();
+        Opened opened(File(rows), schema);
+        TDVector<ZoStreamableBase*> all = opened.stream.Objects();
+        std::map<const ZoStreamableBase*, unsigned long long> places;
+        for (unsigned long long i = 1; i <= all.NItems(); ++i) {
+            places[all[i]] = i;
+            all.Append(opened.streamer.ChildsByValueOfInstance(all[i]));
+        }
+        std::ostringstream graph;
+        ItemAction tell(
+            [&](ZoStreamableBase* item) { graph << ' ' << (item == nullptr ? 0 : places.at(item)); });
+        for (ZoStreamableBase* object : all) {
+            TZoClass* objectClass = object->GetOriginalClass(&schema);
+            graph << '\n' << objectClass->GetName().c_str();
+            if (const auto* inner = dynamic_cast<Inner*>(object)) graph << ' ' << inner->number;
+            if (const auto* middle = dynamic_cast<Middle*>(object)) graph << ' ' << middle->number;
+            TIList<TZoClassField> fields;
+            objectClass->FillAllClassFields(&fields);
+            for (const auto& field : fields) {
+                graph << ',';
+                field->GetFieldMetaData(object, tell);
+            }
+        }
+        for (const std::string& event : events) graph << '\n' << event;
+        return graph.str();
+    }
     struct InnerRow {
         int number = 0;
         bool refusesRead = false;
@@ -151,6 +197,9 @@ TEST_F(ReaderTest, NestedMembersTakeTheirObjects) {
     EXPECT_EQ(outer.direct.number, 40);
     ASSERT_NE(outer.direct.child.get(), nullptr);
     EXPECT_EQ(outer.direct.child->number, 60);
+    EXPECT_EQ(Inner::read, (std::vector<const Inner*>{&nested, &outer.direct, outer.direct.child.get(),
+                                                      &opened.At<Inner>(6)}))
+        << "where they stand";
     // References lead to the members.
     EXPECT_EQ(outer.reference, &nested);
     EXPECT_EQ(outer.references[1], &outer.middle);
@@ -192,6 +241,18 @@ TEST_F(ReaderTest, HostileClaimsOfMembersEndWell) {
         {"the owner's uid twice", {WideAt(1, {}, 2), WideAt(1, {}, 2), InnerAt(2, {})}, 2},
         {"the owner has the uid that it claims", {WideAt(1, {}, 1), InnerAt(1, {}), WideAt(1, {}, 1)}, 3},
         {"a uid that nobody has", {WideAt(1, {}, 77), WideAt(2, {}, -1)}, 2},
+        {"read before its owner, with a member that another claims too",
+         {MiddleAt(1, 10, 2), InnerAt(2, {.number = 20, .child = 4, .reference = 2}),
+          OuterAt(3, {.middle = 1}), InnerAt(4, {.reference = 2}), WideAt(5, {}, 2, 2)},
+         3},
+        {"members named in another order than their records'",
+         {OuterAt(1, {.middle = 5, .direct = 3, .reference = 4}), InnerAt(3, {.number = 30}),
+          InnerAt(4, {.number = 40, .child = 3}), MiddleAt(5, 50, 4), InnerAt(6, {.child = 4})},
+         2},
+        {"two records between an owner and its member",
+         {OuterAt(1, {.middle = 2, .direct = 9}), InnerAt(8, {.reference = 9}), MiddleAt(2, 20, 8),
+          InnerAt(9, {.number = 90})},
+         1},
     };
     for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
@@ -348,6 +409,9 @@ TEST_F(ReaderTest, InvalidObjectsGoWithWhatHangsFromThem) {
         {"a nested member's refusal reaches the outermost owner",
          {InnerAt(7, {}), OuterAt(1, {.middle = 2}), MiddleAt(2, 0, 3), InnerAt(3, refuses)},
          {7}},
+        {"a refusal reaches an owner that is read later",
+         {InnerAt(7, {}), MiddleAt(1, 0, 2), InnerAt(2, refuses), OuterAt(3, {.middle = 1})},
+         {7}},
         {"a member's children go with its owner",
          {InnerAt(1, {.children = {2}}), WideAt(2, {.invalid = true}, 3), InnerAt(3, {.child = 4}),
           InnerAt(4, {})},
@@ -441,7 +505,7 @@ TEST_F(ReaderTest, ManyInvalidObjectsAreRemovedInOneGo) {
     std::vector<Row> rows{InnerAt(1, {})};
     for (int uid = 2; uid <= 200'000; ++uid)
         rows.push_back(InnerAt(uid, {.invalid = true, .reference = uid - 1}));
-    Opened opened = Open(rows);
+    Opened opened(File(rows), schema);
     EXPECT_EQ(opened.Count(), 1U);
 }
 

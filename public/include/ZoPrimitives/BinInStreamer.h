@@ -72,10 +72,15 @@ private:
     void LoadSchema(const char* noRecord, const char* noSchema);
     /// `classIds`, rising: reads the records of these classes only; null: all.
     void ReadRecords(const std::vector<int>* classIds);
-    const Use& UseOf(int classId);
+    Use& UseOf(int classId);
     void Decide(Use& use);
     bool IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues);
     void ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made);
+    /// Fills an object; `owner` is the outermost one around it, or itself.
+    void ReadFields(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* object,
+                    ZoStreamableBase* owner, MadeObjects& made);
+    void ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
+                    ZoStreamableBase* owner, MadeObjects& made);
     void Resolve(MadeObjects& made);
     void Validate(MadeObjects& made);
 

@@ -18,6 +18,7 @@ class TBinOutStream;
 class TBinOutStreamer;
 class TZoClass;
 class TZoMetaData;
+struct ReadPlan;
 struct TBinUnresolved;
 template <class T>
 class TDVector;
@@ -265,6 +266,7 @@ protected:
 
 private:
     friend class TZoPointerResolver;
+    friend struct ReadPlan;
 
     TZoTypeTest typeTest = nullptr;
 };

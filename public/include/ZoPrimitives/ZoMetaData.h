@@ -26,6 +26,7 @@ enum ZoHooks : unsigned {
     hookGetIsValid = 4,
     hookCheckForExcludedFields = 8,
     hookWillWrite = 16,
+    hookCreateInstance = 32, ///< the class's factory does more than make an empty object
 };
 
 /// A new number, from 1 upward, for a C++ class that objects look their registered class up by.
@@ -108,7 +109,10 @@ public:
     TZoClassField* AddFieldListString(const ZoString& name, const TZoListAccessors<ZoString>& access);
     TZoClassFieldPointer* AddFieldChildPointer(const ZoString& name, TZoClass* fieldClass,
                                                TZoPointerSetter set, TZoPointerGetter get);
-    /// The setter copies the object that it is given; the getter gives the address of the member.
+    /// The setter copies the object that it is given; the getter gives the address of the member. A reader
+    /// fills the member where it stands, and calls no setter, when the accessors are plain and have a type
+    /// test, and the record is one of the member's own class, whose factory only makes empty objects: what
+    /// the file does not hold of the member stays as its owner's constructor left it.
     TZoClassFieldPointer* AddFieldChildValue(const ZoString& name, TZoClass* fieldClass, TZoPointerSetter set,
                                              TZoPointerGetter get);
     TZoClassFieldPointer* AddFieldPointer(const ZoString& name, TZoClass* fieldClass, TZoPointerSetter set,
@@ -218,6 +222,7 @@ private:
     };
     const Extent& RecordExtent() const;
     void FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamableBase*>* members);
+    bool MembersMayBeInvalid(ZoStreamableBase* object) const;
 
     template <class Action>
     void ForEachPointerField(Action action) const {

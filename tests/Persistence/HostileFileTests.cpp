@@ -378,3 +378,10 @@ TEST(HostileFileTests, ManyTinyRecordsOfAWideClassEndAtTheFirst) {
     application.Survive(FileOf({Wide(-6, 300'000)}, Repeated(100'000, 1, "1234")));
     EXPECT_EQ(application.failures, 1);
 }
+
+TEST(HostileFileTests, ALargeFileIsNotReservedASecondTime) {
+    if (!Memory::Watched()) GTEST_SKIP() << "memory is not counted";
+    const std::string file =
+        FileOf({{.id = 1, .name = "Unknown"}}, Repeated(8, 1, std::string(8'000'000, '\1')));
+    EXPECT_LT(EffortOf(file).bytes, static_cast<long long>(file.size()) / 4);
+}

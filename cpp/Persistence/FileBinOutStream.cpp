@@ -41,7 +41,10 @@ TFileBinOutStream::TFileBinOutStream(const char* name, unsigned version, unsigne
     : TBinOutStream(version, release), names(std::make_unique<FileReplacement>(name)),
       writtenPath(&names->Target()), backup(keepBackup) {}
 
-TFileBinOutStream::~TFileBinOutStream() { TFileBinOutStream::FreeResourses(); }
+TFileBinOutStream::~TFileBinOutStream() {
+    TFileBinOutStream::FreeResourses();
+    Abandon(); // what an exception in the end of the saving left open
+}
 
 void TFileBinOutStream::Initialize() {
     ZO_ASSERT(state == State::New, "state == State::New && \"[zoerror] a stream writes one file\"", SOURCE);

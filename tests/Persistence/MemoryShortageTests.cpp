@@ -446,7 +446,8 @@ TEST(MemoryShortageTests, EndsInTheDocumentedExceptionOrTheSameModel) {
                     }
                 }
                 ASSERT_EQ(Alive::Count(), alive) << "allocation " << number << (forGood ? " for good" : "");
-                ASSERT_EQ(Memory::InUse(), before) << "allocation " << number << (forGood ? " for good" : "");
+                // A system's library may let go of what it kept from before.
+                ASSERT_LE(Memory::InUse(), before) << "allocation " << number << (forGood ? " for good" : "");
             }
             EXPECT_GT(failures, 5);
         }

@@ -139,6 +139,10 @@ bool Services::DeleteWholeFile(const char* path) { return ::DeleteFileA(path != 
 bool Services::MoveWholeFile(const char* from, const char* to) {
     if (from == nullptr) from = "";
     if (to == nullptr) to = "";
+    // Not every system refuses that by itself.
+    const DWORD attributes = ::GetFileAttributesA(to);
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
+        return Fails(ErrorAccessDenied);
     return DespiteInterference(*this, [&] {
         // Moving onto an open file is merely denied: asking to delete it tells why.
         if (!OpenAmongAll(to, DELETE) && ::GetLastError() == ERROR_SHARING_VIOLATION) return false;

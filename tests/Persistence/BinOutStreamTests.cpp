@@ -444,7 +444,8 @@ TEST(MemoryBinOutStreamTests, StartsAnew) {
         stream << number;
         stream.FlushRecord(number, 1);
         stream.RewriteHeader();
-        EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 1) + RecordBytes(number, 1, LittleEndian(number)));
+        const std::string payload = LittleEndian(static_cast<std::uint64_t>(number));
+        EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 1) + RecordBytes(number, 1, payload));
     }
     stream << "left open";
     stream.FreeResourses();

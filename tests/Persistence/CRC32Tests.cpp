@@ -91,7 +91,7 @@ TEST(CRC32Tests, CheckValue) {
 
 TEST(CRC32Tests, SumsAWholeFile) {
     const TemporaryFolder folder;
-    for (const std::size_t size : {0, 1, 256 * 1024, 700'001}) {
+    for (const std::size_t size : {0u, 1u, 256u * 1024, 700'001u}) {
         const auto noise = Noise(size);
         folder.Write("f", std::string(noise.begin(), noise.end()));
         CRC32 crc;

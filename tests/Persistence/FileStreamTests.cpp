@@ -645,8 +645,7 @@ TEST_F(FileStreamTests, AnOverriddenReadIsAsked) {
 }
 
 TEST_F(FileStreamTests, FailuresOfOpening) {
-    const std::string invalid =
-        std::string("Header de arquivo inválido"_ansi) + " @ TBinInStream::LoadHeader";
+    const std::string invalid = "Header de arquivo inv\xE1lido @ TBinInStream::LoadHeader";
     const std::string good = HeaderBytes(3, 2026);
     const struct {
         const char* name;

@@ -469,7 +469,8 @@ TEST(PointTests, EachIsSavedAndOpened) {
         reader >> begin >> className;
         const pointer<ZoStreamableBase> fromText(reader.GetFactories()[1]->CreateObject(className));
         fromText->Read(reader);
-        EXPECT_TRUE(*fromText == object && typeid(*fromText) == typeid(object)) << name;
+        const ZoObject& made = *fromText;
+        EXPECT_TRUE(made == object && typeid(made) == typeid(object)) << name;
         EXPECT_EQ(reader.GetHandle(fromText.get()), 1) << name;
     }
 }

@@ -19,7 +19,7 @@ long long Resident() {
     return pages * sysconf(_SC_PAGESIZE);
 }
 
-class Block : public ZoObject {
+struct Block : ZoObject {
     char bytes[256] = {1};
 };
 

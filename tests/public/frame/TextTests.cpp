@@ -153,7 +153,8 @@ TEST_F(TextTests, IsTheOneInTheDocument) {
         if (line == "```text") inside = true;
     }
     std::string utf8; // as the document
-    for (const unsigned char byte : TextOf(Shed())) {
+    for (const char letter : TextOf(Shed())) {
+        const auto byte = static_cast<unsigned char>(letter);
         if (byte >= 0x80) utf8 += static_cast<char>(0xC0 | (byte >> 6));
         utf8 += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
     }

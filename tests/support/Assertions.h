@@ -53,7 +53,7 @@ std::string FailureOf(Operation operation) {
     try {
         operation();
     } catch (const XWriteStreamOutOfSpace& e) {
-        EXPECT_EQ(e.Message(), "Espaço em disco insuficiente."_ansi);
+        EXPECT_EQ(e.Message(), "Espa\xE7o em disco insuficiente.");
         return std::string("full @ ") + e.Location().c_str();
     } catch (const XStream& e) {
         return std::string(e.Message().c_str()) + " @ " + e.Location().c_str();

@@ -14,9 +14,7 @@
 
 namespace ZoPrimitives {
 
-class TBinUnresolvedPointers;
-class UidTable;
-struct InstanceTables;
+class InstanceTables;
 struct TBinUnresolved;
 class ZoBlob;
 class ZoStreamableBase;
@@ -107,7 +105,7 @@ public:
     void AddInstance(ZoStreamableBase* object);
     /// The object read under a uid; null for none.
     ZoStreamableBase* GetInstance(int uid) const;
-    const TDVector<ZoStreamableBase*>& Objects() const { return objects; }
+    const TDVector<ZoStreamableBase*>& Objects() const;
     /// The object read first, which is the root of what was saved; null when nothing was read.
     ZoStreamableBase* FirstObject() const;
     /// The first object of the class of that name; null for none.
@@ -125,14 +123,12 @@ public:
     /// Null for a uid without object.
     ZoStreamableBase* GetHandle(int uid) const;
     void ResetHandles();
-    const UidTable& Handles() const;
 
     // Pointers that wait to be resolved: one entry for each object read.
     /// Opens an entry; `fileClass` is the file's class under which the record is read.
     void AddUnresolved(ZoStreamableBase* object, int uid, TZoClass* fileClass);
     /// The entry of the object read under a uid; null for none.
     const TBinUnresolved* GetUnresolved(int uid) const;
-    TBinUnresolvedPointers& UnresolvedPointers() const { return *unresolved; }
 
     // Fields of the current record that its class does not have, each with its place in the record.
     void AddExcludedField(TZoClassField* field, unsigned recordPosition);
@@ -201,12 +197,16 @@ protected:
 
 private:
     friend class ReadCursor;
-    friend struct InstanceTables;
+    friend class InstanceTables;
+    struct EndInstances {
+        void operator()(InstanceTables* ended) const noexcept;
+    };
+    static InstanceTables* NewInstances();
 
     bool TakesFromWindow() const { return HasWindow() && !asksRead; }
     bool ReadAll(void* data, unsigned size);
     struct FailurePoints;
-    struct ClassFilter;
+    class ClassFilter;
     enum class Found { Nothing, Record, OtherClass };
 
     bool HeadInWindow(RecordFormat::RecordHead& head) const;
@@ -243,9 +243,7 @@ private:
     bool asksRead = false;
 
     ZoString scratch;
-    TDVector<ZoStreamableBase*> objects;
-    std::unique_ptr<InstanceTables> tables;
-    std::unique_ptr<TBinUnresolvedPointers> unresolved;
+    std::unique_ptr<InstanceTables, EndInstances> instances;
 };
 
 } // namespace ZoPrimitives

@@ -40,6 +40,16 @@ public:
     /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` when the record holds
     /// fewer.
     void LoadPointers(TZoClassField* field, int count, TBinInStream* stream);
+    /// The same with a callable that gives one uid after the other, as many as were found to be there.
+    template <class Take>
+    void TakePointers(TZoClassField* field, int count, const Take& take) {
+        LoadPointer(field, count);
+        for (int i = 0; i < count; ++i) {
+            int uid = 0;
+            take(uid);
+            LoadPointer(field, uid);
+        }
+    }
 
     const TBinUnresolved* Find(int uid) const;
     std::vector<TBinUnresolved>& Entries() { return entries; }

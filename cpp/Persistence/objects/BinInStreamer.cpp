@@ -1,0 +1,269 @@
+#include "ZoPrimitives/BinInStreamer.h"
+
+#include "Persistence/instances/InstanceTables.h"
+#include "Persistence/objects/MadeObjects.h"
+#include "Persistence/objects/MemberObjects.h"
+#include "Persistence/objects/ObjectReader.h"
+#include "Persistence/objects/ObjectRemoval.h"
+#include "Platform/Compiler.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/XStream.h"
+
+#include <algorithm>
+#include <typeinfo>
+#include <unordered_set>
+#include <utility>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr unsigned PREFETCH = 8; // objects ahead
+
+[[noreturn]] void Throw(const char* literal, const char* location) {
+    throw XStream(TTranslatedString(literal).Text(), location);
+}
+
+} // namespace
+
+/// What becomes of the records of one class of the file.
+struct TBinInStreamer::Use {
+    int classId;
+    bool decided;     // the rest is known
+    bool substituted; // readAs is an ancestor
+    bool inPlace;     // a member of the class is read where it stands
+    bool hasValues;   // its objects have members that are objects
+    bool asked;       // whether those may be invalid is known
+    unsigned hooks;   // calls that its objects answer
+    TZoClass* readAs; // the class itself, or the ancestor that stands for it; null: records are dropped
+};
+
+/// The uses of all classes of a file, by id.
+class TBinInStreamer::Uses {
+public:
+    explicit Uses(const TZoMetaData& schema) {
+        const int count = schema.GetClassCount();
+        uses.reserve(static_cast<std::size_t>(count));
+        for (int i = 1; i <= count; ++i) {
+            TZoClass* fileClass = schema.GetClass(i);
+            uses.push_back({fileClass->GetClassId(), false, false, false, false, false, ~0u, fileClass});
+        }
+        const auto byId = [](const Use& a, const Use& b) { return a.classId < b.classId; };
+        if (!std::is_sorted(uses.begin(), uses.end(), byId)) std::sort(uses.begin(), uses.end(), byId);
+        // Ids are small as a rule.
+        const std::size_t most = 1024 + 4 * uses.size();
+        for (const Use& use : uses) {
+            const auto id = static_cast<std::size_t>(use.classId);
+            if (id < most) positions.resize(id + 1);
+        }
+        for (std::size_t i = 0; i < uses.size(); ++i) {
+            const auto id = static_cast<std::size_t>(uses[i].classId);
+            if (id < positions.size()) positions[id] = static_cast<unsigned>(i + 1);
+        }
+    }
+    /// Null for a class that the file does not describe.
+    Use* Find(int classId) {
+        const auto id = static_cast<std::size_t>(classId);
+        if (classId >= 0 && id < positions.size())
+            return positions[id] == 0 ? nullptr : &uses[positions[id] - 1];
+        const auto found = std::lower_bound(uses.begin(), uses.end(), classId,
+                                            [](const Use& use, int wanted) { return use.classId < wanted; });
+        return found == uses.end() || found->classId != classId ? nullptr : &*found;
+    }
+
+private:
+    std::vector<Use> uses;           // by id, rising
+    std::vector<unsigned> positions; // by id: in `uses`, from 1; 0: none
+};
+
+TBinInStreamer::TBinInStreamer(TBinInStream* stream, TZoMetaData* schema) : stream(stream), schema(schema) {}
+TBinInStreamer::~TBinInStreamer() = default;
+
+void TBinInStreamer::OnAfterLoadInstance(ZoStreamableBase*) {}
+void TBinInStreamer::OnAfterResolveInstance(ZoStreamableBase*) {}
+
+ZoStreamableBase* TBinInStreamer::CreateInstance(TZoClass* fileClass, TZoMetaData* fileMetaData,
+                                                 TZoMetaData* appMetaData) {
+    return fileClass->CreateInstance(fileMetaData, appMetaData);
+}
+
+void* TBinInStreamer::GetFile() const { return stream->GetFile(); }
+
+ZoStreamableBase* TBinInStreamer::ReadObjects() {
+    LoadSchema("TBinInStreamer::ReadObjects #1", "TBinInStreamer::ReadObjects #2");
+    ReadRecords(nullptr);
+    return stream->FirstObject();
+}
+
+void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
+    int uid = 0;
+    int classId = 0;
+    if (!stream->LoadRecord(&uid, &classId)) Throw("Metadado corrompido", noRecord);
+    if (!fileSchema.LoadFromStream(stream, schema)) Throw("Metadado inválido"_ansi, noSchema);
+    uses = std::make_unique<Uses>(fileSchema);
+    unknown.RemoveAll();
+    stream->ForgetInstances();
+}
+
+void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
+    filtered = classIds != nullptr;
+    if (!filtered) stream->ReserveInstances();
+    MadeObjects made(*stream);
+    plain = typeid(*this) == typeid(TBinInStreamer);
+    // Members that are objects are found by the entries of what was read for them.
+    bool all = !plain;
+    for (int i = 1; i <= fileSchema.GetClassCount() && !all; ++i) {
+        const TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
+        all = original != nullptr && original->HasValueChildren();
+    }
+    const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::WithPointers,
+                              plain ? &made.awaited : nullptr);
+    int uid = 0;
+    int classId = 0;
+    if (filtered) {
+        const int count = static_cast<int>(classIds->size());
+        while (stream->LoadFilteredRecord(&fileSchema, classIds->data(), &classId, &uid, count)) {
+            ReadRecord(reader, uid, classId, made);
+        }
+    } else {
+        while (stream->LoadRecord(&uid, &classId)) ReadRecord(reader, uid, classId, made);
+    }
+    made.HandOver();
+    Resolve(made);
+    Validate(made);
+}
+
+TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
+    Use* use = uses->Find(classId);
+    if (use == nullptr) Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #3");
+    if (!use->decided) Decide(*use);
+    return *use;
+}
+
+void TBinInStreamer::Decide(Use& use) {
+    if (use.readAs->GetOriginal() == nullptr && filtered) {
+        use.readAs = nullptr;
+    } else if (use.readAs->GetOriginal() == nullptr) {
+        unknown.Add(use.readAs); // comes here once
+        use.substituted = true;
+        while (use.readAs != nullptr && use.readAs->GetOriginal() == nullptr) {
+            TZoClass* parent = use.readAs->GetParentClass();
+            use.readAs = parent == nullptr || parent->GetAbstract() ? nullptr : parent;
+        }
+    }
+    if (use.readAs != nullptr) {
+        use.hasValues = use.readAs->GetOriginal()->HasValueChildren();
+        // A streamer of an application's own may make objects of other types than the class's.
+        if (plain) use.hooks = use.readAs->GetOriginal()->hooks;
+        use.inPlace = !use.substituted && (use.hooks & hookCreateInstance) == 0;
+    }
+    use.decided = true;
+}
+
+void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made) {
+    Use& use = UseOf(classId);
+    if (use.readAs == nullptr) return;
+    const AwaitedMembers::Member member = made.awaited.Take(uid);
+    if (member.object != nullptr) {
+        if (use.inPlace && use.readAs->GetOriginal()->GetType() == &typeid(*member.object))
+            return ReadMember(reader, use, uid, member.object, member.owner, made);
+        made.awaited.LeaveSome();
+    }
+    ZoStreamableBase* object = CreateInstance(use.readAs, &fileSchema, schema);
+    if (object == nullptr) return;
+    made.Begin(object);
+    if (use.substituted && !object->CanBeConvertedToBaseClass()) {
+        made.Drop();
+        return;
+    }
+    made.hasValues = made.hasValues || use.hasValues;
+    made.mayBeInvalid = made.mayBeInvalid || (use.hooks & hookGetIsValid) != 0;
+    if (use.hasValues && !use.asked) {
+        use.asked = plain;
+        made.membersMayBeInvalid =
+            made.membersMayBeInvalid || !plain || use.readAs->GetOriginal()->MembersMayBeInvalid(object);
+    }
+    ReadFields(reader, use, uid, object, object, made);
+    made.Finish();
+    if (!plain) OnAfterLoadInstance(object);
+    if ((use.hooks & hookCheckForExcludedFields) != 0) object->CheckForExcludedFields(stream);
+}
+
+void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
+                                ZoStreamableBase* owner, MadeObjects& made) {
+    ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
+    made.members.Set(uid, member);
+    ReadFields(reader, use, uid, member, owner, made);
+    if ((use.hooks & hookCheckForExcludedFields) != 0) member->CheckForExcludedFields(stream);
+}
+
+void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* object,
+                                ZoStreamableBase* owner, MadeObjects& made) {
+    InstanceTables::Of(*stream).handles.Set(uid, object);
+    made.awaited.Begin(uid, owner);
+    reader.Read(*use.readAs, object);
+    made.awaited.End();
+    if ((use.hooks & hookOnRead) != 0 && !object->OnRead(stream, use.substituted))
+        made.invalid.push_back(owner);
+}
+
+void TBinInStreamer::Resolve(MadeObjects& made) {
+    if (made.hasValues && (!plain || made.awaited.LeftSome())) MemberObjects(*stream, made).Run();
+    TBinUnresolvedPointers& unresolved = InstanceTables::Of(*stream).unresolved;
+    TZoPointerResolver resolver(*stream, made.hasValues ? &made.members : nullptr, nullptr);
+    const auto& entries = unresolved.Entries();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (i + PREFETCH < entries.size()) Prefetch(entries[i + PREFETCH].object);
+        const TZoClass* application = entries[i].fileClass->GetOriginal();
+        const unsigned hooks = plain && application != nullptr ? application->hooks : ~0u;
+        resolver.Begin(unresolved.Uids() + entries[i].firstUid, (hooks & hookOnReadPointer) != 0);
+        ObjectReader::Resolve(*entries[i].fileClass, resolver, entries[i].object);
+        if (!plain) OnAfterResolveInstance(entries[i].object);
+    }
+    InstanceTables::Of(*stream).EndReading();
+}
+
+void TBinInStreamer::Validate(MadeObjects& made) {
+    if (made.invalid.empty() && (filtered || (!made.mayBeInvalid && !made.membersMayBeInvalid))) return;
+    const std::unordered_set<const ZoStreamableBase*> known(made.invalid.begin(), made.invalid.end());
+    TDList<ZoStreamableBase*> invalid;
+    for (ZoStreamableBase* object : stream->Objects()) {
+        const bool foundBefore = known.count(object) != 0;
+        // What was read in part may well miss something: only its own word counts.
+        const bool valid = filtered ? !foundBefore : IsValid(object, foundBefore, made.membersMayBeInvalid);
+        if (!valid) invalid.Add(object);
+    }
+    if (invalid.NItems() == 0) return;
+    made.EndHold(); // while all that it noted is there
+    ObjectRemoval(*stream, schema).Run(invalid);
+}
+
+bool TBinInStreamer::OnReadInstance(ZoStreamableBase* object, bool invalid) {
+    return IsValid(object, invalid, true);
+}
+
+bool TBinInStreamer::IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues) {
+    if (invalid || !object->GetIsValid()) return false;
+    if (!mayHaveValues) return true;
+    TZoClass* objectClass = object->GetOriginalClass(schema);
+    if (objectClass == nullptr || !objectClass->HasValueChildren()) return true;
+    TDVector<ZoStreamableBase*> members = ChildsByValueOfInstance(object);
+    for (unsigned long long i = 1; i <= members.NItems(); ++i) {
+        if (!members[i]->GetIsValid()) return false;
+        members.Append(ChildsByValueOfInstance(members[i]));
+    }
+    return true;
+}
+
+TDVector<ZoStreamableBase*> TBinInStreamer::ChildsByValueOfInstance(ZoStreamableBase* object) {
+    return ObjectRemoval::MembersOf(object, schema);
+}
+
+void TBinInStreamer::RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid) {
+    ObjectRemoval(*stream, schema).Run(*invalid);
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,78 @@
+#include "ZoPrimitives/BinOutStreamer.h"
+
+#include "Persistence/objects/ObjectWriter.h"
+#include "Persistence/objects/SchemaWalk.h"
+#include "ZoPrimitives/BinOutStream.h"
+
+namespace ZoPrimitives {
+
+TBinOutStreamer::TBinOutStreamer(TBinOutStream* stream, TZoMetaData* schema)
+    : stream(stream), schema(schema), writer(std::make_unique<ObjectWriter>(*this)) {}
+TBinOutStreamer::~TBinOutStreamer() = default;
+
+void TBinOutStreamer::OnAfterSaveInstance(ZoStreamableBase*) {}
+
+void TBinOutStreamer::RewriteHeader() { stream->RewriteHeader(); }
+
+void* TBinOutStreamer::GetFile() const { return stream->GetFile(); }
+
+void TBinOutStreamer::SetFile(void* file) { stream->SetFile(file); }
+
+void TBinOutStreamer::WriteSchemaOf(const SchemaWalk& walk) {
+    expected = walk.Met() + 1;
+    // Counted references would belong to several threads that save with one schema.
+    std::vector<TZoClass*> used;
+    for (int i = 1; i <= schema->GetClassCount(); ++i) {
+        if (walk.Uses(schema->GetClass(i))) used.push_back(schema->GetClass(i));
+    }
+    TZoMetaData::SaveClasses(stream, used);
+}
+
+void TBinOutStreamer::WriteObjectMetaData(ZoStreamableBase* root) {
+    SchemaWalk walk(schema);
+    walk.Run(root);
+    WriteSchemaOf(walk);
+}
+
+void TBinOutStreamer::WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots) {
+    SchemaWalk walk(schema);
+    for (ZoStreamableBase* root : *roots) walk.Run(root);
+    WriteSchemaOf(walk);
+}
+
+void TBinOutStreamer::WriteMetaData() { schema->SaveToStream(stream); }
+
+void TBinOutStreamer::WriteObject(ZoStreamableBase* object) {
+    TDList<ZoStreamableBase*> one;
+    one.Add(object);
+    WriteObjects(&one);
+}
+
+void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
+    try {
+        writer->WriteGraph(*stream, *objects, expected);
+        stream->ResetHandles();
+        RewriteHeader();
+    } catch (...) {
+        stream->FreeResourses();
+        stream->ResetHandles();
+        throw;
+    }
+}
+
+void TBinOutStreamer::AlocateExternalInstancesHandles([[maybe_unused]] TDList<ZoStreamableBase*>* objects,
+                                                      TDList<ZoStreamableBase*>* externals) {
+    WritePlans plans;
+    GraphWalk walk(*stream, schema, plans, *externals);
+    for (unsigned long long i = 1; i <= externals->NItems(); ++i) walk.Run((*externals)[i]);
+}
+
+bool TBinOutStreamer::InstanceIsAlreadySaved(const ZoStreamableBase* object) const {
+    return writer->IsSaved(*stream, object);
+}
+
+void TBinOutStreamer::SaveInstance(TBinOutStream* target, ZoStreamableBase* object) {
+    writer->Save(*target, object, nullptr);
+}
+
+} // namespace ZoPrimitives

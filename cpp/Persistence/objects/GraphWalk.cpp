@@ -1,0 +1,105 @@
+#include "Persistence/objects/GraphWalk.h"
+
+#include "Persistence/instances/ClassNames.h"
+#include "Persistence/instances/HandleAccess.h"
+#include "Persistence/instances/ItemAction.h"
+#include "Persistence/schema/RecordOrder.h"
+#include "Platform/Compiler.h"
+#include "ZoPrimitives/BinOutStream.h"
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
+constexpr std::size_t PREFETCH = 8; // objects ahead
+
+} // namespace
+
+void FailUnregistered(const ZoStreamableBase* object) {
+    const ZoString message = ZoString::FormatString(
+        "[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
+        "'class : public ZoStreamableBase'",
+        ClassText(typeid(*object)).c_str());
+    AssertWithFunctor("instance_pointer->GetOriginalClass(parentMetaData)", message.c_str(), SOURCE,
+                      __LINE__);
+}
+
+void ForEachExternal(const TZoClass& level, ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {
+    RecordOrder::ForEachPointer(level, [&](TZoClassFieldPointerBase& field) {
+        if (RecordOrder::IsExternal(field)) field.GetFieldMetaData(object, action);
+    });
+}
+
+GraphWalk::GraphWalk(TBinOutStream& outStream, TZoMetaData* applicationSchema, WritePlans& writePlans,
+                     TDList<ZoStreamableBase*>& externalInstances)
+    : stream(outStream), schema(applicationSchema), plans(writePlans), externals(externalInstances),
+      knownExternals(externals.begin(), externals.end()), firstNew(HandleAccess::FirstNew(outStream)) {}
+
+/// Whether the object was not met before; it has a uid then.
+bool GraphWalk::Meet(const ZoStreamableBase* object) {
+    const int uid = HandleAccess::Get(stream, object);
+    if (uid != 0) return uid < firstNew && MeetGiven(uid, object);
+    HandleAccess::Give(stream, object);
+    return true;
+}
+
+bool GraphWalk::MeetGiven(int uid, const ZoStreamableBase* object) {
+    const auto [met, isNew] = given.try_emplace(uid, object);
+    if (met->second != object) {
+        const ZoString message = ZoString::FormatString("[zoerror] two objects have the uid %d", uid);
+        AssertWithFunctor("stream->GetHandle(instance_pointer) is unique", message.c_str(), SOURCE, __LINE__);
+    }
+    return isNew;
+}
+
+void GraphWalk::Run(ZoStreamableBase* root) {
+    if (root != nullptr) Run(root, ClassToWrite(schema, root));
+}
+
+void GraphWalk::Run(ZoStreamableBase* root, TZoClass* rootClass) {
+    if (root == nullptr || !Meet(root)) return;
+    Enter(root, rootClass);
+    Finish();
+}
+
+void GraphWalk::Finish() {
+    ItemAction collect([this](ZoStreamableBase* item) {
+        if (item != nullptr && knownExternals.insert(item).second) externals.Add(item);
+    });
+    while (!frames.empty()) {
+        Frame& frame = frames.back();
+        if (frame.next == frame.end) {
+            waiting.resize(frame.begin);
+            frames.pop_back();
+            continue;
+        }
+        const Visit visit = waiting[frame.next++];
+        if (frame.next + PREFETCH < frame.end) Prefetch(waiting[frame.next + PREFETCH].object);
+        if (visit.externalsOf != nullptr) {
+            ForEachExternal(*visit.externalsOf, visit.object, collect);
+        } else if (Meet(visit.object)) {
+            Enter(visit.object, ClassToWrite(schema, visit.object));
+        }
+    }
+}
+
+void GraphWalk::Enter(ZoStreamableBase* object, TZoClass* objectClass) {
+    order.push_back({object, objectClass});
+    const WritePlan& plan = plans.Of(*objectClass);
+    steady = steady && plan.steady && objectClass->GetType() == &typeid(*object);
+    const std::size_t begin = waiting.size();
+    ItemAction push([this](ZoStreamableBase* item) {
+        if (item != nullptr) waiting.push_back({item, nullptr});
+    });
+    for (const WritePlan::Target& target : plan.targets) {
+        if (target.externalsOf != nullptr) {
+            waiting.push_back({object, target.externalsOf});
+        } else {
+            target.field->GetFieldMetaData(object, push);
+        }
+    }
+    if (waiting.size() != begin) frames.push_back({begin, begin, waiting.size()});
+}
+
+} // namespace ZoPrimitives

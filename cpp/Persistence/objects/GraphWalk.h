@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Persistence/schema/WritePlan.h"
+#include "ZoPrimitives/ZoMetaData.h"
+#include "ZoPrimitives/dvector.h"
+
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace ZoPrimitives {
+
+class TBinOutStream;
+
+/// Walks a graph of objects depth first, with a stack of its own: gives each object that has none the next
+/// uid and keeps the order. What an object owns follows it in the order of its record.
+class GraphWalk {
+public:
+    struct Entry {
+        ZoStreamableBase* object;
+        TZoClass* objectClass;
+    };
+
+    /// `externals` collects what fields of external references point to, each object once.
+    GraphWalk(TBinOutStream& stream, TZoMetaData* schema, WritePlans& plans,
+              TDList<ZoStreamableBase*>& externals);
+
+    /// Makes room for an expected number of objects.
+    void Reserve(std::size_t objects) { order.reserve(objects); }
+    /// Walks what hangs from `root`, null for nothing. An object that had a uid before is walked as well;
+    /// none is walked twice. Two objects of one uid fail an assertion.
+    void Run(ZoStreamableBase* root);
+    /// The same, with the root as an object of the given class.
+    void Run(ZoStreamableBase* root, TZoClass* rootClass);
+    /// The objects in the order of their records: uids that were given here rise.
+    const std::vector<Entry>& Order() const { return order; }
+    /// Whether all objects are such that no code of the application runs while they are written.
+    bool IsSteady() const { return steady; }
+
+private:
+    /// An object to visit, or, with a class, the external references of one level of an object to collect.
+    struct Visit {
+        ZoStreamableBase* object;
+        const TZoClass* externalsOf;
+    };
+    /// The visits below one object, a part of `waiting`.
+    struct Frame {
+        std::size_t begin;
+        std::size_t next;
+        std::size_t end;
+    };
+
+    bool Meet(const ZoStreamableBase* object);
+    bool MeetGiven(int uid, const ZoStreamableBase* object);
+    void Enter(ZoStreamableBase* object, TZoClass* objectClass);
+    void Finish();
+
+    TBinOutStream& stream;
+    TZoMetaData* schema;
+    WritePlans& plans;
+    TDList<ZoStreamableBase*>& externals;
+    std::unordered_set<const ZoStreamableBase*> knownExternals;
+    long long firstNew;                                     // the uids from here on are given by this walk
+    std::unordered_map<int, const ZoStreamableBase*> given; // objects met that had a uid before
+    std::vector<Visit> waiting;
+    std::vector<Frame> frames;
+    std::vector<Entry> order;
+    bool steady = true;
+};
+
+/// Applies the action to the external references of one level of an object, nulls included.
+void ForEachExternal(const TZoClass& level, ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
+
+[[noreturn]] void FailUnregistered(const ZoStreamableBase* object);
+
+/// The registered class of an object that is to be written. An object without one fails the writer's
+/// assertion.
+inline TZoClass* ClassToWrite(TZoMetaData* schema, const ZoStreamableBase* object) {
+    TZoClass* objectClass = object->GetOriginalClass(schema);
+    if (objectClass == nullptr) FailUnregistered(object);
+    return objectClass;
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,43 @@
+#include "Persistence/objects/MadeObjects.h"
+
+#include "Persistence/instances/InstanceTables.h"
+#include "ZoPrimitives/BinInStream.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ZoPrimitives {
+
+MadeObjects::MadeObjects(TBinInStream& stream) : stream(stream), hold(*this) {}
+
+MadeObjects::~MadeObjects() {
+    hold.End();
+    InstanceTables::Of(stream).EndReading();
+    delete current;
+    for (const ZoStreamableBase* object : consumed) delete object;
+    if (!owned) return;
+    const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(stream).Take();
+    for (const ZoStreamableBase* object : objects) delete object;
+}
+
+void MadeObjects::Drop() { delete std::exchange(current, nullptr); }
+
+void MadeObjects::Finish() {
+    InstanceTables::Of(stream).Add(current, stream.GetCurrentUID());
+    current = nullptr;
+}
+
+void MadeObjects::Consume(std::vector<const ZoStreamableBase*>&& objects) noexcept {
+    consumed = std::move(objects);
+    InstanceTables::Of(stream).RemoveIf([this](const ZoStreamableBase* object) {
+        return std::binary_search(consumed.begin(), consumed.end(), object);
+    });
+}
+
+void MadeObjects::ForEach(Action& action) const {
+    for (const ZoStreamableBase* object : stream.Objects()) action(object);
+    for (const ZoStreamableBase* object : consumed) action(object);
+    action(current);
+}
+
+} // namespace ZoPrimitives

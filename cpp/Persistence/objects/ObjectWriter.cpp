@@ -1,0 +1,128 @@
+#include "Persistence/objects/ObjectWriter.h"
+
+#include "Persistence/objects/OwnerWalk.h"
+#include "Persistence/records/RecordCursors.h"
+#include "Persistence/schema/FieldCodec.h"
+#include "Persistence/schema/FieldOffset.h"
+#include "Persistence/schema/RecordOrder.h"
+#include "Platform/Compiler.h"
+
+#include <typeinfo>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr std::size_t PREFETCH = 8; // objects ahead
+
+template <class Sink>
+void PutFields(const Sink& put, const WritePlan& plan, ZoStreamableBase* object) {
+    for (const WritePlan::Step& step : plan.steps) {
+        if (step.offset != FieldOffset::NONE) {
+            FieldCodec::SaveMember(put, step.field->GetFieldType(), FieldOffset::Apply(object, step.offset));
+        } else if (step.field != nullptr) {
+            FieldCodec::SaveField(put, *step.field, object);
+        } else {
+            object->WillWrite();
+        }
+    }
+}
+
+/// Of an object whose C++ type is another than the class's: nothing is known but what the class declares.
+template <class Sink>
+void PutFields(const Sink& put, const TZoClass& objectClass, ZoStreamableBase* object) {
+    RecordOrder::ForEachLevel(objectClass, [&](const TZoClass& level) {
+        object->WillWrite();
+        for (TZoClassField* field : RecordOrder::FieldsOf(level)) FieldCodec::SaveField(put, *field, object);
+    });
+}
+
+template <class Fields>
+void PutRecord(TBinOutStream& stream, bool direct, const Fields& fields, ZoStreamableBase* object) {
+    if (direct) {
+        const WriteCursor put(stream);
+        PutFields(put, fields, object);
+        put.Commit();
+    } else {
+        PutFields(VirtualSink{stream}, fields, object);
+    }
+}
+
+} // namespace
+
+void ObjectWriter::WriteFields(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass) {
+    PutRecord(stream, stream.PutsDirectly(), objectClass, object);
+}
+
+bool ObjectWriter::SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object,
+                              TZoClass* objectClass) {
+    const bool exact = objectClass->GetType() == &typeid(*object);
+    WritePlan& plan = plans.Of(*objectClass);
+    if (exact) {
+        if (!plan.measured) plan.Measure(object);
+        PutRecord(stream, direct, plan, object);
+    } else {
+        PutRecord(stream, direct, *objectClass, object);
+    }
+    const int uid = HandleAccess::Get(stream, object);
+    stream.FlushRecord(uid, objectClass->GetClassId());
+    saved.Add(stream, uid);
+    streamer.OnAfterSaveInstance(object);
+    return !(exact && direct && plan.steady);
+}
+
+void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
+                              std::size_t expected) {
+    plans.Clear();
+    TDList<ZoStreamableBase*> externals;
+    GraphWalk walk(stream, streamer.GetMetaData(), plans, externals);
+    walk.Reserve(expected);
+    for (ZoStreamableBase* root : roots) walk.Run(root);
+    for (unsigned long long i = 1; i <= externals.NItems(); ++i) walk.Run(externals[i]);
+    // Without code of the application in between, the graph stays as it was found.
+    if (walk.IsSteady() && stream.PutsDirectly() && typeid(streamer) == typeid(TBinOutStreamer)) {
+        SaveInOrder(stream, walk.Order());
+    } else {
+        SaveByOwners(stream, roots, walk.Order().size());
+    }
+}
+
+void ObjectWriter::SaveInOrder(TBinOutStream& stream, const std::vector<GraphWalk::Entry>& order) {
+    const bool anySaved = saved.CountOf(stream) != 0;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i + PREFETCH < order.size()) Prefetch(order[i + PREFETCH].object);
+        if (anySaved && IsSaved(stream, order[i].object)) continue;
+        SaveRecord(stream, true, order[i].object, order[i].objectClass);
+    }
+}
+
+void ObjectWriter::SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
+                                std::size_t numbered) {
+    auto mode = OwnerWalk::Mode::Numbered;
+    std::size_t before = 0;
+    do {
+        before = saved.CountOf(stream);
+        OwnerWalk walk(*this, stream, mode);
+        for (ZoStreamableBase* root : roots) walk.Run(root, nullptr);
+        walk.RunExternals();
+        // An object may have gone to an owner whose turn was over.
+        mode = OwnerWalk::Mode::NumberedAgain;
+    } while (saved.CountOf(stream) != numbered && saved.CountOf(stream) != before);
+}
+
+void ObjectWriter::Save(TBinOutStream& stream, ZoStreamableBase* object, TZoClass* asClass) {
+    OwnerWalk(*this, stream, OwnerWalk::Mode::ByHand).Run(object, asClass);
+}
+
+void ObjectWriter::SaveOwned(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass) {
+    const WritePlan plan(objectClass);
+    OwnerWalk(*this, stream, OwnerWalk::Mode::ByHand).RunOwned(object, plan.targets);
+}
+
+void ObjectWriter::SaveOwned(TBinOutStream& stream, ZoStreamableBase* object,
+                             TZoClassFieldPointerBase& field) {
+    const std::vector<WritePlan::Target> targets{{&field, nullptr}};
+    OwnerWalk(*this, stream, OwnerWalk::Mode::ByHand).RunOwned(object, targets);
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Persistence/instances/HandleAccess.h"
+#include "Persistence/objects/GraphWalk.h"
+#include "Persistence/schema/WritePlan.h"
+#include "ZoPrimitives/BinOutStreamer.h"
+
+#include <cstdint>
+#include <unordered_set>
+#include <vector>
+
+namespace ZoPrimitives {
+
+/// The uids that were saved since a stream's handles were last reset.
+class SavedUids {
+public:
+    bool Has(const TBinOutStream& stream, const ZoStreamableBase* object) const {
+        const int uid = HandleAccess::Get(stream, object);
+        return uid != 0 && run == HandleAccess::RunOf(stream) &&
+               ((uid >= first && uid < end) || others.count(uid) != 0);
+    }
+    void Add(const TBinOutStream& stream, int uid) {
+        if (run != HandleAccess::RunOf(stream)) Begin(HandleAccess::RunOf(stream), uid);
+        if (uid == end) {
+            ++end;
+        } else {
+            others.insert(uid);
+        }
+    }
+    /// How many were saved in the stream's run.
+    std::size_t CountOf(const TBinOutStream& stream) const {
+        return run == HandleAccess::RunOf(stream) ? static_cast<std::size_t>(end - first) + others.size() : 0;
+    }
+
+private:
+    void Begin(std::uint64_t newRun, int uid) {
+        run = newRun;
+        first = end = uid;
+        others.clear();
+    }
+
+    std::uint64_t run = 0;
+    long long first = 0; // all from here up to `end` were saved
+    long long end = 0;
+    std::unordered_set<int> others; // others that were
+};
+
+/// Writes objects: the fields of one, the record of one, those of what it owns, a whole graph.
+class ObjectWriter {
+public:
+    explicit ObjectWriter(TBinOutStreamer& itsStreamer) : streamer(itsStreamer) {}
+    static ObjectWriter& Of(TBinOutStreamer& streamer) { return *streamer.writer; }
+
+    /// Gives uids to all objects of the graph and writes their records. `expected` objects, about.
+    void WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t expected);
+
+    /// Writes the record of an object, as one of the given class (null: its own), and the records of what it
+    /// owns, each unless it was written before.
+    void Save(TBinOutStream& stream, ZoStreamableBase* object, TZoClass* asClass);
+    /// Writes the records of what the object owns through the fields of a class and its ancestors.
+    void SaveOwned(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass);
+    /// Writes the records of what one field holds.
+    void SaveOwned(TBinOutStream& stream, ZoStreamableBase* object, TZoClassFieldPointerBase& field);
+    /// Writes the fields of a class and its ancestors into the open record.
+    static void WriteFields(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass);
+
+    bool IsSaved(const TBinOutStream& stream, const ZoStreamableBase* object) const {
+        return saved.Has(stream, object);
+    }
+
+private:
+    friend class OwnerWalk;
+
+    /// Returns whether code of the application may have run.
+    bool SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object, TZoClass* objectClass);
+    void SaveInOrder(TBinOutStream& stream, const std::vector<GraphWalk::Entry>& order);
+    void SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t numbered);
+
+    TBinOutStreamer& streamer;
+    WritePlans plans;
+    SavedUids saved;
+};
+
+} // namespace ZoPrimitives

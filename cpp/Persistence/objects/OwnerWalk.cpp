@@ -1,0 +1,152 @@
+#include "Persistence/objects/OwnerWalk.h"
+
+#include "Persistence/instances/ClassNames.h"
+#include "Persistence/instances/ItemAction.h"
+#include "Persistence/schema/FieldKinds.h"
+#include "ZoPrimitives/ZoAssert.h"
+
+#include <typeinfo>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
+
+/// A subclass that is not registered itself answers with its base's class, and would be saved as such.
+void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& object) {
+    const std::type_info& type = typeid(object);
+    if (TZoMetaData::WritingGenericFile()) return;
+    const bool same = objectClass.GetType() != nullptr
+                          ? *objectClass.GetType() == type
+                          : PlainClassName(object.StreamableClassName()) == objectClass.GetName();
+    if (same) return;
+    const ZoString message =
+        ZoString::FormatString("[zoerror] invalid class (%s - %s). See REGISTER_ZO_BEGIN.",
+                               ClassText(type).c_str(), objectClass.GetName().c_str());
+    AssertWithFunctor(
+        "(instance_pointer->GetOriginalClass(streamer->GetMetaData())->GetName() == instanceClassName)",
+        message.c_str(), SOURCE, __LINE__);
+}
+
+TZoClass* ClassToSave(TZoMetaData* schema, const ZoStreamableBase* object) {
+    TZoClass* objectClass = object->GetOriginalClass(schema);
+    if (objectClass == nullptr) {
+        AssertWithFunctor("instance_pointer->GetOriginalClass(streamer->GetMetaData())",
+                          "[zoerror] class not registered. See class::Register", SOURCE, __LINE__);
+    }
+    if (objectClass->GetType() != &typeid(*object)) CheckRegisteredType(*objectClass, *object);
+    return objectClass;
+}
+
+} // namespace
+
+OwnerWalk::OwnerWalk(ObjectWriter& itsWriter, TBinOutStream& target, Mode itsMode)
+    : writer(itsWriter), stream(target), schema(itsWriter.streamer.GetMetaData()),
+      direct(target.PutsDirectly()), ownStreamer(typeid(itsWriter.streamer) == typeid(TBinOutStreamer)),
+      mode(itsMode) {}
+
+bool OwnerWalk::IsDue(ZoStreamableBase* object) {
+    if (object == nullptr) return false;
+    const bool hasUid = HandleAccess::Get(stream, object) != 0;
+    if (mode == Mode::NumberedAgain) return hasUid && met.insert(object).second;
+    if (hasUid) return !writer.IsSaved(stream, object);
+    // What has come into the graph since uids were given is in no record.
+    return mode == Mode::ByHand && met.insert(object).second;
+}
+
+void OwnerWalk::Run(ZoStreamableBase* object, TZoClass* objectClass) {
+    if (!IsDue(object)) return;
+    const bool asOwn = objectClass == nullptr || objectClass == object->GetOriginalClass(schema);
+    Visit(object, asOwn ? ClassToSave(schema, object) : objectClass);
+    Finish();
+}
+
+void OwnerWalk::RunOwned(ZoStreamableBase* object, const std::vector<WritePlan::Target>& targets) {
+    Push(object, Hold(object), targets);
+    Finish();
+}
+
+void OwnerWalk::RunExternals() {
+    for (std::size_t i = 0; i < externals.size(); ++i) {
+        ZoStreamableBase* object = externals[i].object;
+        const bool held = !externals[i].hold.IsLast();
+        externals[i].hold.Release();
+        if (held) Run(object, nullptr);
+    }
+}
+
+void OwnerWalk::Visit(ZoStreamableBase* object, TZoClass* objectClass) {
+    const Hold hold(object); // its own hook may take it from its owner
+    if (!writer.IsSaved(stream, object) && writer.SaveRecord(stream, direct, object, objectClass)) ++changes;
+    if (!ownStreamer) ++changes;
+    const WritePlan& plan = writer.plans.Of(*objectClass);
+    if (!plan.targets.empty()) Push(object, hold, plan.targets);
+}
+
+void OwnerWalk::Push(ZoStreamableBase* object, const Hold& hold,
+                     const std::vector<WritePlan::Target>& targets) {
+    frames.push_back({object, hold, &targets, 0, items.size(), items.size(), changes});
+}
+
+void OwnerWalk::Finish() {
+    while (!frames.empty()) {
+        if (ZoStreamableBase* next = Next(frames.back())) {
+            Visit(next, ClassToSave(schema, next));
+        } else {
+            items.resize(frames.back().begin);
+            frames.pop_back();
+        }
+    }
+}
+
+/// The next object to save of those that the frame's object owns; null for none.
+ZoStreamableBase* OwnerWalk::Next(Frame& frame) {
+    if (frame.hold.IsLast()) return nullptr;
+    for (;;) {
+        if (frame.next == items.size()) {
+            if (frame.target == frame.targets->size()) return nullptr;
+            ++frame.target;
+            Ask(frame);
+        } else if (frame.asked != changes && !StillHolds(frame)) {
+            Ask(frame);
+        } else {
+            ZoStreamableBase* item = items[frame.next++];
+            if (IsDue(item)) return item;
+        }
+    }
+}
+
+void OwnerWalk::Ask(Frame& frame) {
+    items.resize(frame.begin);
+    frame.next = frame.begin;
+    const WritePlan::Target& target = (*frame.targets)[frame.target - 1];
+    if (target.externalsOf != nullptr) {
+        if (mode != Mode::ByHand) CollectExternals(*target.externalsOf, frame.object);
+    } else {
+        ItemAction append([this](ZoStreamableBase* item) { items.push_back(item); });
+        target.field->GetFieldMetaData(frame.object, append);
+        if (!target.field->IsPlain()) ++changes;
+    }
+    frame.asked = changes;
+}
+
+/// Whether the object that comes next is where it was when its owner was asked.
+bool OwnerWalk::StillHolds(const Frame& frame) const {
+    const ZoStreamableBase* item = items[frame.next];
+    TZoClassFieldPointerBase* field = (*frame.targets)[frame.target - 1].field;
+    if (IsKindOf<TZoClassFieldPointer>(field->GetFieldType())) {
+        return static_cast<TZoClassFieldPointer*>(field)->Get(frame.object) == item;
+    }
+    auto* list = static_cast<TZoClassFieldPointerList*>(field);
+    return item != nullptr && list->ElementAt(frame.object, frame.next - frame.begin + 1) == item;
+}
+
+void OwnerWalk::CollectExternals(const TZoClass& level, ZoStreamableBase* object) {
+    ItemAction collect([this](ZoStreamableBase* item) {
+        if (item != nullptr && knownExternals.insert(item).second) externals.push_back({item, Hold(item)});
+    });
+    ForEachExternal(level, object, collect);
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,360 @@
+#include "ZoPrimitives/BinInStream.h"
+
+#include "Persistence/checksums/Crc32Kernel.h"
+#include "Persistence/records/ErrorText.h"
+#include "Persistence/records/RecordFormat.h"
+#include "Persistence/records/RecordHunt.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/WholeText.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoBlob.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <vector>
+
+namespace ZoPrimitives {
+
+using RecordFormat::HEAD_SIZE;
+
+namespace {
+
+constexpr unsigned ROUND_LIMIT = 65'535;
+
+} // namespace
+
+TBinInStream::TBinInStream(unsigned supportedVersion, bool ownsSource)
+    : supportedVersion(supportedVersion), ownsSource(ownsSource), instances(NewInstances()) {}
+
+TBinInStream::TBinInStream(const TBinInStream& other) : TBinInStream(other.supportedVersion, false) {
+    *this = other;
+}
+
+TBinInStream& TBinInStream::operator=(const TBinInStream& other) {
+    if (this == &other) return *this;
+    header = other.header;
+    supportedVersion = other.supportedVersion;
+    crc = other.crc;
+    classId = other.classId;
+    uid = other.uid;
+    key = other.key;
+    currentUid = other.currentUid;
+    skipped = other.skipped;
+    if (other.recordSize != 0) std::memcpy(Buffer(), other.record, other.recordSize);
+    UseBuffer(other.recordSize);
+    position = other.position;
+    return *this;
+}
+
+TBinInStream::~TBinInStream() { std::free(buffer); }
+
+bool TBinInStream::operator==(const TBinInStream& other) const {
+    return header == other.header && recordSize == other.recordSize &&
+           (recordSize == 0 || std::memcmp(record, other.record, recordSize) == 0);
+}
+
+unsigned char* TBinInStream::Buffer() {
+    if (buffer == nullptr) {
+        buffer = static_cast<unsigned char*>(std::malloc(DEFAULT_BUFFER_SIZE));
+        if (buffer == nullptr) throw std::bad_alloc();
+    }
+    return buffer;
+}
+
+void TBinInStream::UseBuffer(unsigned size) {
+    record = buffer;
+    recordSize = size;
+    position = 0;
+}
+
+void* TBinInStream::GetFile() const { return nullptr; }
+
+// Values
+
+const unsigned char* TBinInStream::TakeBlock(unsigned& size, const char* location) {
+    if (GetRemaining() >= sizeof size) {
+        Take(size);
+        if (size <= recordSize - position) {
+            const unsigned char* bytes = record + position;
+            position += size;
+            return bytes;
+        }
+    } else {
+        position = std::min<unsigned>(position + sizeof size, DEFAULT_BUFFER_SIZE);
+    }
+    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location);
+}
+
+void TBinInStream::Get(ZoBlob& value) {
+    unsigned size = 0;
+    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoBlob)");
+    value.Assign(bytes, size);
+}
+
+void TBinInStream::Get(ZoString& value) {
+    unsigned size = 0;
+    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(ZoString)");
+    AssignWhole(value, reinterpret_cast<const char*>(bytes), size);
+}
+
+bool TBinInStream::GetsDirectly() const { return false; }
+
+TBinInStream& TBinInStream::operator>>(ZoBlob& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(ZoString& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(char* value) {
+    unsigned size = 0;
+    const unsigned char* bytes = TakeBlock(size, "TBinInStream::operator>>(char*)");
+    if (size != 0) std::memcpy(value, bytes, size);
+    value[size] = '\0';
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(short& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(unsigned short& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(int& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(unsigned& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(float& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(double& value) {
+    Get(value);
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(long double& value) {
+    double stored = 0;
+    Get(stored);
+    value = stored;
+    return *this;
+}
+
+TBinInStream& TBinInStream::operator>>(bool& value) {
+    Get(value);
+    return *this;
+}
+
+void TBinInStream::TakePastEnd(void* value, unsigned size) {
+    if (size > DEFAULT_BUFFER_SIZE - std::min(position, DEFAULT_BUFFER_SIZE)) {
+        throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(),
+                          "TBinInStream::operator>>");
+    }
+    std::memset(value, 0, size);
+    const unsigned inside = GetRemaining();
+    if (inside != 0) std::memcpy(value, record + position, std::min(inside, size));
+    position += size;
+}
+
+void TBinInStream::SetRecordPosition(unsigned newPosition) { position = std::min(newPosition, recordSize); }
+
+// Raw reading
+
+void TBinInStream::SetWindow(const unsigned char* begin, const unsigned char* end) {
+    windowBegin = windowCursor = begin;
+    windowEnd = end;
+    UseBuffer(0); // the current record may lie in the window that was
+}
+
+bool TBinInStream::ReadWindow(void* data, unsigned size, unsigned& done) {
+    readError = 0;
+    const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
+    done = left < size ? static_cast<unsigned>(left) : size;
+    if (done != 0) std::memcpy(data, windowCursor, done);
+    windowCursor += done;
+    return done == size;
+}
+
+bool TBinInStream::ReadAll(void* data, unsigned size) {
+    readError = 0;
+    if (size == 0) return true; // a source may take "any were read" to be false here
+    unsigned done = 0;
+    const bool read = TakesFromWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
+    return read && done == size;
+}
+
+/// Goes on behind the next bytes; false when there are not so many.
+bool TBinInStream::PassOver(unsigned size) {
+    if (!TakesFromWindow()) return ReadAll(Buffer(), size);
+    readError = 0;
+    const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
+    windowCursor += std::min<std::size_t>(left, size);
+    return size <= left;
+}
+
+void TBinInStream::ThrowReadError(const char* location) const {
+    throw XReadStream(ErrorText(readError), location);
+}
+
+void TBinInStream::ReadOrThrow(void* data, unsigned size, const char* location) {
+    if (!ReadAll(data, size)) ThrowReadError(location);
+}
+
+unsigned TBinInStream::GetSecurityKey(unsigned stored) { return RecordFormat::DecodeKey(stored); }
+
+void TBinInStream::ApplySecurityKey(unsigned key, unsigned char* data, unsigned size) {
+    RecordFormat::Scramble(key, data, size);
+}
+
+// Header
+
+void TBinInStream::ReadHeader(const char* location) {
+    if (TakesFromWindow() && WindowSize() - WindowPosition() >= RecordFormat::HEADER_SIZE) {
+        record = windowCursor;
+        recordSize = RecordFormat::HEADER_SIZE;
+        position = 0;
+        windowCursor += RecordFormat::HEADER_SIZE;
+        readError = 0;
+    } else {
+        ReadOrThrow(Buffer(), RecordFormat::HEADER_SIZE, location);
+        UseBuffer(RecordFormat::HEADER_SIZE);
+    }
+    if (!LoadHeader()) {
+        if (readError != 0) ThrowReadError(location);
+        throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
+                          "TBinInStream::LoadHeader");
+    }
+    UseBuffer(0);
+}
+
+bool TBinInStream::LoadHeader() {
+    *this >> header.version >> header.reserved1 >> header.reserved2 >> header.recordCount >> header.release >>
+        header.reserved3 >> header.extraLength;
+    if (header.version >= RecordFormat::VERSION_LIMIT || header.release >= RecordFormat::RELEASE_LIMIT ||
+        header.extraLength >= RecordFormat::EXTRA_LENGTH_LIMIT) {
+        return false;
+    }
+    // Nothing looks at the extra block, so one that is cut short is the next record's concern.
+    if (header.extraLength != 0 && !ReadAll(Buffer(), header.extraLength) && readError != 0) return false;
+    if (supportedVersion < header.version) throw XNewerVersion();
+    return true;
+}
+
+// Records
+
+/// Whether the next bytes of the window are a whole record, by its head.
+bool TBinInStream::HeadInWindow(RecordFormat::RecordHead& head) const {
+    const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
+    if (left < HEAD_SIZE) return false;
+    head = RecordFormat::ReadHead(windowCursor);
+    return RecordFormat::IsMarker(head.marker) && head.size <= DEFAULT_BUFFER_SIZE &&
+           head.size <= left - HEAD_SIZE;
+}
+
+/// The usual case, without a copy: the next bytes of the window are a whole, plain, good record.
+bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
+    RecordFormat::RecordHead head;
+    if (!HeadInWindow(head) || RecordFormat::DecodeKey(head.key) != 0) return false;
+    const unsigned char* payload = windowCursor + HEAD_SIZE;
+    if (~Crc32Update(0xFFFFFFFFu, payload, head.size) != head.crc) return false;
+    windowCursor = payload + head.size;
+    record = payload;
+    recordSize = head.size;
+    position = 0;
+    crc = head.crc;
+    key = 0;
+    *recordUid = uid = currentUid = head.uid;
+    *recordClassId = classId = head.classId;
+    return true;
+}
+
+/// Passes over whole records of other classes, by their heads alone.
+void TBinInStream::PassInWindow(const ClassFilter& filter) {
+    RecordFormat::RecordHead head;
+    while (HeadInWindow(head) && !filter.Takes(head.classId)) windowCursor += HEAD_SIZE + head.size;
+}
+
+bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
+    static constexpr FailurePoints POINTS{"TBinInStream::LoadRecord #1",
+                                          "TBinInStream::LoadRecord #2",
+                                          "TBinInStream::LoadRecord #3",
+                                          "TBinInStream::LoadRecord #4",
+                                          "TBinInStream::LoadRecord #5",
+                                          "TBinInStream::LoadRecord #3",
+                                          nullptr};
+    if (TakesFromWindow() && NextInWindow(recordUid, recordClassId)) return true;
+    return Hunt(POINTS, nullptr, recordUid, recordClassId) == Found::Record;
+}
+
+/// Looks for the next good record or, with a filter, for the next one of another class, which is passed over.
+TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const ClassFilter* filter, int* recordUid,
+                                       int* recordClassId) {
+    position = 0;
+    recordSize = 0;
+    std::uint32_t window = 0;
+    if (!ReadAll(&window, sizeof window)) {
+        // A device that fails is not the end of the data.
+        if (readError != 0) ThrowReadError(points.size);
+        return Found::Nothing;
+    }
+    for (unsigned round = 1; round <= ROUND_LIMIT; ++round) {
+        if (RecordFormat::IsMarker(window)) {
+            unsigned size = 0;
+            ReadOrThrow(&size, sizeof size, points.size);
+            if (size > DEFAULT_BUFFER_SIZE) {
+                skipped += 8;
+                window = 0;
+                continue;
+            }
+            ReadOrThrow(&crc, sizeof crc, points.crc);
+            ReadOrThrow(&classId, sizeof classId, points.classId);
+            ReadOrThrow(&uid, sizeof uid, points.uid);
+            ReadOrThrow(&key, sizeof key, points.key);
+            if (filter != nullptr && !filter->Takes(classId)) {
+                if (!PassOver(size)) ThrowReadError(points.passedPayload);
+                return Found::OtherClass;
+            }
+            ReadOrThrow(Buffer(), size, points.payload);
+            if (const unsigned usedKey = GetSecurityKey(key); usedKey != 0)
+                ApplySecurityKey(usedKey, buffer, size);
+            if (~Crc32Update(0xFFFFFFFFu, buffer, size) == crc) {
+                UseBuffer(size);
+                currentUid = uid;
+                *recordUid = uid;
+                *recordClassId = classId;
+                return Found::Record;
+            }
+            skipped += size + HEAD_SIZE;
+            window = 0;
+        } else {
+            ++skipped;
+            unsigned char byte = 0;
+            if (!ReadAll(&byte, 1)) {
+                if (readError != 0) ThrowReadError(points.key);
+                return Found::Nothing;
+            }
+            // Seen as bytes, least significant first: (1, new, 3, 0) of the old window. Markers repeat two
+            // bytes, so one is still met, starting from a cleared window.
+            window = (static_cast<std::uint32_t>(byte) << 8) | ((window >> 8) & 0x00FF00FFu) | (window << 24);
+        }
+    }
+    throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), points.key);
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,249 @@
+#include "ZoPrimitives/FileBinOutStream.h"
+
+#include "Persistence/records/FileAccess.h"
+#include "Persistence/records/FileReplacement.h"
+#include "Persistence/records/RecordFormat.h"
+#include "Platform/Platform.h"
+#include "ZoPrimitives/WholeText.h"
+#include "ZoPrimitives/ZoAssert.h"
+
+#include <algorithm>
+#include <string>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* SOURCE = "cpp/Persistence/FileBinOutStream";
+constexpr const char* WRITE = "TFileBinOutStream::WriteToFile";
+constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
+
+Platform::Services& System() { return Platform::Current(); }
+
+} // namespace
+
+TFileBinOutStream* TFileBinOutStream::Create(const char* fileName, bool backup) {
+    return new TFileBinOutStream(fileName, backup);
+}
+
+TFileBinOutStream* TFileBinOutStream::Create(const char* fileName, unsigned version, unsigned release,
+                                             bool backup) {
+    return new TFileBinOutStream(fileName, version, release, backup);
+}
+
+TFileBinOutStream::TFileBinOutStream(const char* name, bool keepBackup)
+    : TFileBinOutStream(name, 0, 0, keepBackup) {}
+
+TFileBinOutStream::TFileBinOutStream(const char* name, unsigned version, unsigned release, bool keepBackup)
+    : TBinOutStream(version, release), names(std::make_unique<FileReplacement>(name)),
+      writtenPath(&names->Target()), backup(keepBackup) {}
+
+TFileBinOutStream::~TFileBinOutStream() {
+    TFileBinOutStream::FreeResourses();
+    Abandon(); // what an exception in the end of the saving left open
+}
+
+void TFileBinOutStream::Initialize() {
+    ZO_ASSERT(state == State::New, "state == State::New && \"[zoerror] a stream writes one file\"", SOURCE);
+    if (GetBufferSize() == 0) SaveHeader();
+    plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
+    headerCount = GetNInstances();
+    if (file == nullptr) {
+        throughTemporary = backup || System().NetworkFile(GetFileName().c_str());
+        writtenPath = &names->Target();
+        if (throughTemporary) MakeTemporary();
+        OpenFile(writtenPath->c_str());
+    } else if (System().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
+        isWhole = headerStart == 0;
+    } else {
+        headerStart = 0;
+    }
+    state = State::Writing;
+    FlushBuffer();
+}
+
+void TFileBinOutStream::MakeTemporary() {
+    const std::string name = System().TemporaryFileName(GetFileName().c_str());
+    if (name.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize");
+    try {
+        AssignWhole(temporary, name.data(), static_cast<unsigned>(name.size()));
+    } catch (...) {
+        System().DeleteWholeFile(name.c_str()); // empty still
+        throw;
+    }
+    writtenPath = &temporary;
+}
+
+void TFileBinOutStream::OpenFile(const char* path) {
+    file = System().OpenFile(path, Platform::Access::ReadWrite, Platform::Share::Read,
+                             Platform::Creation::CreateAlways);
+    if (file != nullptr) {
+        ownsFile = true;
+        return;
+    }
+    const unsigned long error = Platform::LastError();
+    if (throughTemporary) {
+        // Empty still.
+        System().DeleteWholeFile(path);
+        writtenPath = &names->Target();
+    }
+    ThrowUnwritten(error, "TFileBinOutStream::Initialize");
+}
+
+void TFileBinOutStream::CheckWriting() const {
+    if (state != State::Writing) ThrowUnwritten(Platform::ErrorInvalidHandle, WRITE);
+}
+
+// Writing
+
+void TFileBinOutStream::FlushRecord(int uid, int classId) {
+    CheckWriting();
+    Frame(uid, classId, true);
+    if (Records().FramesSize() >= RecordFormat::GATHER_SIZE) WriteGathered();
+}
+
+void TFileBinOutStream::FlushBuffer() {
+    CheckWriting();
+    Records().FrameRaw();
+    WriteGathered();
+}
+
+void TFileBinOutStream::WriteGathered() {
+    unsigned long long size = 0;
+    const unsigned char* data = Records().Frames(size);
+    if (size == 0) return;
+    WriteBytes(data, static_cast<unsigned>(size));
+    Records().DropFrames();
+}
+
+void TFileBinOutStream::WriteToFile(const unsigned char* data, unsigned size) {
+    CheckWriting();
+    WriteGathered();
+    WriteBytes(data, size);
+}
+
+void TFileBinOutStream::WriteBytes(const unsigned char* data, unsigned size) {
+    if (System().WriteFile(file, data, size)) return NoteEnd();
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    ThrowUnwritten(error, WRITE);
+}
+
+/// The stream, and the caller by the handle, may go back in the file before it ends.
+void TFileBinOutStream::NoteEnd() {
+    unsigned long long position = 0;
+    if (isWhole && System().SeekFile(file, 0, Platform::Origin::Current, position)) {
+        writtenEnd = std::max(writtenEnd, position);
+    }
+}
+
+void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) {
+    unsigned long long reached = 0;
+    if (System().SeekFile(file, static_cast<long long>(offset), Platform::Origin::Begin, reached)) return;
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    ThrowUnwritten(error, location);
+}
+
+unsigned long long TFileBinOutStream::GetPosition() {
+    CheckWriting();
+    WriteGathered();
+    unsigned long long position = 0;
+    if (System().SeekFile(file, 0, Platform::Origin::Current, position)) return position;
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    ThrowUnwritten(error, "TFileBinOutStream::GetPosition");
+}
+
+void TFileBinOutStream::Reset() {
+    CheckWriting();
+    WriteGathered();
+    SeekTo(headerStart, "TFileBinOutStream::Reset");
+}
+
+void TFileBinOutStream::RewriteHeader() {
+    if (state != State::Writing) return;
+    const std::vector<unsigned char> header = HeaderBytes();
+    const unsigned long long after = GetPosition();
+    SeekTo(headerStart, "TFileBinOutStream::RewriteHeader");
+    WriteBytes(header.data(), static_cast<unsigned>(header.size()));
+    headerCount = GetNInstances();
+    SeekTo(after, "TFileBinOutStream::RewriteHeader");
+}
+
+void* TFileBinOutStream::GetFile() const {
+    // The file is to hold what the stream was given; the stream's value stays the same.
+    if (state == State::Writing) const_cast<TFileBinOutStream*>(this)->WriteGathered();
+    return file;
+}
+
+void TFileBinOutStream::SetFile(void* openFile) {
+    ZO_ASSERT(state == State::New,
+              "state == State::New && \"[zoerror] the file is chosen before writing begins\"", SOURCE);
+    file = openFile;
+}
+
+// Ending
+
+void TFileBinOutStream::Abandon() {
+    state = State::Ended;
+    Records().DropFrames();
+    if (ownsFile && file != nullptr) System().CloseFile(std::exchange(file, nullptr));
+}
+
+void TFileBinOutStream::FreeResourses() {
+    if (state != State::Writing) return;
+    unsigned long long size = 0;
+    const unsigned char* data = Records().Frames(size);
+    if (size != 0) System().WriteFile(file, data, static_cast<std::size_t>(size));
+    Abandon();
+}
+
+void TFileBinOutStream::Finalize() {
+    if (state != State::Writing) return;
+    if (plainHeader && headerCount != GetNInstances()) RewriteHeader();
+    WriteGathered();
+    if (isWhole) EndFile();
+    state = State::Ended;
+    if (!ownsFile) return;
+    CloseWritten();
+    if (backup) names->MakeBackup();
+    if (throughTemporary) ReplaceTarget();
+    names->Conclude();
+    writtenPath = &names->Target();
+}
+
+/// Takes off what an earlier, longer version left behind: it would be read as records of this one.
+void TFileBinOutStream::EndFile() {
+    NoteEnd();
+    unsigned long long size = 0;
+    const bool known = System().FileSize(file, size);
+    if (!known && Platform::LastError() == Platform::ErrorInvalidFunction) return; // a device
+    if (known && (size <= writtenEnd || System().TruncateFile(file, writtenEnd))) return;
+    const unsigned long error = Platform::LastError();
+    Abandon();
+    ThrowUnwritten(error, FINALIZE);
+}
+
+void TFileBinOutStream::CloseWritten() {
+    const bool synchronised = !throughTemporary || System().SynchroniseFile(file);
+    const unsigned long error = Platform::LastError();
+    const bool closed = System().CloseFile(std::exchange(file, nullptr));
+    if (!synchronised) ThrowUnwritten(error, FINALIZE);
+    if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE);
+}
+
+void TFileBinOutStream::ReplaceTarget() {
+    names->Announce(temporary);
+    writtenPath = &names->Fresh();
+    names->Perform();
+}
+
+const ZoString& TFileBinOutStream::GetFileName() const { return names->Target(); }
+
+bool TFileBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TFileBinOutStream); }
+
+} // namespace ZoPrimitives

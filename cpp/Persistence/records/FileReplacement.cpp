@@ -1,0 +1,133 @@
+#include "Persistence/records/FileReplacement.h"
+
+#include "Persistence/records/FileAccess.h"
+#include "ZoPrimitives/FileBinInStream.h"
+#include "ZoPrimitives/XStream.h"
+
+#include <array>
+#include <cstddef>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
+
+Platform::Services& System() { return Platform::Current(); }
+
+void Copy(const ZoString& from, const ZoString& to) {
+    if (!System().CopyWholeFile(from.c_str(), to.c_str())) ThrowUnwritten(Platform::LastError(), FINALIZE);
+}
+
+/// Gives a file's bytes block by block, among all others that have it open.
+class Blocks {
+public:
+    static constexpr std::size_t SIZE = 16 * 1024;
+
+    explicit Blocks(const ZoString& name)
+        : file(System().OpenFile(name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite,
+                                 Platform::Creation::OpenExisting)) {
+        if (file == nullptr && FileIsThere(name, FINALIZE)) ThrowUnwritten(Platform::LastError(), FINALIZE);
+    }
+    Blocks(const Blocks&) = delete;
+    Blocks& operator=(const Blocks&) = delete;
+    ~Blocks() {
+        if (file != nullptr) System().CloseFile(file);
+    }
+
+    /// None are left at the end, nor of a file that does not exist.
+    void Next() {
+        count = 0;
+        if (file != nullptr && !System().ReadFile(file, bytes.data(), SIZE, count))
+            ThrowUnwritten(Platform::LastError(), FINALIZE);
+    }
+    std::size_t Count() const { return count; }
+    bool Has(std::size_t place, char byte) const { return place < count && bytes[place] == byte; }
+    char operator[](std::size_t place) const { return bytes[place]; }
+
+private:
+    Platform::FileHandle file;
+    std::array<char, SIZE> bytes;
+    std::size_t count = 0;
+};
+
+/// What a file is, byte by byte, between two others.
+struct Comparison {
+    bool first = true;   // the first one
+    bool second = true;  // the second one
+    bool mixture = true; // every byte stands at its place in one of them, or is 0
+};
+
+Comparison Compare(const ZoString& name, const ZoString& firstName, const ZoString& secondName) {
+    Blocks file(name), first(firstName), second(secondName);
+    Comparison result;
+    do {
+        for (Blocks* blocks : {&file, &first, &second}) blocks->Next();
+        result.first = result.first && first.Count() == file.Count();
+        result.second = result.second && second.Count() == file.Count();
+        for (std::size_t i = 0; i < file.Count(); ++i) {
+            const char byte = file[i];
+            const bool inFirst = first.Has(i, byte), inSecond = second.Has(i, byte);
+            result.first = result.first && inFirst;
+            result.second = result.second && inSecond;
+            result.mixture = result.mixture && (inFirst || inSecond || byte == '\0');
+        }
+    } while (file.Count() != 0);
+    return result;
+}
+
+/// Whether it is a file of records that do not all verify.
+bool RecordsAreDamaged(const ZoString& name) {
+    const Platform::FileHandle file = System().OpenFile(
+        name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite, Platform::Creation::OpenExisting);
+    if (file == nullptr) ThrowUnwritten(Platform::LastError(), FINALIZE);
+    TFileBinInStream in(file, true);
+    try {
+        in.Initialize();
+    } catch (const XStream&) {
+        return false; // another program's
+    }
+    try {
+        int uid = 0, classId = 0;
+        while (in.LoadRecord(&uid, &classId)) continue;
+    } catch (const XReadStream&) {
+        return true;
+    }
+    return in.GetSkipped() != 0;
+}
+
+} // namespace
+
+FileReplacement::FileReplacement(const char* name)
+    : target(FileName(name)), backup(FileName(name, BACKUP_SUFFIX)), fresh(FileName(name, FRESH_SUFFIX)) {}
+
+void FileReplacement::MakeBackup() const {
+    if (!FileIsThere(target, FINALIZE)) return;
+    if (TargetIsTorn()) Copy(fresh, target);
+    // One that cannot be deleted may still be overwritten.
+    if (FileIsThere(backup, FINALIZE)) System().DeleteWholeFile(backup.c_str());
+    Copy(target, backup);
+}
+
+// A replacement that was stopped leaves bytes of the new version and, behind them or between, bytes of the
+// version before, which the backup holds if there is one. A target that others have written since is whole,
+// and worth keeping.
+bool FileReplacement::TargetIsTorn() const {
+    if (!FileIsThere(fresh, FINALIZE)) return false;
+    const Comparison found = Compare(target, fresh, backup);
+    if (found.first || found.second) return false;
+    return found.mixture || RecordsAreDamaged(target);
+}
+
+void FileReplacement::Announce(const ZoString& written) const {
+    if (!System().MoveWholeFile(written.c_str(), fresh.c_str()))
+        ThrowUnwritten(Platform::LastError(), FINALIZE);
+}
+
+void FileReplacement::Perform() const { Copy(fresh, target); }
+
+void FileReplacement::Conclude() const {
+    if (System().FileExists(fresh.c_str(), nullptr)) System().DeleteWholeFile(fresh.c_str());
+}
+
+} // namespace ZoPrimitives

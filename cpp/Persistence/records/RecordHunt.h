@@ -1,0 +1,27 @@
+#pragma once
+
+#include "ZoPrimitives/BinInStream.h"
+
+namespace ZoPrimitives {
+
+/// The locations of the exceptions that a record which is not whole throws, by the part that is missing.
+struct TBinInStream::FailurePoints {
+    const char* size;
+    const char* crc;
+    const char* classId;
+    const char* uid;
+    const char* key;
+    const char* payload;
+    const char* passedPayload; // of a record that the filter does not take
+};
+
+/// Tells which records are asked for.
+class TBinInStream::ClassFilter {
+public:
+    virtual bool Takes(int id) const = 0;
+
+protected:
+    ~ClassFilter() = default;
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Persistence/schema/PointerResolver.h"
+#include "ZoPrimitives/ZoMetaData.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <typeinfo>
+#include <vector>
+
+namespace ZoPrimitives {
+
+/// How the records of one class of a file are read: the fields of the class and of its ancestors in the order
+/// of the record, each with the application's field that takes it.
+///
+/// Every field takes at least one byte of a record, and no plan is made for a record that is too short for
+/// all of them: plans stay within a multiple of the file, however often it repeats a class among ancestors.
+struct ReadPlan {
+    struct Step {
+        TZoClassField* field; // the application's, or the file's where the value is passed over
+        std::int32_t offset;  // of the member, in objects of `exactType`
+        std::int16_t kind;    // `TZoClassFieldType`
+        bool known;           // to the application
+        bool awaited;         // a member that is an object and may be read where it stands
+    };
+    struct Pointer {
+        TZoClassFieldPointerBase* application;
+        TZoPointerResolver::TypesTaken taken;
+        bool single; // one object that is no member of its owner
+        bool last;   // false: the application's field is met again, and what comes last counts
+    };
+
+    /// The plan of the class of the stream's current record. Throws `XReadStream` when the record is too
+    /// short for the class's fields.
+    static ReadPlan& For(TZoClass& fileClass, TBinInStream& stream);
+    /// Whether the accessors of a level's application class may be used on objects of `objectClass`'s: a file
+    /// may give a class parents that it does not have in the application.
+    static bool Applies(const TZoClass& level, const TZoClass& objectClass);
+
+    /// Measures where the members lie in objects of this type.
+    void Measure(ZoStreamableBase* object);
+
+    unsigned excluded = 0;      // fields that the application does not know
+    bool hasSteps = false;      // there are few enough fields: the levels are walked otherwise
+    bool hasMembers = false;    // that are objects
+    bool awaitsMembers = false; // all of them may be read where they stand
+    const std::type_info* exactType = nullptr;
+    std::vector<Step> steps;
+    std::vector<Pointer> pointers; // those that the application knows
+
+private:
+    void AddLevel(TZoClass& level, const TZoClass& objectClass);
+    void AwaitMembers();
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Persistence/schema/FieldKinds.h"
+#include "ZoPrimitives/ZoMetaData.h"
+
+#include <vector>
+
+namespace ZoPrimitives {
+
+/// The order of a record: the parts of the parents, each as a whole and in their order, then the class's own
+/// fields, place by place (`FieldPlace`) and as declared. Uids, and the records of what an object owns,
+/// follow the same order.
+class RecordOrder {
+public:
+    /// Calls the action with each level of a class; an ancestor reached twice comes twice.
+    template <class Action>
+    static void ForEachLevel(const TZoClass& objectClass, const Action& action) {
+        for (const auto& parent : objectClass.parents) ForEachLevel(*parent, action);
+        action(objectClass);
+    }
+    /// The fields of one level.
+    static const std::vector<TZoClassField*>& FieldsOf(const TZoClass& level) { return level.inOrder; }
+    /// Calls the action with the pointer fields of one level; of a map with its sub-fields, so that each
+    /// holds one object or a list.
+    template <class Action>
+    static void ForEachPointer(const TZoClass& level, const Action& action) {
+        for (TZoClassField* field : level.inOrder) {
+            if (field->GetFieldType() == ftChildPointerMap) {
+                const auto& map = static_cast<const TZoClassFieldPointerMap&>(*field);
+                for (TZoClassField* half : {map.GetKeyField(), map.GetValueField()}) {
+                    if (half != nullptr) action(static_cast<TZoClassFieldPointerBase&>(*half));
+                }
+            } else if (field->IsPointerKind()) {
+                action(static_cast<TZoClassFieldPointerBase&>(*field));
+            }
+        }
+    }
+    /// Whether the field's objects are written behind the main graph.
+    static bool IsExternal(const TZoClassField& field) {
+        return FieldKindOf(field.GetFieldType()).holds == FieldHold::External;
+    }
+};
+
+} // namespace ZoPrimitives

@@ -1,0 +1,423 @@
+#include "ZoPrimitives/ZoMetaData.h"
+
+#include "Persistence/instances/ItemAction.h"
+#include "Persistence/records/RecordFormat.h"
+#include "Persistence/schema/ReadPlan.h"
+#include "Persistence/schema/SchemaReader.h"
+#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/BinOutStream.h"
+
+#include <algorithm>
+#include <atomic>
+#include <climits>
+#include <cstring>
+#include <mutex>
+#include <string_view>
+#include <unordered_set>
+
+namespace ZoPrimitives {
+
+namespace {
+
+std::atomic<bool> writingGenericFile{false};
+
+/// Calls the action with the field and, of a map, with its sub-fields: all that have a class of their own.
+template <class Action>
+void ForEachTarget(TZoClassField& field, Action action) {
+    action(field);
+    const auto* map = dynamic_cast<TZoClassFieldPointerMap*>(&field);
+    if (map == nullptr) return;
+    for (TZoClassField* half : {map->GetKeyField(), map->GetValueField()}) {
+        if (half != nullptr) action(*half);
+    }
+}
+
+std::string_view View(const ZoString& text) { return {text.c_str(), text.length()}; }
+
+/// The classes that stand in schemas: by the number of their C++ class, those registered last behind, and
+/// by the number of their registration.
+class StandingClasses {
+public:
+    /// A number that no other class gets, while there are any; 0 then.
+    unsigned Enter(TZoClass* registered) {
+        const std::lock_guard<std::mutex> lock(guard);
+        if (byNumber.size() > ZoMadeFor::MOST) return 0;
+        byNumber.push_back(registered);
+        return static_cast<unsigned>(byNumber.size() - 1);
+    }
+    void Leave(unsigned number) {
+        const std::lock_guard<std::mutex> lock(guard);
+        byNumber[number] = nullptr;
+    }
+    TZoClass* Registered(unsigned number) {
+        const std::lock_guard<std::mutex> lock(guard);
+        return byNumber[number];
+    }
+    void Add(unsigned slot, TZoClass* latest) {
+        const std::lock_guard<std::mutex> lock(guard);
+        if (slot >= classes.size()) classes.resize(slot + 1);
+        classes[slot].push_back(latest);
+    }
+    void Forget(unsigned slot, const TZoClass* ended) {
+        const std::lock_guard<std::mutex> lock(guard);
+        if (slot >= classes.size()) return;
+        auto& same = classes[slot];
+        same.erase(std::remove(same.begin(), same.end(), ended), same.end());
+    }
+    TZoClass* Get(unsigned slot) {
+        const std::lock_guard<std::mutex> lock(guard);
+        return slot < classes.size() && !classes[slot].empty() ? classes[slot].back() : nullptr;
+    }
+
+private:
+    std::mutex guard;
+    std::vector<std::vector<TZoClass*>> classes;
+    std::vector<TZoClass*> byNumber{nullptr};
+};
+
+StandingClasses& Standing() {
+    static StandingClasses* standing = new StandingClasses; // outlives every class
+    return *standing;
+}
+
+[[noreturn]] void FailTaken(const TZoClass& added, const TZoClass& present) {
+    const ZoString message = ZoString::FormatString(
+        "[zoerror] class %s has the id %d, as %s has in this schema. See TZoMetaData::AddClass",
+        added.GetName().c_str(), added.GetClassId(), present.GetName().c_str());
+    AssertWithFunctor("FindClass(newClass->GetClassId()) == nullptr", message.c_str(),
+                      "cpp/Persistence/ZoMetaData", __LINE__);
+}
+
+} // namespace
+
+unsigned ZoNewClassSlot() {
+    static std::atomic<unsigned> last{0};
+    return ++last;
+}
+
+/// Classes by name and by id. Of equal ones the first is found. Sorted lists: against a hash a file's names
+/// and ids could be chosen.
+class TZoMetaData::TClassNameAndIdMap {
+public:
+    void Add(TZoClass* added) {
+        // It stands in both or in neither.
+        if (byId.size() == byId.capacity()) byId.reserve(2 * byId.size() + 8);
+        byName.insert(std::upper_bound(byName.begin(), byName.end(), added, NameIsLess), added);
+        byId.insert(std::upper_bound(byId.begin(), byId.end(), added, IdIsLess), added);
+    }
+    /// Takes the place of what was there.
+    void SetAll(const TIVector<TZoClass, pointer<TZoClass>>& classes) {
+        Clear();
+        byName.reserve(classes.NItems());
+        for (const auto& one : classes) byName.push_back(one.get());
+        byId = byName;
+        std::stable_sort(byName.begin(), byName.end(), NameIsLess);
+        std::stable_sort(byId.begin(), byId.end(), IdIsLess);
+    }
+    void Clear() {
+        byName.clear();
+        byId.clear();
+    }
+    TZoClass* Find(std::string_view name) const {
+        const auto found = std::lower_bound(
+            byName.begin(), byName.end(), name,
+            [](const TZoClass* one, std::string_view wanted) { return View(one->GetName()) < wanted; });
+        return found == byName.end() || View((*found)->GetName()) != name ? nullptr : *found;
+    }
+    TZoClass* Find(int id) const {
+        const auto found =
+            std::lower_bound(byId.begin(), byId.end(), id,
+                             [](const TZoClass* one, int wanted) { return one->GetClassId() < wanted; });
+        return found == byId.end() || (*found)->GetClassId() != id ? nullptr : *found;
+    }
+
+private:
+    static bool NameIsLess(const TZoClass* a, const TZoClass* b) {
+        return View(a->GetName()) < View(b->GetName());
+    }
+    static bool IdIsLess(const TZoClass* a, const TZoClass* b) { return a->GetClassId() < b->GetClassId(); }
+
+    std::vector<TZoClass*> byName;
+    std::vector<TZoClass*> byId;
+};
+
+void TZoMetaData::IndexClasses() { index->SetAll(classes); }
+
+TZoClass::~TZoClass() {
+    if (slot != 0) Standing().Forget(slot, this);
+    if (registration != 0) Standing().Leave(registration);
+}
+
+void TZoClass::SetType(const std::type_info& newType, unsigned newSlot) {
+    type = &newType;
+    slot = newSlot;
+}
+
+TZoMetaData::TZoMetaData() : index(new TClassNameAndIdMap) {}
+
+TZoMetaData::~TZoMetaData() { Clear(); }
+
+/// An id that no class of the schema has: the next one, or, behind the greatest there is, the first left.
+int TZoMetaData::NewId() const {
+    if (nextId <= INT_MAX) return static_cast<int>(nextId);
+    int id = 1;
+    while (FindClass(id) != nullptr) ++id;
+    return id;
+}
+
+void TZoMetaData::NoteId(int id) { nextId = std::max(nextId, id + 1LL); }
+
+TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
+    const pointer<TZoClass> holder(newClass);
+    if (TZoClass* present = FindClass(newClass->GetName())) {
+        if (present != newClass) ForgetUnresolved(newClass);
+        return present;
+    }
+    if (newClass->classId == 0) newClass->classId = NewId();
+    if (const TZoClass* other = FindClass(newClass->classId)) {
+        ForgetUnresolved(newClass);
+        FailTaken(*newClass, *other);
+    }
+    NoteId(newClass->classId);
+    classes.Add(newClass);
+    index->Add(newClass);
+    if (newClass->slot != 0 && newClass->schema == this) {
+        if (newClass->slot >= slots.size()) slots.resize(newClass->slot + 1ULL);
+        slots[newClass->slot] = newClass;
+        Standing().Add(newClass->slot, newClass);
+    }
+    if (newClass->registration == 0 && !newClass->BelongsElsewhere(this))
+        newClass->registration = Standing().Enter(newClass);
+    return newClass;
+}
+
+TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Find(View(name)); }
+
+TZoClass* TZoMetaData::FindClass(int id) const { return index->Find(id); }
+
+TZoClass* TZoMetaData::FindUnbound(const char* name, const std::type_info& type) const {
+    TZoClass* found = index->Find(std::string_view(name));
+    // Another type's accessors must not meet this one's objects.
+    return found == nullptr || found->type == nullptr || *found->type == type ? found : nullptr;
+}
+
+TZoClass* TZoMetaData::FindLatestClass(unsigned slot) { return Standing().Get(slot); }
+
+TZoClass* TZoMetaData::FindClassOf(const ZoStreamableBase& object, unsigned slot) {
+    const unsigned number = ZoMadeFor::Get(object);
+    TZoClass* registered = number == 0 ? nullptr : Standing().Registered(number);
+    return registered != nullptr ? registered : FindLatestClass(slot);
+}
+
+TZoClass* TZoMetaData::GetClass(int position) const {
+    return classes[static_cast<unsigned long long>(position)].get();
+}
+
+int TZoMetaData::GetClassCount() const { return static_cast<int>(classes.NItems()); }
+
+TZoClass* TZoMetaData::FindInherited(const ZoString& ancestorName) const {
+    for (const auto& candidate : classes) {
+        if (candidate->GetName() != ancestorName && candidate->IsInherited(ancestorName))
+            return candidate.get();
+    }
+    return nullptr;
+}
+
+bool TZoMetaData::IsClassInherited(const ZoString& name, const ZoString& ancestorName) const {
+    const TZoClass* found = FindClass(name);
+    return found != nullptr && found->IsInherited(ancestorName);
+}
+
+void TZoMetaData::Unbind(TZoClass* leaving) {
+    if (leaving->slot < slots.size() && slots[leaving->slot] == leaving) {
+        slots[leaving->slot] = nullptr;
+        Standing().Forget(leaving->slot, leaving);
+    }
+    ForgetUnresolved(leaving);
+    if (leaving->BelongsElsewhere(this)) return;
+    leaving->schema = nullptr;
+    if (leaving->registration != 0) Standing().Leave(leaving->registration);
+    leaving->registration = 0;
+}
+
+void TZoMetaData::ForgetUnresolved(const TZoClass* leaving) {
+    for (unsigned long long i = unresolved.NItems(); i >= 1; --i) {
+        if (unresolved[i]->owner == leaving) unresolved.RemoveAt(i);
+    }
+}
+
+void TZoMetaData::ExcludeClass(const ZoString& name) {
+    const pointer<TZoClass> leaving(FindClass(name));
+    if (!leaving) return;
+    classes.Remove(leaving.get());
+    Unbind(leaving.get());
+    index->Clear();
+    for (const auto& left : classes) index->Add(left.get());
+    for (const auto& left : classes) {
+        if (left->BelongsElsewhere(this)) continue; // its own schema may still have what leaves here
+        while (left->parents.Remove(leaving.get())) left->parentMissing = true;
+        left->ForEachPointerField([&](TZoClassField& field) {
+            ForEachTarget(field, [&](TZoClassField& target) {
+                if (target.fieldClass == leaving.get()) target.SetFieldClass(nullptr);
+            });
+            AddToResolveCrossRefs(&field);
+        });
+    }
+}
+
+void TZoMetaData::Clear() {
+    unresolved.RemoveAll();
+    index->Clear();
+    for (const auto& leaving : classes) Unbind(leaving.get());
+    classes.RemoveAll();
+    cadastres.RemoveAll();
+    registers.RemoveAll();
+}
+
+void TZoMetaData::Register(ZoStreamableRegister* newRegister) {
+    ZO_ASSERT(newRegister, "newRegister", "cpp/Persistence/ZoMetaData");
+    const pointer<ZoStreamableRegister> holder(newRegister);
+    for (const auto& kept : registers) {
+        if (kept->GetName() == newRegister->GetName()) return;
+    }
+    registers.Add(newRegister);
+}
+
+void TZoMetaData::ClassesRegister() {
+    if (registersClasses) return; // called by a class that registers: the passes go on anyway
+    struct Mark {
+        explicit Mark(bool& schemaRegisters) : registers(schemaRegisters) { registers = true; }
+        ~Mark() { registers = false; }
+        bool& registers;
+    };
+    const Mark mark(registersClasses);
+    TIVector<ZoStreamableRegister, pointer<ZoStreamableRegister>> called;
+    unsigned long long before = 0;
+    do {
+        before = called.NItems();
+        for (unsigned long long i = 1; i <= registers.NItems(); ++i) { // the list may change meanwhile
+            const pointer<ZoStreamableRegister> next = registers[i];
+            if (DoesClassExist(next->GetName()) || !next->ReadyToRegister(this)) continue;
+            if (called.Contains(next.get())) continue; // it registers another class than it says
+            called.Add(next.get());
+            next->Register(this);
+        }
+    } while (called.NItems() != before);
+}
+
+void TZoMetaData::AddCadastre(TZoCadastre* cadastre) { cadastres.Add(cadastre); }
+
+TZoCadastre* TZoMetaData::FindCadastre(const ZoString& className) const {
+    for (const auto& cadastre : cadastres) {
+        if (cadastre->GetName() == className) return cadastre.get();
+    }
+    return nullptr;
+}
+
+void TZoMetaData::AddToResolveCrossRefs(TZoClassField* field) {
+    if (field == nullptr || !field->IsPointerKind()) return;
+    if (field->owner != nullptr && field->owner->BelongsElsewhere(this)) return;
+    bool known = true;
+    ForEachTarget(*field, [&](TZoClassField& target) { known = known && target.fieldClass != nullptr; });
+    if (!known) unresolved.AddUnique(field);
+}
+
+void TZoMetaData::ResolveCrossRefs() {
+    TDVector<TZoClassField*> left;
+    for (TZoClassField* field : unresolved) {
+        bool known = true;
+        ForEachTarget(*field, [&](TZoClassField& target) {
+            if (target.fieldClass == nullptr) target.SetFieldClass(FindClass(target.WantedClass(*field)));
+            known = known && target.fieldClass != nullptr;
+        });
+        if (!known) left.Add(field);
+    }
+    unresolved = left;
+}
+
+bool TZoMetaData::IsGenericBase(const ZoString& className) {
+    return className == "ZoStreamableBase" || className == "ZoObjectStreamable" || className == "Streamable";
+}
+
+bool TZoMetaData::Check(ZoString* report) const {
+    bool sound = true;
+    const auto line = [&](const ZoString& text) {
+        sound = false;
+        if (report == nullptr) return;
+        if (report->length() != 0) *report += "\n";
+        *report += text;
+    };
+    const auto isHere = [this](const TZoClass* named) { return FindClass(named->GetClassId()) == named; };
+    for (const auto& checked : classes) {
+        bool parentsThere = !checked->parentMissing;
+        for (const auto& parent : checked->parents) parentsThere = parentsThere && isHere(parent.get());
+        if (!parentsThere) {
+            line(ZoString::FormatString("[zoerror] parent class of %s not registered",
+                                        checked->GetName().c_str()));
+        }
+        checked->ForEachPointerField([&](TZoClassField& field) {
+            ForEachTarget(field, [&](const TZoClassField& target) {
+                const TZoClass* known = target.GetFieldClass();
+                const ZoString& className = known != nullptr ? known->GetName() : target.WantedClass(field);
+                if ((known != nullptr && isHere(known)) || IsGenericBase(className)) return;
+                // What a map says already, its sub-fields need not repeat.
+                if (&target != &field && className == field.GetFieldClassName()) return;
+                line(className.length() == 0
+                         ? ZoString::FormatString("[zoerror] class of reference field %s not registered",
+                                                  field.GetFieldName().c_str())
+                         : ZoString::FormatString("[zoerror] class %s of reference field %s not registered",
+                                                  className.c_str(), field.GetFieldName().c_str()));
+            });
+        });
+    }
+    for (const auto& kept : registers) {
+        if (DoesClassExist(kept->GetName())) continue;
+        line(ZoString::FormatString(
+            "[zoerror] class %s not registered. See ZoStreamableRegister::ReadyToRegister",
+            kept->GetName().c_str()));
+    }
+    return sound;
+}
+
+bool TZoMetaData::WritingGenericFile() { return writingGenericFile.load(std::memory_order_relaxed); }
+
+void TZoMetaData::WritingGenericFile(bool writing) {
+    writingGenericFile.store(writing, std::memory_order_relaxed);
+}
+
+// The schema record
+
+void TZoMetaData::SaveToStream(TBinOutStream* stream) {
+    std::vector<TZoClass*> all;
+    for (const auto& written : classes) all.push_back(written.get());
+    SaveClasses(stream, all);
+}
+
+void TZoMetaData::SaveClasses(TBinOutStream* stream, const std::vector<TZoClass*>& written) {
+    ZO_ASSERT(written.size() <= RecordFormat::MAX_INT_SIZE, "classes->NItems() <= MAX_INT_SIZE",
+              "cpp/Persistence/ZoMetaData");
+    TZoClass::Listed listed(written.begin(), written.end());
+    std::sort(listed.begin(), listed.end());
+    *stream << static_cast<int>(written.size());
+    for (TZoClass* one : written) one->SaveMetaToStream(stream, &listed);
+    stream->FlushRecord(0, 0);
+}
+
+bool TZoMetaData::LoadFromStream(TBinInStream* stream, TZoMetaData* application) {
+    Clear();
+    return SchemaReader(*this, application).Read(*stream);
+}
+
+void TZoMetaData::FillObjectsCascade(TDVector<ZoStreamableBase*>* objects) {
+    std::unordered_set<const ZoStreamableBase*> known(objects->begin(), objects->end());
+    ItemAction owned([&](ZoStreamableBase* item) {
+        if (item != nullptr && known.insert(item).second) objects->Add(item);
+    });
+    for (unsigned long long i = 1; i <= objects->NItems(); ++i) {
+        ZoStreamableBase* object = (*objects)[i];
+        if (TZoClass* objectClass = object->GetOriginalClass(this))
+            objectClass->ChildsReferences(object, owned);
+    }
+}
+
+} // namespace ZoPrimitives

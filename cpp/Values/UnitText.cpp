@@ -1,0 +1,241 @@
+#include "Values/UnitText.h"
+
+#include "Values/UnitName.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/Math2.h"
+#include "ZoPrimitives/TTranslatedString.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr int MOST_WORDS = 6; // of a unit's name: "lb / cu . ft"
+
+using Expected = TLeituraDeGrandeza::TEsperado;
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsSign(char c) { return c == '+' || c == '-'; }
+bool IsSmall(char c) {
+    return (c >= 'a' && c <= 'z') || (static_cast<unsigned char>(c) >= 0xDF && c != '\xF7');
+}
+bool IsSeparator(char c) {
+    return std::string_view("!\"#$%&'()*,./:;<=>?@[\\]^_`{|}~").find(c) != std::string_view::npos;
+}
+
+/// Reads a number and a unit from the left; where something is missing, keeps the place and what it is.
+class QuantityParser {
+public:
+    QuantityParser(const ZoString& source, char decimalSeparator, UnitTable units, ShownName shown)
+        : text(source.c_str()), separator(decimalSeparator), table(units) {
+        for (const UnitRow& row : table) {
+            shownNames.push_back(*row.name != '\0' ? shown(row.name) : ZoString());
+        }
+    }
+
+    bool Number(double& value) {
+        SkipBlanks();
+        start = at;
+        std::string digits; // with a point, as from_chars reads them
+        if (At(IsSign)) {
+            if (text[at] == '-') digits += '-';
+            ++at;
+        }
+        if (!At(IsDigit) && Here() != separator) {
+            if (OtherMark() && IsDigit(Here(1))) return Miss(Expected::Separador);
+            return Miss(at == start ? Expected::Numero : Expected::Algarismo);
+        }
+        TakeDigits(digits);
+        const bool pointed = Here() == separator;
+        if (pointed) {
+            ++at;
+            if (!IsDigit(digits.empty() ? '\0' : digits.back()) && !At(IsDigit))
+                return Miss(Expected::Algarismo);
+            digits += '.';
+            TakeDigits(digits);
+        }
+        if (GroupFollows(pointed)) return Miss(Expected::MilharesJuntos);
+        if (!pointed && OtherMark()) return Miss(Expected::Separador);
+        if ((Here() | 0x20) == 'e' && IsDigit(Here(IsSign(Here(1)) ? 2 : 1))) {
+            digits += 'e';
+            ++at;
+            if (At(IsSign)) {
+                if (text[at] == '-') digits += '-';
+                ++at;
+            }
+            TakeDigits(digits);
+        }
+        const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+        return read.ec == std::errc() || OutOfRange();
+    }
+
+    /// To the end of the text. Without a unit, `unitWhenNone` counts if there is such a unit.
+    const UnitRow* Unit(int unitWhenNone) {
+        SkipBlanks();
+        std::size_t end = text.size();
+        while (end > at && IsBlank(text[end - 1])) --end;
+        const UnitRow* row = at == end ? FindUnit(table, unitWhenNone) : FindNamed(text.substr(at, end - at));
+        if (row != nullptr) return row;
+        // A name and then something else: that is what is too much.
+        std::size_t named = at;
+        std::size_t word = at;
+        for (int words = 0; words < MOST_WORDS && word < end; ++words) {
+            while (IsBlank(text[word])) ++word;
+            while (word < end && !IsBlank(text[word])) ++word;
+            if (FindNamed(text.substr(at, word - at)) != nullptr) named = word;
+        }
+        if (named > at) {
+            at = named;
+            SkipBlanks();
+            Miss(Expected::Fim);
+            return nullptr;
+        }
+        Miss(Expected::Unidade);
+        return nullptr;
+    }
+
+    bool OutOfRange() {
+        at = start;
+        return Miss(Expected::Representavel);
+    }
+
+    TLeituraDeGrandeza Refused() const {
+        TLeituraDeGrandeza reading;
+        reading.esperado = missing;
+        reading.posicao = static_cast<unsigned>(at);
+        reading.descricao = Description();
+        return reading;
+    }
+
+private:
+    char Here(std::size_t ahead = 0) const { return at + ahead < text.size() ? text[at + ahead] : '\0'; }
+    bool At(bool (*is)(char)) const { return is(Here()); }
+    bool OtherMark() const { return Here() == '.' || Here() == ','; }
+    void SkipBlanks() {
+        while (at < text.size() && IsBlank(text[at])) ++at;
+    }
+    void TakeDigits(std::string& digits) {
+        while (At(IsDigit)) digits += text[at++];
+    }
+    bool Miss(Expected what) {
+        missing = what;
+        return false;
+    }
+
+    /// Whether thousands are grouped here. A mark and three digits alone may be decimals behind the wrong
+    /// mark.
+    bool GroupFollows(bool pointed) const {
+        std::size_t digits = 0;
+        while (digits < 4 && IsDigit(Here(1 + digits))) ++digits;
+        if (IsBlank(Here()) || Here() == '\'') return digits == 3;
+        if (!OtherMark() && Here() != separator) return false;
+        const char next = Here(1 + digits);
+        return pointed ? digits > 0 : digits == 3 && (next == '.' || next == ',' || next == separator);
+    }
+
+    /// Null when no unit has the name, or several do.
+    const UnitRow* FindNamed(std::string_view name) const {
+        const bool capitals = std::none_of(name.begin(), name.end(), IsSmall);
+        for (const Likeness likeness : {Shown, Own, AnyCase, Capitals}) {
+            if (likeness == Capitals && !capitals) break;
+            const UnitRow* found = nullptr;
+            for (std::size_t i = 0; i < table.size(); ++i) {
+                if (!IsNamed(i, name, likeness)) continue;
+                if (found != nullptr) return nullptr;
+                found = &table[i];
+            }
+            if (found != nullptr) return found;
+        }
+        return nullptr;
+    }
+    /// The language in use comes before the library's own names, and those before either in another case.
+    enum Likeness { Shown, Own, AnyCase, Capitals };
+    bool IsNamed(std::size_t i, std::string_view typed, Likeness likeness) const {
+        const UnitLetters letters = likeness == Capitals  ? UnitLetters::AnyCase
+                                    : likeness == AnyCase ? UnitLetters::AnyCaseButM
+                                                          : UnitLetters::AsTheyAre;
+        const auto isTyped = [&](std::string_view name) { return IsUnitName(typed, name, letters); };
+        const ZoString& shown = shownNames[i];
+        return (likeness != Own && shown.length() != 0 && isTyped(shown.c_str())) ||
+               (likeness != Shown && HasName(table[i], isTyped));
+    }
+
+    ZoString Description() const {
+        const auto words = [](const char* literal) { return TTranslatedString(literal).ToZoString(); };
+        switch (missing) {
+        case Expected::Nada:
+            break;
+        case Expected::Numero:
+            return words("um número"_ansi);
+        case Expected::Algarismo:
+            return words("um algarismo");
+        case Expected::Separador:
+            return words("o separador decimal") + " " + separator;
+        case Expected::Representavel:
+            return words("um número nem grande nem pequeno demais"_ansi);
+        case Expected::Unidade:
+            return words("uma unidade") + Names();
+        case Expected::Fim:
+            return words("o fim do texto");
+        case Expected::MilharesJuntos:
+            return words("os milhares juntos, sem separador");
+        }
+        return ZoString();
+    }
+    ZoString Names() const {
+        ZoString list;
+        for (const ZoString& name : shownNames) {
+            if (name.length() != 0) list += ZoString(list.length() == 0 ? ": " : ", ") + name;
+        }
+        return list;
+    }
+
+    std::string_view text;
+    char separator;
+    UnitTable table;
+    std::vector<ZoString> shownNames;
+    std::size_t at = 0;
+    std::size_t start = 0; // of the number
+    Expected missing = Expected::Nada;
+};
+
+} // namespace
+
+ZoString TranslatedName(const char* name) { return TTranslatedString(name).ToZoString(); }
+
+ZoString WriteQuantity(UnitTable table, int unit, double valor, unsigned decimals, bool keepZeros,
+                       char separator) {
+    ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", ZoSources::UNIT_TEXT);
+    const UnitRow* row = FindUnit(table, unit);
+    if (row == nullptr) return ZoString();
+    ZoString text = FormatFloat(row->reading(valor), decimals, keepZeros, separator);
+    if (*row->name != '\0') text += " " + TranslatedName(row->name);
+    return text;
+}
+
+TLeituraDeGrandeza ReadQuantity(UnitTable table, const ZoString& text, char separator, int unitWhenNone,
+                                double& valor, ShownName shown) {
+    ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", ZoSources::UNIT_TEXT);
+    QuantityParser parser(text, separator, table, shown);
+    double value = 0;
+    if (!parser.Number(value)) return parser.Refused();
+    const UnitRow* row = parser.Unit(unitWhenNone);
+    if (row == nullptr) return parser.Refused();
+    const double stored = row->stored(value);
+    const bool vanished = stored == 0 && value != 0 && row->stored(0) == 0; // 32 ºF are 0 ºC
+    if (!std::isfinite(stored) || vanished) {
+        parser.OutOfRange();
+        return parser.Refused();
+    }
+    valor = stored;
+    TLeituraDeGrandeza reading;
+    reading.unidade = row->unit;
+    return reading;
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,169 @@
+#include "Persistence/checksums/Crc32Kernel.h"
+#include "ZoPrimitives/CRC32.h"
+#include "ZoPrimitives/XStream.h"
+#include "support/FaultyServices.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace ZoPrimitives;
+using ZoPrimitives::Testing::InstalledServices;
+using ZoPrimitives::Testing::TemporaryFolder;
+
+namespace {
+
+std::uint32_t Oracle(const unsigned char* data, std::size_t size) {
+    return static_cast<std::uint32_t>(::crc32(0, data, static_cast<uInt>(size)));
+}
+
+std::vector<unsigned char> Noise(std::size_t size) {
+    std::mt19937 random(20260);
+    std::vector<unsigned char> bytes(size);
+    for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random() >> 24);
+    return bytes;
+}
+
+struct NamedKernel {
+    const char* name;
+    Crc32Kernels::Kernel kernel;
+};
+
+class CRC32KernelTests : public testing::TestWithParam<NamedKernel> {
+protected:
+    void SetUp() override {
+        if (GetParam().kernel == nullptr) GTEST_SKIP() << "not on this processor";
+    }
+    static std::uint32_t Update(std::uint32_t reg, const unsigned char* data, std::size_t size) {
+        return GetParam().kernel(reg, data, size);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(All, CRC32KernelTests,
+                         testing::Values(NamedKernel{"Chosen", &Crc32Update},
+                                         NamedKernel{"Tables", &Crc32Kernels::Tables},
+                                         NamedKernel{"Folding", Crc32Kernels::Folding()},
+                                         NamedKernel{"WideFolding", Crc32Kernels::WideFolding()}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(CRC32KernelTests, EveryLengthAtEveryAlignment) {
+    const auto noise = Noise(1100 + 16);
+    for (std::size_t offset = 0; offset < 16; ++offset) {
+        for (std::size_t size = 0; size <= 1100; ++size) {
+            // Exact allocations: the address sanitizer sees a read beside them.
+            const std::vector<unsigned char> exact(noise.begin(),
+                                                   noise.begin() + static_cast<int>(offset + size));
+            ASSERT_EQ(~Update(0xFFFFFFFF, exact.data() + offset, size), Oracle(exact.data() + offset, size))
+                << size << " bytes at " << offset;
+        }
+    }
+}
+
+TEST_P(CRC32KernelTests, PiecesGiveTheSumOfTheWhole) {
+    const auto noise = Noise(700);
+    const std::uint32_t whole = Oracle(noise.data(), noise.size());
+    for (std::size_t first = 0; first <= 300; ++first)
+        for (std::size_t second = 0; second <= 40; ++second) {
+            std::uint32_t reg = Update(0xFFFFFFFF, noise.data(), first);
+            reg = Update(reg, noise.data() + first, second);
+            reg = Update(reg, noise.data() + first + second, noise.size() - first - second);
+            ASSERT_EQ(~reg, whole) << first << " and " << second;
+        }
+}
+
+TEST(CRC32Tests, CheckValue) {
+    CRC32 crc;
+    EXPECT_EQ(crc.getUint32Value(), 0u);
+    const auto* text = reinterpret_cast<const unsigned char*>("123456789");
+    crc.update(text, 4);
+    crc.update(text + 4, 5);
+    EXPECT_EQ(crc.getUint32Value(), 0xCBF43926u);
+    crc.update(nullptr, 7);
+    crc.update(text, 0);
+    EXPECT_EQ(crc.getUint32Value(), 0xCBF43926u);
+    crc.reset();
+    EXPECT_EQ(crc.getUint32Value(), 0u);
+}
+
+TEST(CRC32Tests, SumsAWholeFile) {
+    const TemporaryFolder folder;
+    for (const std::size_t size : {0u, 1u, 256u * 1024, 700'001u}) {
+        const auto noise = Noise(size);
+        folder.Write("f", std::string(noise.begin(), noise.end()));
+        CRC32 crc;
+        crc.update(reinterpret_cast<const unsigned char*>("x"), 1);
+        EXPECT_EQ(crc.generateCRCFromFile(folder.Path("f")), Oracle(noise.data(), size)) << size;
+        EXPECT_EQ(crc.getUint32Value(), Oracle(noise.data(), size));
+    }
+}
+
+/// A file that claims `size` bytes, holds `content` and fails where it is told to.
+class FakeFile : public Platform::Services {
+public:
+    unsigned long long size = 3;
+    std::string content = "abc";
+    bool opens = true, measures = true, reads = true;
+    int open = 0;
+
+    Platform::FileHandle OpenFile(const char*, Platform::Access access, Platform::Share,
+                                  Platform::Creation) override {
+        EXPECT_EQ(access, Platform::Access::Read);
+        left = content;
+        return opens ? ++open, this : nullptr;
+    }
+    bool CloseFile(Platform::FileHandle) override { return --open, true; }
+    bool FileSize(Platform::FileHandle, unsigned long long& result) override {
+        return result = size, measures;
+    }
+    bool ReadFile(Platform::FileHandle, void* data, std::size_t wanted, std::size_t& done) override {
+        done = left.copy(static_cast<char*>(data), wanted);
+        left.erase(0, done);
+        return reads || done > 0;
+    }
+
+private:
+    std::string left;
+    InstalledServices installed{*this};
+};
+
+TEST(CRC32Tests, UnreadableFilesThrowAndLeaveTheSum) {
+    const struct {
+        const char* name;
+        void (*spoil)(FakeFile&);
+    } cases[] = {
+        {"missing", [](FakeFile& file) { file.opens = false; }},
+        {"size unknown", [](FakeFile& file) { file.measures = false; }},
+        {"device fails halfway", [](FakeFile& file) { file.reads = false; }},
+        {"ends early", [](FakeFile& file) { file.size = 4; }},
+        {"ends early, above 4 GiB", [](FakeFile& file) { file.size = (1ULL << 32) + 3; }},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        FakeFile file;
+        row.spoil(file);
+        CRC32 crc;
+        crc.update(reinterpret_cast<const unsigned char*>("123456789"), 9);
+        try {
+            crc.generateCRCFromFile("any");
+            ADD_FAILURE() << "did not throw";
+        } catch (const XReadStream& failure) {
+            EXPECT_EQ(failure.Location(), "CRC32::generateCRCFromFile");
+            EXPECT_NE(failure.Message(), "");
+        }
+        EXPECT_EQ(crc.getUint32Value(), 0xCBF43926u);
+        EXPECT_EQ(file.open, 0);
+    }
+}
+
+TEST(CRC32Tests, AFileThatGrowsMeanwhileIsSummedToItsEnd) {
+    FakeFile file;
+    file.size = 4;
+    file.content = "123456789";
+    EXPECT_EQ(CRC32().generateCRCFromFile("any"), 0xCBF43926u);
+}
+
+} // namespace

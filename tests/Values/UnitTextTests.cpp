@@ -1,0 +1,273 @@
+#include "Values/UnitText.h"
+
+#include "support/Assertions.h"
+#include "support/CommaLocale.h"
+#include "support/Quantities.h"
+
+#include "ZoPrimitives/AnsiLiteral.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+constexpr double UNTOUCHED = -77; // what `ofText` reads over
+
+std::uint64_t Bits(double value) { return std::bit_cast<std::uint64_t>(value); }
+
+TEST(UnitTextTest, Writes) {
+    const struct {
+        const char* quantity;
+        double valor;
+        int unit;
+        unsigned decimals;
+        bool keepZeros;
+        char separator;
+        const char* text;
+    } rows[] = {
+        {"GForcaLinear", 3.5, 2, 2, false, ',', "3,5 kN/m"},
+        {"GForcaLinear", 3.5, 2, 2, true, '.', "3.50 kN/m"},
+        {"GForcaLinear", 3.5, 0, 0, true, ',', "350 kgf/m"},
+        {"GComprimento", -0.0001, 0, 2, false, ',', "0 cm"},
+        {"GComprimento", -1234567.891, 1, 3, false, ',', "-12345,679 m"},
+        {"GArea", 1, 0, 1, true, '.', "100.0 mm²"_ansi},
+        {"GTemperatura", 101.25, 1, 1, false, ',', "212 ºF"_ansi},
+        {"GVelocidade", 1, 3, 1, true, ',', "600,0"},
+        {"GComprimento", 1, 5, 1, true, ',', ""},
+    };
+    for (const auto& row : rows) {
+        const std::string text =
+            QuantityNamed(row.quantity).text(row.valor, row.unit, row.decimals, row.keepZeros, row.separator);
+        EXPECT_EQ(text, row.text);
+    }
+}
+
+TEST(UnitTextTest, Reads) {
+    const struct {
+        const char* quantity;
+        int unit; // the next one counts where none is written
+        double value;
+        std::vector<const char*> texts; // ',' before decimals
+    } rows[] = {
+        {"GForcaLinear", 2, 3.5, {"3,5 kN/m", "3,5 KN/M", "3,5kN / m", "3,5 kN_m", "+35e-1 kN /m"}},
+        {"GForcaLinear", 4, 2, {"2 lb/ft", "2 lbs./ft", "2 LBS. / FT."}},
+        {"GComprimento", 0, -250, {"-2,5E+2cm", "-250", "-250, Cm"}},
+        {"GComprimento", 1, 0.5, {"\t  ,5 \xA0m\r\n", "0,500m", "5e-1 M", "0005,e-01m."}},
+        {"GComprimento", 2, 12, {"12 in", "12 in.", "12 IN"}},
+        {"GComprimento", 3, 3, {"3, ft", "3,ft", "3,e0ft"}},
+        {"GComprimento", 4, 12, {"12 mm", "12 MM", "12,"}},
+        {"GComprimento", 4, -0.0, {"-0 mm", "-,0"}},
+        {"GComprimento", 0, 5e-324, {"4e-324", "0,0004e-320"}},
+        {"GMomento", 6, 2, {"2 kgf.cm", "2 kgf·cm"_ansi, "2 KGF . CM", "2 kgfcm."}},
+        {"GMomento", 2, 2, {"2 kNm", "2 kN m", "2 kN*m", "2 KN.m", "2 kN-m"}},
+        {"GMomento", 5, 2, {"2 ft.lb", "2 ft-lbs"}},
+        {"GMomento", 4, 0.1, {",1 tf.kip", ",1 ftkip", ",1 ft.kips"}},
+        {"GPressaoTensao", 0, 40, {"40 kgf/cm²"_ansi, "40 kgf/cm2", "40 kgf/cm^2", "40 KGF/CM2"}},
+        {"GPressaoTensao", 3, 25, {"25 MPa", "25 Mpa", "25 MPA"}},
+        {"GPressaoHidraulica", 1, 10, {"10 m.c.a.", "10 m.c.a", "10 mca"}},
+        {"GForcaConcentrada", 5, 10, {"10 kip", "10 kips."}},
+        {"GArea", 3, 3, {"3 sq in", "3 sqin", "3 sq. in.", "3 in²"_ansi}},
+        {"GVolume", 3, 3, {"3 ft³"_ansi, "3 cu.ft"}},
+        {"GPeso", 4, 150, {"150 lb/cu  ft", "150 lb / cu . ft", "150 lb/ft^3"}},
+        {"GRecalque", 4, 150, {"150 lb/cu in", "150 lbs/in3"}},
+        {"GAngulo", 1, 45, {"45°"_ansi, "45 º"_ansi, "45 deg", "45 graus"}},
+        {"GAngulo", 0, 1.57, {"1,57 rad"}},
+        {"GTemperatura", 0, 20, {"20°C"_ansi, "20 ºc"_ansi, "20 C"}},
+        {"GTemperatura", 1, 32, {"32 ºF"_ansi, "32F"}},
+        {"GVelocidade", 3, 5, {"5", "5 mm/min", "5 MM/MIN"}},
+        {"GInercia", 0, 3, {"3 cm4", "3 cm^4"}},
+        {"GTempo", 3, 2, {"2 dias", "2 dia"}},
+    };
+    for (const auto& row : rows) {
+        const Quantity& of = QuantityNamed(row.quantity);
+        for (std::string text : row.texts) {
+            for (const char separator : {',', '.'}) {
+                std::replace(text.begin(), text.end(), ',', separator);
+                const bool named = text.find_first_not_of("+-0123456789,.e") != std::string::npos;
+                const int unitWhenNone = (row.unit + (named ? 1 : 0)) % of.units;
+                const auto [valor, reading] = of.ofText(text.c_str(), separator, unitWhenNone);
+                EXPECT_TRUE(reading) << text << ": " << reading.posicao << ' ' << reading.descricao.c_str();
+                EXPECT_EQ(reading.unidade, row.unit) << text;
+                EXPECT_EQ(Bits(valor), Bits(of.constructed(row.value, row.unit))) << text;
+                EXPECT_EQ(reading.descricao, "") << text;
+            }
+        }
+    }
+}
+
+TEST(UnitTextTest, EveryUnitIsReadByEachOfItsNames) {
+    for (const Quantity& of : AllQuantities()) {
+        for (int unit = 0; unit < of.units; ++unit) {
+            for (ZoString name : {ZoString(of.unitName(unit).c_str()),
+                                  ZoString(of.accessorNames[static_cast<std::size_t>(unit)].c_str())}) {
+                if (name.length() == 0) continue;
+                for (int capitals = 0; capitals < 2; ++capitals, name.Uppercase()) {
+                    const auto [valor, reading] = of.ofText((" 2 " + name).c_str(), ',', -1);
+                    EXPECT_EQ(reading.unidade, unit) << of.name << ' ' << name.c_str();
+                    EXPECT_EQ(valor, of.constructed(2, unit)) << of.name << ' ' << name.c_str();
+                }
+            }
+        }
+    }
+}
+
+TEST(UnitTextTest, RefusesWithoutGuessing) {
+    using enum TLeituraDeGrandeza::TEsperado;
+    const auto described = [](TLeituraDeGrandeza::TEsperado expected, char separator) {
+        constexpr const char* TEXTS[] = {"",
+                                         "um número"_ansi,
+                                         "um algarismo",
+                                         "o separador decimal ",
+                                         "um número nem grande nem pequeno demais"_ansi,
+                                         "uma unidade: cm, m, in, ft, mm",
+                                         "o fim do texto",
+                                         "os milhares juntos, sem separador"};
+        const ZoString text = TEXTS[static_cast<std::size_t>(expected)];
+        return expected == Separador ? text + separator : text;
+    };
+    const std::string large = "1" + std::string(400, '0');
+    const struct {
+        TLeituraDeGrandeza::TEsperado expected;
+        unsigned position;
+        std::vector<const char*> texts;
+        char separator = ',';
+    } rows[] = {
+        {Numero, 0, {"", "nan m", "inf", "m", ". m"}},
+        {Numero, 2, {"  "}},
+        {Algarismo, 1, {"-inf", "- 3 m", "--3 m", ",", ",m", ",,5"}},
+        {Algarismo, 2, {"-,m"}},
+        {Separador, 0, {".5 m"}},
+        {Separador, 1, {"3.5 m", "3. m", "1.000 m", "1.0000,5 m", "1.00,5"}}, // 1.000: 1 or 1000
+        {Separador, 1, {"3,5 m"}, '.'},
+        {MilharesJuntos,
+         1,
+         {"1 234,5 m",
+          "1\xA0"
+          "000 m",
+          "1'000 m", "1.000,5", "1.000.000"}},
+        {MilharesJuntos, 5, {"1,000,000 m", "1,000.5"}},
+        {MilharesJuntos, 5, {"1.000,5"}, '.'},
+        {MilharesJuntos, 5, {"1;000;000 m"}, ';'},
+        {MilharesJuntos, 1, {"1.000;5 m"}, ';'},
+        {Unidade, 1, {"0x10 m", "1'00 m"}},
+        {Unidade, 2, {"12e m", "12e+ m", "12-m", "1 2345 m", "1 23 m"}},
+        {Unidade,
+         3,
+         {"3, 5 m", "12 im", "12 Mm", "12 cM", "12 .m", "12 m..", "12 m^", "12 cm/", "12 km", "1e2,5 m"}},
+        {Fim, 5, {"12 m m"}},
+        {Fim, 6, {"12 cm , 3", "12 m  / 2", "12 m. m"}},
+        {Representavel, 0, {"1e308 m", "-1e-999", "4e-324 mm", large.c_str()}}, // mm: not in cm
+        {Representavel, 1, {" 1e999 m"}},
+    };
+    for (const auto& row : rows) {
+        for (const char* text : row.texts) {
+            const auto [valor, reading] = QuantityNamed("GComprimento").ofText(text, row.separator, 0);
+            EXPECT_EQ(reading.esperado, row.expected) << text;
+            EXPECT_EQ(reading.posicao, row.position) << text;
+            EXPECT_EQ(reading.descricao, described(row.expected, row.separator)) << text;
+            EXPECT_EQ(reading.unidade, -1) << text;
+            EXPECT_EQ(valor, UNTOUCHED) << text;
+        }
+    }
+    const std::pair<const char*, const char*> others[] = {{"GPressaoTensao", "1 mPa"},
+                                                          {"GForcaLinear", "1 kN-/m"},
+                                                          {"GForcaLinear", "1 kN/.m"},
+                                                          {"GVelocidade", "1 ."}};
+    for (const auto& [quantity, text] : others)
+        EXPECT_EQ(QuantityNamed(quantity).ofText(text, ',', 0).second.esperado, Unidade) << text;
+    const auto unitless = QuantityNamed("GComprimento").ofText("12,5 ", ',', -1).second;
+    EXPECT_EQ(unitless.esperado, Unidade) << "where no unit counts, one must be written";
+    EXPECT_EQ(unitless.posicao, 5u);
+}
+
+/// A language in which feet and pounds are named alike, and inches as metres are elsewhere.
+ZoString OtherLanguage(const char* name) {
+    const std::string plain(name);
+    if (plain == "ft" || plain == "lb") return "x";
+    if (plain == "in") return "m";
+    if (plain == "m") return "Espaço"_ansi;
+    return name;
+}
+
+TEST(UnitTextTest, ReadsTheLanguageInUse) {
+    static constexpr UnitRow rows[] = {{0, "m", "m", AsIs, AsIs},
+                                       {1, "in", "in", AsIs, AsIs},
+                                       {2, "ft", "ft", AsIs, AsIs},
+                                       {3, "lb", "lb", AsIs, AsIs, "lbs|#"},
+                                       {4, "cm", "cm", AsIs, AsIs}};
+    const std::pair<const char*, int> texts[] = {
+        {"1 m", 1},  // the language's name comes before the library's own
+        {"1 in", 1}, // which are read too
+        {"1 espaço"_ansi, 0}, {"1 ESPAÇO"_ansi, 0}, {"1 x", -1}, // two units
+        {"1 X", -1},          {"1 lb", 3},          {"1 #", 3},  {"1 M", -1}, {"1 CM", 4},
+    };
+    for (const auto& [text, unit] : texts) {
+        double valor = UNTOUCHED;
+        const TLeituraDeGrandeza reading = ReadQuantity(rows, text, ',', 4, valor, OtherLanguage);
+        EXPECT_EQ(reading.unidade, unit) << text;
+        EXPECT_EQ(valor, unit < 0 ? UNTOUCHED : 1) << text;
+        EXPECT_EQ(reading.descricao, unit < 0 ? "uma unidade: Espaço, m, x, x, cm"_ansi : "") << text;
+    }
+}
+
+TEST(UnitTextTest, WhatIsWrittenReadsBack) {
+    const CommaLocale locale; // of no consequence
+    for (const Quantity& of : AllQuantities()) {
+        for (int unit = 0; unit < of.units; ++unit) {
+            for (const double value : {0.0, -1234.5678, 0.001, 250000.0}) {
+                for (const unsigned decimals : {0u, 3u, 9u}) {
+                    const char separator = decimals == 3 ? '.' : ',';
+                    const auto written = [&](double valor) {
+                        return of.text(valor, unit, decimals, decimals != 9, separator);
+                    };
+                    const std::string text = written(of.constructed(value, unit));
+                    const int unitWhenNone = of.unitName(unit).empty() ? unit : (unit + 1) % of.units;
+                    const auto [valor, reading] = of.ofText(text.c_str(), separator, unitWhenNone);
+                    EXPECT_EQ(reading.unidade, unit) << of.name << ": " << text;
+                    if (of.name == "GPotencia" && unit >= 4) continue; // written as they read, not as set
+                    EXPECT_LE(std::abs(of.read(valor, unit) - value),
+                              0.5 * std::pow(10, -static_cast<int>(decimals)) * (1 + 1e-6) +
+                                  1e-15 * std::abs(value))
+                        << of.name << ": " << text;
+                    EXPECT_EQ(written(valor), text) << of.name;
+                }
+            }
+        }
+    }
+}
+
+TEST(UnitTextTest, LongTextsTakeNoLongTime) {
+    const std::string blanks(1 << 20, ' ');
+    std::string words = "12 ft";
+    for (int i = 0; i < 1 << 18; ++i) words += " ft";
+    const std::pair<std::string, unsigned> rows[] = {
+        {"12 ft" + blanks + "x", (1u << 20) + 5},
+        {"12 " + blanks + "sq" + blanks + "in x", (1u << 20) + 3},
+        {words, 6 + 9}, // after the words that a name may have
+    };
+    for (const auto& [text, position] : rows) {
+        const auto [valor, reading] = QuantityNamed("GComprimento").ofText(text.c_str(), ',', 0);
+        EXPECT_FALSE(reading);
+        EXPECT_LE(reading.posicao, position);
+    }
+    const std::string digits = "0," + std::string(1 << 20, '3');
+    EXPECT_EQ(QuantityNamed("GComprimento").ofText(digits.c_str(), ',', 0).first, 1.0 / 3);
+}
+
+TEST(UnitTextTest, SeparatorsAreMarks) {
+    GComprimento length(1.0);
+    for (const char separator : {'1', '-', '+', 'e', ' ', '\0', '\xB2'}) {
+        const auto read = [&] { static_cast<void>(length.LeTexto("1", separator, TComprimento::m)); };
+        const auto write = [&] { length.Texto(TComprimento::m, 1, true, separator); };
+        EXPECT_EQ(AssertionOf(read).expression, "IsSeparator(separator)");
+        EXPECT_EQ(AssertionOf(write).expression, "IsSeparator(separator)");
+    }
+}
+
+} // namespace

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/TBase64.h"
 
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <array>
 #include <cstdint>
@@ -54,7 +55,7 @@ unsigned DecodeGroup(const unsigned char* in, unsigned char* out) {
 ZoString TBase64::EncodeBlock(unsigned char* data, unsigned long size) {
     // Positions in a text are found as int.
     constexpr unsigned long maximumSize = std::numeric_limits<std::int32_t>::max() / 4 * 3;
-    ZO_ASSERT(size <= maximumSize, "size <= maximumSize", "cpp/Persistence/TBase64");
+    ZO_ASSERT(size <= maximumSize, "size <= maximumSize", ZoSources::TBASE64);
     if (data == nullptr || size == 0) return "";
     ZoString text('=', static_cast<unsigned>((size + 2) / 3 * 4));
     if (text.c_str()[0] == '\0') throw std::bad_alloc();

@@ -2,6 +2,7 @@
 
 #include "Persistence/instances/HandleAccess.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
 #include <mutex>
@@ -66,8 +67,8 @@ int ZoHandleTable::Give(const ZoStreamableBase* object) {
 }
 
 void ZoHandleTable::Refuse() {
-    AssertWithFunctor("nextHandle < INT_MAX && \"[zoerror] too many objects\"", "",
-                      "cpp/Persistence/BinOutStream", __LINE__);
+    AssertWithFunctor("nextHandle < INT_MAX && \"[zoerror] too many objects\"", "", ZoSources::BIN_OUT_STREAM,
+                      __LINE__);
 }
 
 void ZoHandleTable::Reset() {

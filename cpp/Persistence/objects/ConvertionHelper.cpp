@@ -2,6 +2,7 @@
 
 #include "Persistence/instances/ClassNames.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <cstddef>
 #include <typeindex>
@@ -136,7 +137,7 @@ private:
 TBusinessToStreamableObjectConvertionHelper::TBusinessToStreamableObjectConvertionHelper(
     IStreamableConvertionFactory* factory)
     : conversion(new Conversion(*this, factory)) {
-    ZO_ASSERT(factory, "factory", "cpp/Persistence/ConvertionHelper");
+    ZO_ASSERT(factory, "factory", ZoSources::CONVERTION_HELPER);
 }
 TBusinessToStreamableObjectConvertionHelper::~TBusinessToStreamableObjectConvertionHelper() = default;
 

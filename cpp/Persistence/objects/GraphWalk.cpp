@@ -6,12 +6,12 @@
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
 #include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/ZoSources.h"
 
 namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
 constexpr std::size_t PREFETCH = 8; // objects ahead
 
 } // namespace
@@ -21,8 +21,8 @@ void FailUnregistered(const ZoStreamableBase* object) {
         "[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
         "'class : public ZoStreamableBase'",
         ClassText(typeid(*object)).c_str());
-    AssertWithFunctor("instance_pointer->GetOriginalClass(parentMetaData)", message.c_str(), SOURCE,
-                      __LINE__);
+    AssertWithFunctor("instance_pointer->GetOriginalClass(parentMetaData)", message.c_str(),
+                      ZoSources::ZOMETADATA, __LINE__);
 }
 
 void ForEachExternal(const TZoClass& level, ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {
@@ -48,7 +48,8 @@ bool GraphWalk::MeetGiven(int uid, const ZoStreamableBase* object) {
     const auto [met, isNew] = given.try_emplace(uid, object);
     if (met->second != object) {
         const ZoString message = ZoString::FormatString("[zoerror] two objects have the uid %d", uid);
-        AssertWithFunctor("stream->GetHandle(instance_pointer) is unique", message.c_str(), SOURCE, __LINE__);
+        AssertWithFunctor("stream->GetHandle(instance_pointer) is unique", message.c_str(),
+                          ZoSources::ZOMETADATA, __LINE__);
     }
     return isNew;
 }

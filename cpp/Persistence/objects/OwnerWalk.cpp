@@ -4,14 +4,13 @@
 #include "Persistence/instances/ItemAction.h"
 #include "Persistence/schema/FieldKinds.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <typeinfo>
 
 namespace ZoPrimitives {
 
 namespace {
-
-constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
 
 /// A subclass that is not registered itself answers with its base's class, and would be saved as such.
 void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& object) {
@@ -26,14 +25,15 @@ void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& ob
                                ClassText(type).c_str(), objectClass.GetName().c_str());
     AssertWithFunctor(
         "(instance_pointer->GetOriginalClass(streamer->GetMetaData())->GetName() == instanceClassName)",
-        message.c_str(), SOURCE, __LINE__);
+        message.c_str(), ZoSources::ZOMETADATA, __LINE__);
 }
 
 TZoClass* ClassToSave(TZoMetaData* schema, const ZoStreamableBase* object) {
     TZoClass* objectClass = object->GetOriginalClass(schema);
     if (objectClass == nullptr) {
         AssertWithFunctor("instance_pointer->GetOriginalClass(streamer->GetMetaData())",
-                          "[zoerror] class not registered. See class::Register", SOURCE, __LINE__);
+                          "[zoerror] class not registered. See class::Register", ZoSources::ZOMETADATA,
+                          __LINE__);
     }
     if (objectClass->GetType() != &typeid(*object)) CheckRegisteredType(*objectClass, *object);
     return objectClass;

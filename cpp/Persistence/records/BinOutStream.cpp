@@ -3,6 +3,7 @@
 #include "Persistence/records/RecordFormat.h"
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoSources.h"
 #include "ZoPrimitives/ZoString.h"
 
 #include <climits>
@@ -10,12 +11,6 @@
 #include <cstring>
 
 namespace ZoPrimitives {
-
-namespace {
-
-constexpr const char* SOURCE = "cpp/Persistence/BinOutStream";
-
-} // namespace
 
 TBinOutStream::TBinOutStream() : TBinOutStream(0, 0) {}
 
@@ -47,10 +42,10 @@ bool TBinOutStream::operator==(const TBinOutStream& other) const {
 }
 
 void TBinOutStream::Put(const ZoBlob& value) {
-    ZO_ASSERT_AT(value.Size() <= UINT_MAX && value.Size() <= DEFAULT_BUFFER_SIZE,
-                 "blob.Size() <= UINT_MAX && blob.Size() <= DEFAULT_BUFFER_SIZE && "
-                 "\"[zoerror] the blob is too big\"",
-                 SOURCE, 211);
+    ZO_ASSERT_SITE(value.Size() <= UINT_MAX && value.Size() <= DEFAULT_BUFFER_SIZE,
+                   "blob.Size() <= UINT_MAX && blob.Size() <= DEFAULT_BUFFER_SIZE && "
+                   "\"[zoerror] the blob is too big\"",
+                   ZoSources::PUT_BLOB);
     records.AppendBlock(value.Data(), static_cast<std::size_t>(value.Size()));
 }
 
@@ -130,7 +125,7 @@ void* TBinOutStream::GetFile() const { return nullptr; }
 void TBinOutStream::SetFile(void*) {}
 
 int TBinOutStream::AllocateHandle(const ZoStreamableBase* object) {
-    ZO_ASSERT(object != nullptr, "object != nullptr", SOURCE);
+    ZO_ASSERT(object != nullptr, "object != nullptr", ZoSources::BIN_OUT_STREAM);
     return handles.Give(object);
 }
 

@@ -4,16 +4,11 @@
 #include "Persistence/records/RecordFormat.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <typeinfo>
 
 namespace ZoPrimitives {
-
-namespace {
-
-constexpr const char* SOURCE = "cpp/Persistence/ClipboardBinOutStream";
-
-} // namespace
 
 TClipboardBinOutStream::TClipboardBinOutStream() : TClipboardBinOutStream(0, 0) {}
 TClipboardBinOutStream::TClipboardBinOutStream(unsigned version, unsigned release)
@@ -30,12 +25,14 @@ void TClipboardBinOutStream::Initialize() {
 }
 
 void TClipboardBinOutStream::FlushRecord(int uid, int classId) {
-    ZO_ASSERT(writing, "writing && \"[zoerror] records go between Initialize and Finalize\"", SOURCE);
+    ZO_ASSERT(writing, "writing && \"[zoerror] records go between Initialize and Finalize\"",
+              ZoSources::CLIPBOARD_BIN_OUT_STREAM);
     Frame(uid, classId, false);
 }
 
 void TClipboardBinOutStream::FlushBuffer() {
-    ZO_ASSERT(writing, "writing && \"[zoerror] bytes go between Initialize and Finalize\"", SOURCE);
+    ZO_ASSERT(writing, "writing && \"[zoerror] bytes go between Initialize and Finalize\"",
+              ZoSources::CLIPBOARD_BIN_OUT_STREAM);
     Records().FrameRaw();
 }
 

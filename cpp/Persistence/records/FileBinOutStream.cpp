@@ -6,6 +6,7 @@
 #include "Platform/Platform.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
 #include <string>
@@ -17,7 +18,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/Persistence/FileBinOutStream";
 constexpr const char* WRITE = "TFileBinOutStream::WriteToFile";
 constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
 
@@ -47,7 +47,8 @@ TFileBinOutStream::~TFileBinOutStream() {
 }
 
 void TFileBinOutStream::Initialize() {
-    ZO_ASSERT(state == State::New, "state == State::New && \"[zoerror] a stream writes one file\"", SOURCE);
+    ZO_ASSERT(state == State::New, "state == State::New && \"[zoerror] a stream writes one file\"",
+              ZoSources::FILE_BIN_OUT_STREAM);
     if (GetBufferSize() == 0) SaveHeader();
     plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
     headerCount = GetNInstances();
@@ -182,7 +183,8 @@ void* TFileBinOutStream::GetFile() const {
 
 void TFileBinOutStream::SetFile(void* openFile) {
     ZO_ASSERT(state == State::New,
-              "state == State::New && \"[zoerror] the file is chosen before writing begins\"", SOURCE);
+              "state == State::New && \"[zoerror] the file is chosen before writing begins\"",
+              ZoSources::FILE_BIN_OUT_STREAM);
     file = openFile;
 }
 

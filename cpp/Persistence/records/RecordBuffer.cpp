@@ -3,6 +3,7 @@
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "Persistence/records/RecordFormat.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -12,8 +13,6 @@
 namespace ZoPrimitives {
 
 namespace {
-
-constexpr const char* SOURCE = "cpp/Persistence/BinOutStream";
 
 constexpr std::size_t GATHER_CAPACITY =
     RecordFormat::GATHER_SIZE + DEFAULT_BUFFER_SIZE + 2 * RecordFormat::HEAD_SIZE;
@@ -70,7 +69,8 @@ void RecordBuffer::MakeRoom(std::size_t size, std::size_t head) {
     const std::size_t payload = Size();
     const std::size_t room = DEFAULT_BUFFER_SIZE - payload;
     ZO_ASSERT(head <= room && size <= room - head,
-              "size <= DEFAULT_BUFFER_SIZE - GetBufferSize() && \"[zoerror] the record is too big\"", SOURCE);
+              "size <= DEFAULT_BUFFER_SIZE - GetBufferSize() && \"[zoerror] the record is too big\"",
+              ZoSources::BIN_OUT_STREAM);
     const auto frames = static_cast<std::size_t>(framesEnd - block);
     const auto summed = static_cast<std::size_t>(summedEnd - block);
     const auto capacity = static_cast<std::size_t>(blockEnd - block);
@@ -134,7 +134,7 @@ void RecordBuffer::DropFrames() {
 void RecordBuffer::PatchFrames(unsigned long long offset, const void* data, std::size_t size) {
     const unsigned long long frames = FramesSize();
     ZO_ASSERT(offset <= frames && size <= frames - offset,
-              "offset <= GatheredSize() && size <= GatheredSize() - offset", SOURCE);
+              "offset <= GatheredSize() && size <= GatheredSize() - offset", ZoSources::BIN_OUT_STREAM);
     SumFrames(framesEnd);
     std::memcpy(block + offset, data, size);
 }

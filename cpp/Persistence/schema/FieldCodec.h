@@ -12,6 +12,7 @@
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoClassField.h"
+#include "ZoPrimitives/ZoSources.h"
 #include "ZoPrimitives/dvector.h"
 
 #include <array>
@@ -83,7 +84,8 @@ public:
         SavePointerFunc<Sink> save(put, field);
         field.GetFieldMetaData(object, save);
         ZO_ASSERT(save.Count() == count,
-                  "save.Count() == count && \"[zoerror] the list gave another number of items\"", SOURCE);
+                  "save.Count() == count && \"[zoerror] the list gave another number of items\"",
+                  ZoSources::ZOMETADATA);
     }
 
     template <class Sink>
@@ -263,8 +265,6 @@ public:
     }
 
 private:
-    static constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
-
     using Halves = std::array<TZoClassFieldPointerBase*, 2>;
     static Halves HalvesOf(const TZoClassFieldPointerMap& map) {
         if (!map.key || !map.value) FailWithoutHalves(map);
@@ -310,7 +310,8 @@ private:
     template <class Sink, class T>
     static void SaveValue(const Sink& put, const TDVector<T>& list) {
         const auto count = static_cast<std::size_t>(list.end() - list.begin());
-        ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE", SOURCE);
+        ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE",
+                  ZoSources::ZOMETADATA);
         put(static_cast<int>(count));
         for (const T& value : list) put(value);
     }
@@ -341,7 +342,8 @@ private:
     template <class Sink>
     static void SaveListHead(const Sink& put, unsigned long long count, TZoListInteger first,
                              TZoListInteger second, ZoStreamableBase* object, TZoClassField& field) {
-        ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE", SOURCE);
+        ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE",
+                  ZoSources::ZOMETADATA);
         put(static_cast<int>(count));
         if (first != nullptr) put(first(object, &field));
         if (second != nullptr) put(second(object, &field));

@@ -7,6 +7,7 @@
 #include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoMetaData.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
 
@@ -14,7 +15,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
 constexpr int PARENTS_FOLLOW = -1; // stands where older files have their one parent
 
 /// Whether a file's field of one kind can be read into an application's field of another.
@@ -204,7 +204,8 @@ TZoClassField* TZoClass::FindField(const ZoString& wanted) {
 }
 
 TZoClassField* TZoClass::GetField(int index) {
-    ZO_ASSERT(index >= 1 && index <= GetFieldCount(), "index >= 1 && index <= GetFieldCount()", SOURCE);
+    ZO_ASSERT(index >= 1 && index <= GetFieldCount(), "index >= 1 && index <= GetFieldCount()",
+              ZoSources::ZOMETADATA);
     return inOrder[static_cast<std::size_t>(index) - 1];
 }
 
@@ -303,7 +304,7 @@ void TZoClass::SaveMetaToStream(TBinOutStream* stream, const Listed* listed) {
         if (listed != nullptr && !std::binary_search(listed->begin(), listed->end(), parent.get())) {
             const ZoString message =
                 ZoString::FormatString("[zoerror] parent class of %s not registered", name.c_str());
-            AssertWithFunctor("parent is written", message.c_str(), SOURCE, __LINE__);
+            AssertWithFunctor("parent is written", message.c_str(), ZoSources::ZOMETADATA, __LINE__);
         }
         *stream << parent->GetClassId();
     }
@@ -319,7 +320,7 @@ void TZoClass::SaveMetaToStream(TBinOutStream* stream, const Listed* listed) {
 
 void TZoClass::SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
                          const Listed* listed) {
-    ZO_ASSERT(list.size() <= RecordFormat::MAX_INT_SIZE, countCheck, SOURCE);
+    ZO_ASSERT(list.size() <= RecordFormat::MAX_INT_SIZE, countCheck, ZoSources::ZOMETADATA);
     *stream << static_cast<unsigned>(list.size());
     for (const auto& field : list) {
         const TZoClass* fieldClass = field->GetFieldClass();

@@ -6,6 +6,7 @@
 #include "Persistence/schema/PointerResolver.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoMetaData.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,8 +16,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/Persistence/ZoMetaData";
-
 /// A field's kind says what its C++ class is: all that casts by the kind relies on it.
 template <class Field>
 void CheckKind(TZoClassFieldType kind, const ZoString& name) {
@@ -24,7 +23,7 @@ void CheckKind(TZoClassFieldType kind, const ZoString& name) {
     const ZoString message =
         ZoString::FormatString("[zoerror] field %s cannot be of kind %d. See TZoClass::AddField",
                                name.c_str(), static_cast<int>(kind));
-    AssertWithFunctor("IsKindOf<Field>(kind)", message.c_str(), SOURCE, __LINE__);
+    AssertWithFunctor("IsKindOf<Field>(kind)", message.c_str(), ZoSources::ZOMETADATA, __LINE__);
 }
 
 /// What a map's sub-field may be: a list of owned objects or any single pointer.
@@ -37,7 +36,7 @@ bool IsHalf(TZoClassFieldType kind) {
         "[zoerror] a sub-field of map %s is neither a list of owned objects nor a single pointer. See "
         "TZoClassFieldPointerMap::AddFields",
         map.GetFieldName().c_str());
-    AssertWithFunctor("IsHalf(kind)", message.c_str(), SOURCE, __LINE__);
+    AssertWithFunctor("IsHalf(kind)", message.c_str(), ZoSources::ZOMETADATA, __LINE__);
 }
 
 } // namespace
@@ -46,7 +45,7 @@ void FieldCodec::FailWithoutHalves(const TZoClassFieldPointerMap& map) {
     const ZoString message =
         ZoString::FormatString("[zoerror] map %s has no sub-fields. See TZoClassFieldPointerMap::AddFields",
                                map.GetFieldName().c_str());
-    AssertWithFunctor("key && value", message.c_str(), SOURCE, __LINE__);
+    AssertWithFunctor("key && value", message.c_str(), ZoSources::ZOMETADATA, __LINE__);
 }
 
 void FieldCodec::ThrowDangling(const TZoClassField& field, const ZoStreamableBase* object,

@@ -6,6 +6,7 @@
 #include "Persistence/schema/SchemaReader.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
 #include <atomic>
@@ -84,8 +85,8 @@ StandingClasses& Standing() {
     const ZoString message = ZoString::FormatString(
         "[zoerror] class %s has the id %d, as %s has in this schema. See TZoMetaData::AddClass",
         added.GetName().c_str(), added.GetClassId(), present.GetName().c_str());
-    AssertWithFunctor("FindClass(newClass->GetClassId()) == nullptr", message.c_str(),
-                      "cpp/Persistence/ZoMetaData", __LINE__);
+    AssertWithFunctor("FindClass(newClass->GetClassId()) == nullptr", message.c_str(), ZoSources::ZOMETADATA,
+                      __LINE__);
 }
 
 } // namespace
@@ -275,7 +276,7 @@ void TZoMetaData::Clear() {
 }
 
 void TZoMetaData::Register(ZoStreamableRegister* newRegister) {
-    ZO_ASSERT(newRegister, "newRegister", "cpp/Persistence/ZoMetaData");
+    ZO_ASSERT(newRegister, "newRegister", ZoSources::ZOMETADATA);
     const pointer<ZoStreamableRegister> holder(newRegister);
     for (const auto& kept : registers) {
         if (kept->GetName() == newRegister->GetName()) return;
@@ -395,7 +396,7 @@ void TZoMetaData::SaveToStream(TBinOutStream* stream) {
 
 void TZoMetaData::SaveClasses(TBinOutStream* stream, const std::vector<TZoClass*>& written) {
     ZO_ASSERT(written.size() <= RecordFormat::MAX_INT_SIZE, "classes->NItems() <= MAX_INT_SIZE",
-              "cpp/Persistence/ZoMetaData");
+              ZoSources::ZOMETADATA);
     TZoClass::Listed listed(written.begin(), written.end());
     std::sort(listed.begin(), listed.end());
     *stream << static_cast<int>(written.size());

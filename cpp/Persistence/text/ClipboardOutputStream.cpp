@@ -2,18 +2,13 @@
 
 #include "Persistence/records/ClipboardAccess.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 #include "ZoPrimitives/ZoString.h"
 
 #include <cstring>
 #include <vector>
 
 namespace ZoPrimitives {
-
-namespace {
-
-constexpr const char* SOURCE = "cpp/Persistence/ClipboardOutputStream";
-
-} // namespace
 
 ClipboardOutputStream::ClipboardOutputStream() : records(new TDList<BinaryData>) {}
 
@@ -26,10 +21,11 @@ ClipboardOutputStream::~ClipboardOutputStream() {
 }
 
 OutputStream& ClipboardOutputStream::AddBinaryData(const void* data, std::size_t size) {
-    ZO_ASSERT(!finalized, "!finalized && \"[zoerror] a stream fills the clipboard once\"", SOURCE);
+    ZO_ASSERT(!finalized, "!finalized && \"[zoerror] a stream fills the clipboard once\"",
+              ZoSources::CLIPBOARD_OUTPUT_STREAM);
     const std::uint32_t room = UINT32_MAX - total;
     ZO_ASSERT(room >= sizeof total && size <= room - sizeof total,
-              "size <= room && \"[zoerror] too much for the clipboard\"", SOURCE);
+              "size <= room && \"[zoerror] too much for the clipboard\"", ZoSources::CLIPBOARD_OUTPUT_STREAM);
     records->Add(BinaryData(data, size));
     total += static_cast<std::uint32_t>(size + sizeof total);
     return *this;

@@ -1,4 +1,5 @@
 #include "ZoPrimitives/FactoryManager.h"
+#include "ZoPrimitives/ZoSources.h"
 
 namespace ZoPrimitives {
 
@@ -11,7 +12,7 @@ TFactoryManager::Factories& TFactoryManager::listFactories() {
 }
 
 void TFactoryManager::AddFactory(IZoFactory* factory) {
-    ZO_ASSERT(factory, "factory", "cpp/Persistence/FactoryManager");
+    ZO_ASSERT(factory, "factory", ZoSources::FACTORY_MANAGER);
     const pointer<IZoFactory> holder(factory); // it may be listed, and nowhere else
     if (IZoFactory* present = GetFactory(factory->GetName())) listFactories().Remove(present);
     listFactories().Add(factory);

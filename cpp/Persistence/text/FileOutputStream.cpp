@@ -4,6 +4,7 @@
 #include "ZoPrimitives/NumberText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <cstddef>
 #include <cstring>
@@ -15,7 +16,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* SOURCE = "cpp/Persistence/FileOutputStream";
 constexpr const char* LINE_END = "\r\n";
 
 /// A string with room for `size` bytes, or as many as there is memory for.
@@ -43,7 +43,8 @@ FileOutputStream::FileOutputStream(const char* fileName, bool keepOpen)
 
 FileOutputStream::FileOutputStream(void* openFile)
     : file(openFile), tokens(new TDList<ZoString>), keepsOpen(true) {
-    if (file == nullptr) AssertWithFunctor("file", "[zoerror] file not defined", SOURCE, __LINE__);
+    if (file == nullptr)
+        AssertWithFunctor("file", "[zoerror] file not defined", ZoSources::FILE_OUTPUT_STREAM, __LINE__);
 }
 
 FileOutputStream::~FileOutputStream() {
@@ -52,7 +53,8 @@ FileOutputStream::~FileOutputStream() {
 }
 
 OutputStream& FileOutputStream::Add(std::string_view token) {
-    ZO_ASSERT(!finalized, "!finalized && \"[zoerror] a stream writes one file\"", SOURCE);
+    ZO_ASSERT(!finalized, "!finalized && \"[zoerror] a stream writes one file\"",
+              ZoSources::FILE_OUTPUT_STREAM);
     tokens->Add(ZoString());
     try {
         AssignWhole(tokens->Last(), token.data(), static_cast<unsigned>(token.size()));

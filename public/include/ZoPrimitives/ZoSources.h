@@ -28,12 +28,25 @@ inline constexpr const char* TTRANSFORMATION = "cpp/ZoPrimitives/TTransformation
 inline constexpr const char* UNIT_TEXT = "cpp/ZoPrimitives/UnitText";
 inline constexpr const char* ZOSTRING = "cpp/ZoPrimitives/ZoString";
 
+inline constexpr const char* BIN_OUT_STREAM = "cpp/Persistence/BinOutStream";
+inline constexpr const char* CLIPBOARD_BIN_OUT_STREAM = "cpp/Persistence/ClipboardBinOutStream";
+inline constexpr const char* CLIPBOARD_OUTPUT_STREAM = "cpp/Persistence/ClipboardOutputStream";
+inline constexpr const char* CONVERTION_HELPER = "cpp/Persistence/ConvertionHelper";
+inline constexpr const char* FACTORY_MANAGER = "cpp/Persistence/FactoryManager";
+inline constexpr const char* FILE_BIN_OUT_STREAM = "cpp/Persistence/FileBinOutStream";
+inline constexpr const char* FILE_OUTPUT_STREAM = "cpp/Persistence/FileOutputStream";
+inline constexpr const char* TBASE64 = "cpp/Persistence/TBase64";
+inline constexpr const char* ZOMETADATA = "cpp/Persistence/ZoMetaData";
+
 // ZoString
 inline constexpr ZoSite INDEX{ZOSTRING_HEADER, 514};
 inline constexpr ZoSite CONST_INDEX{ZOSTRING_HEADER, 524};
 inline constexpr ZoSite FIND{ZOSTRING, 645};
 inline constexpr ZoSite RFIND{ZOSTRING, 693};
 inline constexpr ZoSite TEXT_RFIND{ZOSTRING, 723};
+
+// TBinOutStream
+inline constexpr ZoSite PUT_BLOB{BIN_OUT_STREAM, 211};
 
 } // namespace ZoSources
 

@@ -70,13 +70,13 @@ InputStreamer::InputStreamer(InputStream* source, StreamableFactory* factory) : 
 InputStreamer::~InputStreamer() { ReleaseMade(); }
 
 void InputStreamer::ReleaseMade() {
-    for (const ZoStreamableBase* object : made) ZoReferenceCount::Release(object);
-    made.RemoveAll();
+    for (const ZoStreamableBase* object : created) ZoReferenceCount::Release(object);
+    created.RemoveAll();
 }
 
 void InputStreamer::HandOver() {
-    for (const ZoStreamableBase* object : made) ZoReferenceCount::Surrender(object);
-    made.RemoveAll();
+    for (const ZoStreamableBase* object : created) ZoReferenceCount::Surrender(object);
+    created.RemoveAll();
     ResetHandles();
 }
 
@@ -147,7 +147,7 @@ ZoStreamableBase* InputStreamer::CreateObject(const ZoString& className) {
             const pointer<ZoStreamableBase> object =
                 factory ? factory->CreateObject(WholeText(className)) : nullptr;
             if (!object) continue;
-            made.Add(object.get());
+            created.Add(object.get());
             ZoReferenceCount::Add(object.get());
             return object.get();
         } catch (const XUnknownObject&) {
@@ -174,24 +174,24 @@ void InputStreamer::SkipObject() {
 
 void InputStreamer::SetHandle(ZoStreamableBase* object, int handle) {
     InputStream& source = *stream;
-    objects[handle] = object;
+    byHandle[handle] = object;
     if (handle != 0) source.SetHandle(object, handle);
 }
 
 int InputStreamer::AddObject(ZoStreamableBase* object) {
     const int known = GetHandle(object);
     if (known != 0) return known;
-    const int largest = objects.empty() ? 0 : std::max(objects.rbegin()->first, 0);
+    const int largest = byHandle.empty() ? 0 : std::max(byHandle.rbegin()->first, 0);
     if (object == nullptr || largest == INT_MAX) throw XInvalidHandle();
     SetHandle(object, largest + 1);
     return largest + 1;
 }
 
-void InputStreamer::RemoveObject(int handle) { objects.erase(handle); }
+void InputStreamer::RemoveObject(int handle) { byHandle.erase(handle); }
 
 ZoStreamableBase* InputStreamer::RetrieveObject(int handle) {
-    const auto found = objects.find(handle);
-    if (found == objects.end() || found->second == nullptr) throw XInvalidHandle();
+    const auto found = byHandle.find(handle);
+    if (found == byHandle.end() || found->second == nullptr) throw XInvalidHandle();
     ZoStreamableBase* object = found->second;
     if (ZoReferenceCount::Count(object) == 0) {
         members.insert(object);
@@ -202,8 +202,8 @@ ZoStreamableBase* InputStreamer::RetrieveObject(int handle) {
 
 int InputStreamer::GetHandle(const ZoStreamableBase* object) const {
     const int handle = stream->GetHandle(object);
-    const auto found = objects.find(handle);
-    return found != objects.end() && found->second == object && object != nullptr ? handle : 0;
+    const auto found = byHandle.find(handle);
+    return found != byHandle.end() && found->second == object && object != nullptr ? handle : 0;
 }
 
 int InputStreamer::GetHandle(const ZoString& token) const {
@@ -213,7 +213,7 @@ int InputStreamer::GetHandle(const ZoString& token) const {
 }
 
 void InputStreamer::ResetHandles() {
-    objects.clear();
+    byHandle.clear();
     stream->ResetHandles();
 }
 

@@ -5,7 +5,7 @@
 
 namespace ZoPrimitives {
 
-/// The header of the binary record format: its fields in the order of the file.
+/// The header of the binary record format, its fields in file order.
 struct TBinHeader {
     unsigned version = 0;
     unsigned reserved1 = 0;
@@ -13,7 +13,7 @@ struct TBinHeader {
     unsigned recordCount = 0;
     unsigned release = 0;
     unsigned reserved3 = 0;
-    unsigned extraLength = 0; ///< bytes that follow the header and are no record
+    unsigned extraLength = 0; ///< bytes between the header and the first record
 
     friend bool operator==(const TBinHeader& a, const TBinHeader& b) {
         static_assert(std::has_unique_object_representations_v<TBinHeader>);

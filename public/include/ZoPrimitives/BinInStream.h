@@ -25,33 +25,32 @@ namespace RecordFormat {
 struct RecordHead;
 }
 
-/// Abstract reader of the binary record format: delivers one verified record at a time, from which values are
-/// taken with `operator>>`, and hunts over damaged bytes for the next record.
+/// Abstract reader of the binary record format: delivers one verified record at a time, from which
+/// `operator>>` takes values, and searches damaged bytes for the next record.
 ///
-/// A source of one's own supplies `Read`. A stream belongs to one thread.
+/// A derived class supplies `Read`. A stream belongs to one thread.
 class ZO_API TBinInStream : public ZoObject {
 public:
-    /// Data written by a version above `supportedVersion` is refused. `ownsSource` tells whether what the
-    /// stream was given (a file handle, a block) goes with it; a source that opens its own data always closes
-    /// it.
+    /// Data written by a version above `supportedVersion` is refused. `ownsSource`: the stream closes or
+    /// frees the source that it was given (a file handle, a block). It always closes a source of its own.
     TBinInStream(unsigned supportedVersion, bool ownsSource);
-    /// Copies the header's values and the current record, not the objects' tables and not the source.
+    /// Copies the header's values and the current record, but neither the source nor the tables of objects.
     TBinInStream(const TBinInStream& other);
     TBinInStream& operator=(const TBinInStream& other);
     ~TBinInStream() override;
 
     using ZoObject::operator==;
     using ZoObject::operator!=;
-    /// Whether header values and the current record are the same.
+    /// Whether the header values and the current record are equal.
     bool operator==(const TBinInStream& other) const;
     bool operator!=(const TBinInStream& other) const { return !(*this == other); }
 
     // Values come from the current record. A string or blob that reaches past the record's end throws
-    // `XReadStream` "Tamanho de registro corrompido". A value of fixed size past the end is defined but
-    // unspecified, and throws the same past `DEFAULT_BUFFER_SIZE`.
+    // `XReadStream` "Tamanho de registro corrompido". A value of fixed size past the end is unspecified; past
+    // `DEFAULT_BUFFER_SIZE` it throws the same exception.
     virtual TBinInStream& operator>>(ZoBlob& value);
     virtual TBinInStream& operator>>(ZoString& value);
-    /// The caller's storage must hold the string's bytes and a terminator: nothing here knows its size.
+    /// The caller's storage must hold the string's bytes and a terminator; its size is not checked.
     virtual TBinInStream& operator>>(char* value);
     virtual TBinInStream& operator>>(short& value);
     virtual TBinInStream& operator>>(unsigned short& value);
@@ -63,26 +62,26 @@ public:
     virtual TBinInStream& operator>>(bool& value);
 
 protected:
-    /// Checks the header, whose bytes are the current record. False when it is none of this format's; throws
-    /// `XNewerVersion` when it is above the supported version.
+    /// Checks the header, whose bytes are the current record. False when it is not a header of this format;
+    /// throws `XNewerVersion` when its version is above the supported one.
     virtual bool LoadHeader();
-    /// Reads raw bytes. `done` tells how many came; true when all of `size` were read, or for some sources
-    /// when any were.
+    /// Reads raw bytes. `done` receives the number of bytes read. True when all of `size` were read; some
+    /// sources also return true when only a part was.
     virtual bool Read(void* data, unsigned size, unsigned& done) = 0;
 
 public:
-    /// Loads the next good record; false at the end of the data. Bytes that are no record, and records whose
-    /// sum is wrong, are passed over; 65,535 rounds of that without a good record throw `XReadStream`
-    /// "Arquivo corrompido". A record that ends before its head says throws `XReadStream` with the error's
-    /// text: "No error" when the data just ended, "Input/output error" when the device failed.
+    /// Loads the next good record; false at the end of the data. Skips bytes that belong to no record and
+    /// records with a wrong checksum; after 65,535 such rounds without a good record throws `XReadStream`
+    /// "Arquivo corrompido". A truncated record throws `XReadStream` with the error's text: "No error" when
+    /// the data just ended, "Input/output error" when the device failed.
     bool LoadRecord(int* uid, int* classId);
-    /// Loads the next good record of the classes asked for: `ids`, `idCount` of them, rising. Records of
-    /// other classes, and of classes that `schema` does not hold (null: any), are passed over by their heads
-    /// alone, whatever their contents and sums. Otherwise as `LoadRecord`; of the failure points #6 is a
-    /// record passed over that is not whole, #7 one asked for.
+    /// Loads the next good record of a class in `ids`: `idCount` class ids in ascending order. Records of
+    /// other classes, and of classes that `schema` (null: any) does not hold, are skipped by their heads
+    /// alone, whatever their contents and checksums. Otherwise as `LoadRecord`; failure point #6 reports a
+    /// truncated record that was to be skipped, #7 one that was asked for.
     bool LoadFilteredRecord(TZoMetaData* schema, const int* ids, int* classId, int* uid, int idCount);
 
-    /// The handle of the file that the stream reads; null where there is none.
+    /// The handle of the file that the stream reads; null if there is none.
     virtual void* GetFile() const;
 
     unsigned GetVersion() const { return header.version; }
@@ -91,53 +90,53 @@ public:
     unsigned GetNInstances() const { return header.recordCount; }
     /// The uid of the current record.
     int GetCurrentUID() const { return currentUid; }
-    /// Bytes passed over so far while looking for records.
+    /// Bytes skipped so far while looking for records.
     unsigned long long GetSkipped() const { return skipped; }
     bool GetOwnsSource() const { return ownsSource; }
 
-    /// Bytes of the current record, and how many of them are not yet read.
+    /// Size of the current record in bytes, and how many of them are unread.
     unsigned GetRecordSize() const { return recordSize; }
     unsigned GetRemaining() const { return position < recordSize ? recordSize - position : 0; }
     unsigned GetRecordPosition() const { return position; }
     void SetRecordPosition(unsigned newPosition);
 
-    // The objects read from this stream, in the order of their records. They are not owned here.
+    // The objects read from this stream, in record order. The stream does not own them.
     void AddInstance(ZoStreamableBase* object);
-    /// The object read under a uid; null for none.
+    /// The object read under a uid; null if there is none.
     ZoStreamableBase* GetInstance(int uid) const;
     const TDVector<ZoStreamableBase*>& Objects() const;
-    /// The object read first, which is the root of what was saved; null when nothing was read.
+    /// The first object read, which is the root of the saved graph; null when nothing was read.
     ZoStreamableBase* FirstObject() const;
-    /// The first object of the class of that name; null for none.
+    /// The first object of the named class; null if there is none.
     ZoStreamableBase* FindFirstObject(const ZoString& className) const;
     /// Appends all objects read.
     void FillObjects(TDVector<ZoStreamableBase*>* list) const;
-    /// Gives all objects read to `list`, which holds them from then on, also those that hang from nothing;
-    /// the stream forgets them.
+    /// Moves all objects read into `list`, which holds them from then on, including those that no other
+    /// object owns. The stream forgets them.
     void TakeObjects(TIVector<ZoStreamableBase>* list);
-    /// Takes objects out of the list of those read, without deleting them.
+    /// Removes objects from the list of objects read, without deleting them.
     void RemoveInstances(const TDVector<ZoStreamableBase*>& list);
 
-    // Handles: uid to object, while pointers wait to be resolved.
+    // Handles map uids to objects until pointers are resolved.
     void SetHandle(ZoStreamableBase* object, int uid);
-    /// Null for a uid without object.
+    /// Null if no object has the uid.
     ZoStreamableBase* GetHandle(int uid) const;
     void ResetHandles();
 
-    // Pointers that wait to be resolved: one entry for each object read.
-    /// Opens an entry; `fileClass` is the file's class under which the record is read.
+    // Pointers to be resolved: one entry for each object read.
+    /// Opens an entry; `fileClass` is the file's class of the record.
     void AddUnresolved(ZoStreamableBase* object, int uid, TZoClass* fileClass);
-    /// The entry of the object read under a uid; null for none.
+    /// The entry of the object read under a uid; null if there is none.
     const TBinUnresolved* GetUnresolved(int uid) const;
 
-    // Fields of the current record that its class does not have, each with its place in the record.
+    // Fields of the current record that the application's class lacks, with their positions in the record.
     void AddExcludedField(TZoClassField* field, unsigned recordPosition);
     void RemoveExcludedField(TZoClassField* field);
-    /// The first one left, with the stream at its value; null when none is left.
+    /// The first one left, with the stream positioned at its value; null when none is left.
     TZoClassField* GetFirstExcludedField();
     void ClearExcludedFields();
 
-    /// Takes a value of fixed size; as `operator>>`, without the virtual call.
+    /// Reads a value of fixed size as `operator>>` does, without the virtual call.
     template <class T>
     void Take(T& value) {
         if (position <= recordSize && recordSize - position >= sizeof(T)) {
@@ -147,7 +146,7 @@ public:
             TakePastEnd(&value, sizeof(T));
         }
     }
-    // What the `operator>>`s of this class do, without the virtual call.
+    // These do what the `operator>>`s of this class do, without the virtual call.
     template <class T, class = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, long double>>>
     void Get(T& value) {
         Take(value);
@@ -159,27 +158,26 @@ public:
     }
     void Get(ZoString& value);
     void Get(ZoBlob& value);
-    /// Whether `operator>>` is this library's own for all types, so that `Get` may stand for it.
+    /// Whether every `operator>>` is this library's own, so that callers may use `Get` instead.
     virtual bool GetsDirectly() const;
-    /// Takes the bytes of a string or blob without copying them: valid until the next record. The same checks
-    /// as `operator>>`; `location` names the operation in the exception.
+    /// Returns the bytes of a string or blob without copying them; they are valid until the next record.
+    /// Checks as `operator>>` does; `location` names the operation in the exception.
     const unsigned char* TakeBlock(unsigned& size, const char* location);
-    /// A string to read into whose buffer is kept.
+    /// A string to read into; it keeps its buffer from one use to the next.
     ZoString& ScratchString() { return scratch; }
-    /// Makes room for as many objects as the header counts, where the data that is left could hold them.
+    /// Reserves room for the number of objects in the header, or for as many as the remaining data can hold.
     void ReserveInstances();
-    /// Forgets all objects read and everything about them, without deleting any.
+    /// Forgets all objects read and their tables, without deleting any object.
     void ForgetInstances() noexcept;
 
 protected:
     static unsigned GetSecurityKey(unsigned stored);
     static void ApplySecurityKey(unsigned key, unsigned char* data, unsigned size);
 
-    /// Data that lies in memory as a whole: records are then used where they lie, without `Read`. Null for
-    /// none.
+    /// Sets the memory that holds all the data: records are then used in place, without `Read`. May be null.
     void SetWindow(const unsigned char* begin, const unsigned char* end);
     bool HasWindow() const { return windowBegin != nullptr; }
-    /// Has records read with `Read` although there is a window: for a class whose `Read` may be overridden.
+    /// Reads records through `Read` despite the window, because a derived class may override it.
     void SetAsksRead(bool asks) { asksRead = asks; }
     unsigned long long WindowPosition() const {
         return static_cast<unsigned long long>(windowCursor - windowBegin);
@@ -189,10 +187,11 @@ protected:
     /// `Read` from the window.
     bool ReadWindow(void* data, unsigned size, unsigned& done);
 
-    /// Reads the header's bytes and checks them. Throws `XReadStream` with the error's text and `location`
-    /// when they cannot be read, "Header de arquivo inválido" when they are none, and `XNewerVersion`.
+    /// Reads the header's bytes and checks them. Throws `XReadStream` with `location` and the error's text
+    /// when they cannot be read, `XReadStream` "Header de arquivo inválido" when they are not a header, and
+    /// `XNewerVersion`.
     void ReadHeader(const char* location);
-    /// The device's error behind a `Read` that fails, from within it; not called: the data ended.
+    /// A `Read` that fails reports the device's error here; without this call the data has ended.
     void SetReadError(unsigned long error) { readError = error; }
 
 private:
@@ -235,7 +234,7 @@ private:
     const unsigned char* record = nullptr; // in `buffer` or in the window
     unsigned recordSize = 0;
     unsigned position = 0;
-    unsigned char* buffer = nullptr; // DEFAULT_BUFFER_SIZE bytes, from the first record that needs it
+    unsigned char* buffer = nullptr; // DEFAULT_BUFFER_SIZE bytes, allocated on first use
 
     const unsigned char* windowBegin = nullptr;
     const unsigned char* windowCursor = nullptr;

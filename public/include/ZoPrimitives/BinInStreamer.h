@@ -11,15 +11,14 @@ class MadeObjects;
 class ObjectReader;
 class TBinInStream;
 
-/// Reads what `TBinOutStreamer` wrote: one object for each record, with its fields filled through the file's
-/// schema and its pointers resolved.
+/// Reads what `TBinOutStreamer` wrote: makes one object for each record, fills its fields through the file's
+/// schema and resolves its pointers.
 ///
-/// An object of a class that the application does not know is replaced by one of the class's first ancestor
-/// that it knows, or dropped; pointers to it become null. The objects belong to the caller: the first one is
-/// the root, which usually owns the rest, and `TBinInStream::Objects` lists them all. What hung from an
-/// object that was dropped hangs from nothing: `TBinInStream::TakeObjects` takes all objects over at once. A
-/// file in which objects own each other in a circle is legal; such objects are never released by `pointer`s
-/// alone.
+/// An object of a class that the application does not know is replaced by one of the class's first known
+/// ancestor, or dropped; pointers to a dropped object become null. The objects belong to the caller: the
+/// first one is the root, which usually owns the rest, and `TBinInStream::Objects` lists them all. Nothing
+/// owns the children of a dropped object any more: `TBinInStream::TakeObjects` takes all objects over at
+/// once. Objects in a file may own each other in a cycle; `pointer`s alone never release such objects.
 class ZO_API TBinInStreamer : public ZoObject {
 public:
     /// Neither is owned.
@@ -28,13 +27,13 @@ public:
     TBinInStreamer(const TBinInStreamer&) = delete;
     TBinInStreamer& operator=(const TBinInStreamer&) = delete;
 
-    /// Called when an object's fields were read, pointers excepted.
+    /// Called after an object's fields were read; its pointers are not resolved yet.
     virtual void OnAfterLoadInstance(ZoStreamableBase* object);
-    /// Called when an object's pointers were resolved.
+    /// Called after an object's pointers were resolved.
     virtual void OnAfterResolveInstance(ZoStreamableBase* object);
 
 protected:
-    /// Makes the empty object for a record of the file's class `fileClass`; null drops the record.
+    /// Makes the empty object for a record of the file's class `fileClass`. Null drops the record.
     virtual ZoStreamableBase* CreateInstance(TZoClass* fileClass, TZoMetaData* fileSchema,
                                              TZoMetaData* appSchema);
 
@@ -43,24 +42,24 @@ public:
     /// The file handle of a file stream; null for other streams.
     void* GetFile() const;
     TZoMetaData* GetFileMetaData() { return &fileSchema; }
-    /// The file's classes that the application does not know, as far as records of them were met.
+    /// The classes of the records read that the application does not know.
     TIList<TZoClass, pointer<TZoClass>>* GetUnknowObjects() { return &unknown; }
 
-    /// Reads the whole file and returns the root, null when it holds no objects; when the root was dropped,
-    /// the first object that was not. Throws `XStream` "Metadado corrompido" (#1) or "Metadado inválido" (#2,
-    /// #3) with the failure point in "TBinInStreamer::ReadObjects", and whatever the stream throws.
+    /// Reads the whole file and returns the root, or the first object that was not dropped; null when the
+    /// file holds no objects. Throws `XStream` "Metadado corrompido" (#1) or "Metadado inválido" (#2, #3)
+    /// with the failure point in "TBinInStreamer::ReadObjects", and whatever the stream throws.
     ///
-    /// Until all records are read a failure deletes the objects made; later failures (thrown by setters and
-    /// hooks while pointers are resolved) leave them to the caller, in the stream's list.
+    /// A failure before all records are read deletes the objects made. A later one (thrown by setters and
+    /// hooks while pointers are resolved) leaves them to the caller, in the stream's list.
     ZoStreamableBase* ReadObjects();
 
-    /// Whether the object may stay: it was not found `invalid` before, it says so itself (`GetIsValid`), and
-    /// so do the objects that are members of it.
+    /// Whether the object may stay: it was not found `invalid` before, its `GetIsValid` is true, and so is
+    /// that of every object that is a member of it.
     bool OnReadInstance(ZoStreamableBase* object, bool invalid);
-    /// The objects that are members of another (`ftChildValue`).
+    /// The objects that are members of `object` (`ftChildValue`).
     TDVector<ZoStreamableBase*> ChildsByValueOfInstance(ZoStreamableBase* object);
-    /// Deletes the objects of the list and what they own, unless an object that stays owns it too. References
-    /// to them become null and they leave the lists that hold them.
+    /// Deletes the objects of the list and what they own, except objects that a remaining object owns too.
+    /// References to deleted objects become null; lists drop them.
     void RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid);
 
 private:
@@ -68,15 +67,15 @@ private:
     struct Use;
     class Uses;
 
-    /// Throws with one of the locations when there is no schema record, or when it contradicts itself.
+    /// Throws at one of the locations when the schema record is missing or contradicts itself.
     void LoadSchema(const char* noRecord, const char* noSchema);
-    /// `classIds`, rising: reads the records of these classes only; null: all.
+    /// `classIds`, ascending: reads only the records of these classes; null: all records.
     void ReadRecords(const std::vector<int>* classIds);
     Use& UseOf(int classId);
     void Decide(Use& use);
     bool IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues);
     void ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made);
-    /// Fills an object; `owner` is the outermost one around it, or itself.
+    /// Fills an object. `owner` is the outermost object that contains it, or the object itself.
     void ReadFields(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* object,
                     ZoStreamableBase* owner, MadeObjects& made);
     void ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
@@ -90,7 +89,7 @@ private:
     TIList<TZoClass, pointer<TZoClass>> unknown;
     std::unique_ptr<Uses> uses;
     bool plain = false;    // no operation of this streamer is overridden
-    bool filtered = false; // some classes only: what hangs together may not be there
+    bool filtered = false; // reads some classes only, so objects may be incomplete
 };
 
 } // namespace ZoPrimitives

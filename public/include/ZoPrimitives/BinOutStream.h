@@ -19,20 +19,20 @@ class ZoString;
 /// frames it (marker, size, CRC-32, class id, uid, scrambling key) and hands it to the sink.
 ///
 /// Values are little-endian, without tags or alignment; strings and blobs are a 32-bit length and the bytes.
-/// Appending past `DEFAULT_BUFFER_SIZE` fails an assertion and leaves the record as it was.
+/// Appending past `DEFAULT_BUFFER_SIZE` fails an assertion and leaves the record unchanged.
 class ZO_API TBinOutStream : public ZoObject {
 public:
     TBinOutStream();
     TBinOutStream(unsigned version, unsigned release);
-    /// Copies the header's values and the open record, and from a stream that keeps what it wrote to another
-    /// that does, that too; not the handles.
+    /// Copies the header's values and the open record, but not the handles. What was written is copied only
+    /// if both streams keep it in memory.
     TBinOutStream(const TBinOutStream& other);
     TBinOutStream& operator=(const TBinOutStream& other);
     ~TBinOutStream() override;
 
     using ZoObject::operator==;
     using ZoObject::operator!=;
-    /// Whether header values and the open record are the same.
+    /// Whether the header values and the open record are equal.
     bool operator==(const TBinOutStream& other) const;
     bool operator!=(const TBinOutStream& other) const { return !(*this == other); }
 
@@ -50,40 +50,40 @@ public:
     virtual TBinOutStream& operator<<(long double value);
     virtual TBinOutStream& operator<<(bool value);
 
-    /// Closes the open record. A record without values is counted and not emitted. Uids are meant to rise;
-    /// that is the caller's to keep and is not enforced. This base does the bookkeeping only.
+    /// Closes the open record. An empty record is counted but not emitted. Uids should rise; this is not
+    /// checked. The base class only counts.
     virtual void FlushRecord(int uid, int classId);
     /// Emits the open record's bytes raw, without a frame, and empties it.
     virtual void FlushBuffer() = 0;
-    /// Releases what the sink holds (file, memory); never throws.
+    /// Releases the sink's resources (file, memory). Never throws.
     virtual void FreeResourses();
     /// Opens the sink and writes the header to it.
     virtual void Initialize() = 0;
     /// Appends the seven header fields, through `operator<<(unsigned)`.
     virtual void SaveHeader();
-    /// Puts the final record count into a header that was already emitted. Nothing here.
+    /// Puts the final record count into a header that was already emitted. The base class does nothing.
     virtual void RewriteHeader();
-    /// The handle of the file that the stream writes to; null where there is none.
+    /// The handle of the file that the stream writes to; null if there is none.
     virtual void* GetFile() const;
     virtual void SetFile(void* file);
 
-    /// Bytes of the open record so far.
+    /// Size of the open record in bytes.
     unsigned GetBufferSize() const { return records.Size(); }
     /// Number of `FlushRecord` calls so far.
     unsigned GetNInstances() const { return header.recordCount; }
     unsigned GetVersion() const { return header.version; }
     unsigned GetRelease() const { return header.release; }
 
-    /// The uid that this stream gave to an object; 0 when it has none.
+    /// The uid that this stream gave to an object; 0 if it has none.
     int GetHandle(const ZoStreamableBase* object) const { return handles.Get(object); }
-    /// Gives an object a uid of the caller's choice, 0 for none; `AllocateHandle` goes on behind it.
+    /// Gives an object a uid of the caller's choice, 0 for none; `AllocateHandle` continues after it.
     void SetHandle(const ZoStreamableBase* object, int uid) { handles.Set(object, uid); }
-    /// Gives the next uid, from 1 upward, to an object.
+    /// Gives the next uid, from 1 upward, to an object and returns it.
     int AllocateHandle(const ZoStreamableBase* object);
-    /// Forgets all uids and begins at 1 again.
+    /// Forgets all uids and restarts at 1.
     void ResetHandles() { handles.Reset(); }
 
-    /// Whether payloads are scrambled (an obfuscation, no protection). False at first.
+    /// Whether payloads are scrambled, which obfuscates but does not protect them. False by default.
     void SetUsesSecurity(bool uses) { usesSecurity = uses; }
     bool GetUsesSecurity() const { return usesSecurity; }
 
@@ -91,7 +91,7 @@ public:
     void Append(const void* data, std::size_t size) { records.Append(data, size); }
     /// Appends a 32-bit length and the bytes.
     void AppendBlock(const void* data, std::size_t size) { records.AppendBlock(data, size); }
-    // What the `operator<<`s of this class do, without the virtual call.
+    // These do what the `operator<<`s of this class do, without the virtual call.
     template <class T, class = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, long double>>>
     void Put(T value) {
         Append(&value, sizeof value);
@@ -102,7 +102,7 @@ public:
     }
     void Put(const ZoString& value);
     void Put(const ZoBlob& value);
-    /// Whether `operator<<` is this library's own for all types, so that `Put` may stand for it.
+    /// Whether every `operator<<` is this library's own, so that callers may use `Put` instead.
     virtual bool PutsDirectly() const;
 
 protected:
@@ -113,16 +113,15 @@ protected:
     const RecordBuffer& Records() const { return records; }
     /// CRC-32 of the open record.
     unsigned GetCrc() const;
-    /// A key to scramble with: 0 when security is off, otherwise 1, 2 or 4 by chance.
+    /// A scrambling key: 0 when security is off, otherwise 1, 2 or 4 at random.
     unsigned GetSecurityKey() const;
     static void ApplySecurityKey(unsigned key, unsigned char* data, unsigned size);
 
-    /// Frames the open record behind the frames gathered before, after the bookkeeping. False when it was
-    /// empty.
+    /// Counts the open record and frames it after the frames gathered so far. False when it was empty.
     bool Frame(int uid, int classId, bool mayScramble);
-    /// The header as `SaveHeader` writes it now; the open record stays.
+    /// The header as `SaveHeader` would write it now; the open record is unchanged.
     std::vector<unsigned char> HeaderBytes();
-    /// Forgets the frames and their count; the open record stays.
+    /// Forgets the frames and their count; the open record is unchanged.
     void StartAnew();
 
 private:

@@ -16,11 +16,11 @@ class TZoClass;
 class TZoMetaData;
 
 /// Writes a graph of objects: the schema record of the classes that it uses, then one record for each object,
-/// in rising uid order, with pointers as uids.
+/// in ascending uid order, with pointers as uids.
 ///
 /// Construct, write the schema (`WriteObjectMetaData`), then the objects (`WriteObject`); one streamer writes
-/// one file. What is only referred to must be owned by something in the graph, or be referred to by a field
-/// declared with DECLARE_ZO_FIELD_EXTERNAL_REFERENCE, which writes it behind the main graph.
+/// one file. Every object that is referred to must be owned by an object of the graph, or be referred to by a
+/// field declared with DECLARE_ZO_FIELD_EXTERNAL_REFERENCE, which writes it after the main graph.
 class ZO_API TBinOutStreamer : public ZoObject {
 public:
     /// Neither is owned.
@@ -29,9 +29,9 @@ public:
     TBinOutStreamer(const TBinOutStreamer&) = delete;
     TBinOutStreamer& operator=(const TBinOutStreamer&) = delete;
 
-    /// Called when an object's record was written.
+    /// Called after an object's record was written.
     virtual void OnAfterSaveInstance(ZoStreamableBase* object);
-    /// Called when all records were written: puts the record count into the header.
+    /// Called after all records were written; puts the record count into the header.
     virtual void RewriteHeader();
 
     TZoMetaData* GetMetaData() const { return schema; }
@@ -40,30 +40,31 @@ public:
     void* GetFile() const;
     void SetFile(void* file);
 
-    /// Write the schema record: of the classes that the graph under one root, or under several, uses, in the
-    /// application's order and under its ids. A null root uses none.
+    /// Write the schema record of the classes that the graph under one root, or under several, uses, with the
+    /// application's order and ids. A null root uses no class.
     void WriteObjectMetaData(ZoStreamableBase* root);
     void WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots);
-    /// Writes the whole application's schema.
+    /// Writes the application's complete schema.
     void WriteMetaData();
 
-    /// Write the records. An object of a class that is not registered, or registered only by its base, fails
-    /// an assertion; a reference to an object that is not written throws `XStream`. After any failure the
-    /// stream's resources are freed. An object that has a uid before keeps it and is written like the others.
+    /// Write the records. An object whose class is not registered, or registered only by its base, fails an
+    /// assertion; a reference to an object that is not written throws `XStream`. After any failure the
+    /// stream's resources are freed. An object that already has a uid keeps it.
     ///
-    /// Code of the application that runs meanwhile (`WillWrite`, accessors, `OnAfterSaveInstance`) may change
-    /// the graph: what no owner holds any more when the turn of its record comes is not written. An object
-    /// that no `pointer` owns must outlive its turn and those of what it owns, unless it is let go of before.
+    /// Application code that runs meanwhile (`WillWrite`, accessors, `OnAfterSaveInstance`) may change the
+    /// graph: an object that no owner holds when the turn of its record comes is not written. An object that
+    /// no `pointer` owns must outlive its own turn and those of the objects it owns, unless it is let go of
+    /// first.
     void WriteObject(ZoStreamableBase* object);
     void WriteObjects(TDList<ZoStreamableBase*>* objects);
-    /// Gives uids to what the external references point to and to what hangs from it. Both lists as in
+    /// Gives uids to the targets of external references and to the objects they own. Both lists are as in
     /// `WriteObjects`; `externals` may grow meanwhile.
     void AlocateExternalInstancesHandles(TDList<ZoStreamableBase*>* objects,
                                          TDList<ZoStreamableBase*>* externals);
 
     /// Whether the object's record was written since the stream's handles were last reset.
     bool InstanceIsAlreadySaved(const ZoStreamableBase* object) const;
-    /// Writes the record of an object and those of what it owns, unless written before. The objects must have
+    /// Writes the records of an object and of the objects it owns, unless already written. All must have
     /// uids.
     void SaveInstance(TBinOutStream* target, ZoStreamableBase* object);
 
@@ -75,7 +76,7 @@ private:
     TBinOutStream* stream;
     TZoMetaData* schema;
     std::unique_ptr<ObjectWriter> writer;
-    std::size_t expected = 0; // objects, as the collecting of the schema met them
+    std::size_t expected = 0; // number of objects found while the schema was collected
 };
 
 } // namespace ZoPrimitives

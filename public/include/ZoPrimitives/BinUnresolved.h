@@ -13,34 +13,33 @@ class TZoClass;
 class TZoClassField;
 class ZoStreamableBase;
 
-/// An object whose pointers wait for the objects that they name.
+/// An object whose pointers are still uids.
 struct TBinUnresolved {
     ZoStreamableBase* object;
-    TZoClass* fileClass; ///< the file's class under which the record was read
+    TZoClass* fileClass; ///< the file's class of the record
     int uid;
     std::size_t firstUid; ///< where the object's uids begin in `TBinUnresolvedPointers`
 };
 
-/// The uids that the pointer fields of all objects read hold, in one flat array: for each field in the order
-/// read one uid, or a count and that many uids.
+/// The uids in the pointer fields of all objects read, in one flat array: for each field, in reading order,
+/// one uid, or a count and that many uids.
 class ZO_API TBinUnresolvedPointers {
 public:
     TBinUnresolvedPointers();
     ~TBinUnresolvedPointers();
 
-    /// Opens the entry of the object that is read next.
+    /// Opens the entry of the object to be read next.
     void Open(ZoStreamableBase* object, int uid, TZoClass* fileClass) {
         entries.push_back({object, fileClass, uid, used});
     }
-    /// Adds a single pointer of the entry opened last.
+    /// Adds a single pointer to the entry opened last.
     void LoadPointer([[maybe_unused]] TZoClassField* field, int uid) {
         if (used == capacity) Grow(used + 1);
         uids[used++] = uid;
     }
-    /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` when the record holds
-    /// fewer.
+    /// Adds a list of `count` pointers and reads their uids. Throws `XReadStream` if there are fewer.
     void LoadPointers(TZoClassField* field, int count, TBinInStream* stream);
-    /// The same with a callable that gives one uid after the other, as many as were found to be there.
+    /// As above; `take` supplies one uid a call. The caller has checked that there are `count`.
     template <class Take>
     void TakePointers(TZoClassField* field, int count, const Take& take) {
         LoadPointer(field, count);

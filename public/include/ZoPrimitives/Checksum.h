@@ -9,7 +9,7 @@ namespace ZoPrimitives {
 
 class Point3D;
 
-/// The fingerprint of a value: 64 bits, compared by value.
+/// The 64-bit fingerprint of a value.
 class ZO_API TChecksumType {
 public:
     TChecksumType() noexcept : value(0) {}
@@ -18,7 +18,7 @@ public:
     TChecksumType& operator=(const TChecksumType&) noexcept;
     virtual ~TChecksumType();
     virtual bool operator==(const TChecksumType& other) const;
-    /// The opposite of the most derived `operator==`.
+    /// Negates the most derived `operator==`.
     virtual bool operator!=(const TChecksumType& other) const;
 
     unsigned long long GetValue() const noexcept { return value; }
@@ -31,18 +31,18 @@ private:
 /// The 64-bit FNV-1a hash of a value's bytes, the same in every process and on every platform.
 ZO_API TChecksumType CreateChecksum(int value);
 ZO_API TChecksumType CreateChecksum(bool value);
-/// 0.0 and -0.0 are one value; every other bit pattern, of NaN too, is its own.
+/// 0.0 and -0.0 have the same hash; every other bit pattern, NaNs included, has its own.
 ZO_API TChecksumType CreateChecksum(double value);
-/// The characters, without terminator.
+/// Hashes the characters without the terminator.
 ZO_API TChecksumType CreateChecksum(const ZoString& text);
-/// As of the `ZoString` of that text; null is the empty text.
+/// The same hash as for a `ZoString` of that text; null counts as the empty text.
 ZO_API TChecksumType CreateChecksum(const char* text);
-/// Twice the exclusive or of the coordinates' checksums: their order does not count, and two that are equal
-/// cancel out.
+/// Twice the exclusive or of the coordinates' checksums: their order does not matter, and equal ones cancel
+/// out.
 ZO_API TChecksumType CreateChecksum(const Point3D& point);
 
-/// Types that would become another value on the way to `CreateChecksum`, or another width from one platform
-/// to the next: integers that do not fit an int, long double, and pointers but those to text.
+/// Types that would convert to another value on the way to `CreateChecksum`, or whose width depends on the
+/// platform: integers that do not fit an int, long double, and pointers other than text.
 template <class T>
 inline constexpr bool NeedsExplicitChecksumType =
     (std::is_pointer_v<T> && !std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, char>) ||
@@ -53,13 +53,13 @@ inline constexpr bool NeedsExplicitChecksumType =
 template <class T, std::enable_if_t<NeedsExplicitChecksumType<T>, int> = 0>
 TChecksumType CreateChecksum(T) = delete; // cast to the int, bool, double or text that is meant
 
-/// The starting value of a combination.
+/// The starting value for `TCombinedChecksum`.
 ZO_API TChecksumType GetChecksumSeed();
-/// A value drawn uniformly from 1 to 2,147,483,648.
+/// A random value, uniform from 1 to 2,147,483,648.
 ZO_API TChecksumType CreateRandomChecksum();
 
 /// The fingerprint of a structure: start from `GetChecksumSeed()` and combine the checksum of each member.
-/// The order counts; what was combined more than 63 calls ago has left the value.
+/// The order matters; only the last 64 combined values affect the result.
 class ZO_API TCombinedChecksum {
 public:
     explicit TCombinedChecksum(TChecksumType seed);

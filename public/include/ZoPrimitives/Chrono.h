@@ -4,10 +4,10 @@
 
 namespace ZoPrimitives {
 
-/// A stopwatch for short times: it counts milliseconds modulo 65,536, and after 70 s reads about 4.5 s.
+/// A stopwatch for short times. It counts milliseconds modulo 65,536: after 70 s it reads about 4.5 s.
 class ZO_API Chrono {
 public:
-    /// Stopped, at zero.
+    /// Starts stopped, at zero.
     Chrono();
     Chrono(const Chrono& other) = default;
     Chrono& operator=(const Chrono& other) = default;
@@ -16,16 +16,16 @@ public:
     bool operator==(const Chrono& other) const;
     bool operator!=(const Chrono& other) const { return !(*this == other); }
 
-    /// To zero; a running watch runs on.
+    /// Sets the time to zero; a running watch keeps running.
     void Reset();
-    /// Goes on from what has elapsed; nothing for a watch that runs.
+    /// Continues from the elapsed time. Does nothing if the watch is running.
     void Start();
     void Stop();
 
-    // Cut off, in binary fractions: at times a hundredth less than the milliseconds would have it, so that
-    // after 13 s the watch reads 12.99.
+    // The parts are truncated in binary floating point, so the watch may read a hundredth too little: 12.99
+    // after 13 s.
 
-    /// Always 0: the watch does not count that far.
+    /// Always 0: the watch wraps before a minute and six seconds.
     unsigned short Hours();
     unsigned char Minutes();
     unsigned char Seconds();
@@ -34,8 +34,8 @@ public:
 private:
     void GetTime(unsigned short& h, unsigned char& m, unsigned char& s, unsigned char& c);
 
-    unsigned short start = 0;   // when it would have begun without the stops; ms
-    unsigned short elapsed = 0; // when last stopped or read; ms
+    unsigned short start = 0;   // ms, as if the watch had never been stopped
+    unsigned short elapsed = 0; // ms, when last stopped or read
     bool running = false;
 };
 

@@ -5,8 +5,8 @@
 
 namespace ZoPrimitives {
 
-/// Reads records from the clipboard: from a copy, so that the clipboard is closed again at once. Zeros that
-/// the system has put behind the block are no records.
+/// Reads records from a copy of the clipboard's block, so that the clipboard is closed again at once. Ignores
+/// zeros that the system has appended to the block.
 class ZO_API TClipboardBinInStream : public TBinInStream {
 public:
     static constexpr unsigned ANY_VERSION = 0xFFFFFFFFu;
@@ -17,14 +17,14 @@ public:
     TClipboardBinInStream(const TClipboardBinInStream&) = delete;
     TClipboardBinInStream& operator=(const TClipboardBinInStream&) = delete;
 
-    /// Takes what is on the clipboard now and reads its header. Throws as `GetDataFromClipboard`,
-    /// `XReadStream` when it is no block of records, and `XNewerVersion`.
+    /// Copies the clipboard's current block and reads its header. Throws as `GetDataFromClipboard` does,
+    /// `XReadStream` when the block holds no records, and `XNewerVersion`.
     void Initialize();
-    /// Takes what is on the clipboard now, without reading its header. Throws `XReadStream`: "Invalid data
-    /// handle" when there is nothing in the format "ZoCad", otherwise the reason ("Clipboard in use": another
-    /// program has it open, a second long).
+    /// Copies the clipboard's current block without reading its header. Throws `XReadStream`: "Invalid data
+    /// handle" when the clipboard holds nothing in the format "ZoCad", otherwise the reason ("Clipboard in
+    /// use" when another program keeps it open for a second).
     void GetDataFromClipboard();
-    /// Raw bytes. A derived class that overrides it is asked for every byte, header included.
+    /// Reads raw bytes. An override in a derived class is called for every byte, the header's included.
     bool Read(void* data, unsigned size, unsigned& done) override;
     /// Throws `XReadStream` "Feature (seek) not implemented".
     unsigned long long Seek(unsigned offset, int origin);

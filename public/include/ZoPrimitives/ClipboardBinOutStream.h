@@ -5,11 +5,12 @@
 
 namespace ZoPrimitives {
 
-/// Writes records for the clipboard: a block in the format "ZoCad" with the bytes that a file would hold,
+/// Writes records to the clipboard: a block in the format "ZoCad" with the bytes that a file would hold,
 /// header included. Records are never scrambled, whatever `SetUsesSecurity` says.
 ///
-/// `Initialize`, records, `Finalize`, which alone touches the clipboard: it is replaced as a whole or not at
-/// all, and a stream that ends without `Finalize` leaves it as it is. Afterwards `Initialize` begins anew.
+/// Call `Initialize`, write records, call `Finalize`, which alone touches the clipboard: it replaces the
+/// contents completely or not at all. A stream destroyed before `Finalize` leaves the clipboard unchanged.
+/// After `Finalize`, `Initialize` starts a new block.
 class ZO_API TClipboardBinOutStream : public TBinOutStream {
 public:
     TClipboardBinOutStream();
@@ -18,18 +19,18 @@ public:
     TClipboardBinOutStream(const TClipboardBinOutStream&) = delete;
     TClipboardBinOutStream& operator=(const TClipboardBinOutStream&) = delete;
 
-    /// Starts anew with the header, or with the bytes of the open record when that is not empty (a header
-    /// that `SaveHeader` placed there).
+    /// Starts a new block with the header. If the open record is not empty, its bytes (a header that
+    /// `SaveHeader` placed there) are used instead.
     void Initialize() override;
-    /// Between `Initialize` and `Finalize` only; an assertion fails elsewhere.
+    /// Fails an assertion outside `Initialize` and `Finalize`.
     void FlushRecord(int uid, int classId) override;
     void FlushBuffer() override;
-    /// Puts the record count into the header and the block on the clipboard, in place of everything that it
-    /// held. Does nothing before `Initialize` and after it has succeeded. Throws `XWriteStreamOutOfSpace`, or
-    /// `XWriteStream` with the reason ("Clipboard in use": another program has it open, a second long); the
-    /// stream then still holds everything, and `Finalize` may be called again.
+    /// Puts the record count into the header and replaces the clipboard's contents with the block. Does
+    /// nothing before `Initialize` and after a successful call. Throws `XWriteStreamOutOfSpace`, or
+    /// `XWriteStream` with the reason ("Clipboard in use" when another program keeps it open for a second);
+    /// the stream then still holds everything, and `Finalize` may be called again.
     void Finalize();
-    /// Gives up what was written, without `Finalize`.
+    /// Discards what was written since `Initialize`.
     void FreeResourses() override;
     void RewriteHeader() override;
     /// Throws `XWriteStream` "Feature (reset) not implemented".
@@ -39,7 +40,7 @@ public:
 private:
     bool writing = false;
     bool plainHeader = false;          // written by `SaveHeader`
-    unsigned long long headerSize = 0; // of what stands before the records
+    unsigned long long headerSize = 0; // bytes before the first record
 };
 
 } // namespace ZoPrimitives

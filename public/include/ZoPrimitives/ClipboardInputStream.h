@@ -10,21 +10,22 @@ namespace ZoPrimitives {
 class OpenedClipboard;
 
 /// Reads the values that a `ClipboardOutputStream` put on the clipboard, each as the type that it was written
-/// as. The clipboard is open, for nobody else, until the stream goes: on the thread that made it, and soon.
+/// as. The stream keeps the clipboard open, and closed to everybody else, until it is destroyed: destroy it
+/// soon, on the thread that created it.
 ///
-/// A value of another size throws `XReadStream` "Invalid data size", as does one that reaches beyond the
-/// block; the stream stays before it. Zeros that the system has put behind the block are no values.
+/// A value of another size, or one that reaches beyond the block, throws `XReadStream` "Invalid data size";
+/// the stream stays before it. Ignores zeros that the system has appended to the block.
 class ZO_API ClipboardInputStream : public InputStream {
 public:
-    /// Throws `XReadStream`: "Invalid data handle" when there is nothing in the format "ZoCad", otherwise the
-    /// reason ("Clipboard in use": another program has it open, a second long).
+    /// Throws `XReadStream`: "Invalid data handle" when the clipboard holds nothing in the format "ZoCad",
+    /// otherwise the reason ("Clipboard in use" when another program keeps it open for a second).
     ClipboardInputStream();
     ~ClipboardInputStream() override;
 
     InputStream& operator>>(ZoString& value) override;
-    /// Copies the value's bytes and, unless they end with one, a 0 byte. A stranger may have put a value of
-    /// any length there: the size of the whole block is not known to the caller, so this is safe for blocks
-    /// of the program's own only.
+    /// Copies the value's bytes and appends a 0 byte unless they end with one. The buffer's size is not
+    /// checked, and another program may have written a value of any length: use this only for blocks that
+    /// this program wrote.
     InputStream& operator>>(char* buffer) override;
     InputStream& operator>>(long double& value) override;
     InputStream& operator>>(double& value) override;
@@ -47,9 +48,9 @@ private:
 
     std::unique_ptr<OpenedClipboard> clipboard;
     const unsigned char* data = nullptr; // the next value
-    unsigned long long consumed = 0;     // bytes of the block
+    unsigned long long consumed = 0;     // bytes of the block read so far
     unsigned long long size = 0;
-    unsigned long long valuesEnd = 0; // the last value begins before this
+    unsigned long long valuesEnd = 0; // offset before which the last value begins
 };
 
 } // namespace ZoPrimitives

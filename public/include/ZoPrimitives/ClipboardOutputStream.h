@@ -14,15 +14,15 @@ namespace ZoPrimitives {
 /// The bytes of one value on the clipboard.
 using BinaryData = ZoBlob;
 
-/// Writes values for the clipboard: in the format "ZoCad", each as its length in bytes, of 32 bits, and its
-/// bytes as they stand in memory; a text has a terminating 0 byte.
+/// Writes values to the clipboard in the format "ZoCad": each as a 32-bit length in bytes and the bytes as
+/// they are in memory; a text includes its terminating 0 byte.
 ///
-/// Values are collected in memory and replace what the clipboard holds at once, in `Finalize`, which reports
-/// failures, or in the destructor, which cannot. Without values it is an empty block that does so.
+/// Values are collected in memory and replace the clipboard's contents at once, in `Finalize`, which reports
+/// failures, or in the destructor, which cannot. A stream without values puts an empty block there.
 class ZO_API ClipboardOutputStream : public OutputStream {
 public:
     ClipboardOutputStream();
-    /// Puts on the clipboard what `Finalize` has not put there; a failure is not reported.
+    /// Puts the values on the clipboard unless `Finalize` has; does not report failures.
     ~ClipboardOutputStream() override;
 
     using OutputStream::operator<<;
@@ -38,8 +38,9 @@ public:
     OutputStream& operator<<(bool value) override;
 
     /// Puts the values on the clipboard. Throws `XWriteStreamOutOfSpace`, or `XWriteStream` with the reason
-    /// ("Clipboard in use": another program has it open, a second long); it may be called again then. After
-    /// a success the stream takes no more values; a second call, and the destructor, do nothing.
+    /// ("Clipboard in use" when another program keeps it open for a second); it may be called again then.
+    /// After success the stream takes no more values, and neither a second call nor the destructor does
+    /// anything.
     void Finalize();
 
 private:
@@ -47,7 +48,7 @@ private:
     void PutDataInClipboard();
 
     pointer<TDList<BinaryData>> records;
-    std::uint32_t total = 0; // bytes of the block
+    std::uint32_t total = 0; // size of the block in bytes
     bool finalized = false;
 };
 

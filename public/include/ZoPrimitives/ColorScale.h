@@ -4,11 +4,11 @@
 
 namespace ZoPrimitives {
 
-/// Colours a value between two limits: from the low colour over a middle one to the high colour, which
-/// without further ado gives blue, cyan, green, yellow, red at the quarter points.
+/// Colours a value between two limits: from the low colour through a middle one to the high colour. The
+/// defaults give blue, cyan, green, yellow and red at the quarter points.
 class ZO_API TColorScale {
 public:
-    /// Both limits 0: the low colour for values up to 0, the high colour above.
+    /// Both limits are 0: values up to 0 get the low colour, others the high colour.
     TColorScale();
     TColorScale(double min, double max);
     TColorScale(const TColorScale&);
@@ -19,18 +19,17 @@ public:
     double GetLimitMin() const { return limitMin; }
     double GetLimitMax() const { return limitMax; }
 
-    /// The middle colour is made of what both lack: each component is the complement of the sum of theirs,
-    /// in 8 bits.
+    /// Each component of the middle colour is the complement, in 8 bits, of the sum of the other two.
     void SetColorLimits(const TZoColor& low, const TZoColor& high);
     const TZoColor& GetColorMin() const { return colorMin; }
     const TZoColor& GetColorMax() const { return colorMax; }
 
-    /// The low colour up to `GetLimitMin`, the high colour from `GetLimitMax` on; where both would do, as
-    /// with limits that are equal or reversed, the low colour.
+    /// The low colour up to `GetLimitMin`, the high colour from `GetLimitMax` on; the low colour where both
+    /// apply, as with equal or reversed limits.
     ///
     /// In the first quarter the low colour is full and the middle colour rises; in the second the low colour
-    /// fades; the upper half mirrors this. The sum of a component shared by both colours wraps in 8 bits.
-    /// Alpha is 0 in between. Black for NaN, and between limits that are NaN or too far apart for a double.
+    /// fades; the upper half mirrors this. Where two colours share a component their sum wraps in 8 bits.
+    /// Alpha is 0 between the limits. Black for NaN, and where the limits are NaN or too far apart.
     TZoColor GetColor(double value) const;
 
 private:

@@ -6,28 +6,27 @@
 
 // Conversion between an application's business objects and the streamable objects that are saved for them.
 //
-// A helper converts one graph, or several that share objects: as long as it lives it remembers each object
-// with its counterpart, so both must be there until then. A counterpart is filled when `Convert` returns, but
-// for one that is met again while it is being filled (a cycle), and one that lies more than
-// `ZO_CONVERTION_DEPTH` conversions deep: these are when the outermost `Convert` returns. A chain of any
-// length therefore takes little stack.
+// A helper converts one graph, or several that share objects. It remembers each object with its counterpart,
+// so both must live as long as the helper. `Convert` returns a counterpart that is filled, with two
+// exceptions: one that is being filled already (a cycle), and one more than `ZO_CONVERTION_DEPTH` conversions
+// deep. These are filled when the outermost `Convert` returns, so a chain of any length takes little stack.
 //
-// When the outermost `Convert` returns, the objects that it made are the caller's, whoever holds them. When
-// it throws, they are forgotten, and those that no `pointer` holds are deleted: objects that convert must
-// own each other through `pointer`s or not at all, and those that own each other in a circle stay. A failure
-// that a filling function catches itself leaves the object concerned as it is.
+// When the outermost `Convert` returns, the objects that it made belong to the caller. When it throws, the
+// helper forgets them and deletes those that no `pointer` holds: objects that convert must own each other
+// through `pointer`s or not at all, and objects that own each other in a cycle leak. If a filling function
+// catches a failure itself, the object concerned stays as far as it was filled.
 
 namespace ZoPrimitives {
 
-/// How many conversions may be under way inside each other before filling is put off.
+/// How deep conversions may nest before filling is deferred.
 inline constexpr int ZO_CONVERTION_DEPTH = 500;
 
 /// Makes the streamable counterparts of an application's business objects.
 class ZO_API IStreamableConvertionFactory {
 public:
     /// A new, empty streamable object for a business object whose run-time type has that name: "class " and
-    /// the type's name without "ZoPrimitives::", on every compiler (`ZoStreamableClassName` gives it too).
-    /// Null for objects that are not saved.
+    /// the type's name without "ZoPrimitives::", on every compiler (see `ZoStreamableClassName`). Null for
+    /// objects that are not saved.
     virtual ZoObjectStreamable* CreateStreamable(const ZoString& businessClassName) = 0;
     virtual ~IStreamableConvertionFactory();
 };
@@ -42,9 +41,9 @@ public:
     TBusinessToStreamableObjectConvertionHelper&
     operator=(const TBusinessToStreamableObjectConvertionHelper&) = delete;
 
-    /// The object's counterpart, the same one each time: made by the factory and filled by its own
-    /// `FillFromBusinessObject`, which calls here for what `business` refers to. Null for null, and where the
-    /// factory makes none.
+    /// Returns the object's counterpart, always the same one. The factory makes it, and its own
+    /// `FillFromBusinessObject` fills it, calling `Convert` for the objects that `business` refers to. Null
+    /// for null, and where the factory returns null.
     ZoObjectStreamable* Convert(ZoObject* business);
 
 private:
@@ -61,9 +60,9 @@ public:
     TStreamableToBusinessObjectConvertionHelper&
     operator=(const TStreamableToBusinessObjectConvertionHelper&) = delete;
 
-    /// The object's counterpart, the same one each time: made by `CreateBusinessObject` of `streamable` and
-    /// filled by its `FillBusinessObject`, which calls here for what it refers to. Null for null, and where
-    /// none is made.
+    /// Returns the object's counterpart, always the same one. `streamable` makes it with
+    /// `CreateBusinessObject` and fills it with `FillBusinessObject`, which calls `Convert` for the objects
+    /// that it refers to. Null for null, and where `CreateBusinessObject` returns null.
     ZoObject* Convert(ZoObjectStreamable* streamable);
 
 private:

@@ -7,8 +7,8 @@
 
 namespace ZoPrimitives {
 
-/// What kind of value a property that the user defines has. Any number can be held; those beyond `Inteiro`
-/// are kinds of nothing, are no real numbers and have the name of `Texto`.
+/// The kind of value of a user-defined property. Any number can be held; one outside `Texto` to `Inteiro`
+/// counts as no real number and has the name of `Texto`.
 class ZO_API ECustomPropertyValueType : public TEnum {
 public:
     enum Kind : std::int32_t {
@@ -38,7 +38,7 @@ public:
     static ZoString Nome(ECustomPropertyValueType kind);
     static ECustomPropertyValueType PrimeiroValor();
     static ECustomPropertyValueType UltimoValor();
-    /// The first kind of that name, in the language in use and in any case; `Texto` when there is none.
+    /// The first kind of that name in the language in use, ignoring case; `Texto` when there is none.
     static ECustomPropertyValueType Value(const ZoString& nome);
 
     bool IsRealNumber() const;

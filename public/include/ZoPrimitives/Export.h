@@ -1,7 +1,7 @@
 #pragma once
 
 // ZO_API marks what the shared library exports; everything else stays hidden.
-// ZO_STATIC: the library's objects are linked straight into the program (the library's own tests).
+// ZO_STATIC: a program links the library's objects directly (the library's own tests do).
 #if defined(_WIN32) && !defined(ZO_STATIC)
 #if defined(ZO_BUILDING_LIBRARY)
 #define ZO_API __declspec(dllexport)

@@ -5,25 +5,25 @@
 
 namespace ZoPrimitives {
 
-/// What an application finds by its name, to make objects with. Applications derive from it.
+/// An object of the application's that makes others and is found by its name. Applications derive from it.
 class ZO_API IZoFactory : public ZoObject {
 public:
-    /// Stays the same as long as the factory is listed.
+    /// Must not change while the factory is listed.
     virtual ZoPortableString GetName() const = 0;
     ~IZoFactory() override;
 };
 
 /// The factories of the process, by name.
 ///
-/// The list is not guarded: threads may look factories up at the same time, as long as none adds or clears.
-/// Factories that are still listed when the process ends are not destroyed: their code may have gone before.
+/// The list is not guarded: threads may look factories up at the same time as long as none adds or clears.
+/// Factories still listed when the process ends are not destroyed: their code may be gone.
 class ZO_API TFactoryManager {
 public:
-    /// Lists a factory, which the list holds by a `pointer`. It takes the place of one of the same name.
+    /// Lists a factory, held by a `pointer`. It replaces one of the same name.
     static void AddFactory(IZoFactory* factory);
-    /// Null for a name that no factory has.
+    /// Null if no factory has that name.
     static IZoFactory* GetFactory(const ZoString& name);
-    /// Empties the list. Factories that nothing else holds are deleted.
+    /// Empties the list, which deletes factories that nothing else holds.
     static void ClearAllFactories();
 
 private:

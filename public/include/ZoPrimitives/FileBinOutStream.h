@@ -9,23 +9,23 @@ namespace ZoPrimitives {
 
 class FileReplacement;
 
-/// Writes records to a file, and keeps the version that the file held before until the new one is whole.
+/// Writes records to a file and keeps its previous version until the new one is complete.
 ///
-/// With the backup flag, or on a network drive, writing goes to a temporary file beside the target.
-/// `Finalize` renames it to the target's name with "-new" behind it, copies it over the target and deletes
-/// it: at every instant one whole version exists as the target, as its "-bak" copy (backup flag only), as the
-/// temporary or as the "-new" file. When that was stopped by a crash, a target that is torn is made whole
-/// from the "-new" file before it is kept as the backup of the next save. Otherwise the target is written in
-/// place; it is then left to the system when it reaches the device.
+/// With the backup flag, or on a network drive, the stream writes to a temporary file beside the target.
+/// `Finalize` renames it to the target's name with "-new" appended, copies it over the target and deletes it:
+/// at every moment one complete version exists as the target, its "-bak" copy (backup flag only), the
+/// temporary or the "-new" file. If a crash interrupts the copy, the next save first restores the torn target
+/// from the "-new" file, then keeps it as its backup. Otherwise the target is written in place, and the
+/// system decides when it reaches the device.
 ///
-/// A stream writes one file: `Initialize`, records, `Finalize`. Whole records are gathered and written in
-/// blocks of 256 KiB or more; a failure surfaces in the call that meets it, at the latest in `Finalize`, as
-/// `XWriteStreamOutOfSpace` when the device is full and as `XWriteStream` otherwise. The file is then closed,
-/// what was written stays where `GetWrittenPath` says, further records throw, and `Finalize` does nothing.
+/// A stream writes one file: `Initialize`, records, `Finalize`. It gathers complete records and writes blocks
+/// of 256 KiB or more. A failure surfaces in the call that meets it, at the latest in `Finalize`: as
+/// `XWriteStreamOutOfSpace` when the device is full, as `XWriteStream` otherwise. The file is then closed,
+/// `GetWrittenPath` tells where the data is, further records throw, and `Finalize` does nothing.
 class ZO_API TFileBinOutStream : public TBinOutStream {
 public:
-    /// A new stream, on the heap and the caller's; a `pointer` may hold it. Nothing is opened yet. `backup`
-    /// keeps the target's previous version as its full name followed by "-bak".
+    /// Makes a new stream on the heap, owned by the caller; a `pointer` may hold it. Opens nothing yet.
+    /// `backup` keeps the target's previous version under its full name followed by "-bak".
     static TFileBinOutStream* Create(const char* fileName, bool backup);
     static TFileBinOutStream* Create(const char* fileName, unsigned version, unsigned release, bool backup);
     /// As `FreeResourses`.
@@ -33,46 +33,47 @@ public:
     TFileBinOutStream(const TFileBinOutStream&) = delete;
     TFileBinOutStream& operator=(const TFileBinOutStream&) = delete;
 
-    /// Opens the file, others may read it meanwhile, and writes the header; one that the caller has already
-    /// put into the open record, with `SaveHeader`, is taken. When the opening fails it may be tried again.
+    /// Opens the file, which others may read meanwhile, and writes the header; one that the caller has
+    /// already put into the open record with `SaveHeader` is used instead. May be called again if the file
+    /// cannot be opened.
     void Initialize() override;
-    /// Ends the file: writes what is left, puts the record count into the header, closes, makes the backup
-    /// and replaces the target. A second call does nothing. When the temporary file cannot be deleted at the
-    /// very end the data is safe, and nothing is thrown.
+    /// Completes the file: writes what is left, puts the record count into the header, closes the file, makes
+    /// the backup and replaces the target. A second call does nothing. Does not throw if only the deletion of
+    /// the temporary file fails at the very end: the data is safe.
     void Finalize();
     void FlushRecord(int uid, int classId) override;
-    /// Writes everything gathered, and the open record's bytes as they are.
+    /// Writes everything gathered, then the open record's bytes without a frame.
     void FlushBuffer() override;
-    /// Gives up without `Finalize`: writes what is gathered, closes, and throws nothing. The target is not
-    /// replaced; a temporary file stays behind.
+    /// Gives up without `Finalize`: writes what is gathered and closes the file, without throwing. The target
+    /// is not replaced; a temporary file remains.
     void FreeResourses() override;
-    /// Returns to the place after it; an open record stays.
+    /// Returns to the current position afterwards; the open record is unchanged.
     void RewriteHeader() override;
     bool PutsDirectly() const override;
 
-    /// Where in the file, in bytes, the next ones are written. Writes what is gathered first.
+    /// Where in the file, in bytes, the next ones go. Writes what is gathered first.
     unsigned long long GetPosition();
-    /// Writes what is gathered and goes back to where the header stands: the next bytes go there.
+    /// Writes what is gathered and returns to the header's position: the next bytes go there.
     void Reset();
 
-    /// The open file, with everything gathered written to it; null for none. The handle stays the stream's.
+    /// The open file, with everything gathered written to it; null if none is open. The stream owns it.
     void* GetFile() const override;
-    /// Before `Initialize`: has the stream write to a file that the caller has opened for writing, from where
-    /// it stands. That file stays the caller's: it is not closed, and there is no temporary file and no
-    /// backup. Where the stream began at its very beginning, `Finalize` ends it behind what was written. Null
-    /// goes back to the file name.
+    /// Before `Initialize`: makes the stream write to a file that the caller has opened for writing, from its
+    /// current position. The caller keeps the file: it is not closed and gets neither a temporary file nor a
+    /// backup. If the stream began at the file's very beginning, `Finalize` truncates the file after the
+    /// data. Null returns to the file name.
     void SetFile(void* file) override;
 
     const ZoString& GetFileName() const;
-    /// The file that holds what was written: the temporary one, or the "-new" one, until `Finalize` has put
-    /// it in the target's place, the target otherwise.
+    /// The file that holds the data: until `Finalize` has replaced the target, the temporary or the "-new"
+    /// file; otherwise the target.
     const ZoString& GetWrittenPath() const { return *writtenPath; }
 
 protected:
     TFileBinOutStream(const char* fileName, bool backup);
     TFileBinOutStream(const char* fileName, unsigned version, unsigned release, bool backup);
 
-    /// Writes everything gathered, and then the bytes, at once; the open record stays.
+    /// Writes everything gathered, then the bytes, at once; the open record is unchanged.
     void WriteToFile(const unsigned char* data, unsigned size);
 
 private:
@@ -97,11 +98,11 @@ private:
     bool ownsFile = false;
     bool backup;
     bool throughTemporary = false;
-    bool plainHeader = false;           // written by `SaveHeader`, and nothing else with it
-    unsigned headerCount = 0;           // the record count that it holds
-    unsigned long long headerStart = 0; // where in the file it stands
-    unsigned long long writtenEnd = 0;  // of a caller's file that begins with the header: the furthest place
-    bool isWhole = false;               // it is such a file
+    bool plainHeader = false;           // written by `SaveHeader`, with nothing after it
+    unsigned headerCount = 0;           // the record count in the header
+    unsigned long long headerStart = 0; // the header's offset in the file
+    unsigned long long writtenEnd = 0;  // the furthest offset written, if `isWhole`
+    bool isWhole = false;               // the file is the caller's and begins with the header
     State state = State::New;
 };
 

@@ -9,19 +9,19 @@
 
 namespace ZoPrimitives {
 
-/// Writes tokens as a text file, one in a line, with CR LF between them and nothing behind the last one.
+/// Writes tokens to a text file, one a line, with CR LF between them and nothing after the last one.
 ///
-/// Integers are decimal, flags 1 and 0, real numbers have 15 significant digits and always a point ("100.",
+/// Integers are decimal, flags 1 and 0; real numbers have 15 significant digits and always a point ("100.",
 /// "1.e+020"). Tokens are collected in memory and written at once, by `Finalize`, which reports failures, or
 /// by the destructor, which cannot. A token that finds no memory throws `std::bad_alloc`.
 class ZO_API FileOutputStream : public OutputStream {
 public:
-    /// Creates the file, or empties it; others may read it meanwhile. `keepOpen`: the file is not closed with
-    /// the stream; take its handle with `GetFile`. Throws `XWriteStream` or `XWriteStreamOutOfSpace`.
+    /// Creates or empties the file; others may read it meanwhile. `keepOpen`: the stream does not close the
+    /// file; take its handle with `GetFile`. Throws `XWriteStream` or `XWriteStreamOutOfSpace`.
     FileOutputStream(const char* fileName, bool keepOpen);
-    /// Writes to a file that is open for writing, from where it stands, and does not close it.
+    /// Writes to a file that is open for writing, from its current position, and does not close it.
     explicit FileOutputStream(void* file);
-    /// Writes what `Finalize` has not written; a failure is not reported.
+    /// Writes the tokens unless `Finalize` has; does not report failures.
     ~FileOutputStream() override;
 
     using OutputStream::operator<<;
@@ -36,19 +36,19 @@ public:
     OutputStream& operator<<(short value) override;
     OutputStream& operator<<(bool value) override;
 
-    /// Writes the file and, unless it is to be kept open, closes it. Throws `XWriteStreamOutOfSpace` when the
-    /// device is full and `XWriteStream` otherwise; the file may then hold a part. The stream takes no more
-    /// tokens; a second call, and the destructor, write nothing.
+    /// Writes the file and closes it, unless it is to be kept open. Throws `XWriteStreamOutOfSpace` when the
+    /// device is full and `XWriteStream` otherwise; the file may then be incomplete. The stream takes no more
+    /// tokens afterwards, and neither a second call nor the destructor writes anything.
     void Finalize();
 
-    /// The open file; null when it was closed.
+    /// The open file; null once it is closed.
     void* GetFile() const { return file; }
-    /// Whether one of the tokens not yet written is "EOF".
+    /// Whether one of the unwritten tokens is "EOF".
     bool GetHasEOF() const;
 
 protected:
-    /// Writes the tokens collected so far where the file stands, all at once unless memory is short, and
-    /// forgets them. False on a failure.
+    /// Writes the tokens collected so far at the file's current position, all at once unless memory is short,
+    /// and forgets them. False on failure.
     bool SaveToFile();
 
 private:

@@ -10,12 +10,11 @@ namespace ZoPrimitives {
 /// | viewing       | opens            | opens    | opens             | goes on                         |
 /// | being written | refused          | opens    | refused           | refused at its end              |
 enum class TFileReading {
-    /// The file is locked against everybody who would write it, other locking readers among them. A read-only
-    /// file is viewed.
+    /// The file is locked against writers and other locking readers. A read-only file is viewed instead.
     Locking,
-    /// The file is opened for reading only and keeps nobody out. A stream that has loaded it keeps what it
-    /// read whatever others write. While a save is replacing the file, opening waits for its end, a second at
-    /// most; a file that is being written in place is seen as far as it has come.
+    /// The file is opened for reading only and keeps nobody out. A stream that has loaded the file keeps what
+    /// it read, whatever others write. While a save is replacing the file, opening waits up to a second for
+    /// it to finish; a file that is being written in place is seen as far as it is written.
     Viewing,
 };
 

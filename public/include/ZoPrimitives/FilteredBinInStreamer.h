@@ -5,13 +5,13 @@
 
 namespace ZoPrimitives {
 
-/// Reads the objects of some classes only. Records of other classes are passed over by their heads, which is
-/// how a few objects are fetched from a large file cheaply.
+/// Reads the objects of some classes only. Records of other classes are skipped by their heads, which makes
+/// it cheap to fetch a few objects from a large file.
 ///
-/// Each class is asked for by its own name: objects of classes that derive from it are read when their names
-/// are given too. Objects of a class that the application does not know are left out. A pointer to an object
-/// that was not read is null, and such an item is left out of its list. An object that was left incomplete
-/// like that is not asked whether it is valid; one whose `OnRead` says false is removed.
+/// Each class must be named itself: objects of derived classes are read only when their names are given too.
+/// Objects of a class that the application does not know are left out. A pointer to an object that was not
+/// read becomes null, and a list drops such an item. An object that this leaves incomplete is not asked for
+/// its validity; one whose `OnRead` returns false is removed.
 class ZO_API TFilteredBinInStreamer : public ZoObject {
 public:
     /// Stream and schema are not owned; the names are copied.
@@ -20,19 +20,19 @@ public:
     TFilteredBinInStreamer(const TFilteredBinInStreamer&) = delete;
     TFilteredBinInStreamer& operator=(const TFilteredBinInStreamer&) = delete;
 
-    /// Reads the objects; false when the file holds none of these classes. They are the caller's. Throws
+    /// Reads the objects, which belong to the caller; false when the file holds none of these classes. Throws
     /// `XStream` "Metadado corrompido" (#1), "Metadado inválido" (#2) or, when no name is one of the file's
     /// classes, "Não existem classes com os nomes da filtragem no metadado" (#3), with the failure point in
     /// "TFilteredBinInStreamer::Read", and whatever the stream throws.
     ///
-    /// Until all records are read a failure deletes the objects made; later failures (thrown by setters and
-    /// hooks while pointers are resolved) leave them to the caller.
+    /// A failure before all records are read deletes the objects made. A later one (thrown by setters and
+    /// hooks while pointers are resolved) leaves them to the caller.
     virtual bool Read();
 
-    /// The same, for a caller who takes the objects from the stream (`TBinInStream::Objects`).
+    /// The same for a caller who takes the objects from the stream (`TBinInStream::Objects`).
     static bool ReadFromStream(TBinInStream* stream, TZoMetaData* schema, const TDList<ZoString>* classNames);
 
-    /// The objects read, in the order of their records.
+    /// The objects read, in record order.
     const TDList<ZoStreamablePointer>& GetObjects() const { return objects; }
     TZoMetaData* GetFileMetaData() { return reader.GetFileMetaData(); }
 

@@ -4,14 +4,14 @@
 //
 //     UNIT(class, enumerator, name, store, read[, others])
 //
-// `enumerator` is the accessor's name too, and its number the row's place, from 0: a new unit goes to the
-// end. `name` is shown, "" for none. `store` turns a value in the unit into the storage unit of the class,
-// `read` the stored one into the unit. `others` are what people write beside the name and the enumerator:
+// `enumerator` is also the accessor's name; its number is the row's position, from 0, so append new units.
+// `name` is displayed, "" for none. `store` converts a value in the unit to the storage unit of the class,
+// `read` converts back. `others` are further spellings that are read besides the name and the enumerator:
 // "a|b".
 //
-// The units are those of the technical system: kgf, cm, s, °C, and by convention 1 kN = 100 kgf and 1 kp = 1
-// kgf. The literals are the definition: files and drawings depend on their last bit, and more exact physical
-// constants would change both.
+// The units are those of the technical system: kgf, cm, s, °C, with 1 kN = 100 kgf and 1 kp = 1 kgf by
+// convention. The literals are the definition: files and drawings depend on their last bit, which more exact
+// physical constants would change.
 
 // clang-format off
 
@@ -40,7 +40,7 @@
     UNIT(GCorrente, a,  "A",  AsIs,        AsIs)         \
     UNIT(GCorrente, ka, "kA", Times(1000), Times(0.001))
 
-// kcal: in this direction, which makes it 859.84524 kWh; applications expect it.
+// kcal: the factor is applied in this direction, so 1 kcal is 859.84524 kWh; applications expect it.
 #define ZO_UNITS_TEnergia(UNIT)                                     \
     UNIT(GEnergia, kwh,  "kWh",  AsIs,             AsIs)            \
     UNIT(GEnergia, kcal, "kcal", Times(859.84524), Over(859.84524))
@@ -85,7 +85,7 @@
     UNIT(GIntensidade, mm_h,   "mm/h",   Times(2.777777777777778e-05), Times(36000)) \
     UNIT(GIntensidade, m_min,  "m/min",  Times(1.6666666666666667),    Times(0.6))
 
-// ftkip: the moment of a kip at one foot; its name stays.
+// ftkip: the moment of one kip at one foot; applications expect this name.
 #define ZO_UNITS_TMomento(UNIT)                                                      \
     UNIT(GMomento, kgfm,  "kgf.m",  Times(100),     Times(0.01))                     \
     UNIT(GMomento, tfm,   "tf.m",   Times(100000),  Times(1e-05))                    \
@@ -107,7 +107,7 @@
 #define ZO_UNITS_TPoderCalorifico(UNIT)                         \
     UNIT(GPoderCalorifico, kcal_m3, "kcal/m³"_ansi, AsIs, AsIs)
 
-// W: reads 1.0001577 times as much as was set.
+// W: reading returns 1.0001577 times the value that was set.
 #define ZO_UNITS_TPotencia(UNIT)                                                        \
     UNIT(GPotencia, kcal_s,   "kcal/s",   AsIs,                         AsIs)           \
     UNIT(GPotencia, kcal_min, "kcal/min", Times(0.016666666666666666),  Times(60))      \
@@ -169,7 +169,7 @@
     UNIT(GVazao, l_min,  "l/min",       Times(16.66666666666667),   Times(0.06))   \
     UNIT(GVazao, l_dia,  "l/dia",       Times(0.01157407407407407), Times(86.4))
 
-// mm_min: nameless, but read.
+// mm_min: has no display name, but is read by its enumerator.
 #define ZO_UNITS_TVelocidade(UNIT)                                                \
     UNIT(GVelocidade, cm_s,   "cm/s", AsIs,                         AsIs)         \
     UNIT(GVelocidade, m_s,    "m/s",  Times(100),                   Times(0.01))  \

@@ -11,13 +11,13 @@
 #include <utility>
 #include <vector>
 
-// What the containers of objects share. Positions count from 1; an access outside 1 to `NItems()` fails the
-// assertion "index >= 1 && index <= NItems()". Items may be null. Nothing here is guarded: a container
-// belongs to one thread at a time.
+// Shared by all containers of objects. Positions count from 1; an access outside 1 to `NItems()` fails the
+// assertion "index >= 1 && index <= NItems()". Items may be null. Containers are not guarded: use each on one
+// thread at a time.
 
 namespace ZoPrimitives {
 
-/// What collects objects of class `T`.
+/// Interface for collecting objects of class `T`.
 template <class T>
 class TIAccumulator : public ZoObject {
 public:
@@ -30,15 +30,15 @@ public:
     virtual void RemoveAll() = 0;
 };
 
-/// The holders of a container's objects, in one contiguous array. Pointers and references to the holders are
-/// good until objects are added or removed.
+/// The holders of a container's objects, in one contiguous array. Pointers and references to holders stay
+/// valid until objects are added or removed.
 template <class T, class P = pointer<T>>
 class TIContainer : public TIAccumulator<T> {
 public:
     using PointerType = P;
 
     unsigned long long NItems() const override { return items.size(); }
-    /// Keeps the capacity. Objects that nothing else holds are deleted.
+    /// Keeps the capacity. Deletes objects that nothing else holds.
     void RemoveAll() override { ZoClearElements<P>(items); }
 
     P* data() noexcept { return items.data(); }
@@ -49,7 +49,7 @@ public:
     const P* end() const noexcept { return items.data() + items.size(); }
 
     unsigned long long Capacity() const noexcept { return items.capacity(); }
-    /// Makes room for `count` objects in all. More than can exist throws `xContainerSizeExceeded`.
+    /// Makes room for `count` objects in total. Throws `xContainerSizeExceeded` for more than can exist.
     void Reserve(unsigned long long count) {
         if (count > items.max_size()) throw xContainerSizeExceeded();
         items.reserve(static_cast<std::size_t>(count));
@@ -65,7 +65,7 @@ protected:
     ZoVector<P> items;
 };
 
-/// The position of an iterator over objects, whatever their class.
+/// The position of an iterator over objects of any class.
 class TIContainerIteratorBase {
 public:
     void First() noexcept { position = 1; }
@@ -75,7 +75,7 @@ public:
 protected:
     TIContainerIteratorBase() = default;
 
-    /// Whatever is behind the end throws `xIteratorOverrunContainerLimit`.
+    /// Throws `xIteratorOverrunContainerLimit` when the position is past the end.
     void Check(unsigned long long count) const {
         if (position > count) throw xIteratorOverrunContainerLimit();
     }
@@ -88,9 +88,10 @@ private:
     unsigned long long position = 1;
 };
 
-/// Walks a container of objects: `for (TIContainerIterator<T> i(list); !i.IsDone(); i.Next())
-/// use(i.Current());` It refers to the container, which must outlive it and may grow or shrink meanwhile.
-/// Without a container it is at its end from the start. Cheap to copy.
+/// Walks a container of objects:
+///     for (TIContainerIterator<T> i(list); !i.IsDone(); i.Next()) use(i.Current());
+/// It refers to the container, which must outlive it and may grow or shrink meanwhile. Without a container it
+/// starts at its end. Cheap to copy.
 template <class T, class P = pointer<T>>
 class TIContainerIterator : public TIContainerIteratorBase {
 public:
@@ -98,9 +99,9 @@ public:
     explicit TIContainerIterator(const TIContainer<T, P>& walked) noexcept : container(&walked) {}
 
     bool IsDone() const noexcept { return Position() > Count(); }
-    /// Past the end already: throws `xIteratorOverrunContainerLimit`.
+    /// At the end throws `xIteratorOverrunContainerLimit`.
     void Next() { Advance(Count()); }
-    /// The holder here, which may be null; at the end throws `xIteratorOverrunContainerLimit`.
+    /// The current holder, which may be null; at the end throws `xIteratorOverrunContainerLimit`.
     const P& Current() const {
         Check(Count());
         return container->data()[Position() - 1];
@@ -115,16 +116,15 @@ private:
     const TIContainer<T, P>* container = nullptr;
 };
 
-/// The operations of the containers of objects. `Self` is the container: it says whether long searches run in
-/// parallel (`SEARCHES_IN_PARALLEL`) and the place that its assertions
-/// name (`SITE`).
+/// The operations of the containers of objects. `Self` is the container class; it tells whether long searches
+/// run in parallel (`SEARCHES_IN_PARALLEL`) and which place its assertions name (`SITE`).
 ///
-/// The last holder deletes the object. `T` needs to be complete only where the container is made, used or
+/// The last holder deletes the object. `T` must be complete only where the container is created, used or
 /// destroyed.
 template <class T, class P, class Self>
 class TObjectContainer : public TIContainer<T, P> {
 public:
-    /// Same class, and the same objects in the same order, by `Equal`.
+    /// Whether `other` is of the same class and holds the same objects (by `Equal`) in the same order.
     bool operator==(const ZoObject& other) const override {
         if (typeid(*this) != typeid(other)) return false;
         const auto& right = static_cast<const TObjectContainer&>(other);
@@ -135,14 +135,14 @@ public:
         return true;
     }
 
-    /// A new object is deleted if there is no room for it.
+    /// Deletes a new object if there is no room for it.
     void Add(T* object) override {
         P holder(object);
         items.push_back(std::move(holder));
     }
     void Add(const P& object) { this->Add(object.get()); }
 
-    /// Removes the item that `Find` gives; those behind it move down by one. False when absent.
+    /// Removes the item that `Find` finds; those after it move down by one. False when there is none.
     bool Remove(const T* object) override {
         unsigned long long position;
         if (!Find(object, position)) return false;
@@ -170,17 +170,17 @@ public:
         items.insert(items.end(), copy.begin(), copy.end());
     }
 
-    /// False, and nothing changes, when the object is there already; a new object remains the caller's then.
+    /// False, without a change, when the object is already there; a new object then stays the caller's.
     virtual bool AddUnique(T* object) {
         if (this->Contains(static_cast<const T*>(object))) return false;
         this->Add(object);
         return true;
     }
 
-    /// The equality that every search uses: the same object. Null equals null only, without a call.
+    /// The equality that every search uses: identity here. Null equals only null; this is not called for it.
     virtual bool Equal(const T& a, const T& b) const { return std::addressof(a) == std::addressof(b); }
 
-    /// Gives the position of the first equal item, `NItems()` + 1 when there is none.
+    /// Finds the first equal item. `position` is `NItems()` + 1 when there is none.
     virtual bool Find(const T* object, unsigned long long& position) const {
         const std::size_t found = Search(object);
         position = found + 1;
@@ -197,10 +197,10 @@ public:
     P& Last() { return (*this)[items.size()]; }
     const P& Last() const { return (*this)[items.size()]; }
 
-    // These move the items behind the position.
+    // These move the items after the position.
 
     void AddFirst(T* object) { InsertAt(1, object); }
-    /// Puts the object at the position; that may be `NItems()` + 1.
+    /// Inserts the object at the position, which may be `NItems()` + 1.
     void InsertAt(unsigned long long index, T* object) {
         P holder(object);
         ZO_ASSERT_SITE(index >= 1 && index <= items.size() + 1, "index >= 1 && index <= NItems() + 1",
@@ -209,7 +209,7 @@ public:
     }
     void RemoveAt(unsigned long long index) {
         const auto place = items.begin() + static_cast<std::ptrdiff_t>(Index(index));
-        // Released last: the object's destructor may use this container.
+        // Released last, because the object's destructor may use this container.
         const P leaving = std::move(*place);
         items.erase(place);
     }
@@ -240,11 +240,11 @@ private:
         return static_cast<std::size_t>(index - 1);
     }
 
-    /// Index from 0, the count when absent.
+    /// The index from 0; the count when there is none.
     std::size_t Search(const T* object) const {
         const std::size_t count = items.size();
         const bool parallel = Self::SEARCHES_IN_PARALLEL && count > ZoSerialFindLimit;
-        // A class derived from the container may compare in its own way.
+        // A derived class may override `Equal`.
         const bool direct = typeid(*this) == typeid(Self);
         std::size_t searched = 0;
         if (direct) {

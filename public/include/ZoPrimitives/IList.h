@@ -5,7 +5,7 @@
 
 namespace ZoPrimitives {
 
-/// List of objects, held through `P`. A search runs in order on the calling thread, whatever the length.
+/// List of objects, held through `P`. Searches run in order on the calling thread, whatever the length.
 template <class T, class P = pointer<T>>
 class TIList : public TObjectContainer<T, P, TIList<T, P>> {
     using Base = TObjectContainer<T, P, TIList<T, P>>;

@@ -14,24 +14,24 @@ namespace ZoPrimitives {
 
 class ZoString;
 
-/// Whether a map holds its keys through `pointer` and tells them apart by identity. Other keys are held by
-/// value and compared by `==`; so are strings.
+/// Whether a map holds its keys through `pointer` and compares them by identity. Other keys, strings
+/// included, are held by value and compared with `==`.
 template <class K>
 struct ZoMapKeyIsObject : std::is_base_of<ZoObject, K> {};
 template <>
 struct ZoMapKeyIsObject<ZoString> : std::false_type {};
 
-/// Map from keys to objects, in the order of insertion. Positions count from 1; a search takes time in
-/// proportion to the count. Object keys and objects may be null; the last holder deletes them. Not guarded.
+/// Map from keys to objects, in insertion order. Positions count from 1; a search takes time proportional to
+/// the count. Object keys and values may be null; the last holder deletes them. Not guarded.
 ///
-/// `K` must be complete; `V` only where the map is made, used or destroyed.
+/// `K` must be complete; `V` only where the map is created, used or destroyed.
 template <class K, class V, class P = pointer<V>>
 class TIMap : public ZoObject {
     static constexpr bool OBJECT_KEYS = ZoMapKeyIsObject<K>::value;
 
 public:
     using KeyHolder = std::conditional_t<OBJECT_KEYS, pointer<K>, K>;
-    /// How keys are given: as `K*` or as `const K&`.
+    /// How callers pass keys: as `K*` or as `const K&`.
     using KeyArgument = std::conditional_t<OBJECT_KEYS, K*, const K&>;
     using KeySearched = std::conditional_t<OBJECT_KEYS, const K*, const K&>;
 
@@ -52,14 +52,14 @@ public:
         return *this;
     }
 
-    /// A `TIMap` with equal keys and the same objects in the same order.
+    /// Whether the other map has equal keys and the same objects in the same order.
     bool operator==(const ZoObject& other) const override {
         const auto* right = dynamic_cast<const TIMap*>(&other);
         return right != nullptr && keys == right->keys && values == right->values;
     }
     bool operator==(const TIMap& other) const { return *this == static_cast<const ZoObject&>(other); }
 
-    /// A key that is there already gets the new object and keeps its position.
+    /// If the key exists, replaces its object and keeps its position.
     void Add(KeyArgument key, V* value) {
         P holder(value);
         const std::size_t index = IndexOf(key);
@@ -70,21 +70,21 @@ public:
         }
     }
 
-    /// Appends the pair without looking for its key. Of equal keys the first one is found.
+    /// Appends the pair without looking for its key. Searches find the first of equal keys.
     void Append(KeyArgument key, V* value) { AppendPair(KeyHolder(key), P(value)); }
 
-    /// The object, or null: use `Contains` to tell an absent key from a null object.
+    /// The object or null; `Contains` tells an absent key from a null object.
     V* Find(KeySearched key) const {
         const std::size_t index = IndexOf(key);
         return index == keys.size() ? nullptr : values[index].get();
     }
     bool Contains(KeySearched key) const { return IndexOf(key) != keys.size(); }
 
-    /// The pairs behind it move down by one. False when absent.
+    /// The pairs after it move down by one. False when the key is absent.
     bool Remove(KeySearched key) {
         const std::size_t index = IndexOf(key);
         if (index == keys.size()) return false;
-        // Released last: a destructor may use this map.
+        // Released last, because a destructor may use this map.
         [[maybe_unused]] const KeyHolder leavingKey = std::move(keys[index]);
         const P leavingValue = std::move(values[index]);
         keys.erase(keys.begin() + static_cast<std::ptrdiff_t>(index));
@@ -103,7 +103,7 @@ public:
     P& ValueAt(unsigned long long index) { return values[Index(index)]; }
     const P& ValueAt(unsigned long long index) const { return values[Index(index)]; }
 
-    /// Makes room for `count` pairs in all. More than can exist throws `xContainerSizeExceeded`.
+    /// Makes room for `count` pairs in total. Throws `xContainerSizeExceeded` for more than can exist.
     void Reserve(unsigned long long count) {
         if (count > keys.max_size() || count > values.max_size()) throw xContainerSizeExceeded();
         keys.reserve(static_cast<std::size_t>(count));

@@ -5,8 +5,8 @@
 
 namespace ZoPrimitives {
 
-/// Vector of objects, held through `P`. A search among more than 1000 runs in parallel; an overridden `Equal`
-/// must then be safe to call from several threads.
+/// Vector of objects, held through `P`. Searches among more than 1000 objects run in parallel, so an
+/// overridden `Equal` must be safe to call from several threads.
 template <class T, class P = pointer<T>>
 class TIVector : public TObjectContainer<T, P, TIVector<T, P>> {
     using Base = TObjectContainer<T, P, TIVector<T, P>>;

@@ -8,10 +8,10 @@ namespace ZoPrimitives {
 class ZoStreamableBase;
 class ZoString;
 
-/// Abstract reader of the tokens that an `OutputStream` wrote, in the same order and as the same types.
-/// `InputStreamer` reads objects through it.
+/// Abstract reader of the tokens that an `OutputStream` wrote; read them in the same order and as the same
+/// types. `InputStreamer` reads objects through it.
 ///
-/// Where no token is left `XEndOfStream` is thrown.
+/// Reading throws `XEndOfStream` when no token is left.
 class ZO_API InputStream : public ZoObject {
 public:
     InputStream();
@@ -20,8 +20,8 @@ public:
     InputStream& operator=(const InputStream&) = delete;
 
     virtual InputStream& operator>>(ZoString& value) = 0;
-    /// Copies the next token and a terminating 0 into the caller's buffer, whose room nobody checks: it must
-    /// hold whatever the stream holds. Read a `ZoString` unless the token's length is known.
+    /// Copies the next token and a terminating 0 into the caller's buffer without checking its size: it must
+    /// hold the longest token of the stream. Read a `ZoString` unless the token's length is known.
     virtual InputStream& operator>>(char* buffer) = 0;
     /// Read as a double.
     virtual InputStream& operator>>(long double& value) = 0;
@@ -32,22 +32,22 @@ public:
     virtual InputStream& operator>>(unsigned short& value) = 0;
     virtual InputStream& operator>>(short& value) = 0;
     virtual InputStream& operator>>(bool& value) = 0;
-    /// Passes over one token.
+    /// Skips one token.
     virtual void SkipValue() = 0;
-    /// As `operator>>(char*)`, and with the same demand on the buffer. False when no token is left or none
-    /// can be read; the buffer is untouched then.
+    /// As `operator>>(char*)`, with the same demand on the buffer. False, with the buffer unchanged, when no
+    /// token is left or none can be read.
     virtual bool GetLine(char* buffer) = 0;
     /// Throws `XEndOfStream` when no token is left.
     virtual void CheckRead() = 0;
 
-    /// The handle of an object that was read from this stream; 0 for others.
+    /// The handle of an object that was read from this stream; 0 for other objects.
     int GetHandle(const ZoStreamableBase* object) const { return handles.Get(object); }
-    /// The object must live until `ResetHandles` or the end of the stream.
+    /// The object must live until `ResetHandles` or until the stream is destroyed.
     void SetHandle(const ZoStreamableBase* object, int handle) { handles.Set(object, handle); }
     void ResetHandles() { handles.Reset(); }
 
-    /// How often the last token was given again instead of an end of the stream, for those who must come to
-    /// an end; a long one counts for more. 0 for a stream that has an end.
+    /// How often the stream returned its last token again instead of reporting its end; a long token counts
+    /// as several. Readers stop at a limit. Always 0 for a stream that reports its end.
     unsigned GetRepeats() const { return repeats; }
 
     using ZoObject::operator==;

@@ -12,21 +12,21 @@
 
 namespace ZoPrimitives {
 
-/// Whether a text is an `int` and nothing else: an optional sign and digits, in range.
+/// Whether the whole text is an `int`: an optional sign and digits, in range.
 ZO_API bool ValidInteger(const ZoString& text);
 
-/// Reads the objects that an `OutputStreamer` wrote. An object takes part through `ZoStreamableBase::Read`
-/// and `ReadData`. docs/text-format.md has the format.
+/// Reads the objects that an `OutputStreamer` wrote. A class takes part through `ZoStreamableBase::Read` and
+/// `ReadData`. docs/text-format.md describes the format.
 ///
-/// Every operation throws `XEndOfStream` when no token is left. A last token that the stream gives again and
-/// again is taken `MAX_TEXT_NESTING` times, a long one less often, so that every level of nested objects may
-/// meet it; then it is the end. Objects deeper than `MAX_TEXT_NESTING` inside each other throw `XReadStream`,
-/// as does every operation that finds the thread's stack nearly used up: classes may read on in `Read` and
-/// `ReadData` as they like.
+/// Every operation throws `XEndOfStream` when no token is left. If the stream repeats its last token, the
+/// streamer accepts it `MAX_TEXT_NESTING` times (a long token less often), so that every level of nested
+/// objects can meet it, and then throws `XEndOfStream`. Objects nested deeper than `MAX_TEXT_NESTING` throw
+/// `XReadStream`. So does every operation that finds the thread's stack nearly used up, because `Read` and
+/// `ReadData` may nest as they like.
 ///
-/// The objects that `CreateObject` made are held by the streamer until it goes, or `HandOver`: take hold of
-/// what is to stay, and delete none of them meanwhile. When reading fails, the others go with the streamer,
-/// but for those that a text lets hold each other in a circle of `pointer`s: hold only what is owned by one.
+/// The streamer holds the objects that `CreateObject` made until it is destroyed, or until `HandOver`: hold
+/// those that are to stay, and delete none meanwhile. When reading fails, the streamer deletes the others,
+/// except objects that a text makes hold each other in a cycle of `pointer`s: hold only what one object owns.
 class ZO_API InputStreamer : public ZoObject {
 public:
     /// Holds both with a `pointer`: they must be on the heap. Without a stream every operation that reads
@@ -36,60 +36,60 @@ public:
     InputStreamer(const InputStreamer&) = delete;
     InputStreamer& operator=(const InputStreamer&) = delete;
 
-    /// Asked after those that are there.
+    /// Appends a factory; `CreateObject` asks the earlier ones first.
     void AddFactory(StreamableFactory* factory) { factories.Add(factory); }
     TIList<StreamableFactory, pointer<StreamableFactory>>& GetFactories() { return factories; }
     InputStream* GetStream() const { return stream.get(); }
 
     InputStreamer& operator>>(ZoString& value);
-    /// See `InputStream::operator>>(char*)`: the caller's buffer must hold whatever the stream holds.
+    /// As `InputStream::operator>>(char*)`: the caller's buffer must hold the longest token of the stream.
     InputStreamer& operator>>(char* buffer);
     InputStreamer& operator>>(long double& value);
     InputStreamer& operator>>(double& value);
     InputStreamer& operator>>(float& value);
     InputStreamer& operator>>(unsigned int& value);
     InputStreamer& operator>>(int& value);
-    /// `OutputStreamer` writes an int: on the clipboard, where that has another size, read an int.
+    /// `OutputStreamer` writes a short as an int: on the clipboard, where sizes differ, read an int.
     InputStreamer& operator>>(unsigned short& value);
     InputStreamer& operator>>(short& value);
     InputStreamer& operator>>(bool& value);
-    /// Reads an object of the caller's: a token, usually its class's name, and the data. Throws `XEndSection`
-    /// when the token closes something ("ENDSEC", "ENDTAB", "ENDGROUP", "ENDGROUPELEMENTOS",
-    /// "ENDGROUPELEMENTOPARARA"; "ENDRAINDIV" does not here). Whatever follows may refer to the object: let
-    /// it outlive the reading, or `RemoveObject` its handle.
+    /// Reads an object of the caller's: one token, usually its class's name, and the data. Throws
+    /// `XEndSection` when the token is a terminator ("ENDSEC", "ENDTAB", "ENDGROUP", "ENDGROUPELEMENTOS",
+    /// "ENDGROUPELEMENTOPARARA"; not "ENDRAINDIV"). Later data may refer to the object: it must outlive the
+    /// reading, unless `RemoveObject` forgets its handle.
     InputStreamer& operator>>(ZoStreamableBase& object);
-    /// Reads a handle, behind a code that says so. Throws `XEndSection` for a token that closes something,
-    /// "ENDRAINDIV" included, and as `GetHandle` and `RetrieveObject`; the pointer is unchanged then.
+    /// Reads a handle, after the code that announces it. Throws `XEndSection` for a terminator, "ENDRAINDIV"
+    /// included, and as `GetHandle` and `RetrieveObject` do; the pointer is then unchanged.
     InputStreamer& operator>>(ZoStreamableBase*& object);
-    /// The same with a reader's own tokens for `XEndSection`; null at first.
+    /// As above, with the caller's own terminators; sets the pointer to null first.
     void Read(ZoStreamableBase*& object, TIContainerIterator<ZoString, pointer<ZoString>> terminators);
-    /// Passes over one token.
+    /// Skips one token.
     void SkipValue();
 
-    /// Has the handle stand for this object, for none if null. Other handles of the object go on standing for
-    /// it. Objects that were not written through a pointer all have the handle 0, to which no text can refer.
+    /// Binds the handle to this object; null unbinds it. Other handles of the object stay bound. Objects that
+    /// were not written through a pointer all get the handle 0, to which no text can refer.
     void SetHandle(ZoStreamableBase* object, int handle);
-    /// Gives an object that the text does not hold, for it to refer to, the handle that it has or one more
-    /// than the largest, and returns it. Throws `XInvalidHandle` when there is none.
+    /// Gives a handle to an object that is not in the text but may be referred to, and returns it: the one it
+    /// has, or one more than the largest. Throws `XInvalidHandle` for null and when no handle is left.
     int AddObject(ZoStreamableBase* object);
-    /// Forgets a handle; its object stays.
+    /// Unbinds a handle; its object stays.
     void RemoveObject(int handle);
-    /// Throws `XInvalidHandle` for a handle that stands for no object. An object that no `pointer` holds is
-    /// taken for a member of another, or the caller's own: from here on no `pointer` ends it.
+    /// Throws `XInvalidHandle` for a handle without an object. An object that no `pointer` holds is taken for
+    /// a member of another object, or for the caller's own: from here on no `pointer` deletes it.
     ZoStreamableBase* RetrieveObject(int handle);
-    /// Whether a handle gave out the object while no `pointer` held it. No `pointer` that may outlive such an
-    /// object's owner must hold it.
+    /// Whether a handle gave out the object while no `pointer` held it. A `pointer` that may outlive the
+    /// object's owner must not hold it.
     bool IsMember(const ZoStreamableBase* object) const { return members.count(object) != 0; }
-    /// The last one that the object got; 0 when it has none, or that one stands for it no more.
+    /// The handle that the object got last; 0 when it has none, or when that handle is no longer bound to it.
     int GetHandle(const ZoStreamableBase* object) const;
 
-    /// The objects that `CreateObject` made, in this order.
-    const TDVector<ZoStreamableBase*>& Objects() const { return made; }
-    /// Makes the objects the caller's, whether somebody holds them or not, and forgets all handles: from here
-    /// the streamer deletes none.
+    /// The objects that `CreateObject` made, in order of creation.
+    const TDVector<ZoStreamableBase*>& Objects() const { return created; }
+    /// Makes the objects the caller's, whether or not anything holds them, and forgets all handles. The
+    /// streamer deletes none of them afterwards.
     void HandOver();
 
-    /// A setting of the applications' readers, 0 at first, without a meaning here.
+    /// A setting of the applications' readers, 0 by default; the library does not use it.
     int GetUnidadePadraoDiametros() const { return unidadePadraoDiametros; }
     void SetUnidadePadraoDiametros(int unidade) { unidadePadraoDiametros = unidade; }
     /// The file of a `FileInputStream`; null for other streams.
@@ -102,11 +102,11 @@ public:
     bool operator!=(const InputStreamer& other) const { return stream != other.stream; }
 
 protected:
-    /// Asks the factories, in order, for a new object. When none knows the class the object's data are
-    /// skipped; null then, and when there are no factories.
+    /// Asks the factories in order for a new object. When none knows the class, skips the object's data and
+    /// returns null; also null when there are no factories.
     ZoStreamableBase* CreateObject(const ZoString& className);
-    /// Passes over the rest of an object's data, code by code and value by value, its end included. The end
-    /// of the stream ends it too. A reader of texts with other values than of one token overrides it.
+    /// Skips the rest of an object's data, code by code and value by value, up to and including its end or to
+    /// the end of the stream. A reader of texts whose values take several tokens overrides it.
     virtual void SkipObject();
     /// The handle in a token. Throws `xInvalidConversion` unless the token is an `int` other than 0.
     int GetHandle(const ZoString& token) const;
@@ -120,10 +120,10 @@ private:
 
     pointer<InputStream> stream;
     TIList<StreamableFactory, pointer<StreamableFactory>> factories;
-    std::map<int, ZoStreamableBase*> objects;
+    std::map<int, ZoStreamableBase*> byHandle;
     int unidadePadraoDiametros = 0;
-    TDVector<ZoStreamableBase*> made;          // each held once
-    std::set<const ZoStreamableBase*> members; // each held once, for good
+    TDVector<ZoStreamableBase*> created;       // each held once
+    std::set<const ZoStreamableBase*> members; // each held once and never released
     const ZoStreamableBase* innermost = nullptr;
     int depth = 0;
 };

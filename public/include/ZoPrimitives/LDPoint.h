@@ -8,14 +8,14 @@
 
 namespace ZoPrimitives {
 
-/// A point of the plane for drawing, where nothing is saved. Compares exactly.
+/// A point of the plane for drawing; it is not streamable. Compares exactly.
 struct ZO_API LDPoint {
     double x = 0;
     double y = 0;
 
     LDPoint() = default;
     LDPoint(double newX, double newY) : x(newX), y(newY) {}
-    /// From the system's POINT, or whatever else has numbers called x and y.
+    /// From the system's POINT, or from any other type with numeric members x and y.
     template <class T, class = std::enable_if_t<!std::is_base_of_v<LDPoint, T> &&
                                                 std::is_arithmetic_v<decltype(std::declval<const T&>().x)> &&
                                                 std::is_arithmetic_v<decltype(std::declval<const T&>().y)>>>

@@ -6,18 +6,17 @@
 
 namespace ZoPrimitives {
 
-/// Reads records from a block of memory, where they lie. The block must outlive the stream and stay
-/// unchanged.
+/// Reads records from a block of memory, in place. The block must outlive the stream and must not change.
 class ZO_API TMemoryBinInStream : public TBinInStream {
 public:
-    /// `ownsSource`: the block is on the C heap and is freed with the stream. A null block holds nothing.
+    /// `ownsSource`: the block is on the C heap, and the stream frees it. A null block is empty.
     TMemoryBinInStream(const void* block, unsigned long long size, unsigned supportedVersion,
                        bool ownsSource = false);
     ~TMemoryBinInStream() override;
     TMemoryBinInStream(const TMemoryBinInStream&) = delete;
     TMemoryBinInStream& operator=(const TMemoryBinInStream&) = delete;
 
-    /// Reads and checks the header, from the start of the block. Throws `XReadStream` or `XNewerVersion`.
+    /// Reads the header at the start of the block and checks it. Throws `XReadStream` or `XNewerVersion`.
     void Initialize();
     bool GetsDirectly() const override;
 
@@ -28,7 +27,7 @@ private:
     const void* block;
 };
 
-/// A stream over a block, with its header read.
+/// Creates a stream over a block and reads its header.
 ZO_API std::unique_ptr<TMemoryBinInStream> CreateMemoryBinInStream(const void* block, unsigned long long size,
                                                                    unsigned supportedVersion);
 

@@ -10,9 +10,9 @@ namespace ZoPrimitives {
 class ZoStreamableBase;
 class ZoString;
 
-/// Abstract writer of tokens: one for each value. `OutputStreamer` writes objects through it.
+/// Abstract writer of tokens, one for each value. `OutputStreamer` writes objects through it.
 ///
-/// Text is written as its bytes are, up to its first 0 byte; text with line feeds is more than one token to a
+/// Texts are written byte for byte up to the first 0 byte. A text with line feeds is several tokens to a
 /// reader of lines (see `OutputStreamer::MultiLineText`).
 class ZO_API OutputStream : public ZoObject {
 public:
@@ -34,14 +34,14 @@ public:
     virtual OutputStream& operator<<(short value) = 0;
     virtual OutputStream& operator<<(bool value) = 0;
 
-    // Neither a character nor a pointer is a number or a flag.
+    // Characters and pointers must not pass as numbers or flags.
     OutputStream& operator<<(char) = delete;
     template <class T, class = std::enable_if_t<!std::is_same_v<std::remove_cv_t<T>, char>>>
     OutputStream& operator<<(T*) = delete;
 
-    /// The handle of an object that was written to this stream; 0 for others.
+    /// The handle of an object that was written to this stream; 0 for other objects.
     int GetHandle(const ZoStreamableBase* object) const { return handles.Get(object); }
-    /// The object must live until `ResetHandles` or the end of the stream.
+    /// The object must live until `ResetHandles` or until the stream is destroyed.
     void SetHandle(const ZoStreamableBase* object, int handle) { handles.Set(object, handle); }
     void ResetHandles() { handles.Reset(); }
 

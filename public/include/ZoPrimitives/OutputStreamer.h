@@ -10,14 +10,14 @@
 
 namespace ZoPrimitives {
 
-/// Writes objects as tokens: group codes and values. An object takes part through
-/// `ZoStreamableBase::Write`. docs/text-format.md has the format.
+/// Writes objects as tokens: group codes and values. A class takes part through `ZoStreamableBase::Write`.
+/// docs/text-format.md describes the format.
 ///
-/// The first time that an object is met through a pointer it gets a handle, from 1 upward, and is written in
-/// full; from then on it is referred to by its handle. One streamer writes one stream.
+/// The first time that the streamer meets an object through a pointer, it gives it a handle, from 1 upward,
+/// and writes it in full; later it writes only the handle. One streamer writes one stream.
 class ZO_API OutputStreamer : public ZoObject {
 public:
-    /// Holds the stream with a `pointer`: it must be on the heap. Without one every operation fails the
+    /// Holds the stream with a `pointer`: it must be on the heap. Without a stream every operation fails the
     /// assertion "object".
     explicit OutputStreamer(OutputStream* stream);
     ~OutputStreamer() override;
@@ -36,24 +36,23 @@ public:
     OutputStreamer& operator<<(short value);
     OutputStreamer& operator<<(bool value);
     OutputStreamer& operator<<(char) = delete;
-    /// The object's own data, without a code or its class before and without an end.
+    /// Writes the object's own data: no code or class name before it, no end after it.
     OutputStreamer& operator<<(ZoStreamableBase& object);
-    /// 0 for null; 5 and the handle for an object that was written before; otherwise 0, the class's name and
-    /// the object's data, whose end is the caller's to write. The object must outlive the stream's handles.
-    /// Objects deeper than `MAX_TEXT_NESTING` inside each other throw `XWriteStream`: of the one that is
-    /// refused nothing is written, and it has no handle. A class's name is not empty: one that is was lost,
-    /// and throws `std::bad_alloc`.
+    /// Writes 0 for null; 5 and the handle for an object already written; otherwise 0, the class's name and
+    /// the object's data, whose end the caller writes. The object must outlive the stream's handles. Objects
+    /// nested deeper than `MAX_TEXT_NESTING` throw `XWriteStream`; nothing of the refused object is written,
+    /// and it gets no handle. An empty class name means that memory was short, and throws `std::bad_alloc`.
     OutputStreamer& operator<<(ZoStreamableBase* object);
-    /// Other pointers are no flags.
+    /// Other pointers must not pass as flags.
     template <class T, class = std::enable_if_t<!std::is_convertible_v<T*, const char*> &&
                                                 !std::is_convertible_v<T*, ZoStreamableBase*>>>
     OutputStreamer& operator<<(T*) = delete;
 
-    /// Writes each line of a text as a value of `code`; nothing for the empty text. A reader joins values of
-    /// one code that follow each other with line feeds.
+    /// Writes each line of a text as a value of `code`; nothing for the empty text. A reader joins
+    /// consecutive values of one code with line feeds.
     void MultiLineText(const ZoString& text, int code);
 
-    /// The handle of an object that was written to the stream; 0 for others.
+    /// The handle of an object that was written to the stream; 0 for other objects.
     int GetHandle(const ZoStreamableBase* object) const { return stream->GetHandle(object); }
     /// The objects that got a handle, in this order.
     const TDList<ZoStreamableBase*>& Objects() const { return written; }

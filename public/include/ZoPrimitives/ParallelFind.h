@@ -14,20 +14,20 @@ namespace ZoPrimitives {
 
 using ZoRangeFunction = void (*)(unsigned long long begin, unsigned long long end, void* context);
 
-/// Calls `function` with subranges that cover [0, count) once, on this thread and on TBB's workers, and
-/// returns when all have ended. The first exception of `function` is thrown here; subranges not yet begun are
-/// then left out.
+/// Calls `function` with subranges that cover [0, count) exactly once, on this thread and on TBB's workers,
+/// and waits for all of them. Rethrows the first exception of `function`; subranges that have not begun are
+/// then skipped.
 ZO_API void ZoParallelFor(unsigned long long count, ZoRangeFunction function, void* context);
 
-// The index of the first element that equals the value, `count` when none does. The data needs the alignment
-// of its elements only.
+// The index of the first element that equals the value, or `count`. The data needs only its elements'
+// alignment.
 
 ZO_API std::size_t ZoFindBits32(const void* data, std::size_t count, std::uint32_t value) noexcept;
 ZO_API std::size_t ZoFindBits64(const void* data, std::size_t count, std::uint64_t value) noexcept;
-/// By `==`: NaN is never found, and the two zeros are equal.
+/// Compares with `==`: NaN is never found, and the two zeros are equal.
 ZO_API std::size_t ZoFindDouble(const double* data, std::size_t count, double value) noexcept;
 
-/// The index in [0, count) of the first element that equals `value` by `==`, `count` when none does.
+/// The index of the first element that equals `value` by `==`, or `count`.
 template <class T>
 std::size_t ZoFindFirst(const T* data, std::size_t count, const T& value) {
     constexpr bool bitwise = std::is_integral_v<T> || std::is_pointer_v<T>;
@@ -48,8 +48,7 @@ std::size_t ZoFindFirst(const T* data, std::size_t count, const T& value) {
     }
 }
 
-/// The index in [0, count) of the first holder of `object` (null for an empty one), `count` when none holds
-/// it.
+/// The index of the first holder of `object` (null: the first empty one), or `count`.
 template <class P, class T>
 std::size_t ZoFindFirstHolder(const P* holders, std::size_t count, const T* object) {
     if constexpr (std::is_same_v<P, pointer<T>> && sizeof(P) == sizeof(std::uint64_t)) {
@@ -61,23 +60,23 @@ std::size_t ZoFindFirstHolder(const P* holders, std::size_t count, const T* obje
     }
 }
 
-/// What the two finders share: where the tasks stand, and the lowest match so far.
+/// Shared by the two finders: the next element to compare, and the lowest match so far.
 ///
-/// A task compares as many elements as its range has, but takes them from the front of what is left: all
-/// tasks move through the array together, stop soon after the first match, and the match reported is the
-/// first one.
+/// A task compares as many elements as its range has, but takes them from the front of those that are left.
+/// All tasks thus move through the array together, stop soon after the first match, and report the first
+/// match.
 class ZoParallelMatch {
 public:
     explicit ZoParallelMatch(unsigned long long end) noexcept : lowest(end) {}
 
-    /// Before any `Run`: what stands before `begin` is not looked at.
+    /// Call before any `Run`: skips the elements before `begin`.
     void StartAt(unsigned long long begin) noexcept { next.store(begin, std::memory_order_relaxed); }
 
-    /// Index of the first match, from 0; the end when there is none.
+    /// The index of the first match, from 0; the end when there is none.
     unsigned long long Lowest() const noexcept { return lowest.load(std::memory_order_relaxed); }
 
-    /// Takes `count` elements, at most `step` at a time. `search(first, last)` gives the index of the first
-    /// match, or `last`.
+    /// Compares `count` elements, at most `step` at a time. `search(first, last)` returns the index of the
+    /// first match, or `last`.
     template <class Search>
     void Run(unsigned long long count, unsigned long long step, const Search& search) {
         while (count > 0) {
@@ -101,7 +100,7 @@ private:
     std::atomic<unsigned long long> lowest;
 };
 
-/// Parallel search of a value container, through the container's `Equal` or, where that is known to be `==`,
+/// Parallel search of a value container through the container's `Equal` or, where that is known to be `==`,
 /// directly. An overridden `Equal` runs on several threads at once.
 template <class Container>
 class TBBParallelFinder {
@@ -112,7 +111,7 @@ public:
         : container(where), value(what), direct(directly),
           count(static_cast<unsigned long long>(where.end() - where.begin())), match(count) {}
 
-    /// Index of the first match from index `begin` on, from 0; the count when there is none.
+    /// The index of the first match at or after `begin`, from 0; the count when there is none.
     unsigned long long Find(unsigned long long begin = 0) {
         match.StartAt(begin);
         ZoParallelFor(count - begin, &Search, this);
@@ -120,7 +119,7 @@ public:
     }
 
 private:
-    // What is compared in no time is taken in pieces that memory likes.
+    // Scalars compare so fast that larger steps pay.
     static constexpr unsigned long long STEP = std::is_scalar_v<ValueType> ? 65536 : 1024;
     static constexpr unsigned long long STEP_BY_EQUAL = 64;
 
@@ -148,7 +147,7 @@ private:
     ZoParallelMatch match;
 };
 
-/// Parallel search of an object container, through the container's `Equal` or, where that is known to be
+/// Parallel search of an object container through the container's `Equal` or, where that is known to be
 /// identity, directly. An overridden `Equal` runs on several threads at once.
 template <class Container>
 class TBBParallelFinderPointer {
@@ -159,7 +158,7 @@ public:
         : container(where), object(what), direct(directly),
           count(static_cast<unsigned long long>(where.end() - where.begin())), match(count) {}
 
-    /// Index of the first match from index `begin` on, from 0; the count when there is none.
+    /// The index of the first match at or after `begin`, from 0; the count when there is none.
     unsigned long long Find(unsigned long long begin = 0) {
         match.StartAt(begin);
         ZoParallelFor(count - begin, &Search, this);
@@ -195,17 +194,16 @@ private:
     ZoParallelMatch match;
 };
 
-/// Vectors longer than this are searched in parallel; up to here the search runs in order on the calling
-/// thread.
+/// Longer vectors are searched in parallel; others in order on the calling thread.
 constexpr unsigned long long ZoSerialFindLimit = 1000;
 
-/// How much of a longer vector is looked at before the workers are called, where elements are compared
-/// directly: a match near the beginning does not pay for them.
+/// How many elements of a longer vector are compared before the workers are called, if they are compared
+/// directly: calling them does not pay for a match near the beginning.
 constexpr std::size_t ZoSerialFindPrefix(std::size_t count) {
     return std::max(static_cast<std::size_t>(ZoSerialFindLimit), count / 256);
 }
 
-/// Destroys all elements and keeps the capacity. The vector is already empty when destructors run, so that
+/// Destroys all elements and keeps the capacity. The vector is already empty when destructors run, because
 /// they may use its container.
 template <class E, class Vector>
 void ZoClearElements(Vector& elements) {

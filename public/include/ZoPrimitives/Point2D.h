@@ -5,8 +5,8 @@
 
 namespace ZoPrimitives {
 
-// A private coordinate of a point, streamed through the point's accessors: a class that overrides these is
-// saved as it shows itself. In objects of the class itself streamers go straight to the member.
+// A private coordinate of a point, streamed through the virtual accessors, so that a class that overrides
+// them saves what they return. For objects of exactly this class streamers access the member directly.
 #define ZO_COORDINATE_(Class, field, Accessor)                                                               \
 private:                                                                                                     \
     double field##Value = 0;                                                                                 \
@@ -26,12 +26,12 @@ public:                                                                         
         return ZoFieldClass(schema, fieldClass, kind, "double", ftDouble);                                   \
     }                                                                                                        \
     static TZoClassField* Addfieldfor_##field(TZoClass* owner, TZoClass*, const ZoString&) {                 \
-        TZoClassField* made = owner->AddFieldDouble(#field, Set##field, Get##field);                         \
-        made->SetMember(Member##field);                                                                      \
-        return made;                                                                                         \
+        TZoClassField* newField = owner->AddFieldDouble(#field, Set##field, Get##field);                     \
+        newField->SetMember(Member##field);                                                                  \
+        return newField;                                                                                     \
     }
 
-// What every point and vector has to be streamed, under its plain name.
+// What every point and vector declares to be streamed, under its plain class name.
 #define ZO_POINT_CLASS_(Class)                                                                               \
     explicit Class(StreamableInit init);                                                                     \
     Class(const Class& other);                                                                               \
@@ -43,11 +43,11 @@ public:                                                                         
     TZoClass* GetOriginalClass(TZoMetaData* schema) const override;                                          \
     ZoString StreamableClassName() const override;
 
-/// The quarters of the plane; see `Point2D::Quadrant`.
+/// The quadrants of the plane; see `Point2D::Quadrant`.
 enum TQuadrant : int { FirstQuadrant = 1, SecondQuadrant, ThirdQuadrant, FourthQuadrant };
 
-/// A point of the plane. Operators compare exactly; `Equal` and `Less` within the tolerance of a precision,
-/// as in Math2.h. Members that change the point return it.
+/// A point of the plane. Operators compare exactly; `Equal` and `Less` compare within a tolerance, as in
+/// Math2.h. Members that change the point return it.
 class ZO_API Point2D : public ZoObjectStreamable {
 public:
     /// The origin.
@@ -63,9 +63,9 @@ public:
     virtual bool operator==(const Point2D& other) const;
     bool operator!=(const Point2D& other) const;
     using ZoObject::operator!=;
-    /// False when `other` is no `Point2D`.
+    /// False when `other` is not a `Point2D`.
     bool operator==(const ZoObject& other) const override;
-    // By x, then by y. With a NaN, which is neither equal nor less, `>` and `>=` hold.
+    // Compare by x, then by y. A NaN is neither equal nor less, so `>` and `>=` hold.
     bool operator<(const Point2D& other) const;
     bool operator<=(const Point2D& other) const;
     bool operator>(const Point2D& other) const;
@@ -77,35 +77,35 @@ public:
     Point2D operator/(double divisor) const;
 
     bool Equal(const Point2D& other, unsigned precision) const;
-    /// By x, then by y where the x are equal.
+    /// Compares by x, then, if these are equal, by y.
     bool Less(const Point2D& other, unsigned precision) const;
-    /// The larger of the two by `Less`; the other where neither is less.
+    /// The larger of the two by `Less`; `other` if neither is less.
     Point2D Major(const Point2D& other, unsigned precision) const;
-    /// The smaller of the two by `Less`; the other where neither is less.
+    /// The smaller of the two by `Less`; `other` if neither is less.
     Point2D Minor(const Point2D& other, unsigned precision) const;
 
     double Distance(const Point2D& other) const;
     Point2D& Move(double dx, double dy);
-    /// Counter-clockwise about the origin, in radians.
+    /// Rotates counter-clockwise about the origin, in radians.
     Point2D& Rotate(double angle);
     Point2D& Rotate(double angle, const Point2D& centre);
-    /// Divides the distance from the centre by the factor and rounds the coordinates to 3 decimals
-    /// (`ExRound`). By 0 they become NaN.
+    /// Divides the distance from the centre by the factor, then rounds the coordinates to 3 decimals
+    /// (`ExRound`). A factor of 0 gives NaN.
     Point2D& Scale(const Point2D& centre, double factor);
-    /// The point `distance` units from this one towards the other, or beyond it; this one where they are less
+    /// The point at `distance` from this one towards the other, or beyond it; this point if they are less
     /// than 10^-6 apart.
     Point2D InterpolaPonto(const Point2D& other, double distance) const;
     /// The origin and the positive half-axes belong to the first quadrant, the negative half-axes to the
     /// third.
     TQuadrant Quadrant(unsigned precision) const;
-    /// Whether the nearest point of the segment is `Equal` to this one: an end or, with u from a to this
-    /// point and v from a to b, a + v t, t = u·v / v·v, for t between 0 and 1.
+    /// Whether this point is `Equal` to the nearest point of the segment: an end, or a + v t with t = u·v /
+    /// v·v between 0 and 1, where u runs from a to this point and v from a to b.
     bool IsInSegment(const Point2D& a, const Point2D& b, unsigned precision = 6) const;
 
     /// "x:1.000000 | y:2.000000".
     ZoString ToString() const override;
 
-    /// In texts 10 and 20 lead the coordinates.
+    /// Writes the codes 10 and 20 before the coordinates.
     void Write(OutputStreamer& streamer) override;
 
     ZO_COORDINATE_(Point2D, x, X)

@@ -11,12 +11,12 @@ namespace ZoPrimitives {
 /// The largest payload of a record, in bytes.
 inline constexpr unsigned DEFAULT_BUFFER_SIZE = 10'485'760;
 
-/// The record that a stream has open, and before it the frames that nobody has taken yet, in one block.
+/// The open record of a stream and, before it, the frames not yet taken, in one block.
 ///
-/// Sums of frames are put in late, in batches; whoever asks for the frames gets them complete.
+/// Checksums of frames are computed late, in batches; frames are complete when they are handed out.
 class ZO_API RecordBuffer {
 public:
-    /// What becomes of frames when the block is full.
+    /// What happens to frames when the block is full.
     enum class Use {
         Gather, ///< they are taken from time to time; the block never grows
         Keep    ///< they stay, and the block grows
@@ -27,14 +27,14 @@ public:
     RecordBuffer& operator=(const RecordBuffer&) = delete;
 
     Use GetUse() const { return use; }
-    /// Copies the open record, and the frames where both keep them.
+    /// Copies the open record, and the frames if both buffers keep them.
     void Assign(const RecordBuffer& other);
 
     // The open record
 
     unsigned Size() const { return static_cast<unsigned>(position - record); }
     const unsigned char* Bytes() const { return record; }
-    /// `data` may be null when there are no bytes. More than a record can hold fails an assertion.
+    /// `data` may be null when `size` is 0. Fails an assertion for more than a record can hold.
     void Append(const void* data, std::size_t size) {
         if (size > static_cast<std::size_t>(limit - position)) MakeRoom(size);
         if (size != 0) std::memcpy(position, data, size);
@@ -54,18 +54,18 @@ public:
 
     // Frames
 
-    /// Closes the open record, which is not empty, and scrambles it unless the key is 0.
+    /// Closes the open record, which must not be empty, and scrambles it unless the key is 0.
     void Frame(int uid, int classId, unsigned key);
-    /// Puts the open record's bytes behind the frames as they are.
+    /// Adds the open record's bytes to the frames without a head.
     void FrameRaw();
-    /// All that was not taken yet, `size` bytes.
+    /// All frames not yet taken, `size` bytes.
     const unsigned char* Frames(unsigned long long& size);
     unsigned long long FramesSize() const { return static_cast<unsigned long long>(framesEnd - block); }
-    /// Forgets the frames; the open record stays.
+    /// Forgets the frames; the open record is unchanged.
     void DropFrames();
-    /// Writes bytes over the frames; `offset` + `size` must lie inside them.
+    /// Overwrites bytes of the frames; `offset` + `size` must lie within them.
     void PatchFrames(unsigned long long offset, const void* data, std::size_t size);
-    /// Gives the block away, on the C heap, with `size` bytes of frames, and starts an empty one. The open
+    /// Hands over the block, on the C heap, with `size` bytes of frames, and starts an empty one. The open
     /// record is lost.
     unsigned char* TakeFrames(unsigned long long& size);
     /// Frees the block and starts an empty one. The open record is lost.
@@ -76,17 +76,17 @@ private:
 
     void Allocate(std::size_t capacity);
     void SetBounds(std::size_t frames, std::size_t payload);
-    /// Makes room for `size` + `head` bytes.
+    /// Makes room for `head` + `size` bytes.
     void MakeRoom(std::size_t size, std::size_t head = 0);
     void SumFrames(const unsigned char* end);
 
     Use use;
-    // [block, framesEnd) are frames; the head of the open record follows, then its payload [record,
+    // Frames are in [block, framesEnd); after them the open record's head, then its payload [record,
     // position).
     unsigned char* block = nullptr;
     unsigned char* blockEnd = nullptr;
     unsigned char* framesEnd = nullptr;
-    unsigned char* summedEnd = nullptr; // frames before this hold their sums
+    unsigned char* summedEnd = nullptr; // frames before this have their checksums
     unsigned char* record = nullptr;
     unsigned char* position = nullptr;
     unsigned char* limit = nullptr; // the open record may grow up to here

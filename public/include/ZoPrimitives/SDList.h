@@ -5,8 +5,8 @@
 
 namespace ZoPrimitives {
 
-/// List of values, contiguous like `TDList`: access by position takes the same time everywhere. A search runs
-/// in order on the calling thread.
+/// List of values, contiguous like `TDList`: access by position takes constant time. Searches run in order on
+/// the calling thread.
 template <class T>
 class TSDList : public TValueContainer<T, TSDList<T>> {
     using Base = TValueContainer<T, TSDList<T>>;
@@ -32,8 +32,8 @@ public:
     bool operator==(const TSDList& other) const { return *this == static_cast<const ZoObject&>(other); }
 };
 
-/// List of objects, held through `P`, contiguous like `TIList`: access by position takes the same time
-/// everywhere. A search runs in order on the calling thread.
+/// List of objects, held through `P`, contiguous like `TIList`: access by position takes constant time.
+/// Searches run in order on the calling thread.
 template <class T, class P = pointer<T>>
 class TSIList : public TObjectContainer<T, P, TSIList<T, P>> {
     using Base = TObjectContainer<T, P, TSIList<T, P>>;

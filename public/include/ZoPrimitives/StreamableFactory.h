@@ -18,11 +18,11 @@ public:
 
     ZoString StreamableClassName() const override;
 
-    /// Reads a section of a text, for readers that hand sections over by name; false when the factory does
-    /// not know it. False here.
+    /// Reads a named section of a text, for readers that delegate sections. False when the factory does not
+    /// know the section, as here.
     virtual bool ReadSection(InputStreamer* streamer, ZoString name);
-    /// A new, empty object of the class that a text names as `StreamableClassName` does; it is the caller's.
-    /// Throws `XUnknownObject` for a class that the factory does not know.
+    /// A new, empty object, owned by the caller; a text names its class as `StreamableClassName` does. Throws
+    /// `XUnknownObject` for a class that the factory does not know.
     virtual ZoStreamableBase* CreateObject(ZoString className);
 
 private:

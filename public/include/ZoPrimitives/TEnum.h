@@ -4,7 +4,7 @@
 
 namespace ZoPrimitives {
 
-/// Base of the small classes that stand for an enumeration.
+/// Base of the small classes that wrap an enumeration.
 class ZO_API TEnum {
 public:
     TEnum();

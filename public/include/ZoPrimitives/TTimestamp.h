@@ -9,18 +9,18 @@ namespace ZoPrimitives {
 
 /// A point in time: ticks of 100 nanoseconds since 1970-01-01 00:00:00 UTC.
 ///
-/// What would lie beyond the first or the last tick (about 29,000 years from 1970) becomes that tick. Nothing
-/// here throws or reports an error.
+/// Times beyond the first or the last tick (about 29,000 years from 1970) become that tick. Nothing here
+/// throws or reports an error.
 ///
-/// Formats are cctz's: the directives of C's `strftime` with its modifiers E and O, "%E3S", "%E*S" and "%E*f"
-/// for parts of a second, "%Ez" and "%E*z" for the distance from UTC, "%E4Y" for years of four digits. Names
-/// are English ones whatever the locale is. What is none of these is printed as it stands, and reads nothing.
+/// Formats are those of cctz: the directives of C's `strftime` with the modifiers E and O, "%E3S", "%E*S" and
+/// "%E*f" for fractions of a second, "%Ez" and "%E*z" for the offset from UTC, "%E4Y" for four-digit years.
+/// Names are English in every locale. Unknown directives are printed unchanged and match no text.
 class ZO_API TTimestamp {
 public:
-    /// Now.
+    /// The current time.
     TTimestamp();
-    /// `text` read by `format`, in UTC unless it tells another zone ("%z"). Parts that it does not tell are
-    /// those of 1970-01-01 00:00:00. A text that is no such time gives the present one, silently: ask
+    /// Reads `text` by `format`, in UTC unless the text gives an offset ("%z"). Parts that it does not give
+    /// are those of 1970-01-01 00:00:00. A text that does not match silently gives the current time: ask
     /// `IsValid` first.
     TTimestamp(const ZoString& text, const ZoString& format);
     TTimestamp(const TTimestamp& other) = default;
@@ -29,7 +29,7 @@ public:
     TTimestamp& operator=(TTimestamp&& other) = default;
     virtual ~TTimestamp();
 
-    /// The count, as to be saved; of any sign.
+    /// The number of ticks, for saving; it may be negative.
     std::int64_t Ticks() const { return count; }
     static TTimestamp FromTicks(std::int64_t ticks) { return TTimestamp(ticks); }
 
@@ -43,17 +43,17 @@ public:
     TTimestamp& operator+=(std::chrono::seconds d);
     TTimestamp& operator-=(std::chrono::seconds d);
 
-    /// Positive when `other` is earlier; the largest or the smallest number when the difference exceeds it
-    /// (292 years).
+    /// Positive when `other` is earlier. Differences beyond 292 years give the largest or the smallest
+    /// number.
     long long DiferenceInNanoseconds(const TTimestamp& other) const;
 
     ZoString InUTCTime(const ZoString& format) const;
-    /// In the machine's standard time: in summer an hour behind a clock that daylight saving put forward.
+    /// In the machine's standard time: in summer an hour behind a clock on daylight saving time.
     ZoString InLocalTime(const ZoString& format) const;
 
     static bool IsValid(const ZoString& text, const ZoString& format);
 
-    // By the clock on the wall, daylight saving included. Whole seconds count, truncated towards 1970.
+    // By local wall-clock time, daylight saving included, in whole seconds truncated towards 1970.
     bool IsToday() const;
     bool IsYesterday() const;
     bool IsSameDayHourMinuteAndSeconds(const TTimestamp& other) const;
@@ -67,8 +67,7 @@ private:
     std::int64_t count;
 };
 
-/// Minutes to add to the machine's local standard time to get UTC: 180 for Brasília. Daylight saving does not
-/// count.
+/// Minutes to add to the machine's local standard time to get UTC: 180 for Brasília. Ignores daylight saving.
 ZO_API long SystemTimeZoneOffSetMinutes();
 
 } // namespace ZoPrimitives

@@ -4,12 +4,12 @@
 
 namespace ZoPrimitives {
 
-/// A transformation of space: a 4x4 matrix M that takes a point, as the column (x, y, z, 1), to M (x, y, z,
-/// 1). The translation stands in the last column. Where the fourth coordinate w of a result is neither 1 nor
-/// 0, the others are divided by it.
+/// A transformation of space: a 4x4 matrix M that maps a point, as the column (x, y, z, 1), to M (x, y, z,
+/// 1). The translation is in the last column. If the fourth coordinate w of a result is neither 1 nor 0, the
+/// others are divided by it.
 ///
-/// Streamed as the field "matrix", a list of 16 doubles row by row. Of a list of another length the first 16
-/// count; what is missing is that of the identity.
+/// Streamed as the field "matrix", a list of 16 doubles row by row. Of a longer list the first 16 count;
+/// missing elements are those of the identity.
 class ZO_API TTransformation : public ZoObjectStreamable {
 public:
     /// The identity.
@@ -21,24 +21,24 @@ public:
 
     static TTransformation Translation(double x, double y, double z);
     static TTransformation Scaling(double x, double y, double z);
-    /// By `angle` radians about the axis through the origin in the direction (x, y, z), of any length:
-    /// counter-clockwise for whom the axis points at. The identity for a direction of length 0.
+    /// Rotates by `angle` radians about the axis through the origin in the direction (x, y, z), of any
+    /// length: counter-clockwise as seen by an observer at whom the axis points. The identity for length 0.
     static TTransformation Rotation(double angle, double x, double y, double z);
 
-    /// Rows and columns count from 1 to 4; asserted.
+    /// Rows and columns count from 1 to 4; this is asserted.
     double Element(unsigned row, unsigned column) const;
     void Element(unsigned row, unsigned column, double value);
-    /// The right one first, then the left one.
+    /// Applies `right` first, then this transformation.
     TTransformation operator*(const TTransformation& right) const;
 
     void TransformPoint(double& x, double& y, double& z) const;
-    /// Without translation.
+    /// Applies no translation.
     void TransformDirection(double& x, double& y, double& z) const;
 
     bool operator==(const TTransformation& other) const;
     bool operator!=(const TTransformation& other) const { return !(*this == other); }
     using ZoObject::operator!=;
-    /// False when `other` is no transformation.
+    /// False when `other` is not a transformation.
     bool operator==(const ZoObject& other) const override;
 
     static TZoClass* Register(TZoMetaData* schema);
@@ -47,7 +47,7 @@ public:
     TZoClass* GetOriginalClass(TZoMetaData* schema) const override;
     ZoString StreamableClassName() const override;
 
-    /// In texts 40 leads each of the 16 elements, row by row.
+    /// Writes the code 40 before each of the 16 elements, row by row.
     void Write(OutputStreamer& streamer) override;
     void Read(InputStreamer& streamer) override;
 
@@ -67,7 +67,7 @@ private:
     void Append(double value);
 
     double matrix[4][4]; // [row][column]
-    unsigned read = 0;   // elements that a reader has added
+    unsigned read = 0;   // number of elements that a reader has added
 };
 
 } // namespace ZoPrimitives

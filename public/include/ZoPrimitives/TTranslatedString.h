@@ -5,7 +5,7 @@
 namespace ZoPrimitives {
 
 /// A user-visible text in the current language. The Portuguese literal (Windows-1252) is the key and the
-/// default wording; no other language is installed, so the text is the literal.
+/// default text; no other language is installed, so the text is the literal.
 class ZO_API TTranslatedString {
 public:
     explicit TTranslatedString(const char* literal);

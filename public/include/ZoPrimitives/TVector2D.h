@@ -4,13 +4,13 @@
 
 namespace ZoPrimitives {
 
-/// A vector of the plane. Angles are in radians; beside a NaN or an infinity they are NaN.
+/// A vector in the plane. Angles are in radians; a NaN or an infinity makes them NaN.
 class ZO_API TVector2D : public Point2D {
 public:
     /// The zero vector.
     TVector2D();
     TVector2D(double x, double y);
-    /// From the origin to a point.
+    /// From the origin to the point.
     explicit TVector2D(const Point2D& point);
     TVector2D(const Point2D& from, const Point2D& to);
     ZO_POINT_CLASS_(TVector2D)
@@ -22,17 +22,17 @@ public:
     TVector2D operator/(double divisor) const;
 
     double Magnitude() const;
-    /// To 6 decimals.
+    /// Compares the magnitude at precision 6.
     bool MagnitudeGreaterThanZero() const;
-    /// To magnitude 1; the zero vector stays.
+    /// Scales to magnitude 1; the zero vector is unchanged.
     TVector2D& Normalize();
     TVector2D Normalized() const;
     double DotProduct(const Point2D& other) const;
-    /// x1 y2 - y1 x2: positive where the other vector lies to the left.
+    /// x1 y2 - y1 x2: positive when the other vector lies to the left.
     double CrossProduct(const Point2D& other) const;
-    /// Between the two, from 0 to pi; 0 beside a zero vector.
+    /// The angle between the two, from 0 to pi; 0 if either is zero.
     double Angle(const TVector2D& other) const;
-    /// From this vector to the other, from -pi to pi: positive where it lies to the left.
+    /// The angle from this vector to the other, from -pi to pi; positive when the other lies to the left.
     double SignedAngle(const TVector2D& other) const;
 };
 

@@ -4,7 +4,7 @@
 
 namespace ZoPrimitives {
 
-/// A colour of four components, 0 to 255. What alpha means is up to the application.
+/// A colour with four components, 0 to 255. Applications decide what alpha means.
 class ZO_API TZoColor {
 public:
     /// Black, with alpha 0.
@@ -22,10 +22,10 @@ public:
     void SetGreen(unsigned char value) noexcept { green = value; }
     void SetBlue(unsigned char value) noexcept { blue = value; }
     void SetAlpha(unsigned char value) noexcept { alpha = value; }
-    /// Leaves alpha as it is.
+    /// Alpha is unchanged.
     void SetRGB(unsigned char newRed, unsigned char newGreen, unsigned char newBlue) noexcept;
 
-    // From 0 to 1.
+    // Components scaled to [0, 1].
     float GetRedAsFloat() const noexcept { return GetComponentAsFloat(red); }
     float GetGreenAsFloat() const noexcept { return GetComponentAsFloat(green); }
     float GetBlueAsFloat() const noexcept { return GetComponentAsFloat(blue); }
@@ -39,25 +39,25 @@ public:
     /// "red,green,blue,alpha" in decimal.
     ZoString ToRGBAString() const;
     ZoString ToString() const;
-    /// Reads what `ToString` wrote. Each piece between commas counts with the low 8 bits of the number it
-    /// starts with, 0 without one; pieces after the fourth are ignored. With fewer than four the colour stays
-    /// and the result is false.
+    /// Reads what `ToString` wrote. Each piece between commas gives the low 8 bits of the number at its
+    /// start, 0 if there is none; pieces after the fourth are ignored. False, with the colour unchanged, for
+    /// fewer than four.
     bool FromString(const ZoString& text);
 
     bool operator==(const TZoColor& other) const noexcept;
     bool operator!=(const TZoColor& other) const noexcept;
     bool AreRgbEqual(const TZoColor& other) const noexcept;
-    /// Whatever alpha is.
+    /// Ignores alpha.
     bool IsBlack() const noexcept;
-    /// Whatever alpha is.
+    /// Ignores alpha.
     bool IsWhite() const noexcept;
 
     /// Adds to red, green and blue, up to 255.
     void AddBrightDelta(int delta) noexcept;
-    /// Takes from red, green and blue, down to 0.
+    /// Subtracts from red, green and blue, down to 0.
     void AddDarkDelta(int delta) noexcept;
 
-    /// The colour word 0x00BBGGRR, as the system's drawing functions and `ULongToDoubleArray` take it.
+    /// The colour word 0x00BBGGRR, which the system's drawing functions and `ULongToDoubleArray` take.
     operator unsigned long() const noexcept;
 
 private:

@@ -4,8 +4,8 @@
 
 namespace ZoPrimitives {
 
-/// Root of the failures of data and of input and output: what happened, and the operation in which it arose,
-/// often with a numbered failure point ("TBinInStream::LoadRecord #3"). Texts are Windows-1252.
+/// Root of data and input/output failures. The location names the operation, often with a numbered failure
+/// point ("TBinInStream::LoadRecord #3"). Texts are Windows-1252.
 class ZO_API XStream {
 public:
     XStream(const ZoString& message, const ZoString& location);
@@ -21,7 +21,7 @@ private:
     ZoString location;
 };
 
-/// Reading failed: the device, or damaged data.
+/// Reading failed: a device failed or the data is damaged.
 class ZO_API XReadStream : public XStream {
 public:
     XReadStream(const ZoString& message, const ZoString& location);
@@ -42,35 +42,35 @@ public:
     ~XWriteStreamOutOfSpace() override;
 };
 
-/// Nothing is left to read: "End-of-file", without location.
+/// Nothing is left to read. The message is "End-of-file", the location empty.
 class ZO_API XEndOfStream : public XStream {
 public:
     XEndOfStream();
     ~XEndOfStream() override;
 };
 
-/// "Invalid object : data still incomplete after read.", without location.
+/// The message is "Invalid object : data still incomplete after read.", the location empty.
 class ZO_API XInvalidObject : public XReadStream {
 public:
     XInvalidObject();
     ~XInvalidObject() override;
 };
 
-/// The data was written by a newer version than the reader supports. Empty texts.
+/// The data was written by a newer version than the reader supports. Both texts are empty.
 class ZO_API XNewerVersion : public XReadStream {
 public:
     XNewerVersion();
     ~XNewerVersion() override;
 };
 
-/// The data's version cannot be brought to the reader's. Empty texts.
+/// The data's version cannot be converted to the reader's. Both texts are empty.
 class ZO_API XUnversionableVersion : public XReadStream {
 public:
     XUnversionableVersion();
     ~XUnversionableVersion() override;
 };
 
-// Declared for the applications, which throw them. Empty texts.
+// For the applications, which throw them. Both texts are empty.
 
 class ZO_API XInvalidFileType : public XReadStream {
 public:

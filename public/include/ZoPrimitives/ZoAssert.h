@@ -5,14 +5,14 @@
 
 namespace ZoPrimitives {
 
-/// Handler of failed assertions. It may return: the assertion throws all the same.
+/// Handler of failed assertions. It may return; the assertion throws anyway.
 class ZO_API IAssertFunctor {
 public:
     virtual ~IAssertFunctor();
     virtual void operator()(const char* expression, const char* message, const char* file, int line) = 0;
 };
 
-/// The library's own handler: `HandleAsserting` with the same arguments.
+/// The library's own handler; calls `HandleAsserting`.
 class ZO_API ZoAssertFunctor : public IAssertFunctor {
 public:
     ZoAssertFunctor();
@@ -25,7 +25,8 @@ public:
 /// What every failed assertion throws.
 class ZO_API XZoAssert {
 public:
-    /// `message` is stored as given, not copied: a literal, or the library's static message buffer.
+    /// Keeps the pointer `message` without copying the text: pass a literal or the library's static message
+    /// buffer.
     explicit XZoAssert(const char* message) noexcept;
     XZoAssert(const XZoAssert&) noexcept;
     XZoAssert(XZoAssert&&) noexcept;
@@ -35,7 +36,7 @@ public:
 
     const char* Message() const noexcept { return message; }
 
-    /// Whether `HandleAsserting` and `Expect` show a message box. Process-wide, unguarded, true at first.
+    /// Whether `HandleAsserting` and `Expect` show a message box. Process-wide, unguarded, true by default.
     static bool ShowMessageBox() noexcept;
     static void ShowMessageBox(bool show) noexcept;
 
@@ -43,27 +44,26 @@ private:
     const char* message;
 };
 
-/// The entry point of every assertion: calls the installed functor, if any, then throws `XZoAssert`.
-/// `file` is relative to the source root and carries no extension; the texts need to live only during the
-/// call.
+/// The entry point of every assertion: calls the installed functor, if any, then throws `XZoAssert`. `file`
+/// is relative to the source root and has no extension; the texts must live only during the call.
 [[noreturn]] ZO_API void AssertWithFunctor(const char* expression, const char* message, const char* file,
                                            int line);
 
-/// Composes the text, shows it when enabled, and throws `XZoAssert`: with "CrashRpt" when a box was shown,
-/// with the composed text otherwise (held in a static buffer until the next assertion).
+/// Composes the text, shows it if enabled, and throws `XZoAssert`: with "CrashRpt" if a box was shown,
+/// otherwise with the composed text (in a static buffer, until the next assertion).
 [[noreturn]] ZO_API void HandleAsserting(const char* expression, const char* message, const char* file,
                                          int line);
 
-/// A soft check: composes and shows as `HandleAsserting` does, then returns.
+/// A soft check: composes and shows the text as `HandleAsserting` does, then returns.
 ZO_API void Expect(const char* expression, const char* message, const char* file, int line);
 
 /// Installs `functor` (null for none). The library owns it and deletes the one it replaces; installing the
-/// one that is installed changes nothing. Meant for start-up: unguarded.
+/// same functor again changes nothing. Unguarded: meant for start-up.
 ZO_API void SetAssertionFunctor(IAssertFunctor* functor);
 
 } // namespace ZoPrimitives
 
-/// Fails with the given text, which is the check's name in crash reports, unless the condition holds.
+/// Fails unless the condition holds. `text` identifies the check in crash reports.
 #define ZO_ASSERT_AT(condition, text, source, line)                                                          \
     ((condition) ? static_cast<void>(0) : ::ZoPrimitives::AssertWithFunctor(text, "", source, line))
 #define ZO_ASSERT_SITE(condition, text, site) ZO_ASSERT_AT(condition, text, (site).source, (site).line)

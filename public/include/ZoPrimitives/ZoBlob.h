@@ -4,13 +4,13 @@
 
 namespace ZoPrimitives {
 
-/// A run of bytes, owned. Without memory for it `std::bad_alloc` is thrown and the blob stays as it was.
+/// An owned sequence of bytes. Throws `std::bad_alloc` without memory for it; the blob is then unchanged.
 class ZO_API ZoBlob : public ZoObject {
 public:
     ZoBlob() noexcept = default;
-    /// `size` zero bytes; pages that are not touched cost no memory.
+    /// `size` zero bytes; untouched pages take no memory.
     explicit ZoBlob(unsigned long long size);
-    /// A copy of `size` bytes; a null `data` gives the empty blob.
+    /// Copies `size` bytes; a null `data` gives the empty blob.
     ZoBlob(const void* data, unsigned long long size);
     ZoBlob(const ZoBlob& other);
     ZoBlob(ZoBlob&& other) noexcept;
@@ -25,7 +25,7 @@ public:
     const void* Data() const noexcept { return bytes; }
     void* Data() noexcept { return bytes; }
 
-    /// Copies `size` bytes, which may lie in this blob; the memory at hand is used again.
+    /// Copies `size` bytes, which may lie in this blob, reusing its memory where possible.
     void Assign(const void* data, unsigned long long size);
 
     friend bool operator==(const ZoBlob& a, const ZoBlob& b) noexcept { return a.SameBytes(b); }
@@ -36,7 +36,7 @@ public:
 private:
     bool SameBytes(const ZoBlob& other) const noexcept;
 
-    unsigned char* bytes = nullptr; // of malloc
+    unsigned char* bytes = nullptr; // allocated with malloc
     unsigned long long size = 0;
     unsigned long long capacity = 0;
 };

@@ -23,7 +23,7 @@ struct TBinUnresolved;
 template <class T>
 class TDVector;
 
-/// Kinds of field, as stored in files. Negative, so that none is a class id.
+/// Kinds of field, as stored in files; negative, to differ from class ids.
 enum TZoClassFieldType : int {
     ftInt = -1,
     ftFloat = -2,
@@ -32,26 +32,26 @@ enum TZoClassFieldType : int {
     ftBlob = -5,
     ftChildPointer = -6,     ///< an owned object
     ftChildPointerList = -7, ///< a list of owned objects
-    ftPointer = -8,          ///< an object that somebody else owns
-    ftPointerList = -9,      ///< a list of them
+    ftPointer = -8,          ///< an object that another object owns
+    ftPointerList = -9,      ///< a list of such objects
     ftBool = -10,
     ftListInt = -11,
     ftListFloat = -12,
     ftListDouble = -13,
     ftListString = -14,
-    ftPointerEx = -15,     ///< an object that nobody in the graph need own: written after the main graph
-    ftPointerListEx = -16, ///< a list of them
+    ftPointerEx = -15,     ///< an object that need not be owned in the graph: written after the main graph
+    ftPointerListEx = -16, ///< a list of such objects
     ftUnsigned = -17,
     ftChildValue = -18,      ///< an object that is a member of its owner
     ftChildPointerMap = -19, ///< owned objects under owned keys
 };
 
-/// How accessors take and give a value: strings and blobs by reference.
+/// How accessors pass a value: strings and blobs by reference.
 template <class T>
 using TZoParameter = std::conditional_t<std::is_class_v<T>, const T&, T>;
 
-// Accessors: plain functions. `object` is of the class that declared the field; `field` is the application's,
-// never the file's. Item indices count from 1.
+// Accessors are plain functions. `object` is of the class that declared the field; `field` is the
+// application's field, never the file's. Item indices count from 1.
 template <class T>
 using TZoSetter = void (*)(ZoStreamableBase* object, TZoClassField* field, TZoParameter<T> value);
 template <class T>
@@ -59,11 +59,11 @@ using TZoGetter = TZoParameter<T> (*)(ZoStreamableBase* object, TZoClassField* f
 template <class T>
 using TZoItemGetter = TZoParameter<T> (*)(ZoStreamableBase* object, TZoClassField* field, int index);
 using TZoItemCount = unsigned long long (*)(ZoStreamableBase* object, TZoClassField* field);
-/// An integer of the application's that is stored with a list, between its count and its items. Files do not
-/// tell whether a list has it: adding or removing it makes older files unreadable.
+/// An application's integer that is stored with a list, between its count and its items. Files do not tell
+/// whether a list has one: adding or removing it makes older files unreadable.
 using TZoListInteger = int (*)(ZoStreamableBase* object, TZoClassField* field);
-/// Prepares a list for `count` items: empties it, and may reserve. `first` and `second` are the list's
-/// integers, 0 where it has none.
+/// Prepares a list for `count` items: empties it and may reserve room. `first` and `second` are the list's
+/// integers, 0 if it has none.
 using TZoListCreator = void (*)(ZoStreamableBase* object, int count, int first, int second);
 using TZoPointerSetter = void (*)(ZoStreamableBase* object, TZoClassField* field, ZoStreamableBase* target);
 using TZoPointerGetter = ZoStreamableBase* (*)(ZoStreamableBase* object, TZoClassField* field);
@@ -71,13 +71,13 @@ using TZoPointerItemGetter = ZoStreamableBase* (*)(ZoStreamableBase* object, TZo
 /// Applies the functor to every item, in order.
 using TZoListIterator = void (*)(ZoStreamableBase* object, TZoClassField* field,
                                  ZoStreamableBaseFunctor& action);
-/// Whether an object is of the C++ type that the setter takes.
+/// Whether an object is of the C++ type that the setter expects.
 using TZoTypeTest = bool (*)(const ZoStreamableBase* target);
 
-/// The address of the member that holds a field; null for objects whose accessors must be called.
+/// The address of the member that holds a field; null if the object's accessors must be called instead.
 using TZoMemberAddress = void* (*)(ZoStreamableBase* object);
 
-/// One field of a class: its name and kind and, in an application's schema, the accessors to its value.
+/// One field of a class: its name and kind and, in an application's schema, its accessors.
 ///
 /// A field of a file's schema has no accessors; it is linked to the application's field of the same name, if
 /// any.
@@ -87,7 +87,7 @@ public:
     TZoClassField(const TZoClassField&) = delete;
     TZoClassField& operator=(const TZoClassField&) = delete;
 
-    /// Of a map's sub-field: "<unresolve>" while its class is unknown.
+    /// For a map's sub-field, "<unresolve>" while its class is unknown.
     const ZoString& GetFieldName() const {
         return half != Half::No && fieldClass == nullptr ? Unresolved() : name;
     }
@@ -95,46 +95,46 @@ public:
     bool IsPointerKind() const;
     /// The class that declares the field.
     TZoClass* GetOwnerClass() const { return owner; }
-    /// The class of what a pointer field points to; null while unknown and for value fields.
+    /// The class that a pointer field points to; null while unknown and for value fields.
     TZoClass* GetFieldClass() const { return fieldClass; }
-    /// The name of that class as declared in code. Empty for value fields and for the fields of a file, whose
-    /// kind and class tell it.
+    /// The name of that class as declared in code. Empty for value fields and for fields of a file, which
+    /// give its id.
     const ZoString& GetFieldClassName() const { return className == nullptr ? NoName() : *className; }
-    /// The id of that class as read from a file; 0 for none.
+    /// The id of that class as read from a file; 0 if there is none.
     int GetFieldClassId() const { return fieldClassId; }
-    /// In a file's schema: the application's field that takes the value; null when there is none.
+    /// In a file's schema: the application's field that receives the value; null if there is none.
     TZoClassField* GetOriginal() const { return original; }
     void SetFieldClass(TZoClass* newClass);
     void SetFieldClassName(const ZoString& newName);
-    /// Of a value field whose accessors do nothing but read and write a member of the value's own type
-    /// (`TDVector` for lists): where it is. The streamers then spare the accessors.
+    /// For a value field whose accessors only read and write a member of the value's own type (`TDVector` for
+    /// lists): gives the member's address, so that the streamers need not call the accessors.
     void SetMember(TZoMemberAddress memberOf) {
         member = memberOf;
         SetPlain();
     }
-    /// Tells that the accessors do nothing but read and write a member. Without it the writer expects that
-    /// they may change other objects.
+    /// Declares that the accessors only read and write a member. The writer assumes that other accessors may
+    /// change other objects.
     void SetPlain() { plain = true; }
-    /// Whether they do nothing else; a map's are those of its halves.
+    /// Whether the accessors only read and write a member; for a map, those of both halves.
     bool IsPlain() const;
 
-    /// Writes a value into the open record. Of pointer kinds: writes the records of the owned objects that
-    /// the field holds, unless they were written before.
+    /// Writes a value into the open record. For pointer kinds, writes the records of the owned objects that
+    /// the field holds, unless already written.
     virtual void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) = 0;
-    /// Reads the field's part of the current record and hands a value to the application's setter; uids are
-    /// kept until all records are read. Without an application's field the value is passed over and kept as
+    /// Reads the field's part of the current record and passes a value to the application's setter; uids are
+    /// kept until all records are read. Without an application's field the value is skipped and kept as
     /// excluded.
     virtual void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object) = 0;
-    /// Applies the functor to everything that the field points to, nulls included: of a map, to what it owns.
-    /// Nothing for value fields.
+    /// Applies the functor to every target of the field, nulls included; for a map, to everything that it
+    /// owns. Does nothing for value fields.
     virtual void GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
-    /// Collects what a file needs where the field points to nothing: the names of its class and of all that
-    /// it declares.
+    /// Collects the names that a file needs for a field without targets: its class and all classes that this
+    /// one declares.
     void GetUninstantiatedFieldMetaData(TZoMetaData* schema, TDVector<ZoString>* names) const;
-    /// What a schema record holds of a field: `TZoClass::AddField` makes one of it.
+    /// A field as stored in a schema record; `TZoClass::AddField` makes a field from it.
     struct Entry {
-        int classId; ///< of what it points to; 0 for none
-        int kind;    ///< as stored, whether there is such a kind or not
+        int classId; ///< of the field's class; 0 if it has none
+        int kind;    ///< as stored, known or not
         ZoString name;
     };
     static Entry LoadMetaFromStream(TBinInStream* stream);
@@ -155,7 +155,7 @@ private:
     friend class TZoClassFieldPointerMap;
     friend class TZoMetaData;
 
-    /// Whether the field is a map's sub-field, and where its class is declared.
+    /// Whether the field is a map's sub-field, and which of the two declares its class.
     enum class Half : unsigned char { No, OfItsOwnClass, OfTheMapsClass };
     static const ZoString& Unresolved();
     static const ZoString& NoName();
@@ -165,10 +165,10 @@ private:
         return (ofMap ? holder : *this).GetFieldClassName();
     }
 
-    // A file may declare very many fields: few bytes each.
+    // Keep fields small: a file may declare very many.
     TZoClassFieldType kind;
     ZoString name;
-    std::unique_ptr<const ZoString> className; // null for none
+    std::unique_ptr<const ZoString> className; // null if empty
     int fieldClassId = 0;
     Half half = Half::No;
     bool plain = false;
@@ -192,7 +192,7 @@ private:
     TZoGetter<T> get;
 };
 
-/// Accessors of a list of values; those below `nItems` may be null.
+/// Accessors of a list of values; those after `nItems` may be null.
 template <class T>
 struct TZoListAccessors {
     TZoSetter<T> add;
@@ -241,24 +241,24 @@ using TZoClassFieldListFloat = TZoClassFieldList<float>;
 using TZoClassFieldListDouble = TZoClassFieldList<double>;
 using TZoClassFieldListString = TZoClassFieldList<ZoString>;
 
-/// What resolves the uids of one object, in the order in which they were read.
+/// Resolves the uids of one object, in reading order.
 class TZoPointerResolver;
 
 /// Base of the fields that point to objects.
 class ZO_API TZoClassFieldPointerBase : public TZoClassField {
 public:
     ~TZoClassFieldPointerBase() override;
-    /// Takes every reference to an object that `isRemoved` names out of the field.
+    /// Clears every reference of the field to an object for which `isRemoved` returns true.
     virtual void DeleteReferences(ZoStreamableBase* object,
                                   bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                   const void* context) = 0;
-    /// Whether an object may be handed to the setter: by the test of the C++ type bound with the accessors,
-    /// or, without one, by the declared class, registered or named. A field with neither takes any object.
+    /// Whether an object may be passed to the setter: by the C++ type test bound with the accessors or,
+    /// without one, by the declared class, registered or named. A field with neither accepts any object.
     bool Accepts(const ZoStreamableBase* target) const;
     void SetTypeTest(TZoTypeTest test) { typeTest = test; }
-    /// Whether the field's objects belong to it.
+    /// Whether the field owns its targets.
     bool Owns() const;
-    /// Whether what the field holds gets its records with the object: what it owns, or members.
+    /// Whether the field's targets are written together with the object: those that it owns, and members.
     bool HoldsChildren() const;
 
 protected:
@@ -271,7 +271,7 @@ private:
     TZoTypeTest typeTest = nullptr;
 };
 
-/// A pointer to one object: owned, by value, or a reference. Another kind fails an assertion.
+/// A pointer to one object: owned, by value, or a reference. Other kinds fail an assertion.
 class ZO_API TZoClassFieldPointer : public TZoClassFieldPointerBase {
 public:
     TZoClassFieldPointer(const ZoString& name, TZoClassFieldType kind, TZoPointerSetter set,
@@ -282,7 +282,7 @@ public:
     void Set(ZoStreamableBase* object, ZoStreamableBase* target) {
         if (set != nullptr) set(object, this, target);
     }
-    /// Writes the target's uid, 0 for null. A target without uid throws `XStream`.
+    /// Writes the target's uid, 0 for null. Throws `XStream` when the target has no uid.
     void SavePointer(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
     /// Reads one uid.
     void LoadPointer(TBinInStream* stream);
@@ -298,7 +298,7 @@ private:
     TZoPointerGetter get;
 };
 
-/// Accessors of a list of pointers; those below `iterateOver` may be null. `createList` must empty the list.
+/// Accessors of a list of pointers; those after `iterateOver` may be null. `createList` must empty the list.
 struct TZoPointerListAccessors {
     TZoPointerSetter add = nullptr;
     TZoPointerItemGetter elementAt = nullptr;
@@ -309,7 +309,7 @@ struct TZoPointerListAccessors {
     TZoListInteger second = nullptr;
 };
 
-/// A list of pointers: owned, or references. Another kind fails an assertion.
+/// A list of pointers: owned, or references. Other kinds fail an assertion.
 class ZO_API TZoClassFieldPointerList : public TZoClassFieldPointerBase {
 public:
     TZoClassFieldPointerList(const ZoString& name, TZoClassFieldType kind,
@@ -323,14 +323,14 @@ public:
     void CreateList(ZoStreamableBase* object, int count, int first, int second) {
         if (access.createList != nullptr) access.createList(object, count, first, second);
     }
-    /// Null where the list has no accessor for it, or no such item; `index` counts from 1.
+    /// Null if the list has no such accessor or no such item; `index` counts from 1.
     ZoStreamableBase* ElementAt(ZoStreamableBase* object, unsigned long long index);
     bool HasFirst() const { return access.first != nullptr; }
     bool HasSecond() const { return access.second != nullptr; }
-    /// Writes the count, the list's integers, and each item's uid, 0 for null. An item without uid throws
-    /// `XStream`.
+    /// Writes the count, the list's integers, and each item's uid, 0 for null. Throws `XStream` when an item
+    /// has no uid.
     void SavePointers(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
-    /// Reads a list of uids and prepares the application's list; `application` null passes the list over.
+    /// Reads a list of uids and prepares the application's list; a null `application` skips the list.
     static void LoadPointers(TBinInStream* stream, ZoStreamableBase* object,
                              TZoClassFieldPointerList* application);
 
@@ -347,26 +347,26 @@ private:
 };
 
 /// Objects under keys: two sub-fields, one for the keys and one for the values, each a list of owned objects
-/// (`ftChildPointerList`) or a single pointer of any kind. What a sub-field refers to without owning it is
-/// saved as by a field of that kind.
+/// (`ftChildPointerList`) or a single pointer of any kind. Targets that a sub-field does not own are saved as
+/// for an ordinary field of its kind.
 class ZO_API TZoClassFieldPointerMap : public TZoClassFieldPointerBase {
 public:
     explicit TZoClassFieldPointerMap(const ZoString& name);
     ~TZoClassFieldPointerMap() override;
 
-    /// Creates both sub-fields, without accessors, under the name of the map's class, which is theirs. A kind
-    /// that no sub-field can have fails an assertion: values, reference lists, maps.
+    /// Creates both sub-fields without accessors; they take the map's class and its name. Fails an assertion
+    /// for kinds that a sub-field cannot have: values, reference lists, maps.
     void AddFields(TZoClassFieldType keyKind, TZoClassFieldType valueKind);
-    /// Takes both sub-fields over; the same kinds are refused. The class of the values is the map's unless
-    /// they have one of their own; that of the keys is theirs to have (`SetFieldClass`, or
-    /// `SetFieldClassName` until it is registered).
+    /// Takes over both sub-fields; refuses the same kinds. The values have the map's class unless they
+    /// declare their own; the keys must declare theirs (`SetFieldClass`, or `SetFieldClassName` until it is
+    /// registered).
     void AddFields(TZoClassField* key, TZoClassField* value);
     TZoClassField* GetKeyField() const { return key.get(); }
     TZoClassField* GetValueField() const { return value.get(); }
 
     /// Writes the key sub-field, then the value sub-field, into the open record.
     void SavePair(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
-    /// Reads both; without an application's map as two lists.
+    /// Reads both; as two lists if the application has no such map.
     void LoadPair(TBinInStream* stream, ZoStreamableBase* object);
 
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object) override;

@@ -10,23 +10,23 @@ class ZoStreamableBase;
 
 /// Handles (uids) that one stream gave to objects.
 ///
-/// A handle stands in the object itself, beside the number of the table's current run, so that finding it is
-/// a comparison; only an object that two tables hold at once goes to a map. Objects must outlive the run.
+/// An object stores its handle together with the number of the table's current run, so that a look-up is a
+/// comparison; only an object that two tables hold at once goes into a map. Objects must outlive the run.
 class ZO_API ZoHandleTable {
 public:
     ZoHandleTable() noexcept = default;
-    /// Handles are not copied.
+    /// A copy has no handles.
     ZoHandleTable(const ZoHandleTable&) noexcept {}
     ZoHandleTable& operator=(const ZoHandleTable&) noexcept { return *this; }
     ~ZoHandleTable();
 
-    /// 0 when the object has none.
+    /// The object's handle; 0 if it has none.
     int Get(const ZoStreamableBase* object) const;
-    /// `Give` goes on behind the handle; 0 takes the object's away.
+    /// Sets a handle, or removes it (0). `Give` continues after that handle.
     void Set(const ZoStreamableBase* object, int handle);
-    /// Gives the next handle, from 1 upward. An assertion fails when there is none left.
+    /// Gives the next handle, from 1 upward. Fails an assertion when none is left.
     int Give(const ZoStreamableBase* object);
-    /// Forgets all handles, in constant time, and begins at 1 again.
+    /// Forgets all handles in constant time and restarts at 1.
     void Reset();
 
 private:
@@ -36,9 +36,9 @@ private:
     bool Claim(const ZoStreamableBase* object);
     int GetShared(const ZoStreamableBase* object) const;
 
-    int next = 1;                  // to be given
+    int next = 1;                  // the next handle to give
     std::uint64_t run = 0;         // unique in the process; 0: nothing was set since the last Reset
-    std::uint64_t endedBefore = 0; // runs below it had ended when this one began
+    std::uint64_t endedBefore = 0; // all runs below it had ended when this one began
     Shared* shared = nullptr;
 };
 

@@ -8,21 +8,20 @@
 
 namespace ZoPrimitives {
 
-// The library's own heap: objects and the arrays of containers lie in it, whichever module makes or ends
-// them. Texts
-// (`ZoString`) and blocks that are handed over stay on the C heap.
+// The library's own heap. It holds objects and the arrays of containers, whichever module creates or destroys
+// them. Texts (`ZoString`) and blocks that are handed over stay on the C heap.
 
 /// A block aligned for any ordinary type. Throws `std::bad_alloc`.
 ZO_API void* ZoAllocate(std::size_t size);
-/// `alignment`: a power of two.
+/// `alignment` must be a power of two.
 ZO_API void* ZoAllocateAligned(std::size_t size, std::size_t alignment);
-/// Takes back what one of the two gave, on any thread. Null is allowed.
+/// Frees a block of either function, on any thread. Null is allowed.
 ZO_API void ZoFree(void* block) noexcept;
-/// Gives memory that this thread's objects no longer take back to the system. It happens by itself where many
-/// objects end at once.
+/// Returns this thread's unused memory to the system. This also happens by itself when many objects are
+/// destroyed at once.
 ZO_API void ZoTrimMemory() noexcept;
 
-/// For the standard containers.
+/// Allocator for standard containers.
 template <class T>
 struct ZoAllocator {
     using value_type = T;

@@ -18,7 +18,7 @@ class TBinOutStreamer;
 class TZoMetaData;
 struct ReadPlan;
 
-/// The virtual operations of `ZoStreamableBase` that cost a call for each object; the streamers leave out
+/// The virtual operations of `ZoStreamableBase` that would cost a call for each object; the streamers skip
 /// those that a class does not override.
 enum ZoHooks : unsigned {
     hookOnRead = 1,
@@ -26,13 +26,13 @@ enum ZoHooks : unsigned {
     hookGetIsValid = 4,
     hookCheckForExcludedFields = 8,
     hookWillWrite = 16,
-    hookCreateInstance = 32, ///< the class's factory does more than make an empty object
+    hookCreateInstance = 32, ///< the class's factory does more than create an empty object
 };
 
-/// A new number, from 1 upward, for a C++ class that objects look their registered class up by.
+/// A new number, from 1 upward, for a C++ class. Objects look their registered class up by it.
 ZO_API unsigned ZoNewClassSlot();
 
-/// What an application keeps for a class, looked up by the class's name. Applications derive from it.
+/// Data that an application keeps for a class and looks up by the class's name. Applications derive from it.
 class ZO_API TZoCadastre : public ZoObject {
 public:
     explicit TZoCadastre(const ZoString& className);
@@ -43,13 +43,13 @@ private:
     ZoString className;
 };
 
-/// Makes an empty object of the application's class; null for an abstract class.
+/// Creates an empty object of the application's class; null for an abstract class.
 using TZoCreateFunction = ZoStreamableBase* (*)(TZoMetaData* fileSchema, TZoMetaData* applicationSchema,
                                                 TZoClass* objectClass);
 
-/// The registration that an object was made for. A factory sets it; `TZoMetaData::FindClassOf` reads it.
+/// The registration that an object was made for: factories set it, `TZoMetaData::FindClassOf` reads it.
 struct ZoMadeFor {
-    static constexpr unsigned MOST = (1U << 24) - 1; ///< the greatest number
+    static constexpr unsigned MOST = (1U << 24) - 1; ///< the largest registration number
 
     static void Set(ZoStreamableBase& object, const TZoClass* registered);
     static unsigned Get(const ZoStreamableBase& object) { return static_cast<unsigned>(object.madeFor); }
@@ -75,27 +75,25 @@ public:
     TZoMetaData* GetMetaData() const { return schema; }
     TZoCadastre* GetCadastre() const { return cadastre; }
     const Parents* GetParentClasses() const { return &parents; }
-    /// The first parent; null for none.
+    /// The first parent; null if there is none.
     TZoClass* GetParentClass() const { return parents.NItems() == 0 ? nullptr : parents[1].get(); }
-    /// In a file's schema: the application's class of the same name; null when it has none.
+    /// In a file's schema: the application's class of the same name; null if it has none.
     TZoClass* GetOriginal() const { return original; }
-    /// Links this class of a file to the application's, and its fields to the fields that the application's
-    /// class has or inherits under the same name in the same encoding.
+    /// Links this class of a file to the application's class, and its fields to the fields of the same name
+    /// and encoding that the application's class has or inherits.
     void SetOriginal(TZoClass* applicationClass);
-    /// The C++ type of the class's objects; null when it was not given.
+    /// The C++ type of the class's objects; null if not given.
     const std::type_info* GetType() const { return type; }
     /// Binds the class to its C++ type and to that type's number in the process (`ZoNewClassSlot`).
     void SetType(const std::type_info& newType, unsigned newSlot);
-    /// Tells which of the streamers' calls the C++ type answers in its own way (`ZoHooks`); all, when not
-    /// told.
+    /// Tells which operations of `ZoHooks` the C++ type overrides. Without this call all count as overridden.
     void SetHooks(unsigned overridden) { hooks = overridden; }
-    /// Whether the C++ type answers one of those calls in its own way.
+    /// Whether the C++ type overrides the operation.
     bool Answers(ZoHooks hook) const { return (hooks & hook) != 0; }
-    /// Notes that a parent named at registration was not in the schema; `TZoMetaData::Check` reports it.
+    /// Notes that a parent named at registration is missing from the schema; `TZoMetaData::Check` reports it.
     void NoteMissingParent() { parentMissing = true; }
 
-    // Fields are declared in the order in which they are streamed. Each belongs to the class; the result
-    // stays its.
+    // Declare fields in streaming order. The class owns each field that it returns.
     TZoClassField* AddFieldInt(const ZoString& name, TZoSetter<int> set, TZoGetter<int> get);
     TZoClassField* AddFieldUnsigned(const ZoString& name, TZoSetter<unsigned> set, TZoGetter<unsigned> get);
     TZoClassField* AddFieldBool(const ZoString& name, TZoSetter<bool> set, TZoGetter<bool> get);
@@ -109,10 +107,10 @@ public:
     TZoClassField* AddFieldListString(const ZoString& name, const TZoListAccessors<ZoString>& access);
     TZoClassFieldPointer* AddFieldChildPointer(const ZoString& name, TZoClass* fieldClass,
                                                TZoPointerSetter set, TZoPointerGetter get);
-    /// The setter copies the object that it is given; the getter gives the address of the member. A reader
-    /// fills the member where it stands, and calls no setter, when the accessors are plain and have a type
-    /// test, and the record is one of the member's own class, whose factory only makes empty objects: what
-    /// the file does not hold of the member stays as its owner's constructor left it.
+    /// The setter copies the object that it receives; the getter returns the member's address. A reader fills
+    /// the member in place, without the setter, if the accessors are plain and have a type test, and the
+    /// record is of the member's own class, whose factory only creates empty objects. Parts of the member
+    /// that the file lacks then stay as the owner's constructor left them.
     TZoClassFieldPointer* AddFieldChildValue(const ZoString& name, TZoClass* fieldClass, TZoPointerSetter set,
                                              TZoPointerGetter get);
     TZoClassFieldPointer* AddFieldPointer(const ZoString& name, TZoClass* fieldClass, TZoPointerSetter set,
@@ -125,60 +123,60 @@ public:
                                                   const TZoPointerListAccessors& access);
     TZoClassFieldPointerList* AddFieldPointerListEx(const ZoString& name, TZoClass* fieldClass,
                                                     const TZoPointerListAccessors& access);
-    /// Both sub-fields are taken over, as by `TZoClassFieldPointerMap::AddFields`; without them (null),
-    /// `AddFields` must follow.
+    /// Takes over both sub-fields, as `TZoClassFieldPointerMap::AddFields` does; if they are null, call
+    /// `AddFields` afterwards.
     TZoClassFieldPointerMap* AddFieldChildPointerMap(const ZoString& name, TZoClass* fieldClass,
                                                      TZoClassField* key, TZoClassField* value);
-    /// A field without accessors, as a file declares it; null for a kind that is none of the 19.
+    /// Adds a field without accessors, as a file declares it; null for an unknown kind.
     TZoClassField* AddField(int fieldClassId, TZoClassFieldType kind, const ZoString& name);
 
-    /// A field of this class or of an ancestor; the class's own come first. Null when there is none.
+    /// A field of this class or of an ancestor, the class's own first. Null if there is none.
     TZoClassField* FindField(const ZoString& name);
-    /// The class's own fields, in the order in which they are streamed; `index` counts from 1.
+    /// The class's own fields in streaming order; `index` counts from 1.
     TZoClassField* GetField(int index);
     int GetFieldCount() const;
-    /// Number of pointer fields of all kinds, those of the ancestors included; a map counts twice.
+    /// Number of pointer fields of all kinds, inherited ones included; a map counts twice.
     unsigned long long GetFieldPointerCount() const;
-    /// Own and inherited fields, those of the parents first.
+    /// Own and inherited fields, the parents' first.
     void FillAllClassFields(TIList<TZoClassField>* list);
     /// Whether the argument is this class or one of its ancestors.
     bool IsInherited(const TZoClass* ancestor) const;
     bool IsInherited(const ZoString& ancestorName) const;
 
-    /// A new, empty object of the application's class, owned by the caller; null when there is none to make.
+    /// A new, empty object of the application's class, owned by the caller; null if none can be created.
     ZoStreamableBase* CreateInstance(TZoMetaData* fileSchema, TZoMetaData* applicationSchema);
 
     void SaveMetaToStream(TBinOutStream* stream);
-    /// Reads what `SaveMetaToStream` wrote. Parents stay ids until the whole schema is read.
+    /// Reads what `SaveMetaToStream` wrote. Parents remain ids until the whole schema is read.
     void LoadMetaFromStream(TBinInStream* stream);
 
-    // Objects are taken as ones of this class, which their own class may derive from.
-    /// Collects the names of the classes that the graph under `root` uses, with their ancestors.
+    // These treat an object as one of this class, even if its own class derives from this one.
+    /// Collects the names of the classes that the graph under `root` uses, and of their ancestors.
     void GetClassMetaData(TZoMetaData* schema, ZoStreamableBase* root, TDVector<ZoString>* names);
-    /// Collects the names of this class, of its ancestors, and of all classes that their fields declare;
+    /// Collects the names of this class, of its ancestors, and of all classes that their fields declare. Does
     /// nothing for a generic base.
     void GetClassStaticMetaData(TZoMetaData* schema, TDVector<ZoString>* names);
-    /// Gives a uid to `object`, and to every object of the graph under it, that has none, depth first, and
-    /// collects the external instances that it refers to.
+    /// Gives a uid, depth first, to `object` and every object of the graph under it that has none, and
+    /// collects the external instances that the graph refers to.
     void AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,
                          TDList<ZoStreamableBase*>* externals);
-    /// Writes the record of `object`, under this class's id, and the records of what it owns, each once until
-    /// the stream's handles are reset.
+    /// Writes the record of `object` under this class's id and the records of the objects it owns, each once
+    /// until the stream's handles are reset.
     void SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
-    /// Writes the object's fields into the open record: ancestors' first.
+    /// Writes the object's fields into the open record, the ancestors' first.
     void SaveToStreamPre(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
-    /// Writes the records of what the object owns.
+    /// Writes the records of the objects that the object owns.
     void SaveToStreamPos(TBinOutStream* stream, TBinOutStreamer* streamer, ZoStreamableBase* object);
-    /// Applies the functor to what the object owns through the fields of this class and of its ancestors, in
-    /// the order of the records: nulls included.
+    /// Applies the functor to the objects that the object owns through the fields of this class and its
+    /// ancestors, in record order, nulls included.
     void ChildsReferences(ZoStreamableBase* object, ZoStreamableBaseFunctor& action);
 
-    /// Reads the current record into `object`; this is the file's class.
+    /// Reads the current record into `object`; this class is the file's.
     void LoadFromStream(TBinInStream* stream, ZoStreamableBase* object);
     void LoadFromStreamPre(TBinInStream* stream, ZoStreamableBase* object);
-    /// Hands the objects that the uids of one object name to its setters.
+    /// Passes the objects behind the uids of one object to its setters.
     void LoadResolvePointers(TZoPointerResolver& resolver, ZoStreamableBase* object);
-    /// Takes every reference to an object that `isRemoved` names out of the object's fields.
+    /// Clears every reference of the object's fields to an object for which `isRemoved` returns true.
     void DeleteReferences(ZoStreamableBase* object, bool (*isRemoved)(const void*, const ZoStreamableBase*),
                           const void* context);
 
@@ -200,9 +198,9 @@ private:
     Field* Adopt(Field* field, TZoClass* fieldClass);
     void PutInOrder();
     FieldList& ListOf(const TZoClassField& field);
-    /// Makes room for so many fields in all of the kind of this one.
+    /// Reserves room for `count` fields in the list for this field's kind.
     void ReserveLike(const TZoClassField& field, std::size_t count);
-    using Listed = std::vector<const TZoClass*>; // the classes of the schema that is written, sorted
+    using Listed = std::vector<const TZoClass*>; // the classes of the schema being written, sorted
 
     void SaveBlock(TBinOutStream* stream, const FieldList& list, const char* countCheck,
                    const Listed* listed);
@@ -210,10 +208,10 @@ private:
     template <class Action>
     void ForEachMember(Action action) const;
     bool HasValueChildren() const;
-    /// Whether the class is another schema's.
+    /// Whether the class belongs to another schema.
     bool BelongsElsewhere(const TZoMetaData* here) const { return schema != here && schema != nullptr; }
 
-    /// What a record of the class holds, ancestors' levels included: at least so many bytes, so many fields.
+    /// The least number of bytes, and the number of fields, in a record of the class, ancestors included.
     struct Extent {
         bool known = false;
         unsigned fields = 0;
@@ -248,14 +246,14 @@ private:
     FieldList fieldsChildLists;
     FieldList fieldsReferencesLists;
     FieldList fieldsChildMaps;
-    std::vector<TZoClassField*> inOrder; // all of them, in the order in which they are streamed
+    std::vector<TZoClassField*> inOrder; // all fields, in streaming order
     TZoCreateFunction create = nullptr;
     TZoCadastre* cadastre = nullptr;
     TZoClass* original = nullptr;
     TZoMetaData* schema = nullptr;
     const std::type_info* type = nullptr;
-    unsigned slot = 0;                // of the application's class in the process; 0 for none
-    unsigned registration = 0;        // of this very class in the process; 0 for none
+    unsigned slot = 0;                // the C++ class's number in the process; 0 for none
+    unsigned registration = 0;        // this registration's number in the process; 0 for none
     std::vector<int> storedParentIds; // of a class read from a file
 };
 
@@ -265,7 +263,7 @@ inline void ZoMadeFor::Set(ZoStreamableBase& object, const TZoClass* registered)
 
 /// The run-time description of all classes of an application, or of those that a file uses.
 ///
-/// Reading a schema from several threads at once is safe as long as none registers or excludes classes.
+/// Several threads may read a schema at once as long as none registers or excludes classes.
 class ZO_API TZoMetaData : public ZoObject {
 public:
     TZoMetaData();
@@ -273,79 +271,76 @@ public:
     TZoMetaData(const TZoMetaData&) = delete;
     TZoMetaData& operator=(const TZoMetaData&) = delete;
 
-    /// Takes the class over and returns it. A class without id gets the next one, from 1 upward; ids are
-    /// never used twice in one schema. When a class of that name is there already, that one stays and is
-    /// returned. A class of another schema is borrowed: it keeps its id, which fails an assertion when a
-    /// class here has it, and it changes as its own schema changes it.
+    /// Takes the class over and returns it. A class without an id gets the next one, from 1 upward; a schema
+    /// never reuses ids. If a class of that name exists, that class stays and is returned. A class of another
+    /// schema is borrowed: it keeps its id, which fails an assertion if a class here has it, and changes
+    /// together with its own schema.
     TZoClass* AddClass(TZoClass* newClass);
     TZoClass* FindClass(const ZoString& name) const;
     TZoClass* FindClass(int id) const;
-    /// The class bound to the process-wide number of a C++ class; when none is, the class of that name,
-    /// unless it is bound to another C++ type.
+    /// The class bound to the number of a C++ class. If none is, the class of that name, unless that is bound
+    /// to another C++ type.
     TZoClass* FindClass(unsigned slot, const char* name, const std::type_info& type) const {
         TZoClass* bound = slot < slots.size() ? slots[slot] : nullptr;
         return bound != nullptr ? bound : FindUnbound(name, type);
     }
     bool DoesClassExist(const ZoString& name) const { return FindClass(name) != nullptr; }
-    /// `index` counts from 1, in the order of registration.
+    /// `index` counts from 1, in registration order.
     TZoClass* GetClass(int index) const;
     int GetClassCount() const;
-    /// The first class that derives from the named one; null for none.
+    /// The first class that derives from the named one; null if there is none.
     TZoClass* FindInherited(const ZoString& ancestorName) const;
     /// Whether the first class is the second or derives from it.
     bool IsClassInherited(const ZoString& name, const ZoString& ancestorName) const;
-    /// Removes a class. Fields that point to it wait for a class of its name again. Classes that derive from
-    /// it go on without that parent, as if registered before it, until they are registered anew. Classes that
-    /// this schema borrows stay as they are: `Check` tells what they miss here, and writing the schema
-    /// without a parent fails an assertion.
+    /// Removes a class. Fields that point to it wait for a class of that name again. Derived classes continue
+    /// without that parent, as if registered before it, until they are registered again. Borrowed classes are
+    /// unchanged: `Check` reports the missing parent, and writing the schema without it fails an assertion.
     void ExcludeClass(const ZoString& name);
     void Clear();
 
     void AddCadastre(TZoCadastre* cadastre);
     TZoCadastre* FindCadastre(const ZoString& className) const;
 
-    /// Keeps how a class registers and takes it over, unless one for a class of that name is kept already:
-    /// then the new one is dropped.
+    /// Takes over a class's register function for `ClassesRegister`. If one is kept for that class name,
+    /// drops the new one.
     void Register(ZoStreamableRegister* newRegister);
-    /// Registers the kept classes that are ready and not registered, in the order in which they were kept,
-    /// again and again until none becomes ready; each once in a call. Those that stay back are reported by
-    /// `Check`. What is kept stays so: a class excluded since registers anew.
+    /// Registers the kept classes that are ready and not yet registered, in the order of `Register`,
+    /// repeating until none becomes ready; each once a call. `Check` reports those that remain. The functions
+    /// are kept: a class that was excluded since is registered again.
     void ClassesRegister();
 
-    /// Remembers a pointer field whose class, by the name set with `SetFieldClassName`, is not registered
-    /// yet, or a map of whose sub-fields that holds. Other fields are ignored, those of classes of another
-    /// schema too.
+    /// Remembers a pointer field whose class, named with `SetFieldClassName`, is not registered yet, or a map
+    /// with such a sub-field. Ignores other fields and fields of another schema's classes.
     void AddToResolveCrossRefs(TZoClassField* field);
     void ResolveCrossRefs();
     /// Whether all parents, field classes and classes kept for `ClassesRegister` are registered. `report`
-    /// (may be null) gets one line for each that is not. Fields declared with a generic base
+    /// (may be null) receives a line for each that is not. Fields declared with a generic base
     /// ("ZoStreamableBase", "ZoObjectStreamable", "Streamable") count as resolved.
     bool Check(ZoString* report) const;
 
     /// Writes the schema record: uid 0, class 0.
     void SaveToStream(TBinOutStream* stream);
-    /// Clears this schema, reads the schema record, which is current in `stream`, and links its classes to
-    /// the application's of the same name. False when the record contradicts itself: an unknown parent or
-    /// field class, an id that is not positive or stands twice, a class among its own ancestors, more than
-    /// 1,000 class levels for one object; or when its last values lie beyond its end. Counts and texts that
-    /// it cannot hold throw `XReadStream`. What was read until then stays in the schema, of no use but to be
-    /// cleared.
+    /// Clears this schema, reads the current record of `stream` as the schema record, and links its classes
+    /// to the application's of the same name. False when the record contradicts itself: an unknown parent or
+    /// field class, an id that is repeated or not positive, a class among its own ancestors, more than 1,000
+    /// class levels for one object; also when its last values lie beyond its end. Counts and texts that
+    /// exceed the record throw `XReadStream`. After a failure the schema must be cleared before use.
     bool LoadFromStream(TBinInStream* stream, TZoMetaData* application);
 
-    /// Whether an object is written under its registered class even though its C++ type is a subclass.
+    /// Whether an object whose C++ type is an unregistered subclass is written under its registered class.
     /// Process-wide.
     static bool WritingGenericFile();
     static void WritingGenericFile(bool writing);
     /// Whether the name is "ZoStreamableBase", "ZoObjectStreamable" or "Streamable".
     static bool IsGenericBase(const ZoString& className);
-    /// The class that was registered last under a C++ class's number, of those that still stand in a schema;
-    /// null for none.
+    /// The class registered last under a C++ class's number, among those still in a schema; null if there is
+    /// none.
     static TZoClass* FindLatestClass(unsigned slot);
-    /// What `GetClass` answers: the class that the object was made for, while that stands in its schema, or
-    /// else the latest.
+    /// The answer of `GetClass`: the class that the object was made for, while it is in its schema, otherwise
+    /// the latest.
     static TZoClass* FindClassOf(const ZoStreamableBase& object, unsigned slot);
 
-    /// Appends what hangs from the objects of the list: everything that they own, to any depth, each once.
+    /// Appends every object that the objects of the list own, directly or indirectly, each once.
     void FillObjectsCascade(TDVector<ZoStreamableBase*>* objects);
 
 private:
@@ -361,15 +356,15 @@ private:
     void Unbind(TZoClass* leaving);
     void ForgetUnresolved(const TZoClass* leaving);
     int NewId() const;
-    /// Moves the next id behind one that is in use.
+    /// Moves the next id past one in use.
     void NoteId(int id);
 
     TIVector<TZoClass, pointer<TZoClass>> classes;
     TIVector<TZoCadastre, pointer<TZoCadastre>> cadastres;
     TDVector<TZoClassField*> unresolved;
     std::unique_ptr<TClassNameAndIdMap> index;
-    long long nextId = 1;         // beyond `int` behind the greatest
-    std::vector<TZoClass*> slots; // by process-wide number of the C++ class
+    long long nextId = 1;         // exceeds `int` after the greatest id
+    std::vector<TZoClass*> slots; // indexed by the C++ class's number in the process
     TIVector<ZoStreamableRegister, pointer<ZoStreamableRegister>> registers;
     bool registersClasses = false; // `ClassesRegister` is under way
 };

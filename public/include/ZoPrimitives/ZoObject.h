@@ -10,9 +10,8 @@ namespace ZoPrimitives {
 
 /// Small polymorphic root of the library's classes.
 ///
-/// Its one field counts the `pointer`s that hold the object. The count belongs to the object's address, not
-/// to its value: copies start at zero and assignment leaves it alone. Not guarded: an object belongs to one
-/// thread.
+/// Its only field counts the `pointer`s that hold the object. The count belongs to the object's address, not
+/// to its value: copies start at zero and assignment does not change it. Not guarded.
 class ZO_API ZoObject {
 public:
     ZoObject() noexcept : references(0) {}
@@ -20,7 +19,7 @@ public:
     ZoObject& operator=(const ZoObject&) noexcept { return *this; }
     virtual ~ZoObject();
 
-    // Objects that are made with `new` lie in the library's own heap, whichever module makes or ends them.
+    // Objects created with `new` are in the library's own heap, whichever module creates or destroys them.
     static void* operator new(std::size_t size) { return ZoAllocate(size); }
     static void* operator new(std::size_t size, std::align_val_t alignment) {
         return ZoAllocateAligned(size, static_cast<std::size_t>(alignment));
@@ -38,9 +37,9 @@ public:
     static void operator delete(void* object, const std::nothrow_t&) noexcept { ZoFree(object); }
     static void operator delete(void*, void*) noexcept {}
 
-    /// Identity here; classes that are values compare values.
+    /// Compares identity; value classes override it to compare values.
     virtual bool operator==(const ZoObject& other) const;
-    /// The opposite of the most derived `operator==`.
+    /// Negates the most derived `operator==`.
     virtual bool operator!=(const ZoObject& other) const;
 
 private:
@@ -48,17 +47,17 @@ private:
     mutable std::uint32_t references;
 };
 
-/// The reference count as `pointer` sees it. Null objects are allowed everywhere.
+/// The reference count as `pointer` uses it. Objects may be null, except in `Count`.
 struct ZoReferenceCount {
     static void Add(const ZoObject* object) noexcept {
         if (object != nullptr) ++object->references;
     }
-    /// Deletes the object when its last reference goes. Objects released by its destructor wait in a list, so
+    /// Deletes the object when its last reference goes. Objects that its destructor releases are queued, so
     /// that a chain of any length is released without recursion.
     static void Release(const ZoObject* object) noexcept {
         if (object != nullptr && --object->references == 0) Destroy(object);
     }
-    /// Gives a reference back and leaves an object without references alive, for whoever owns it now.
+    /// Drops a reference but keeps an object without references alive for its new owner.
     static void Surrender(const ZoObject* object) noexcept {
         if (object != nullptr) --object->references;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The whole library.
+// Includes the whole library.
 
 #include "ZoPrimitives/BinHeader.h"
 #include "ZoPrimitives/BinInStream.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-// How an application's class tells the library about itself: two lines, and one line for each field.
+// How an application's class registers: two lines, and one line for each field.
 //
 //     class Storey : public Entity {
 //         REGISTER_ZO_BEGIN(Storey, Entity)
@@ -10,9 +10,9 @@
 //         REGISTER_ZO_END
 //     };
 //
-// Each field line declares the member and its accessors; no two field lines may share a source line. What
-// follows REGISTER_ZO_END is public. The class needs a constructor that takes
-// `ZoStreamableBase::StreamableInit`, or a default constructor. An abstract class is recognised as such. Call
+// Each field line declares the member and its accessors; no two field lines may share a source line. Members
+// after REGISTER_ZO_END are public. The class needs a constructor that takes
+// `ZoStreamableBase::StreamableInit`, or a default constructor. Abstract classes are recognised. Call
 // `Storey::Register(&schema)` once, parents first.
 //
 // clang-format off
@@ -29,8 +29,8 @@
 //     DECLARE_ZO_FIELD_EXTERNAL_REFERENCE_LIST(Class, field) the same: TDVector<Class*>
 // clang-format on
 //
-// A class with several streamable parents derives from each of them virtually, and they from their common
-// base; the accessors find their part of the object.
+// A class with several streamable parents must derive from each of them virtually, and they from their common
+// base. The accessors find the right part of the object.
 
 #include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"
@@ -45,11 +45,11 @@
 
 namespace ZoPrimitives {
 
-/// Marks the registration of the field that is declared on one source line.
+/// Tags the registration of the field declared on one source line.
 template <int Line>
 struct ZoFieldLine {};
 
-/// The object that a plain streamable pointer stands for; `dynamic_cast` only where the language needs it.
+/// Casts a streamable object to its class; uses `dynamic_cast` only where the language requires it.
 template <class T, class = void>
 struct ZoDowncast {
     static T* To(ZoStreamableBase* object) { return dynamic_cast<T*>(object); }
@@ -64,13 +64,13 @@ T& ZoSelf(ZoStreamableBase* object) {
     return *ZoDowncast<T>::To(object);
 }
 
-/// Whether an object is of class `T`, as a setter of `T` needs it.
+/// Whether an object is of class `T`, as a setter for `T` requires.
 template <class T>
 bool ZoIsA(const ZoStreamableBase* object) {
     return typeid(*object) == typeid(T) || dynamic_cast<const T*>(object) != nullptr;
 }
 
-/// Declares fields of values: the kinds by C++ type.
+/// Map C++ types to the kinds of value and list fields.
 template <class T>
 struct ZoValueField {
     static_assert(sizeof(T) == 0,
@@ -117,8 +117,8 @@ ZO_LIST_FIELD(ZoString, String, "list<ZoString>")
 #undef ZO_VALUE_FIELD
 #undef ZO_LIST_FIELD
 
-// What the macros' accessors do with the members that hold values. A text that finds no memory throws
-// `std::bad_alloc` instead of getting lost.
+// The macros' accessors use these for members that hold values. A text that finds no memory throws
+// `std::bad_alloc` instead of becoming empty.
 
 template <class T>
 void ZoAssign(T& member, const T& value) {
@@ -137,7 +137,7 @@ inline void ZoAddValue(TDVector<ZoString>& list, const ZoString& value) {
     ZoAssign(list.Last(), value);
 }
 
-// What the macros' accessors do with the members that hold pointers.
+// The macros' accessors use these for members that hold pointers.
 
 template <class T>
 void ZoPut(pointer<T>& member, ZoStreamableBase* target) {
@@ -181,7 +181,7 @@ void ZoPrepare(List& list, int count) {
     list.Reserve(static_cast<unsigned long long>(count));
 }
 
-/// The class of a field's objects as a member function of a class not yet complete may name it.
+/// The class of a field's objects, usable in member functions of a class that is still incomplete.
 template <class Member>
 struct ZoMemberTarget;
 template <class T>
@@ -210,10 +210,10 @@ Field* ZoBind(Field* field) {
     return field;
 }
 
-/// A registration's name for a class: without the namespaces that precede it.
+/// A class's name as registered: without namespaces.
 ZO_API ZoString ZoRegisteredName(const char* qualifiedName);
 
-/// The accessors of a map's two lists, of one length. On reading, a key is added first and then its value.
+/// The accessors of a map's two lists of equal length. When reading, a key is added before its value.
 template <class Owner, auto Member>
 struct ZoMapAccessors;
 template <class Owner, class K, class V, class P, TIMap<K, V, P> Owner::*Member>
@@ -255,12 +255,12 @@ struct ZoMapAccessors<Owner, Member> {
 
 /// "class " and the run-time type's name without "ZoPrimitives::".
 ZO_API ZoString ZoStreamableClassName(const std::type_info& type);
-/// What every `Getfieldclassfor_<field>` does: finds the class of that name, null when it is not registered.
+/// Implements every `Getfieldclassfor_<field>`: finds the class of that name, null if it is not registered.
 ZO_API ZoString ZoFieldClass(TZoMetaData* schema, TZoClass** fieldClass, TZoClassFieldType* kind,
                              const char* name, TZoClassFieldType fieldKind);
 
-// Whether a class answers one of the streamers' calls in its own way: the operation is then a member of
-// another type. What cannot be told (an overload, an operation that is not public) counts as answered.
+// Whether a class overrides one of the streamers' calls: the operation is then a member of another type.
+// Undecidable cases (an overload, an operation that is not public) count as overridden.
 #define ZO_HOOK_(Hook)                                                                                       \
     template <class T, class = void>                                                                         \
     struct ZoOverrides##Hook : std::true_type {};                                                            \
@@ -286,13 +286,13 @@ constexpr unsigned ZoHooksOf() {
            (ZoOverridesWillWrite<T>::value ? hookWillWrite : 0u);
 }
 
-/// What the macros' `Register` does, without its templates.
+/// The part of the macros' `Register` that needs no templates.
 class ZO_API ZoRegistration {
 public:
     using FieldClassFunction = ZoString (*)(TZoMetaData*, TZoClass**, TZoClassFieldType*);
     using AddFieldFunction = TZoClassField* (*)(TZoClass*, TZoClass*, const ZoString&);
 
-    /// Parents: up to three names, "0" or "NULL" for none. One that is not registered is skipped.
+    /// `parents`: up to three names, "0" or "NULL" for none. Unregistered parents are skipped.
     ZoRegistration(TZoMetaData* schema, const char* name, const char* const (&parents)[3],
                    TZoCreateFunction create, bool abstract, const std::type_info& type, unsigned slot);
     ~ZoRegistration();
@@ -301,8 +301,7 @@ public:
 
     void SetHooks(unsigned overridden) { made->SetHooks(overridden); }
     void AddField(FieldClassFunction fieldClassOf, AddFieldFunction add);
-    /// Puts the class into the schema and returns it; the class that is there already, when the name is
-    /// taken.
+    /// Adds the class to the schema and returns it; returns the existing class if the name is taken.
     TZoClass* Finish();
 
 private:
@@ -311,7 +310,7 @@ private:
     TDVector<TZoClassField*> unresolved;
 };
 
-/// An empty object, to begin a member with.
+/// An empty object, for initialising a member.
 template <class T>
 T ZoEmpty() {
     if constexpr (std::is_default_constructible_v<T>) {
@@ -321,17 +320,17 @@ T ZoEmpty() {
     }
 }
 
-/// The factory of every registered class: an empty object, whose class is the one given (may be null).
+/// The factory of every registered class: an empty object of the given class (may be null).
 template <class T>
 ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass* objectClass) {
-    ZoStreamableBase* made = nullptr;
+    ZoStreamableBase* object = nullptr;
     if constexpr (std::is_constructible_v<T, ZoStreamableBase::StreamableInit>) {
-        made = new T(ZoStreamableBase::InitEmpty);
+        object = new T(ZoStreamableBase::InitEmpty);
     } else {
-        made = new T();
+        object = new T();
     }
-    ZoMadeFor::Set(*made, objectClass);
-    return made;
+    ZoMadeFor::Set(*object, objectClass);
+    return object;
 }
 
 template <class Class, class Parent>
@@ -387,11 +386,11 @@ TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* con
 #define ZO_BEGIN_4_(Class, P1, P2, P3, unused)                                                               \
     ZO_BEGIN_CHECKED_(Class, #P1, #P2, #P3, ZO_IS_PARENT_(P1) && ZO_IS_PARENT_(P2) && ZO_IS_PARENT_(P3))
 
-/// Opens a class's registration: the class, then up to three parents.
+/// Opens a class's registration; takes the class and up to three parents.
 #define REGISTER_ZO_BEGIN(...)                                                                               \
     ZO_EXPAND_(ZO_FIFTH_(__VA_ARGS__, ZO_BEGIN_4_, ZO_BEGIN_3_, ZO_BEGIN_2_, ZO_BEGIN_1_, )(__VA_ARGS__, ))
 
-/// The same with the parents' names as texts, unchecked; "0" and "NULL" stand for none.
+/// As above, with the parents' names as texts, which are not checked; "0" and "NULL" mean none.
 #define ZO_BEGIN_NAMES(Class, Parent1, Parent2, Parent3)                                                     \
     ZO_BEGIN_CHECKED_(Class, Parent1, Parent2, Parent3, true)
 
@@ -460,9 +459,9 @@ public:                                                                         
                     ::ZoPrimitives::ZoValueField<Type>::kind)                                                \
     static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(                                               \
         ::ZoPrimitives::TZoClass* owner, ::ZoPrimitives::TZoClass*, const ::ZoPrimitives::ZoString&) {       \
-        auto* made = ::ZoPrimitives::ZoValueField<Type>::Add(owner, #field, Set##field, Get##field);         \
-        made->SetMember(Member##field);                                                                      \
-        return made;                                                                                         \
+        auto* newField = ::ZoPrimitives::ZoValueField<Type>::Add(owner, #field, Set##field, Get##field);     \
+        newField->SetMember(Member##field);                                                                  \
+        return newField;                                                                                     \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)
 
@@ -481,11 +480,11 @@ public:                                                                         
     ZO_FIELD_CLASS_(field, ::ZoPrimitives::ZoListField<Type>::name, ::ZoPrimitives::ZoListField<Type>::kind) \
     static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(                                               \
         ::ZoPrimitives::TZoClass* owner, ::ZoPrimitives::TZoClass*, const ::ZoPrimitives::ZoString&) {       \
-        auto* made = ::ZoPrimitives::ZoListField<Type>::Add(                                                 \
+        auto* newField = ::ZoPrimitives::ZoListField<Type>::Add(                                             \
             owner, #field,                                                                                   \
             {Add##field, ElementAt##field, NItems##field, CreateList_##field, nullptr, nullptr});            \
-        made->SetMember(Member##field);                                                                      \
-        return made;                                                                                         \
+        newField->SetMember(Member##field);                                                                  \
+        return newField;                                                                                     \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)
 
@@ -498,7 +497,7 @@ public:                                                                         
         ::ZoPrimitives::ZoPrepare(::ZoPrimitives::ZoSelf<ZoClass>(object).member, count);                    \
     }
 
-// The accessors of pointers are templates, so that the target's class may be declared later.
+// Accessors of pointers are templates, so that the target's class may be declared later.
 #define ZO_POINTER_FIELD_(Member, Type, field, Kind)                                                         \
     Member field;                                                                                            \
     template <class ZoThis = ZoClass>                                                                        \
@@ -517,10 +516,10 @@ public:                                                                         
                                                               ::ZoPrimitives::TZoClass* fieldClass,          \
                                                               const ::ZoPrimitives::ZoString& typeName) {    \
         using Target = typename ::ZoPrimitives::ZoMemberTarget<decltype(ZoThis::field)>::Object;             \
-        auto* made = ::ZoPrimitives::ZoBind<Target>(                                                         \
+        auto* newField = ::ZoPrimitives::ZoBind<Target>(                                                     \
             owner->AddField##Kind(#field, fieldClass, Set##field<ZoThis>, Get##field<ZoThis>));              \
-        made->SetFieldClassName(typeName);                                                                   \
-        return made;                                                                                         \
+        newField->SetFieldClassName(typeName);                                                               \
+        return newField;                                                                                     \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)
 
@@ -562,12 +561,12 @@ public:                                                                         
                                                               ::ZoPrimitives::TZoClass* fieldClass,          \
                                                               const ::ZoPrimitives::ZoString& typeName) {    \
         using Target = typename ::ZoPrimitives::ZoMemberTarget<decltype(ZoThis::field)>::Object;             \
-        auto* made = ::ZoPrimitives::ZoBind<Target>(owner->AddField##Kind(                                   \
+        auto* newField = ::ZoPrimitives::ZoBind<Target>(owner->AddField##Kind(                               \
             #field, fieldClass,                                                                              \
             {Add##field<ZoThis>, ElementAt##field<ZoThis>, NItems##field<ZoThis>,                            \
              IterateOver##field<ZoThis>, CreateList_##field<ZoThis>, nullptr, nullptr}));                    \
-        made->SetFieldClassName(typeName);                                                                   \
-        return made;                                                                                         \
+        newField->SetFieldClassName(typeName);                                                               \
+        return newField;                                                                                     \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)
 
@@ -600,10 +599,10 @@ public:                                                                         
     static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(::ZoPrimitives::TZoClass* owner,               \
                                                               ::ZoPrimitives::TZoClass* fieldClass,          \
                                                               const ::ZoPrimitives::ZoString& typeName) {    \
-        auto* made = ::ZoPrimitives::ZoBind<Type>(                                                           \
+        auto* newField = ::ZoPrimitives::ZoBind<Type>(                                                       \
             owner->AddFieldChildValue(#field, fieldClass, Set##field, Get##field));                          \
-        made->SetFieldClassName(typeName);                                                                   \
-        return made;                                                                                         \
+        newField->SetFieldClassName(typeName);                                                               \
+        return newField;                                                                                     \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)
 
@@ -616,8 +615,8 @@ public:                                                                         
                                                               ::ZoPrimitives::TZoClass* fieldClass,          \
                                                               const ::ZoPrimitives::ZoString& typeName) {    \
         using Accessors = ::ZoPrimitives::ZoMapAccessors<ZoThis, &ZoThis::field>;                            \
-        auto* made = Accessors::AddField(owner, #field, fieldClass, #Key);                                   \
-        made->SetFieldClassName(typeName);                                                                   \
-        return made;                                                                                         \
+        auto* newField = Accessors::AddField(owner, #field, fieldClass, #Key);                               \
+        newField->SetFieldClassName(typeName);                                                               \
+        return newField;                                                                                     \
     }                                                                                                        \
     ZO_FIELD_LINE_(field)

@@ -1,12 +1,12 @@
 #pragma once
 
-// Where assertions say that they failed. Crash reports are compared with those of older versions: these
-// paths, relative to the source root and without extension, and these lines stay as they are when the code
-// moves. An assertion without a line here gives the one where it stands.
+// The places that assertions report. Crash reports are compared with those of older versions, so these paths,
+// relative to the source root and without extension, and these lines do not change when code moves.
+// Assertions not listed here report their actual line.
 
 namespace ZoPrimitives {
 
-/// A place in the sources, as assertions name it.
+/// A place in the sources, as assertions report it.
 struct ZoSite {
     const char* source;
     int line;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Values and lists that stand where the streamers expect an object: as a root, as the target of a pointer or
-// as an item of a list. They have no parent in a schema.
+// Values and lists for use where the streamers expect an object: as a root, as the target of a pointer or as
+// an item of a list. They have no parent class in a schema.
 
 #include "ZoPrimitives/ZoRegister.h"
 
@@ -80,7 +80,7 @@ class ZO_API StreamableZoString : public ZoObjectStreamable {
     ZoString ToString() const override;
 };
 
-/// Owns its items together with whoever else holds them: a copy holds the same objects.
+/// Shares ownership of its items: a copy holds the same objects.
 class ZO_API StreamableList : public ZoObjectStreamable {
     ZO_BEGIN_NAMES(StreamableList, "0", "NULL", "NULL")
     DECLARE_ZO_FIELD_CHILD_LIST(ZoObjectStreamable, list)
@@ -92,7 +92,7 @@ class ZO_API StreamableList : public ZoObjectStreamable {
     ~StreamableList() override;
 
     TIVector<ZoObjectStreamable, pointer<ZoObjectStreamable>>& GetList() { return list; }
-    /// The factory for readers: a new, empty list, owned by the caller.
+    /// The factory for readers: returns a new, empty list, owned by the caller.
     static ZoStreamableBase* Create(TZoMetaData* fileSchema, TZoMetaData* schema, TZoClass* cls);
 };
 

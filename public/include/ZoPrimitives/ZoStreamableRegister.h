@@ -8,17 +8,17 @@ namespace ZoPrimitives {
 class TZoClass;
 class TZoMetaData;
 
-/// How a class registers, kept by a schema until what the class stands on is registered
+/// How to register a class. A schema keeps it until the class's prerequisites are registered
 /// (`TZoMetaData::ClassesRegister`).
 class ZO_API ZoStreamableRegister : public ZoObject {
 public:
     /// A class's static `Register`.
     using RegisterFunction = TZoClass* (*)(TZoMetaData* schema);
-    /// Whether the class can register now: as a rule, whether its parents are there.
+    /// Whether the class can be registered now: usually, whether its parents are.
     using ReadyFunction = bool (*)(TZoMetaData* schema);
 
-    /// `className`: under which `registerClass` registers. Without `ready` the class can register at any
-    /// time.
+    /// `className` is the name that `registerClass` registers. Without `ready` the class can be registered at
+    /// any time.
     ZoStreamableRegister(const ZoString& className, RegisterFunction registerClass, ReadyFunction ready);
     ~ZoStreamableRegister() override;
 

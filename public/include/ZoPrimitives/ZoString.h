@@ -17,37 +17,36 @@
 
 namespace ZoPrimitives {
 
-/// An owned, NUL-terminated 8-bit string in Windows-1252; the first 0 byte ends it for every purpose.
+/// An owned, NUL-terminated 8-bit string in Windows-1252; the first 0 byte always ends it.
 ///
 /// Positions count from 0; searches return -1 for "not found"; 0xFFFFFFFF as a start or end means "the last".
-/// The length is not kept: asking for it scans the text. No result depends on the process's locale.
-/// A null `const char*` is taken as empty everywhere. A moved-from string is meant to be destroyed or
-/// assigned to; reading it gives the empty string.
+/// The length is not stored: asking for it scans the text. No result depends on the process's locale. A null
+/// `const char*` always counts as empty. A moved-from string reads as empty.
 class ZO_API ZoString : public ZoObject {
 public:
     static constexpr unsigned NO_POSITION = 0xFFFFFFFFu;
 
     ZoString() noexcept;
     ZoString(const char* text) noexcept;
-    /// Exactly `count` bytes of `text`.
+    /// Copies exactly `count` bytes of `text`.
     ZoString(const char* text, unsigned count) noexcept;
     ZoString(const unsigned char* text, unsigned count) noexcept;
     ZoString(std::nullptr_t, unsigned) noexcept : ZoString() {}
-    /// The one character, not its number.
+    /// The character itself, not its number.
     ZoString(char c) noexcept;
     ZoString(char c, unsigned count) noexcept;
 
-    // Numbers in decimal.
+    // Numbers in decimal notation.
     ZoString(int value) noexcept;
     ZoString(unsigned value) noexcept;
     ZoString(long value) noexcept;
     ZoString(unsigned long value) noexcept;
     ZoString(long long value) noexcept;
     ZoString(unsigned long long value) noexcept;
-    /// Six decimals and a point, without exponent; "inf", "-inf" and "nan".
+    /// Six decimals and a point, without an exponent; "inf", "-inf" and "nan".
     ZoString(double value) noexcept;
 
-    // Other characters are no text here, and must not pass as numbers.
+    // Other character types must not pass as numbers.
     ZoString(wchar_t) = delete;
 #ifdef __cpp_char8_t
     ZoString(char8_t) = delete;
@@ -68,8 +67,8 @@ public:
         return *this = ZoString(value);
     }
 
-    /// Takes exactly `count` bytes, which may lie in this string, and keeps the buffer where it is known to
-    /// be large enough: for a string that is filled again and again.
+    /// Copies exactly `count` bytes, which may lie in this string, and reuses the buffer if it is known to be
+    /// large enough: for strings that are filled repeatedly.
     void Assign(const char* bytes, unsigned count) noexcept;
 
     unsigned length() const noexcept { return static_cast<unsigned>(Size()); }
@@ -85,12 +84,13 @@ public:
         return buffer[pos];
     }
 
-    /// Blanks, a sign and digits at the start; 0 when there are none; the nearest `int` when out of range.
+    /// Parses blanks, a sign and digits at the start; 0 without digits; the nearest `int` when out of range.
     int ToInt() const noexcept;
-    /// As C's `atof` in the C locale (hexadecimal, "inf" and "nan" included); infinite when out of range.
+    /// Parses as C's `atof` in the C locale (hexadecimal, "inf" and "nan" included); infinite when out of
+    /// range.
     double ToDouble() const noexcept;
 
-    // Appending and joining. Without memory the string stays as it was.
+    // Appending and joining. The string is unchanged when memory is short.
     ZoString& operator+=(const ZoString& text) noexcept { return Append(text.c_str(), text.Size()); }
     ZoString& operator+=(const char* text) noexcept {
         return Append(text, text != nullptr ? std::strlen(text) : 0);
@@ -102,14 +102,14 @@ public:
 
     ZoString operator+(const ZoString& text) const noexcept;
     ZoString operator+(const char* text) const noexcept;
-    /// A character as itself, a number as the constructors write it.
+    /// Appends a character itself, or a number as the constructors write it.
     template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
     ZoString operator+(Number value) const noexcept {
         return *this + ZoString(value);
     }
     friend ZoString operator+(const char* a, const ZoString& b) noexcept { return ZoString(a) += b; }
 
-    // Byte-wise order, bytes unsigned.
+    // Byte-wise order of unsigned bytes.
     friend bool operator==(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) == 0; }
     friend bool operator!=(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) != 0; }
     friend bool operator<(const ZoString& a, const ZoString& b) noexcept { return Order(a, b.c_str()) < 0; }
@@ -134,77 +134,78 @@ public:
 
     bool Equal(const ZoString& other, bool caseSensitive) const noexcept;
     bool Less(const ZoString& other, bool caseSensitive) const noexcept;
-    /// -1, 0 or 1 by an order in which a digit weighs more the more digits follow it: "a9" before "a10".
+    /// -1, 0 or 1. Digits weigh more the more digits follow them: "a9" is less than "a10".
     int Compare(const ZoString& other) const noexcept;
 
     /// Asserts `initPos < length()` unless the string is empty.
     int find(char c, unsigned initPos = 0) const;
-    /// An empty `text` is found at `initPos`; beyond the end nothing is found.
+    /// Finds an empty `text` at `initPos`, and nothing beyond the end.
     int find(const ZoString& text, unsigned initPos = 0, bool caseSensitive = true) const noexcept;
-    /// The searches that never assert.
+    /// These searches never assert.
     int hasChar(char c, unsigned initPos = 0) const noexcept;
     int hasText(const ZoString& text, unsigned initPos = 0) const noexcept;
-    /// Backwards from `initPos`, which is asserted to be below the length unless the string is empty.
+    /// Searches backwards from `initPos`. Asserts `initPos < length()` unless the string is empty or the
+    /// default is used.
     int rfind(char c, unsigned initPos = NO_POSITION) const;
-    /// Backwards, leaving the last `count` characters out; -1 for a string without other characters than
-    /// spaces.
+    /// Searches backwards, skipping the last `count` characters; -1 if the string has only spaces.
     int findLast(char c, unsigned count = 0) const noexcept;
-    /// First position of the last `text` that ends at or before `initPos` (-1: the end). Asserts `initPos <
-    /// length()` unless the string is empty. An empty `text` is found just after `initPos`.
+    /// The first position of the last `text` that ends at or before `initPos` (-1: the end). Asserts `initPos
+    /// < length()` unless the string is empty. An empty `text` is found just after `initPos`.
     int textRFind(const ZoString& text, int initPos = -1, bool caseSensitive = true) const;
-    /// The text before the `count`th `delimiter`, without delimiters, in `out`; no field on the way may be
-    /// empty. Returns the length of the last field, or -1 with an empty `out` (for `count` below 1 too).
+    /// Puts the text before the `count`th `delimiter`, without delimiters, into `out`; no field up to there
+    /// may be empty. Returns the length of the last field; -1, with an empty `out`, on failure and for
+    /// `count` below 1.
     int findDelimiter(ZoString& out, char delimiter, int count) const noexcept;
     int FirstNumericChar() const noexcept;
 
-    /// Characters `first` to `last`, both inclusive.
+    /// The characters from `first` to `last`, both inclusive.
     ZoString substr(unsigned first, unsigned last = NO_POSITION) const noexcept;
     /// Empty for the empty string.
     ZoString LastChar() const noexcept;
-    /// The trims drop spaces only, and leave a string of nothing but spaces as it is.
+    /// The trims remove only spaces; a string of nothing but spaces is unchanged.
     ZoString TrimLeft() const noexcept;
     ZoString TrimRight() const noexcept;
     ZoString Trim() const noexcept;
     ZoString RemoveSpace() const noexcept;
     ZoString Remove(char c) const noexcept;
-    /// The first, or every, non-overlapping occurrence in one pass; an empty `text` occurs nowhere.
+    /// Removes the first, or every, occurrence in one pass from the left; an empty `text` occurs nowhere.
     ZoString Remove(const ZoString& text, bool all) const noexcept;
-    /// One pass from the left; an empty `find` occurs nowhere. A result that would be empty leaves the string
-    /// as it is.
+    /// Replaces in one pass from the left; an empty `find` occurs nowhere. Returns the string unchanged if
+    /// the result would be empty.
     ZoString ReplaceString(const ZoString& find, const ZoString& replace, bool all) const noexcept;
     ZoString ReplaceLastOccurrence(const ZoString& find, const ZoString& replace) const noexcept;
-    /// Drops the bytes 'A' to 'z', the six marks between 'Z' and 'a' included.
+    /// Removes the bytes 'A' to 'z', including the six marks between 'Z' and 'a'.
     ZoString RemoveLetters() const noexcept;
     ZoString RemoveAccents() const noexcept;
-    /// Drops line feeds at the end.
+    /// Removes line feeds at the end.
     ZoString RemoveTrailingBreaklines() const noexcept;
 
-    // In place, and the result as a copy.
+    // These change the string and return a copy of the result.
     ZoString Inverter() noexcept;
     ZoString ChangeFloatSeparator(char from, char to) noexcept;
     ZoString ChangeLineTerminator(char from, char to) noexcept;
-    /// Every `c` becomes a space.
+    /// Replaces every `c` by a space.
     ZoString ChangeBreakLine(char c) noexcept;
 
-    // In place.
-    /// Word wrap: turns one space in about every `width` characters into a line feed.
+    // These change the string.
+    /// Word wrap: replaces about one space in every `width` characters by a line feed.
     void AddBreakLines(unsigned width) noexcept;
     ZoString& Lowercase() noexcept;
     ZoString& Uppercase() noexcept;
 
-    /// Capitals for the first character and for those after a space, but for the very last. Asserts that `s`
-    /// is not empty.
+    /// Capitalises the first character and those after spaces, except the last one. Asserts that `s` is not
+    /// empty.
     static ZoString FirstCharToUppercase(const ZoString& s);
-    /// Without directory and extension. Without any '.' the whole path is returned; a '.' of the directory
-    /// ends no name.
+    /// The name without directory and extension. A path without any '.' is returned unchanged; a '.' in the
+    /// directory ends no name.
     ZoString ExtractFileName() const noexcept;
-    /// What follows the last '.' of the whole path.
+    /// The text after the last '.' of the whole path.
     ZoString GetFileExtension() const noexcept;
 
-    /// `printf` in the C locale; the result is cut to 9,999 bytes and empty when the format is at fault.
+    /// `printf` in the C locale. The result is cut to 9,999 bytes; it is empty if the format is invalid.
     static ZoString FormatString(const char* format, ...) noexcept ZO_PRINTF(1, 2);
-    /// As above; arguments may be `ZoString`s for "%s". Without any, the text does no harm wherever it comes
-    /// from: "%%" is written as one percent sign, "%n" as nothing, every other directive as it stands.
+    /// As above; arguments for "%s" may be `ZoString`s. Without arguments any text is safe as a format: "%%"
+    /// is written as one percent sign, "%n" as nothing, every other directive unchanged.
     template <class Format, class... Arguments,
               class = std::enable_if_t<std::is_base_of_v<ZoString, std::decay_t<Format>>>>
     static ZoString FormatString(const Format& format, const Arguments&... arguments) noexcept {
@@ -214,7 +215,7 @@ public:
             return FormatUnchecked(format.c_str(), Argument(arguments)...);
     }
 
-    /// Empty, or only spaces.
+    /// Whether the string is empty or only spaces.
     bool IsNull() const noexcept;
     bool HasNonWhitespaceChar() const noexcept;
     bool HasNumericChar() const noexcept;
@@ -222,11 +223,11 @@ public:
     bool HasOnlyNumbers() const noexcept;
     /// An optional minus, digits, and at most one point or comma with digits after it.
     bool IsNumeric() const noexcept;
-    /// Not empty; digits, at most one point, and a minus at the start only.
+    /// Not empty: digits, at most one point, and a minus only at the start.
     bool IsValidFloat() const noexcept;
-    /// Whether a character reaches below the base line.
+    /// Whether a character descends below the base line.
     bool HasUnderlineChars() const noexcept;
-    /// Whether a character may not stand in a file name.
+    /// Whether a character is not allowed in a file name.
     bool HasInvalidNameChars() const noexcept;
     bool HasInvalidNameChars(const ZoString& set) const noexcept;
     ZoString RemoveInvalidChars() const noexcept;
@@ -264,14 +265,14 @@ private:
     ZoString Substituted(const ZoString& find, const char* replace, bool all) const noexcept;
     void Exchange(char from, char to) noexcept;
 
-    static const char NOTHING[]; // no literal: compilers would warn of positions in `c_str()` beyond it
-    char* buffer;                // of malloc; null only when moved from or when there is no memory at all
+    static const char NOTHING[]; // not a literal: compilers would warn of positions in `c_str()` beyond it
+    char* buffer;                // from malloc; null only when moved from or when memory is short
 };
 
-// Other modules construct and read strings directly: table of operations, reference count, buffer.
+// Other modules construct and read strings directly: virtual table, reference count, buffer.
 static_assert(sizeof(void*) != 8 || sizeof(ZoString) == 24, "the layout of ZoString is exported");
 
-// A number is not compared with a text nor leads one: without these, 0 would be a null `const char*`.
+// Without these, a 0 compared with or added to a string would convert to a null `const char*`.
 template <class Text, class Number>
 using ZoNumberBesideText =
     std::enable_if_t<std::is_base_of_v<ZoString, Text> && std::is_arithmetic_v<Number>, bool>;

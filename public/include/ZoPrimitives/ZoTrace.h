@@ -8,25 +8,25 @@
 namespace ZoPrimitives {
 
 /// Times operations and appends a line for each to the trace file, which the first line of a process empties.
-/// The file is closed between lines. Nothing reports an error: without a file there is no trace.
+/// The file is closed between lines. Errors are not reported: without a file there is no trace.
 ///
-/// The file is c:\temp\Trace.txt on Windows (the folder must exist). Elsewhere it is Trace.txt in the folder
-/// that the environment variable ZO_TRACE_FOLDER names, without it in that of TMPDIR, or in /tmp; a symbolic
-/// link or another user's file there is left alone.
+/// On Windows the file is c:\temp\Trace.txt (the folder must exist). Elsewhere it is Trace.txt in the folder
+/// named by the environment variable ZO_TRACE_FOLDER, otherwise in that of TMPDIR, otherwise in /tmp; a
+/// symbolic link or another user's file there is left alone.
 ///
-/// Threads share one start of time; their lines are written one at a time.
+/// Threads share one start time; lines are written one at a time.
 class TZoTrace {
 public:
     TZoTrace() = delete;
 
-    /// Time starts to count.
+    /// Starts the clock.
     ZO_API static void Tic();
-    /// Writes "O tempo de execução da operação foi: 12ms. (operation, detail)", the time since the last `Tic`
-    /// (before any, since the system started), which goes on counting. Percent signs in the texts are
-    /// interpreted, as by `ZoString::FormatString` without arguments.
+    /// Writes "O tempo de execução da operação foi: 12ms. (operation, detail)" with the time since the last
+    /// `Tic` (or since the system started); the clock keeps running. Percent signs in the texts are
+    /// interpreted as by `ZoString::FormatString` without arguments.
     ZO_API static void Toc(ZoString operation, ZoString detail);
     ZO_API static void TocTic(ZoString operation, ZoString detail);
-    /// Writes `text` as it is.
+    /// Writes `text` unchanged.
     ZO_API static void TraceSimplesArquivo(const char* text);
 
 private:

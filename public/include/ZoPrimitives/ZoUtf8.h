@@ -6,13 +6,13 @@
 
 namespace ZoPrimitives {
 
-/// Windows-1252 beside Unicode. The five bytes that the code page leaves open are the controls of the same
-/// number.
+/// Converts between Windows-1252 and Unicode. The five bytes that the code page leaves undefined map to the
+/// control characters of the same number.
 struct Windows1252 {
     static constexpr char32_t ToUnicode(unsigned char byte) noexcept {
         return byte >= 0x80 && byte < 0xA0 ? HIGH_CONTROLS[byte - 0x80] : byte;
     }
-    /// The byte, or -1 for a character that the code page lacks.
+    /// The byte, or -1 for a character that is not in the code page.
     static constexpr int FromUnicode(char32_t character) noexcept {
         if (character < 0x80 || (character >= 0xA0 && character < 0x100)) return static_cast<int>(character);
         for (int i = 0; i < 32; ++i) {
@@ -20,8 +20,8 @@ struct Windows1252 {
         }
         return -1;
     }
-    /// Reads one character of NUL-terminated UTF-8 and moves on, by one byte where it is malformed; then the
-    /// result is 0xFFFD.
+    /// Reads one character of NUL-terminated UTF-8 and advances. Malformed input gives 0xFFFD and advances by
+    /// one byte.
     static constexpr char32_t Next(const char*& text) noexcept {
         const auto lead = static_cast<unsigned char>(*text++);
         if (lead < 0x80) return lead;
@@ -46,7 +46,7 @@ private:
         0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 };
 
-// For terminals and other places outside the library's own 8-bit texts.
+// For terminals and other places that need UTF-8.
 
 inline std::string ZoToUtf8(const ZoString& text) {
     std::string result;
@@ -67,7 +67,7 @@ inline std::string ZoToUtf8(const ZoString& text) {
     return result;
 }
 
-/// Characters that Windows-1252 lacks and malformed bytes become '?'. Null is empty.
+/// Malformed bytes and characters that Windows-1252 lacks become '?'. Null counts as empty.
 inline ZoString ZoFromUtf8(const char* text) {
     std::string bytes;
     while (text != nullptr && *text != '\0') {

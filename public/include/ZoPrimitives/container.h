@@ -12,13 +12,12 @@
 #include <utility>
 #include <vector>
 
-// What the containers of values share. Positions count from 1; an access outside 1 to `NItems()` fails the
-// assertion "index >= 1 && index <= NItems()". Nothing here is guarded: a container belongs to one thread at
-// a time.
+// Shared by all containers of values. Positions count from 1; an access outside 1 to `NItems()` fails the
+// assertion "index >= 1 && index <= NItems()". Containers are not guarded: use each on one thread at a time.
 
 namespace ZoPrimitives {
 
-/// What collects values of type `T`.
+/// Interface for collecting values of type `T`.
 template <class T>
 class TDAccumulator : public ZoObject {
 public:
@@ -31,8 +30,8 @@ public:
     virtual void RemoveAll() = 0;
 };
 
-/// The values of a container, in one contiguous array. Pointers and references to them are good until values
-/// are added or removed.
+/// The values of a container, in one contiguous array. Pointers and references to them stay valid until
+/// values are added or removed.
 template <class T>
 class TContainer : public TDAccumulator<T> {
     static_assert(!std::is_same_v<std::remove_cv_t<T>, bool>,
@@ -51,7 +50,7 @@ public:
     const T* end() const noexcept { return values.data() + values.size(); }
 
     unsigned long long Capacity() const noexcept { return values.capacity(); }
-    /// Makes room for `count` values in all. More than can exist throws `xContainerSizeExceeded`.
+    /// Makes room for `count` values in total. Throws `xContainerSizeExceeded` for more than can exist.
     void Reserve(unsigned long long count) {
         if (count > values.max_size()) throw xContainerSizeExceeded();
         values.reserve(static_cast<std::size_t>(count));
@@ -67,8 +66,9 @@ protected:
     ZoVector<T> values;
 };
 
-/// Walks a container of values: `for (TContainerIterator<T> i(list); !i.IsDone(); i.Next())
-/// use(i.Current());` It refers to the container, which must outlive it and may grow or shrink meanwhile.
+/// Walks a container of values:
+///     for (TContainerIterator<T> i(list); !i.IsDone(); i.Next()) use(i.Current());
+/// It refers to the container, which must outlive it and may grow or shrink meanwhile.
 template <class T>
 class TContainerIterator {
 public:
@@ -78,12 +78,12 @@ public:
     bool IsDone() const noexcept {
         return position > static_cast<unsigned long long>(container->end() - container->begin());
     }
-    /// Past the end already: throws `xIteratorOverrunContainerLimit`.
+    /// At the end throws `xIteratorOverrunContainerLimit`.
     void Next() {
         if (IsDone()) throw xIteratorOverrunContainerLimit();
         ++position;
     }
-    /// The value here; at the end throws `xIteratorOverrunContainerLimit`.
+    /// The current value; at the end throws `xIteratorOverrunContainerLimit`.
     const T& Current() const {
         if (IsDone()) throw xIteratorOverrunContainerLimit();
         return container->data()[position - 1];
@@ -96,15 +96,14 @@ private:
     unsigned long long position = 1;
 };
 
-/// The operations of the containers of values. `Self` is the container: it says whether long searches run in
-/// parallel (`SEARCHES_IN_PARALLEL`) and the place that its assertions
-/// name (`SITE`).
+/// The operations of the containers of values. `Self` is the container class; it tells whether long searches
+/// run in parallel (`SEARCHES_IN_PARALLEL`) and which place its assertions name (`SITE`).
 ///
-/// `T` needs `==`, and to be complete only where the container is made, used or destroyed.
+/// `T` needs `==` and must be complete only where the container is created, used or destroyed.
 template <class T, class Self>
 class TValueContainer : public TContainer<T> {
 public:
-    /// Same class, and equal values (by `Equal`) in the same order.
+    /// Whether `other` is of the same class and holds equal values (by `Equal`) in the same order.
     bool operator==(const ZoObject& other) const override {
         if (typeid(*this) != typeid(other)) return false;
         const auto& right = static_cast<const TValueContainer&>(other);
@@ -117,7 +116,7 @@ public:
 
     void Add(const T& value) override { values.push_back(value); }
 
-    /// Removes the value that `Find` gives; those behind it move down by one. False when absent.
+    /// Removes the value that `Find` finds; those after it move down by one. False when there is none.
     bool Remove(const T& value) override {
         unsigned long long position;
         if (!Find(value, position)) return false;
@@ -143,17 +142,17 @@ public:
         values.insert(values.end(), copy.begin(), copy.end());
     }
 
-    /// False, and nothing changes, when the value is there already.
+    /// False, without a change, when the value is already there.
     virtual bool AddUnique(const T& value) {
         if (this->Contains(value)) return false;
         this->Add(value);
         return true;
     }
 
-    /// The equality that every search uses: `==` of the values.
+    /// The equality that every search uses: `==` here.
     virtual bool Equal(const T& a, const T& b) const { return a == b; }
 
-    /// Gives the position of the first equal value, `NItems()` + 1 when there is none.
+    /// Finds the first equal value. `position` is `NItems()` + 1 when there is none.
     virtual bool Find(const T& value, unsigned long long& position) const {
         const std::size_t found = Search(value);
         position = found + 1;
@@ -167,10 +166,10 @@ public:
     T& Last() { return (*this)[values.size()]; }
     const T& Last() const { return (*this)[values.size()]; }
 
-    // These move the values behind the position.
+    // These move the values after the position.
 
     void AddFirst(const T& value) { values.insert(values.begin(), value); }
-    /// Puts the value at the position; that may be `NItems()` + 1.
+    /// Inserts the value at the position, which may be `NItems()` + 1.
     void InsertAt(unsigned long long index, const T& value) {
         ZO_ASSERT_SITE(index >= 1 && index <= values.size() + 1, "index >= 1 && index <= NItems() + 1",
                        Self::SITE);
@@ -210,11 +209,11 @@ private:
         return static_cast<std::size_t>(index - 1);
     }
 
-    /// Index from 0, the count when absent.
+    /// The index from 0; the count when there is none.
     std::size_t Search(const T& value) const {
         const std::size_t count = values.size();
         const bool parallel = Self::SEARCHES_IN_PARALLEL && count > ZoSerialFindLimit;
-        // A class derived from the container may compare in its own way.
+        // A derived class may override `Equal`.
         const bool direct = typeid(*this) == typeid(Self);
         std::size_t searched = 0;
         if (direct) {

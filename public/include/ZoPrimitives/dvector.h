@@ -4,7 +4,7 @@
 
 namespace ZoPrimitives {
 
-/// Vector of values. A search in more than 1000 values runs in parallel; an overridden `Equal` must then be
+/// Vector of values. Searches among more than 1000 values run in parallel, so an overridden `Equal` must be
 /// safe to call from several threads.
 template <class T>
 class TDVector : public TValueContainer<T, TDVector<T>> {
@@ -31,7 +31,7 @@ public:
     bool operator==(const TDVector& other) const { return *this == static_cast<const ZoObject&>(other); }
 };
 
-/// List of values. A search runs in order on the calling thread, whatever the length.
+/// List of values. Searches run in order on the calling thread, whatever the length.
 template <class T>
 class TDList : public TValueContainer<T, TDList<T>> {
     using Base = TValueContainer<T, TDList<T>>;

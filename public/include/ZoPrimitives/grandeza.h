@@ -1,16 +1,16 @@
 #pragma once
 
-// Values with a physical unit. A quantity holds one number in the storage unit of its class and converts on
-// the way in and out:
+// Values with a physical unit. A quantity stores one number in the storage unit of its class and converts
+// when it is set and read:
 //
 //     GComprimento span(7.5, TComprimento::m);
 //     span.cm();                            // 750
 //     span += GComprimento(20.0);           // cm, the storage unit
 //     span.Valor(TComprimento::ft);         // as span.ft()
 //
-// The units are those of the technical system in centimetres: kgf, cm, s, °C; by convention 1 kN = 100 kgf
-// and 1 kp = 1 kgf. A unit is an enumerator; its number may be stored, its name depends on the language in
-// use. Applications rely on every bit of a conversion, and on its oddities, which are told where they are.
+// The units are those of the technical system in centimetres: kgf, cm, s, °C, with 1 kN = 100 kgf and 1 kp =
+// 1 kgf by convention. A unit is an enumerator: its number may be stored, its name depends on the language in
+// use. Applications rely on every bit of a conversion, including the oddities noted below.
 
 #include "ZoPrimitives/GrandezaUnits.h"
 #include "ZoPrimitives/ZoRegister.h"
@@ -19,8 +19,8 @@
 
 namespace ZoPrimitives {
 
-/// Base of the quantities. Compares and computes with the stored numbers, whatever their units: in an
-/// operation a plain number counts as one in the storage unit.
+/// Base of the quantities. Comparisons and arithmetic use the stored numbers, whatever their units; a plain
+/// number counts as one in the storage unit.
 class ZO_API Grandeza : public ZoObjectStreamable {
 public:
     using ZoClass = Grandeza;
@@ -32,7 +32,7 @@ public:
 
     void operator=(const Grandeza& other);
 
-    /// Exact: NaN equals nothing.
+    /// Compares exactly: NaN equals nothing.
     bool operator==(const Grandeza& other) const { return valor == other.valor; }
     bool operator!=(const Grandeza& other) const { return valor != other.valor; }
     template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
@@ -54,10 +54,10 @@ public:
     Grandeza& operator+=(const Grandeza& other);
     Grandeza& operator-=(const Grandeza& other);
     Grandeza& operator*=(const Grandeza& other);
-    /// Divided by zero any value becomes 1.797693e+308.
+    /// Division by zero always gives 1.797693e+308.
     Grandeza& operator/=(const Grandeza& other);
 
-    /// In the storage unit.
+    /// The value in the storage unit.
     DECLARE_ZO_FIELD(double, valor)
 
     static TZoClass* Register(TZoMetaData* schema);
@@ -65,14 +65,14 @@ public:
     TZoClass* GetClass() const override;
     TZoClass* GetOriginalClass(TZoMetaData* schema) const override;
     ZoString StreamableClassName() const override;
-    /// As text: the handle, then code 40 and the stored number in 15 significant digits.
+    /// Text output: the handle, then the code 40 and the stored number with 15 significant digits.
     void Write(OutputStreamer& streamer) override;
 
 protected:
     bool ReadData(int code, InputStreamer& streamer) override;
 };
 
-/// What came of reading a quantity from text: true when the text was understood.
+/// The result of reading a quantity from text; true when the text was understood.
 struct TLeituraDeGrandeza {
     enum class TEsperado : int {
         Nada,
@@ -85,38 +85,38 @@ struct TLeituraDeGrandeza {
         MilharesJuntos
     };
 
-    /// What was expected, and not found; `Nada` when the text was understood.
+    /// What was expected but not found; `Nada` when the text was understood.
     TEsperado esperado = TEsperado::Nada;
-    /// Where in the text, from 0; its length when the text ends too early.
+    /// The position in the text, from 0; the text's length if it ends too early.
     unsigned posicao = 0;
-    /// The number of the unit that was read, or that counted as none was written; -1 without success.
+    /// The number of the unit that was read or, if none was written, assumed; -1 on failure.
     int unidade = -1;
-    /// What was expected, in words of the language in use: "um algarismo", "uma unidade: cm, m".
+    /// What was expected, in the language in use: "um algarismo", "uma unidade: cm, m".
     ZoString descricao;
 
     explicit operator bool() const { return esperado == TEsperado::Nada; }
 };
 
-// What every quantity has: an accessor for each unit, which returns what `Valor(unit)` returns, and these.
+// Every quantity has these, and an accessor for each unit, which returns what `Valor(unit)` returns.
 //
-// A number that is no unit is ignored by `Valor(v, u)`, reads 0 and has the name "" and the text "". Names
+// A number that is not a unit is ignored by `Valor(v, u)`, reads as 0 and has an empty name and text. Names
 // are in the language in use. `Create` is the factory for readers.
 //
-// `Texto` writes the value in a unit as `FormatFloat` does, a space and the unit's name: "3,50 kN/m".
-// `LeTexto` reads such a text, and what people type: a sign, digits, the separator with more digits, an
-// exponent, blanks and a unit; "-1e-3m", "2 kgf/cm2", "3. ft". `semUnidade` counts where no unit is written;
-// if it is no unit, one must be written. Thousands are not grouped. The value stays as it was when the text
-// is refused.
+// `Texto` writes the value as `FormatFloat` does, a space and the unit's name: "3,50 kN/m". `LeTexto` reads
+// such texts and what people type: a sign, digits, the separator and more digits, an exponent, blanks and a
+// unit: "-1e-3m", "2 kgf/cm2", "3. ft". `semUnidade` applies if no unit is written; if it is not a unit, one
+// must be written. Thousands must not be grouped. If the text is refused, the value is unchanged.
 //
-// A unit is named in the language in use, by the library's own name or as its accessor is, "²" being also "2"
-// or "^2", "º" also the degree sign. Its parts may be joined by a point, a middle dot, a hyphen, an asterisk,
-// blanks or nothing ("kN.m", "kNm", "sqin"); blanks may stand around "/", and a point at the end. Letters may
-// be in any case but for M, as mega is neither milli nor metre; or all of them capitals: "12 MM".
+// A unit is written in the language in use, by the library's own name or by its accessor's; "2" and "^2" also
+// mean "²", and the degree sign means "º". Its parts may be joined by a point, a middle dot, a hyphen, an
+// asterisk, blanks or nothing ("kN.m", "kNm", "sqin"); blanks may surround "/", and a point may end the name.
+// Case is ignored except for M, because mega is neither milli nor metre; a name entirely in capitals is read
+// too: "12 MM".
 //
-// What was written reads back to the same value as far as its decimals go (and the 15 digits of a double),
-// but for W and kW, which do not quite convert back to themselves, for the unit without a name, unless it is
-// `semUnidade`, and for values that are not finite. A separator is a punctuation mark, no sign: others fail
-// an assertion. Nothing that a text holds throws.
+// A written value reads back as the same value, to its number of decimals (and the 15 digits of a double),
+// except for W and kW, which do not convert back exactly, for the unit without a name, unless it is
+// `semUnidade`, and for values that are not finite. The separator must be a punctuation mark and not a sign;
+// others fail an assertion. No text makes `LeTexto` throw.
 #define ZO_ENUMERATOR_(Class, unit, ...) unit,
 #define ZO_ACCESSOR_(Class, unit, ...) double unit() const;
 #define ZO_GRANDEZA_(Class, Unit)                                                                            \
@@ -154,16 +154,16 @@ class ZO_API GAngulo : public Grandeza {
     using Grandeza::operator==;
     using Grandeza::operator+=;
     void operator=(double radianos);
-    /// Exact.
+    /// Compares exactly.
     bool operator==(double radianos) const;
     bool operator==(const GAngulo& other) const { return valor == other.valor; }
-    /// Not brought back into one turn.
+    /// Does not reduce the sum to one turn.
     GAngulo& operator+=(double radianos);
 
-    /// In unit `u`, brought into one turn as far as `AdjustAngle` does: below a full turn, or that itself
-    /// within rounding; angles of more turns than 32 bits count stay beyond.
+    /// The angle in unit `u`, reduced to one turn as `AdjustAngle` does: below a full turn, or a full turn
+    /// within rounding. Angles of more turns than 32 bits count are not reduced.
     double ValorAjustado(TAngulo u) const;
-    /// Whether the angle, within one turn, is a multiple of 90 degrees, to 5 decimals of a degree.
+    /// Whether the angle, reduced to one turn, is a multiple of 90 degrees to 5 decimals of a degree.
     bool Ortogonal() const;
 };
 
@@ -184,9 +184,9 @@ enum class TComprimento : int { ZO_UNITS_TComprimento(ZO_ENUMERATOR_) };
 class ZO_API GComprimento : public Grandeza {
     ZO_GRANDEZA_(GComprimento, TComprimento)
 
-    /// The length in cm on a drawing: times `escala`.
+    /// The length in cm on a drawing: multiplied by `escala`.
     double EmEscala(double escala) const;
-    /// Asserts that some unit has that name, in the language in use.
+    /// Asserts that a unit has that name, in the language in use.
     static TComprimento UnidadePorNome(const ZoString& nome);
 };
 
@@ -196,7 +196,7 @@ class ZO_API GCorrente : public Grandeza {
     ZO_GRANDEZA_(GCorrente, TCorrente)
 };
 
-/// Energies. Kept in kWh. One kcal counts as 859.84524 kWh: applications expect it.
+/// Energies. Kept in kWh. One kcal counts as 859.84524 kWh, as applications expect.
 enum class TEnergia : int { ZO_UNITS_TEnergia(ZO_ENUMERATOR_) };
 class ZO_API GEnergia : public Grandeza {
     ZO_GRANDEZA_(GEnergia, TEnergia)
@@ -232,7 +232,7 @@ class ZO_API GIntensidade : public Grandeza {
     ZO_GRANDEZA_(GIntensidade, TIntensidade)
 };
 
-/// Moments. Kept in kgf·cm. `ftkip` is the moment of a kip at one foot, and is named "tf.kip".
+/// Moments. Kept in kgf·cm. `ftkip` is the moment of one kip at one foot; its name is "tf.kip".
 enum class TMomento : int { ZO_UNITS_TMomento(ZO_ENUMERATOR_) };
 class ZO_API GMomento : public Grandeza {
     ZO_GRANDEZA_(GMomento, TMomento)
@@ -250,13 +250,13 @@ class ZO_API GPoderCalorifico : public Grandeza {
     ZO_GRANDEZA_(GPoderCalorifico, TPoderCalorifico)
 };
 
-/// Powers. Kept in kcal/s. W and kW do not convert back to themselves: what was set in W reads 1.0001577
-/// times as much in W, what was set in kW 0.9999998 times.
+/// Powers. Kept in kcal/s. W and kW do not convert back exactly: a value set in W reads 1.0001577 times as
+/// large, one set in kW 0.9999998 times.
 enum class TPotencia : int { ZO_UNITS_TPotencia(ZO_ENUMERATOR_) };
 class ZO_API GPotencia : public Grandeza {
     ZO_GRANDEZA_(GPotencia, TPotencia)
 
-    /// Asserts that some unit has that name, in the language in use.
+    /// Asserts that a unit has that name, in the language in use.
     static TPotencia UnidadePorNome(const ZoString& nome);
 };
 
@@ -271,7 +271,7 @@ enum class TPressaoHidraulica : int { ZO_UNITS_TPressaoHidraulica(ZO_ENUMERATOR_
 class ZO_API GPressaoHidraulica : public Grandeza {
     ZO_GRANDEZA_(GPressaoHidraulica, TPressaoHidraulica)
 
-    /// Ends the process when no unit has that name, in the language in use.
+    /// Ends the process if no unit has that name, in the language in use.
     static TPressaoHidraulica UnidadePorNome(const ZoString& nome);
 };
 
@@ -287,8 +287,8 @@ class ZO_API GRecalque : public Grandeza {
     ZO_GRANDEZA_(GRecalque, TRecalque)
 };
 
-/// Temperatures. Kept in degrees Celsius. A degree Celsius counts as 1.777777777777778 degrees Fahrenheit:
-/// applications expect it.
+/// Temperatures. Kept in degrees Celsius. A degree Celsius counts as 1.777777777777778 degrees Fahrenheit, as
+/// applications expect.
 enum class TTemperatura : int { ZO_UNITS_TTemperatura(ZO_ENUMERATOR_) };
 class ZO_API GTemperatura : public Grandeza {
     ZO_GRANDEZA_(GTemperatura, TTemperatura)
@@ -305,7 +305,7 @@ enum class TVazao : int { ZO_UNITS_TVazao(ZO_ENUMERATOR_) };
 class ZO_API GVazao : public Grandeza {
     ZO_GRANDEZA_(GVazao, TVazao)
 
-    /// Asserts that some unit has that name, in the language in use.
+    /// Asserts that a unit has that name, in the language in use.
     static TVazao UnidadePorNome(const ZoString& nome);
 };
 

@@ -14,8 +14,8 @@ class crossRef;
 /// Counted reference to an object of class `T`, which derives from `ZoObject`. The last one deletes the
 /// object.
 ///
-/// The count lives in the object, so a plain pointer can become a `pointer` again. An object that is not on
-/// the heap must never be handed to one. `T` must be complete where a `pointer<T>` is copied or destroyed.
+/// The count is in the object, so a plain pointer can become a `pointer` again. An object that is not on the
+/// heap must never be held by one. `T` must be complete where a `pointer<T>` is copied or destroyed.
 template <class T>
 class pointer {
 public:
@@ -79,8 +79,8 @@ private:
     T* object = nullptr;
 };
 
-/// Non-owning companion of `pointer`: it neither keeps its object alive nor learns of its end, so it must not
-/// outlive it. `T` may be incomplete. Using an empty one fails the assertion "object".
+/// Non-owning companion of `pointer`. It does not keep its object alive and is not told when it is deleted,
+/// so it must not outlive it. `T` may be incomplete. Dereferencing an empty one fails the assertion "object".
 template <class T>
 class crossRef {
 public:

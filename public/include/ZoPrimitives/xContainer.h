@@ -4,7 +4,7 @@
 
 namespace ZoPrimitives {
 
-// Structural failures: the class is the message.
+// Structural failures; the class itself is the message.
 
 #define ZO_EMPTY_EXCEPTION_ROOT(name)                                                                        \
     class ZO_API name {                                                                                      \

@@ -8,11 +8,11 @@
 
 namespace bench {
 
-/// What a save into memory leaves, and what keeps it.
+/// The bytes of a model saved to memory, with their owner.
 class Bytes {
 public:
     Bytes() = default;
-    /// A block of the C heap, which is taken over.
+    /// Takes over a block on the C heap.
     Bytes(unsigned char* block, std::size_t count);
     Bytes(const unsigned char* block, std::size_t count, std::shared_ptr<const void> owner)
         : block(block), count(count), owner(std::move(owner)) {}
@@ -28,8 +28,8 @@ private:
     std::shared_ptr<const void> owner;
 };
 
-/// Output for hand-written code and the peers: memory that grows by doubling or, with a file, blocks of 256
-/// KiB that go to it.
+/// Output of the hand-written code and the peers: memory that grows by doubling or, for a file, 256 KiB
+/// blocks written to it.
 class Sink {
 public:
     Sink();
@@ -38,7 +38,7 @@ public:
     Sink& operator=(const Sink&) = delete;
     ~Sink();
 
-    /// At least `count` free bytes, to be filled from the front and given with `Advance`.
+    /// At least `count` free bytes; fill them from the front, then call `Advance`.
     unsigned char* Room(std::size_t count) {
         if (count > static_cast<std::size_t>(end - next)) MakeRoom(count);
         return next;
@@ -50,9 +50,9 @@ public:
     std::size_t PendingSize() const { return static_cast<std::size_t>(next - begin); }
     bool IsDue() const { return IsFile() && PendingSize() >= BLOCK; }
     void Flush();
-    /// Ends a file.
+    /// Flushes and closes a file.
     void Close();
-    /// Ends memory.
+    /// Hands over the bytes in memory.
     Bytes Take();
 
     static constexpr std::size_t BLOCK = 256 * 1024;
@@ -66,7 +66,7 @@ private:
     int file = -1;
 };
 
-/// What a model holds, for comparing one model with another whatever library they belong to.
+/// A fingerprint of a model's content, comparable between libraries.
 struct Digest {
     std::uint64_t objects = 0;
     std::uint64_t values = 0;
@@ -99,18 +99,18 @@ std::unique_ptr<Contender> MakeFlatBuffers();
 std::unique_ptr<Contender> MakeProtobuf();
 std::unique_ptr<Contender> MakeQt();
 
-// For reading a part of a file: this library with a model of which every hundredth object is of one class,
-// and a reader of that class alone.
+// For reading a part of a file: this library with a model in which every hundredth object is of one class,
+// and a reader of only that class.
 std::unique_ptr<Contender> MakePinned();
 std::unique_ptr<Contender> MakeFiltered();
 
 /// Objects that hold values, in three ways, and texts; see shapes.cpp.
 void RunShapes(int runs);
 
-/// Sums and searches; see micro.cpp.
+/// CRC-32 and searches; see micro.cpp.
 void RunMicro(int runs);
 
-/// In nanoseconds, monotonic.
+/// Monotonic clock, in nanoseconds.
 double Now();
 double Median(std::vector<double> values);
 double Least(const std::vector<double>& values);

@@ -1,5 +1,5 @@
 // Boost.Serialization: binary archive, polymorphic classes, tracked plain pointers (its fastest), base parts
-// called directly (a base object is not tracked by itself), and no versions of classes.
+// serialized directly (base objects are not tracked by themselves), no class versions.
 
 #include "model.h"
 #include "streambufs.h"
@@ -146,7 +146,7 @@ struct Building : Entity {
 };
 
 struct Link : Entity {
-    Link* next = nullptr; // owned; whoever deletes a chain does it link by link
+    Link* next = nullptr; // owned; chains are deleted link by link
 
     template <class Archive>
     void serialize(Archive& archive, unsigned) {

@@ -1,4 +1,4 @@
-// cereal: binary archive, shared_ptr (its only tracked pointer), polymorphic classes.
+// cereal: binary archive, shared_ptr (the only pointer that it tracks), polymorphic classes.
 
 #include "model.h"
 #include "streambufs.h"

@@ -29,9 +29,9 @@ std::string Rectangle(double x, double y, double width, double height, const cha
 }
 
 std::string Text(double x, double y, const std::string& words, const char* kind) {
-    char place[96];
-    std::snprintf(place, sizeof place, "<text x='%.1f' y='%.1f' class='%s'>", x, y, kind);
-    return place + words + "</text>\n";
+    char element[96];
+    std::snprintf(element, sizeof element, "<text x='%.1f' y='%.1f' class='%s'>", x, y, kind);
+    return element + words + "</text>\n";
 }
 
 } // namespace

@@ -5,8 +5,8 @@
 
 namespace bench {
 
-/// A picture of the frame's times: four panels (save and open, memory and file), a bar for the warm time of
-/// each library and a thin one for the fresh time behind it.
+/// A chart of the frame's times: four panels (save and open, memory and file), and for each library a bar for
+/// the warm time in front of a thin one for the fresh time.
 class Chart {
 public:
     struct Times {

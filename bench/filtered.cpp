@@ -1,4 +1,4 @@
-// One class of a hundred objects: what opening everything costs, and what reading that class alone does.
+// One class of every hundredth object: the cost of opening everything, and of reading only that class.
 
 #include "zo_model.h"
 
@@ -13,9 +13,9 @@ namespace {
 
 using namespace ZoPrimitives;
 
-constexpr std::size_t EACH = 100; // every so many objects are a pin
+constexpr std::size_t EACH = 100; // every hundredth object is a pin
 
-/// The frame with pins among the nodes of its storeys.
+/// The frame, with pins among the nodes of its storeys.
 class PinnedContender : public ZoContender {
 public:
     void BuildFrame(std::size_t objects) override {

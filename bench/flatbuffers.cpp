@@ -1,4 +1,4 @@
-// FlatBuffers, with ids by hand: the frame becomes tables, and objects are made anew from the tables.
+// FlatBuffers, with ids by hand: the frame is converted to tables, and new objects are made from tables.
 
 #include "plain_ids.h"
 
@@ -79,9 +79,9 @@ public:
         Begin(*building, from);
         building->thumbnail.assign(from.thumbnail()->begin(), from.thumbnail()->end());
         building->materials.reserve(from.materials()->size());
-        for (const auto* material : *from.materials()) building->materials.emplace_back(Made(*material));
+        for (const auto* material : *from.materials()) building->materials.emplace_back(Create(*material));
         building->sections.reserve(from.sections()->size());
-        for (const auto* section : *from.sections()) building->sections.emplace_back(Made(*section));
+        for (const auto* section : *from.sections()) building->sections.emplace_back(Create(*section));
         building->storeys.reserve(from.storeys()->size());
         for (const auto* storey : *from.storeys()) {
             building->storeys.emplace_back(new Storey);
@@ -100,14 +100,14 @@ private:
     static void Numbers(std::vector<double>& list, const flatbuffers::Vector<double>& from) {
         list.assign(from.begin(), from.end());
     }
-    Material* Made(const fb::Material& from) {
+    Material* Create(const fb::Material& from) {
         auto* material = new Material;
         Begin(*material, from);
         material->elasticity = from.elasticity();
         material->density = from.density();
         return material;
     }
-    Section* Made(const fb::Section& from) {
+    Section* Create(const fb::Section& from) {
         auto* section = new Section;
         Begin(*section, from);
         section->depth = from.depth();
@@ -116,7 +116,7 @@ private:
         section->material = ids.Get<Material>(from.material());
         return section;
     }
-    Node* Made(const fb::Node& from) {
+    Node* Create(const fb::Node& from) {
         auto* node = new Node;
         Begin(*node, from);
         node->x = from.x();
@@ -126,7 +126,7 @@ private:
         node->supported = from.supported();
         return node;
     }
-    Member* Made(const fb::Member& from) {
+    Member* Create(const fb::Member& from) {
         Member* member = nullptr;
         if (from.girder()) {
             auto* girder = new Girder;
@@ -154,10 +154,10 @@ private:
         Numbers(storey.masses, *from.masses());
         storey.building = &building;
         storey.nodes.reserve(from.nodes()->size());
-        for (const auto* node : *from.nodes()) storey.nodes.emplace_back(Made(*node));
+        for (const auto* node : *from.nodes()) storey.nodes.emplace_back(Create(*node));
         storey.members.reserve(from.members()->size());
         for (const auto* member : *from.members()) {
-            storey.members.emplace_back(Made(*member));
+            storey.members.emplace_back(Create(*member));
             storey.members.back()->storey = &storey;
         }
     }

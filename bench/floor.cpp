@@ -9,7 +9,7 @@ namespace bench {
 
 namespace {
 
-/// The frame by hand. No chain: nothing about it could differ but the depth.
+/// The frame by hand. There is no chain: it would differ only in depth.
 template <class M, class Base>
 class FloorContender : public Base {
 public:
@@ -43,11 +43,11 @@ private:
         writer.Finish();
     }
 
-    /// The header and the schema's record are the library's own.
+    /// Takes the header and the schema record from the library.
     void MakePrefix(std::uint32_t records) {
         ZoPrimitives::TMemoryBinOutStream stream(zo::VERSION, zo::RELEASE);
         stream.Initialize();
-        const auto frame = FrameBuilder<zo::Classes>::Build(1000); // has all classes
+        const auto frame = FrameBuilder<zo::Classes>::Build(1000); // has objects of all classes
         ZoPrimitives::TBinOutStreamer(&stream, &zo::Schema()).WriteObjectMetaData(frame.get());
         unsigned long long size = 0;
         unsigned char* block = stream.Detach(size);

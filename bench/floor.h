@@ -1,9 +1,9 @@
 #pragma once
 
-// The floor: what the bytes and the objects cost by themselves. Hand-written for the frame's classes, it
-// writes the library's bytes and reads them into new objects, with the uid held in the object, members
-// accessed directly, and neither registry nor checks of what classes a file may hold. It serves the library's
-// own object classes and those of the standard library alike.
+// The floor: the cost of the bytes and the objects alone. This code, hand-written for the frame's classes,
+// writes the library's bytes and reads them into new objects. It keeps the uid in the object, accesses
+// members directly, and has no registry and no checks of a file's classes. It works on the library's own
+// object classes and on those of the standard library.
 
 #include "bench.h"
 
@@ -50,7 +50,7 @@ public:
         sink.Advance(bytes.size());
         summed = sink.PendingSize();
     }
-    /// `room`: at least the payload's size.
+    /// `room` must be at least the payload's size.
     void Begin(std::size_t room) {
         head = sink.Room(room + sizeof(Head));
         next = head + sizeof(Head);
@@ -86,7 +86,7 @@ public:
         const Head filled{MARKER, size, 0, classId, uid, 0};
         std::memcpy(head, &filled, sizeof filled);
         sink.Advance(size + sizeof(Head));
-        // Summed some records later: a sum that reads what was just stored in small pieces stalls.
+        // Summed some records later: summing data just stored in small pieces stalls.
         if (sink.PendingSize() - summed > LAG + BATCH) SumUpTo(sink.PendingSize() - LAG);
         if (sink.IsDue()) {
             SumUpTo(sink.PendingSize());
@@ -121,7 +121,7 @@ private:
 /// Writes the frame of a model `M` in the library's format.
 template <class M>
 struct FrameWriter {
-    /// Gives the uids, in the order of the records. Returns their number.
+    /// Gives uids in record order. Returns their number.
     static int Number(typename M::Building& building) {
         int uid = 0;
         building.uid = ++uid;
@@ -135,7 +135,7 @@ struct FrameWriter {
         return uid;
     }
 
-    /// Opens a record with what all classes have.
+    /// Opens a record with the fields that all classes have.
     static void Begin(Writer& out, const typename M::Entity& entity, std::size_t room) {
         const std::size_t length = entity.name.length();
         out.Begin(room + length + 8);
@@ -240,7 +240,7 @@ struct Cursor {
     }
 };
 
-/// Makes the frame of a model `M` from the library's format.
+/// Creates the frame of a model `M` from the library's format.
 template <class M>
 class FrameReader {
     using Entity = typename M::Entity;
@@ -258,7 +258,7 @@ public:
         const unsigned char* end = data + size;
         std::uint32_t records = 0;
         std::memcpy(&records, data + COUNT_OFFSET, sizeof records);
-        objects.resize(records); // the schema's record has no uid
+        objects.resize(records); // the schema record has no uid
         const unsigned char* first = data + HEADER_SIZE;
         first += sizeof(Head) + Checked(first, end).size;
         for (const unsigned char* at = first; at < end;) {

@@ -1,28 +1,26 @@
 // zo_bench: saves and opens a model with this library, by hand and with other libraries, each case in a
-// process of its own, and prints what it costs.
+// process of its own, and prints the costs.
 //
-//     zo_bench                   10,000, 100,000 and 1,000,000 objects, the chain, objects that hold values,
-//     reading
-//                                a part, sums and searches
-//     zo_bench --quick           10,000 and 100,000 objects, no chain and no part
-//     zo_bench --large           10,000,000 objects too
-//     zo_bench --micro           sums and searches only
-//     zo_bench --filtered        reading a part of a file only
-//     zo_bench --shapes          objects that hold values and texts only
-//     zo_bench --runs N          timed runs of each case (5; 3 from 1,000,000 on), after the first in its
-//     process zo_bench --svg FILE        draws the frame of 1,000,000 objects (or the largest measured) as
-//     bars zo_bench --cpu             count processor time, see below zo_bench --only NAME       one case in
-//     this process, for a profiler: zo-save-memory-1000000,
-//                                boost-open-file-10000, zo-open-memory-chain ...
+//     zo_bench              10,000, 100,000 and 1,000,000 objects, the chain, objects that hold values,
+//                           reading a part, CRC-32 and searches
+//     zo_bench --quick      10,000 and 100,000 objects, no chain and no part
+//     zo_bench --large      10,000,000 objects too
+//     zo_bench --micro      only CRC-32 and searches
+//     zo_bench --filtered   only reading a part of a file
+//     zo_bench --shapes     only objects that hold values and texts
+//     zo_bench --runs N     warm runs of each case (5; 3 from 1,000,000 objects on)
+//     zo_bench --svg FILE   draws the frame of 1,000,000 objects (or the largest measured) as a bar chart
+//     zo_bench --cpu        counts processor time, see below
+//     zo_bench --only NAME  one case in this process, for a profiler: zo-save-memory-1000000,
+//                           boost-open-file-10000, zo-open-memory-chain ...
 //
-// "save" is the whole saving: opening the sink, the walk that collects the schema, uids, records, and, to a
-// file, ending it (without backup and without asking the device). "open" begins with the bytes, or with the
-// name of the file, and ends with the whole model linked and the reader's tables freed. "drop" is the model's
-// destruction, for information. Building is never timed. "fresh" is the first run of a process, the median of
-// three processes; "warm" is the median of the runs that follow in one process. On a machine that does other
-// work too, --cpu counts the process's time on the processor instead of time on the clock (not for sums and
-// searches). "peak" is the most memory that the process ever had: the model, the bytes and what the library
-// needs beside them.
+// "save" includes opening the sink, collecting the schema, uids, records and, for a file, closing it (without
+// backup and without waiting for the device). "open" starts with the bytes, or the file's name, and ends when
+// the whole model is linked and the reader's tables are freed. "drop" is the model's destruction, for
+// information. Building is never timed. "fresh" is the first run of a process, the median of three processes;
+// "warm" is the median of the following runs in one process. On a busy machine --cpu counts the process's
+// processor time instead of wall-clock time (except for CRC-32 and searches). "peak" is the greatest memory
+// use of the process: the model, the bytes and what the library needs besides.
 
 #include "bench.h"
 #include "chart.h"
@@ -53,7 +51,7 @@ struct Entry {
     const char* title;
     std::unique_ptr<Contender> (*make)();
 };
-/// Ours, then what is written by hand, then the peers.
+/// Ours, then the hand-written code, then the peers.
 const Entry ENTRIES[] = {{"zo", "ours", MakeZo},
                          {"floor", "by hand, our objects", MakeFloor},
                          {"plain", "by hand, std objects", MakePlainFloor},
@@ -92,14 +90,14 @@ std::string Grouped(std::size_t value) {
 
 double Mebi(std::uint64_t bytes) { return static_cast<double>(bytes) / (1024.0 * 1024.0); }
 
-/// One half of a case: `times` are nanoseconds per object.
+/// One half (save or open) of a case; times are nanoseconds per object.
 struct Half {
     Result result; // of the process that also ran warm
     double fresh = 0;
     double warm = 0;
 };
 
-/// Runs one half in several processes: the first run of each, and in the first of them those that follow.
+/// Runs one half in several processes; only the first of them also does the warm runs.
 template <class Work>
 Half Measure(std::size_t objects, int runs, const Work& work) {
     Half half;
@@ -125,7 +123,7 @@ void PrintRow(const Entry& entry, std::size_t objects, const Half& save, const H
     std::fflush(stdout);
 }
 
-/// How ours stands beside the code by hand and beside the fastest peer.
+/// Compares ours with the hand-written code and with the fastest peer.
 void PrintRatios(const char* what, const std::vector<Half>& halves, double most) {
     std::printf("  %-4s", what);
     for (const auto& [name, time] : {std::pair("fresh", &Half::fresh), std::pair("warm", &Half::warm)}) {
@@ -175,14 +173,14 @@ void RunFrame(std::size_t objects, Target target, int runs, Chart& chart) {
     PrintRatios("open", opens, 1.15);
 }
 
-/// Each half on a stack of 8 MiB. The bytes that a recursive library opens are made on a vast one.
+/// Runs each half on a stack of 8 MiB. Recursive libraries save the bytes to be opened on a huge one.
 void RunChain(int runs) {
     std::printf("\nChain of %s objects, memory, on a stack of 8 MiB: ns per object\n",
                 Grouped(CHAIN).c_str());
     std::printf("  %-20s %16s   %16s\n", "", "save (least)", "open (least)");
     for (const Entry& entry : ENTRIES) {
         if (entry.make != MakeZo && entry.make != MakeCereal && entry.make != MakeBoost)
-            continue; // ids by hand
+            continue; // these have ids by hand, no chain
         const std::string path = Path(entry, "chain");
         const Result save = InChild([&](Result& result) {
             const auto contender = entry.make();
@@ -212,7 +210,7 @@ void RunChain(int runs) {
     }
 }
 
-/// Reading one class that is every hundredth object, beside opening everything.
+/// Reads one class of every hundredth object, and opens everything for comparison.
 void RunFiltered(int runs) {
     constexpr std::size_t OBJECTS = 1'000'000;
     constexpr double MOST = 0.1;
@@ -239,7 +237,7 @@ void RunFiltered(int runs) {
                 ratio <= MOST ? "met" : "MISSED", least, least <= MOST ? "met" : "MISSED");
 }
 
-/// NAME is library-save|open-memory|file-count|chain.
+/// `name`: library-save|open-memory|file-count|chain.
 int RunOnly(const std::string& name, int runs) {
     char library[16];
     char action[16];

@@ -38,7 +38,7 @@ std::uint64_t FileSize(const std::string& path) {
 
 bool countsProcessorTime = false;
 
-/// In nanoseconds.
+/// Nanoseconds.
 double Clock() {
     if (!countsProcessorTime) return Now();
     timespec time{};
@@ -67,7 +67,7 @@ Result InChild(const std::function<void(Result&)>& work) {
             std::fprintf(stderr, "zo_bench: %s\n", error.what());
         }
         const ssize_t written = write(ends[1], &result, sizeof result);
-        _exit(written == sizeof result ? 0 : 1); // the model goes with the process
+        _exit(written == sizeof result ? 0 : 1); // skip the model's destruction
     }
     close(ends[1]);
     Result result;
@@ -113,7 +113,7 @@ void TimeSaves(Contender& contender, Target target, const std::string& path, int
     Bytes bytes;
     for (int run = -1; run < runs; ++run) {
         bytes = Bytes();
-        // A new file each time: giving the old one's pages back is not part of saving.
+        // A new file each time: releasing the old one's pages is not part of saving.
         if (target == FILES) unlink(path.c_str());
         const double start = Clock();
         if (target == MEMORY) {

@@ -10,12 +10,12 @@ inline constexpr int MOST_RUNS = 100;
 
 enum Target { MEMORY, FILES };
 
-/// What a child reports, as it travels through the pipe.
+/// A child's report, sent through the pipe as raw bytes.
 struct Result {
     bool done = false;
-    bool overflowed = false; // known to the parent only
+    bool overflowed = false; // set by the parent only
     int runs = 0;
-    double fresh = 0; // the first run in its process
+    double fresh = 0; // the first run of the process
     double times[MOST_RUNS] = {};
     double drops[MOST_RUNS] = {};
     std::uint64_t bytes = 0;
@@ -27,15 +27,15 @@ struct Result {
     double Drop() const { return Median(std::vector<double>(drops, drops + runs)); }
 };
 
-/// Counts the process's time on the processor from here on, not time on the clock.
+/// From here on measures the process's processor time instead of wall-clock time.
 void CountProcessorTime();
 
-/// Runs `work` in a child. What it leaves in its result comes back; `done` is false when the child died.
+/// Runs `work` in a child process and returns the result that it fills; `done` is false if the child died.
 Result InChild(const std::function<void(Result&)>& work);
 /// Runs `work` on a thread with a stack of `size` bytes.
 void OnStack(std::size_t size, const std::function<void()>& work);
 
-/// The first run in the process, then `runs` more.
+/// One fresh run, then `runs` warm ones.
 void TimeSaves(Contender& contender, Target target, const std::string& path, int runs, Result& result);
 void TimeOpens(Contender& contender, Target target, const std::string& path, int runs, Result& result);
 

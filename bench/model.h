@@ -1,17 +1,17 @@
 #pragma once
 
-// A building frame, scaled to a given number of objects, with the same content for every library. `M` names a
-// library's classes (Building, Storey, Node, Section, Material, Member, Column, Girder, Link) and says how
-// they are made and linked:
+// A building frame of a given number of objects, with the same content for every library. `M` provides a
+// library's classes (Building, Storey, Node, Section, Material, Member, Column, Girder, Link) and the
+// operations to make and link them:
 //
-//     Holder<T>         what owns an object while the model is built
-//     Make<T>()         a new one
+//     Holder<T>         owns an object while the model is built
+//     Make<T>()         makes an object
 //     Add(list, item)   appends to a list of objects or of numbers
-//     Target(link)      the object behind a list's item or a reference
+//     Target(link)      returns the object behind a list's item or a reference
 //     SetBlob / BlobSize
 //
-// On average an object has some 60 bytes of fields: strings, numbers, lists of numbers, references within the
-// storey and to the one below, and references back to the storey and the building.
+// An object has about 60 bytes of fields on average: strings, numbers, lists of numbers, references within
+// the storey and to the one below, and back to the storey and the building.
 
 #include "bench.h"
 
@@ -23,7 +23,7 @@
 
 namespace bench {
 
-inline constexpr int GRID_LINES = 10; // columns stand where 10 by 10 lines cross
+inline constexpr int GRID_LINES = 10; // columns stand at the crossings of 10 by 10 lines
 inline constexpr double BAY = 9.144;  // m
 inline constexpr double STOREY_HEIGHT = 3.9624;
 inline constexpr unsigned THUMBNAIL_SIZE = 4096;
@@ -38,14 +38,14 @@ inline constexpr SectionRow SECTIONS[] = {
     {"W24x68", 23.7, 20.1, 1830},  {"W27x84", 26.7, 24.7, 2850},  {"W30x99", 29.7, 29.0, 3990},
     {"W36x135", 35.6, 39.9, 7800}, {"W36x160", 36.0, 47.0, 9760},
 };
-inline constexpr std::size_t COLUMN_SECTIONS = 6; // the girders' follow
+inline constexpr std::size_t COLUMN_SECTIONS = 6; // the rest are for girders
 
 template <class M>
 class FrameBuilder {
 public:
     using Building = typename M::Building;
 
-    /// Exactly `objects` objects, at least 16.
+    /// Exactly `objects` objects; at least 16.
     static typename M::template Holder<Building> Build(std::size_t objects) {
         FrameBuilder builder(objects);
         builder.Run();
@@ -162,7 +162,7 @@ private:
     std::vector<Holder<Node>> below;
 };
 
-/// Mixes every value and the identity of every reference's target into one number.
+/// Mixes every value, and which object each reference points to, into one number.
 template <class M>
 class Digester {
 public:
@@ -279,7 +279,7 @@ protected:
         return frame != nullptr ? Digester<M>::OfFrame(*frame) : Digester<M>::OfChain(M::Target(chain));
     }
 
-    // Either a frame or a chain is there.
+    // Either the frame or the chain is set.
     Frame frame{};
     Chain chain{};
     Frame openedFrame{};

@@ -5,7 +5,7 @@
 
 namespace bench::plain {
 
-/// Objects by id while a frame is opened, for formats that leave ids to their users.
+/// Maps ids to objects while a frame is opened, for formats that leave ids to their users.
 class Ids {
 public:
     template <class T>

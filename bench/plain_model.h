@@ -1,7 +1,7 @@
 #pragma once
 
-// The frame in classes of the standard library alone, as the peers' users would write them: owners hold
-// unique_ptrs, references are plain pointers, and each object keeps the id that hand-written code gives it.
+// The frame in classes of the standard library alone, as users of the peers would write them: owners hold
+// unique_ptrs, references are plain pointers, and each object stores the id that hand-written code gives it.
 
 #include "model.h"
 
@@ -83,7 +83,7 @@ struct Building : Entity {
 };
 
 struct Link : Entity {
-    Link* next = nullptr; // no chain is built of these
+    Link* next = nullptr; // unused: no chain is built
 };
 
 struct Classes {
@@ -99,7 +99,7 @@ struct Classes {
     using Link = plain::Link;
 
     template <class T>
-    using Holder = T*; // the frame's builder hands each object to its owner at once
+    using Holder = T*; // the frame's builder gives each object to its owner at once
     template <class T>
     static T* Make() {
         return new T;
@@ -137,8 +137,7 @@ struct Classes {
     }
 };
 
-/// Owns the models, and saves and opens the frame only: the chain is about depth, which hand-written ids do
-/// not know.
+/// Owns the models, and saves and opens only the frame: ids by hand make the chain's depth irrelevant.
 class PlainContender : public ModelContender<Classes> {
 public:
     PlainContender() = default;

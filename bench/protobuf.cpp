@@ -1,4 +1,4 @@
-// protobuf, with ids by hand: the frame becomes messages on an arena, and objects are made anew from
+// protobuf, with ids by hand: the frame is converted to messages on an arena, and new objects are made from
 // messages.
 
 #include "plain_ids.h"
@@ -133,11 +133,11 @@ private:
         }
         storey.members.reserve(static_cast<std::size_t>(from.members_size()));
         for (const auto& one : from.members()) {
-            storey.members.emplace_back(Made(one));
+            storey.members.emplace_back(Create(one));
             storey.members.back()->storey = &storey;
         }
     }
-    Member* Made(const pb::Member& from) {
+    Member* Create(const pb::Member& from) {
         Member* member = nullptr;
         if (from.girder()) {
             auto* girder = new Girder;

@@ -1,4 +1,4 @@
-// Qt's QDataStream, with ids by hand: owners write what they own, references are ids.
+// Qt's QDataStream, with ids by hand: owners write the objects they own, references are ids.
 
 #include "plain_ids.h"
 
@@ -143,11 +143,11 @@ private:
         const auto count = Take<quint32>();
         storey.members.reserve(count);
         for (quint32 i = 0; i < count; ++i) {
-            storey.members.emplace_back(Made());
+            storey.members.emplace_back(Create());
             storey.members.back()->storey = &storey;
         }
     }
-    Member* Made() {
+    Member* Create() {
         auto* column = Take<bool>() ? new Column : nullptr;
         auto* girder = column == nullptr ? new Girder : nullptr;
         Member* member = column != nullptr ? static_cast<Member*>(column) : girder;

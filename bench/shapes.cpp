@@ -1,5 +1,5 @@
-// What members cost that are objects themselves: the same two numbers of each of 100,000 objects as
-// quantities held by value, as quantities that are owned, and as plain numbers; and what texts cost.
+// The cost of members that are objects: 100,000 objects hold the same two numbers as quantities by value, as
+// owned quantities and as plain numbers; also the cost of texts.
 
 #include "measure.h"
 #include "zo_model.h"
@@ -75,7 +75,7 @@ namespace {
 
 constexpr int OBJECTS = 100'000;
 
-/// 100,000 objects of one class, each a root of its own.
+/// 100,000 objects of one class, each a root.
 template <class T>
 class ShapeContender : public Contender {
 public:
@@ -119,10 +119,10 @@ private:
     static Digest Of(const List& list) {
         Digest digest;
         for (const auto& object : list) {
-            const auto* exact = dynamic_cast<const T*>(object.get());
-            if (exact == nullptr) continue;
+            const auto* typed = dynamic_cast<const T*>(object.get());
+            if (typed == nullptr) continue;
             ++digest.objects;
-            digest.values += static_cast<std::uint64_t>(exact->Sum());
+            digest.values += static_cast<std::uint64_t>(typed->Sum());
         }
         return digest;
     }

@@ -7,8 +7,8 @@
 
 namespace bench {
 
-// The peers take stream buffers. These copy straight between the archive and a block, so that the streams of
-// the standard library cost the peers as little as can be.
+// The peers need stream buffers. These copy directly between the archive and a block, so that the peers pay
+// as little as possible for standard streams.
 
 class OutBuf : public std::streambuf {
 public:

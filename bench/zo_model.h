@@ -1,6 +1,6 @@
 #pragma once
 
-// The frame in classes of this library, as an application declares them.
+// The frame in this library's classes, declared as an application would.
 
 #include "model.h"
 
@@ -24,7 +24,7 @@ class Entity : public ZoPrimitives::ZoStreamableBase {
     DECLARE_ZO_FIELD(int, number)
     REGISTER_ZO_END
 
-    int uid = 0; // of hand-written code; no field
+    int uid = 0; // for hand-written code; not a field
 };
 
 class Material : public Entity {
@@ -110,7 +110,7 @@ class Link : public Entity {
     REGISTER_ZO_END
 };
 
-/// One of a few among many; in no model that is compared with others.
+/// A rare object among many; only in the model for reading a part.
 class Pin : public Node {
     REGISTER_ZO_BEGIN(Pin, Node)
     DECLARE_ZO_FIELD(double, stiffness)
@@ -171,7 +171,7 @@ struct Classes {
     }
 };
 
-/// The application's schema, with the classes in the order in which they stand above.
+/// The application's schema, with the classes in the order above.
 ZoPrimitives::TZoMetaData& Schema();
 
 inline constexpr unsigned VERSION = 3;

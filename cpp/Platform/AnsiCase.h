@@ -5,8 +5,8 @@
 
 namespace ZoPrimitives::Platform {
 
-/// Capitals and small letters of Windows-1252. Letters whose other case the code page lacks (the micro sign,
-/// sharp s, the florin) stay.
+/// Upper and lower case of Windows-1252. Letters whose other case the code page lacks (the micro sign, sharp
+/// s, the florin) are unchanged.
 using CaseTable = std::array<unsigned char, 256>;
 
 constexpr CaseTable MakeCaseTable(bool upper) {
@@ -17,7 +17,7 @@ constexpr CaseTable MakeCaseTable(bool upper) {
     };
     for (unsigned c = 'A'; c <= 'Z'; ++c) pair(c, c + 0x20);
     for (unsigned c = 0xC0; c <= 0xDE; ++c) {
-        if (c != 0xD7) pair(c, c + 0x20); // the multiplication and division signs are no letters
+        if (c != 0xD7) pair(c, c + 0x20); // the multiplication and division signs are not letters
     }
     pair(0x8A, 0x9A);
     pair(0x8C, 0x9C);

@@ -4,8 +4,8 @@
 
 namespace ZoPrimitives::Platform {
 
-/// Tries until `attempt` no longer answers that another has the clipboard, for a second; then false, a
-/// sharing violation.
+/// Repeats `attempt` for up to a second while it fails with a sharing violation; returns whether it
+/// succeeded.
 template <class Attempt>
 bool AwaitClipboard(Services& services, Attempt attempt) {
     constexpr unsigned Pause = 10;

@@ -1,9 +1,9 @@
 #pragma once
 
-// What compilers spell differently, each in one portable form.
+// Compiler-specific features behind one portable form each.
 
 #if defined(__x86_64__) || defined(_M_X64)
-#define ZO_X86_64 // which has SSE2
+#define ZO_X86_64 // implies SSE2
 #include <emmintrin.h>
 #endif
 
@@ -17,8 +17,8 @@
 #define ZO_GNU_ASSEMBLY
 #endif
 
-/// Marks a function that uses instructions which not every processor has, such as "pclmul,sse4.1"; whoever
-/// calls it has asked for them. Some compilers want no such mark.
+/// Marks a function that uses instructions which not every processor has, such as "pclmul,sse4.1"; its caller
+/// must have checked for them. Some compilers need no mark.
 #if defined(__GNUC__) || defined(__clang__)
 #define ZO_USES_PROCESSOR(instructions) __attribute__((target(instructions)))
 #else
@@ -27,7 +27,7 @@
 
 namespace ZoPrimitives {
 
-/// Tells the processor that what stands there is needed soon. Any address will do, null included.
+/// Asks the processor to load the memory at `address` into its cache. Any address is allowed, null included.
 inline void Prefetch([[maybe_unused]] const void* address) noexcept {
 #ifdef ZO_X86_64
     _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
@@ -36,7 +36,7 @@ inline void Prefetch([[maybe_unused]] const void* address) noexcept {
 #endif
 }
 
-/// Of the caller's frame. The address of a variable will not do: sanitizers keep these elsewhere.
+/// An address in the caller's frame. A variable's address will not do: sanitizers move variables elsewhere.
 inline std::uintptr_t StackAddress() noexcept {
 #ifdef __GNUC__
     return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
@@ -45,7 +45,7 @@ inline std::uintptr_t StackAddress() noexcept {
 #endif
 }
 
-/// Whether the processor multiplies without carries, and has SSE 4.1.
+/// Whether the processor has carry-less multiplication and SSE 4.1.
 inline bool HasCarrylessMultiplication() noexcept {
 #if !defined(ZO_X86_64)
     return false;
@@ -61,7 +61,7 @@ inline bool HasCarrylessMultiplication() noexcept {
 }
 
 #ifdef ZO_GNU_ASSEMBLY
-/// Whether it does so for four pairs at once, in registers of 512 bits.
+/// Whether the processor also multiplies four pairs at once, in 512-bit registers.
 inline bool HasWideCarrylessMultiplication() noexcept {
     return HasCarrylessMultiplication() && __builtin_cpu_supports("avx512f") != 0 &&
            __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&

@@ -5,8 +5,8 @@
 
 namespace ZoPrimitives {
 
-/// The components of a vector; z is 0 in the plane. What is computed of them holds up to the ends of the
-/// doubles' range, where the squares of the components are far beyond it.
+/// The components of a vector; z is 0 in the plane. Lengths, directions and angles are right for all finite
+/// doubles, even where squares of the components overflow or underflow.
 struct Components {
     double x;
     double y;
@@ -19,19 +19,19 @@ inline Components Cross(const Components& a, const Components& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-/// The power of two that brings the largest component to 1 or a little more; 0 where there is none, or an
-/// infinity.
+/// The exponent of the power of two that scales the largest component to 1 or a little more; 0 if all are 0
+/// or one is infinite.
 inline int ScaleOf(const Components& v) {
     const double largest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
     return largest > 0 && std::isfinite(largest) ? -std::ilogb(largest) : 0;
 }
 
-/// Times a power of two, which is exact.
+/// Multiplies by a power of two, which is exact.
 inline Components Scaled(const Components& v, int scale) {
     return {std::scalbn(v.x, scale), std::scalbn(v.y, scale), std::scalbn(v.z, scale)};
 }
 
-/// With products of its components in range.
+/// Scaled so that products of components are in range.
 inline Components Scaled(const Components& v) { return Scaled(v, ScaleOf(v)); }
 
 inline double Length(const Components& v) {
@@ -42,7 +42,7 @@ inline double Length(const Components& v) {
     return std::scalbn(std::sqrt(Dot(scaled, scaled)), -scale);
 }
 
-/// Of length 1; a vector of length 0 or NaN stays.
+/// Scaled to length 1; a vector of length 0 or NaN is unchanged.
 inline Components Unit(const Components& v) {
     const Components scaled = Scaled(v);
     const double length = Length(scaled);
@@ -50,7 +50,7 @@ inline Components Unit(const Components& v) {
     return {scaled.x / length, scaled.y / length, scaled.z / length};
 }
 
-/// Of the angle between the two, within [-1, 1] in spite of rounding; 1 beside a vector of length 0.
+/// The cosine of the angle between the two, within [-1, 1] despite rounding; 1 if either length is 0.
 inline double Cosine(const Components& v, const Components& w) {
     const Components a = Scaled(v);
     const Components b = Scaled(w);
@@ -58,7 +58,8 @@ inline double Cosine(const Components& v, const Components& w) {
     return lengths == 0 ? 1 : std::clamp(Dot(a, b) / lengths, -1.0, 1.0);
 }
 
-/// Between the two, negative where the turn from `a` to `b` is clockwise for whom the normal points at.
+/// The angle between the two, negated if the turn from `a` to `b` is clockwise as seen by an observer at whom
+/// `normal` points.
 inline double SignedAngle(const Components& a, const Components& b, const Components& normal) {
     const double angle = std::acos(Cosine(a, b));
     return Dot(Cross(Scaled(a), Scaled(b)), Scaled(normal)) < 0 ? -angle : angle;

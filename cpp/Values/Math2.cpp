@@ -26,14 +26,15 @@ constexpr double TOLERANCES[] = {1e0,   1e-1,  1e-2,  1e-3,  1e-4,  1e-5,  1e-6,
 constexpr double EXACT_POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
-constexpr unsigned MAX_DECIMALS = std::numeric_limits<double>::max_exponent10; // of a finite power of ten
+constexpr unsigned MAX_DECIMALS =
+    std::numeric_limits<double>::max_exponent10; // a greater power of ten is infinite
 
 double Tolerance(unsigned precision) {
     ZO_ASSERT(precision <= 22, "precision <= 22", ZoSources::MATH2);
     return TOLERANCES[precision];
 }
 
-/// The power that `start`, "1e" or "1e-", leads; infinite or 0 when out of range.
+/// The number `start` ("1e" or "1e-") with this exponent; infinite or 0 when out of range.
 double Power(const char* start, unsigned exponent) { return RealOf(start + std::to_string(exponent)); }
 
 double PowerOfTen(unsigned exponent) {
@@ -45,7 +46,7 @@ double InversePowerOfTen(unsigned exponent) {
     return exponent <= 20 ? TOLERANCES[exponent] : Power("1e-", exponent);
 }
 
-/// The power of ten of the first digit; of a number that is finite.
+/// The decimal exponent of the first digit of a finite number.
 int DecimalExponent(double value) {
     char text[32];
     const char* end = std::to_chars(text, text + sizeof(text), value, std::chars_format::scientific).ptr;
@@ -53,29 +54,29 @@ int DecimalExponent(double value) {
     return IntOf(all.substr(all.find('e') + 1));
 }
 
-/// Multiplies by 10 until the magnitude, not 0, reaches `low`; returns the number of steps.
+/// Multiplies by 10 until the magnitude, which must not be 0, reaches `low`; returns the number of steps.
 int ScaleUp(double& value, double low) {
     int steps = 0;
     for (; !GreaterEqual(std::abs(value), low, 20); ++steps) value *= 10;
     return steps;
 }
 
-/// Multiplies by 0.1 until the magnitude, which is finite, falls below `high`; returns the number of steps.
+/// Multiplies by 0.1 until the magnitude, which must be finite, is below `high`; returns the number of steps.
 int ScaleDown(double& value, double high) {
     int steps = 0;
     for (; !Less(std::abs(value), high, 20); ++steps) value *= 0.1;
     return steps;
 }
 
-/// The exponent with which the magnitude gets `intDigits` digits before the point, to which `value` is
-/// scaled.
+/// Scales `value` to `intDigits` digits before the point and returns its exponent.
 int Normalise(double& value, unsigned intDigits) {
     const double limit = PowerOfTen(intDigits);
     if (!std::isfinite(value) || !std::isfinite(limit) || Equal(value, 0, 20)) return 0;
     return Greater(std::abs(value), limit, 20) ? ScaleDown(value, limit) : -ScaleUp(value, limit / 10);
 }
 
-/// So many that `value`, divided by 10^exponent, shows as many digits as with one before the point.
+/// The number of decimals with which `value`, divided by 10^exponent, shows as many digits as a number with
+/// one digit before the point.
 unsigned WidenedDecimals(double value, int exponent, unsigned decimals) {
     if (value == 0) return decimals;
     const long long zeros = static_cast<long long>(exponent) - DecimalExponent(value);
@@ -133,7 +134,7 @@ double ExRound(double x, unsigned decimals) {
     const double sign = x < 0 ? -1 : 1;
     const double whole = IntPart(x);
     const double fraction = std::abs(x - whole);
-    const double power = PowerOfTen(decimals); // infinite above 308 decimals: NaN
+    const double power = PowerOfTen(decimals); // infinite above 308 decimals, which gives NaN
     const double scaled = (fraction + 5 * InversePowerOfTen(decimals + 1)) * power;
     return whole + sign * IntPart(scaled) / power;
 }

@@ -121,7 +121,7 @@ TQuadrant Point2D::Quadrant(unsigned precision) const {
 
 bool Point2D::IsInSegment(const Point2D& a, const Point2D& b, unsigned precision) const {
     if (Equal(a, precision) || Equal(b, precision)) return true;
-    const Point2D start = a / 2; // halves, whose differences do not overflow
+    const Point2D start = a / 2; // halved, so that differences do not overflow
     const TVector2D whole(start, b / 2), part(start, *this / 2);
     const Components axis{whole.X(), whole.Y()};
     const int scale = ScaleOf(axis);

@@ -8,7 +8,7 @@
 
 namespace ZoPrimitives {
 
-/// The number of a class in the process; 0 before this module is initialised.
+/// The number of a C++ class in the process; 0 before this module is initialised.
 template <class Class>
 const unsigned POINT_SLOT = ZoNewClassSlot();
 
@@ -26,7 +26,7 @@ TZoClass* RegisterPoint(TZoMetaData* schema, const char* name, const char* paren
 
 } // namespace ZoPrimitives
 
-// The bodies of what is the same for all of them but `Register`.
+// The function bodies that all point and vector classes share.
 #define ZO_POINT_BODY(Class)                                                                                 \
     Class::~Class() = default;                                                                               \
     void Class::Unregister(TZoMetaData* schema) { schema->ExcludeClass(#Class); }                            \

@@ -24,36 +24,36 @@ TTransformation::TTransformation(const TTransformation&) = default;
 TTransformation& TTransformation::operator=(const TTransformation&) = default;
 
 TTransformation TTransformation::Translation(double x, double y, double z) {
-    TTransformation made;
-    made.matrix[0][3] = x;
-    made.matrix[1][3] = y;
-    made.matrix[2][3] = z;
-    return made;
+    TTransformation result;
+    result.matrix[0][3] = x;
+    result.matrix[1][3] = y;
+    result.matrix[2][3] = z;
+    return result;
 }
 
 TTransformation TTransformation::Scaling(double x, double y, double z) {
-    TTransformation made;
-    made.matrix[0][0] = x;
-    made.matrix[1][1] = y;
-    made.matrix[2][2] = z;
-    return made;
+    TTransformation result;
+    result.matrix[0][0] = x;
+    result.matrix[1][1] = y;
+    result.matrix[2][2] = z;
+    return result;
 }
 
 TTransformation TTransformation::Rotation(double angle, double x, double y, double z) {
-    TTransformation made;
+    TTransformation result;
     const TVector3D direction = TVector3D(x, y, z).Normalized();
-    if (direction.Magnitude() == 0) return made;
+    if (direction.Magnitude() == 0) return result;
     const double axis[3] = {direction.X(), direction.Y(), direction.Z()};
     const double cosine = std::cos(angle);
     const double sine = std::sin(angle);
     for (int i = 0; i < 3; ++i) {
         const int next = (i + 1) % 3;
         const int last = (i + 2) % 3;
-        made.matrix[i][i] = cosine + axis[i] * axis[i] * (1 - cosine);
-        made.matrix[i][next] = axis[i] * axis[next] * (1 - cosine) - axis[last] * sine;
-        made.matrix[i][last] = axis[i] * axis[last] * (1 - cosine) + axis[next] * sine;
+        result.matrix[i][i] = cosine + axis[i] * axis[i] * (1 - cosine);
+        result.matrix[i][next] = axis[i] * axis[next] * (1 - cosine) - axis[last] * sine;
+        result.matrix[i][last] = axis[i] * axis[last] * (1 - cosine) + axis[next] * sine;
     }
-    return made;
+    return result;
 }
 
 double TTransformation::Element(unsigned row, unsigned column) const {

@@ -7,18 +7,18 @@
 
 namespace ZoPrimitives {
 
-/// Mega is not milli, nor metre: only a name all in capitals may mean either.
+/// A capital M is mega, never milli or metre, unless the whole name is in capitals.
 enum class UnitLetters { AsTheyAre, AnyCaseButM, AnyCase };
 
 constexpr bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\xA0'; }
 
-/// The characters of a unit's name as they count when units are read: exponents as plain digits with or
-/// without a circumflex, the degree sign as the ordinal º, the underscore of accessors as a slash.
+/// Reads a unit's name in its normal form: exponents as plain digits, with or without a circumflex, the
+/// degree sign as the ordinal º, the underscore of accessors as a slash.
 class UnitNameReader {
 public:
     struct Character {
         unsigned char code; // 0 at the end
-        bool joined;        // by a mark or blanks to the one before it
+        bool joined;        // a mark or blanks separate it from the previous one
     };
 
     constexpr UnitNameReader(std::string_view name, UnitLetters letters) : text(name), compared(letters) {}
@@ -43,7 +43,7 @@ private:
     constexpr void SkipBlanks() {
         while (at < text.size() && IsBlank(text[at])) ++at;
     }
-    /// Blanks, and a mark among them at most; returns the mark.
+    /// Skips blanks with at most one mark among them; returns the mark.
     constexpr char SkipJoint() {
         SkipBlanks();
         const char mark = at < text.size() ? text[at] : '\0';
@@ -75,8 +75,8 @@ private:
     UnitLetters compared;
 };
 
-/// Whether `text` is that unit's name. Where the parts of `name` are joined, those of `text` may be, or
-/// follow one another at once; with `anywhere` joints do not count at all.
+/// Whether `text` is the unit's name. Where the parts of `name` are joined, those of `text` may be joined or
+/// adjacent; with `anywhere`, joints are ignored.
 constexpr bool IsUnitName(std::string_view text, std::string_view name, UnitLetters letters,
                           bool anywhere = false) {
     UnitNameReader typed(text, letters);
@@ -89,21 +89,21 @@ constexpr bool IsUnitName(std::string_view text, std::string_view name, UnitLett
     }
 }
 
-/// Whether `is` holds for one of the unit's own names.
+/// Whether `is` returns true for one of the unit's own names.
 template <class Is>
 constexpr bool HasName(const UnitRow& row, Is is) {
     const std::string_view name(row.name);
     if (is(std::string_view(row.accessor)) || (!name.empty() && is(name))) return true;
     const std::string_view others(row.others);
     for (std::size_t begin = 0, end = 0; begin < others.size(); begin = end + 1) {
-        // Not `find`: under sanitizers it is no constant expression here.
+        // Not `find`, which sanitizers make unusable in constant expressions here.
         for (end = begin; end < others.size() && others[end] != '|';) ++end;
         if (is(others.substr(begin, end - begin))) return true;
     }
     return false;
 }
 
-/// No two units of a table read alike, in capitals either.
+/// Whether no two units of a table have names that read alike, even in capitals.
 constexpr bool UnitNamesReadApart(UnitTable table) {
     for (const UnitRow& one : table) {
         for (const UnitRow& other : table) {

@@ -50,9 +50,8 @@ constexpr UnitConversion Over(double k) { return {{UnitStep::Divide, k}, {}}; }
 constexpr UnitConversion Plus(double k) { return {{UnitStep::Add, k}, {}}; }
 constexpr UnitConversion Minus(double k) { return {{UnitStep::Subtract, k}, {}}; }
 
-/// A unit of a quantity: its number; its accessor's name; its name in Windows-1252 ("" for none); what turns
-/// a value of it into the storage unit, and the value in the storage unit into it; other ways to write it,
-/// "a|b".
+/// A unit of a quantity: its number, its accessor's name, its Windows-1252 name ("" for none), the
+/// conversions to and from the storage unit, and other spellings: "a|b".
 struct UnitRow {
     template <class Unit>
     constexpr UnitRow(Unit enumerator, const char* accessorName, const char* shownName, UnitConversion store,
@@ -68,7 +67,7 @@ struct UnitRow {
     UnitConversion reading;
 };
 
-/// The units of one class, by their numbers.
+/// The units of one class, indexed by their numbers.
 using UnitTable = std::span<const UnitRow>;
 
 inline const UnitRow* FindUnit(UnitTable table, int unit) {
@@ -76,7 +75,7 @@ inline const UnitRow* FindUnit(UnitTable table, int unit) {
                                                                       : nullptr;
 }
 
-// What the tables are checked for when they are compiled.
+// Compile-time checks of the tables.
 
 constexpr bool UnitsAreInOrder(UnitTable table) {
     for (std::size_t i = 0; i < table.size(); ++i) {
@@ -85,7 +84,7 @@ constexpr bool UnitsAreInOrder(UnitTable table) {
     return true;
 }
 
-/// Some unit is the storage unit; what is stored as it is, is read as it is.
+/// Whether some unit is the storage unit; a unit that is stored unchanged must also be read unchanged.
 constexpr bool HasStorageUnit(UnitTable table) {
     bool found = false;
     for (const UnitRow& row : table) {
@@ -95,7 +94,7 @@ constexpr bool HasStorageUnit(UnitTable table) {
     return found;
 }
 
-/// Reading undoes storing, to the sixth digit; `loose` may be off in the fourth (-1 for none).
+/// Whether reading inverts storing to six digits; the unit `loose` (-1 for none) only to four.
 constexpr bool UnitsConvertBack(UnitTable table, int loose = -1) {
     for (const UnitRow& row : table) {
         for (const UnitStep& step :

@@ -15,7 +15,7 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr int MOST_WORDS = 6; // of a unit's name: "lb / cu . ft"
+constexpr int MOST_WORDS = 6; // in a unit's name: "lb / cu . ft"
 
 using Expected = TLeituraDeGrandeza::TEsperado;
 
@@ -28,7 +28,8 @@ bool IsSeparator(char c) {
     return std::string_view("!\"#$%&'()*,./:;<=>?@[\\]^_`{|}~").find(c) != std::string_view::npos;
 }
 
-/// Reads a number and a unit from the left; where something is missing, keeps the place and what it is.
+/// Parses a number and a unit from left to right; on an error remembers the position and what was expected
+/// there.
 class QuantityParser {
 public:
     QuantityParser(const ZoString& source, char decimalSeparator, UnitTable units, ShownName shown)
@@ -41,7 +42,7 @@ public:
     bool Number(double& value) {
         SkipBlanks();
         start = at;
-        std::string digits; // with a point, as from_chars reads them
+        std::string digits; // with a point, as from_chars expects
         if (At(IsSign)) {
             if (text[at] == '-') digits += '-';
             ++at;
@@ -74,14 +75,14 @@ public:
         return read.ec == std::errc() || OutOfRange();
     }
 
-    /// To the end of the text. Without a unit, `unitWhenNone` counts if there is such a unit.
+    /// Parses the unit, to the end of the text. If none is written, assumes `unitWhenNone` if that is a unit.
     const UnitRow* Unit(int unitWhenNone) {
         SkipBlanks();
         std::size_t end = text.size();
         while (end > at && IsBlank(text[end - 1])) --end;
         const UnitRow* row = at == end ? FindUnit(table, unitWhenNone) : FindNamed(text.substr(at, end - at));
         if (row != nullptr) return row;
-        // A name and then something else: that is what is too much.
+        // If a unit is followed by something else, report what follows.
         std::size_t named = at;
         std::size_t word = at;
         for (int words = 0; words < MOST_WORDS && word < end; ++words) {
@@ -127,8 +128,8 @@ private:
         return false;
     }
 
-    /// Whether thousands are grouped here. A mark and three digits alone may be decimals behind the wrong
-    /// mark.
+    /// Whether thousands are grouped here. A single mark with three digits may also be decimals after the
+    /// wrong mark.
     bool GroupFollows(bool pointed) const {
         std::size_t digits = 0;
         while (digits < 4 && IsDigit(Here(1 + digits))) ++digits;
@@ -138,7 +139,7 @@ private:
         return pointed ? digits > 0 : digits == 3 && (next == '.' || next == ',' || next == separator);
     }
 
-    /// Null when no unit has the name, or several do.
+    /// Null if no unit, or more than one, has the name.
     const UnitRow* FindNamed(std::string_view name) const {
         const bool capitals = std::none_of(name.begin(), name.end(), IsSmall);
         for (const Likeness likeness : {Shown, Own, AnyCase, Capitals}) {
@@ -153,7 +154,7 @@ private:
         }
         return nullptr;
     }
-    /// The language in use comes before the library's own names, and those before either in another case.
+    /// The displayed names come first, then the library's own, then either in another case.
     enum Likeness { Shown, Own, AnyCase, Capitals };
     bool IsNamed(std::size_t i, std::string_view typed, Likeness likeness) const {
         const UnitLetters letters = likeness == Capitals  ? UnitLetters::AnyCase
@@ -200,7 +201,7 @@ private:
     UnitTable table;
     std::vector<ZoString> shownNames;
     std::size_t at = 0;
-    std::size_t start = 0; // of the number
+    std::size_t start = 0; // where the number starts
     Expected missing = Expected::Nada;
 };
 
@@ -227,7 +228,7 @@ TLeituraDeGrandeza ReadQuantity(UnitTable table, const ZoString& text, char sepa
     const UnitRow* row = parser.Unit(unitWhenNone);
     if (row == nullptr) return parser.Refused();
     const double stored = row->stored(value);
-    const bool vanished = stored == 0 && value != 0 && row->stored(0) == 0; // 32 ºF are 0 ºC
+    const bool vanished = stored == 0 && value != 0 && row->stored(0) == 0; // 32 ºF is 0 ºC
     if (!std::isfinite(stored) || vanished) {
         parser.OutOfRange();
         return parser.Refused();

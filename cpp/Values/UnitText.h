@@ -5,14 +5,14 @@
 
 namespace ZoPrimitives {
 
-/// A unit's name, from the table, in the language in use.
+/// A unit's name from the table, translated into the language in use.
 using ShownName = ZoString (*)(const char* name);
 ZoString TranslatedName(const char* name);
 
 /// "" for a unit that is not in the table.
 ZoString WriteQuantity(UnitTable table, int unit, double valor, unsigned decimals, bool keepZeros,
                        char separator);
-/// `valor` gets the value in the storage unit; it is left as it is when the text is refused.
+/// Sets `valor` in the storage unit; leaves it unchanged when the text is refused.
 TLeituraDeGrandeza ReadQuantity(UnitTable table, const ZoString& text, char separator, int unitWhenNone,
                                 double& valor, ShownName shown = TranslatedName);
 

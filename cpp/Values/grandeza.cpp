@@ -15,15 +15,15 @@ namespace ZoPrimitives {
 
 namespace {
 
-/// What division by zero gives: finite, a little below the largest double.
+/// The result of a division by zero: finite, slightly below the largest double.
 constexpr double DIVIDED_BY_ZERO = 1.797693e+308;
-/// Up to here a positive number counts as a negative one in `Int`.
+/// Positive numbers up to this are rounded like negative ones in `Int`.
 constexpr double INT_ZERO = 1e-21;
 
 /// The group code of the stored number in a text.
 constexpr int VALOR_CODE = 40;
 
-/// The number of a quantity's class in the process; 0 before this module is initialised.
+/// The number of a quantity's C++ class in the process; 0 before this module is initialised.
 template <class Quantity>
 const unsigned SLOT = ZoNewClassSlot();
 
@@ -33,7 +33,7 @@ ZoRegistration Registration(TZoMetaData* schema, const char* name, const char* p
     return {schema, name, {parent, "NULL", "NULL"}, create, false, typeid(Quantity), SLOT<Quantity>};
 }
 
-// The engine of all quantities.
+// The common implementation of all quantities.
 
 void Store(UnitTable table, double v, int unit, double& valor) {
     if (const UnitRow* row = FindUnit(table, unit)) valor = row->stored(v);
@@ -50,7 +50,7 @@ ZoString UnitName(UnitTable table, int unit) {
     return TranslatedName(row->name);
 }
 
-/// The first unit, in the order of the class's tries, that has the name; null for none.
+/// The first unit with this name, trying `TRIED_FIRST` before table order; null if there is none.
 template <class Unit>
 const UnitRow* FindUnitByName(const ZoString& name) {
     const UnitTable table = Units<Unit>::rows;
@@ -70,7 +70,7 @@ Unit UnitByName(const ZoString& name) {
     return static_cast<Unit>(row->unit);
 }
 
-/// The conversion of a named accessor, known when it is compiled.
+/// An accessor's conversion, known at compile time.
 template <auto UNIT>
 double In(double valor) {
     constexpr UnitConversion reading = Units<decltype(UNIT)>::rows[static_cast<int>(UNIT)].reading;

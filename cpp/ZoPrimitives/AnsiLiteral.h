@@ -15,7 +15,7 @@ struct Literal {
     consteval Literal(const char (&source)[N]) { std::copy(source, source + N, bytes); }
 };
 
-/// The UTF-8 `source` in Windows-1252, filled up with zeros.
+/// The UTF-8 `source` in Windows-1252, padded with zeros.
 template <std::size_t N>
 struct Text {
     char bytes[N] = {};
@@ -34,7 +34,7 @@ inline constexpr Text<sizeof SOURCE.bytes> TEXT{SOURCE};
 
 } // namespace Ansi
 
-/// "Espaço"_ansi: the literal, written in UTF-8, as NUL-terminated Windows-1252 of static storage.
+/// "Espaço"_ansi: the UTF-8 literal as a NUL-terminated Windows-1252 text with static storage.
 template <Ansi::Literal SOURCE>
 consteval const char* operator""_ansi() {
     return Ansi::TEXT<SOURCE>.bytes;

@@ -8,7 +8,7 @@ namespace {
 
 unsigned short Ticks() { return static_cast<unsigned short>(Platform::Current().Ticks()); }
 
-// Operands become int: the difference is brought back to 16 bits.
+// The operands are promoted to int; the cast reduces the difference to 16 bits.
 unsigned short Difference(unsigned short a, unsigned short b) { return static_cast<unsigned short>(a - b); }
 
 } // namespace

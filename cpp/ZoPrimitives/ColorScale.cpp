@@ -6,7 +6,7 @@ namespace ZoPrimitives {
 
 namespace {
 
-/// The low 8 bits of the whole part; 0 for what is no number.
+/// The low 8 bits of the integer part; 0 for NaN and infinities.
 unsigned char LowByte(double value) {
     if (!std::isfinite(value)) return 0;
     return static_cast<unsigned char>(static_cast<int>(std::fmod(value, 256)));
@@ -28,7 +28,7 @@ void TColorScale::SetScaleLimits(double min, double max) {
 void TColorScale::SetColorLimits(const TZoColor& low, const TZoColor& high) {
     const TZoColor mid(MakeRGB(low.GetRed(), high.GetRed()), MakeRGB(low.GetGreen(), high.GetGreen()),
                        MakeRGB(low.GetBlue(), high.GetBlue()), 0);
-    const TZoColor newMax = high; // `high` may be the present `colorMin`
+    const TZoColor newMax = high; // `high` may be the current `colorMin`
     colorMin = low;
     colorMax = newMax;
     colorMid = mid;

@@ -7,7 +7,7 @@
 
 namespace ZoPrimitives {
 
-/// The objects that do not end with a `DestructionHold`, whoever lets go of them.
+/// The objects that outlive a `DestructionHold` even if nothing holds them.
 class KeptObjects {
 public:
     class Action {
@@ -17,18 +17,19 @@ public:
     protected:
         ~Action() = default;
     };
-    /// Names each; allocates nothing. They may be gone already, and null may be among them.
+    /// Calls `action` for each, allocating nothing. Objects may be null or already deleted.
     virtual void ForEach(Action& action) const = 0;
 
 protected:
     ~KeptObjects() = default;
 };
 
-/// While one stands, no object of this thread ends because its last `pointer` goes: it is noted here. Holds
-/// nest.
+/// While a hold exists, losing the last `pointer` does not delete an object of this thread: the hold notes
+/// it. Holds nest.
 ///
-/// When it ends, what was noted ends too, unless somebody holds it again or it is kept. Where there is no
-/// memory to note an object, it ends at once under the same conditions. Nothing here throws.
+/// When the hold ends it deletes the noted objects, except those that something holds again and those that
+/// are kept. An object that cannot be noted for lack of memory is deleted at once, under the same conditions.
+/// Nothing here throws.
 class DestructionHold {
 public:
     explicit DestructionHold(const KeptObjects& kept) noexcept;
@@ -41,12 +42,12 @@ public:
 private:
     friend struct ZoReferenceCount;
 
-    /// Whether the object is to live on, noted here or in an outer hold or kept by one.
+    /// Whether the object must survive for now: noted here or by an outer hold, or kept by one.
     bool Takes(const ZoObject* object) noexcept;
     bool Knows(const ZoObject* object) const noexcept;
 
     const KeptObjects& kept;
-    std::vector<std::uintptr_t> noted; // addresses; the lowest bit marks a kept one
+    std::vector<std::uintptr_t> noted; // addresses; the lowest bit marks a kept object
     DestructionHold* outer;
     bool standing = true;
 };

@@ -19,7 +19,7 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-/// Takes the blanks and the sign away; whether that is a minus.
+/// Removes leading blanks and the sign; returns whether it is a minus.
 bool TakeSign(std::string_view& text) {
     while (!text.empty() && IsBlank(text[0])) text.remove_prefix(1);
     const bool negative = !text.empty() && text[0] == '-';
@@ -35,8 +35,8 @@ long long TakeDigits(std::string_view& text) {
     return value;
 }
 
-/// Without what looks like an exponent and is none: `from_chars` takes "p+-1" for one. `text` starts at its
-/// first digit or point.
+/// Removes an incomplete exponent, because `from_chars` accepts "p+-1" as one. `text` starts at its first
+/// digit or point.
 std::string_view WithoutHalfExponent(std::string_view text, bool hexadecimal) {
     const std::size_t end = text.find_first_not_of(hexadecimal ? "0123456789abcdefABCDEF." : "0123456789.");
     if (end == std::string_view::npos || (text[end] | 0x20) != (hexadecimal ? 'p' : 'e')) return text;
@@ -45,10 +45,9 @@ std::string_view WithoutHalfExponent(std::string_view text, bool hexadecimal) {
     return digit < text.size() && IsDigit(text[digit]) ? text : text.substr(0, end);
 }
 
-/// Whether a number that is out of range is too large rather than too small. `text` starts at its first digit
-/// or point.
+/// Whether an out-of-range number is too large, not too small. `text` starts at its first digit or point.
 bool TooLarge(std::string_view text, bool hexadecimal) {
-    long long scale = 0; // of the first digit that is not zero, in digits
+    long long scale = 0; // the position of the first nonzero digit, in digits
     bool point = false;
     bool significant = false;
     std::size_t i = 0;
@@ -99,7 +98,7 @@ bool WholeInt(std::string_view text, int& value) noexcept {
 
 double RealOf(std::string_view text) noexcept {
     const bool negative = TakeSign(text);
-    if (text.empty() || text[0] == '-') return 0; // `from_chars` would take a second minus
+    if (text.empty() || text[0] == '-') return 0; // `from_chars` would accept a second minus
 
     double value = 0;
     std::from_chars_result result{text.data(), std::errc::invalid_argument};
@@ -110,7 +109,7 @@ double RealOf(std::string_view text) noexcept {
         if (!text.empty() && text[0] != '-') {
             result = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::hex);
         }
-        // Not "0xinf" or "0xnan" either: there the number is the leading zero.
+        // "0xinf" and "0xnan" read as their leading zero.
         if (!std::isfinite(value)) value = 0;
     } else {
         result = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -125,7 +124,8 @@ double RealOf(std::string_view text) noexcept {
 float FloatOf(std::string_view text) noexcept {
     const double value = RealOf(text);
     const double size = std::fabs(value);
-    // Beyond the largest float the conversion is undefined; half a step beyond it is still the largest.
+    // Converting a double beyond the largest float is undefined; up to half a step beyond, the result is the
+    // largest.
     if (!(size > FLT_MAX)) return static_cast<float>(value);
     const float nearest = size < 0x1.ffffffp127 ? FLT_MAX : std::numeric_limits<float>::infinity();
     return std::signbit(value) ? -nearest : nearest;
@@ -157,7 +157,7 @@ RealText::RealText(double value) noexcept {
 }
 
 void RealText::AppendDigits(double value) noexcept {
-    // "d.dddddddddddddde+xx", rounded to the digits there are.
+    // "d.dddddddddddddde+xx", rounded to 15 digits.
     char rounded[32];
     const std::to_chars_result end = std::to_chars(rounded, rounded + sizeof rounded, value,
                                                    std::chars_format::scientific, SIGNIFICANT_DIGITS - 1);
@@ -166,7 +166,7 @@ void RealText::AppendDigits(double value) noexcept {
     std::copy_n(rounded + 2, SIGNIFICANT_DIGITS - 1, digits + 1);
     std::string_view significant(digits, SIGNIFICANT_DIGITS);
     while (significant.size() > 1 && significant.back() == '0') significant.remove_suffix(1);
-    const char* behind = rounded + 2 + SIGNIFICANT_DIGITS; // the digits, their point and the "e"
+    const char* behind = rounded + 2 + SIGNIFICANT_DIGITS; // after the digits, the point and the "e"
     const int exponent = IntOf({behind, static_cast<std::size_t>(end.ptr - behind)});
 
     const std::size_t count = significant.size();
@@ -176,9 +176,10 @@ void RealText::AppendDigits(double value) noexcept {
         Append(".");
         Append(significant.substr(1));
         Append(exponent < 0 ? "e-" : "e+");
-        char plain[8];
-        const std::to_chars_result last = std::to_chars(plain, plain + sizeof plain, distance);
-        const std::string_view power(plain, static_cast<std::size_t>(last.ptr - plain));
+        char exponentDigits[8];
+        const std::to_chars_result last =
+            std::to_chars(exponentDigits, exponentDigits + sizeof exponentDigits, distance);
+        const std::string_view power(exponentDigits, static_cast<std::size_t>(last.ptr - exponentDigits));
         for (std::size_t digits = power.size(); digits < EXPONENT_DIGITS; ++digits) Append("0");
         Append(power);
     } else if (exponent < 0) {

@@ -5,25 +5,26 @@
 
 namespace ZoPrimitives {
 
-// Numbers in text, the same on every system and in every locale. What cannot be read gives 0; what follows
-// the number is of no account.
+// Numbers in text, identical on every system and in every locale. Unreadable text gives 0; characters after
+// the number are ignored.
 
-/// Blanks, a sign and digits at the start; beyond 64 bits some number that no 32 bits hold either.
+/// Parses blanks, a sign and digits at the start; beyond 64 bits the result is only guaranteed not to fit 32
+/// bits.
 long long IntegerOf(std::string_view text) noexcept;
-/// The nearest `int`.
+/// As above, limited to the nearest `int`.
 int IntOf(std::string_view text) noexcept;
-/// The `int` that a text consists of, an optional sign and digits; false for any other text.
+/// Parses a text that is exactly an `int`, an optional sign and digits; false for any other text.
 bool WholeInt(std::string_view text, int& value) noexcept;
-/// As C's `atof` in the C locale (hexadecimal, "inf" and "nan" included); infinite when out of range.
+/// Parses as C's `atof` in the C locale (hexadecimal, "inf" and "nan" included); infinite when out of range.
 double RealOf(std::string_view text) noexcept;
 float FloatOf(std::string_view text) noexcept;
 
-/// A double as text, for tokens, as the C runtime's `_gcvt(value, 15)` writes it: 15 significant digits
-/// without the zeros at their end, and always a point ("100."). The fixed form for decimal exponents from -1
-/// to 14, otherwise an exponent of a sign and three digits ("1.e+020"). "inf" and "nan" for what has no
-/// digits; zero keeps its sign.
+/// A double as a text token, written as the C runtime's `_gcvt(value, 15)` does: 15 significant digits
+/// without trailing zeros, and always a point ("100."). Fixed notation for decimal exponents from -1 to 14,
+/// otherwise an exponent with a sign and three digits ("1.e+020"). "inf" or "nan" for other values; zero
+/// keeps its sign.
 ///
-/// A double that is the nearest one to a number of at most 15 significant digits reads back as itself.
+/// The double nearest to a number of at most 15 significant digits reads back exactly.
 class RealText {
 public:
     explicit RealText(double value) noexcept;
@@ -35,7 +36,7 @@ private:
     void Append(std::size_t count, char c) noexcept;
     void AppendDigits(double value) noexcept;
 
-    char text[32]; // the longest is "-1.23456789012345e-300"
+    char text[32]; // the longest text is "-1.23456789012345e-300"
     std::size_t size = 0;
 };
 

@@ -11,7 +11,7 @@ namespace ZoPrimitives {
 
 void ZoParallelFor(unsigned long long count, ZoRangeFunction function, void* context) {
     using Range = tbb::blocked_range<unsigned long long>;
-    // Isolated: while it waits, the calling thread takes up no unrelated task of the application.
+    // Isolated, so that the waiting thread does not run unrelated tasks of the application.
     tbb::this_task_arena::isolate([&] {
         tbb::parallel_for(
             Range(0, count, 1), [&](const Range& range) { function(range.begin(), range.end(), context); },
@@ -35,8 +35,7 @@ std::size_t Locate(const void* data, std::size_t index, std::size_t count, Bits 
 }
 
 #ifdef ZO_X86_64
-// 64 bytes a round: the comparisons are joined and branched on once, the place is sought when one of them
-// holds.
+// Compares 64 bytes a round with a single branch; the caller locates the match within the round.
 template <std::size_t ElementSize, class Compare>
 std::size_t SkipRounds(const void* data, std::size_t count, const Compare& equal) {
     constexpr std::size_t round = 64 / ElementSize;

@@ -5,7 +5,7 @@
 
 namespace ZoPrimitives {
 
-/// Truncated towards zero; the nearest integer there is when out of range, 0 for NaN.
+/// Truncates towards zero; the nearest integer when out of range, 0 for NaN.
 constexpr std::int32_t Saturated(double value) {
     using Limits = std::numeric_limits<std::int32_t>;
     if (value != value) return 0;

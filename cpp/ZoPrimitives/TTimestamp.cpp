@@ -20,7 +20,7 @@ constexpr std::int64_t TICKS_PER_SECOND = 10'000'000;
 constexpr std::int64_t FIRST = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t LAST = std::numeric_limits<std::int64_t>::max();
 
-// Results out of range are the nearest in it.
+// Results out of range become the nearest limit.
 
 std::int64_t Sum(std::int64_t a, std::int64_t b) {
     return a + std::clamp(b, FIRST - std::min<std::int64_t>(a, 0), LAST - std::max<std::int64_t>(a, 0));
@@ -36,7 +36,7 @@ std::int64_t Times(std::int64_t value, std::int64_t factor) {
     return value * factor;
 }
 
-/// `ticks` moved by `seconds`. In two steps, as a shift may be up to twice as long as what ticks count.
+/// `ticks` moved by `seconds`, in two steps because a shift may span the whole range of ticks twice.
 std::int64_t Shifted(std::int64_t ticks, std::int64_t seconds) {
     const std::int64_t half = seconds / 2;
     return Sum(Sum(ticks, Times(half, TICKS_PER_SECOND)), Times(seconds - half, TICKS_PER_SECOND));
@@ -52,7 +52,7 @@ bool Parsed(const ZoString& text, const ZoString& format, std::int64_t& ticks) {
     return true;
 }
 
-/// With zeros in front.
+/// Decimal digits, padded with zeros to `width`.
 std::string Digits(std::int64_t value, std::size_t width) {
     std::string digits = std::to_string(value);
     if (digits.size() < width) digits.insert(0, width - digits.size(), '0');
@@ -64,7 +64,8 @@ std::int64_t Modulo(std::int64_t value, std::int64_t divisor) {
     return rest < 0 ? rest + divisor : rest;
 }
 
-/// What cctz itself understands of `directive`, which follows a percent sign: its length, 0 for nothing.
+/// The length of the directive that cctz itself implements at the start of `directive`, which follows a
+/// percent sign; 0 if none.
 std::size_t CctzDirective(std::string_view directive) {
     constexpr std::string_view Plain = "YmdeHMSzZs%";
     if (directive.empty()) return 0;
@@ -90,8 +91,8 @@ std::size_t CctzDirective(std::string_view directive) {
     return i < directive.size() && endings.find(directive[i]) != endings.npos ? i + 1 : 0;
 }
 
-/// The length of an E or O that C lets stand in front of `directive`'s letter. It asks for another way of
-/// writing, which English has not.
+/// The length of an E or O modifier that C allows before the directive's letter. It asks for an alternative
+/// notation, which English lacks.
 std::size_t Modifier(std::string_view directive) {
     if (directive.size() < 2) return 0;
     const std::string_view letters = directive[0] == 'E'   ? "cCxXyY"
@@ -100,7 +101,7 @@ std::size_t Modifier(std::string_view directive) {
     return letters.find(directive[1]) != letters.npos ? 1 : 0;
 }
 
-/// What a directive is short for; empty for one that is not.
+/// The expansion of a composite directive; empty for others.
 std::string_view Composite(char directive) {
     switch (directive) {
     case 'c':
@@ -122,7 +123,7 @@ std::string_view Composite(char directive) {
     }
 }
 
-/// What a single directive gives that cctz leaves to the C runtime; empty for no such directive.
+/// The output of a single directive that cctz would pass to the C runtime; empty for an unknown directive.
 std::string Written(char directive, const cctz::civil_second& time) {
     constexpr const char* Months[] = {"January", "February", "March",     "April",   "May",      "June",
                                       "July",    "August",   "September", "October", "November", "December"};
@@ -130,8 +131,8 @@ std::string Written(char directive, const cctz::civil_second& time) {
                                     "Friday", "Saturday", "Sunday"};
     const cctz::civil_day day(time);
     const int yearDay = cctz::get_yearday(day);                   // from 1
-    const int weekDay = static_cast<int>(cctz::get_weekday(day)); // from 0, a Monday
-    // A week of ISO 8601 belongs to the year of its Thursday.
+    const int weekDay = static_cast<int>(cctz::get_weekday(day)); // from 0, which is Monday
+    // An ISO 8601 week belongs to the year of its Thursday.
     const cctz::civil_day thursday = day - weekDay + 3;
     const std::string month = Months[time.month() - 1];
     const std::string dayName = Days[weekDay];
@@ -179,26 +180,26 @@ std::string Written(char directive, const cctz::civil_second& time) {
     }
 }
 
-/// Appends `format` with what cctz would leave to the C runtime written out: that goes by the locale, knows
-/// other directives on each system, and ends the process over some.
+/// Appends `format` after expanding the directives that cctz would pass to the C runtime, which depends on
+/// the locale, knows different directives on each system, and ends the process for some.
 void AppendFormat(std::string& text, std::string_view format, const cctz::civil_second& time) {
     for (std::size_t percent; (percent = format.find('%')) != format.npos;) {
         text += format.substr(0, percent);
         format.remove_prefix(percent + 1);
-        const std::string_view plain = format.substr(Modifier(format));
-        const char letter = plain.empty() ? '\0' : plain[0];
-        if (const std::size_t size = CctzDirective(plain); size > 0) {
+        const std::string_view directive = format.substr(Modifier(format));
+        const char letter = directive.empty() ? '\0' : directive[0];
+        if (const std::size_t size = CctzDirective(directive); size > 0) {
             text += '%';
-            text += plain.substr(0, size);
-            format = plain.substr(size);
+            text += directive.substr(0, size);
+            format = directive.substr(size);
         } else if (const std::string_view parts = Composite(letter); !parts.empty()) {
             AppendFormat(text, parts, time);
-            format = plain.substr(1);
+            format = directive.substr(1);
         } else if (const std::string written = Written(letter, time); !written.empty()) {
             text += written;
-            format = plain.substr(1);
+            format = directive.substr(1);
         } else {
-            text += "%%"; // the rest follows as plain text
+            text += "%%"; // print the rest as plain text
         }
     }
     text += format;
@@ -215,7 +216,7 @@ cctz::time_zone StandardZone() {
     return cctz::fixed_time_zone(-std::chrono::minutes(Platform::Current().StandardTimeBias()));
 }
 
-/// By the clock on the wall; where the system cannot tell, by the standard time.
+/// The local wall-clock time; standard time if the system does not know it.
 cctz::civil_second LocalTime(std::int64_t ticks) {
     const std::int64_t seconds = ticks / TICKS_PER_SECOND;
     Platform::CalendarTime time;
@@ -240,7 +241,7 @@ TTimestamp& TTimestamp::operator+=(std::chrono::seconds d) {
 }
 
 TTimestamp& TTimestamp::operator-=(std::chrono::seconds d) {
-    // The smallest number has no opposite; shifts that long are all the same.
+    // The smallest number cannot be negated; shifts of that size are all equivalent.
     count = Shifted(count, -std::max<std::int64_t>(d.count(), -LAST));
     return *this;
 }

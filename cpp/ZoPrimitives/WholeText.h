@@ -8,16 +8,16 @@
 
 namespace ZoPrimitives {
 
-// A `ZoString` that finds no memory is empty and says nothing. Where a text must not be lost, it is made
-// here.
+// A `ZoString` for which memory is short is silently empty. These functions throw instead, for texts that
+// must not be lost.
 
-/// Fills `target` with `count` bytes. Throws `std::bad_alloc` when there is no memory for them.
+/// Sets `target` to `count` bytes. Throws `std::bad_alloc` when memory is short.
 inline void AssignWhole(ZoString& target, const char* bytes, unsigned count) {
     target.Assign(bytes, count);
     if (count != 0 && bytes[0] != '\0' && target.c_str()[0] == '\0') throw std::bad_alloc();
 }
 
-/// Whether a copy was made without loss.
+/// Whether `copy` holds the text, not the empty string of a failed copy.
 inline bool IsWhole(const ZoString& copy, const char* text) {
     return text == nullptr || text[0] == '\0' || copy.c_str()[0] != '\0';
 }
@@ -25,7 +25,7 @@ inline void CheckWhole(const ZoString& copy, const char* text) {
     if (!IsWhole(copy, text)) throw std::bad_alloc();
 }
 
-/// The parts one after the other. Throws `std::bad_alloc` when there is no memory for all of them.
+/// Concatenates the parts. Throws `std::bad_alloc` when memory is short.
 ZoString WholeText(std::initializer_list<std::string_view> parts);
 
 inline ZoString WholeText(const ZoString& text) {
@@ -34,8 +34,7 @@ inline ZoString WholeText(const ZoString& text) {
     return copy;
 }
 
-/// Adds a copy of the text. Throws `std::bad_alloc` when there is no memory for it; the list is as before
-/// then.
+/// Appends a copy of the text. Throws `std::bad_alloc`, leaving the list unchanged, when memory is short.
 template <class List>
 void AddWhole(List& list, const ZoString& text) {
     list.Add(ZoString());

@@ -22,14 +22,14 @@ const struct DeleteAtUnload {
     ~DeleteAtUnload() { SetAssertionFunctor(nullptr); }
 } deleteAtUnload;
 
-/// Composes the text into `buffer`, cut to its size, and shows it when boxes are enabled; returns whether it
-/// did.
+/// Composes the text into `buffer`, truncated to its size, and shows it if boxes are enabled; returns whether
+/// it did.
 bool ComposeAndShow(char (&buffer)[MESSAGE_SIZE], const char* expression, const char* message,
                     const char* file, int line) {
     if (expression == nullptr) expression = "";
     if (file == nullptr) file = "";
-    char text[MESSAGE_SIZE] =
-        {}; // the arguments may be the text of an earlier assertion, which lies in `buffer`
+    // The arguments may be the text of an earlier assertion, which is in `buffer`.
+    char text[MESSAGE_SIZE] = {};
     if (message == nullptr || *message == '\0') {
         std::snprintf(text, sizeof text, "Error: ( %s )", expression);
     } else {

@@ -10,16 +10,16 @@
 namespace ZoPrimitives {
 
 namespace {
-// A dying object may be held and released again by its own destructor or by a neighbour's: from here no
-// balanced number of holds brings the count back to zero.
+// Marks an object under destruction, which its own destructor or a neighbour's may hold and release again:
+// balanced holds never return such a count to zero.
 constexpr std::uint32_t DYING = 0x80000000u;
 
-constexpr std::uintptr_t KEPT = 1; // objects lie at even addresses
+constexpr std::uintptr_t KEPT = 1; // addresses of objects are even
 
 thread_local std::vector<const ZoObject*>* waiting = nullptr;
 thread_local DestructionHold* innermostHold = nullptr;
 
-/// After many objects the heap is asked to give back what it holds for them.
+/// Returns the heap's unused memory to the system after many deletions.
 void NoteEnded(std::size_t objects) noexcept {
     constexpr std::size_t MANY = 100'000;
     thread_local std::size_t ended = 0;
@@ -66,7 +66,7 @@ void DestructionHold::End() noexcept {
             if ((address & KEPT) == 0) act(reinterpret_cast<const ZoObject*>(address));
         }
     };
-    // Held first, so that none goes with another before its turn.
+    // Hold all first, so that none is deleted with another before its turn.
     forTheOthers([](const ZoObject* object) { ZoReferenceCount::Add(object); });
     forTheOthers([](const ZoObject* object) { ZoReferenceCount::Release(object); });
 }

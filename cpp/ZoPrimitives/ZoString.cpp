@@ -21,8 +21,8 @@ constexpr std::size_t NUMBER_SIZE = 512; // "%f" of the largest double takes 317
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
-/// `count` bytes and a terminator; the empty string without memory for that, null without memory for one
-/// byte.
+/// A copy of `count` bytes with a terminator; when memory is short the empty string, or null if even that
+/// fails.
 char* Allocated(const char* text, std::size_t count) noexcept {
     auto* fresh = static_cast<char*>(std::malloc(count + 1));
     if (fresh == nullptr) {
@@ -52,8 +52,8 @@ char* Fixed(double value) noexcept {
 int Position(std::size_t pos) { return static_cast<int>(pos); }
 int Position(std::string_view text, std::size_t pos) { return pos < text.size() ? Position(pos) : -1; }
 
-/// One key after the other of the natural order, from the left: the counter that runs from the right is ten
-/// for every digit to come.
+/// Computes the keys of the natural order from left to right: a digit's key grows by ten for every digit that
+/// follows.
 class NaturalKey {
 public:
     explicit NaturalKey(std::string_view source) : text(source) {
@@ -122,7 +122,7 @@ ZoString& ZoString::operator=(const char* text) noexcept {
     return *this;
 }
 
-/// As `Assign`, but gives a buffer that has become much too large back.
+/// As `Assign`, but frees a buffer that has become much too large.
 void ZoString::Replace(const char* text, std::size_t count) noexcept {
     const std::size_t size = Size();
     if (buffer != nullptr && count <= size && size / 2 <= count + 32) {
@@ -136,7 +136,7 @@ void ZoString::Replace(const char* text, std::size_t count) noexcept {
 
 void ZoString::Assign(const char* bytes, unsigned count) noexcept {
     if (bytes == nullptr) count = 0;
-    // Only what the present text takes is known to be there.
+    // Only the room of the current text is known to exist.
     if (buffer != nullptr && (count == 0 || std::memchr(buffer, 0, count) == nullptr)) {
         if (count > 0) std::memmove(buffer, bytes, count);
         buffer[count] = '\0';
@@ -322,7 +322,7 @@ ZoString ZoString::Remove(char c) const noexcept {
     return Filtered([c](char own) { return own != c; });
 }
 
-/// With every, or the first, `find` exchanged for `replace`.
+/// A copy in which every, or only the first, `find` is replaced.
 ZoString ZoString::Substituted(const ZoString& find, const char* replace, bool all) const noexcept {
     const std::string_view needle(find.c_str(), find.Size());
     const std::string_view fresh(replace);

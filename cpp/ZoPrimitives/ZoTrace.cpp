@@ -10,8 +10,8 @@ namespace ZoPrimitives {
 
 namespace {
 
-// Guards all of the state. Held while a line is written: two files that append at once overwrite each other's
-// line on Windows.
+// Guards all the state. Held while a line is written, because on Windows two files that append at once
+// overwrite each other's line.
 std::mutex& Guard() {
     static std::mutex guard;
     return guard;

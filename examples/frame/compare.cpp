@@ -36,14 +36,14 @@ private:
         if (!(left == right)) Differs(field);
     }
 
-    /// Quantities and points.
+    /// Compares quantities and points.
     template <class Object>
     void SameValue(const char* field, const Object& left, const Object& right) {
         ++result.values;
         if (!(left == right)) Differs(field);
     }
 
-    /// Pairs the two objects, or sees that they are a pair already.
+    /// Pairs two objects, or checks that they are already a pair.
     void Follow(const char* field, const Entity* left, const Entity* right) {
         if (left == nullptr || right == nullptr) return Same(field, left, right);
         const auto forth = counterpart.emplace(left, right);
@@ -143,7 +143,7 @@ private:
     }
 
     Comparison result;
-    const Entity* owner = nullptr; // whose fields are compared
+    const Entity* owner = nullptr; // the object whose fields are compared
     std::vector<std::pair<const Entity*, const Entity*>> pairs;
     std::unordered_map<const Entity*, const Entity*> counterpart;
     std::unordered_map<const Entity*, const Entity*> origin;

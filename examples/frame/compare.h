@@ -9,16 +9,16 @@ namespace Frame {
 struct Comparison {
     std::string difference; ///< the first one found, in UTF-8; empty when there is none
     unsigned long long objects = 0;
-    unsigned long long values = 0; ///< quantities and points: they are objects too, each of one owner
-    unsigned long long listed = 0; ///< those of the values that are items of lists, not members
+    unsigned long long values = 0; ///< quantities and points: objects too, each with one owner
+    unsigned long long listed = 0; ///< the values that are items of lists, not members
 };
 
-/// Walks two buildings side by side: whether each object of one has exactly one counterpart in the other, of
-/// the same class and with the same values, and every pointer leads to the counterpart of where it leads in
-/// the other. When they were saved does not count.
+/// Walks two buildings in parallel and checks that each object has exactly one counterpart of the same class
+/// with the same values, and that every pointer points to the counterpart of the other's target. Ignores when
+/// they were saved.
 Comparison Compare(const Building& left, const Building& right);
 
-/// The objects and values that a building consists of, and those that they refer to.
+/// Counts the objects and values of a building and those that it refers to.
 Comparison Count(const Building& building);
 
 } // namespace Frame

@@ -22,7 +22,7 @@ const Storey& FindStorey(const Building& building, const std::string& mark) {
     throw Failure("There is no storey \"" + mark + "\": there are " + marks + ".");
 }
 
-/// Copies each object once, however many refer to it.
+/// Copies each object once, even if several refer to it.
 class Extraction {
 public:
     explicit Extraction(const Building& building) : whole(building), part(new Building) {
@@ -50,15 +50,15 @@ public:
     }
 
 private:
-    /// The copy of an object; null for null. A new one is `add`ed where the part owns its like.
+    /// The copy of an object; null for null. `add` gives a new copy to its owner in the part.
     template <class T, class Add>
     T* CopyOnce(T* object, Add add) {
         if (object == nullptr) return nullptr;
         ZoStreamableBase*& copy = copies[object];
         if (copy == nullptr) {
-            auto* made = new T(*object);
-            copy = made;
-            add(made);
+            auto* newCopy = new T(*object);
+            copy = newCopy;
+            add(newCopy);
         }
         return static_cast<T*>(copy);
     }
@@ -70,7 +70,7 @@ private:
         return CopyOnce(material, [&](Material* copy) { part->materials.Add(copy); });
     }
     Catalogue* Copy(Catalogue* catalogue) {
-        return CopyOnce(catalogue, [&](Catalogue* copy) { model.objects.Add(copy); }); // nobody owns it
+        return CopyOnce(catalogue, [&](Catalogue* copy) { model.objects.Add(copy); }); // no building owns it
     }
     Section* Copy(Section* section) {
         return CopyOnce(section, [&](Section* copy) {
@@ -83,7 +83,7 @@ private:
     }
     static Girder* CopyOf(const Girder& girder) {
         auto* copy = new Girder(girder);
-        for (auto& load : copy->loads) load = new GForcaLinear(*load); // they were the other's too
+        for (auto& load : copy->loads) load = new GForcaLinear(*load); // so far shared with the other girder
         return copy;
     }
     Member* CopyOf(const Member& member) {

@@ -6,9 +6,9 @@
 
 namespace Frame {
 
-/// A frame of its own that holds copies of one storey and of what it refers to: nodes, sections with their
-/// legend and materials, the catalogue. The building must be without fault. `mark` is the storey's, in UTF-8;
-/// throws `Failure` when there is no such storey.
+/// Copies one storey and what it refers to (nodes, sections with their legend and materials, the catalogue)
+/// into a frame of its own. The building must be complete (`FindFault`). `mark` is the storey's, in UTF-8;
+/// throws `Failure` if there is no such storey.
 Model ExtractStorey(const Building& building, const std::string& mark);
 
 } // namespace Frame

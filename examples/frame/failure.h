@@ -4,7 +4,7 @@
 
 namespace Frame {
 
-/// What went wrong, as a sentence for the person at the terminal, in UTF-8.
+/// An error as a UTF-8 sentence for the user at the terminal.
 class Failure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

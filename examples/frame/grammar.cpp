@@ -81,13 +81,13 @@ void TextReader::TakeLine(ZoString& target) {
 void TextReader::FinishText() {
     if (lineTarget != nullptr) {
         *lineTarget = lines.c_str();
-        if (lineTarget->length() != lines.size()) throw std::bad_alloc(); // the string says nothing
+        if (lineTarget->length() != lines.size()) throw std::bad_alloc(); // memory was short
     }
     lineTarget = nullptr;
     lines.clear();
 }
 
-// Passing over what is not known
+// Skipping unknown data
 
 void TextReader::SkipValueOf(int code) {
     if (Within(code, 100)) {

@@ -1,19 +1,19 @@
 #pragma once
 
-// How the buildings of this application stand in a text, over the codes and keywords of the library's text
-// format. The code tells what follows it, so that whoever does not know a code can pass over its value:
+// The text form of this application's buildings, based on the codes and keywords of the library's text
+// format. A code tells the form of its value, so that a reader can skip the values of unknown codes:
 //
 //     data     = { code value } 7
 //     value    = token                                  of codes 1 to 99
 //              | pointer                                of codes 100 to 199
 //              | { pointer } 0 ENDGROUP                 of codes 200 to 299
-//     pointer  = 5 handle                               an object that was there before
-//              | 0 class data                           a new one
-//              | 0 ENDGROUPELEMENTOS                    none
+//     pointer  = 5 handle                               an object already written
+//              | 0 class data                           a new object
+//              | 0 ENDGROUPELEMENTOS                    null
 //
-// A null pointer and a new object both begin with 0: the keyword behind it, which is no class's name, tells
-// the null pointer, and the end of a group. So an integer never stands where a name may stand, and the same
-// reader reads from the clipboard, where they are not alike.
+// A null pointer and a new object both begin with 0. The keyword after it, which is never a class's name,
+// marks a null pointer or the end of a group. So an integer and a name never compete for the same place, and
+// the same reader works on the clipboard, where they have different types.
 
 #include "model.h"
 
@@ -25,7 +25,7 @@
 
 namespace Frame {
 
-// Writing a value, behind its code.
+// These write a value after its code.
 
 void PutPointer(ZoPrimitives::OutputStreamer& text, ZoPrimitives::ZoStreamableBase* object);
 void EndGroup(ZoPrimitives::OutputStreamer& text);
@@ -41,22 +41,22 @@ void PutGroup(ZoPrimitives::OutputStreamer& text, const List& list) {
     EndGroup(text);
 }
 
-/// Reads what these wrote.
+/// Reads what the functions above wrote.
 class TextReader : public ZoPrimitives::InputStreamer {
 public:
     using InputStreamer::InputStreamer;
 
-    /// The reader that an object is handed in `ReadData`.
+    /// The reader passed to an object's `ReadData`.
     static TextReader& Of(ZoPrimitives::InputStreamer& text) { return dynamic_cast<TextReader&>(text); }
 
-    /// Null for an object of another class too.
+    /// Sets null also for an object of another class.
     template <class Holder>
     void TakePointer(Holder& holder) {
         holder = dynamic_cast<typename Holder::ObjectType*>(Pointer().value_or(nullptr));
     }
-    /// An object that is a member of another.
+    /// Reads an object that is a member of another.
     void TakeMember(ZoPrimitives::ZoStreamableBase& member);
-    /// What is not there, or of another class, is left out.
+    /// Leaves out items that are missing or of another class.
     template <class T, class List>
     void TakeGroup(List& list) {
         for (Item item = NextItem(); item.is_open; item = NextItem()) {
@@ -65,18 +65,18 @@ public:
         }
     }
     void TakeLegend(ZoPrimitives::TIMap<Section, LegendEntry>& legend);
-    /// One line of a text whose lines follow each other.
+    /// Reads one line of a text; consecutive lines for one target are joined.
     void TakeLine(ZoString& target);
-    /// Puts the lines taken so far where they belong.
+    /// Stores the lines read so far in their target.
     void FinishText();
-    /// Passes over the value of a code.
+    /// Skips the value of a code.
     void SkipValueOf(int code);
 
 protected:
     void SkipObject() override;
 
 private:
-    /// No value where the object is not there: its class is not known, or its handle stands for nothing.
+    /// Empty if the object is missing: its class is unknown, or its handle has no object.
     using Found = std::optional<ZoPrimitives::ZoStreamableBase*>;
     struct Item {
         bool is_open;
@@ -85,7 +85,7 @@ private:
 
     Item NextItem();
     Found Pointer() { return NextItem().object; }
-    /// Passes over a pointer; false for the end of a group.
+    /// Skips a pointer; false at the end of a group.
     bool SkipPointer();
 
     ZoString* lineTarget = nullptr;

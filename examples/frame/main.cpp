@@ -57,7 +57,7 @@ std::string SizeOf(const std::string& path) {
     return std::to_string(std::filesystem::file_size(path)) + " bytes";
 }
 
-/// Opens and prints; with tables, compares with them in between.
+/// Opens and prints a building; given tables, compares it with them first.
 int Show(const std::string& path, const std::string* tables, const Units& units) {
     const auto start = std::chrono::steady_clock::now();
     const Model model = Open(path);
@@ -100,7 +100,7 @@ int PrintPasted(const Units& units) {
     return OK;
 }
 
-/// What is made of a file must not end it.
+/// An output file must not replace its own input.
 void RefuseOverItself(const std::string& from, const std::string& to) {
     std::error_code none;
     if (std::filesystem::equivalent(from, to, none))
@@ -123,7 +123,7 @@ int ShowText(const std::string& path, const Units& units) {
     return OK;
 }
 
-/// An argument for the shell of any system. One that a shell would not take as it is, is refused.
+/// An argument quoted for the shell of any system. Refuses characters that a shell would interpret.
 std::string Argument(const std::string& text) {
     if (text.find_first_of("\"$`%\r\n") != std::string::npos) {
         throw Failure("The path " + text +
@@ -132,7 +132,7 @@ std::string Argument(const std::string& text) {
     return " \"" + text + '"';
 }
 
-/// A folder as an argument: without the separators at its end, one of which could escape the quote.
+/// A folder as an argument, without trailing separators, which could escape the quote.
 std::string Folder(std::string path) {
     while (path.size() > 1 && (path.back() == '/' || path.back() == '\\')) path.pop_back();
     return path;
@@ -142,7 +142,7 @@ int Demo(const std::string& program, const Options& options) {
     const std::string tables = Folder(options.words[1]);
     const std::string folder = Folder(options.words[2]);
     const std::string path = (std::filesystem::path(folder) / "frame9.zo").string();
-    // Without something before it, one of the shells takes the first quote and the last one away.
+    // Without a command before it, one of the shells strips the first and the last quote.
     std::string command = "cd . &&" + Argument(program) + " check" + Argument(tables) + Argument(path);
     for (const std::string& word : options.given) command += Argument(word);
 
@@ -186,7 +186,7 @@ int Run(const std::string& program, const Options& options) {
     }
     const struct {
         const char* name;
-        std::size_t count; // of words, with its own
+        std::size_t count; // words in the command, its name included
         std::function<int()> run;
     } commands[] = {
         {"demo", 3, [&] { return Demo(program, options); }},
@@ -215,7 +215,7 @@ int Fail(const std::string& sentence) {
 } // namespace
 
 int main(int count, char** arguments) {
-    // As most applications do. The library's files and texts are the same in every locale.
+    // Most applications do this. The library's files and texts are the same in every locale.
     std::setlocale(LC_ALL, "");
     try {
         return Run(arguments[0], ReadOptions({arguments + 1, arguments + count}));

@@ -18,7 +18,7 @@ ZoString Lacks(const Entity& entity, const char* what) {
     return ZoString(entity.Kind()) + " " + entity.name + " has no " + what;
 }
 
-/// An image of grey dots; rows run downward.
+/// A greyscale image; rows run downward.
 class Picture {
 public:
     Picture(int columns, int rows)
@@ -113,7 +113,7 @@ void Building::DrawThumbnail() {
 }
 
 TZoMetaData& Schema() {
-    // A class is registered after its parents; the order of the others is free.
+    // Register a class after its parents; otherwise the order is free.
     struct Classes : TZoMetaData {
         Classes() {
             Grandeza::Register(this);

@@ -1,11 +1,10 @@
 #pragma once
 
-// The building frame: what it consists of, and how it describes itself to the library so that it can be
-// saved.
+// The building frame: its classes, and how they describe themselves to the library to be saved.
 //
-// Values with a unit are the library's quantities. Their storage units fit together (kgf, cm), so that plain
-// numbers in between are in those: cm times kgf/cm is kgf. Points are in cm; X runs to the right and Y upward
-// from the ground. Texts are Windows-1252.
+// Values with a unit are the library's quantities. Their storage units are consistent (kgf, cm), so
+// intermediate results are plain numbers in these units: cm times kgf/cm is kgf. Points are in cm; X runs to
+// the right and Y upward from the ground. Texts are Windows-1252.
 
 #include "ZoPrimitives/ConvertionHelper.h"
 #include "ZoPrimitives/Point3D.h"
@@ -30,7 +29,7 @@ using FromBusiness = ZoPrimitives::TBusinessToStreamableObjectConvertionHelper;
 
 class Building;
 
-/// Whatever has a name.
+/// Anything with a name.
 class Entity : public ZoPrimitives::ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Entity)
     DECLARE_ZO_FIELD(ZoString, name)
@@ -39,11 +38,11 @@ class Entity : public ZoPrimitives::ZoObjectStreamable {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    /// What the thing is, in a word.
+    /// The kind of thing, in a word.
     virtual const char* Kind() const = 0;
 };
 
-/// A maker's table of sections. It belongs to no building: buildings refer to it.
+/// A manufacturer's table of sections. Buildings refer to it, but none owns it.
 class Catalogue : public Entity {
     REGISTER_ZO_BEGIN(Catalogue, Entity)
     DECLARE_ZO_FIELD(unsigned, edition)
@@ -55,7 +54,7 @@ class Catalogue : public Entity {
     const char* Kind() const override { return "catalogue"; }
 };
 
-/// What is saved of a `Metal`.
+/// The saved form of a `Metal`.
 class Material : public Entity {
     REGISTER_ZO_BEGIN(Material, Entity)
     DECLARE_ZO_FIELD_CHILD_VALUE(GPeso, density)
@@ -71,7 +70,7 @@ class Material : public Entity {
     void FillFromBusinessObject(ZoPrimitives::ZoObject* object, FromBusiness* helper) override;
 };
 
-/// A rolled profile of one material: what is saved of a `Profile`.
+/// A rolled profile of one material: the saved form of a `Profile`.
 class Section : public Entity {
     REGISTER_ZO_BEGIN(Section, Entity)
     DECLARE_ZO_FIELD_CHILD_VALUE(GComprimento, depth)
@@ -89,11 +88,11 @@ class Section : public Entity {
     ZoPrimitives::ZoObject* CreateBusinessObject() override;
     void FillBusinessObject(ZoPrimitives::ZoObject* object, ToBusiness* helper) override;
     void FillFromBusinessObject(ZoPrimitives::ZoObject* object, FromBusiness* helper) override;
-    /// Of its steel, for each length.
+    /// The weight of its steel per length.
     GForcaLinear LineWeight() const;
 };
 
-/// How a section is shown; its name says what the section is used for.
+/// How a section is drawn; its name tells the section's use.
 class LegendEntry : public Entity {
     REGISTER_ZO_BEGIN(LegendEntry, Entity)
     DECLARE_ZO_FIELD(int, grey)
@@ -105,7 +104,7 @@ class LegendEntry : public Entity {
     const char* Kind() const override { return "legend entry"; }
 };
 
-/// Where the building stands.
+/// The building's location.
 class Site : public Entity {
     REGISTER_ZO_BEGIN(Site, Entity)
     DECLARE_ZO_FIELD(bool, seismic)
@@ -130,7 +129,7 @@ class Node : public Entity {
     const char* Kind() const override { return "node"; }
 };
 
-/// A straight bar between two nodes. Nodes and section belong to the building.
+/// A straight bar between two nodes. The building owns nodes and section.
 class Member : public Entity {
     REGISTER_ZO_BEGIN(Member, Entity)
     DECLARE_ZO_FIELD_REFERENCE(Section, section)
@@ -166,7 +165,7 @@ class Girder : public Member {
     void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
     const char* Kind() const override { return "girder"; }
-    /// All its loads together.
+    /// The sum of its loads.
     GForcaLinear LineLoad() const;
     GForcaConcentrada TotalLoad() const;
 };
@@ -190,7 +189,7 @@ class Storey : public Entity {
     const char* Kind() const override { return "storey"; }
 };
 
-/// The root: owns everything but the catalogue. Storeys are listed from the lowest upward.
+/// The root; owns everything except the catalogue. Storeys are listed from the lowest upward.
 class Building : public Entity {
     REGISTER_ZO_BEGIN(Building, Entity)
     DECLARE_ZO_FIELD(ZoString, saved)
@@ -209,24 +208,24 @@ class Building : public Entity {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
     const char* Kind() const override { return "building"; }
-    /// What the building lacks to be complete, such as "column A3 has no section"; empty when it lacks
-    /// nothing.
+    /// The first thing that is missing from the building, such as "column A3 has no section"; empty if it is
+    /// complete.
     ZoString FindFault() const;
-    /// When it was saved last; the start of 1970 when it never was.
+    /// The time of the last save; the start of 1970 if there was none.
     ZoPrimitives::TTimestamp SavedAt() const;
-    /// Keeps the time to the last tick, as a text in UTC.
+    /// Stores the time, exact to the tick, as a text in UTC.
     void SavedAt(const ZoPrimitives::TTimestamp& when);
-    /// Draws the elevation, each member in its section's grey, as a PGM image.
+    /// Draws the elevation as a PGM image, each member in its section's grey.
     void DrawThumbnail();
 };
 
-/// A building with all that it refers to, whoever owns it there.
+/// A building with everything that it refers to, owned or not.
 struct Model {
     ZoPrimitives::TIVector<ZoPrimitives::ZoStreamableBase> objects; ///< keeps them alive
     Building* building = nullptr;
 };
 
-/// The classes of this application, as the library knows them.
+/// The application's schema.
 ZoPrimitives::TZoMetaData& Schema();
 
 } // namespace Frame

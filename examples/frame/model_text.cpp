@@ -1,5 +1,4 @@
-// What each class writes to a text and reads from it, code by code. A class writes behind its parent, and
-// leaves the codes that it does not know to it.
+// The text form of each class, code by code. A class writes after its parent and leaves unknown codes to it.
 
 #include "grammar.h"
 #include "model.h"
@@ -16,7 +15,7 @@ using namespace ZoPrimitives;
 
 namespace {
 
-/// Of the class itself from 10 upward; those below stand for every entity.
+/// Codes from 10 upward are the class's own; lower ones are common to all entities.
 enum Code { codeName = 1, codeOwn = 10, codePointer = 100, codeGroup = 200 };
 
 double Number(InputStreamer& text) {
@@ -246,7 +245,7 @@ void Building::Write(OutputStreamer& text) {
     if (thumbnail.Size() != 0) text << codeOwn << Encoded(thumbnail);
     int number = 0;
     for (const ZoString& line : lines) {
-        text << codeOwn + 1 << ++number; // each begins anew, an empty one too
+        text << codeOwn + 1 << ++number; // starts a new line, even an empty one
         text.MultiLineText(line, codeOwn + 2);
     }
     text.MultiLineText(saved, codeOwn + 3);
@@ -280,7 +279,7 @@ bool Building::ReadData(int code, InputStreamer& text) {
         return true;
     }
     case codeOwn + 1:
-        reader.FinishText(); // the list moves
+        reader.FinishText(); // adding a line moves the list's items
         reader.SkipValue();
         lines.Add(ZoString());
         return true;

@@ -8,15 +8,15 @@
 
 namespace Frame {
 
-/// What a command is called with.
+/// The command line.
 struct Options {
-    std::vector<std::string> words; ///< the command's own, without options
-    std::vector<std::string> given; ///< the options, as they were given
+    std::vector<std::string> words; ///< the command and its arguments, without options
+    std::vector<std::string> given; ///< the options as given
     Units units;
     Property property;
 };
 
-/// Takes the options out of the arguments, wherever they stand. Throws `Failure`.
+/// Separates the options, wherever they are, from the other arguments. Throws `Failure`.
 Options ReadOptions(const std::vector<std::string>& arguments);
 
 } // namespace Frame

@@ -19,19 +19,19 @@ using namespace ZoPrimitives;
 
 namespace {
 
-// In the unit of the picture, a dot on most screens.
+// In SVG units: one pixel on most screens.
 constexpr double FRAME_WIDTH = 720;  // at most
 constexpr double FRAME_HEIGHT = 640; // at most
-constexpr double LEFT = 190;         // of the frame: names and levels of storeys
-constexpr double RIGHT = 310;        // sections and loads of storeys, scale of colours
-constexpr double TOP = 132;          // title
-constexpr double BELOW = 150;        // supports, spans, names of lines, the steel
+constexpr double LEFT = 190;         // left of the frame: names and levels of storeys
+constexpr double RIGHT = 310;        // right of it: sections and loads of storeys, colour scale
+constexpr double TOP = 132;          // above it: title
+constexpr double BELOW = 150;        // below it: supports, spans, names of lines, total steel
 constexpr double SCALE_HEIGHT = 240;
 constexpr double TEXT_HEIGHT = 13;
 
 const char* const INK = "#222222";
 const char* const PALE = "#767676";
-const char* const NEUTRAL = "#a8a8a8"; // of a member that has no value
+const char* const NEUTRAL = "#a8a8a8"; // for a member without a value
 
 std::string Coordinate(double value) { return FormatFloat(value, 2, false, '.').c_str(); }
 
@@ -68,14 +68,14 @@ std::string Hex(const TZoColor& color) {
     return text;
 }
 
-/// A text of SVG in the making.
+/// Builds an SVG text.
 class Drawing {
 public:
     void Line(double x1, double y1, double x2, double y2, const char* style) {
         body += "<line x1=\"" + Coordinate(x1) + "\" y1=\"" + Coordinate(y1) + "\" x2=\"" + Coordinate(x2) +
                 "\" y2=\"" + Coordinate(y2) + "\" " + style + "/>\n";
     }
-    /// `style`: attributes.
+    /// `style`: SVG attributes.
     void Text(double x, double y, const std::string& text, const std::string& style = "") {
         body += "<text x=\"" + Coordinate(x) + "\" y=\"" + Coordinate(y) + "\"" +
                 (style.empty() ? "" : " " + style) + ">" + Escaped(text) + "</text>\n";
@@ -96,7 +96,7 @@ private:
     std::string body;
 };
 
-/// Of a character of a font without serifs, of height 1: rather too wide than too narrow.
+/// The width of a character of a sans-serif font of height 1, overestimated rather than underestimated.
 double CharacterWidth(char c) {
     const auto among = [c](const char* characters) { return std::strchr(characters, c) != nullptr; };
     if ((static_cast<unsigned char>(c) & 0xC0) == 0x80) return 0; // counted with the first byte
@@ -113,7 +113,7 @@ double TextWidth(const std::string& text, double height = TEXT_HEIGHT) {
     return width;
 }
 
-/// The text, or as much of its beginning as has room, and an ellipsis.
+/// The text, shortened with an ellipsis if it does not fit into `room`.
 std::string Fitted(const std::string& text, double room, double height = TEXT_HEIGHT) {
     if (TextWidth(text, height) <= room) return text;
     double width = height; // of the ellipsis
@@ -126,7 +126,7 @@ std::string Fitted(const std::string& text, double room, double height = TEXT_HE
     return part + "…";
 }
 
-/// Where labels along an axis stand: those too near to one that stands already are left out.
+/// Positions of labels along an axis; skips those too close to an earlier one.
 class Places {
 public:
     explicit Places(double smallestDistance) : distance(smallestDistance) {}
@@ -191,7 +191,7 @@ private:
             include(member.end->place);
         });
         if (first) throw Failure("The building cannot be drawn: it has no members.");
-        // Half of each: the difference of two doubles may be none.
+        // Half of each, because the difference of two doubles may overflow.
         const double wide = right / 2 - left / 2;
         const double high = top / 2 - bottom / 2;
         scale = std::min(FRAME_WIDTH / 2 / std::max(wide, 1e-9), FRAME_HEIGHT / 2 / std::max(high, 1e-9));
@@ -214,7 +214,7 @@ private:
     double X(const Node& node) const { return X(node.place.X()); }
     double Y(const Node& node) const { return Y(node.place.Y()); }
 
-    /// In the unit that is shown; false for a member that has none.
+    /// The value in the displayed unit; false for a member without one.
     bool ValueOf(const Member& member, double& value) const {
         if (property == Property::Area) {
             value = member.section->area.Valor(units.area.unit);
@@ -256,7 +256,7 @@ private:
             "font-size=\"15\" fill=\"" + std::string(PALE) + "\"");
     }
 
-    /// Name and level of each floor, and the level of the roof.
+    /// Labels each floor with name and level, and the roof with its level.
     void DrawLevels() {
         Places places(TEXT_HEIGHT + 2);
         const auto level = [&](const GComprimento& at, const std::string& name) {
@@ -278,7 +278,7 @@ private:
                      "fill=\"" + std::string(PALE) + "\"");
     }
 
-    /// The places of the columns' lines, from the left.
+    /// The positions of the column lines, from left to right.
     std::vector<double> LinePlaces() const {
         std::vector<double> places;
         ForMembers([&](const Storey&, const Member& member) {
@@ -292,7 +292,7 @@ private:
 
     void DrawLines() {
         const std::vector<double> lines = LinePlaces();
-        if (lines.empty() || lines.size() != building.lines.NItems()) return; // which is which cannot be told
+        if (lines.empty() || lines.size() != building.lines.NItems()) return; // lines and names do not match
         constexpr double radius = 13;
         const double foot = Y(bottom);
         const double dimension = foot + 48;
@@ -319,7 +319,7 @@ private:
                      "fill=\"" + std::string(PALE) + "\"");
     }
 
-    /// Where the building goes below it.
+    /// Draws the ground line if the building extends below it.
     void DrawGround() {
         if (bottom >= 0 || top < 0) return;
         const double y = Y(0);
@@ -333,7 +333,7 @@ private:
     void DrawMembers() {
         std::string casing;
         std::string girders;
-        std::string columns; // over the girders
+        std::string columns; // drawn over the girders
         ForMembers([&](const Storey&, const Member& member) {
             const std::string x1 = Coordinate(X(*member.start));
             const std::string y1 = Coordinate(Y(*member.start));
@@ -354,10 +354,10 @@ private:
         drawing.Add("<g stroke-width=\"5\" stroke-linecap=\"square\">\n" + girders + columns + "</g>\n");
     }
 
-    /// Names the sections of columns, from the lowest upward where they change.
+    /// Labels columns with their section, from the lowest upward, wherever it changes.
     void DrawColumnSections() {
         constexpr double size = 11;
-        std::map<long long, ZoString> below; // by the place of the column
+        std::map<long long, ZoString> below; // indexed by the column's position
         ForMembers([&](const Storey&, const Member& member) {
             if (dynamic_cast<const Column*>(&member) == nullptr) return;
             const double x = (X(*member.start) + X(*member.end)) / 2;
@@ -391,7 +391,7 @@ private:
         }
     }
 
-    /// Beside each storey's girders: their sections and values.
+    /// Labels each storey with its girders' sections and values.
     void DrawFloors() {
         Places places(TEXT_HEIGHT + 2);
         const double x = X(right) + 38;
@@ -481,18 +481,18 @@ private:
     Property property;
     const Units& units;
     Drawing drawing;
-    // The frame's bounds, in cm.
+    // Bounds of the frame, in cm.
     double left = 0;
     double right = 0;
     double bottom = 0;
     double top = 0;
-    // Of the picture.
-    double scale = 1; // for each cm
+    // Measures of the picture.
+    double scale = 1; // SVG units per cm
     double frameWidth = 0;
     double frameHeight = 0;
     double width = 0;
     double height = 0;
-    // Of the values shown.
+    // The displayed values.
     TColorScale colours;
     bool hasValues = false;
     double least = 0;

@@ -7,15 +7,15 @@
 
 namespace Frame {
 
-/// What the colours of a picture tell.
+/// The property that a picture's colours show.
 enum class Property { Load, Area };
 
-/// Throws `Failure` for what is neither load nor area.
+/// Throws `Failure` for other names than load and area.
 Property PropertyNamed(const std::string& name);
 
-/// The elevation of a building as SVG, its members coloured by their property; columns, which carry no load
-/// along them, are grey when that is the load. The building must be without fault. Throws `Failure` when it
-/// cannot be drawn.
+/// Draws the elevation of a building as SVG, with members coloured by the property; columns, which carry no
+/// line load, are grey when it is the load. The building must be complete (`FindFault`). Throws `Failure` if
+/// it cannot be drawn.
 std::string DrawElevation(const Building& building, Property property, const Units& units);
 
 } // namespace Frame

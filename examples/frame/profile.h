@@ -5,12 +5,12 @@
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/grandeza.h"
 
-// Sections as calculations see them. These classes know nothing of files: the library's helpers make them
-// from the sections and materials that are saved, and those from these.
+// Sections as calculations use them. These classes know nothing of files: the library's helpers convert
+// between them and the saved sections and materials.
 
 namespace Frame {
 
-/// What profiles are rolled from.
+/// The material of profiles.
 class Metal : public ZoPrimitives::ZoObject {
 public:
     ZoPrimitives::ZoString name;
@@ -24,17 +24,17 @@ public:
     ZoPrimitives::GComprimento depth = ZoPrimitives::GComprimento(0.0);
     ZoPrimitives::GArea area = ZoPrimitives::GArea(0.0);
     ZoPrimitives::GInercia inertia = ZoPrimitives::GInercia(0.0);
-    ZoPrimitives::pointer<Metal> metal; ///< shared by profiles; null when it is not known
+    ZoPrimitives::pointer<Metal> metal; ///< shared between profiles; null if unknown
 
-    /// How strong it is in bending.
+    /// The section modulus, a measure of bending strength.
     ZoPrimitives::GVolume Modulus() const { return ZoPrimitives::GVolume(2 * inertia / depth); }
-    /// For each length; the metal must be known.
+    /// Weight per length; the metal must be known.
     ZoPrimitives::GForcaLinear LineWeight() const;
 };
 
 using Profiles = ZoPrimitives::TIVector<Profile>;
 
-/// Makes the materials for metals and the sections for profiles.
+/// Makes materials from metals and sections from profiles.
 class SectionFactory : public ZoPrimitives::IStreamableConvertionFactory {
 public:
     ZoPrimitives::ZoObjectStreamable*

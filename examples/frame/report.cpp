@@ -12,10 +12,10 @@ using namespace ZoPrimitives;
 
 namespace {
 
-/// Rows of cells under headings; columns of numbers are set flush right.
+/// Rows of cells under headings; columns of numbers are right-aligned.
 class Grid {
 public:
-    /// A heading that begins with '>' is that of numbers.
+    /// A heading that begins with '>' marks a column of numbers.
     explicit Grid(const std::vector<std::string>& headings) {
         for (const std::string& heading : headings) {
             isNumber.push_back(heading[0] == '>');
@@ -54,7 +54,7 @@ public:
 private:
     std::vector<bool> isNumber;
     std::vector<std::size_t> widths;
-    std::vector<std::vector<std::string>> rows; // an empty one is a rule
+    std::vector<std::vector<std::string>> rows; // an empty row is printed as a rule
 };
 
 struct Sums {

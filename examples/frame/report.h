@@ -8,8 +8,8 @@
 
 namespace Frame {
 
-/// Prints, in UTF-8, what a building consists of: its storeys from the top downward, its sections, its steel.
-/// The building must be without fault.
+/// Prints a building in UTF-8: its storeys from the top downward, its sections, its steel. The building must
+/// be complete (`FindFault`).
 void Print(const Building& building, const Units& units, std::ostream& out);
 
 void Print(const Profiles& profiles, const Units& units, std::ostream& out);

@@ -25,9 +25,9 @@ using namespace ZoPrimitives;
 
 namespace {
 
-/// Of the files that this application writes, and the newest that it reads.
+/// The version of the files that this application writes, and the newest that it reads.
 constexpr unsigned VERSION = 4;
-constexpr unsigned VERSION_WITHOUT_VALUES = 3; // its quantities were plain numbers: version3.cpp
+constexpr unsigned VERSION_WITHOUT_VALUES = 3; // had plain numbers instead of quantities: version3.cpp
 constexpr unsigned RELEASE = 2026;
 
 std::string Quoted(const std::string& path) { return '"' + path + '"'; }
@@ -37,12 +37,12 @@ bool Exists(const std::string& path) {
     return std::filesystem::exists(path, ignored);
 }
 
-/// For those who look after the program.
+/// Details for support.
 std::string Detail(const XStream& error) {
     return ZoToUtf8(error.Location()) + ": " + ZoToUtf8(error.Message());
 }
 
-/// Where a building is read from, and what helps when it is damaged there.
+/// Where a building is read from, and what to do if it is damaged there.
 struct Source {
     std::string name;
     std::string remedy;
@@ -58,7 +58,7 @@ Failure Damaged(const Source& source, const std::string& why) {
     return Failure(source.name + " is damaged: " + source.remedy + ". (" + why + ")");
 }
 
-/// Counts the objects of a file, also those that do not stay.
+/// Counts the objects of a file, including those that are dropped later.
 class CountingStreamer : public TBinInStreamer {
 public:
     using TBinInStreamer::TBinInStreamer;
@@ -98,7 +98,7 @@ void ReadObjects(TBinInStream& stream, const Source& source, Model& model) {
     try {
         root = streamer.ReadObjects();
     } catch (const XStream& error) {
-        stream.TakeObjects(&model.objects); // the caller's, also when reading failed
+        stream.TakeObjects(&model.objects); // they belong to the caller even if reading failed
         throw Damaged(source, Detail(error));
     } catch (...) {
         stream.TakeObjects(&model.objects);
@@ -106,7 +106,7 @@ void ReadObjects(TBinInStream& stream, const Source& source, Model& model) {
     }
     stream.TakeObjects(&model.objects);
 
-    // Records that are not whole are passed over in silence. The first record holds the classes.
+    // Damaged records are skipped silently. The first record holds the classes.
     const bool allKnown = streamer.GetUnknowObjects()->NItems() == 0;
     const unsigned saved = std::max(stream.GetNInstances(), 1u) - 1;
     if (stream.GetSkipped() != 0 || (allKnown && streamer.Count() != saved)) {
@@ -117,8 +117,8 @@ void ReadObjects(TBinInStream& stream, const Source& source, Model& model) {
     if (model.building == nullptr) throw Failure(source.name + " holds no building.");
     const ZoString fault = model.building->FindFault();
     if (!fault.IsNull()) throw Damaged(source, ZoToUtf8(fault));
-    // What has lost its owner is left over. Members are not, as the site and most values: their owners have
-    // copies of them.
+    // Objects that have lost their owner are extra. Members (the site, most values) are not in the list: they
+    // are part of their owners.
     const Comparison count = Count(*model.building);
     unsigned long long held = count.objects - 1;
     if (stream.GetVersion() > VERSION_WITHOUT_VALUES) held += count.listed;

@@ -7,22 +7,22 @@
 
 namespace Frame {
 
-/// Saves a building, over the file of that name if there is one; its previous version becomes the "-bak"
-/// file. The building keeps the time. Throws `Failure`.
+/// Saves a building, replacing an existing file, which becomes the "-bak" file. Stores the time in the
+/// building. Throws `Failure`.
 void Save(const Model& model, const std::string& path,
           const ZoPrimitives::TTimestamp& now = ZoPrimitives::TTimestamp());
 
-/// Opens a file that `Save` made. Throws `Failure` for one that is not whole.
+/// Opens a file that `Save` wrote. Throws `Failure` if it is damaged.
 Model Open(const std::string& path);
 
-/// The profiles of the sections of such a file, by name. Nothing else of it is read: what is missing
-/// elsewhere is not noticed. Throws `Failure`.
+/// The profiles of the sections in such a file, by name. Reads nothing else, so it misses damage elsewhere.
+/// Throws `Failure`.
 Profiles OpenProfiles(const std::string& path);
 
-/// Puts a building on the clipboard, in place of what is there. Throws `Failure`.
+/// Replaces the clipboard's contents with a building. Throws `Failure`.
 void Copy(const Model& model);
 
-/// Takes a building from the clipboard. Throws `Failure` when there is none, or none that is whole.
+/// Pastes a building from the clipboard. Throws `Failure` if there is none, or if it is damaged.
 Model Paste();
 
 } // namespace Frame

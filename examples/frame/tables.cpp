@@ -17,7 +17,7 @@ namespace {
 
 using namespace ZoPrimitives;
 
-/// A comma-separated table with a line of headings and no quotes.
+/// A comma-separated table with a line of headings and without quotes.
 class Table {
 public:
     struct Row {
@@ -59,7 +59,7 @@ public:
         throw Failure(name + ", line " + std::to_string(row.line) + ": " + what + ".");
     }
 
-    /// A value above zero, with a point for decimals; in `unit` where the text names none.
+    /// A positive value with a decimal point; in `unit` if the text names none.
     template <class Quantity, class Unit>
     Quantity Value(const Row& row, const std::string& text, Unit unit) const {
         Quantity value(0.0);
@@ -74,7 +74,7 @@ public:
         return value;
     }
 
-    /// The unit is in the field that follows; fields count from 0.
+    /// A length whose unit is in the next field; fields count from 0.
     GComprimento Length(const Row& row, std::size_t field) const {
         constexpr auto none = static_cast<TComprimento>(-1);
         return Value<GComprimento>(row, row.fields[field] + " " + row.fields[field + 1], none);
@@ -103,15 +103,15 @@ private:
     bool hasHeadings = false;
 };
 
-/// Puts a building together, from its parts to the whole.
+/// Assembles a building from its tables.
 class Builder {
 public:
     explicit Builder(const std::string& tableFolder) : folder(tableFolder) {
-        model.building = Made(new Building);
+        model.building = Owned(new Building);
         building().name = ZoFromUtf8("Pórtico de aço de nove andares");
         building().site.name = "Los Angeles";
         building().site.seismic = true;
-        auto* catalogue = Made(new Catalogue);
+        auto* catalogue = Owned(new Catalogue);
         catalogue->name = ZoFromUtf8("Perfis W – série norte-americana");
         catalogue->edition = 14;
         building().catalogue = catalogue;
@@ -130,7 +130,7 @@ private:
     Building& building() { return *model.building; }
 
     template <class T>
-    T* Made(T* object) {
+    T* Owned(T* object) {
         model.objects.Add(object);
         return object;
     }
@@ -149,7 +149,7 @@ private:
             const ZoString name = ZoFromUtf8(row.fields[0].c_str());
             if (FindSection(name) != nullptr) table.Fail(row, row.fields[0] + " is there already");
             auto* profile = new Profile;
-            profiles.Add(profile); // until the helper, which knows it, has gone
+            profiles.Add(profile); // keeps it alive as long as the helper
             profile->name = name;
             profile->depth = table.Value<GComprimento>(row, row.fields[1], TComprimento::in);
             profile->area = table.Value<GArea>(row, row.fields[2], TArea::sqin);
@@ -161,7 +161,7 @@ private:
         }
     }
 
-    /// Each bay goes on where the one before ends: "A-B", "B-C".
+    /// Each bay starts where the previous one ends: "A-B", "B-C".
     void ReadBays() {
         const Table table(folder, "frame9-bays.csv", {"bay", "width", "width_unit"});
         for (const auto& row : table.Rows()) {
@@ -184,7 +184,7 @@ private:
         }
     }
 
-    /// From the lowest upward. Marks of basements begin with B; the ground is above them.
+    /// From the lowest upward. Basement marks begin with B; the ground is above them.
     void ReadStoreys() {
         const Table table(
             folder, "frame9-storeys.csv",
@@ -269,7 +269,7 @@ private:
         member.end = end;
     }
 
-    /// Every section in use gets an entry, the darker the larger.
+    /// Adds an entry for each section in use; larger sections are darker.
     void FillLegend() {
         double largest = 0;
         for (const auto& section : building().sections) largest = std::max<double>(largest, section->area);
@@ -305,9 +305,9 @@ private:
 
     std::string folder;
     Model model;
-    std::vector<GComprimento> places; // of the column lines
+    std::vector<GComprimento> places; // positions of the column lines
 
-    // The tables say nothing of these: what an office building of this kind is usually given.
+    // Not in the tables: usual assumptions for an office building of this kind.
     const GPeso steelDensity{7850, TPeso::kgf_m3};
     const GForcaArea deadLoad{4.6, TForcaArea::kN_m2};
     const GForcaArea liveLoad{2.4, TForcaArea::kN_m2};

@@ -6,8 +6,8 @@
 
 namespace Frame {
 
-/// Builds the frame from the tables of a folder: frame9-sections.csv, frame9-bays.csv and frame9-storeys.csv.
-/// Throws `Failure`, naming file and line.
+/// Builds the frame from the tables in a folder: frame9-sections.csv, frame9-bays.csv and frame9-storeys.csv.
+/// Throws `Failure` with file and line.
 Model ReadTables(const std::string& folder);
 
 } // namespace Frame

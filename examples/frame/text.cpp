@@ -25,12 +25,12 @@ std::string Detail(const XStream& error) {
     return ZoToUtf8(error.Location()) + ": " + ZoToUtf8(error.Message());
 }
 
-/// The building that a text holds; null when it holds none.
+/// The building in a text; null if there is none.
 Building* ReadBuilding(TextReader& reader) {
     ZoPrimitives::pointer<Building> building;
     reader.TakePointer(building);
     reader.FinishText();
-    // What ends the section stands where another object could.
+    // The end of the section, where another object could follow.
     TIList<ZoString> ends;
     ends.Add(new ZoString(END_OF_SECTION));
     try {
@@ -68,7 +68,7 @@ Model ReadModel(const std::string& path, InputStream* stream) {
     if (model.building == nullptr) throw Failure(quoted + " holds no building.");
     const ZoString fault = model.building->FindFault();
     if (!fault.IsNull()) throw Failure(quoted + " is damaged. (" + ZoToUtf8(fault) + ")");
-    // From here the model holds what the reader made.
+    // From here on the model keeps the reader's objects alive.
     for (ZoStreamableBase* object : reader.Objects()) model.objects.Add(object);
     return model;
 }

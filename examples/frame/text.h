@@ -6,10 +6,10 @@
 
 namespace Frame {
 
-/// Writes a building as text, over the file of that name if there is one. Throws `Failure`.
+/// Writes a building as text, replacing an existing file. Throws `Failure`.
 void WriteText(const Model& model, const std::string& path);
 
-/// Reads a text that `WriteText` wrote. Throws `Failure` for one that is not whole.
+/// Reads a text that `WriteText` wrote. Throws `Failure` if it is damaged.
 Model ReadText(const std::string& path);
 
 } // namespace Frame

@@ -18,7 +18,7 @@ const struct {
     const char* name;
     Units units;
 } SYSTEMS[] = {
-    // Masses are shown as what weighs as much: a tonne for 1 tf.
+    // Masses are shown as weights: a tonne for 1 tf.
     {"metric",
      {{L::m, 2},
       {L::m, 2},
@@ -81,7 +81,7 @@ std::string Units::Decimal(double value, unsigned decimals) const {
 
 std::string Units::Utf8(const ZoString& unitAtItsEnd) {
     std::string text = ZoToUtf8(unitAtItsEnd);
-    // Windows-1252 has no such digit.
+    // Windows-1252 lacks the superscript 4.
     if (!text.empty() && text.back() == '4') text.replace(text.size() - 1, 1, "⁴");
     return text;
 }

@@ -6,25 +6,25 @@
 
 namespace Frame {
 
-/// The unit in which a report shows one quantity.
+/// The unit and decimals in which a report shows one quantity.
 template <class Quantity, class Unit>
 struct Shown {
     Unit unit;
     unsigned decimals;
-    const char* usual = nullptr; ///< what people call it, in UTF-8, where they say it otherwise
+    const char* usual = nullptr; ///< the usual UTF-8 name, if it differs
 };
 
-/// The units of a report, and how its numbers are written.
+/// The units of a report, and the notation of its numbers.
 struct Units {
-    /// `name`: metric, technical or imperial. Throws `Failure` for another, and for a separator that is
-    /// neither a point nor a comma.
+    /// `name`: metric, technical or imperial. Throws `Failure` for other names, and for a separator other
+    /// than a point or a comma.
     static Units Named(const std::string& name, const std::string& separator);
 
     template <class Quantity, class Unit>
     std::string Name(const Shown<Quantity, Unit>& shown) const {
         return shown.usual != nullptr ? shown.usual : Utf8(Quantity::NomeDaUnidade(shown.unit));
     }
-    /// For below a heading that names the unit.
+    /// The number alone, for use under a heading with the unit.
     template <class Quantity, class Unit>
     std::string Number(const Shown<Quantity, Unit>& shown, const Quantity& value) const {
         return Decimal(value.Valor(shown.unit), shown.decimals);

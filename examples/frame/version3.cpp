@@ -1,5 +1,5 @@
-// Files of version 3 held plain numbers where there are quantities and points now. A field that is of another
-// kind than in the file counts as a field that the class lacks: it is offered to its class, which converts.
+// In files of version 3, today's quantities and points were plain numbers. A field whose kind differs from
+// the file's counts as one that the class lacks: the file's field is offered to the class, which converts it.
 
 #include "model.h"
 
@@ -11,7 +11,7 @@ using namespace ZoPrimitives;
 
 namespace {
 
-/// False when the field is another one. `unit` was that of the plain number.
+/// Reads the field if it is the one named; false otherwise. `unit` is the plain number's.
 template <class Quantity, class Unit>
 bool Take(TZoClassField* field, TBinInStream* stream, const char* name, Quantity& quantity, Unit unit) {
     if (field->GetFieldName() != name || field->GetFieldType() != ftDouble) return false;

@@ -6,8 +6,8 @@
 
 namespace Frame {
 
-/// A text of the model in UTF-8, for a terminal or a picture: characters that could command a terminal are
-/// shown as '?'.
+/// A text of the model in UTF-8, for a terminal or a picture. Characters that could control a terminal become
+/// '?'.
 std::string Printable(const ZoPrimitives::ZoString& text);
 
 /// The number of characters of a UTF-8 text.

@@ -3,12 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 
-// What the folding kernels share: arithmetic of polynomials over two values, reflected, bit 31 (or 63) being
-// the coefficient of x^0.
+// Shared by the folding kernels: arithmetic of polynomials modulo 2, reflected: bit 31 (or 63) is the
+// coefficient of x^0.
 
 namespace ZoPrimitives::Crc32Folding {
 
-constexpr std::uint32_t polynomial = 0xEDB88320; // that of x^32 is implied
+constexpr std::uint32_t polynomial = 0xEDB88320; // the term x^32 is implied
 
 /// x^degree modulo the polynomial, reflected.
 constexpr std::uint32_t PowerOfX(unsigned degree) {
@@ -29,8 +29,8 @@ constexpr std::uint64_t Inverse() {
     return inverse;
 }
 
-/// The factors that carry the two halves of a block over `Blocks` blocks of 16 bytes. A product of reflected
-/// factors comes out one place low, hence the shift.
+/// The factors that move the two halves of a block over `Blocks` blocks of 16 bytes. A product of reflected
+/// factors is one bit too low, hence the shift.
 template <unsigned Blocks>
 struct Carry {
     static constexpr std::uint64_t low = std::uint64_t{PowerOfX(128 * Blocks + 32)} << 1;
@@ -39,7 +39,7 @@ struct Carry {
 static_assert(Carry<1>::low == 0x1751997d0 && Carry<1>::high == 0x0ccaa009e);
 static_assert(Carry<4>::low == 0x154442bd4 && Carry<4>::high == 0x1c6e41596);
 
-/// Folds 16 bytes at a time. The processor must multiply without carries.
+/// Folds 16 bytes at a time. Requires carry-less multiplication.
 std::uint32_t FoldBlocks(std::uint32_t reg, const unsigned char* data, std::size_t size) noexcept;
 
 } // namespace ZoPrimitives::Crc32Folding

@@ -71,7 +71,7 @@ ZO_FOLDING inline __m128i Fold(__m128i block) {
     return _mm_xor_si128(_mm_clmulepi64_si128(block, carry, 0x00), _mm_clmulepi64_si128(block, carry, 0x11));
 }
 
-/// The register after a message of 64 bits, in the low half, whose own 32 zeros follow.
+/// The register after a message of 64 bits; the low half of `block` holds it, followed by its own 32 zeros.
 ZO_FOLDING inline std::uint32_t Reduce96(__m128i block) {
     const __m128i factors = _mm_set_epi64x(static_cast<long long>(std::uint64_t{polynomial} << 1 | 1),
                                            static_cast<long long>(Inverse()));
@@ -88,7 +88,7 @@ ZO_FOLDING inline std::uint32_t Reduce128(__m128i block) {
 
 ZO_FOLDING std::uint32_t FoldBelow16(std::uint32_t reg, const unsigned char* data,
                                      std::size_t size) noexcept {
-    // The message goes to the top of a block: zeros before it change nothing.
+    // Right-align the message in a block: leading zeros do not change the sum.
     if (size > 8) {
         std::uint64_t first, last;
         std::memcpy(&first, data, 8);
@@ -112,8 +112,8 @@ ZO_FOLDING std::uint32_t FoldBelow16(std::uint32_t reg, const unsigned char* dat
            reg >> (8 * size);
 }
 
-/// The 16 bytes from n on move the first n bytes of a block to its end; those from n + 16 on drop them and
-/// bring the rest to its start. Zeros come in.
+/// The 16 bytes from n on move the first n bytes of a block to its end; those from n + 16 on drop these bytes
+/// and move the rest to the start. Gaps become zero.
 alignas(64) constexpr unsigned char shuffles[48] = {
     0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80,
     0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0x0B, 0x0C, 0x0D, 0x0E, 0x0F,
@@ -129,7 +129,7 @@ ZO_FOLDING std::uint32_t Crc32Folding::FoldBlocks(std::uint32_t reg, const unsig
     __m128i block = _mm_xor_si128(Load(data), start);
     if (size == 16) return Reduce128(block);
 
-    // The odd bytes come first, so that whole blocks remain and nothing is left over.
+    // Sum the odd bytes first, so that only complete blocks remain.
     const std::size_t odd = ((size - 1) & 15) + 1;
     block = _mm_shuffle_epi8(block, Load(shuffles + odd));
     block = _mm_xor_si128(Fold<1>(block), Load(data + odd));

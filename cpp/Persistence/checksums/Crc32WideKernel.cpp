@@ -18,7 +18,7 @@ using namespace Crc32Folding;
 struct alignas(64) WideFactors {
     std::uint64_t carry16[2]; // over 16 blocks, as Carry<16>
     std::uint64_t carry4[2];
-    std::uint64_t finish[8]; // each of four blocks to what `Reduce96` takes
+    std::uint64_t finish[8]; // take each of four blocks to the input of `Reduce96`
     std::uint64_t barrett[2];
 };
 
@@ -36,15 +36,14 @@ alignas(64) constexpr auto startMarks = [] {
     return marks;
 }();
 
-/// Folds four blocks at once. The compiler never sees a wide value, so that it cannot spill one: not every
-/// system that we build for aligns the stack for that. Registers from 16 on belong to nobody in every calling
-/// convention.
+/// Folds four blocks at once. Assembly keeps the compiler from spilling wide values, because not every target
+/// system aligns the stack for them. No calling convention preserves registers from 16 on.
 ZO_USES_PROCESSOR("pclmul,sse4.1,avx512f,avx512bw,avx512vl,vpclmulqdq")
 std::uint32_t FoldWide(std::uint32_t reg, const unsigned char* data, std::size_t size) noexcept {
     if (size <= 24) return FoldBlocks(reg, data, size);
 
-    // The odd bytes come first, behind zeros: a masked load that ends with them. It reads nothing before
-    // `data`, but is very slow when it spans a page that cannot be read.
+    // Load the odd bytes first, behind zeros, with a masked load that ends with them. It reads nothing before
+    // `data`, but is very slow when it touches an unreadable page.
     std::size_t odd = ((size - 1) & 63) + 1;
     if (odd < 4 || (reinterpret_cast<std::uintptr_t>(data) & 4095) + odd < 64) {
         reg = FoldBlocks(reg, data, odd);
@@ -138,7 +137,7 @@ Crc32Kernels::Kernel Crc32Kernels::WideFolding() noexcept {
     return HasWideCarrylessMultiplication() ? &FoldWide : nullptr;
 }
 
-#else // where its twin of 16 bytes serves
+#else // the 16-byte kernel is used instead
 
 Crc32Kernels::Kernel Crc32Kernels::WideFolding() noexcept { return nullptr; }
 

@@ -37,7 +37,7 @@ void EncodeGroup(const unsigned char* in, char* out, unsigned count) {
     out[3] = count > 2 ? alphabet[bits & 63] : '=';
 }
 
-/// Takes the meanings of four characters; 0 for no valid group.
+/// Decodes the meanings of four characters; returns 0 for an invalid group.
 unsigned DecodeGroup(const unsigned char* in, unsigned char* out) {
     const unsigned count = in[3] != Padding ? 3 : in[2] != Padding ? 2 : 1;
     unsigned bits = 0;
@@ -53,7 +53,7 @@ unsigned DecodeGroup(const unsigned char* in, unsigned char* out) {
 } // namespace
 
 ZoString TBase64::EncodeBlock(unsigned char* data, unsigned long size) {
-    // Positions in a text are found as int.
+    // Positions in a text are of type int.
     constexpr unsigned long maximumSize = std::numeric_limits<std::int32_t>::max() / 4 * 3;
     ZO_ASSERT(size <= maximumSize, "size <= maximumSize", ZoSources::TBASE64);
     if (data == nullptr || size == 0) return "";

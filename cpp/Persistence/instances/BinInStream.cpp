@@ -10,7 +10,7 @@
 #include <cstring>
 #include <vector>
 
-// What a stream knows of the objects read from it.
+// The part of a stream that keeps the objects read from it.
 
 namespace ZoPrimitives {
 
@@ -29,7 +29,7 @@ ZoStreamableBase* TBinInStream::FirstObject() const {
 }
 
 ZoStreamableBase* TBinInStream::FindFirstObject(const ZoString& className) const {
-    // A class is registered without the namespaces that it stands in.
+    // Registered class names have no namespaces.
     for (ZoStreamableBase* object : Objects()) {
         const ZoString name = PlainClassName(object->StreamableClassName());
         const char* last = std::strrchr(name.c_str(), ':');
@@ -85,7 +85,7 @@ void TBinInStream::ClearExcludedFields() { instances->excluded.Clear(); }
 
 void TBinInStream::ReserveInstances() {
     if (!HasWindow()) return;
-    // Room that is not used costs address space only. How many uids there are is anybody's guess.
+    // Unused room costs only address space. The number of uids is unknown.
     constexpr std::size_t SMALLEST_RECORD = RecordFormat::HEAD_SIZE + 1;
     const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
     Platform::ExpectObjects(left);

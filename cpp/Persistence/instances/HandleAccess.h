@@ -19,7 +19,7 @@ public:
         return Get(stream.handles, object);
     }
     static void Set(ZoHandleTable& table, const ZoStreamableBase* object, int handle) {
-        // Runs before `endedBefore` ended before this one began; nobody else holds what they left behind.
+        // Runs below `endedBefore` ended before this one began; no other table uses their handles.
         if (table.run != 0 && (object->handleRun == table.run || object->handleRun < table.endedBefore)) {
             Put(object, table.run, handle);
         } else {
@@ -29,12 +29,12 @@ public:
 
     /// The number of the stream's run, which ends when its handles are reset; 0: none has begun.
     static std::uint64_t RunOf(const TBinOutStream& stream) { return stream.handles.run; }
-    /// The first uid that no object of the stream can have yet.
+    /// The smallest uid that no object of the stream has.
     static long long FirstNew(const TBinOutStream& stream) {
         return stream.handles.next == INT_MAX ? INT_MAX + 1LL : stream.handles.next;
     }
 
-    /// Gives an object that has none the next handle.
+    /// Gives the next handle to an object that has none.
     static void Give(ZoHandleTable& table, const ZoStreamableBase* object) {
         if (table.next == INT_MAX) ZoHandleTable::Refuse();
         Set(table, object, table.next++);
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    // A process that begins a million runs a second comes to their end after twelve days.
+    // At a million runs a second a process would take twelve days to use them up.
     static constexpr std::uint64_t RUN_BITS = (std::uint64_t{1} << 40) - 1;
 
     static void SetNew(ZoHandleTable& table, const ZoStreamableBase* object, int handle);

@@ -10,7 +10,7 @@
 
 namespace ZoPrimitives {
 
-/// Fields of a record that its class does not have, each with its place in the record.
+/// Fields of the current record that the application's class lacks, with their positions in the record.
 class ExcludedFields {
 public:
     struct Entry {
@@ -30,20 +30,20 @@ public:
 
 private:
     std::vector<Entry> entries;
-    std::size_t first = 0; // those before it were removed
+    std::size_t first = 0; // entries before it were removed
 };
 
-/// What an input stream knows of the objects read from it.
+/// The objects that an input stream has read, with its look-up tables.
 class InstanceTables {
 public:
     static InstanceTables& Of(const TBinInStream& stream) { return *stream.instances; }
 
-    /// The objects read, in the order of their records.
+    /// The objects read, in record order.
     const TDVector<ZoStreamableBase*>& Objects() const { return objects; }
     void Add(ZoStreamableBase* object, int uid);
-    /// The first object read under the uid; null for none.
+    /// The first object read under the uid; null if there is none.
     ZoStreamableBase* Find(int uid) const;
-    /// Takes the objects that `isRemoved` is true for out of the list. Needs no memory.
+    /// Removes the objects for which `isRemoved` returns true. Allocates nothing.
     template <class IsRemoved>
     void RemoveIf(IsRemoved isRemoved) noexcept {
         std::size_t kept = 0;
@@ -55,10 +55,10 @@ public:
         for (std::size_t left = uids.size() - kept; left > 0; --left) objects.RemoveLast();
         uids.resize(kept);
     }
-    /// The objects read; they and everything about them are forgotten here.
+    /// Returns the objects read and forgets them and their tables.
     TDVector<ZoStreamableBase*> Take() noexcept;
     void Reserve(std::size_t count);
-    /// Forgets what refers to the file's schema or serves the resolving of pointers.
+    /// Forgets references to the file's schema and tables that only serve to resolve pointers.
     void EndReading() noexcept;
     void Forget() noexcept;
 

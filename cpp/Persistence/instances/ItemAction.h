@@ -6,7 +6,7 @@
 
 namespace ZoPrimitives {
 
-/// The action that hands each item to a callable taking a `ZoStreamableBase*`; null items come too.
+/// A functor that passes each item, null or not, to a callable that takes a `ZoStreamableBase*`.
 template <class Callable>
 class ItemAction final : public ZoStreamableBaseFunctor {
 public:
@@ -17,7 +17,7 @@ private:
     Callable call;
 };
 
-/// The action that appends the items that are there to `list`, which outlives it.
+/// A functor that appends each item that is not null to `list`, which must outlive it.
 inline auto Gather(std::vector<ZoStreamableBase*>& list) {
     return ItemAction([&list](ZoStreamableBase* item) {
         if (item != nullptr) list.push_back(item);

@@ -9,9 +9,9 @@ namespace ZoPrimitives {
 
 class ZoStreamableBase;
 
-/// Objects by uid. Uids are dense as a rule, so the table is an array. Those that would make it much larger
-/// than the number of objects stand in a list, as long as they come in rising order, or in a map. A uid
-/// stands in one of the three.
+/// Maps uids to objects. Uids are usually dense, so the table is an array. Uids that would make it much
+/// larger than the number of objects go into a list while they ascend, otherwise into a map. A uid is in only
+/// one of the three.
 class UidTable {
 public:
     void Set(int uid, ZoStreamableBase* object) {
@@ -44,9 +44,9 @@ private:
 
     std::vector<ZoStreamableBase*> dense;
     std::vector<std::pair<int, ZoStreamableBase*>> rising;
-    std::map<int, ZoStreamableBase*> others; // no hash that a file could work against
+    std::map<int, ZoStreamableBase*> others; // not a hash table: a file could choose uids that collide
     std::size_t count = 0;
-    bool hasSparse = false; // one of the two holds something
+    bool hasSparse = false; // `rising` or `others` is not empty
 };
 
 } // namespace ZoPrimitives

@@ -13,7 +13,7 @@ namespace ZoPrimitives {
 
 namespace {
 
-/// The runs of all tables of the process that hold handles now, rising.
+/// The runs of all tables of the process that currently hold handles, ascending.
 class LiveRuns {
 public:
     std::uint64_t Begin(std::uint64_t& endedBefore) {
@@ -38,13 +38,13 @@ private:
 };
 
 LiveRuns& Runs() {
-    static LiveRuns* runs = new LiveRuns; // outlives every table, static ones included
+    static LiveRuns* runs = new LiveRuns; // never destroyed: static tables may outlive it
     return *runs;
 }
 
 } // namespace
 
-/// Handles of objects whose own place another live table holds.
+/// Handles of objects whose own slot belongs to another live table.
 struct ZoHandleTable::Shared {
     std::unordered_map<const ZoStreamableBase*, int> handles;
 };

@@ -20,7 +20,7 @@ void ClipboardInputStream::GetDataFromClipboard() {
     std::size_t bytes = 0;
     data = clipboard->Data(bytes);
     size = valuesEnd = bytes;
-    // The length of a value is never 0, so where only zeros are left there is no value.
+    // The length of a value is never 0, so trailing zeros hold no value.
     while (valuesEnd != 0 && data[valuesEnd - 1] == 0) --valuesEnd;
 }
 
@@ -33,7 +33,7 @@ void ClipboardInputStream::IncrementClipboardDataPointer(unsigned long long step
     consumed += step;
 }
 
-/// The size of the next value, which lies in the block as a whole. Throws and stays before it otherwise.
+/// The size of the next value. Throws, without moving, if the value reaches beyond the block.
 unsigned ClipboardInputStream::NextSize(const char* location) {
     CheckRead();
     const unsigned long long left = size - consumed;

@@ -16,7 +16,7 @@ ClipboardOutputStream::~ClipboardOutputStream() {
     try {
         Finalize();
     } catch (...) {
-        // Nobody to tell.
+        // A destructor cannot report it.
     }
 }
 

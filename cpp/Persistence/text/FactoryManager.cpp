@@ -5,7 +5,7 @@ namespace ZoPrimitives {
 
 IZoFactory::~IZoFactory() = default;
 
-/// Made at the first call, from wherever a program starts.
+/// Created on first use, so that static initialisers may call it.
 TFactoryManager::Factories& TFactoryManager::listFactories() {
     static auto* factories = new Factories;
     return *factories;
@@ -13,7 +13,7 @@ TFactoryManager::Factories& TFactoryManager::listFactories() {
 
 void TFactoryManager::AddFactory(IZoFactory* factory) {
     ZO_ASSERT(factory, "factory", ZoSources::FACTORY_MANAGER);
-    const pointer<IZoFactory> holder(factory); // it may be listed, and nowhere else
+    const pointer<IZoFactory> holder(factory); // the list may hold the only reference to it
     if (IZoFactory* present = GetFactory(factory->GetName())) listFactories().Remove(present);
     listFactories().Add(factory);
 }

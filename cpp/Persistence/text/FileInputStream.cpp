@@ -93,7 +93,7 @@ std::string_view FileInputStream::GetNextLine() {
 }
 
 void FileInputStream::Repeat(std::size_t length) {
-    // Who reads on to the limit has read no more than a small multiple of the file.
+    // A reader that stops at the limit has read no more than a small multiple of the file.
     constexpr std::size_t SHORT_LINE = 64;
     const auto weight = static_cast<unsigned>(1 + length / SHORT_LINE);
     SetRepeats(GetRepeats() < UINT_MAX - weight ? GetRepeats() + weight : UINT_MAX);

@@ -18,12 +18,12 @@ namespace {
 
 constexpr const char* LINE_END = "\r\n";
 
-/// A string with room for `size` bytes, or as many as there is memory for.
+/// A string with room for `size` bytes, or for as many as memory allows.
 std::string WithRoom(std::size_t size) {
     std::string text;
     for (;; size /= 2) {
         try {
-            text.reserve(size); // a short one needs no memory
+            text.reserve(size); // a short one allocates nothing
             return text;
         } catch (const std::bad_alloc&) {
             continue;
@@ -35,7 +35,7 @@ std::string WithRoom(std::size_t size) {
 
 FileOutputStream::FileOutputStream(const char* fileName, bool keepOpen)
     : file(nullptr), tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
-    // Emptied only when nothing else can fail.
+    // Empty the file only when nothing else can fail.
     file = Platform::Current().OpenFile(fileName, Platform::Access::ReadWrite, Platform::Share::Read,
                                         Platform::Creation::CreateAlways);
     if (file == nullptr) ThrowUnwritten(Platform::LastError(), "FileOutputStream::FileOutputStream");

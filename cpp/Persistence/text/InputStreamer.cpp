@@ -27,8 +27,8 @@ void RefuseTerminator(const ZoString& token, unsigned count) {
     throw XReadStream(TTranslatedString(TextCodes::TOO_DEEP).Text(), "InputStreamer::Read");
 }
 
-/// Objects nest as deep as the classes read on in ways of their own. What runs between two tokens, and the
-/// exception, must find room.
+/// Classes decide how deep objects nest. The code that runs between two tokens, and the exception, need the
+/// reserve.
 void RefuseShortStack() {
     constexpr std::size_t RESERVE = 128 * 1024;
     const Platform::Stack stack = Platform::CallersStack();
@@ -59,7 +59,7 @@ TextLevel::~TextLevel() {
     if (held) {
         ZoReferenceCount::Release(object);
     } else if (ZoReferenceCount::Count(object) == 1 && reader.members.erase(object) != 0) {
-        ZoReferenceCount::Surrender(object); // no `pointer` was filled with it
+        ZoReferenceCount::Surrender(object); // no `pointer` took hold of it
     }
 }
 
@@ -151,7 +151,7 @@ ZoStreamableBase* InputStreamer::CreateObject(const ZoString& className) {
             ZoReferenceCount::Add(object.get());
             return object.get();
         } catch (const XUnknownObject&) {
-            // The next one may know it.
+            // Ask the next factory.
         }
     }
     SkipObject();
@@ -166,7 +166,7 @@ void InputStreamer::SkipObject() {
             *this >> value;
         }
     } catch (const XStream&) {
-        // What is left is read by whoever reads next.
+        // The next read operation meets the rest.
     }
 }
 
@@ -195,7 +195,7 @@ ZoStreamableBase* InputStreamer::RetrieveObject(int handle) {
     ZoStreamableBase* object = found->second;
     if (ZoReferenceCount::Count(object) == 0) {
         members.insert(object);
-        ZoReferenceCount::Add(object); // its owner ends it, whatever else lets go of it
+        ZoReferenceCount::Add(object); // only its owner may delete it
     }
     return object;
 }

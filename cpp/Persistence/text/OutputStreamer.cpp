@@ -69,7 +69,7 @@ OutputStreamer& OutputStreamer::operator<<(ZoStreamableBase* object) {
     if (known != 0) return *this << TextCodes::REFERENCE << WholeText({std::to_string(known)});
     const Level level(*this);
     const ZoString name = object->StreamableClassName();
-    if (name.c_str()[0] == '\0') throw std::bad_alloc(); // the text was lost
+    if (name.c_str()[0] == '\0') throw std::bad_alloc(); // memory was short
     Number(object);
     *this << TextCodes::OBJECT << name;
     object->Write(*this);

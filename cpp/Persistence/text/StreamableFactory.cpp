@@ -22,9 +22,9 @@ bool StreamableFactory::ReadSection(InputStreamer*, ZoString) { return false; }
 
 ZoStreamableBase* StreamableFactory::CreateObject(ZoString className) {
     if (schema == nullptr) throw XUnknownObject();
-    const ZoString plain = PlainClassName(className);
-    TZoClass* known = schema->FindClass(plain);
-    if (known == nullptr) known = schema->FindClass(ZoRegisteredName(plain.c_str()));
+    const ZoString name = PlainClassName(className);
+    TZoClass* known = schema->FindClass(name);
+    if (known == nullptr) known = schema->FindClass(ZoRegisteredName(name.c_str()));
     ZoStreamableBase* object = known == nullptr ? nullptr : known->CreateInstance(schema, schema);
     if (object == nullptr) throw XUnknownObject();
     return object;

@@ -3,12 +3,12 @@
 namespace ZoPrimitives::TextCodes {
 
 // Group codes.
-inline constexpr int OBJECT = 0;    ///< an object begins, with its class's name, or its data end; alone: null
+inline constexpr int OBJECT = 0;    ///< begins an object or ends its data; alone, a null pointer
 inline constexpr int HANDLE = 3;    ///< the object's own handle
-inline constexpr int REFERENCE = 5; ///< the handle of an object written before
-inline constexpr int END = 7;       ///< an object's data end
+inline constexpr int REFERENCE = 5; ///< the handle of an object already written
+inline constexpr int END = 7;       ///< the end of an object's data
 
-/// What closes sections, tables and groups.
+/// Tokens that close sections, tables and groups.
 inline constexpr const char* TERMINATORS[] = {
     "ENDSEC", "ENDTAB", "ENDGROUP", "ENDGROUPELEMENTOS", "ENDGROUPELEMENTOPARARA", "ENDRAINDIV"};
 /// The last one closes something only where a pointer is expected.

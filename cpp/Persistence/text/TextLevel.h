@@ -4,11 +4,11 @@
 
 namespace ZoPrimitives {
 
-/// One level of nested objects, while an object's data are read; throws `XReadStream` when that is too deep.
-/// Levels of one object directly inside each other count once, until its data are read: data that are read
-/// within those of the same object lie deeper.
+/// One level of nested objects while an object's data are read; throws `XReadStream` when the nesting is too
+/// deep. Consecutive levels of the same object count once until `BeginData`: objects that its data contain
+/// are a level deeper.
 ///
-/// No `pointer` that the data fill or empty ends the object meanwhile.
+/// Keeps `pointer`s that the data fill or empty from deleting the object meanwhile.
 class TextLevel {
 public:
     TextLevel(InputStreamer& streamer, const ZoStreamableBase& read);
@@ -23,7 +23,7 @@ private:
     const ZoStreamableBase* object;
     const ZoStreamableBase* outer;
     int outerDepth;
-    bool held; // by `pointer`s, before
+    bool held; // `pointer`s held the object before
 };
 
 } // namespace ZoPrimitives

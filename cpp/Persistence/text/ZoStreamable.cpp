@@ -5,7 +5,7 @@
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 
-// What every object does with text.
+// The text input and output of every object.
 
 namespace ZoPrimitives {
 
@@ -21,7 +21,7 @@ void ZoStreamableBase::Read(InputStreamer& streamer) {
         try {
             if (!ReadData(code, streamer)) streamer.SkipValue();
         } catch (const XInvalidHandle&) {
-            // The value is dropped.
+            // Drop the value.
         }
     }
 }

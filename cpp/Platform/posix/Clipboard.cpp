@@ -20,19 +20,19 @@
 #include <utility>
 #include <vector>
 
-// The clipboard is a private folder of the user's with one file for the data in each format. Whoever has the
-// clipboard open holds a lock on the folder itself, which goes with the process. A file is replaced by
-// renaming a whole new one, so that even a reader that looks past the lock sees a whole block.
+// The clipboard is a private folder of the user with one file for each format. An open clipboard is a lock on
+// the folder, which ends with the process. A file is replaced by renaming a complete new one, so that even a
+// reader that ignores the lock sees a complete block.
 
 namespace ZoPrimitives::Platform {
 
 namespace {
 
 constexpr std::string_view FolderName = "zoprimitives-clipboard";
-constexpr const char* NewFile = "+new"; // no format's file is named so
+constexpr const char* NewFile = "+new"; // never the name of a format's file
 constexpr unsigned FirstFormat = 0xC000;
 constexpr unsigned FormatLimit = 0x4000;
-constexpr std::size_t LongestName = 80; // in bytes: each may take three of a file's 255
+constexpr std::size_t LongestName = 80; // in bytes: each may take three of a file name's 255
 
 struct HeapDeleter {
     void operator()(void* bytes) const { std::free(bytes); }
@@ -45,7 +45,7 @@ struct Opened {
 
     explicit Opened(Descriptor locked) : folder(std::move(locked)) {}
     ~Opened() {
-        // A child that ends must not release its parent's lock.
+        // A child must not release its parent's lock when it ends.
         if (getpid() == process) flock(folder.Get(), LOCK_UN);
     }
 };
@@ -67,7 +67,7 @@ std::vector<std::string>& Formats() {
     return names;
 }
 
-/// Letters, digits and '-' stand for themselves, other bytes as "%XX".
+/// Letters, digits and '-' remain, other bytes become "%XX".
 std::string FileOfFormat(const char* name) {
     std::string folded = name;
     LowercaseAnsi(folded.data(), folded.size());
@@ -82,7 +82,7 @@ std::string FileOfFormat(const char* name) {
     return file;
 }
 
-/// Empty for an unknown format, with the last error set.
+/// Empty, with the last error set, for an unknown format.
 std::string FileOfFormat(unsigned format) {
     const std::lock_guard lock(formatsMutex);
     if (format >= FirstFormat && format - FirstFormat < Formats().size())
@@ -100,7 +100,7 @@ int Uninterrupted(int folder, const char* name, int flags, mode_t permissions = 
     return descriptor;
 }
 
-/// The user's run-time folder. None where there is none, or where it is another user's, as after a change of
+/// The user's run-time folder. None if there is none, or if it belongs to another user, as after a change of
 /// users that kept the environment.
 Descriptor OpenRunTimeFolder() {
     const char* path = secure_getenv("XDG_RUNTIME_DIR");
@@ -115,8 +115,8 @@ bool Private(const struct stat& status) {
     return status.st_uid == geteuid() && (status.st_mode & 0777) == 0700;
 }
 
-/// Opens the clipboard's folder in `parent` (a descriptor, or AT_FDCWD for a path), making it where it is
-/// missing; only if it is this user's alone. On failure sets the last error.
+/// Opens the clipboard's folder in `parent` (a descriptor, or AT_FDCWD for a path), creating it if it is
+/// missing. Fails, setting the last error, unless it is private to this user.
 Descriptor OpenPrivateFolder(int parent, const char* name) {
     if (mkdirat(parent, name, 0700) != 0 && errno != EEXIST) {
         SetErrorFromErrno();
@@ -125,7 +125,7 @@ Descriptor OpenPrivateFolder(int parent, const char* name) {
     Descriptor folder(Uninterrupted(parent, name, O_RDONLY | O_DIRECTORY));
     struct stat status;
     if (folder && fstat(folder.Get(), &status) == 0 && Private(status)) return folder;
-    // What is no folder, or a link to one, is somebody's trap as well.
+    // Something else in its place, or a link to it, may be an attack too.
     if (folder || errno == ELOOP || errno == ENOTDIR || errno == EACCES)
         SetLastError(ErrorInvalidOwner);
     else
@@ -152,7 +152,7 @@ bool TryToOpen() {
             opened = std::make_unique<Opened>(std::move(folder));
             return true;
         }
-        errno = EWOULDBLOCK; // it was deleted meanwhile: there will be another
+        errno = EWOULDBLOCK; // the folder was deleted meanwhile: try again
     }
     if (errno == EWOULDBLOCK || errno == EINTR)
         SetLastError(ErrorSharingViolation);
@@ -163,9 +163,9 @@ bool TryToOpen() {
 
 // The data
 
-/// The file of a format, if it is one that this store made. On failure sets the last error.
+/// Opens the file of a format if this store made it. On failure sets the last error.
 Descriptor OpenData(int folder, const char* name, struct stat& status) {
-    // Not to wait for the other end of a pipe.
+    // Do not wait for the other end of a pipe.
     Descriptor file(Uninterrupted(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY));
     if (!file || fstat(file.Get(), &status) != 0) {
         SetErrorFromErrno();
@@ -176,7 +176,7 @@ Descriptor OpenData(int folder, const char* name, struct stat& status) {
     return Descriptor();
 }
 
-/// On failure reason in errno.
+/// On failure sets errno.
 bool WriteNewFile(int folder, const void* data, std::size_t size) {
     unlinkat(folder, NewFile, 0);
     const Descriptor file(Uninterrupted(folder, NewFile, O_WRONLY | O_CREAT | O_EXCL, 0600));

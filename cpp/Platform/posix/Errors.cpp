@@ -46,7 +46,7 @@ unsigned long ErrorFromErrno(int number) {
     case EINVAL:
     case EOVERFLOW:
         return ErrorInvalidParameter;
-    // A file that outgrows its file system is a full disk to Windows too.
+    // Windows also reports a full disk for a file that outgrows its file system.
     case ENOSPC:
     case EDQUOT:
     case EFBIG:

@@ -15,10 +15,10 @@ namespace ZoPrimitives::Platform {
 
 namespace {
 
-// Linux moves at most 2 GiB less a page in one call.
+// Linux transfers at most 2 GiB less a page in one call.
 constexpr std::size_t LargestTransfer = std::size_t{1} << 30;
 
-// A handle is the descriptor itself; standard input's number would be the null handle.
+// A handle is the descriptor itself; that of standard input would be the null handle.
 constexpr int LowestDescriptor = 3;
 
 FileHandle ToHandle(int descriptor) {
@@ -49,7 +49,7 @@ int OpenOnce(const char* path, Opening& opening) {
     if (descriptor < 0 && errno == ENOENT && opening.create) {
         descriptor = OpenUninterrupted(path, flags | O_CREAT | O_EXCL, opening.permissions);
         opening.created = descriptor >= 0;
-        // A link to a file that is still to be made, or somebody was quicker.
+        // A link to a missing file, or another process was faster.
         if (descriptor < 0 && errno == EEXIST)
             descriptor = OpenUninterrupted(path, flags | O_CREAT, opening.permissions);
     }
@@ -94,7 +94,7 @@ Descriptor::~Descriptor() {
 }
 
 Descriptor OpenShared(const char* path, Opening& opening) {
-    // A file that was deleted between being opened and being claimed is looked for again.
+    // Look again for a file that was deleted between being opened and being claimed.
     for (int attempt = 0; attempt < 16; ++attempt) {
         Descriptor file(OpenOnce(path, opening));
         if (!file) {
@@ -112,7 +112,7 @@ Descriptor OpenShared(const char* path, Opening& opening) {
             SetLastError(ErrorSharingViolation);
             return Descriptor();
         }
-        // The size is only now our own.
+        // Only now no other user can change the size.
         if (!Inspect(file.Get(), path, opening)) return Descriptor();
         if (opening.status.st_nlink != 0) return file;
     }
@@ -183,7 +183,7 @@ FileHandle Services::OpenFile(const char* path, Access access, Share share, Crea
 bool Services::CloseFile(FileHandle file) {
     const int descriptor = FromHandle(file);
     if (descriptor >= 0) ReleaseShare(descriptor);
-    // An interrupted close has closed.
+    // An interrupted close has closed the file.
     if (close(descriptor) == 0 || errno == EINTR) return true;
     SetErrorFromErrno();
     return false;

@@ -9,7 +9,7 @@
 
 namespace ZoPrimitives::Platform {
 
-/// Closes on leaving; the last error is kept.
+/// Closes the descriptor when destroyed, keeping the last error.
 class Descriptor {
 public:
     explicit Descriptor(int opened = -1) : number(opened) {}
@@ -37,36 +37,34 @@ private:
 struct Opening {
     Access access = Access::Read;
     Share share = Share::ReadWrite;
-    bool create = false;       // when it does not exist; an existing file is not emptied
-    mode_t permissions = 0666; // of a file that is created, less the umask
+    bool create = false;       // if it does not exist; an existing file is not emptied
+    mode_t permissions = 0666; // of a newly created file, less the umask
     bool created = false;      // set by OpenShared
     struct stat status = {};   // set by OpenShared
 };
 
-/// Opens a file or a device under the sharing rules. On failure sets the last error and returns none; what it
-/// created is gone then, unless others have opened it.
+/// Opens a file or a device under the sharing rules. On failure sets the last error, returns none, and
+/// removes the file if it created it, unless others have opened it.
 Descriptor OpenShared(const char* path, Opening& opening);
 
-/// Both go on until all is done: interrupted and partial calls are repeated. On failure false, reason in
-/// errno.
+/// Both repeat interrupted and partial calls until all is done. On failure they return false and set errno.
 bool ReadAll(int descriptor, void* data, std::size_t size, std::size_t& done);
 bool WriteAll(int descriptor, const void* data, std::size_t size);
 
-/// As `open` and `ftruncate`, but repeated when they are interrupted. (`close` is never repeated: the
-/// descriptor is gone in any case.)
+/// As `open` and `ftruncate`, but repeat interrupted calls. (`close` is never repeated: it always invalidates
+/// the descriptor.)
 int OpenUninterrupted(const char* path, int flags, mode_t permissions = 0);
 int TruncateUninterrupted(int descriptor, off_t size);
 
-/// Brings a file's data to the device; true for a device that has nothing to bring. On failure reason in
-/// errno.
+/// Writes a file's data to the device; true for a device that buffers nothing. On failure sets errno.
 bool Synchronise(int descriptor);
-/// Brings the names in a folder to the device, as far as the file system and permissions let us.
+/// Writes a folder's entries to the device, as far as the file system and permissions allow.
 void SynchroniseFolder(const char* folder);
 
-/// Whether no one may write, by the permission bits: they hold for the superuser too.
+/// Whether the permission bits forbid everyone to write; they bind the superuser here too.
 inline bool ReadOnly(const struct stat& status) { return (status.st_mode & 0222) == 0; }
 
-/// Whether `type` (as in statfs) is a file system of another machine. FUSE counts as local: its type does not
+/// Whether `type` (as in statfs) is a network file system. FUSE counts as local, because its type does not
 /// tell.
 bool NetworkFileSystem(std::uint32_t type);
 

@@ -8,15 +8,15 @@
 #include <random>
 #include <unistd.h>
 
-// An opening tells what it does and what it denies by shared locks on single bytes far beyond any data:
-// shared locks suffice, so that a descriptor for reading can place them, and asking for a conflict with an
-// exclusive lock finds those of others. The locks belong to the open file description: two openings in one
-// process meet each other, and the locks of a process that dies are gone.
+// An opening marks what it does and what it denies with shared locks on single bytes far beyond any data.
+// Shared locks suffice: a descriptor for reading can place them, and testing for a conflict with an exclusive
+// lock finds those of others. The locks belong to the open file description, so two openings in one process
+// see each other, and a process that dies releases its locks.
 //
-// Placing and asking are two steps. An opening first shows its marks on the tentative bytes, then asks for
-// others' tentative ones, then for settled ones, and only then places its own settled ones. Of two rivals at
-// least one sees the other's tentative marks and starts over; one that has settled is seen for good. Asking
-// in the other order would miss a rival that settles in between.
+// Placing and testing are two steps. An opening first places its marks on the tentative bytes, then tests
+// others' tentative marks, then their settled ones, and only then places its own settled ones. Of two rivals
+// at least one sees the other's tentative marks and starts over; a settled opening stays visible. Testing in
+// the other order would miss a rival that settles in between.
 
 namespace ZoPrimitives::Platform {
 
@@ -24,8 +24,8 @@ namespace {
 
 static_assert(sizeof(off_t) == 8);
 
-// Processes that use two versions of the library meet here: the places never change.
-// In this order what an opening places is always one run of bytes.
+// Processes with different versions of the library meet here: never change the positions. In this order the
+// marks of an opening are always one run of bytes.
 enum Mark : unsigned { Writes = 1, Reads = 2, DeniesWriting = 4, DeniesReading = 8 };
 constexpr int MarkCount = 4;
 
@@ -82,7 +82,7 @@ unsigned HostileMarks(Access access, Share share) {
     return marks;
 }
 
-/// Waits a while, at random, and returns the milliseconds.
+/// Waits a short random time and returns it in milliseconds.
 unsigned WaitForRival(unsigned attempt) {
     static thread_local std::minstd_rand random{std::random_device{}()};
     const unsigned milliseconds = std::uniform_int_distribution<unsigned>{1, std::min(attempt, 4U)}(random);
@@ -107,14 +107,14 @@ bool ClaimShare(int descriptor, Access access, Share share) {
         Clear(descriptor, Tentative, MarkCount);
         if (holder) return false;
         if (!rival) return true;
-        // A rival settles or gives up at once, unless its process was stopped on the way.
+        // A rival settles or gives up at once, unless its process is stopped.
         if (waited > Patience) return false;
         waited += WaitForRival(attempt);
     }
 }
 
 void ReleaseShare(int descriptor) {
-    // A child that closes what it inherited must not release its parent's claim.
+    // A child that closes an inherited descriptor must not release its parent's claim.
     if (getpid() == ownProcess) Clear(descriptor, Settled, AllMarks);
 }
 

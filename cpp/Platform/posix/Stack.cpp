@@ -15,7 +15,7 @@ struct Bounds {
     std::size_t size = 0;
 };
 
-/// Where the system cannot say (no memory, no /proc), half of what a stack usually has, from here downward.
+/// For when the system does not tell (no memory, no /proc): half of the usual stack, downward from here.
 Bounds Guessed(std::uintptr_t here) {
     constexpr rlim_t USUAL = 8 << 20;
     rlimit limit{};

@@ -14,7 +14,7 @@ void UppercaseAnsi(char* text, std::size_t size) { MapCase(text, size, UPPER); }
 void LowercaseAnsi(char* text, std::size_t size) { MapCase(text, size, LOWER); }
 
 ClassicLocale::ClassicLocale() {
-    // Never freed: texts are formatted until the process ends.
+    // Never freed, because texts are formatted until the process ends.
     static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
     previous = uselocale(classic);
 }

@@ -58,14 +58,14 @@ bool Services::LocalTime(std::int64_t seconds, CalendarTime& time) {
 }
 
 int Services::StandardTimeBias() {
-    // The zone's present rules are looked up at times around now; no daylight saving is shorter than a step.
+    // Look the zone's current rules up at times around now; daylight saving always lasts longer than a step.
     constexpr std::int64_t Step = 14 * 86'400;
     constexpr std::int64_t Year = 366 * 86'400;
     const std::int64_t now = SystemTime() / TICKS_PER_SECOND;
     tm present;
     if (!Local(now, present)) return 0;
-    // Of the two offsets the smaller one is the standard's, also where the zone's rules have a negative
-    // daylight saving in winter.
+    // Standard time has the smaller of the two offsets, even if the zone's rules define negative daylight
+    // saving in winter.
     const auto bias = [&](const tm& other) {
         return static_cast<int>(-std::min(present.tm_gmtoff, other.tm_gmtoff) / 60);
     };
@@ -76,16 +76,16 @@ int Services::StandardTimeBias() {
             if (Local(now + direction * distance, other) && (other.tm_isdst > 0) != daylight)
                 return bias(other);
         }
-        if (!daylight) return bias(present); // what was abolished does not count
+        if (!daylight) return bias(present); // ignore rules that were abolished
     }
-    return bias(present) + 60; // daylight saving all the year
+    return bias(present) + 60; // daylight saving all year
 }
 
 std::FILE* Services::OpenTraceFile(bool truncate) {
     const std::string path = TracePath();
     Descriptor file(OpenUninterrupted(
         path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | (truncate ? 0 : O_APPEND), 0600));
-    // A second name could be another user's, of a file that is worth something here.
+    // A second link could be a valuable file of another user.
     struct stat status;
     if (!file || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
         status.st_nlink != 1)

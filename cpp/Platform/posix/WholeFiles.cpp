@@ -13,16 +13,16 @@ namespace ZoPrimitives::Platform {
 
 namespace {
 
-// Lets the file system, or the server, copy as far as it can; says nothing of what it could not.
+// Lets the file system, or the server, copy as much as it can; reports no errors.
 void CopyWithinSystem(int from, int to) {
     constexpr std::size_t Step = std::size_t{1} << 30;
     while (copy_file_range(from, nullptr, to, nullptr, Step, 0) > 0) {
     }
 }
 
-// On failure reason in errno.
+// On failure sets errno.
 bool CopyRest(int from, int to) {
-    char buffer[std::size_t{1} << 16]; // by now nothing may fail for want of memory
+    char buffer[std::size_t{1} << 16]; // on the stack: from here on nothing may fail for lack of memory
     for (;;) {
         std::size_t done = 0;
         if (!ReadAll(from, buffer, sizeof buffer, done) || !WriteAll(to, buffer, done)) return false;
@@ -30,7 +30,7 @@ bool CopyRest(int from, int to) {
     }
 }
 
-// Takes the room for the whole copy before the target loses anything. False only when there is none.
+// Reserves room for the whole copy before the target loses anything. False only if there is none.
 bool Reserve(int descriptor, const struct stat& before, off_t size) {
     if (size == 0) return true;
     int result;
@@ -43,7 +43,7 @@ bool Reserve(int descriptor, const struct stat& before, off_t size) {
     return false;
 }
 
-// On failure reason in errno.
+// On failure sets errno.
 bool CopyContent(int from, const struct stat& source, int to, const struct stat& target) {
     const bool regular = S_ISREG(target.st_mode);
     if (regular && !Reserve(to, target, source.st_size)) return false;
@@ -52,13 +52,13 @@ bool CopyContent(int from, const struct stat& source, int to, const struct stat&
     if (!regular) return Synchronise(to);
     const off_t length = lseek(to, 0, SEEK_CUR);
     if (length < 0 || TruncateUninterrupted(to, length) != 0) return false;
-    // A copy is as old as its source: the backup bears the date of the version that it holds.
+    // A copy keeps its source's date, so a backup shows the date of its version.
     const timespec times[2] = {{0, UTIME_OMIT}, source.st_mtim};
     futimens(to, times);
     return Synchronise(to);
 }
 
-// Whether `number` (of errno) says that writing is not allowed, rather than that it could not be told.
+// Whether the errno value `number` says that writing is forbidden, not just that it cannot be determined.
 bool Forbidden(int number) {
     return number == EACCES || number == EPERM || number == EROFS || number == ETXTBSY;
 }
@@ -70,9 +70,10 @@ bool RandomName(char* letters, std::size_t count) {
     return true;
 }
 
-/// Claims a file, alone, whose name is to go; sets the last error and returns false when it must stay.
+/// Claims a file exclusively before its name is removed; if it must stay, sets the last error and returns
+/// false.
 bool ClaimName(const char* path, Descriptor& claim, const struct stat& status) {
-    // Of a link it is the link that goes.
+    // For a link, the link itself is removed.
     const bool link = S_ISLNK(status.st_mode);
     if (S_ISDIR(status.st_mode) || (!link && ReadOnly(status))) {
         SetLastError(ErrorAccessDenied);
@@ -81,7 +82,7 @@ bool ClaimName(const char* path, Descriptor& claim, const struct stat& status) {
     if (!S_ISREG(status.st_mode)) return true;
     claim = Descriptor(OpenUninterrupted(path, O_RDONLY | O_NOFOLLOW));
     if (!claim) {
-        // What we may not read we may still delete.
+        // An unreadable file may still be deleted.
         if (errno == EACCES) return true;
         SetErrorFromErrno(path);
         return false;
@@ -113,7 +114,7 @@ bool Services::CopyWholeFile(const char* from, const char* to) {
         SetLastError(ErrorSharingViolation);
         return false;
     }
-    // The umask may have taken away what the source's owner granted; some file systems have no permissions.
+    // The umask may have removed permissions that the source's owner granted; some file systems have none.
     if (target.created) fchmod(out.Get(), target.permissions);
     if (!CopyContent(in.Get(), source.status, out.Get(), target.status)) {
         SetErrorFromErrno();
@@ -192,14 +193,14 @@ bool NetworkFileSystem(std::uint32_t type) {
     case 0xFF534D42: // CIFS
     case 0x564C:     // NCP
     case 0x5346414F: // AFS
-    case 0x6B414653: // AFS of the kernel
+    case 0x6B414653: // AFS of the Linux kernel
     case 0x73757245: // Coda
     case 0x01021997: // 9P
     case 0x00C36400: // Ceph
     case 0x0BD00BD0: // Lustre
     case 0x47504653: // GPFS
     case 0x19830326: // BeeGFS
-    case 0x786F4256: // a folder of a virtual machine's host
+    case 0x786F4256: // a folder shared by a virtual machine's host
         return true;
     default:
         return false;
@@ -210,12 +211,12 @@ bool Services::NetworkFile(const char* path) {
     if (path == nullptr || *path == '\0') return false;
     const FolderOf folder(path);
     struct statfs status;
-    for (const char* place : {path, folder.c_str()}) {
+    for (const char* queried : {path, folder.c_str()}) {
         int result;
-        do result = statfs(place, &status);
+        do result = statfs(queried, &status);
         while (result != 0 && errno == EINTR);
         if (result == 0) return NetworkFileSystem(static_cast<std::uint32_t>(status.f_type));
-        // A server that does not answer is one.
+        // A file system that does not answer is on a server.
         if (!Absent(errno)) return errno != EACCES;
     }
     return false;
@@ -228,7 +229,7 @@ std::string Services::TemporaryFileName(const char* target) {
     }
     struct stat status;
     mode_t permissions = 0666;
-    // Never more open than the target that it will become.
+    // Never less private than the target that it will become.
     if (stat(target, &status) == 0) {
         permissions = (status.st_mode & 0777) | 0600;
     } else if (!Absent(errno)) {

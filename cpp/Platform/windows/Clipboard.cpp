@@ -8,8 +8,9 @@ namespace ZoPrimitives::Platform {
 
 namespace {
 
-// Whose turn it is among the users of the library: some systems take all who open the clipboard without a
-// window for one. It passes on when its thread ends. Null: none to be had, the system decides alone.
+// Serialises the users of the library: some systems take all callers that open the clipboard without a window
+// for the same one. A thread's end releases the mutex. Null if it cannot be created; then only the system
+// decides.
 HANDLE Turn() {
     static const HANDLE mutex = CreateMutexA(nullptr, FALSE, "Local\\ZoPrimitives.Clipboard");
     return mutex;
@@ -54,7 +55,7 @@ bool TryToOpen() {
     }
     const unsigned long error = LastError();
     PassTurn();
-    // This is how the system says that another program has it open.
+    // The system reports this when another program has it open.
     SetLastError(error == ErrorAccessDenied ? ErrorSharingViolation : error);
     return false;
 }
@@ -102,7 +103,7 @@ const void* Services::ClipboardData(unsigned format, std::size_t& size) {
 
 bool Services::SetClipboardData(unsigned format, const void* data, std::size_t size) {
     if (!OpenedHere()) return false;
-    // One without bytes could be neither filled nor read.
+    // A block without bytes could be neither filled nor read.
     const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size != 0 ? size : 1);
     if (block == nullptr) return false;
     void* const bytes = GlobalLock(block);
@@ -110,7 +111,7 @@ bool Services::SetClipboardData(unsigned format, const void* data, std::size_t s
         if (size != 0) std::memcpy(bytes, data, size);
         GlobalUnlock(block);
         opened.Unlock();
-        // What the system has taken is the system's.
+        // The system owns a block that it has accepted.
         if (EmptyClipboard() && ::SetClipboardData(format, block) != nullptr) return true;
     }
     const unsigned long error = LastError();

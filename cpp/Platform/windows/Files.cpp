@@ -7,7 +7,7 @@ namespace ZoPrimitives::Platform {
 
 namespace {
 
-// Some servers refuse more in one call.
+// Some servers refuse larger transfers.
 constexpr std::size_t LargestTransfer = std::size_t{16} << 20;
 
 } // namespace
@@ -95,7 +95,7 @@ bool Services::TruncateFile(FileHandle file, unsigned long long size) {
 }
 
 bool Services::SynchroniseFile(FileHandle file) {
-    // A device that has nothing to bring does not know the function.
+    // A device that buffers nothing does not support the function.
     return ::FlushFileBuffers(file) != 0 || ::GetLastError() == ERROR_INVALID_FUNCTION;
 }
 

@@ -4,7 +4,7 @@
 namespace ZoPrimitives::Platform {
 
 void Services::ShowMessageBox(const char* text) {
-    // A null caption would be "Error" in the language of the system.
+    // A null caption would show "Error" in the system's language.
     ::MessageBoxA(nullptr, text, "", MB_OK | MB_ICONHAND);
 }
 

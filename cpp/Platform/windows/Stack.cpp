@@ -1,7 +1,7 @@
 #include "Platform/Compiler.h"
 #include "Platform/Platform.h"
 
-// `GetCurrentThreadStackLimits` came with Windows 8.
+// `GetCurrentThreadStackLimits` requires Windows 8.
 #if !defined(_WIN32_WINNT) || _WIN32_WINNT < 0x0602
 #undef _WIN32_WINNT
 #define _WIN32_WINNT 0x0602

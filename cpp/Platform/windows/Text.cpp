@@ -16,8 +16,8 @@ namespace ZoPrimitives::Platform {
 
 namespace {
 
-// The system maps by the process's code page. Where that is another one than that of our texts, it would take
-// the bytes for other letters.
+// The system maps by the process's code page. With another page than that of our texts it would mistake the
+// bytes for other letters.
 bool SystemMapsOurTexts() {
     static const bool same = ::GetACP() == 1252;
     return same;
@@ -30,7 +30,7 @@ void Map(char* text, std::size_t size, DWORD(WINAPI* map)(LPSTR, DWORD), const C
         MapCase(text, size, table);
 }
 
-/// While it lives the calling thread writes numbers as C does.
+/// Makes the calling thread write numbers as C does during its lifetime.
 class ClassicNumbers {
 public:
     ClassicNumbers() {

@@ -16,8 +16,8 @@ std::int64_t Services::SystemTime() {
 }
 
 bool Services::LocalTime(std::int64_t seconds, CalendarTime& time) {
-    constexpr std::int64_t End = 32'535'215'999; // of the year 3000
-    // A call beyond is a fault that the C runtime may end the process for.
+    constexpr std::int64_t End = 32'535'215'999; // the last second of the year 3000
+    // Beyond it the C runtime may end the process.
     const __time64_t value = seconds;
     tm local;
     if (value < 0 || value > End || _localtime64_s(&local, &value) != 0) return false;
@@ -35,8 +35,7 @@ std::FILE* Services::OpenTraceFile(bool truncate) {
     return std::fopen("c:\\temp\\Trace.txt", truncate ? "w" : "a");
 }
 
-// What is called in its scope goes by the locale of C++ here, which is the classic one unless the application
-// replaces it.
+// Calls in its scope use the C++ locale here, which is the classic one unless the application replaces it.
 ClassicLocale::ClassicLocale() : previous(nullptr) {}
 ClassicLocale::~ClassicLocale() = default;
 

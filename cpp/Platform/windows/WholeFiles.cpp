@@ -10,7 +10,7 @@ namespace ZoPrimitives::Platform {
 
 namespace {
 
-/// Closes on leaving; the last error is kept.
+/// Closes the handle when destroyed, keeping the last error.
 class File {
 public:
     explicit File(HANDLE opened) : handle(opened) {}
@@ -29,7 +29,7 @@ private:
     HANDLE handle;
 };
 
-/// Opens among all others.
+/// Opens a file whatever others do with it.
 File OpenAmongAll(const char* path, DWORD access) {
     return File(::CreateFileA(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -49,7 +49,7 @@ bool SameFile(const char* a, const char* b) {
            one.nFileIndexHigh == other.nFileIndexHigh && one.nFileIndexLow == other.nFileIndexLow;
 }
 
-/// What a file takes of its disk, or 0 for one that is not there.
+/// The disk space of a file; 0 if it does not exist.
 unsigned long long Room(const char* path) {
     DWORD high = 0;
     ::SetLastError(ErrorNone);
@@ -74,7 +74,7 @@ std::string FolderOf(std::string_view path) {
     return std::string(path.substr(0, path.find_last_of("\\/:") + 1));
 }
 
-/// Whether the copy surely finds no room. False too where the disk does not tell.
+/// Whether the copy certainly does not fit. False also if the disk does not tell.
 bool NoRoom(const char* from, const char* to) {
     ULARGE_INTEGER available;
     if (::GetDiskFreeSpaceExA(FolderOf(FullPath(to)).c_str(), &available, nullptr, nullptr) == 0)
@@ -83,7 +83,7 @@ bool NoRoom(const char* from, const char* to) {
     return needed > present && needed - present > available.QuadPart;
 }
 
-/// Brings a copy to the device, whether its source was read-only or not.
+/// Writes a copy to the device, even if it is read-only like its source.
 bool SynchroniseCopy(const char* path) {
     const DWORD attributes = ::GetFileAttributesA(path);
     const bool readOnly =
@@ -96,7 +96,7 @@ bool SynchroniseCopy(const char* path) {
     return ::FlushFileBuffers(file.Get()) != 0 || ::GetLastError() == ERROR_INVALID_FUNCTION;
 }
 
-/// Repeats what other programs may be in the way of for a moment: scanners of viruses, indexers, backups.
+/// Retries for a while when other programs (virus scanners, indexers, backups) may be in the way.
 template <class Operation>
 bool DespiteInterference(Services& services, Operation operation) {
     constexpr unsigned Longest = 640;
@@ -119,7 +119,7 @@ bool Services::CopyWholeFile(const char* from, const char* to) {
     const DWORD target = ::GetFileAttributesA(to);
     const bool fresh = target == INVALID_FILE_ATTRIBUTES;
     if (fresh && !NotFound(::GetLastError())) return false;
-    // What waiting would not change.
+    // These do not change by waiting.
     if ((source & FILE_ATTRIBUTE_DIRECTORY) != 0) return Fails(ErrorAccessDenied);
     if (!fresh && (target & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0)
         return Fails(ErrorAccessDenied);
@@ -129,7 +129,7 @@ bool Services::CopyWholeFile(const char* from, const char* to) {
                         DespiteInterference(*this, [&] { return SynchroniseCopy(to); });
     if (copied) return true;
     const DWORD error = ::GetLastError();
-    // Where others are in the way, the file is perhaps theirs.
+    // If others are in the way, the file may be theirs.
     if (fresh && error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) ::DeleteFileA(to);
     return Fails(error);
 }
@@ -139,12 +139,12 @@ bool Services::DeleteWholeFile(const char* path) { return ::DeleteFileA(path != 
 bool Services::MoveWholeFile(const char* from, const char* to) {
     if (from == nullptr) from = "";
     if (to == nullptr) to = "";
-    // Not every system refuses that by itself.
+    // Not every system refuses this by itself.
     const DWORD attributes = ::GetFileAttributesA(to);
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
         return Fails(ErrorAccessDenied);
     return DespiteInterference(*this, [&] {
-        // Moving onto an open file is merely denied: asking to delete it tells why.
+        // Moving onto an open file is only reported as denied; opening it for deletion tells why.
         if (!OpenAmongAll(to, DELETE) && ::GetLastError() == ERROR_SHARING_VIOLATION) return false;
         return ::MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     });
@@ -158,7 +158,7 @@ bool Services::FileExists(const char* path, bool* readOnly) {
     if (readOnly == nullptr) return true;
     *readOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
     if (*readOnly) return true;
-    // Access rights, or the disk, may forbid writing too: only trying tells.
+    // Access rights or the disk may forbid writing too, which only an attempt tells.
     if (!OpenAmongAll(path, GENERIC_WRITE)) {
         const DWORD error = ::GetLastError();
         *readOnly = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
@@ -170,7 +170,7 @@ bool Services::NetworkFile(const char* path) {
     if (path == nullptr || *path == '\0') return false;
     const std::string full = FullPath(path);
     const std::string_view name = full;
-    // Of a server's share; a path that begins with \\?\ or \\.\ is so only when UNC\ follows.
+    // A path on a server's share; one that begins with \\?\ or \\.\ is such a path only if UNC\ follows.
     if (name.substr(0, 2) == "\\\\") {
         const bool verbatim = name.substr(2, 2) == "?\\" || name.substr(2, 2) == ".\\";
         if (!verbatim) return true;

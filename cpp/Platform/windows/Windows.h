@@ -1,6 +1,6 @@
 #pragma once
 
-// <windows.h> without what nobody here wants.
+// <windows.h> without the parts that the library does not use.
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif

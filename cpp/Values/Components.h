@@ -19,8 +19,8 @@ inline Components Cross(const Components& a, const Components& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-/// The exponent of the power of two that scales the largest component to 1 or a little more; 0 if all are 0
-/// or one is infinite.
+/// The exponent of the power of two that scales the largest magnitude into [1, 2); 0 if all are 0 or one is
+/// infinite.
 inline int ScaleOf(const Components& v) {
     const double largest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
     return largest > 0 && std::isfinite(largest) ? -std::ilogb(largest) : 0;

@@ -94,7 +94,7 @@ constexpr bool HasStorageUnit(UnitTable table) {
     return found;
 }
 
-/// Whether reading inverts storing to six digits; the unit `loose` (-1 for none) only to four.
+/// Whether reading inverts storing within 1e-6; for the unit `loose` (-1 for none), within 2e-4.
 constexpr bool UnitsConvertBack(UnitTable table, int loose = -1) {
     for (const UnitRow& row : table) {
         for (const UnitStep& step :

@@ -180,7 +180,7 @@ void RealText::AppendDigits(double value) noexcept {
         const std::to_chars_result last =
             std::to_chars(exponentDigits, exponentDigits + sizeof exponentDigits, distance);
         const std::string_view power(exponentDigits, static_cast<std::size_t>(last.ptr - exponentDigits));
-        for (std::size_t digits = power.size(); digits < EXPONENT_DIGITS; ++digits) Append("0");
+        for (std::size_t written = power.size(); written < EXPONENT_DIGITS; ++written) Append("0");
         Append(power);
     } else if (exponent < 0) {
         Append("0.");

@@ -5,8 +5,8 @@
 namespace ZoPrimitives {
 
 /// One level of nested objects while an object's data are read; throws `XReadStream` when the nesting is too
-/// deep. Consecutive levels of the same object count once until `BeginData`: objects that its data contain
-/// are a level deeper.
+/// deep. Directly nested levels of the same object count once until `BeginData`; from then on they are a
+/// level deeper.
 ///
 /// Keeps `pointer`s that the data fill or empty from deleting the object meanwhile.
 class TextLevel {

@@ -14,7 +14,7 @@ class TBinInStream;
 /// Reads what `TBinOutStreamer` wrote: makes one object for each record, fills its fields through the file's
 /// schema and resolves its pointers.
 ///
-/// An object of a class that the application does not know is replaced by one of the class's first known
+/// An object of a class that the application does not know is replaced by an object of the first known
 /// ancestor, or dropped; pointers to a dropped object become null. The objects belong to the caller: the
 /// first one is the root, which usually owns the rest, and `TBinInStream::Objects` lists them all. Nothing
 /// owns the children of a dropped object any more: `TBinInStream::TakeObjects` takes all objects over at

@@ -51,7 +51,7 @@ public:
     void RewriteHeader() override;
     bool PutsDirectly() const override;
 
-    /// Where in the file, in bytes, the next ones go. Writes what is gathered first.
+    /// The offset of the next write in the file, in bytes. Writes what is gathered first.
     unsigned long long GetPosition();
     /// Writes what is gathered and returns to the header's position: the next bytes go there.
     void Reset();

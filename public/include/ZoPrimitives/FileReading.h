@@ -7,7 +7,7 @@ namespace ZoPrimitives {
 /// | is open       | a locking reader | a viewer | a writer in place | a save through a temporary file |
 /// |---------------|------------------|----------|-------------------|---------------------------------|
 /// | locking       | refused          | opens    | refused           | refused at its end              |
-/// | viewing       | opens            | opens    | opens             | goes on                         |
+/// | viewing       | opens            | opens    | opens             | succeeds                        |
 /// | being written | refused          | opens    | refused           | refused at its end              |
 enum class TFileReading {
     /// The file is locked against writers and other locking readers. A read-only file is viewed instead.

@@ -10,8 +10,8 @@
 // "a|b".
 //
 // The units are those of the technical system: kgf, cm, s, °C, with 1 kN = 100 kgf and 1 kp = 1 kgf by
-// convention. The literals are the definition: files and drawings depend on their last bit, which more exact
-// physical constants would change.
+// convention. The literals are the definition: files and drawings depend on their last bit, and more exact
+// physical constants would change both.
 
 // clang-format off
 

@@ -46,6 +46,8 @@ public:
     std::optional<bool> network;
     /// What FileExists says of `readOnly` for an existing file; not set: what the system says.
     std::optional<bool> readOnly;
+    /// What FileSize says; not set: what the system says.
+    std::optional<unsigned long long> claimedSize;
     /// Called before each operation, with the text that it leaves in Calls().
     std::function<void(const std::string& call)> onCall;
     /// Called instead of waiting.
@@ -94,7 +96,9 @@ public:
         return !Fails("SeekFile", Label(file)) && Services::SeekFile(file, offset, origin, position);
     }
     bool FileSize(Platform::FileHandle file, unsigned long long& size) override {
-        return !Fails("FileSize", Label(file)) && Services::FileSize(file, size);
+        if (Fails("FileSize", Label(file)) || !Services::FileSize(file, size)) return false;
+        size = claimedSize.value_or(size);
+        return true;
     }
     bool TruncateFile(Platform::FileHandle file, unsigned long long size) override {
         return !Fails("TruncateFile", Label(file)) && Services::TruncateFile(file, size);

@@ -1,19 +1,15 @@
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "ZoPrimitives/CRC32.h"
 #include "ZoPrimitives/XStream.h"
+#include "support/Assertions.h"
 #include "support/FaultyServices.h"
 #include "support/TemporaryFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <zlib.h>
 
-#include <random>
-#include <string>
-#include <vector>
-
 using namespace ZoPrimitives;
-using ZoPrimitives::Testing::InstalledServices;
-using ZoPrimitives::Testing::TemporaryFolder;
+using namespace ZoPrimitives::Testing;
 
 namespace {
 
@@ -101,69 +97,34 @@ TEST(CRC32Tests, SumsAWholeFile) {
     }
 }
 
-/// A file that claims `size` bytes, holds `content` and fails where it is told to.
-class FakeFile : public Platform::Services {
-public:
-    unsigned long long size = 3;
-    std::string content = "abc";
-    bool opens = true, measures = true, reads = true;
-    int open = 0;
-
-    Platform::FileHandle OpenFile(const char*, Platform::Access access, Platform::Share,
-                                  Platform::Creation) override {
-        EXPECT_EQ(access, Platform::Access::Read);
-        left = content;
-        return opens ? ++open, this : nullptr;
-    }
-    bool CloseFile(Platform::FileHandle) override { return --open, true; }
-    bool FileSize(Platform::FileHandle, unsigned long long& result) override {
-        return result = size, measures;
-    }
-    bool ReadFile(Platform::FileHandle, void* data, std::size_t wanted, std::size_t& done) override {
-        done = left.copy(static_cast<char*>(data), wanted);
-        left.erase(0, done);
-        return reads || done > 0;
-    }
-
-private:
-    std::string left;
-    InstalledServices installed{*this};
-};
-
 TEST(CRC32Tests, UnreadableFilesThrowAndLeaveTheSum) {
     const struct {
         const char* name;
-        void (*spoil)(FakeFile&);
+        void (*spoil)(FaultyServices&);
     } cases[] = {
-        {"missing", [](FakeFile& file) { file.opens = false; }},
-        {"size unknown", [](FakeFile& file) { file.measures = false; }},
-        {"device fails halfway", [](FakeFile& file) { file.reads = false; }},
-        {"ends early", [](FakeFile& file) { file.size = 4; }},
-        {"ends early, above 4 GiB", [](FakeFile& file) { file.size = (1ULL << 32) + 3; }},
+        {"missing", [](auto& services) { services.Fail("OpenFile", 1, Platform::ErrorFileNotFound); }},
+        {"size unknown", [](auto& services) { services.Fail("FileSize", 1, Platform::ErrorDevice); }},
+        {"device fails halfway",
+         [](auto& services) { services.Fail("ReadFile", 1, Platform::ErrorDevice, FaultyServices::Half); }},
+        {"ends early", [](auto& services) { services.claimedSize = 10; }},
+        {"ends early, above 4 GiB", [](auto& services) { services.claimedSize = (1ULL << 32) + 9; }},
     };
+    const TemporaryFolder folder;
+    folder.Write("f", "123456789");
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
-        FakeFile file;
-        row.spoil(file);
+        FaultyServices services;
+        row.spoil(services);
         CRC32 crc;
         crc.update(reinterpret_cast<const unsigned char*>("123456789"), 9);
-        try {
-            crc.generateCRCFromFile("any");
-            ADD_FAILURE() << "did not throw";
-        } catch (const XReadStream& failure) {
-            EXPECT_EQ(failure.Location(), "CRC32::generateCRCFromFile");
-            EXPECT_NE(failure.Message(), "");
-        }
+        EXPECT_THAT(FailureOf([&] { crc.generateCRCFromFile(folder.Path("f")); }),
+                    testing::EndsWith(" @ CRC32::generateCRCFromFile"));
         EXPECT_EQ(crc.getUint32Value(), 0xCBF43926u);
-        EXPECT_EQ(file.open, 0);
+        EXPECT_EQ(services.OpenHandles(), 0u);
     }
-}
-
-TEST(CRC32Tests, AFileThatGrowsMeanwhileIsSummedToItsEnd) {
-    FakeFile file;
-    file.size = 4;
-    file.content = "123456789";
-    EXPECT_EQ(CRC32().generateCRCFromFile("any"), 0xCBF43926u);
+    FaultyServices services; // a file that grows meanwhile
+    services.claimedSize = 4;
+    EXPECT_EQ(CRC32().generateCRCFromFile(folder.Path("f")), 0xCBF43926u);
 }
 
 } // namespace

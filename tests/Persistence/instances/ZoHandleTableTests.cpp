@@ -3,13 +3,9 @@
 #include "ZoPrimitives/ZoStreamable.h"
 #include "support/Assertions.h"
 
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <map>
 #include <memory>
 #include <random>
-#include <thread>
 #include <vector>
 
 using namespace ZoPrimitives;
@@ -99,25 +95,6 @@ TEST(ZoHandleTableTests, AnObjectMayStandInManyStreams) {
     EXPECT_EQ(streams[1]->AllocateHandle(&thing), 1) << "from 1 again";
     EXPECT_EQ(AssertionOf([&] { streams[1]->AllocateHandle(nullptr); }).source,
               "cpp/Persistence/BinOutStream");
-}
-
-TEST(ZoHandleTableTests, ThreadsWithObjectsOfTheirOwnDoNotMeet) {
-    std::vector<std::thread> threads;
-    std::atomic<int> wrong = 0;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&wrong] {
-            std::vector<Thing> things(50);
-            for (int round = 1; round <= 300; ++round) {
-                ZoHandleTable first, second;
-                for (const Thing& thing : things) first.Set(&thing, round);
-                for (const Thing& thing : things) second.Set(&thing, -round);
-                for (const Thing& thing : things)
-                    wrong += first.Get(&thing) != round || second.Get(&thing) != -round;
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(wrong, 0);
 }
 
 } // namespace

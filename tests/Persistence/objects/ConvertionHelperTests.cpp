@@ -2,7 +2,6 @@
 #include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/ZoRegister.h"
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
-#include "support/Assertions.h"
 #include "support/Streaming.h"
 
 #include <map>
@@ -152,8 +151,6 @@ void ExpectFirm(const Person& head) {
     EXPECT_TRUE(head.friendOf == &porter);
 }
 
-} // namespace
-
 TEST_F(ConvertionHelperTests, ConvertsACyclicGraphSavesItAndConvertsItBack) {
     TZoMetaData schema;
     saved::Person::Register(&schema);
@@ -273,3 +270,5 @@ TEST_F(ConvertionHelperTests, ConvertsChainsOfAnyLength) {
     EXPECT_THROW(failing.Convert(first.get()), std::runtime_error);
     EXPECT_EQ(Alive::Count(), three);
 }
+
+} // namespace

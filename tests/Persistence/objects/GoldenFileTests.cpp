@@ -1,10 +1,7 @@
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
-#include "ZoPrimitives/pointer.h"
 #include "support/EveryKind.h"
 #include "support/TemporaryFolder.h"
-
-#include <filesystem>
 
 namespace {
 

@@ -3,8 +3,6 @@
 
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <random>
 
@@ -67,8 +65,6 @@ ClassEntry Wide(int kind, int count, const char* className = "Leaf", const char*
     return entry;
 }
 
-} // namespace
-
 TEST(HostileFileTests, RecordsCutAnywhere) {
     Application application;
     const std::vector<Row> good = GoodRows();
@@ -81,23 +77,6 @@ TEST(HostileFileTests, RecordsCutAnywhere) {
         }
     }
     EXPECT_EQ(application.opens, 0);
-}
-
-TEST(HostileFileTests, RecordsWithEachByteChanged) {
-    Application application;
-    const std::vector<Row> good = GoodRows();
-    for (const std::size_t record : {0U, 1U, 2U}) {
-        for (std::size_t at = 0; at < good[record].payload.size(); ++at) {
-            for (const int change : {0x01, 0x80, 0xFF, 0x40}) {
-                SCOPED_TRACE(testing::Message() << "record " << record << " byte " << at << " by " << change);
-                std::vector<Row> rows = good;
-                rows[record].payload[at] = static_cast<char>(rows[record].payload[at] ^ change);
-                application.Survive(FileOf(rows));
-            }
-        }
-    }
-    EXPECT_GT(application.opens, 100);
-    EXPECT_GT(application.failures, 100);
 }
 
 TEST(HostileFileTests, RandomChanges) {
@@ -114,7 +93,7 @@ TEST(HostileFileTests, RandomChanges) {
             std::string& payload = row.payload;
             const std::size_t at = payload.empty() ? 0 : random() % payload.size();
             const int value = interesting[random() % std::size(interesting)];
-            switch (random() % 7) {
+            switch (random() % 8) {
             case 0:
                 payload.replace(at, 4, std::string(Payload().Int(value)));
                 break;
@@ -135,6 +114,9 @@ TEST(HostileFileTests, RandomChanges) {
                 break;
             case 6:
                 rows.push_back(rows[random() % rows.size()]);
+                break;
+            case 7:
+                if (!payload.empty()) payload[at] = static_cast<char>(payload[at] ^ (1 << random() % 8));
                 break;
             }
         }
@@ -175,8 +157,6 @@ TEST(HostileFileTests, CountsThatLie) {
     EXPECT_EQ(failureOf(-5, "aBlob", Payload().Ints({-1, 0})), message + "(ZoBlob)");
 }
 
-namespace {
-
 // Prime numbers of buckets that hash tables grow through: ids that are multiples of one share a bucket.
 int Multiple(int i, int count) { return i * (count <= 20'753 ? 20'753 : 42'043); }
 
@@ -190,7 +170,7 @@ std::vector<Row> Repeated(std::size_t count, int classId, const std::string& pay
 struct Hostile {
     const char* name;
     std::function<std::string(int n)> file;
-    int n;
+    int n = 40'000;
 };
 
 std::vector<Hostile> HostileGrowing() {
@@ -206,16 +186,13 @@ std::vector<Hostile> HostileGrowing() {
             return FileOf(classes, rows);
         };
     };
-    const auto wide = [](int kind) {
-        return [kind](int n) { return FileOf({Wide(kind, n)}, Repeated(1, 1, std::string(12, '\0'))); };
-    };
     const auto wideWithRecord = [](int kind, std::size_t bytes) {
         return [=](int n) {
             const std::string payload(static_cast<std::size_t>(n) * bytes, '\0');
             return FileOf({Wide(kind, n)}, Repeated(1, 1, payload));
         };
     };
-    return {
+    std::vector<Hostile> files{
         {"classes",
          [](int n) {
              std::vector<ClassEntry> classes;
@@ -237,8 +214,7 @@ std::vector<Hostile> HostileGrowing() {
              ClassEntry child{.id = 2, .name = "Leaf"};
              child.parents = std::vector<int>(static_cast<std::size_t>(n), 1);
              return FileOf({{.id = 1, .name = "Leaf"}, child}, {});
-         },
-         40'000},
+         }},
         {"parents that are repeated, an object of each class",
          [=](int n) {
              std::vector<ClassEntry> made{{.id = 1, .name = "Leaf", .values = {{0, -10, "x"}}}};
@@ -269,34 +245,22 @@ std::vector<Hostile> HostileGrowing() {
              return FileOf({parent, child}, {{1, 2, std::string(500 * static_cast<std::size_t>(n), '\1')}});
          },
          10'000},
-        {"bools, a short record", wide(-10), 40'000},
-        {"bools", wideWithRecord(-10, 1), 40'000},
-        {"texts", wideWithRecord(-4, 4), 40'000},
-        {"lists of texts", wideWithRecord(-14, 4), 40'000},
-        {"owned pointers", wideWithRecord(-6, 4), 40'000},
-        {"owned lists", wideWithRecord(-7, 4), 40'000},
-        {"references", wideWithRecord(-8, 4), 40'000},
-        {"lists of references", wideWithRecord(-9, 4), 40'000},
-        {"maps", wideWithRecord(-19, 8), 40'000},
         {"fields that stand in the wrong block",
          [=](int n) {
              ClassEntry entry{.id = 1, .name = "Leaf"};
              for (int i = 0; i < n; ++i) entry.values.push_back({0, i % 2 == 0 ? -9 : -10, ""});
              return FileOf({entry}, Repeated(1, 1, ""));
-         },
-         40'000},
+         }},
         {"records without content",
          [=](int n) {
              return FileOf({{.id = 1, .name = "Leaf"}}, Repeated(static_cast<std::size_t>(n), 1, ""));
-         },
-         40'000},
+         }},
         {"uids far apart, falling",
          [=](int n) {
              std::vector<Row> rows;
              for (int i = 0; i < n; ++i) rows.push_back({2'147'483'647 - i * 5'000, 1, ""});
              return FileOf({{.id = 1, .name = "Leaf"}}, rows);
-         },
-         40'000},
+         }},
         {"members",
          [=](int n) {
              std::vector<Row> rows;
@@ -315,9 +279,13 @@ std::vector<Hostile> HostileGrowing() {
                  {{.id = 1, .name = "EveryKind", .childLists = {{0, -7, "children"}}}},
                  Repeated(1, 1,
                           Payload().Int(n).Add(Payload(std::string(4 * static_cast<std::size_t>(n), '\1')))));
-         },
-         40'000},
+         }},
     };
+    for (const int kind : {-4, -6, -7, -8, -9, -10, -14, -19})
+        files.push_back({"many fields of one kind", wideWithRecord(kind, kind == -19   ? 8
+                                                                         : kind == -10 ? 1
+                                                                                       : 4)});
+    return files;
 }
 
 /// Processor time that opening takes, and the most memory beside the application's objects.
@@ -350,11 +318,10 @@ Effort EffortOf(const std::string& file) {
     return {static_cast<double>(end - begin) / CLOCKS_PER_SEC, bytes};
 }
 
-} // namespace
-
 TEST(HostileFileTests, TakeTimeAndMemoryInProportionToTheirSize) {
-    for (const Hostile& tested : HostileGrowing()) {
-        SCOPED_TRACE(tested.name);
+    const std::vector<Hostile> files = HostileGrowing();
+    for (const Hostile& tested : files) {
+        SCOPED_TRACE(testing::Message() << tested.name << ", " << &tested - &files[0]);
         const std::string small = tested.file(tested.n);
         const std::string large = tested.file(2 * tested.n);
         Effort of[2];
@@ -366,10 +333,6 @@ TEST(HostileFileTests, TakeTimeAndMemoryInProportionToTheirSize) {
         EXPECT_LT(of[1].seconds, 3 * of[0].seconds + 0.01);
         EXPECT_LT(of[1].bytes, 16 * static_cast<long long>(large.size()))
             << static_cast<double>(of[1].bytes) / static_cast<double>(large.size()) << " times";
-        if (std::getenv("ZO_SHOW") != nullptr)
-            std::printf("%-55s %8zu kB %7.3f s %7.3f s %6.1f times\n", tested.name, large.size() / 1000,
-                        of[0].seconds, of[1].seconds,
-                        static_cast<double>(of[1].bytes) / static_cast<double>(large.size()));
     }
 }
 
@@ -385,3 +348,5 @@ TEST(HostileFileTests, ALargeFileIsNotReservedASecondTime) {
         FileOf({{.id = 1, .name = "Unknown"}}, Repeated(8, 1, std::string(8'000'000, '\1')));
     EXPECT_LT(EffortOf(file).bytes, static_cast<long long>(file.size()) / 4);
 }
+
+} // namespace

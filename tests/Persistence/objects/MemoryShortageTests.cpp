@@ -18,10 +18,7 @@
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 #include "ZoPrimitives/xContainer.h"
 
-#include <filesystem>
-#include <memory>
 #include <new>
-#include <optional>
 
 using namespace ZoPrimitives;
 using namespace ZoPrimitives::Testing;
@@ -47,18 +44,6 @@ class Doubtful : public ZoObjectStreamable {
 
 private:
     Alive alive;
-};
-
-/// One operation on what it holds.
-class Trial {
-public:
-    virtual ~Trial() = default;
-    /// With memory refused.
-    virtual void Run() = 0;
-    /// What `Run` did.
-    virtual std::string Outcome() = 0;
-    /// What must hold after a failure too.
-    virtual void Check() {}
 };
 
 class Model {
@@ -99,121 +84,108 @@ public:
     bool GetsDirectly() const override { return false; }
 };
 
-class Opening : public Trial {
-public:
-    using Make = std::function<std::unique_ptr<TBinInStream>(Model&)>;
-    Opening(Model& model, Make make) : model(model), make(std::move(make)) {}
-    ~Opening() override { Check(); }
-    void Run() override {
-        stream = make(model);
-        streamer.emplace(stream.get(), &model.schema);
-        root = streamer->ReadObjects();
-    }
-    std::string Outcome() override {
-        TMemoryBinOutStream out;
-        out.Initialize();
-        TBinOutStreamer writer(&out, &model.schema);
-        writer.WriteObjectMetaData(root);
-        writer.WriteObject(root);
-        return BytesOf(out);
-    }
-    void Check() override {
-        if (stream != nullptr) stream->TakeObjects(&objects);
-    }
+/// One run of an operation, in which the allocation of that number is refused; 0: none.
+struct Attempt {
+    long long number = 0;
+    bool forGood = false;
+    bool refused = false;
+    std::string outcome{}; ///< what came of it, or the failure
 
-protected:
-    Model& model;
-    Make make;
+    template <class Run>
+    bool Succeeds(Run run) {
+        const Memory::Shortage shortage(number, forGood);
+        try {
+            run();
+        } catch (const std::bad_alloc&) {
+            outcome = "no memory";
+        } catch (const XWriteStream&) {
+            outcome = "no memory"; // for the clipboard's format or block
+        } catch (const XStream& other) {
+            outcome = Text(other.Message()) + " @ " + Text(other.Location());
+        }
+        refused = Memory::Shortage::Met();
+        return outcome.empty();
+    }
+};
+
+std::unique_ptr<TBinInStream> InMemory(const std::string& bytes) {
+    return CreateMemoryBinInStream(bytes.data(), bytes.size(), 9999);
+}
+
+template <class Make>
+void Open(Model& model, Attempt& attempt, Make make) {
     std::unique_ptr<TBinInStream> stream;
     std::optional<TBinInStreamer> streamer;
-    ZoStreamableBase* root = nullptr;
     TIVector<ZoStreamableBase> objects;
-};
+    ZoStreamableBase* root = nullptr;
+    if (attempt.Succeeds([&] {
+            stream = make();
+            streamer.emplace(stream.get(), &model.schema);
+            root = streamer->ReadObjects();
+        }))
+        attempt.outcome = Save(model.schema, root);
+    if (stream != nullptr) stream->TakeObjects(&objects);
+}
 
-class OpeningFiltered : public Opening {
-public:
-    OpeningFiltered(Model& model, Make make) : Opening(model, std::move(make)) {
-        for (const char* name : {"a name of no class", "EveryKind"}) names.Add(name);
-    }
-    void Run() override {
-        stream = make(model);
-        reader.emplace(stream.get(), &model.schema, &names);
-        reader->Read();
-    }
-    std::string Outcome() override {
-        std::string all;
-        for (ZoStreamableBase* object : reader->GetObjects())
-            all += Text(dynamic_cast<app::EveryKind&>(*object).aString) + "|";
-        return all;
-    }
+template <class Stream>
+std::unique_ptr<TBinInStream> Initialized(std::unique_ptr<Stream> stream) {
+    stream->Initialize();
+    return stream;
+}
 
-private:
+void OpenFiltered(Model& model, Attempt& attempt) {
     TDList<ZoString> names;
+    for (const char* name : {"a name of no class", "EveryKind"}) names.Add(name);
+    std::unique_ptr<TBinInStream> stream;
     std::optional<TFilteredBinInStreamer> reader;
-};
-
-class Saving : public Trial {
-public:
-    explicit Saving(Model& model) : model(model) {}
-
-protected:
-    void Write(TBinOutStream& out) {
-        TBinOutStreamer streamer(&out, &model.schema);
-        streamer.WriteObjectMetaData(&model.root);
-        streamer.WriteObject(&model.root);
+    TIVector<ZoStreamableBase> objects;
+    if (attempt.Succeeds([&] {
+            stream = InMemory(model.everyKind);
+            reader.emplace(stream.get(), &model.schema, &names);
+            reader->Read();
+        })) {
+        for (ZoStreamableBase* object : reader->GetObjects())
+            attempt.outcome += Text(dynamic_cast<app::EveryKind&>(*object).aString) + "|";
     }
-    Model& model;
-};
+    if (stream != nullptr) stream->TakeObjects(&objects);
+}
 
-class SavingInMemory : public Saving {
-public:
-    using Saving::Saving;
-    void Run() override {
-        out.Initialize();
-        Write(out);
-    }
-    std::string Outcome() override { return BytesOf(out); }
+void Write(TBinOutStream& out, Model& model) {
+    out.Initialize();
+    TBinOutStreamer streamer(&out, &model.schema);
+    streamer.WriteObjectMetaData(&model.root);
+    streamer.WriteObject(&model.root);
+}
 
-private:
+void SaveInMemory(Model& model, Attempt& attempt) {
     TMemoryBinOutStream out;
-};
+    if (attempt.Succeeds([&] { Write(out, model); })) attempt.outcome = BytesOf(out);
+}
 
-class SavingOnClipboard : public Saving {
-public:
-    using Saving::Saving;
-    void Run() override {
-        TClipboardBinOutStream out;
-        out.Initialize();
-        Write(out);
-        out.Finalize();
-    }
-    std::string Outcome() override { return model.clipboard.block.value_or(""); }
-};
+void SaveOnClipboard(Model& model, Attempt& attempt) {
+    if (attempt.Succeeds([&] {
+            TClipboardBinOutStream out;
+            Write(out, model);
+            out.Finalize();
+        }))
+        attempt.outcome = model.clipboard.block.value_or("");
+}
 
-class SavingOverAFile : public Saving {
-public:
-    explicit SavingOverAFile(Model& model) : Saving(model) {
-        model.folder.Write("saved.zo", "the version before");
-        std::filesystem::remove(model.folder.Path("saved.zo-bak"));
-    }
-    void Run() override {
+void SaveOverAFile(Model& model, Attempt& attempt) {
+    const std::string path = model.folder.Path("saved.zo"), old = "the version before";
+    model.folder.Write("saved.zo", old);
+    std::filesystem::remove(model.folder.Path("saved.zo-bak"));
+    const bool done = attempt.Succeeds([&] {
         const pointer<TFileBinOutStream> out(TFileBinOutStream::Create(path.c_str(), true));
-        out->Initialize();
-        Write(*out);
+        Write(*out, model);
         out->Finalize();
-    }
-    std::string Outcome() override {
-        EXPECT_EQ(model.folder.Read("saved.zo-bak"), "the version before");
-        return model.folder.Read("saved.zo");
-    }
-    void Check() override {
-        const std::string now = model.folder.Read("saved.zo");
-        EXPECT_TRUE(now == "the version before" || now == model.everyKind) << now.size() << " bytes";
-    }
-
-private:
-    const std::string path = model.folder.Path("saved.zo");
-};
+    });
+    const std::string now = model.folder.Read("saved.zo");
+    EXPECT_TRUE((!done && now == old) || now == model.everyKind) << now.size() << " bytes";
+    if (!done) return;
+    EXPECT_EQ(model.folder.Read("saved.zo-bak"), old);
+    attempt.outcome = now;
+}
 
 /// An object of a text: 10 a name line by line, 11 a number, 20 another note, which 7 ends.
 class Note : public ZoStreamableBase {
@@ -292,164 +264,109 @@ void WriteNotes(const pointer<Stream>& stream) {
     stream->Finalize();
 }
 
-class ReadingText : public Trial {
-public:
-    explicit ReadingText(std::function<InputStream*()> make) : open(std::move(make)) {}
-    void Run() override {
-        const pointer<InputStream> stream(open());
-        NoteReader reader(stream.get(), new Notes);
-        first = reader.Read();
-        second = reader.Read();
-    }
-    std::string Outcome() override {
-        std::string all;
-        for (const pointer<Note>& note : {first, second})
-            all += note ? Text(note->name) + Text(ZoString(note->number)) : "none";
-        return all + (first && first->next == second ? " joined" : "");
-    }
-
-private:
-    std::function<InputStream*()> open;
+template <class Make>
+void ReadText(Attempt& attempt, Make make) {
     pointer<Note> first, second;
-};
-
-class WritingText : public Trial {
-public:
-    WritingText(std::function<void()> write, std::function<std::string()> bytes)
-        : write(std::move(write)), bytes(std::move(bytes)) {}
-    ~WritingText() override { bytes(); }
-    void Run() override { write(); }
-    std::string Outcome() override { return bytes(); }
-
-private:
-    std::function<void()> write;
-    std::function<std::string()> bytes;
-};
-
-std::unique_ptr<TBinInStream> InMemory(const std::string& bytes) {
-    return CreateMemoryBinInStream(bytes.data(), bytes.size(), 9999);
+    if (!attempt.Succeeds([&] {
+            const pointer<InputStream> stream(make());
+            NoteReader reader(stream.get(), new Notes);
+            first = reader.Read();
+            second = reader.Read();
+        }))
+        return;
+    for (const pointer<Note>& note : {first, second})
+        attempt.outcome += note ? Text(note->name) + Text(ZoString(note->number)) : "none";
+    if (first && first->next == second) attempt.outcome += " joined";
 }
 
-struct Operation {
+const struct {
     const char* name;
-    std::function<std::unique_ptr<Trial>(Model&)> make;
+    void (*run)(Model&, Attempt&);
+} operations[] = {
+    {"open in memory",
+     [](Model& model, Attempt& attempt) { Open(model, attempt, [&] { return InMemory(model.everyKind); }); }},
+    {"open through virtual operations",
+     [](Model& model, Attempt& attempt) {
+         Open(model, attempt, [&, &bytes = model.everyKind] {
+             return Initialized(std::make_unique<IndirectStream>(bytes.data(), bytes.size(), 9999));
+         });
+     }},
+    {"open a file",
+     [](Model& model, Attempt& attempt) {
+         Open(model, attempt,
+              [&] { return Initialized(std::make_unique<TFileBinInStream>(model.path.c_str(), true)); });
+     }},
+    {"open what lies on the clipboard",
+     [](Model& model, Attempt& attempt) {
+         model.clipboard.block = model.everyKind;
+         Open(model, attempt, [] { return Initialized(std::make_unique<TClipboardBinInStream>(9999)); });
+     }},
+    {"open with objects that are removed",
+     [](Model& model, Attempt& attempt) { Open(model, attempt, [&] { return InMemory(model.doubtful); }); }},
+    {"open filtered", OpenFiltered},
+    {"save in memory", SaveInMemory},
+    {"save on the clipboard", SaveOnClipboard},
+    {"save over a file, with a backup", SaveOverAFile},
+    {"write a text file",
+     [](Model& model, Attempt& attempt) {
+         const auto make = [&] { return new FileOutputStream(model.textPath.c_str(), false); };
+         const bool done = attempt.Succeeds([&] { WriteNotes(pointer<FileOutputStream>(make())); });
+         if (done) attempt.outcome = model.folder.Read("notes.txt");
+     }},
+    {"read a text file",
+     [](Model& model, Attempt& attempt) {
+         ReadText(attempt, [&] { return new FileInputStream(model.textPath.c_str()); });
+     }},
+    {"write a text on the clipboard",
+     [](Model& model, Attempt& attempt) {
+         model.clipboard.block.reset();
+         const bool done =
+             attempt.Succeeds([] { WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream)); });
+         if (done) attempt.outcome = model.clipboard.block.value_or("");
+     }},
+    {"read a text from the clipboard",
+     [](Model& model, Attempt& attempt) {
+         WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream));
+         model.clipboard.log.clear();
+         ReadText(attempt, [] { return new ClipboardInputStream; });
+     }},
 };
-
-std::vector<Operation> Operations() {
-    const auto opening = [](Opening::Make make) {
-        return [make](Model& model) { return std::make_unique<Opening>(model, make); };
-    };
-    const auto ofMemory = [](Model& model) { return InMemory(model.everyKind); };
-    return {
-        {"open in memory", opening(ofMemory)},
-        {"open through virtual operations", opening([](Model& model) -> std::unique_ptr<TBinInStream> {
-             auto stream =
-                 std::make_unique<IndirectStream>(model.everyKind.data(), model.everyKind.size(), 9999);
-             stream->Initialize();
-             return stream;
-         })},
-        {"open a file", opening([](Model& model) -> std::unique_ptr<TBinInStream> {
-             auto stream = std::make_unique<TFileBinInStream>(model.path.c_str(), true);
-             stream->Initialize();
-             return stream;
-         })},
-        {"open what lies on the clipboard", opening([](Model& model) -> std::unique_ptr<TBinInStream> {
-             if (!model.clipboard.block) model.clipboard.block = model.everyKind;
-             auto stream = std::make_unique<TClipboardBinInStream>(9999);
-             stream->Initialize();
-             return stream;
-         })},
-        {"open with objects that are removed",
-         opening([](Model& model) { return InMemory(model.doubtful); })},
-        {"open filtered",
-         [ofMemory](Model& model) { return std::make_unique<OpeningFiltered>(model, ofMemory); }},
-        {"save in memory", [](Model& model) { return std::make_unique<SavingInMemory>(model); }},
-        {"save on the clipboard", [](Model& model) { return std::make_unique<SavingOnClipboard>(model); }},
-        {"save over a file, with a backup",
-         [](Model& model) { return std::make_unique<SavingOverAFile>(model); }},
-        {"write a text file",
-         [](Model& model) {
-             return std::make_unique<WritingText>(
-                 [&] {
-                     WriteNotes(
-                         pointer<FileOutputStream>(new FileOutputStream(model.textPath.c_str(), false)));
-                 },
-                 [&] { return model.folder.Read("notes.txt"); });
-         }},
-        {"read a text file",
-         [](Model& model) {
-             return std::make_unique<ReadingText>(
-                 [&] { return new FileInputStream(model.textPath.c_str()); });
-         }},
-        {"write a text on the clipboard",
-         [](Model& model) {
-             return std::make_unique<WritingText>(
-                 [] { WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream)); },
-                 [&] { return std::exchange(model.clipboard.block, {}).value_or(""); });
-         }},
-        {"read a text from the clipboard",
-         [](Model& model) {
-             if (!model.clipboard.block)
-                 WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream));
-             return std::make_unique<ReadingText>([] { return new ClipboardInputStream; });
-         }},
-    };
-}
-
-/// What the operation does with the allocation of that number refused; the exception that it ended with.
-std::string Attempt(const Operation& operation, Model& model, long long number, bool forGood, bool& refused) {
-    model.clipboard.log.clear();
-    const std::unique_ptr<Trial> trial = operation.make(model);
-    std::string failure;
-    {
-        const Memory::Shortage shortage(number, forGood);
-        try {
-            trial->Run();
-        } catch (const std::bad_alloc&) {
-            failure = "no memory";
-        } catch (const XWriteStream&) {
-            failure = "no memory"; // for the clipboard's format or block
-        } catch (const XStream& other) {
-            failure = Text(other.Message()) + " @ " + Text(other.Location());
-        }
-        refused = Memory::Shortage::Met();
-    }
-    trial->Check();
-    return failure.empty() ? trial->Outcome() : failure;
-}
-
-} // namespace
 
 TEST(MemoryShortageTests, EndsInTheDocumentedExceptionOrTheSameModel) {
     if (!Memory::Watched())
         GTEST_SKIP() << "a sanitizer keeps operator new to itself: nothing can be refused";
     Model model;
     model.folder.Write("model.zo", model.everyKind);
-    for (const Operation& operation : Operations()) {
-        SCOPED_TRACE(operation.name);
-        bool refused = false;
-        const std::string whole = Attempt(operation, model, 0, false, refused);
-        ASSERT_GT(whole.size(), 20U);
+    for (const auto& [name, run] : operations) {
+        SCOPED_TRACE(name);
+        Attempt whole;
+        run(model, whole);
+        ASSERT_GT(whole.outcome.size(), 20U);
         for (const bool forGood : {false, true}) {
             int failures = 0;
-            long long number = 1;
-            for (;; ++number) {
+            for (long long number = 1;; ++number) {
+                SCOPED_TRACE(testing::Message() << "allocation " << number << (forGood ? " for good" : ""));
                 const int alive = Alive::Count();
+                model.clipboard.block.reset();
+                model.clipboard.log.clear();
                 const long long before = Memory::InUse();
                 {
-                    const std::string done = Attempt(operation, model, number, forGood, refused);
-                    if (!refused) break;
-                    if (done == "no memory") {
+                    Attempt attempt{number, forGood};
+                    run(model, attempt);
+                    if (!attempt.refused) break;
+                    if (attempt.outcome == "no memory")
                         ++failures;
-                    } else {
-                        ASSERT_EQ(done, whole) << "allocation " << number << (forGood ? " for good" : "");
-                    }
+                    else
+                        ASSERT_EQ(attempt.outcome, whole.outcome);
+                    model.clipboard.block.reset();
                 }
-                ASSERT_EQ(Alive::Count(), alive) << "allocation " << number << (forGood ? " for good" : "");
+                ASSERT_EQ(Alive::Count(), alive);
                 // A system's library may let go of what it kept from before.
-                ASSERT_LE(Memory::InUse(), before) << "allocation " << number << (forGood ? " for good" : "");
+                ASSERT_LE(Memory::InUse(), before);
             }
             EXPECT_GT(failures, 5);
         }
     }
 }
+
+} // namespace

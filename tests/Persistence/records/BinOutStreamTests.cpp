@@ -1,14 +1,10 @@
 #include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/MemoryBinOutStream.h"
-#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoString.h"
 #include "support/Assertions.h"
 #include "support/Records.h"
-#include "support/Slots.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -17,7 +13,6 @@
 #include <map>
 #include <memory>
 #include <random>
-#include <string>
 #include <vector>
 
 using namespace ZoPrimitives;
@@ -131,26 +126,6 @@ TEST(BinOutStreamTests, EncodesValues) {
         EXPECT_EQ(own.GetBufferSize(), row.bytes.size()) << row.name;
     }
 }
-
-#ifdef ZO_SLOTS_ARE_TOLD
-template <class Value>
-auto Putting() {
-    return static_cast<TBinOutStream& (TBinOutStream::*)(Value)>(&TBinOutStream::operator<<);
-}
-
-TEST(BinOutStreamTests, OperationsStandInTheirOrder) {
-    using S = TBinOutStream;
-    const std::vector<std::ptrdiff_t> slots =
-        [](auto... operations) {
-            return std::vector<std::ptrdiff_t>{Slot(operations)...};
-        }(Putting<const ZoBlob&>(), Putting<const ZoString&>(), Putting<const char*>(), Putting<short>(),
-          Putting<unsigned short>(), Putting<int>(), Putting<unsigned>(), Putting<float>(), Putting<double>(),
-          Putting<long double>(), Putting<bool>(), &S::FlushRecord, &S::FlushBuffer, &S::FreeResourses,
-          &S::Initialize, &S::SaveHeader);
-    std::ptrdiff_t expected = 4; // behind destruction and the two comparisons
-    for (const std::ptrdiff_t slot : slots) EXPECT_EQ(slot, expected++);
-}
-#endif
 
 TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     TMemoryBinOutStream stream(3, 2026);

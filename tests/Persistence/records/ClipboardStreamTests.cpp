@@ -1,23 +1,12 @@
 #include "ZoPrimitives/ClipboardBinInStream.h"
 #include "ZoPrimitives/ClipboardBinOutStream.h"
 
-#include "support/Assertions.h"
 #include "support/EveryKind.h"
 #include "support/FakeClipboard.h"
 #include "support/PrivateClipboard.h"
-#include "support/Records.h"
-
-#include "ZoPrimitives/AnsiLiteral.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
 
 using namespace ZoPrimitives;
-using ZoPrimitives::Testing::FakeClipboard;
-using ZoPrimitives::Testing::PrivateClipboard;
+using namespace ZoPrimitives::Testing;
 
 namespace {
 
@@ -245,20 +234,6 @@ TEST(ClipboardBinInStreamTests, ABlockCutAnywhereAndFilledWithZeros) {
         EXPECT_TRUE(read == "" || read == "skipped " || read.rfind("No error" + RECORD, 0) == 0)
             << size << ": " << read;
     }
-}
-
-TEST(ClipboardBinInStreamTests, AnOverriddenReadIsAsked) {
-    struct Own : TClipboardBinInStream {
-        bool Read(void*, unsigned, unsigned& done) override {
-            ++calls;
-            done = 0;
-            return false;
-        }
-        int calls = 0;
-    } in;
-    const FakeClipboard clipboard(HeaderBytes(0, 0, 1) + TextRecord(1, "text"));
-    EXPECT_NE(FailureOf([&] { in.Initialize(); }), "");
-    EXPECT_EQ(in.calls, 1);
 }
 
 // The system's clipboard

@@ -1,33 +1,24 @@
 #include "Persistence/records/RecordFormat.h"
-#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/ClipboardBinInStream.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
-#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/pointer.h"
 #include "support/Assertions.h"
-#include "support/FaultyServices.h"
+#include "support/FakeClipboard.h"
 #include "support/OtherProcess.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <gmock/gmock.h>
-#include <iterator>
 #include <memory>
 
 namespace {
 
 using namespace ZoPrimitives;
 using testing::ElementsAre;
-using ZoPrimitives::Testing::FaultyServices;
-using ZoPrimitives::Testing::InstalledServices;
-using ZoPrimitives::Testing::OtherProcess;
-using ZoPrimitives::Testing::TemporaryFolder;
+using namespace ZoPrimitives::Testing;
 using Stream = pointer<TFileBinOutStream>;
 
 constexpr unsigned HEADER = RecordFormat::HEADER_SIZE;
@@ -93,15 +84,6 @@ struct FileStreamTests : testing::Test {
 };
 
 // Saving
-
-TEST_F(FileStreamTests, ASavedFileIsHeaderAndRecords) {
-    const Stream out = Begin(plan);
-    *out << 5;
-    out->FlushRecord(9, 2);
-    out->FlushRecord(10, 2); // counted, not written
-    out->Finalize();
-    EXPECT_EQ(folder.Read("plan.zo"), HeaderBytes(3, 2026, 2) + RecordBytes(9, 2, LittleEndian(5)));
-}
 
 TEST_F(FileStreamTests, StepsOfASave) {
     // Of the target P, its backup B, the temporary file T and the new version N.
@@ -420,39 +402,29 @@ TEST_F(FileStreamTests, WholeRecordsLeaveInBlocks) {
 }
 
 TEST_F(FileStreamTests, SomeCallsWriteFirst) {
-    const std::pair<const char*, std::function<void(TFileBinOutStream&)>> rows[] = {
-        {"GetPosition", [](auto& out) { EXPECT_EQ(out.GetPosition(), 62u); }},
-        {"GetFile", [](auto& out) { EXPECT_NE(out.GetFile(), nullptr); }},
-        {"FlushBuffer", [](auto& out) { out.FlushBuffer(); }},
-        {"Reset", [](auto& out) { out.Reset(); }},
-        {"RewriteHeader", [](auto& out) { out.RewriteHeader(); }},
-        {"FreeResourses", [](auto& out) { out.FreeResourses(); }},
-        {"Finalize", [](auto& out) { out.Finalize(); }},
-    };
-    for (const auto& [name, operation] : rows) {
-        SCOPED_TRACE(name);
-        const Stream out = Begin(plan);
-        Put(*out, 1, "gather");
-        EXPECT_EQ(std::filesystem::file_size(plan), 28u);
-        operation(*out);
-        EXPECT_EQ(std::filesystem::file_size(plan), 62u);
-    }
-}
-
-TEST_F(FileStreamTests, OwnBytesStandBehindWhatWasFlushed) {
     struct Own : TFileBinOutStream {
         explicit Own(const std::string& path) : TFileBinOutStream(path.c_str(), false) {}
         using TFileBinOutStream::WriteToFile;
-    } out(plan);
-    out.Initialize();
-    Put(out, 1, "before");
-    out << 5; // open
-    out.WriteToFile(reinterpret_cast<const unsigned char*>("own"), 3);
-    out.FlushRecord(2, 7);
-    out.Finalize();
-    const std::string bytes = folder.Read("plan.zo");
-    EXPECT_EQ(bytes.size(), 62U + 3 + 28);
-    EXPECT_EQ(bytes.substr(56, 9), "beforeown");
+    };
+    const std::pair<const char*, std::function<void(Own&)>> rows[] = {
+        {"", [](auto& out) { EXPECT_EQ(out.GetPosition(), 62u); }},
+        {"", [](auto& out) { EXPECT_NE(out.GetFile(), nullptr); }},
+        {"", [](auto& out) { out.FlushBuffer(); }},
+        {"", [](auto& out) { out.Reset(); }},
+        {"", [](auto& out) { out.RewriteHeader(); }},
+        {"", [](auto& out) { out.FreeResourses(); }},
+        {"", [](auto& out) { out.Finalize(); }},
+        {"own", [](auto& out) { out.WriteToFile(reinterpret_cast<const unsigned char*>("own"), 3); }},
+    };
+    for (const auto& [behind, operation] : rows) {
+        SCOPED_TRACE(&operation - &rows[0].second);
+        Own out(plan);
+        out.Initialize();
+        Put(out, 1, "gather");
+        EXPECT_EQ(std::filesystem::file_size(plan), 28u);
+        operation(out);
+        EXPECT_EQ(folder.Read("plan.zo").substr(28), RecordBytes(1, 7, LittleEndian(6) + "gather") + behind);
+    }
 }
 
 TEST_F(FileStreamTests, TheHeader) {
@@ -534,29 +506,20 @@ TEST_F(FileStreamTests, ACallersFileStaysTheCallers) {
 
 // Opening
 
-/// Services whose file sizes can be made up.
-struct Device : FaultyServices {
-    bool FileSize(Platform::FileHandle file, unsigned long long& size) override {
-        const bool sized = FaultyServices::FileSize(file, size);
-        if (claimed) size = *claimed;
-        return sized;
-    }
-    std::optional<unsigned long long> claimed;
-};
-
 /// How a reader comes by its bytes.
 struct Source {
     const char* name;
-    std::function<void(Device&)> arrange;
+    std::function<void(FaultyServices&)> arrange;
 };
 const Source Sources[] = {
-    {"memory", [](Device&) {}},
-    {"no size", [](Device& d) { d.Fail("FileSize", 0, Platform::ErrorInvalidFunction); }},
-    {"loading fails", [](Device& d) { d.Fail("ReadFile", 1, Platform::ErrorDevice, FaultyServices::Half); }},
-    {"less than its size", [](Device& d) { d.claimed = 100'000; }},
-    {"absurd size", [](Device& d) { d.claimed = ~0ull; }},
+    {"memory", [](FaultyServices&) {}},
+    {"no size", [](FaultyServices& d) { d.Fail("FileSize", 0, Platform::ErrorInvalidFunction); }},
+    {"loading fails",
+     [](FaultyServices& d) { d.Fail("ReadFile", 1, Platform::ErrorDevice, FaultyServices::Half); }},
+    {"less than its size", [](FaultyServices& d) { d.claimedSize = 100'000; }},
+    {"absurd size", [](FaultyServices& d) { d.claimedSize = ~0ull; }},
 #ifndef __SANITIZE_ADDRESS__ // which ends the process instead
-    {"no memory", [](Device& d) { d.claimed = 1ull << 62; }},
+    {"no memory", [](FaultyServices& d) { d.claimedSize = 1ull << 62; }},
 #endif
 };
 
@@ -571,7 +534,7 @@ TEST_F(FileStreamTests, EverySourceReadsTheSame) {
     const std::string all = "1:r 2:rr 3:rrr 4:rrrr 5:rrrrr 6:";
     for (const Source& source : Sources) {
         SCOPED_TRACE(source.name);
-        Device device;
+        FaultyServices device;
         source.arrange(device);
         TFileBinInStream in(plan.c_str(), 3u);
         in.Initialize();
@@ -639,9 +602,12 @@ TEST_F(FileStreamTests, AnOverriddenReadIsAsked) {
     const std::string bytes = folder.Read("plan.zo");
     Dry<TFileBinInStream> file(plan.c_str(), 3);
     Dry<TMemoryBinInStream> memory(bytes.data(), bytes.size(), 3u);
+    Dry<TClipboardBinInStream> clipboard(3u);
     EXPECT_NE(FailureOf([&] { file.Initialize(); }), "");
     EXPECT_NE(FailureOf([&] { memory.Initialize(); }), "");
-    EXPECT_EQ(file.calls + memory.calls, 2);
+    const FakeClipboard services(bytes);
+    EXPECT_NE(FailureOf([&] { clipboard.Initialize(); }), "");
+    EXPECT_EQ(file.calls + memory.calls + clipboard.calls, 3);
 }
 
 TEST_F(FileStreamTests, FailuresOfOpening) {
@@ -650,18 +616,18 @@ TEST_F(FileStreamTests, FailuresOfOpening) {
     const struct {
         const char* name;
         std::string content;
-        std::function<void(Device&)> arrange;
+        std::function<void(FaultyServices&)> arrange;
         std::string thrown;
     } rows[] = {
         {"good", good, {}, ""},
-        {"no such file", good, [&](Device&) { std::filesystem::remove(plan); }, Cannot(plan)},
-        {"refused", good, [](Device& d) { d.Fail("OpenFile", 1, 5); }, Cannot(plan)},
+        {"no such file", good, [&](FaultyServices&) { std::filesystem::remove(plan); }, Cannot(plan)},
+        {"refused", good, [](FaultyServices& d) { d.Fail("OpenFile", 1, 5); }, Cannot(plan)},
         {"empty", "", {}, "No error" + AT_HEADER},
         {"cut short", good.substr(0, 27), {}, "No error" + AT_HEADER},
-        {"device fails", good, [](Device& d) { d.Fail("ReadFile", 0, 1117); },
+        {"device fails", good, [](FaultyServices& d) { d.Fail("ReadFile", 0, 1117); },
          "Input/output error" + AT_HEADER},
         {"device fails in the extra block", HeaderBytes(3, 2026, 0, 8) + std::string(8, 'x'),
-         [](Device& d) {
+         [](FaultyServices& d) {
              d.Fail("FileSize", 1, 1);
              d.Fail("ReadFile", 2, 1117, FaultyServices::Half);
          },
@@ -672,7 +638,7 @@ TEST_F(FileStreamTests, FailuresOfOpening) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         folder.Write("plan.zo", row.content);
-        Device device;
+        FaultyServices device;
         if (row.arrange) row.arrange(device);
         TFileBinInStream in(plan.c_str(), 3u);
         EXPECT_EQ(FailureOf([&] { in.Initialize(); }), row.thrown);
@@ -688,18 +654,13 @@ TEST_F(FileStreamTests, FailuresOfOpening) {
 
 TEST_F(FileStreamTests, ADeviceThatFailsIsNotTheEnd) {
     Save(plan, "text", false);
-    // Reads after the header's: marker, size, crc, class, uid, key, payload.
-    const char points[] = "1123453";
-    for (int read = 0; read < 7; ++read) {
-        for (const auto effect : {FaultyServices::Nothing, FaultyServices::Half}) {
-            SCOPED_TRACE(read);
-            Device device;
-            device.Fail("FileSize", 1, Platform::ErrorInvalidFunction);
-            device.Fail("ReadFile", 2 + read, Platform::ErrorDevice, effect);
-            TFileBinInStream in(plan.c_str());
-            in.Initialize();
-            EXPECT_EQ(FailureOf([&] { Rest(in); }), "Input/output error" + AT_RECORD + points[read]);
-        }
+    for (const auto effect : {FaultyServices::Nothing, FaultyServices::Half}) {
+        FaultyServices device;
+        device.Fail("FileSize", 1, Platform::ErrorInvalidFunction);
+        device.Fail("ReadFile", 4, Platform::ErrorDevice, effect); // the header, a marker, a size
+        TFileBinInStream in(plan.c_str());
+        in.Initialize();
+        EXPECT_EQ(FailureOf([&] { Rest(in); }), "Input/output error" + AT_RECORD + "2");
     }
 }
 

@@ -1,11 +1,9 @@
-#include "support/Assertions.h"
 #include "support/EveryKind.h"
-#include "support/Slots.h"
 
-#include "ZoPrimitives/ConvertionHelper.h"
+#include "Persistence/instances/InstanceTables.h"
+#include "Persistence/schema/PointerResolver.h"
 
 #include <algorithm>
-#include <memory>
 
 using namespace ZoPrimitives;
 
@@ -52,8 +50,6 @@ class OnlyMaps : public NoFields {
 };
 
 using Names = std::vector<std::string>;
-
-} // namespace
 
 TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
     struct Case {
@@ -290,8 +286,6 @@ TEST(ZoMetaDataTests, CheckReportsEachOfThreeFaults) {
     EXPECT_EQ(Text(report), "");
 }
 
-namespace {
-
 struct Top : virtual ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Top)
     DECLARE_ZO_FIELD(int, shared)
@@ -316,8 +310,6 @@ struct Both : Left, Right {
     DECLARE_ZO_FIELD_CHILD_LIST(NoFields, first)
     REGISTER_ZO_END
 };
-
-} // namespace
 
 TEST(ZoMetaDataTests, QueriesFollowParentsInOrder) {
     TZoMetaData schema;
@@ -357,49 +349,75 @@ TEST(ZoMetaDataTests, QueriesFollowParentsInOrder) {
     EXPECT_EQ(both->GetFieldPointerCount(), 3U + 2U + 2U);
 }
 
-TEST(ZoClassFieldTests, AreWrittenAndReadOneByOne) {
+/// Calls for each field of `EveryKind` the operation for its C++ class.
+template <class Action>
+void ForEachField(TZoClass& every, Action action) {
+    for (const app::FieldBytes& bytes : app::EveryKindFields()) action(*every.FindField(bytes.name.c_str()));
+}
+
+TEST(ZoClassFieldTests, AreWrittenAndReadOneByOneAndByTheirClass) {
     TZoMetaData schema;
     app::RegisterEveryKind(schema);
-    TZoClass* every = schema.FindClass("EveryKind");
+    TZoClass& every = *schema.FindClass("EveryKind");
     app::Leaf outside(99);
     app::EveryKind written;
     written.Fill(outside);
-    TMemoryBinOutStream out;
-    out.Initialize();
-    TBinOutStreamer streamer(&out, &schema);
-    TDList<ZoStreamableBase*> externals;
-    every->AllocateHandles(&out, &written, &externals);
-    streamer.AlocateExternalInstancesHandles(nullptr, &externals);
-    for (const app::FieldBytes& bytes : app::EveryKindFields()) {
-        TZoClassField* field = every->FindField(bytes.name.c_str());
-        if (auto* single = dynamic_cast<TZoClassFieldPointer*>(field))
-            single->SavePointer(&out, &streamer, &written);
-        else if (auto* list = dynamic_cast<TZoClassFieldPointerList*>(field))
-            list->SavePointers(&out, &streamer, &written);
-        else if (auto* map = dynamic_cast<TZoClassFieldPointerMap*>(field))
-            map->SavePair(&out, &streamer, &written);
-        else
-            field->SaveToStream(&out, &streamer, &written);
-    }
-    out.FlushRecord(1, 2);
-    for (const char* owning : {"map", "child", "member", "children"}) // writes what it owns
-        every->FindField(owning)->SaveToStream(&out, &streamer, &written);
     std::vector<Row> expected = app::EveryKindRows();
     expected.pop_back(); // the external leaf
-    EXPECT_EQ(RowsOf(BytesOf(out)), expected);
+    for (const bool byClass : {false, true}) {
+        TMemoryBinOutStream out;
+        out.Initialize();
+        TBinOutStreamer streamer(&out, &schema);
+        TDList<ZoStreamableBase*> externals;
+        every.AllocateHandles(&out, &written, &externals);
+        streamer.AlocateExternalInstancesHandles(nullptr, &externals);
+        if (byClass)
+            every.SaveToStreamPre(&out, &streamer, &written);
+        else
+            ForEachField(every, [&](TZoClassField& field) {
+                if (auto* single = dynamic_cast<TZoClassFieldPointer*>(&field))
+                    single->SavePointer(&out, &streamer, &written);
+                else if (auto* list = dynamic_cast<TZoClassFieldPointerList*>(&field))
+                    list->SavePointers(&out, &streamer, &written);
+                else if (auto* map = dynamic_cast<TZoClassFieldPointerMap*>(&field))
+                    map->SavePair(&out, &streamer, &written);
+                else
+                    field.SaveToStream(&out, &streamer, &written);
+            });
+        out.FlushRecord(1, 2);
+        if (byClass)
+            every.SaveToStreamPos(&out, &streamer, &written);
+        else
+            for (const char* owning : {"map", "child", "member", "children"}) // writes what it owns
+                every.FindField(owning)->SaveToStream(&out, &streamer, &written);
+        EXPECT_EQ(RowsOf(BytesOf(out)), expected);
 
-    const std::string file = FileOf(expected);
-    TMemoryBinInStream in(file.data(), file.size(), 0);
-    in.Initialize();
-    int uid = 0, classId = 0;
-    in.LoadRecord(&uid, &classId);
-    app::EveryKind read;
-    LoadedSchema loaded(SchemaOf(app::EveryKindEntries()), &schema);
-    every = loaded.schema.FindClass("EveryKind");
-    for (const app::FieldBytes& bytes : app::EveryKindFields())
-        every->FindField(bytes.name.c_str())->LoadFromStream(&in, &read);
-    EXPECT_EQ(read.anUnsigned, 4'000'000'000U);
-    EXPECT_TRUE(read.ints == written.ints && read.strings == written.strings && read.aBlob == written.aBlob);
+        const std::string file = FileOf(expected);
+        TMemoryBinInStream in(file.data(), file.size(), 0);
+        in.Initialize();
+        int uid = 0, classId = 0;
+        in.LoadRecord(&uid, &classId);
+        app::EveryKind read;
+        LoadedSchema loaded(SchemaOf(app::EveryKindEntries()), &schema);
+        TZoClass& fileClass = *loaded.schema.FindClass("EveryKind");
+        if (byClass)
+            fileClass.LoadFromStreamPre(&in, &read);
+        else
+            ForEachField(fileClass, [&](TZoClassField& field) { field.LoadFromStream(&in, &read); });
+        EXPECT_EQ(read.anUnsigned, 4'000'000'000U);
+        EXPECT_TRUE(read.ints == written.ints && read.strings == written.strings &&
+                    read.aBlob == written.aBlob);
+
+        in.SetRecordPosition(0);
+        fileClass.LoadFromStream(&in, &read);
+        in.SetHandle(&outside, 4);
+        auto& unresolved = InstanceTables::Of(in).unresolved;
+        TZoPointerResolver resolver(in, nullptr, nullptr);
+        resolver.Begin(unresolved.Uids() + in.GetUnresolved(1)->firstUid, false);
+        fileClass.LoadResolvePointers(resolver, &read);
+        EXPECT_EQ(read.child.get(), &outside);
+        ZoReferenceCount::Add(&outside);
+    }
 }
 
 TEST(ZoClassTests, MakesFieldsOfTheNineteenKindsOnly) {
@@ -473,47 +491,4 @@ TEST(ZoClassFieldTests, RefusesAMapsSubFieldsThatAreNoPointersToOneOrOwned) {
     EXPECT_NE(AssertionOf([] { TZoClassFieldPointerList("f", ftPointer, {}); }).message, "");
 }
 
-// What applications override stands where they were compiled to find it.
-
-#ifdef ZO_SLOTS_ARE_TOLD
-namespace {
-
-struct Inside : ZoStreamableBase {
-    static std::ptrdiff_t ReadDataSlot() { return Slot(&Inside::ReadData); }
-};
-struct InsideStreamer : TBinInStreamer {
-    static std::ptrdiff_t CreateInstanceSlot() { return Slot(&InsideStreamer::CreateInstance); }
-};
-
 } // namespace
-
-TEST(ZoMetaDataTests, SlotsStandInTheirOrder) {
-    // Two slots for destruction, then the two comparisons.
-    constexpr std::ptrdiff_t FIRST = 4;
-    using B = ZoStreamableBase;
-    using S = ZoObjectStreamable;
-    using F = TZoClassField;
-    const struct {
-        const char* name;
-        std::vector<std::ptrdiff_t> slots;
-    } cases[] = {
-        {"streamable objects",
-         {Slot(&B::StreamableClassName), Slot(&B::Write), Slot(&B::WillWrite), Slot(&B::Read),
-          Slot(&B::GetIsValid), Slot(&B::GetClass), Slot(&B::GetOriginalClass), Slot(&B::OnRead),
-          Slot(&B::CanBeConvertedToBaseClass), Slot(&B::OnReadPointer), Slot(&B::HandleExcludedField),
-          Slot(&B::CheckForExcludedFields), Slot(&B::ToString), Inside::ReadDataSlot(),
-          Slot(&S::CreateBusinessObject), Slot(&S::FillBusinessObject), Slot(&S::FillFromBusinessObject)}},
-        {"fields", {Slot(&F::SaveToStream), Slot(&F::LoadFromStream), Slot(&F::GetFieldMetaData)}},
-        {"the writer", {Slot(&TBinOutStreamer::OnAfterSaveInstance), Slot(&TBinOutStreamer::RewriteHeader)}},
-        {"the reader",
-         {Slot(&TBinInStreamer::OnAfterLoadInstance), Slot(&TBinInStreamer::OnAfterResolveInstance),
-          InsideStreamer::CreateInstanceSlot()}},
-    };
-    for (const auto& tested : cases) {
-        std::ptrdiff_t expected = FIRST;
-        for (const std::ptrdiff_t slot : tested.slots) EXPECT_EQ(slot, expected++) << tested.name;
-    }
-    // Of an interface, destruction comes last.
-    EXPECT_EQ(Slot(&IStreamableConvertionFactory::CreateStreamable), 0);
-}
-#endif

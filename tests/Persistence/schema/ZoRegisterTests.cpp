@@ -1,9 +1,6 @@
-#include "support/Assertions.h"
 #include "support/EveryKind.h"
 
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
-
-#include <memory>
 
 using namespace ZoPrimitives;
 
@@ -58,8 +55,6 @@ std::vector<std::string> ParentNames(TZoClass* of) {
     for (const auto& parent : *of->GetParentClasses()) names.push_back(Text(parent->GetName()));
     return names;
 }
-
-} // namespace
 
 TEST(ZoRegisterTests, TakesOnlyParentsThatAreThere) {
     TZoMetaData schema;
@@ -291,8 +286,6 @@ TEST(ZoRegisterTests, EachFieldTellsItsTypeNameAndKind) {
 
 // Without macros
 
-namespace {
-
 /// Registers itself by hand, with lists that have one or two integers.
 class ByHand : public ZoObjectStreamable {
 public:
@@ -412,8 +405,6 @@ private:
         for (const int told : {count, first, second}) Self(object).created.push_back(told);
     }
 };
-
-} // namespace
 
 TEST(ZoRegisterTests, HandWrittenAccessorsServeTheListsIntegers) {
     TZoMetaData schema;
@@ -536,8 +527,6 @@ TEST(ZoRegisterTests, HandWrittenAccessorsGetOnlyWhatTheirDeclaredClassCovers) {
 }
 
 // Registration put off
-
-namespace {
 
 class GrandChild : public Child {
     REGISTER_ZO_BEGIN(GrandChild, Child)

@@ -1,22 +1,12 @@
 #include "ZoPrimitives/ClipboardInputStream.h"
 #include "ZoPrimitives/ClipboardOutputStream.h"
 
-#include "support/Assertions.h"
 #include "support/FakeClipboard.h"
-#include "support/PrivateClipboard.h"
-#include "support/Records.h"
 #include "support/Streaming.h"
-
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <functional>
-#include <string>
 
 using namespace ZoPrimitives;
 using namespace std::string_literals;
 using ZoPrimitives::Testing::FakeClipboard;
-using ZoPrimitives::Testing::PrivateClipboard;
 
 namespace {
 
@@ -183,28 +173,6 @@ TEST(ClipboardInputStreamTests, BlocksOfStrangers) {
             EXPECT_EQ(clipboard.log, "ogc");
         }
     }
-}
-
-// The system's clipboard
-
-TEST(RealClipboardTextTests, ValuesComeBack) {
-    const PrivateClipboard clipboard;
-    {
-        ClipboardOutputStream out;
-        out << INT_MIN << static_cast<unsigned short>(USHRT_MAX) << 0.1f << 0.1 << 0.1L << true << "text"
-            << "" << 0;
-    }
-    ClipboardInputStream in;
-    EXPECT_EQ(As<int>(in), std::to_string(INT_MIN));
-    EXPECT_EQ(As<unsigned short>(in), std::to_string(USHRT_MAX));
-    EXPECT_EQ(As<float>(in), std::to_string(0.1f));
-    EXPECT_EQ(As<double>(in), std::to_string(0.1));
-    EXPECT_EQ(As<long double>(in), std::to_string(0.1L));
-    EXPECT_EQ(As<bool>(in), "1");
-    EXPECT_EQ(Characters(in), "text");
-    EXPECT_EQ(Line(in), "");
-    EXPECT_EQ(As<int>(in), "0");
-    EXPECT_EQ(FailureOf([&] { in.CheckRead(); }), END);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "ZoPrimitives/FactoryManager.h"
-#include "support/Assertions.h"
 #include "support/Streaming.h"
 
 using namespace ZoPrimitives;

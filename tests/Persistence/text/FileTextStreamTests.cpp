@@ -1,7 +1,5 @@
-#include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/FileOutputStream.h"
-#include "ZoPrimitives/XStream.h"
 #include "support/Assertions.h"
 #include "support/FaultyServices.h"
 #include "support/TemporaryFolder.h"
@@ -9,16 +7,13 @@
 #include <chrono>
 #include <climits>
 #include <cmath>
-#include <functional>
 #include <gmock/gmock.h>
-#include <optional>
 
 namespace {
 
 using namespace ZoPrimitives;
 using testing::ElementsAre;
-using ZoPrimitives::Testing::FaultyServices;
-using ZoPrimitives::Testing::TemporaryFolder;
+using namespace ZoPrimitives::Testing;
 
 constexpr const char* NAME = "tokens.txt";
 

@@ -4,12 +4,10 @@
 #include "ZoPrimitives/FileOutputStream.h"
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
-#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 #include "ZoPrimitives/xContainer.h"
 #include "support/Assertions.h"
 #include "support/PrivateClipboard.h"
-#include "support/Slots.h"
 #include "support/TemporaryFolder.h"
 
 #include <climits>
@@ -17,14 +15,12 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <optional>
-#include <tuple>
 
 namespace {
 
 using namespace ZoPrimitives;
 using testing::ElementsAre;
-using ZoPrimitives::Testing::PrivateClipboard;
-using ZoPrimitives::Testing::TemporaryFolder;
+using namespace ZoPrimitives::Testing;
 
 int living = 0;
 
@@ -517,63 +513,27 @@ TEST(InputStreamerTests, HoldsWhatItMade) {
     EXPECT_EQ(living, 0);
 }
 
-/// An application's stream: each operation leaves its letter.
-class Letters : public InputStream {
-public:
-    InputStream& operator>>(ZoString&) override { return Add('Z'); }
-    InputStream& operator>>(char*) override { return Add('c'); }
-    InputStream& operator>>(long double&) override { return Add('D'); }
-    InputStream& operator>>(double&) override { return Add('d'); }
-    InputStream& operator>>(float&) override { return Add('f'); }
-    InputStream& operator>>(unsigned int&) override { return Add('u'); }
-    InputStream& operator>>(int&) override { return Add('i'); }
-    InputStream& operator>>(unsigned short&) override { return Add('S'); }
-    InputStream& operator>>(short&) override { return Add('s'); }
-    InputStream& operator>>(bool&) override { return Add('b'); }
-    void SkipValue() override { Add('-'); }
-    bool GetLine(char*) override { return false; }
-    void CheckRead() override {}
-    InputStream& Add(char letter) { return seen += letter, *this; }
-    std::string seen;
-};
-
-template <class... Values>
-void ReadEach(InputStreamer& reader) {
-    std::tuple<Values...> values{};
-    std::apply([&](auto&... value) { (reader >> ... >> value); }, values);
+TEST(InputStreamerTests, TakesEveryValueFromTheStream) {
+    Source source("text|characters|0.25|0.1|0.1|4294967295|-7|65535|-9|1|skipped|rest|");
+    ZoString text;
+    char characters[16] = "";
+    long double extended = 0;
+    double real = 0;
+    float shortReal = 0;
+    unsigned natural = 0;
+    int integer = 0;
+    unsigned short shortNatural = 0;
+    short shortInteger = 0;
+    bool flag = false;
+    *source >> text >> characters >> extended >> real >> shortReal >> natural >> integer >> shortNatural >>
+        shortInteger >> flag;
+    source->SkipValue();
+    EXPECT_EQ(text, "text");
+    EXPECT_STREQ(characters, "characters");
+    EXPECT_TRUE(extended == 0.25 && real == 0.1 && shortReal == 0.1f && natural == UINT_MAX && flag);
+    EXPECT_THAT((std::vector<int>{integer, shortNatural, shortInteger}), ElementsAre(-7, 65535, -9));
+    EXPECT_EQ(source.Rest(), "rest|");
 }
-
-TEST(InputStreamerTests, HandsEveryValueToTheStream) {
-    const pointer<Letters> stream(new Letters);
-    InputStreamer reader(stream.get(), nullptr);
-    ReadEach<ZoString, char*, long double, double, float, unsigned, int, unsigned short, short, bool>(reader);
-    reader.SkipValue();
-    EXPECT_EQ(stream->seen, "ZcDdfuiSsb-");
-}
-
-#ifdef ZO_SLOTS_ARE_TOLD
-template <class Stream, class... Types>
-std::vector<std::ptrdiff_t> InputSlots() {
-    return {Slot(static_cast<Stream& (Stream::*)(Types)>(&Stream::operator>>))...};
-}
-template <class Stream, class... Types>
-std::vector<std::ptrdiff_t> OutputSlots() {
-    return {Slot(static_cast<Stream& (Stream::*)(Types)>(&Stream::operator<<))...};
-}
-
-TEST(TextStreamTests, TheirOperationsStandInTheirOrder) {
-    const auto ten = ElementsAre(4, 5, 6, 7, 8, 9, 10, 11, 12, 13);
-    EXPECT_THAT((OutputSlots<OutputStream, const ZoString&, const char*, long double, double, float,
-                             unsigned int, int, unsigned short, short, bool>()),
-                ten);
-    EXPECT_THAT((InputSlots<InputStream, ZoString&, char*, long double&, double&, float&, unsigned int&, int&,
-                            unsigned short&, short&, bool&>()),
-                ten);
-    EXPECT_EQ(Slot(&InputStream::SkipValue), 14);
-    EXPECT_EQ(Slot(&InputStream::GetLine), 15);
-    EXPECT_EQ(Slot(&InputStream::CheckRead), 16);
-}
-#endif
 
 TEST(RealClipboardStreamerTests, ShortNumbersAreIntsThere) {
     const PrivateClipboard clipboard;
@@ -588,26 +548,6 @@ TEST(RealClipboardStreamerTests, ShortNumbersAreIntsThere) {
     int first = 0, second = 0;
     reader >> first >> second >> small;
     EXPECT_THAT((std::vector<int>{first, second, small}), ElementsAre(-5, 65535, -7));
-}
-
-TEST(TextStreamerTests, NeedAStream) {
-    OutputStreamer out(nullptr);
-    Reader in(nullptr, nullptr);
-    Item item;
-    ZoStreamableBase* object = &item;
-    int number = 0;
-    const std::function<void()> operations[] = {
-        [&] { out << 1; },       [&] { out << object; },
-        [&] { out << item; },    [&] { out.GetHandle(object); },
-        [&] { out.GetFile(); },  [&] { in >> number; },
-        [&] { in >> item; },     [&] { in >> object; },
-        [&] { in.SkipValue(); }, [&] { in.SetHandle(object, 1); },
-        [&] { in.GetFile(); },
-    };
-    for (const auto& operation : operations) {
-        EXPECT_EQ(AssertionOf(operation).expression, "object");
-        EXPECT_EQ(AssertionOf(operation).source, "public/include/ZoPrimitives/pointer");
-    }
 }
 
 // Texts of strangers

@@ -11,12 +11,7 @@ namespace {
 using Kind = ECustomPropertyValueType;
 
 TEST(ECustomPropertyValueTypeTest, Kinds) {
-    const struct {
-        int kind;
-        const char* name;
-        const char* asTyped;
-        bool real;
-    } rows[] = {
+    const std::tuple<int, const char*, const char*, bool> rows[] = {
         {0, "Texto", "texto", false},
         {1, "Número"_ansi, "NÚMERO"_ansi, true},
         {2, "Sim/Não"_ansi, "sim/não"_ansi, false},
@@ -30,16 +25,14 @@ TEST(ECustomPropertyValueTypeTest, Kinds) {
         {10, "Ângulo"_ansi, "ângulo"_ansi, true},
         {11, "Inteiro", "inteiro", false},
     };
-    int kind = Kind::PrimeiroValor();
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.kind, kind++);
-        EXPECT_EQ(Kind::Nome(row.kind), row.name);
-        EXPECT_EQ(Kind::Value(row.name), row.kind) << row.name;
-        EXPECT_EQ(Kind::Value(row.asTyped), row.kind) << row.name;
-        EXPECT_EQ(Kind(row.kind).IsRealNumber(), row.real) << row.name;
-        EXPECT_EQ(Kind::IsRealNumber(row.kind), row.real) << row.name;
+    int next = Kind::PrimeiroValor();
+    for (const auto& [kind, name, asTyped, real] : rows) {
+        EXPECT_EQ(kind, next++);
+        EXPECT_EQ(Kind::Nome(kind), name);
+        for (const char* read : {name, asTyped}) EXPECT_EQ(Kind::Value(read), kind) << read;
+        EXPECT_TRUE(Kind(kind).IsRealNumber() == real && Kind::IsRealNumber(kind) == real) << name;
     }
-    EXPECT_EQ(kind, Kind::UltimoValor() + 1);
+    EXPECT_EQ(next, Kind::UltimoValor() + 1);
 }
 
 TEST(ECustomPropertyValueTypeTest, OtherNumbersAndNames) {

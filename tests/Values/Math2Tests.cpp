@@ -11,10 +11,6 @@
 #include <climits>
 #include <cmath>
 #include <initializer_list>
-#include <limits>
-#include <string>
-#include <type_traits>
-#include <utility>
 
 using namespace ZoPrimitives;
 
@@ -40,12 +36,7 @@ void Expect(std::initializer_list<Row> rows) {
 double PowerOfTen(int exponent) { return std::stod("1e" + std::to_string(exponent)); }
 
 TEST(Math2Tests, ComparesWithinTheTolerance) {
-    const struct {
-        const char* name;
-        double a, b;
-        unsigned precision;
-        const char* held;
-    } cases[] = {
+    const std::tuple<const char*, double, double, unsigned, const char*> cases[] = {
         {"within", 1.0, 1.00005, 4, "Equal LessEqual GreaterEqual"},
         {"the tolerance itself", 0.0, 0.0001, 4, "Different Less LessEqual"},
         {"outside", 1.0, 1.0002, 4, "Different Less LessEqual"},
@@ -174,10 +165,7 @@ TEST(Math2Tests, BringsAnglesIntoOneTurn) {
 }
 
 TEST(Math2Tests, SolvesQuadratics) {
-    const struct {
-        const char* name;
-        double a, b, c, x1, x2;
-    } cases[] = {
+    const std::tuple<const char*, double, double, double, double, double> cases[] = {
         {"two roots", 2, -6, 4, 2, 1},
         {"in the other order", -1, 3, -2, 1, 2},
         {"one root", 1, -2, 1, 1, 1},
@@ -187,9 +175,9 @@ TEST(Math2Tests, SolvesQuadratics) {
     double x1 = 7, x2 = 8;
     EXPECT_FALSE(Bhaskara(x1, x2, 1, 0, 1));
     EXPECT_TRUE(x1 == 7 && x2 == 8);
-    for (const auto& row : cases) {
-        EXPECT_TRUE(Bhaskara(x1, x2, row.a, row.b, row.c)) << row.name;
-        Expect({{row.name, x1, row.x1}, {row.name, x2, row.x2}});
+    for (const auto& [name, a, b, c, first, second] : cases) {
+        EXPECT_TRUE(Bhaskara(x1, x2, a, b, c)) << name;
+        Expect({{name, x1, first}, {name, x2, second}});
     }
 }
 
@@ -204,12 +192,9 @@ TEST(Math2Tests, InterpolatesInTheTypeOfItsArguments) {
 }
 
 TEST(Math2Tests, CountsAndMeasures) {
-    EXPECT_EQ(Factorial(-3), 1);
-    EXPECT_EQ(Factorial(12), 479001600);
-    EXPECT_EQ(Factorial(13), 1932053504);
-    EXPECT_EQ(Factorial(17), -288522240);
-    EXPECT_EQ(Factorial(33), INT_MIN);
-    EXPECT_EQ(Factorial(INT_MAX), 0);
+    for (const auto& [n, product] :
+         {std::pair(-3, 1), {12, 479001600}, {13, 1932053504}, {17, -288522240}, {33, INT_MIN}, {INT_MAX, 0}})
+        EXPECT_EQ(Factorial(n), product) << n;
     EXPECT_EQ(Distance(1, 2, 3, 3, 5, 9), 7);
     EXPECT_EQ(Distance(0, 0, 0, 0.1L, 0, 0), 0.1);
     EXPECT_TRUE(IsNan(NOT_A_NUMBER));
@@ -230,10 +215,7 @@ TEST(Math2Tests, ReadsHexadecimalDigits) {
 }
 
 TEST(Math2Tests, ConvertsColourWords) {
-    const struct {
-        double components[3];
-        unsigned long word;
-    } words[] = {
+    const std::pair<Point3D, unsigned long> words[] = {
         {{1, 0, 0}, 0xFF0000},
         {{0.5, 0.25, 0.999}, 0x7F3FFE},   // cut, not rounded
         {{0.9999999999, 0, 0}, 0xFF0000}, // but rounded to six decimals first
@@ -242,9 +224,10 @@ TEST(Math2Tests, ConvertsColourWords) {
         {{NOT_A_NUMBER, INF, -INF}, 0},
         {{0, 0, 1e300}, 0x7FFFFFFF},
     };
-    for (const auto& row : words)
-        EXPECT_EQ(DoubleArrayToColor(row.components), row.word) << std::hex << row.word;
-
+    for (const auto& [point, word] : words) {
+        const double components[] = {point.X(), point.Y(), point.Z()};
+        EXPECT_EQ(DoubleArrayToColor(components), word) << std::hex << word;
+    }
     const std::pair<unsigned long, Point3D> components[] = {
         {0xFF0000, {0, 0, 1}}, {0x336699, {0.6, 0.4, 0.2}}, {0xFF, {1, 0, 0}}, {0x99663300, {0.2, 0.4, 0.6}}};
     for (const auto& [word, expected] : components) {
@@ -257,14 +240,7 @@ TEST(Math2Tests, ConvertsColourWords) {
 TEST(Math2Tests, FormatsNumbers) {
     const std::string zeros(20, '0');
     const std::string huge = std::to_string(1e308).substr(0, 309); // before the point
-    const struct {
-        const char* name;
-        double value;
-        unsigned decimals;
-        bool keepZeros;
-        char separator;
-        std::string text;
-    } cases[] = {
+    const std::tuple<const char*, double, unsigned, bool, char, std::string> cases[] = {
         {"comma", 1.5, 3, false, ',', "1,5"},
         {"kept zeros", 2.0, 2, true, ',', "2,00"},
         {"no negative zero", -0.0001, 2, false, '.', "0"},
@@ -281,17 +257,12 @@ TEST(Math2Tests, FormatsNumbers) {
     };
     const CommaLocale locale;
     for (const auto& [name, value, decimals, keepZeros, separator, text] : cases) {
-        EXPECT_STREQ(FormatFloat(value, decimals, keepZeros, separator).c_str(), text.c_str()) << name;
+        EXPECT_EQ(FormatFloat(value, decimals, keepZeros, separator), text.c_str()) << name;
     }
 }
 
 TEST(Math2Tests, FormatsWithExponents) {
-    const struct {
-        const char* name;
-        double value;
-        unsigned intDigits, decimals;
-        const char* text;
-    } free[] = {
+    const std::tuple<const char*, double, unsigned, unsigned, const char*> free[] = {
         {"one digit", 12345, 1, 4, "1,2345x10^4"},
         {"negative", -12345, 1, 4, "-1,2345x10^4"},
         {"no digit", 12345, 0, 5, "0,12345x10^5"},
@@ -310,11 +281,8 @@ TEST(Math2Tests, FormatsWithExponents) {
         {"more digits than there are", 2, 309, 1, "2"},
         {"more decimals than there are", 12345, 1, 309, "nan"},
     };
-    for (const auto& row : free) {
-        const ZoString text =
-            FormatFloatInScientificNotation(row.value, row.intDigits, row.decimals, false, ',');
-        EXPECT_STREQ(text.c_str(), row.text) << row.name;
-    }
+    for (const auto& [name, value, intDigits, decimals, text] : free)
+        EXPECT_EQ(FormatFloatInScientificNotation(value, intDigits, decimals, false, ','), text) << name;
     for (int digits = 0; digits <= 308; ++digits) {
         const double limit = PowerOfTen(digits), beyond = std::nextafter(limit, INF);
         const auto text = [&](double value) {
@@ -324,13 +292,8 @@ TEST(Math2Tests, FormatsWithExponents) {
         EXPECT_NE(text(beyond).find("x10^1"), -1) << "beyond the limit: " << digits;
     }
 
-    const struct {
-        const char* name;
-        double value;
-        int exponent;
-        unsigned decimals;
-        const char* text;
-    } fixed[] = {
+    const std::string noMore = "0." + std::string(308, '0') + "x10^";
+    const std::tuple<const char*, double, int, unsigned, std::string> fixed[] = {
         {"own exponent", 12345, 4, 4, "1.2345x10^4"},
         {"ten", 10, 1, 2, "1.00x10^1"},
         {"ten and a leading zero", 10, 2, 2, "0.100x10^2"},
@@ -343,18 +306,16 @@ TEST(Math2Tests, FormatsWithExponents) {
         {"zero, negative exponent", 0, -3, 1, "0.0x10^-3"},
         {"least that is widened", 1e-20, -19, 1, "0.10x10^-19"},
         {"below comparing", 4e-21, -20, 1, "0.4x10^-20"},
-        {"far too small", 1, 400, 306, nullptr},
-        {"steps end at 0", 1, INT_MAX, 0, nullptr},
+        {"far too small", 1, 400, 306, noMore + "400"},
+        {"steps end at 0", 1, INT_MAX, 0, noMore + "2147483647"},
         {"far too large", 1, INT_MIN, 2, "nan"},
         {"NaN", NOT_A_NUMBER, 3, 2, "nan"},
         {"decimals that wrap", 0.1, 5, UINT_MAX, "nan"},
     };
-    for (const auto& row : fixed) {
-        const ZoString text = FormatFloatInScientificNotationWithFixedExponent(row.value, row.exponent,
-                                                                               row.decimals, true, '.');
-        const std::string zeros = "0." + std::string(308, '0') + "x10^" + std::to_string(row.exponent);
-        EXPECT_STREQ(text.c_str(), row.text != nullptr ? row.text : zeros.c_str()) << row.name;
-    }
+    for (const auto& [name, value, exponent, decimals, text] : fixed)
+        EXPECT_EQ(FormatFloatInScientificNotationWithFixedExponent(value, exponent, decimals, true, '.'),
+                  text.c_str())
+            << name;
     for (int exponent = -307; exponent <= 308; ++exponent) {
         const ZoString own =
             FormatFloatInScientificNotationWithFixedExponent(PowerOfTen(exponent), exponent, 2, true, '.');

@@ -1,21 +1,13 @@
-#include "support/Streaming.h"
-
 #include "ZoPrimitives/Checksum.h"
-#include "ZoPrimitives/FileInputStream.h"
-#include "ZoPrimitives/FileOutputStream.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/LDPoint.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/TTransformation.h"
 #include "ZoPrimitives/TVector2D.h"
 #include "ZoPrimitives/TVector3D.h"
 
-#include "support/Assertions.h"
 #include "support/CommaLocale.h"
-#include "support/TemporaryFolder.h"
+#include "support/RoundTrip.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace ZoPrimitives;
 
@@ -48,11 +40,7 @@ std::string Comparisons(const Point& a, const Point& b) {
 }
 
 TEST(PointTests, OperatorsCompareExactly) {
-    const struct {
-        const char* name;
-        Point3D a, b;
-        const char* held;
-    } cases[] = {
+    const std::tuple<const char*, Point3D, Point3D, const char*> cases[] = {
         {"equal", {1, 5, 2}, {1, 5, 2}, "== <= >="},
         {"x less", {1, 5, 9}, {2, 0, 0}, "!= < <="},
         {"x greater", {2, 0, 0}, {1, 5, 9}, "!= > >="},
@@ -77,12 +65,7 @@ TEST(PointTests, OperatorsCompareExactly) {
 }
 
 TEST(PointTests, NamedComparisonsHaveATolerance) {
-    const struct {
-        const char* name;
-        Point3D a, b;
-        const char* inSpace;
-        const char* inPlane;
-    } cases[] = {
+    const std::tuple<const char*, Point3D, Point3D, const char*, const char*> cases[] = {
         {"x less", {1, 9, 9}, {2, 0, 0}, "<", "<"},
         {"x greater", {2, 0, 0}, {1, 9, 9}, "", ""},
         {"y less", {1.00005, 1, 9}, {1, 2, 0}, "<", "<"},
@@ -170,11 +153,7 @@ TEST(PointTests, Quadrants) {
 
 TEST(PointTests, IsInSegment) {
     const Point2D a(1, 1), b(5, 3), far(65528952686927.3, 1);
-    const struct {
-        const char* name;
-        Point2D from, to, point;
-        bool inside;
-    } cases[] = {
+    const std::tuple<const char*, Point2D, Point2D, Point2D, bool> cases[] = {
         {"inside", a, b, {3, 2}, true},
         {"end", a, b, b, true},
         {"on the line, before", a, b, {-1, 0}, false},
@@ -205,11 +184,7 @@ TEST(PointTests, Texts) {
     EXPECT_STREQ(Point2D(1.5, -2).ToString().c_str(), "x:1.500000 | y:-2.000000");
     EXPECT_STREQ(Point3D(1.25, 2, -0.04).ToString().c_str(), "(1.3, 2, 0)");
     EXPECT_STREQ(Point3D(1234567, 0.5, -1e-7).CoordsToString().c_str(), "1.23457e+06;0.5;-1e-07");
-    const struct {
-        const char* text;
-        bool read;
-        Point3D point;
-    } cases[] = {
+    const std::tuple<const char*, bool, Point3D> cases[] = {
         {"1;2;3", true, {1, 2, 3}},
         {" 1.5x; -2e3 ;", true, {1.5, -2000, 0}},
         {";;", true, {0, 0, 0}},
@@ -218,10 +193,10 @@ TEST(PointTests, Texts) {
         {"", false, {7, 8, 9}},
         {"inf;-1e999;0x10", true, {INF, -INF, 16}},
     };
-    for (const auto& row : cases) {
+    for (const auto& [text, read, expected] : cases) {
         Point3D point(7, 8, 9);
-        EXPECT_EQ(point.CoordsFromString(row.text), row.read) << row.text;
-        EXPECT_EQ(point, row.point) << row.text;
+        EXPECT_EQ(point.CoordsFromString(text), read) << text;
+        EXPECT_EQ(point, expected) << text;
     }
 }
 
@@ -278,10 +253,7 @@ TEST(VectorTests, Products) {
 
 TEST(VectorTests, Angles) {
     const TVector3D x(2, 0, 0), y(0, 3, 0), z(0, 0, 1), zero;
-    const struct {
-        const char* name;
-        double actual, expected;
-    } cases[] = {
+    const std::tuple<const char*, double, double> cases[] = {
         {"right angle", x.Angle(y), PI / 2},
         {"beside zero", zero.Angle(y), 0},
         {"cosine beside zero", y.CosAngle(zero), 1},
@@ -300,17 +272,19 @@ TEST(VectorTests, Angles) {
         {"to the left", x.SignedAngle(y), PI / 2},
         {"to the right", y.SignedAngle(x), -PI / 2},
         {"about a normal", y.SignedAngle(x, {0, 0, -1}), PI / 2},
+        {"to the left by z alone, not x", y.SignedAngle({-1, 0, -5}), PI / 2},
+        {"to the left by z alone, not y", x.SignedAngle({0, 1, 5}), PI / 2},
         {"in a vertical plane", z.SignedAngle(x, {0, 1, 0}), PI / 2},
         {"opposite, signed", x.SignedAngle(-x), PI},
         {"signed cosine", y.CosSignedAngle(x), 0},
         {"in the plane", TVector2D(1, 0).Angle({0, -1}), PI / 2},
         {"in the plane, to the right", TVector2D(1, 0).SignedAngle({0, -1}), -PI / 2},
     };
-    for (const auto& row : cases) {
-        if (std::isnan(row.expected)) {
-            EXPECT_TRUE(std::isnan(row.actual)) << row.name;
+    for (const auto& [name, actual, expected] : cases) {
+        if (std::isnan(expected)) {
+            EXPECT_TRUE(std::isnan(actual)) << name;
         } else {
-            EXPECT_NEAR(row.actual, row.expected, 1e-7) << row.name;
+            EXPECT_NEAR(actual, expected, 1e-7) << name;
         }
     }
 }
@@ -330,15 +304,20 @@ TEST(VectorTests, Directions) {
 
 TEST(VectorTests, ArbitraryAxes) {
     const TVector3D beside(0.01, -0.0157, 1);
-    const struct {
-        const char* name;
-        TVector3D normal, x, y;
-    } cases[] = {
+    const std::tuple<const char*, TVector3D, TVector3D, TVector3D> cases[] = {
         {"up", {0, 0, 5}, {1, 0, 0}, {0, 1, 0}},
         {"down", {0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},
         {"x", {2, 0, 0}, {0, 1, 0}, {0, 0, 1}},
         {"y", {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
         {"zero", {0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
+        {"1/64 itself",
+         {1.0 / 64, 0, std::sqrt(1 - 1.0 / 4096)},
+         {0, 1, 0},
+         {-std::sqrt(1 - 1.0 / 4096), 0, 1.0 / 64}},
+        {"y 1/64 itself",
+         {0, 1.0 / 64, std::sqrt(1 - 1.0 / 4096)},
+         {-1, 0, 0},
+         {0, -std::sqrt(1 - 1.0 / 4096), 1.0 / 64}},
         {"just beyond 1/64", {0.0157, 0, 1}, {0, 1, 0}, TVector3D(-1, 0, 0.0157).Normalized()},
         {"just below 1/64", {0.0156, 0, 1}, TVector3D(1, 0, -0.0156).Normalized(), {0, 1, 0}},
         {"x beyond -1/64", {-0.0157, 0, 1}, {0, -1, 0}, TVector3D(1, 0, 0.0157).Normalized()},
@@ -346,14 +325,14 @@ TEST(VectorTests, ArbitraryAxes) {
          beside.CrossProduct({0.0157, 0.01, 0}).Normalized()},
     };
     const TVector3D v(1, 2, 3);
-    for (const auto& row : cases) {
+    for (const auto& [name, normal, expectedX, expectedY] : cases) {
         TVector3D x, y, z;
-        TVector3D::AcadArbitraryAxes(row.normal, x, y, z);
-        ExpectNear(x, row.x, row.name);
-        ExpectNear(y, row.y, row.name);
-        ExpectNear(x.CrossProduct(y), z, row.name);
-        ExpectNear(z.AcadArbitraryOCS(row.normal), {0, 0, 1}, row.name);
-        ExpectNear(v.AcadArbitraryOCS(row.normal).AcadArbitraryWCS(row.normal), v, row.name);
+        TVector3D::AcadArbitraryAxes(normal, x, y, z);
+        ExpectNear(x, expectedX, name);
+        ExpectNear(y, expectedY, name);
+        ExpectNear(x.CrossProduct(y), z, name);
+        ExpectNear(z.AcadArbitraryOCS(normal), {0, 0, 1}, name);
+        ExpectNear(v.AcadArbitraryOCS(normal).AcadArbitraryWCS(normal), v, name);
     }
     TVector3D normal(0, 1, 0), x, z;
     TVector3D::AcadArbitraryAxes(normal, x, normal, z); // outputs may be the input
@@ -368,8 +347,12 @@ TEST(TransformationTests, TransformsPointsAndDirections) {
     ExpectNear(Point3D(1, 2, 3).Transform(move * turn), {8, 21, 33}, "the right one first");
     ExpectNear(Point3D(1, 2, 3).Transform(turn * move), {-22, 11, 33}, "the other way round");
     ExpectNear(TVector3D(1, 2, 3).Transform(move * turn), {-2, 1, 3}, "a direction");
+    ExpectNear(TVector3D(2, 3, 4).Transform(move * TTransformation::Scaling(3, 4, 5)), {6, 12, 20},
+               "a direction");
     EXPECT_EQ(Point3D(1, 2, 3).Transform(TTransformation::Scaling(2, -1, 0)), Point3D(2, -2, 0));
     EXPECT_EQ(TTransformation::Rotation(1, 0, 0, 0), TTransformation());
+    EXPECT_EQ(TTransformation(ZoStreamableBase::InitEmpty), TTransformation());
+    EXPECT_FALSE(static_cast<const ZoObject&>(move) == Point3D());
     TTransformation view;
     view.Element(4, 3, 0.5);
     EXPECT_EQ(Point3D(2, 4, 2).Transform(view), Point3D(1, 2, 1));
@@ -427,51 +410,24 @@ TEST(PointTests, EachIsSavedAndOpened) {
     Payload matrix;
     matrix.Int(16);
     for (unsigned i = 0; i < 16; ++i) matrix.Double(turn.Element(i / 4 + 1, i % 4 + 1));
-    const struct {
-        ZoStreamableBase& object;
-        const char* name;
-        std::string payload;
-        const char* tokens; // as text
-    } cases[] = {
-        {plane, "Point2D", Payload().Double(1.5).Double(-0.0), "10|1.5|20|-0."},
-        {planeVector, "TVector2D", Payload().Double(3).Double(4), "10|3.|20|4."},
-        {space, "Point3D", Payload().Double(5).Double(-1e-300).Double(6), "10|5.|20|-1.e-300|30|6."},
-        {vector, "TVector3D", Payload().Double(7).Double(8).Double(INF), "210|7.|220|8.|230|inf"},
-        {turn, "TTransformation", matrix, nullptr},
-        {move, "TTransformation", "",
+    const std::tuple<ZoStreamableBase*, const char*, std::string, const char*> cases[] = {
+        {&plane, "Point2D", Payload().Double(1.5).Double(-0.0), "10|1.5|20|-0.|"},
+        {&planeVector, "TVector2D", Payload().Double(3).Double(4), "10|3.|20|4.|"},
+        {&space, "Point3D", Payload().Double(5).Double(-1e-300).Double(6), "10|5.|20|-1.e-300|30|6.|"},
+        {&vector, "TVector3D", Payload().Double(7).Double(8).Double(INF), "210|7.|220|8.|230|inf|"},
+        {&turn, "TTransformation", matrix, nullptr},
+        {&move, "TTransformation", "",
          "40|1.|40|0.|40|0.|40|10.|40|0.|40|1.|40|0.|40|20.|40|0.|40|0.|40|1.|40|30.|40|0.|40|0.|40|0.|40|"
-         "1."},
-        {mirrored, "class (anonymous namespace)::Mirrored", Payload().Double(1).Double(2).Double(3), nullptr},
+         "1.|"},
+        {&mirrored, "class (anonymous namespace)::Mirrored", Payload().Double(1).Double(2).Double(3),
+         nullptr},
     };
-    const Testing::TemporaryFolder folder;
     for (const auto& [object, name, payload, tokens] : cases) {
-        EXPECT_EQ(Text(object.StreamableClassName()).find(name), 0u);
-        EXPECT_EQ(object.GetClass(), object.GetOriginalClass(&schema)) << name;
-        const std::string file = Save(schema, &object);
-        EXPECT_TRUE(payload.empty() || RowsOf(file)[1].payload == payload) << name;
-        Opened opened(file, schema);
-        const ZoStreamableBase* read = opened.root;
-        EXPECT_TRUE(*read == object && typeid(*read) == typeid(object)) << name;
-
-        if (tokens == nullptr) continue;
-        {
-            OutputStreamer writer(new FileOutputStream(folder.Path(name).c_str(), false));
-            writer << &object << 999 << "unknown" << 7;
-        }
-        std::string written = folder.Read(name);
-        for (std::size_t at = 0; (at = written.find("\r\n", at)) != std::string::npos;) {
-            written.replace(at, 2, "|");
-        }
-        EXPECT_EQ(written, "0|" + std::string(name) + "|3|1|" + tokens + "|999|unknown|7");
-        InputStreamer reader(new FileInputStream(folder.Path(name).c_str()), new StreamableFactory(&schema));
-        int begin = 0;
-        ZoString className;
-        reader >> begin >> className;
-        const pointer<ZoStreamableBase> fromText(reader.GetFactories()[1]->CreateObject(className));
-        fromText->Read(reader);
-        const ZoObject& made = *fromText;
-        EXPECT_TRUE(made == object && typeid(made) == typeid(object)) << name;
-        EXPECT_EQ(reader.GetHandle(fromText.get()), 1) << name;
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Text(object->StreamableClassName()).find(name), 0u);
+        const std::string file = ExpectOpened(schema, *object);
+        EXPECT_TRUE(payload.empty() || RowsOf(file)[1].payload == payload);
+        EXPECT_TRUE(tokens == nullptr || ExpectReadAsText(schema, *object) == tokens);
     }
 }
 

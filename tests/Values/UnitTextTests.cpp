@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstdint>
 
 using namespace ZoPrimitives;
 
@@ -22,15 +21,7 @@ constexpr double UNTOUCHED = -77; // what `ofText` reads over
 std::uint64_t Bits(double value) { return std::bit_cast<std::uint64_t>(value); }
 
 TEST(UnitTextTest, Writes) {
-    const struct {
-        const char* quantity;
-        double valor;
-        int unit;
-        unsigned decimals;
-        bool keepZeros;
-        char separator;
-        const char* text;
-    } rows[] = {
+    const std::tuple<const char*, double, int, unsigned, bool, char, const char*> rows[] = {
         {"GForcaLinear", 3.5, 2, 2, false, ',', "3,5 kN/m"},
         {"GForcaLinear", 3.5, 2, 2, true, '.', "3.50 kN/m"},
         {"GForcaLinear", 3.5, 0, 0, true, ',', "350 kgf/m"},
@@ -41,23 +32,16 @@ TEST(UnitTextTest, Writes) {
         {"GVelocidade", 1, 3, 1, true, ',', "600,0"},
         {"GComprimento", 1, 5, 1, true, ',', ""},
     };
-    for (const auto& row : rows) {
-        const std::string text =
-            QuantityNamed(row.quantity).text(row.valor, row.unit, row.decimals, row.keepZeros, row.separator);
-        EXPECT_EQ(text, row.text);
-    }
+    for (const auto& [quantity, valor, unit, decimals, keepZeros, separator, text] : rows)
+        EXPECT_EQ(QuantityNamed(quantity).text(valor, unit, decimals, keepZeros, separator), text);
 }
 
 TEST(UnitTextTest, Reads) {
-    const struct {
-        const char* quantity;
-        int unit; // the next one counts where none is written
-        double value;
-        std::vector<const char*> texts; // ',' before decimals
-    } rows[] = {
+    // Another unit counts where none is written. The texts have ',' before decimals.
+    const std::tuple<const char*, int, double, std::vector<const char*>> rows[] = {
         {"GForcaLinear", 2, 3.5, {"3,5 kN/m", "3,5 KN/M", "3,5kN / m", "3,5 kN_m", "+35e-1 kN /m"}},
         {"GForcaLinear", 4, 2, {"2 lb/ft", "2 lbs./ft", "2 LBS. / FT."}},
-        {"GComprimento", 0, -250, {"-2,5E+2cm", "-250", "-250, Cm"}},
+        {"GComprimento", 0, -250, {"-2,5E+2cm", "-250", "-250 ", "-250, Cm"}},
         {"GComprimento", 1, 0.5, {"\t  ,5 \xA0m\r\n", "0,500m", "5e-1 M", "0005,e-01m."}},
         {"GComprimento", 2, 12, {"12 in", "12 in.", "12 IN"}},
         {"GComprimento", 3, 3, {"3, ft", "3,ft", "3,e0ft"}},
@@ -84,17 +68,17 @@ TEST(UnitTextTest, Reads) {
         {"GInercia", 0, 3, {"3 cm4", "3 cm^4"}},
         {"GTempo", 3, 2, {"2 dias", "2 dia"}},
     };
-    for (const auto& row : rows) {
-        const Quantity& of = QuantityNamed(row.quantity);
-        for (std::string text : row.texts) {
+    for (const auto& [quantity, unit, value, texts] : rows) {
+        const Quantity& of = QuantityNamed(quantity);
+        for (std::string text : texts) {
             for (const char separator : {',', '.'}) {
                 std::replace(text.begin(), text.end(), ',', separator);
-                const bool named = text.find_first_not_of("+-0123456789,.e") != std::string::npos;
-                const int unitWhenNone = (row.unit + (named ? 1 : 0)) % of.units;
+                const bool named = text.find_first_not_of("+-0123456789,.e ") != std::string::npos;
+                const int unitWhenNone = (unit + (named ? 1 : 0)) % of.units;
                 const auto [valor, reading] = of.ofText(text.c_str(), separator, unitWhenNone);
                 EXPECT_TRUE(reading) << text << ": " << reading.posicao << ' ' << reading.descricao.c_str();
-                EXPECT_EQ(reading.unidade, row.unit) << text;
-                EXPECT_EQ(Bits(valor), Bits(of.constructed(row.value, row.unit))) << text;
+                EXPECT_EQ(reading.unidade, unit) << text;
+                EXPECT_EQ(Bits(valor), Bits(of.constructed(value, unit))) << text;
                 EXPECT_EQ(reading.descricao, "") << text;
             }
         }
@@ -104,10 +88,9 @@ TEST(UnitTextTest, Reads) {
 TEST(UnitTextTest, EveryUnitIsReadByEachOfItsNames) {
     for (const Quantity& of : AllQuantities()) {
         for (int unit = 0; unit < of.units; ++unit) {
-            for (ZoString name : {ZoString(of.unitName(unit).c_str()),
-                                  ZoString(of.accessorNames[static_cast<std::size_t>(unit)].c_str())}) {
-                if (name.length() == 0) continue;
-                for (int capitals = 0; capitals < 2; ++capitals, name.Uppercase()) {
+            const std::string& accessor = of.accessorNames[static_cast<std::size_t>(unit)];
+            for (ZoString name : {ZoString(of.unitName(unit).c_str()), ZoString(accessor.c_str())}) {
+                for (int capitals = 0; capitals < 2 && name.length() > 0; ++capitals, name.Uppercase()) {
                     const auto [valor, reading] = of.ofText((" 2 " + name).c_str(), ',', -1);
                     EXPECT_EQ(reading.unidade, unit) << of.name << ' ' << name.c_str();
                     EXPECT_EQ(valor, of.constructed(2, unit)) << of.name << ' ' << name.c_str();
@@ -155,11 +138,13 @@ TEST(UnitTextTest, RefusesWithoutGuessing) {
         {MilharesJuntos, 5, {"1.000,5"}, '.'},
         {MilharesJuntos, 5, {"1;000;000 m"}, ';'},
         {MilharesJuntos, 1, {"1.000;5 m"}, ';'},
-        {Unidade, 1, {"0x10 m", "1'00 m"}},
-        {Unidade, 2, {"12e m", "12e+ m", "12-m", "1 2345 m", "1 23 m"}},
+        {MilharesJuntos, 1, {"1.000,5 m"}, ';'},
+        {Unidade, 1, {"0x10 m", "1'00 m", "1d5 m"}},
+        {Unidade, 2, {"12e m", "12e+ m", "12-m", "12: m", "12\x0em", "1 2345 m", "1 23 m", "1 x23 m"}},
         {Unidade,
          3,
-         {"3, 5 m", "12 im", "12 Mm", "12 cM", "12 .m", "12 m..", "12 m^", "12 cm/", "12 km", "1e2,5 m"}},
+         {"3, 5 m", "3,5, m", "12 im", "12 Mm", "12 cM", "12 .m", "12 m..", "12 m^", "12 cm/", "12 cm^.",
+          "12 km", "1e2,5 m"}},
         {Fim, 5, {"12 m m"}},
         {Fim, 6, {"12 cm , 3", "12 m  / 2", "12 m. m"}},
         {Representavel, 0, {"1e308 m", "-1e-999", "4e-324 mm", large.c_str()}}, // mm: not in cm
@@ -191,7 +176,7 @@ ZoString OtherLanguage(const char* name) {
     const std::string plain(name);
     if (plain == "ft" || plain == "lb") return "x";
     if (plain == "in") return "m";
-    if (plain == "m") return "Espaço"_ansi;
+    if (plain == "m") return "Zàøþ"_ansi;
     return name;
 }
 
@@ -200,19 +185,37 @@ TEST(UnitTextTest, ReadsTheLanguageInUse) {
                                        {1, "in", "in", AsIs, AsIs},
                                        {2, "ft", "ft", AsIs, AsIs},
                                        {3, "lb", "lb", AsIs, AsIs, "lbs|#"},
-                                       {4, "cm", "cm", AsIs, AsIs}};
+                                       {4, "cm", "cm", AsIs, AsIs},
+                                       {5, "ma", "ma", AsIs, AsIs},
+                                       {6, "mz", "mz", AsIs, AsIs},
+                                       {7, "mß"_ansi, "mß"_ansi, AsIs, AsIs},
+                                       {8, "m÷"_ansi, "m÷"_ansi, AsIs, AsIs}};
     const std::pair<const char*, int> texts[] = {
         {"1 m", 1},  // the language's name comes before the library's own
         {"1 in", 1}, // which are read too
-        {"1 espaço"_ansi, 0}, {"1 ESPAÇO"_ansi, 0}, {"1 x", -1}, // two units
-        {"1 X", -1},          {"1 lb", 3},          {"1 #", 3},  {"1 M", -1}, {"1 CM", 4},
+        {"1 zàøþ"_ansi, 0},
+        {"1 ZÀØÞ"_ansi, 0},
+        {"1 x", -1}, // two units
+        {"1 X", -1},
+        {"1 lb", 3},
+        {"1 #", 3},
+        {"1 M", -1},
+        {"1 CM", 4},
+        // Capitals alone may mean an m by M.
+        {"1 MA", 5},
+        {"1 Ma", -1},
+        {"1 MZ", 6},
+        {"1 Mz", -1},
+        {"1 Mß"_ansi, -1},
+        {"1 M÷"_ansi, 8},
     };
     for (const auto& [text, unit] : texts) {
         double valor = UNTOUCHED;
         const TLeituraDeGrandeza reading = ReadQuantity(rows, text, ',', 4, valor, OtherLanguage);
         EXPECT_EQ(reading.unidade, unit) << text;
         EXPECT_EQ(valor, unit < 0 ? UNTOUCHED : 1) << text;
-        EXPECT_EQ(reading.descricao, unit < 0 ? "uma unidade: Espaço, m, x, x, cm"_ansi : "") << text;
+        EXPECT_EQ(reading.descricao, unit < 0 ? "uma unidade: Zàøþ, m, x, x, cm, ma, mz, mß, m÷"_ansi : "")
+            << text;
     }
 }
 
@@ -220,6 +223,8 @@ TEST(UnitTextTest, WhatIsWrittenReadsBack) {
     const CommaLocale locale; // of no consequence
     for (const Quantity& of : AllQuantities()) {
         for (int unit = 0; unit < of.units; ++unit) {
+            const bool loose = of.name == "GPotencia" && unit >= 4; // written as they read, not as set
+            const int unitWhenNone = of.unitName(unit).empty() ? unit : (unit + 1) % of.units;
             for (const double value : {0.0, -1234.5678, 0.001, 250000.0}) {
                 for (const unsigned decimals : {0u, 3u, 9u}) {
                     const char separator = decimals == 3 ? '.' : ',';
@@ -227,15 +232,13 @@ TEST(UnitTextTest, WhatIsWrittenReadsBack) {
                         return of.text(valor, unit, decimals, decimals != 9, separator);
                     };
                     const std::string text = written(of.constructed(value, unit));
-                    const int unitWhenNone = of.unitName(unit).empty() ? unit : (unit + 1) % of.units;
                     const auto [valor, reading] = of.ofText(text.c_str(), separator, unitWhenNone);
                     EXPECT_EQ(reading.unidade, unit) << of.name << ": " << text;
-                    if (of.name == "GPotencia" && unit >= 4) continue; // written as they read, not as set
-                    EXPECT_LE(std::abs(of.read(valor, unit) - value),
-                              0.5 * std::pow(10, -static_cast<int>(decimals)) * (1 + 1e-6) +
-                                  1e-15 * std::abs(value))
+                    const double rounding = 0.5 * std::pow(10, -static_cast<int>(decimals)) * (1 + 1e-6);
+                    EXPECT_TRUE(loose ||
+                                std::abs(of.read(valor, unit) - value) <= rounding + 1e-15 * std::abs(value))
                         << of.name << ": " << text;
-                    EXPECT_EQ(written(valor), text) << of.name;
+                    EXPECT_TRUE(loose || written(valor) == text) << of.name << ": " << text;
                 }
             }
         }

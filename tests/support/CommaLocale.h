@@ -1,12 +1,10 @@
 #pragma once
 
+#include "support/TemporaryFolder.h"
+
 #include <clocale>
-#include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <initializer_list>
-#include <string>
+#include <sstream>
 
 /// While it lives the process writes numbers with a comma: under an installed locale or, where there is none,
 /// under one that `localedef` makes for the occasion. Not for tests that run side by side in one process.
@@ -16,38 +14,26 @@ public:
         for (const char* name : {"pt_BR.UTF-8", "pt_BR", "de_DE.UTF-8", "de_DE", "pt-BR"}) {
             if (Set(name)) return;
         }
-        folder = std::filesystem::temp_directory_path() /
-                 ("zo_locale_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
-        std::filesystem::create_directories(folder);
-        std::ofstream source(folder / "source");
-        source << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n";
-        source.close();
-        std::ofstream characters(folder / "characters");
+        std::ostringstream characters;
         characters << "<code_set_name> ASCII\n<escape_char> /\nCHARMAP\n" << std::hex << std::uppercase;
         for (int i = 0; i < 128; ++i) {
             const std::string pad = i < 16 ? "0" : "";
             characters << "<U00" << pad << i << "> /x" << pad << i << " c\n";
         }
-        characters << "END CHARMAP\n";
-        characters.close();
-        const std::string place = folder.string();
-        const std::string command = "localedef -c --no-archive -i " + place + "/source -f " + place +
-                                    "/characters " + place + "/comma >" + place + "/log 2>&1";
+        folder.Write("characters", characters.str() + "END CHARMAP\n");
+        folder.Write("source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\n"
+                               "END LC_NUMERIC\n");
+        const std::string command = "cd " + folder.Path() + " && localedef -c --no-archive -i source " +
+                                    "-f characters " + folder.Path("comma") + " >log 2>&1";
         // Its result tells of every part of a locale that is missing; what counts is whether this one works.
         static_cast<void>(std::system(command.c_str()));
-        SetVariable("LOCPATH", place.c_str());
+        SetVariable("LOCPATH", folder.Path().c_str());
         Set("comma");
+        SetVariable("LOCPATH", "");
     }
     CommaLocale(const CommaLocale&) = delete;
     CommaLocale& operator=(const CommaLocale&) = delete;
-    ~CommaLocale() {
-        std::setlocale(LC_ALL, "C");
-        if (!folder.empty()) {
-            SetVariable("LOCPATH", "");
-            std::error_code ignored;
-            std::filesystem::remove_all(folder, ignored);
-        }
-    }
+    ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
 
     /// Otherwise the system has no such locale, and the test cannot tell anything.
     bool Active() const { return active; }
@@ -63,6 +49,6 @@ private:
         if constexpr (requires { setenv(name, value, 1); }) setenv(name, value, 1);
     }
 
-    std::filesystem::path folder;
+    ZoPrimitives::Testing::TemporaryFolder folder;
     bool active = false;
 };

@@ -52,6 +52,7 @@ bool Refuses() noexcept {
 
 long long OwnSizeOf(const void* block) noexcept { return static_cast<long long>(mi_usable_size(block)); }
 
+/// The block; counts what it adds to the memory in use.
 void* Counted(void* block, long long change) noexcept {
     if (block == nullptr) return nullptr;
     const long long now = inUse += change;
@@ -59,17 +60,15 @@ void* Counted(void* block, long long change) noexcept {
     }
     return block;
 }
+void* Counted(void* block) noexcept { return Counted(block, SizeOf(block)); }
+void* OwnCounted(void* block) noexcept { return Counted(block, OwnSizeOf(block)); }
 
 } // namespace
 
 extern "C" {
-void* __wrap_malloc(std::size_t size) {
-    void* block = Refuses() ? nullptr : __real_malloc(size);
-    return Counted(block, SizeOf(block));
-}
+void* __wrap_malloc(std::size_t size) { return Refuses() ? nullptr : Counted(__real_malloc(size)); }
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    void* block = Refuses() ? nullptr : __real_calloc(count, size);
-    return Counted(block, SizeOf(block));
+    return Refuses() ? nullptr : Counted(__real_calloc(count, size));
 }
 void* __wrap_realloc(void* block, std::size_t size) {
     if (Refuses()) return nullptr;
@@ -81,13 +80,9 @@ void __wrap_free(void* block) {
     inUse -= SizeOf(block);
     __real_free(block);
 }
-void* __wrap_mi_malloc(std::size_t size) {
-    void* block = Refuses() ? nullptr : __real_mi_malloc(size);
-    return Counted(block, OwnSizeOf(block));
-}
+void* __wrap_mi_malloc(std::size_t size) { return Refuses() ? nullptr : OwnCounted(__real_mi_malloc(size)); }
 void* __wrap_mi_malloc_aligned(std::size_t size, std::size_t alignment) {
-    void* block = Refuses() ? nullptr : __real_mi_malloc_aligned(size, alignment);
-    return Counted(block, OwnSizeOf(block));
+    return Refuses() ? nullptr : OwnCounted(__real_mi_malloc_aligned(size, alignment));
 }
 void __wrap_mi_free(void* block) {
     inUse -= OwnSizeOf(block);

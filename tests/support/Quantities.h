@@ -26,7 +26,6 @@ struct Quantity {
     std::function<std::pair<double, ZoPrimitives::TLeituraDeGrandeza>(const char* text, char separator,
                                                                       int unitWhenNone)>
         ofText;
-    ZoPrimitives::TZoClass* (*registered)(ZoPrimitives::TZoMetaData*);
     ZoPrimitives::TZoCreateFunction create;
 };
 
@@ -59,7 +58,6 @@ Quantity QuantityOf(const char* name, std::vector<double (Class::*)() const> acc
             auto result = read.LeTexto(text, separator, static_cast<Unit>(unitWhenNone));
             return std::pair(read.valor, result);
         },
-        &Class::Register,
         &Class::Create,
     };
 }
@@ -69,32 +67,30 @@ inline const std::vector<Quantity>& AllQuantities() {
 #define ZO_A(Class, unit, ...) &Class::unit,
 #define ZO_N(Class, unit, ...) #unit,
 #define ZO_Q(Name) QuantityOf<G##Name, T##Name>("G" #Name, {ZO_UNITS_T##Name(ZO_A)}, {ZO_UNITS_T##Name(ZO_N)})
-    static const std::vector<Quantity> all = {
-        ZO_Q(Angulo),
-        ZO_Q(Area),
-        ZO_Q(AreaM),
-        ZO_Q(Comprimento),
-        ZO_Q(Corrente),
-        ZO_Q(Energia),
-        ZO_Q(ForcaArea),
-        ZO_Q(ForcaConcentrada),
-        ZO_Q(ForcaLinear),
-        ZO_Q(Inercia),
-        ZO_Q(Intensidade),
-        ZO_Q(Momento),
-        ZO_Q(Peso),
-        ZO_Q(PoderCalorifico),
-        ZO_Q(Potencia),
-        ZO_Q(PressaoCoesao),
-        ZO_Q(PressaoHidraulica),
-        ZO_Q(PressaoTensao),
-        ZO_Q(Recalque),
-        ZO_Q(Temperatura),
-        ZO_Q(Tempo),
-        ZO_Q(Vazao),
-        ZO_Q(Velocidade),
-        ZO_Q(Volume),
-    };
+    static const std::vector<Quantity> all = {ZO_Q(Angulo),
+                                              ZO_Q(Area),
+                                              ZO_Q(AreaM),
+                                              ZO_Q(Comprimento),
+                                              ZO_Q(Corrente),
+                                              ZO_Q(Energia),
+                                              ZO_Q(ForcaArea),
+                                              ZO_Q(ForcaConcentrada),
+                                              ZO_Q(ForcaLinear),
+                                              ZO_Q(Inercia),
+                                              ZO_Q(Intensidade),
+                                              ZO_Q(Momento),
+                                              ZO_Q(Peso),
+                                              ZO_Q(PoderCalorifico),
+                                              ZO_Q(Potencia),
+                                              ZO_Q(PressaoCoesao),
+                                              ZO_Q(PressaoHidraulica),
+                                              ZO_Q(PressaoTensao),
+                                              ZO_Q(Recalque),
+                                              ZO_Q(Temperatura),
+                                              ZO_Q(Tempo),
+                                              ZO_Q(Vazao),
+                                              ZO_Q(Velocidade),
+                                              ZO_Q(Volume)};
 #undef ZO_A
 #undef ZO_N
 #undef ZO_Q

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdarg>
 #include <gtest/gtest.h>
-#include <string>
 
 namespace {
 

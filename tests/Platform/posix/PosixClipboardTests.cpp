@@ -1,16 +1,12 @@
-#include "Platform/Platform.h"
+#include "Platform/Clipboard.h"
+#include "Platform/posix/Child.h"
+#include "support/FaultyServices.h"
 #include "support/PrivateClipboard.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <gmock/gmock.h>
-#include <optional>
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -21,38 +17,7 @@ using ZoPrimitives::Testing::TemporaryFolder;
 
 constexpr const char* Folder = "zoprimitives-clipboard";
 
-struct Impatient : Services {
-    void Wait(unsigned) override {}
-};
-
-// Another process that runs `body`; its exit code.
-int Elsewhere(const std::function<int()>& body) {
-    const pid_t process = fork();
-    if (process == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        _exit(body());
-    }
-    int status = 0;
-    waitpid(process, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-bool Copy(unsigned format, const std::string& bytes) {
-    if (!Current().OpenClipboard()) return false;
-    const bool set = Current().SetClipboardData(format, bytes.data(), bytes.size());
-    Current().CloseClipboard();
-    return set;
-}
-
-std::optional<std::string> Paste(unsigned format) {
-    if (!Current().OpenClipboard()) return std::nullopt;
-    std::optional<std::string> bytes;
-    std::size_t size = 0;
-    if (const void* data = Current().ClipboardData(format, size))
-        bytes = std::string(static_cast<const char*>(data), size);
-    Current().CloseClipboard();
-    return bytes;
-}
+int Elsewhere(const std::function<int()>& body) { return Child(body).Wait(); }
 
 struct PosixClipboardTests : testing::Test {
     ~PosixClipboardTests() override { Current().CloseClipboard(); }
@@ -65,11 +30,11 @@ struct PosixClipboardTests : testing::Test {
 
 TEST_F(PosixClipboardTests, IsAFolderOfTheUsersOwn) {
     EXPECT_TRUE(Copy(format, "data"));
-    struct stat status = {};
-    ASSERT_EQ(stat(store.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0700u);
-    ASSERT_EQ(stat(file.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0600u);
+    for (const auto& [path, permissions] : {std::pair(store, 0700u), {file, 0600u}}) {
+        struct stat status = {};
+        ASSERT_EQ(stat(path.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, permissions) << path;
+    }
     EXPECT_EQ(Paste(format), "data");
 }
 
@@ -149,11 +114,11 @@ TEST_F(PosixClipboardTests, TakesNothingButAFileForData) {
 
 TEST_F(PosixClipboardTests, GoesWithNoOneWhoHasItOpen) {
     ASSERT_TRUE(Current().OpenClipboard());
-    Impatient services;
-    EXPECT_EQ(Elsewhere([&] { return services.OpenClipboard() ? 0 : static_cast<int>(LastError()); }), 32);
-    // A child that closes, or ends, does not close it for its parent.
+    ZoPrimitives::Testing::FaultyServices services; // they wait for nobody
+    const auto open = [&] { return services.OpenClipboard() ? 0 : static_cast<int>(LastError()); };
+    EXPECT_EQ(Elsewhere(open), 32);
     EXPECT_EQ(Elsewhere([] { return Current().CloseClipboard(), 0; }), 0);
-    EXPECT_EQ(Elsewhere([&] { return services.OpenClipboard() ? 0 : static_cast<int>(LastError()); }), 32);
+    EXPECT_EQ(Elsewhere(open), 32) << "a child that closes, or ends, does not close it for its parent";
     Current().CloseClipboard();
 
     EXPECT_EQ(Elsewhere([] {
@@ -166,15 +131,13 @@ TEST_F(PosixClipboardTests, GoesWithNoOneWhoHasItOpen) {
 
 TEST_F(PosixClipboardTests, WritersAtOnceLeaveOneWholeBlock) {
     constexpr int Writers = 4, Rounds = 50;
-    std::vector<pid_t> writers;
+    std::vector<Child> writers;
     for (int i = 0; i < Writers; ++i) {
-        writers.push_back(fork());
-        if (writers.back() != 0) continue;
-        const std::string block(static_cast<std::size_t>(100'000 + i), static_cast<char>('a' + i));
-        int left = Rounds;
-        while (left > 0)
-            if (Copy(format, block)) --left;
-        _exit(0);
+        writers.emplace_back([this, i] {
+            const std::string block(static_cast<std::size_t>(100'000 + i), static_cast<char>('a' + i));
+            for (int left = Rounds; left > 0;) left -= Copy(format, block);
+            return 0;
+        });
     }
     int whole = 0, mixed = 0;
     const auto look = [&] {
@@ -183,10 +146,9 @@ TEST_F(PosixClipboardTests, WritersAtOnceLeaveOneWholeBlock) {
         const auto writer = static_cast<std::size_t>(held->front() - 'a');
         (held == std::string(100'000 + writer, held->front()) ? whole : mixed) += 1;
     };
-    for (const pid_t writer : writers) {
-        int status = 0;
-        while (waitpid(writer, &status, WNOHANG) == 0) look();
-        EXPECT_EQ(status, 0);
+    for (const Child& writer : writers) {
+        while (writer.Runs()) look();
+        EXPECT_EQ(writer.Wait(), 0);
     }
     look();
     EXPECT_GT(whole, 0);

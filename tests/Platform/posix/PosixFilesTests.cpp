@@ -1,29 +1,22 @@
 #include "Platform/Platform.h"
+#include "Platform/posix/Child.h"
 #include "Platform/posix/Files.h"
 #include "support/FaultyServices.h"
 #include "support/TemporaryFolder.h"
 
 #include <atomic>
-#include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <gmock/gmock.h>
-#include <memory>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/vfs.h>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
-#include <utility>
 
 namespace {
 
@@ -74,32 +67,6 @@ FileHandle Open(const std::string& path, Access access, Share share,
     return Current().OpenFile(path.c_str(), access, share, creation);
 }
 
-// Another process that runs `body`; its result is its exit code.
-class Child {
-public:
-    explicit Child(const std::function<int()>& body) : process(fork()) {
-        if (process != 0) return;
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        try {
-            _exit(body());
-        } catch (...) {
-            _exit(99);
-        }
-    }
-    int Wait() const {
-        int status = 0;
-        waitpid(process, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    void Kill() const {
-        kill(process, SIGKILL);
-        Wait();
-    }
-
-private:
-    pid_t process;
-};
-
 int Idle() {
     for (;;) pause();
 }
@@ -136,30 +103,6 @@ struct PosixFilesTests : testing::Test {
     TemporaryFolder folder;
 };
 
-TEST_F(PosixFilesTests, SharingHoldsBetweenProcesses) {
-    const struct {
-        const char* name;
-        Access access;
-        Share share;
-        Access otherAccess;
-        Share otherShare;
-        int error;
-    } rows[] = {
-        {"two writers", Access::ReadWrite, Share::Read, Access::ReadWrite, Share::Read, 32},
-        {"writer, then viewer", Access::ReadWrite, Share::Read, Access::Read, Share::ReadWrite, 0},
-        {"writer, then reader", Access::ReadWrite, Share::Read, Access::Read, Share::Read, 32},
-        {"reader alone, then viewer", Access::Read, Share::None, Access::Read, Share::ReadWrite, 32},
-        {"viewer, then reader alone", Access::Read, Share::ReadWrite, Access::Read, Share::None, 32},
-        {"all share", Access::ReadWrite, Share::ReadWrite, Access::ReadWrite, Share::ReadWrite, 0},
-    };
-    for (const auto& row : rows) {
-        const FileHandle file = Open(folder.Path("f"), row.access, row.share);
-        ASSERT_NE(file, nullptr) << row.name;
-        EXPECT_EQ(OpenElsewhere(folder.Path("f"), row.otherAccess, row.otherShare), row.error) << row.name;
-        Current().CloseFile(file);
-    }
-}
-
 TEST_F(PosixFilesTests, AClaimGoesWithItsProcess) {
     const Signal opened;
     const Child child([&] {
@@ -182,33 +125,6 @@ TEST_F(PosixFilesTests, AChildNeitherKeepsNorReleasesWhatItsParentOpened) {
     Current().CloseFile(file);
     EXPECT_EQ(OpenElsewhere(folder.Path("f"), Access::ReadWrite, Share::None), 0);
     holder.Kill();
-}
-
-TEST_F(PosixFilesTests, OpeningAloneExcludesOtherProcesses) {
-    constexpr int Processes = 4, Rounds = 100;
-    folder.Write("counter", std::string(sizeof(int), '\0'));
-    chmod(folder.Path("f").c_str(), 0444); // descriptors for reading exclude each other too
-    std::vector<Child> children;
-    for (int i = 0; i < Processes; ++i) {
-        children.emplace_back([&] {
-            const int counter = open(folder.Path("counter").c_str(), O_RDWR);
-            for (int round = 0; round < Rounds; ++round) {
-                FileHandle file = nullptr;
-                while ((file = Open(folder.Path("f"), Access::Read, Share::None)) == nullptr) sched_yield();
-                int value = 0;
-                if (pread(counter, &value, sizeof value, 0) != sizeof value) return 1;
-                ++value;
-                sched_yield();
-                if (pwrite(counter, &value, sizeof value, 0) != sizeof value) return 1;
-                Current().CloseFile(file);
-            }
-            return 0;
-        });
-    }
-    for (const Child& child : children) EXPECT_EQ(child.Wait(), 0);
-    int value = 0;
-    folder.Read("counter").copy(reinterpret_cast<char*>(&value), sizeof value);
-    EXPECT_EQ(value, Processes * Rounds);
 }
 
 // An opening that has shown that it denies reading, and neither settles nor gives up.
@@ -264,13 +180,7 @@ TEST_F(PosixFilesTests, WhatFailsIsNotTakenForAnAnswer) {
     };
     const auto temporary = [&] { return !Current().TemporaryFileName(path.c_str()).empty(); };
     const auto local = [&] { return !Current().NetworkFile(path.c_str()); };
-    const struct {
-        const char* name;
-        Fault fault;
-        std::function<bool()> operation;
-        unsigned long error; // 0: it succeeds
-        const char* content; // then, of "f"
-    } rows[] = {
+    const std::tuple<const char*, Fault, std::function<bool()>, unsigned long, const char*> rows[] = {
         {"emptied on the third try", {"ftruncate", EINTR, 2, ""}, create, 0, ""},
         {"cut off on the third try", {"ftruncate", EINTR, 2, ""}, copy, 0, "new"},
         {"not emptied", {"ftruncate", EIO, 1, ""}, create, ErrorInvalidHandle, "older"},
@@ -283,33 +193,29 @@ TEST_F(PosixFilesTests, WhatFailsIsNotTakenForAnAnswer) {
         {"drive, on the third try", {"statfs", EINTR, 2, "f"}, local, 0, "older"},
         {"drive of a silent server", {"statfs", ESTALE, 1, "f"}, [&] { return !local(); }, 0, "older"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, ordered, operation, error, content] : rows) {
+        SCOPED_TRACE(name);
         folder.Write("f", "older");
         folder.Write("source", "new");
-        fault = row.fault;
-        EXPECT_EQ(row.operation(), row.error == 0);
-        EXPECT_TRUE(row.error == 0 || LastError() == row.error) << LastError();
+        fault = ordered;
+        EXPECT_EQ(operation(), error == 0);
+        EXPECT_TRUE(error == 0 || LastError() == error) << LastError();
         EXPECT_EQ(fault.times, 0);
         fault = {};
-        EXPECT_EQ(folder.Read("f"), row.content);
+        EXPECT_EQ(folder.Read("f"), content);
         EXPECT_THAT(folder.Names(), ElementsAre("f", "source"));
     }
 }
 
 TEST_F(PosixFilesTests, AFullDeviceIsAFullDisk) {
     const FileHandle full = Open("/dev/full", Access::ReadWrite, Share::Read, Creation::CreateAlways);
-    ASSERT_NE(full, nullptr);
     const FileHandle again = Open("/dev/full", Access::ReadWrite, Share::None, Creation::CreateAlways);
-    EXPECT_NE(again, nullptr); // devices are not locked
+    ASSERT_TRUE(full != nullptr && again != nullptr) << "devices are not locked";
     Current().CloseFile(again);
-    EXPECT_FALSE(Current().WriteFile(full, "x", 1));
-    EXPECT_EQ(LastError(), ErrorDiskFull);
-    EXPECT_TRUE(Current().SynchroniseFile(full));
     unsigned long long size = 0;
-    EXPECT_FALSE(Current().FileSize(full, size));
-    EXPECT_TRUE(Current().CloseFile(full));
-
+    EXPECT_TRUE(!Current().WriteFile(full, "x", 1) && LastError() == ErrorDiskFull);
+    EXPECT_TRUE(Current().SynchroniseFile(full) && !Current().FileSize(full, size) &&
+                Current().CloseFile(full));
     EXPECT_FALSE(Current().CopyWholeFile(folder.Path("f").c_str(), "/dev/full"));
     EXPECT_EQ(LastError(), ErrorDiskFull);
 }
@@ -317,19 +223,15 @@ TEST_F(PosixFilesTests, AFullDeviceIsAFullDisk) {
 TEST_F(PosixFilesTests, OddPathsTellWhyTheyFail) {
     std::filesystem::create_symlink("loop", folder.Path("loop"));
     ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0666), 0);
-    const struct {
-        const char* name;
-        std::string path;
-        unsigned long error;
-    } rows[] = {
+    const std::tuple<const char*, std::string, unsigned long> rows[] = {
         {"a file as a folder", folder.Path("f/x"), ErrorPathNotFound},
         {"a link to itself", folder.Path("loop"), ErrorUnresolvedLink},
         {"a name too long", folder.Path(std::string(300, 'n')), ErrorFilenameTooLong},
         {"a pipe without another end", folder.Path("pipe"), ErrorAccessDenied},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Open(row.path, Access::Read, Share::ReadWrite), nullptr) << row.name;
-        EXPECT_EQ(LastError(), row.error) << row.name;
+    for (const auto& [name, path, error] : rows) {
+        EXPECT_EQ(Open(path, Access::Read, Share::ReadWrite), nullptr) << name;
+        EXPECT_EQ(LastError(), error) << name;
     }
 }
 
@@ -337,12 +239,9 @@ TEST_F(PosixFilesTests, TheNumberOfStandardInputIsNoHandle) {
     const Child child([&] {
         close(STDIN_FILENO);
         if (Open(folder.Path("f"), Access::Read, Share::Read) == nullptr) return 1;
-        // Another number is needed, and there is none.
-        const rlimit limit{3, 3};
+        const rlimit limit{3, 3}; // another number is needed, and there is none
         if (setrlimit(RLIMIT_NOFILE, &limit) != 0) return 2;
-        return Open(folder.Path("new"), Access::ReadWrite, Share::Read, Creation::CreateAlways) == nullptr
-                   ? 0
-                   : 3;
+        return Open(folder.Path("new"), Access::ReadWrite, Share::Read, Creation::CreateAlways) ? 3 : 0;
     });
     EXPECT_EQ(child.Wait(), 0);
     EXPECT_THAT(folder.Names(), ElementsAre("f")) << "what was created for nothing is gone";

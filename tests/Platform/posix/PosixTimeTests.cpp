@@ -6,11 +6,9 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
-#include <utility>
 
 using namespace ZoPrimitives;
 using Testing::TemporaryFolder;
@@ -38,11 +36,7 @@ struct FixedTime : Platform::Services {
 };
 
 TEST(PosixTimeTests, StandardBiasWhateverTheSeason) {
-    const struct {
-        const char* name;
-        const char* zone;
-        int bias;
-    } rows[] = {
+    const std::tuple<const char*, const char*, int> rows[] = {
         {"UTC", "UTC0", 0},
         {"south", "BRT3BRST,M10.3.0/0,M2.3.0/0", 180},
         {"half an hour of daylight saving", "<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", -630},
@@ -50,14 +44,13 @@ TEST(PosixTimeTests, StandardBiasWhateverTheSeason) {
         {"daylight saving all the year", "XXX3YYY2,0/0,J365/25", 180},
         {"ended, of the zone's history", "America/Sao_Paulo", 180},
     };
-    for (const auto& row : rows) {
-        if (row.zone[0] == 'A' && !std::filesystem::exists(std::string("/usr/share/zoneinfo/") + row.zone))
-            continue;
-        const Variable zone("TZ", row.zone);
+    for (const auto& [name, zone, bias] : rows) {
+        if (zone[0] == 'A' && !std::filesystem::exists(std::string("/usr/share/zoneinfo/") + zone)) continue;
+        const Variable variable("TZ", zone);
         FixedTime clock;
         for (int month = 0; month < 12; ++month) {
             clock.seconds = 1'700'000'000 + month * 2'630'000;
-            EXPECT_EQ(clock.StandardTimeBias(), row.bias) << row.name << ", month " << month;
+            EXPECT_EQ(clock.StandardTimeBias(), bias) << name << ", month " << month;
         }
     }
 }
@@ -120,10 +113,7 @@ TEST(PosixTraceTests, FileLiesInTheFolderThatTheEnvironmentNames) {
 
 TEST(PosixTraceTests, NothingButAFileOfTheUsersOwnIsTouched) {
     using Path = const std::filesystem::path&;
-    const struct {
-        const char* name;
-        void (*make)(Path folder, Path trace);
-    } rows[] = {
+    const std::tuple<const char*, void (*)(Path folder, Path trace)> rows[] = {
         {"link", [](Path folder, Path trace) { create_symlink(folder / "precious", trace); }},
         {"link to nothing", [](Path folder, Path trace) { create_symlink(folder / "new", trace); }},
         {"second name of a file",
@@ -136,14 +126,14 @@ TEST(PosixTraceTests, NothingButAFileOfTheUsersOwnIsTouched) {
              if (chown(trace.c_str(), 4321, 4321) != 0 && remove(trace)) create_directory(trace);
          }},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, make] : rows) {
         const TemporaryFolder folder;
         const Variable place("ZO_TRACE_FOLDER", folder.Path());
         folder.Write("precious", "data");
-        row.make(folder.Path(), folder.Path("Trace.txt"));
-        for (const bool truncate : {true, false}) EXPECT_FALSE(Trace(truncate, "x")) << row.name;
-        EXPECT_EQ(folder.Read("precious"), "data") << row.name;
-        EXPECT_FALSE(folder.Has("new")) << row.name;
+        make(folder.Path(), folder.Path("Trace.txt"));
+        for (const bool truncate : {true, false}) EXPECT_FALSE(Trace(truncate, "x")) << name;
+        EXPECT_EQ(folder.Read("precious"), "data") << name;
+        EXPECT_FALSE(folder.Has("new")) << name;
     }
 }
 

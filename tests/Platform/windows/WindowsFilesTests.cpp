@@ -5,9 +5,6 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -66,19 +63,15 @@ TEST_F(WindowsFilesTests, ACopyEndsWhenInterferenceDoesNot) {
 }
 
 TEST_F(WindowsFilesTests, NobodyWaitsForWhatStays) {
-    const struct {
-        const char* name;
-        std::string from, to;
-        unsigned long error;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::string, unsigned long> rows[] = {
         {"a read-only target", folder.Path("source"), folder.Path("readonly"), ErrorAccessDenied},
         {"itself", folder.Path("target"), folder.Path() + "/./target", ErrorSharingViolation},
     };
     folder.Write("readonly", "old");
     folder.MakeReadOnly("readonly");
-    for (const auto& row : rows) {
-        EXPECT_FALSE(Current().CopyWholeFile(row.from.c_str(), row.to.c_str())) << row.name;
-        EXPECT_EQ(LastError(), row.error) << row.name;
+    for (const auto& [name, from, to, error] : rows) {
+        EXPECT_FALSE(Current().CopyWholeFile(from.c_str(), to.c_str())) << name;
+        EXPECT_EQ(LastError(), error) << name;
     }
     EXPECT_THAT(waits, IsEmpty());
 }
@@ -108,10 +101,7 @@ TEST_F(WindowsFilesTests, ACopyWithoutRoomLeavesTheTarget) {
 }
 
 TEST_F(WindowsFilesTests, KnowsThePathsOfOtherMachines) {
-    const struct {
-        const char* path;
-        bool network;
-    } rows[] = {
+    const std::tuple<const char*, bool> rows[] = {
         {R"(\\server\share\plan.zo)", true},
         {"//server/share/plan.zo", true},
         {R"(\\?\UNC\server\share\plan.zo)", true},
@@ -122,7 +112,7 @@ TEST_F(WindowsFilesTests, KnowsThePathsOfOtherMachines) {
         {"plan.zo", false},
         {"", false},
     };
-    for (const auto& row : rows) EXPECT_EQ(Services().NetworkFile(row.path), row.network) << row.path;
+    for (const auto& [path, network] : rows) EXPECT_EQ(Services().NetworkFile(path), network) << path;
 }
 
 TEST_F(WindowsFilesTests, PathsAreBytesOfTheCodePage) {
@@ -138,19 +128,15 @@ TEST_F(WindowsFilesTests, PathsAreBytesOfTheCodePage) {
 TEST_F(WindowsFilesTests, OthersMayReadWhatIsBeingWrittenAndNothingElse) {
     const FileHandle file = Current().OpenFile(folder.Path("target").c_str(), Access::ReadWrite, Share::Read,
                                                Creation::OpenExisting);
-    const struct {
-        DWORD access, share;
-        bool opens;
-    } rows[] = {
+    const std::tuple<DWORD, DWORD, bool> rows[] = {
         {GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, true},
         {GENERIC_READ, FILE_SHARE_READ, false},
         {GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, false},
         {DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, false},
     };
-    for (const auto& row : rows) {
-        held = CreateFileA(folder.Path("target").c_str(), row.access, row.share, nullptr, OPEN_EXISTING, 0,
-                           nullptr);
-        EXPECT_EQ(held != INVALID_HANDLE_VALUE, row.opens) << row.access << ' ' << row.share;
+    for (const auto& [access, share, opens] : rows) {
+        held = CreateFileA(folder.Path("target").c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_EQ(held != INVALID_HANDLE_VALUE, opens) << access << ' ' << share;
         Release();
     }
     Current().CloseFile(file);

@@ -26,28 +26,22 @@ TEST(ZoUtf8Test, EveryByteGoesThereAndBack) {
 }
 
 TEST(ZoUtf8Test, PublishedCharacters) {
-    const struct {
-        const char* ansi;
-        const char* utf8;
-    } rows[] = {{"plain", "plain"},
-                {"a\xE7\xE3o", "ação"},
-                {"\x80", "€"},
-                {"\x8A\x9A\x9F", "ŠšŸ"},
-                {"\x93q\x94", "“q”"},
-                {"\x81\x8D\x8F\x90\x9D", "\u0081\u008D\u008F\u0090\u009D"},
-                {"\xA0\xB5\xFF", "\u00A0µÿ"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(ZoToUtf8(row.ansi), row.utf8);
-        EXPECT_STREQ(ZoFromUtf8(row.utf8).c_str(), row.ansi) << row.utf8;
+    const std::tuple<const char*, const char*> rows[] = {
+        {"plain", "plain"},
+        {"a\xE7\xE3o", "ação"},
+        {"\x80", "€"},
+        {"\x8A\x9A\x9F", "ŠšŸ"},
+        {"\x93q\x94", "“q”"},
+        {"\x81\x8D\x8F\x90\x9D", "\u0081\u008D\u008F\u0090\u009D"},
+        {"\xA0\xB5\xFF", "\u00A0µÿ"}};
+    for (const auto& [ansi, utf8] : rows) {
+        EXPECT_EQ(ZoToUtf8(ansi), utf8);
+        EXPECT_STREQ(ZoFromUtf8(utf8).c_str(), ansi) << utf8;
     }
 }
 
 TEST(ZoUtf8Test, StrangersBecomeQuestionMarks) {
-    const struct {
-        const char* name;
-        const char* utf8;
-        const char* ansi;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"null", nullptr, ""},
         {"arrow", "a→b", "a?b"},
         {"beyond the basic plane", "a😀b", "a?b"},
@@ -61,7 +55,7 @@ TEST(ZoUtf8Test, StrangersBecomeQuestionMarks) {
         {"too large", "\xF4\x90\x80\x80", "????"},
         {"no lead byte", "\xFF\xFEz", "??z"},
     };
-    for (const auto& row : rows) EXPECT_STREQ(ZoFromUtf8(row.utf8).c_str(), row.ansi) << row.name;
+    for (const auto& [name, utf8, ansi] : rows) EXPECT_STREQ(ZoFromUtf8(utf8).c_str(), ansi) << name;
 }
 
 } // namespace

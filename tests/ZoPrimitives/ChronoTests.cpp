@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 using namespace ZoPrimitives;
 
 namespace {
@@ -17,12 +15,7 @@ std::string Reading(Chrono& watch) {
 }
 
 TEST(ChronoTests, Reads) {
-    const struct {
-        const char* name;
-        std::uint32_t from;
-        std::uint32_t passed;
-        const char* reading;
-    } rows[] = {
+    const std::tuple<const char*, std::uint32_t, std::uint32_t, const char*> rows[] = {
         {"less than a hundredth", 7, 9, "0:0:0.0"},
         {"a minute and more", 7, 65'504, "0:1:5.50"},
         {"70 s wrap", 7, 70'000, "0:0:4.46"},
@@ -31,13 +24,13 @@ TEST(ChronoTests, Reads) {
         {"cut in binary fractions", 0, 270, "0:0:0.26"},
         {"whole seconds too", 0, 13'000, "0:0:12.99"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, from, passed, reading] : rows) {
         Testing::FakeClock clock;
-        clock.ticks = row.from;
+        clock.ticks = from;
         Chrono watch;
         watch.Start();
-        clock.ticks += row.passed;
-        EXPECT_EQ(Reading(watch), row.reading) << row.name;
+        clock.ticks += passed;
+        EXPECT_EQ(Reading(watch), reading) << name;
     }
 }
 

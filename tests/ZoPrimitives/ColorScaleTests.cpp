@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <limits>
-#include <ostream>
 
 namespace ZoPrimitives {
 static void PrintTo(const TZoColor& color, std::ostream* out) { *out << color.ToString().c_str(); }
@@ -19,11 +17,7 @@ constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 TEST(TZoColorTests, ReadsTexts) {
     const TZoColor kept(1, 2, 3, 4);
-    const struct {
-        const char* text;
-        bool read;
-        TZoColor color;
-    } cases[] = {
+    const std::tuple<const char*, bool, TZoColor> cases[] = {
         {"10,20,30,40", true, {10, 20, 30, 40}},
         {"10,20,30", false, kept},
         {"", false, kept},
@@ -32,10 +26,10 @@ TEST(TZoColorTests, ReadsTexts) {
         {",,,", true, {0, 0, 0, 0}},
         {"99999999999999999999,0,0,0", true, {255, 0, 0, 0}},
     };
-    for (const auto& row : cases) {
+    for (const auto& [text, read, expected] : cases) {
         TZoColor color(kept);
-        EXPECT_EQ(color.FromString(row.text), row.read) << row.text;
-        EXPECT_EQ(color, row.color) << row.text;
+        EXPECT_EQ(color.FromString(text), read) << text;
+        EXPECT_EQ(color, expected) << text;
     }
     EXPECT_STREQ(TZoColor(0, 5, 255, 7).ToRGBString().c_str(), "0,5,255");
     EXPECT_STREQ(TZoColor(0, 5, 255, 7).ToString().c_str(), "0,5,255,7");
@@ -74,12 +68,7 @@ TEST(TColorScaleTests, BlendsThreeColours) {
     TColorScale shared(0, 100), odd(-1, 0.5);
     shared.SetColorLimits({255, 200, 10, 3}, {255, 100, 10, 4});
     odd.SetColorLimits({200, 0, 0, 0}, {0, 90, 0, 0}); // middle colour 55, 165, 255
-    const struct {
-        const char* name;
-        const TColorScale& scale;
-        double value;
-        TZoColor color;
-    } cases[] = {
+    const std::tuple<const char*, TColorScale, double, TZoColor> cases[] = {
         {"below", {0, 100}, -5, blue},
         {"first quarter", {0, 100}, 12.5, {0, 127, 255, 0}},
         {"second quarter", {0, 100}, 40, {0, 255, 102, 0}},
@@ -102,7 +91,7 @@ TEST(TColorScaleTests, BlendsThreeColours) {
         {"upper limit infinite", infinite, 50, black},
         {"limits too far apart", farApart, 50, black},
     };
-    for (const auto& row : cases) EXPECT_EQ(row.scale.GetColor(row.value), row.color) << row.name;
+    for (const auto& [name, scale, value, color] : cases) EXPECT_EQ(scale.GetColor(value), color) << name;
 }
 
 TEST(TColorScaleTests, DerivesTheMiddleColour) {

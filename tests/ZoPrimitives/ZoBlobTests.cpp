@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <new>
-#include <string>
 #include <string_view>
-#include <utility>
 
 using namespace ZoPrimitives;
 

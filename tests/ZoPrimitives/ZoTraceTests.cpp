@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <thread>
 
 using namespace ZoPrimitives;
@@ -60,19 +59,15 @@ TEST_F(ZoTraceTests, FirstLineEmptiesTheFile) {
 }
 
 TEST_F(ZoTraceTests, PercentSignsOfTextsAreInterpreted) {
-    const struct {
-        const char* text;
-        const char* written;
-    } rows[] = {
+    const std::tuple<const char*, const char*> rows[] = {
         {"100%%, %%%%d", "100%, %%d"},
         {"[%n]", "[]"},
         {"%d %s %ls %f %p %c %q %*d %.*s %1$n %hhn", "%d %s %ls %f %p %c %q %*d %.*s %1$n %hhn"},
         {"%999999999d", "%999999999d"},
         {"50% dos pilares %", "50% dos pilares %"},
     };
-    for (const auto& row : rows) {
-        TZoTrace::Toc(row.text, row.text);
-        const std::string written = row.written;
+    for (const auto& [text, written] : rows) {
+        TZoTrace::Toc(text, text);
         EXPECT_EQ(Trace(), prefix + "0ms. (" + written + ", " + written + ")\n");
     }
     TZoTrace::Toc(ZoString('%', 20'001), "");

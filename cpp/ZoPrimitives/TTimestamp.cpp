@@ -48,7 +48,7 @@ bool Parsed(const ZoString& text, const ZoString& format, std::int64_t& ticks) {
     const Platform::ClassicLocale classic;
     if (!cctz::detail::parse(format.c_str(), text.c_str(), cctz::utc_time_zone(), &seconds, &part))
         return false;
-    ticks = Sum(Times(seconds.time_since_epoch().count(), TICKS_PER_SECOND), part.count() / 100'000'000);
+    ticks = Shifted(part.count() / 100'000'000, seconds.time_since_epoch().count());
     return true;
 }
 

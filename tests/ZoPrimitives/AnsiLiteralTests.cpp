@@ -55,7 +55,12 @@ TEST(ZoUtf8Test, StrangersBecomeQuestionMarks) {
         {"too large", "\xF4\x90\x80\x80", "????"},
         {"no lead byte", "\xFF\xFEz", "??z"},
     };
-    for (const auto& [name, utf8, ansi] : rows) EXPECT_STREQ(ZoFromUtf8(utf8).c_str(), ansi) << name;
+    for (const auto& [name, utf8, ansi] : rows) {
+        std::string lost, strangers = utf8 == nullptr ? "" : utf8;
+        EXPECT_STREQ(ZoFromUtf8(utf8, lost).c_str(), ansi) << name;
+        std::erase_if(strangers, [](char c) { return c == 'a' || c == 'b' || c == 'z'; });
+        EXPECT_EQ(lost, strangers) << name;
+    }
 }
 
 } // namespace

@@ -525,3 +525,11 @@ TEST(MapTests, AnAppendedPairIsNotLookedFor) {
 }
 
 } // namespace
+
+TEST(ContainerTests, TakeTheirValuesInBraces) {
+    const TDVector<int> vector{3, 1, 3};
+    const TDList<ZoString> list{"a", "b"};
+    EXPECT_EQ(std::vector<int>(vector.begin(), vector.end()), (std::vector<int>{3, 1, 3}));
+    EXPECT_TRUE(list.NItems() == 2 && list[2] == "b");
+    EXPECT_EQ(TDVector<int>{}.NItems(), 0u);
+}

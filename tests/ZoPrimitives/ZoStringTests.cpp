@@ -487,3 +487,14 @@ TEST(ZoStringTest, Formatting) {
 }
 
 } // namespace
+
+TEST(ZoStringTest, IsMadeFromAndTurnedIntoStandardStrings) {
+    const std::string text = "caf\xE9";
+    const ZoString fromString = text, fromView = std::string_view(text).substr(0, 3);
+    EXPECT_EQ(fromString, "caf\xE9");
+    EXPECT_EQ(fromView, "caf");
+    EXPECT_EQ(ZoString(std::string("a\0b", 3)), "a");
+    EXPECT_EQ(static_cast<std::string>(fromString), text);
+    EXPECT_EQ(std::string_view(fromView), "caf");
+    EXPECT_EQ(std::string(ZoString()), "");
+}

@@ -2,10 +2,13 @@
 
 #include "Persistence/instances/ItemAction.h"
 #include "Persistence/records/RecordFormat.h"
+#include "Persistence/schema/FieldTargets.h"
 #include "Persistence/schema/ReadPlan.h"
+#include "Persistence/schema/SchemaCheck.h"
 #include "Persistence/schema/SchemaReader.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
@@ -21,17 +24,6 @@ namespace ZoPrimitives {
 namespace {
 
 std::atomic<bool> writingGenericFile{false};
-
-/// Calls the action with the field and, of a map, with its sub-fields: all that have a class of their own.
-template <class Action>
-void ForEachTarget(TZoClassField& field, Action action) {
-    action(field);
-    const auto* map = dynamic_cast<TZoClassFieldPointerMap*>(&field);
-    if (map == nullptr) return;
-    for (TZoClassField* half : {map->GetKeyField(), map->GetValueField()}) {
-        if (half != nullptr) action(*half);
-    }
-}
 
 std::string_view View(const ZoString& text) { return {text.c_str(), text.length()}; }
 
@@ -172,6 +164,7 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     const pointer<TZoClass> holder(newClass);
     if (TZoClass* present = FindClass(newClass->GetName())) {
         if (present != newClass) ForgetUnresolved(newClass);
+        NoteRival(*present, *newClass);
         return present;
     }
     if (newClass->classId == 0) newClass->classId = NewId();
@@ -190,6 +183,11 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     if (newClass->registration == 0 && !newClass->BelongsElsewhere(this))
         newClass->registration = Standing().Enter(newClass);
     return newClass;
+}
+
+void TZoMetaData::NoteRival(const TZoClass& present, const TZoClass& rival) {
+    if (present.type == nullptr || rival.type == nullptr || *present.type == *rival.type) return;
+    if (!rivals.Contains(present.name)) rivals.Add(present.name);
 }
 
 TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Find(View(name)); }
@@ -273,6 +271,7 @@ void TZoMetaData::Clear() {
     classes.RemoveAll();
     cadastres.RemoveAll();
     registers.RemoveAll();
+    rivals.RemoveAll();
 }
 
 void TZoMetaData::Register(ZoStreamableRegister* newRegister) {
@@ -340,44 +339,20 @@ bool TZoMetaData::IsGenericBase(const ZoString& className) {
     return className == "ZoStreamableBase" || className == "ZoObjectStreamable" || className == "Streamable";
 }
 
-bool TZoMetaData::Check(ZoString* report) const {
-    bool sound = true;
-    const auto line = [&](const ZoString& text) {
-        sound = false;
-        if (report == nullptr) return;
-        if (report->length() != 0) *report += "\n";
-        *report += text;
-    };
-    const auto isHere = [this](const TZoClass* named) { return FindClass(named->GetClassId()) == named; };
-    for (const auto& checked : classes) {
-        bool parentsThere = !checked->parentMissing;
-        for (const auto& parent : checked->parents) parentsThere = parentsThere && isHere(parent.get());
-        if (!parentsThere) {
-            line(ZoString::FormatString("[zoerror] parent class of %s not registered",
-                                        checked->GetName().c_str()));
-        }
-        checked->ForEachPointerField([&](TZoClassField& field) {
-            ForEachTarget(field, [&](const TZoClassField& target) {
-                const TZoClass* known = target.GetFieldClass();
-                const ZoString& className = known != nullptr ? known->GetName() : target.WantedClass(field);
-                if ((known != nullptr && isHere(known)) || IsGenericBase(className)) return;
-                // What a map says already, its sub-fields need not repeat.
-                if (&target != &field && className == field.GetFieldClassName()) return;
-                line(className.length() == 0
-                         ? ZoString::FormatString("[zoerror] class of reference field %s not registered",
-                                                  field.GetFieldName().c_str())
-                         : ZoString::FormatString("[zoerror] class %s of reference field %s not registered",
-                                                  className.c_str(), field.GetFieldName().c_str()));
-            });
-        });
-    }
-    for (const auto& kept : registers) {
-        if (DoesClassExist(kept->GetName())) continue;
-        line(ZoString::FormatString(
-            "[zoerror] class %s not registered. See ZoStreamableRegister::ReadyToRegister",
-            kept->GetName().c_str()));
-    }
-    return sound;
+bool TZoMetaData::Check(ZoString* report) const { return Check(report, nullptr); }
+
+bool TZoMetaData::Check(ZoString* report, ZoString* warnings) const {
+    SchemaCheck check(*this);
+    const std::vector<ZoString> missing = check.Missing();
+    if (report != nullptr) SchemaCheck::Append(*report, missing);
+    if (warnings != nullptr) SchemaCheck::Append(*warnings, check.Warnings());
+    return missing.empty();
+}
+
+void TZoMetaData::CheckOrThrow() const {
+    ZoString lines;
+    Check(&lines, &lines);
+    if (lines.length() != 0) throw XStream(lines, "TZoMetaData::CheckOrThrow");
 }
 
 bool TZoMetaData::WritingGenericFile() { return writingGenericFile.load(std::memory_order_relaxed); }

@@ -2,10 +2,14 @@
 
 #include "Persistence/instances/ClassNames.h"
 #include "ZoPrimitives/WholeText.h"
+#include "ZoPrimitives/XStream.h"
 
+#include <charconv>
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -24,6 +28,48 @@ ZoString ZoFieldClass(TZoMetaData* schema, TZoClass** fieldClass, TZoClassFieldT
     *fieldClass = schema->FindClass(typeName);
     *kind = fieldKind;
     return typeName;
+}
+
+namespace {
+
+const char* const ISO_8601 = "%E4Y-%m-%dT%H:%M:%E7SZ";
+const char* const ISO_8601_OF_ANY_YEAR = "%Y-%m-%dT%H:%M:%E*S%Ez";
+
+const ZoString& Keep(ZoString&& text) {
+    thread_local ZoString kept;
+    return kept = std::move(text);
+}
+
+template <class Number>
+void ReadDigits(const ZoString& stored, Number& value, const TZoClassField* field) {
+    const char* const end = stored.c_str() + stored.length();
+    Number read = 0;
+    const auto [rest, error] = std::from_chars(stored.c_str(), end, read);
+    if (error != std::errc() || rest != end) ZoRefuseStored(stored, field);
+    value = read;
+}
+
+} // namespace
+
+const ZoString& ZoToStored(long long value) { return Keep(WholeText({std::to_string(value)})); }
+const ZoString& ZoToStored(unsigned long long value) { return Keep(WholeText({std::to_string(value)})); }
+const ZoString& ZoToStored(const TTimestamp& value) { return Keep(WholeText(value.InUTCTime(ISO_8601))); }
+
+void ZoFromStored(const ZoString& stored, long long& value, const TZoClassField* field) {
+    ReadDigits(stored, value, field);
+}
+void ZoFromStored(const ZoString& stored, unsigned long long& value, const TZoClassField* field) {
+    ReadDigits(stored, value, field);
+}
+void ZoFromStored(const ZoString& stored, TTimestamp& value, const TZoClassField* field) {
+    if (!TTimestamp::IsValid(stored, ISO_8601_OF_ANY_YEAR)) ZoRefuseStored(stored, field);
+    value = TTimestamp(stored, ISO_8601_OF_ANY_YEAR);
+}
+
+void ZoRefuseStored(const ZoString& stored, const TZoClassField* field) {
+    throw XReadStream(ZoString::FormatString("[zoerror] field %s cannot hold the value '%.100s'",
+                                             field->GetFieldName().c_str(), stored.c_str()),
+                      "TZoClass::LoadFromStreamPre");
 }
 
 ZoRegistration::ZoRegistration(TZoMetaData* targetSchema, const char* name, const char* const (&parents)[3],
@@ -56,7 +102,10 @@ void ZoRegistration::AddField(FieldClassFunction fieldClassOf, AddFieldFunction 
 }
 
 TZoClass* ZoRegistration::Finish() {
-    if (TZoClass* present = schema->FindClass(made->GetName())) return present;
+    if (TZoClass* present = schema->FindClass(made->GetName())) {
+        schema->NoteRival(*present, *made);
+        return present;
+    }
     for (TZoClassField* field : unresolved) schema->AddToResolveCrossRefs(field);
     TZoClass* added = schema->AddClass(made.get());
     schema->ResolveCrossRefs();

@@ -153,6 +153,7 @@ private:
     friend class SchemaWalk;
     friend class TZoClass;
     friend class TZoClassFieldPointerMap;
+    friend class SchemaCheck;
     friend class TZoMetaData;
 
     /// Whether the field is a map's sub-field, and which of the two declares its class.

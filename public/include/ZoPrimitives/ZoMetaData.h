@@ -88,6 +88,8 @@ public:
     void SetType(const std::type_info& newType, unsigned newSlot);
     /// Tells which operations of `ZoHooks` the C++ type overrides. Without this call all count as overridden.
     void SetHooks(unsigned overridden) { hooks = overridden; }
+    /// Gives the test for objects of the C++ type, by which `TZoMetaData::Check` finds bases left out.
+    void SetTypeTest(TZoTypeTest test) { typeTest = test; }
     /// Whether the C++ type overrides the operation.
     bool Answers(ZoHooks hook) const { return (hooks & hook) != 0; }
     /// Notes that a parent named at registration is missing from the schema; `TZoMetaData::Check` reports it.
@@ -186,6 +188,7 @@ private:
     friend class RecordOrder;
     friend class ObjectReader;
     friend class ObjectRemoval;
+    friend class SchemaCheck;
     friend class SchemaReader;
     friend class SchemaWalk;
     friend struct ReadPlan;
@@ -252,6 +255,7 @@ private:
     TZoClass* original = nullptr;
     TZoMetaData* schema = nullptr;
     const std::type_info* type = nullptr;
+    TZoTypeTest typeTest = nullptr;
     unsigned slot = 0;                // the C++ class's number in the process; 0 for none
     unsigned registration = 0;        // this registration's number in the process; 0 for none
     std::vector<int> storedParentIds; // of a class read from a file
@@ -317,6 +321,12 @@ public:
     /// (may be null) receives a line for each that is not. Fields declared with a generic base
     /// ("ZoStreamableBase", "ZoObjectStreamable", "Streamable") count as resolved.
     bool Check(ZoString* report) const;
+    /// The same; `warnings` (may be null) receives a line for each registration that loses data although all
+    /// is registered: a C++ base that is registered but not named as a parent, a class without fields that a
+    /// field points to, a second C++ class under a name in use. Makes an object of each class to find out.
+    bool Check(ZoString* report, ZoString* warnings) const;
+    /// Throws `XStream` with all lines of `Check`, if there are any.
+    void CheckOrThrow() const;
 
     /// Writes the schema record: uid 0, class 0.
     void SaveToStream(TBinOutStream* stream);
@@ -344,9 +354,11 @@ public:
     void FillObjectsCascade(TDVector<ZoStreamableBase*>* objects);
 
 private:
+    friend class SchemaCheck;
     friend class SchemaReader;
     friend class TBinOutStreamer;
     friend class TZoClass;
+    friend class ZoRegistration;
     class TClassNameAndIdMap;
 
     static void SaveClasses(TBinOutStream* stream, const std::vector<TZoClass*>& written);
@@ -356,6 +368,8 @@ private:
     void Unbind(TZoClass* leaving);
     void ForgetUnresolved(const TZoClass* leaving);
     int NewId() const;
+    /// Remembers a name that two C++ classes were registered under.
+    void NoteRival(const TZoClass& present, const TZoClass& rival);
     /// Moves the next id past one in use.
     void NoteId(int id);
 
@@ -366,6 +380,7 @@ private:
     long long nextId = 1;         // exceeds `int` after the greatest id
     std::vector<TZoClass*> slots; // indexed by the C++ class's number in the process
     TIVector<ZoStreamableRegister, pointer<ZoStreamableRegister>> registers;
+    TDVector<ZoString> rivals;     // names of two C++ classes
     bool registersClasses = false; // `ClassesRegister` is under way
 };
 

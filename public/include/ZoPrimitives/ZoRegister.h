@@ -10,14 +10,18 @@
 //         REGISTER_ZO_END
 //     };
 //
-// Each field line declares the member and its accessors; no two field lines may share a source line. Members
-// after REGISTER_ZO_END are public. The class needs a constructor that takes
+// Each field line declares the member and its accessors, anywhere behind REGISTER_ZO_BEGIN; a class has up to
+// 128. Members after REGISTER_ZO_END are public. The class needs a constructor that takes
 // `ZoStreamableBase::StreamableInit`, or a default constructor. Abstract classes are recognised. Call
 // `Storey::Register(&schema)` once, parents first.
 //
 // clang-format off
-//     REGISTER_ZO_BEGIN(Class, Parent, ...)        up to three parents, each registered and a base in C++
-//     DECLARE_ZO_FIELD(Type, field)                int, unsigned, bool, float, double, ZoString, ZoBlob
+//     REGISTER_ZO_BEGIN(Class, Parent, ...)        up to three parents, each registered and a base in C++; no
+//                                                  registered base may be left out
+//     DECLARE_ZO_FIELD(Type, field)                int, unsigned, bool, float, double, ZoString, ZoBlob; an
+//                                                  enumeration (stored as an int), an integer of 64 bits (as
+//                                                  digits), TTimestamp (as text of ISO 8601)
+//     DECLARE_ZO_FIELD(Type, field, initial)       the same, with its value in a new object
 //     DECLARE_ZO_FIELD_LIST(Type, field)           int, float, double, ZoString: TDVector<Type>
 //     DECLARE_ZO_FIELD_CHILD(Class, field)         owned: pointer<Class>
 //     DECLARE_ZO_FIELD_CHILD_VALUE(Class, field)   a member that is an object: Class
@@ -34,6 +38,7 @@
 
 #include "ZoPrimitives/IMap.h"
 #include "ZoPrimitives/IVector.h"
+#include "ZoPrimitives/TTimestamp.h"
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/dvector.h"
 
@@ -45,9 +50,19 @@
 
 namespace ZoPrimitives {
 
-/// Tags the registration of the field declared on one source line.
-template <int Line>
-struct ZoFieldLine {};
+/// Tags the registration of a field; fields count from 0, in the order of their lines.
+template <int Index>
+struct ZoFieldIndex {
+    static constexpr int value = Index;
+};
+
+constexpr int ZoMostFields = 128;
+
+/// Converts to all lower ranks: a call with the highest one picks the overload that was declared last.
+template <int N>
+struct ZoFieldRank : ZoFieldRank<N - 1> {};
+template <>
+struct ZoFieldRank<0> {};
 
 /// Casts a streamable object to its class; uses `dynamic_cast` only where the language requires it.
 template <class T, class = void>
@@ -70,22 +85,58 @@ bool ZoIsA(const ZoStreamableBase* object) {
     return typeid(*object) == typeid(T) || dynamic_cast<const T*>(object) != nullptr;
 }
 
-/// Map C++ types to the kinds of value and list fields.
-template <class T>
+// The texts that files hold for types without a kind of their own. A returned text is valid until the
+// thread's next call.
+
+ZO_API const ZoString& ZoToStored(long long value);
+ZO_API const ZoString& ZoToStored(unsigned long long value);
+ZO_API const ZoString& ZoToStored(const TTimestamp& value);
+// These throw `XReadStream` when the text is not such a value.
+ZO_API void ZoFromStored(const ZoString& stored, long long& value, const TZoClassField* field);
+ZO_API void ZoFromStored(const ZoString& stored, unsigned long long& value, const TZoClassField* field);
+ZO_API void ZoFromStored(const ZoString& stored, TTimestamp& value, const TZoClassField* field);
+[[noreturn]] ZO_API void ZoRefuseStored(const ZoString& stored, const TZoClassField* field);
+
+/// Map C++ types to the kinds of value and list fields. The macros report a type without a kind; the primary
+/// templates then stand in with an int, so that the compiler reports nothing else.
+template <class T, class = void>
 struct ZoValueField {
-    static_assert(sizeof(T) == 0,
-                  "DECLARE_ZO_FIELD takes int, unsigned, bool, float, double, ZoString or ZoBlob; use "
-                  "DECLARE_ZO_FIELD_CHILD, ..._VALUE or ..._REFERENCE for objects");
+    using Stored = int;
+    static constexpr TZoClassFieldType kind = ftInt;
+    static constexpr const char* name = nullptr;
+    static constexpr bool isStored = false;
+    static void Set(const T&, int, const TZoClassField*) {}
+    static int Get(const T&) { return 0; }
+    static TZoClassField* Add(TZoClass*, const char*, TZoSetter<int>, TZoGetter<int>) { return nullptr; }
 };
 template <class T>
 struct ZoListField {
-    static_assert(sizeof(T) == 0, "DECLARE_ZO_FIELD_LIST takes int, float, double or ZoString; use "
-                                  "DECLARE_ZO_FIELD_CHILD_LIST or ..._REFERENCE_LIST for objects");
+    using Item = int;
+    static constexpr TZoClassFieldType kind = ftListInt;
+    static constexpr const char* name = nullptr;
+    static TZoClassField* Add(TZoClass*, const char*, const TZoListAccessors<int>&) { return nullptr; }
 };
 
+// What the macros' accessors do with the members that hold values. A text that finds no memory throws
+// `std::bad_alloc` instead of getting lost.
+
+template <class T>
+void ZoAssign(T& member, const T& value) {
+    member = value;
+}
+inline void ZoAssign(ZoString& member, const ZoString& value) {
+    member = value;
+    if (value.c_str()[0] != '\0' && member.c_str()[0] == '\0') throw std::bad_alloc();
+}
 #define ZO_VALUE_FIELD(Type, Kind, TypeName)                                                                 \
     template <>                                                                                              \
     struct ZoValueField<Type> {                                                                              \
+        using Stored = Type;                                                                                 \
+        static constexpr bool isStored = true;                                                               \
+        static void Set(Type& member, TZoParameter<Type> value, const TZoClassField*) {                      \
+            ZoAssign(member, value);                                                                         \
+        }                                                                                                    \
+        static TZoParameter<Type> Get(const Type& member) { return member; }                                 \
         static constexpr TZoClassFieldType kind = ft##Kind;                                                  \
         static constexpr const char* name = TypeName;                                                        \
         static TZoClassField* Add(TZoClass* owner, const char* field, TZoSetter<Type> set,                   \
@@ -96,6 +147,7 @@ struct ZoListField {
 #define ZO_LIST_FIELD(Type, Kind, TypeName)                                                                  \
     template <>                                                                                              \
     struct ZoListField<Type> {                                                                               \
+        using Item = Type;                                                                                   \
         static constexpr TZoClassFieldType kind = ftList##Kind;                                              \
         static constexpr const char* name = TypeName;                                                        \
         static TZoClassField* Add(TZoClass* owner, const char* field,                                        \
@@ -117,17 +169,34 @@ ZO_LIST_FIELD(ZoString, String, "list<ZoString>")
 #undef ZO_VALUE_FIELD
 #undef ZO_LIST_FIELD
 
-// The macros' accessors use these for members that hold values. A text that finds no memory throws
-// `std::bad_alloc` instead of becoming empty.
-
+/// Stored as an int.
 template <class T>
-void ZoAssign(T& member, const T& value) {
-    member = value;
-}
-inline void ZoAssign(ZoString& member, const ZoString& value) {
-    member = value;
-    if (value.c_str()[0] != '\0' && member.c_str()[0] == '\0') throw std::bad_alloc();
-}
+struct ZoValueField<T, std::enable_if_t<std::is_enum_v<T> && sizeof(T) <= sizeof(int)>> : ZoValueField<int> {
+    static constexpr bool isStored = false;
+    static void Set(T& member, int value, const TZoClassField* field) {
+        if (static_cast<int>(static_cast<T>(value)) != value) ZoRefuseStored(value, field);
+        member = static_cast<T>(value);
+    }
+    static int Get(T member) { return static_cast<int>(member); }
+};
+/// Stored as a text, which anyone can read.
+template <class T, class Wide = T>
+struct ZoTextField : ZoValueField<ZoString> {
+    static constexpr bool isStored = false;
+    static void Set(T& member, const ZoString& text, const TZoClassField* field) {
+        Wide value{};
+        ZoFromStored(text, value, field);
+        member = value;
+    }
+    static const ZoString& Get(const T& member) { return ZoToStored(static_cast<Wide>(member)); }
+};
+/// `long` is one of them where it has 64 bits.
+template <class T>
+struct ZoValueField<T, std::enable_if_t<std::is_integral_v<T> && sizeof(T) == 8>>
+    : ZoTextField<T, std::conditional_t<std::is_signed_v<T>, long long, unsigned long long>> {};
+template <>
+struct ZoValueField<TTimestamp> : ZoTextField<TTimestamp> {};
+
 template <class T>
 void ZoAddValue(TDVector<T>& list, const T& value) {
     list.Add(value);
@@ -137,31 +206,63 @@ inline void ZoAddValue(TDVector<ZoString>& list, const ZoString& value) {
     ZoAssign(list.Last(), value);
 }
 
-// The macros' accessors use these for members that hold pointers.
+#define ZO_BASE_TEXT_                                                                                        \
+    "REGISTER_ZO_BEGIN: the class must derive from ZoStreamableBase or ZoObjectStreamable, publicly; from "  \
+    "several streamable parents, and they from their common base, virtually"
+// GCC and clang know the bases of a class that they are still reading, and can report a wrong one first.
+#if defined(__GNUC__)
+template <class Class, class = void>
+struct ZoDerives : std::false_type {};
+template <class Class>
+struct ZoDerives<Class, std::void_t<decltype(static_cast<const ZoStreamableBase*>(std::declval<Class*>()))>>
+    : std::true_type {};
+#define ZO_CHECK_BASE_(Class) static_assert(::ZoPrimitives::ZoDerives<Class>::value, ZO_BASE_TEXT_);
+#else
+#define ZO_CHECK_BASE_(Class)
+#endif
 
+// What the macros' accessors do with the members that hold pointers.
+
+/// Reports a class whose objects no field can hold, once: the accessors then do nothing.
 template <class T>
-void ZoPut(pointer<T>& member, ZoStreamableBase* target) {
-    member = target == nullptr ? nullptr : ZoDowncast<T>::To(target);
+constexpr bool ZoIsStreamable() {
+    constexpr bool is = std::is_base_of_v<ZoStreamableBase, T>;
+    static_assert(is, "a field's objects must derive from ZoStreamableBase: use DECLARE_ZO_FIELD for values");
+    return is;
 }
 template <class T>
-void ZoPut(crossRef<T>& member, ZoStreamableBase* target) {
-    member = target == nullptr ? nullptr : ZoDowncast<T>::To(target);
-}
-template <class T, class P>
-void ZoAppend(TIVector<T, P>& list, ZoStreamableBase* target) {
-    list.Add(target == nullptr ? nullptr : ZoDowncast<T>::To(target));
-}
-template <class T>
-void ZoAppend(TDVector<T*>& list, ZoStreamableBase* target) {
-    list.Add(target == nullptr ? nullptr : ZoDowncast<T>::To(target));
-}
-template <class T>
-ZoStreamableBase* ZoTarget(const pointer<T>& holder) {
-    return holder.get();
+T* ZoAs(ZoStreamableBase* target) {
+    if constexpr (ZoIsStreamable<T>()) return target == nullptr ? nullptr : ZoDowncast<T>::To(target);
+    return nullptr;
 }
 template <class T>
 ZoStreamableBase* ZoTarget(T* target) {
-    return target;
+    if constexpr (ZoIsStreamable<T>()) return target;
+    return nullptr;
+}
+template <class T>
+ZoStreamableBase* ZoTarget(const pointer<T>& holder) {
+    return ZoTarget(holder.get());
+}
+template <class T>
+ZoStreamableBase* ZoTarget(const crossRef<T>& holder) {
+    return ZoTarget(holder.get());
+}
+template <class T>
+void ZoPut(pointer<T>& member, ZoStreamableBase* target) {
+    member = ZoAs<T>(target);
+}
+template <class T>
+void ZoPut(crossRef<T>& member, ZoStreamableBase* target) {
+    member = ZoAs<T>(target);
+}
+template <class T, class P>
+void ZoAppend(TIVector<T, P>& list, ZoStreamableBase* target) {
+    list.Add(ZoAs<T>(target));
+}
+template <class T>
+void ZoAppend(TDVector<T*>& list, ZoStreamableBase* target) {
+    list.Add(ZoAs<T>(target));
 }
 template <class List>
 bool ZoDelete(List& list, ZoStreamableBase* target) {
@@ -203,9 +304,7 @@ struct ZoMemberTarget<TDVector<T*>> {
 
 template <class T, class Field>
 Field* ZoBind(Field* field) {
-    static_assert(std::is_base_of_v<ZoStreamableBase, T>,
-                  "a field's objects must derive from ZoStreamableBase: use DECLARE_ZO_FIELD for values");
-    field->SetTypeTest(ZoIsA<T>);
+    if constexpr (ZoIsStreamable<T>()) field->SetTypeTest(ZoIsA<T>);
     field->SetPlain();
     return field;
 }
@@ -226,7 +325,7 @@ struct ZoMapAccessors<Owner, Member> {
     static void Clear(ZoStreamableBase* object, int, int, int) { Map(object).RemoveAll(); }
     static void ClearNothing(ZoStreamableBase*, int, int, int) {}
     static void AddKey(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* key) {
-        Map(object).Append(key == nullptr ? nullptr : ZoDowncast<K>::To(key), nullptr);
+        Map(object).Append(ZoAs<K>(key), nullptr);
     }
     static void AddValue(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* value) {
         TIMap<K, V, P>& map = Map(object);
@@ -300,6 +399,7 @@ public:
     ZoRegistration& operator=(const ZoRegistration&) = delete;
 
     void SetHooks(unsigned overridden) { made->SetHooks(overridden); }
+    void SetTypeTest(TZoTypeTest test) { made->SetTypeTest(test); }
     void AddField(FieldClassFunction fieldClassOf, AddFieldFunction add);
     /// Adds the class to the schema and returns it; returns the existing class if the name is taken.
     TZoClass* Finish();
@@ -309,6 +409,14 @@ private:
     pointer<TZoClass> made;
     TDVector<TZoClassField*> unresolved;
 };
+
+/// Converts to `StreamableInit` alone, so that a constructor that takes an int does not match.
+struct ZoInitProbe {
+    template <class T, class = std::enable_if_t<std::is_same_v<T, ZoStreamableBase::StreamableInit>>>
+    operator T() const;
+};
+template <class T>
+constexpr bool ZoTakesInit = std::is_constructible_v<T, ZoInitProbe>;
 
 /// An empty object, for initialising a member.
 template <class T>
@@ -324,7 +432,7 @@ T ZoEmpty() {
 template <class T>
 ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass* objectClass) {
     ZoStreamableBase* object = nullptr;
-    if constexpr (std::is_constructible_v<T, ZoStreamableBase::StreamableInit>) {
+    if constexpr (ZoTakesInit<T>) {
         object = new T(ZoStreamableBase::InitEmpty);
     } else {
         object = new T();
@@ -333,39 +441,65 @@ ZoStreamableBase* ZoCreateInstance(TZoMetaData*, TZoMetaData*, TZoClass* objectC
     return object;
 }
 
-template <class Class, class Parent>
-constexpr bool ZoIsParent() {
-    static_assert(std::is_base_of_v<Parent, Class>,
+/// A class and the parents that its registration names.
+template <class Class, class... Parents>
+struct ZoNamed {};
+/// Whether a registered base has its place in a registration: as the class, as a parent or behind one.
+template <class Base, class Class, class... Parents>
+constexpr bool ZoHasPlace = std::is_same_v<Base, Class> || (std::is_base_of_v<Base, Parents> || ...);
+/// A registered base that has no place in a registration; void for none. Each registered class adds an
+/// overload of `ZoFindLeftOut` as a friend.
+template <class Base>
+struct ZoLeftOut {
+    using Class = Base;
+};
+ZoLeftOut<void> ZoFindLeftOut(const volatile void*, ...);
+
+template <class Named, class = void>
+struct ZoNamesAllBases : std::false_type {}; // several are left out
+template <class Class, class... Parents>
+struct ZoNamesAllBases<
+    ZoNamed<Class, Parents...>,
+    std::void_t<decltype(ZoFindLeftOut(std::declval<const Class*>(), ZoNamed<Class, Parents...>()))>>
+    : std::is_void<typename decltype(ZoFindLeftOut(std::declval<const Class*>(),
+                                                   ZoNamed<Class, Parents...>()))::Class> {};
+
+template <class Class, class... Parents>
+constexpr bool ZoParentsAreRight() {
+    static_assert((std::is_base_of_v<Parents, Class> && ...),
                   "REGISTER_ZO_BEGIN: a parent must be a base of the class in C++ too");
+    static_assert(
+        ZoNamesAllBases<ZoNamed<Class, Parents...>>::value,
+        "REGISTER_ZO_BEGIN: the class has a registered base that is not named as a parent: its fields "
+        "would not be saved. Name it, or use ZO_BEGIN_NAMES to leave it out");
     return true;
 }
 
-template <class T, int... Lines>
-void AddFieldsOfLines(ZoRegistration& registration, std::integer_sequence<int, Lines...>) {
-    (T::ZoAddField(ZoFieldLine<T::ZoFirstLine + Lines>(), registration), ...);
+/// The class of an object, by the number of its C++ class.
+template <class T>
+TZoClass* ZoClassOf(const T* object, unsigned slot) {
+    constexpr bool derives = std::is_convertible_v<const T*, const ZoStreamableBase*>;
+    static_assert(derives, ZO_BASE_TEXT_);
+    if constexpr (derives) return TZoMetaData::FindClassOf(*object, slot);
+    return nullptr;
 }
 
 template <class T>
 TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* const (&parents)[3]) {
-    static_assert(std::is_base_of_v<ZoStreamableBase, T>,
-                  "REGISTER_ZO_BEGIN: the class must derive from ZoStreamableBase or ZoObjectStreamable");
-    static_assert(
-        std::is_convertible_v<T*, ZoStreamableBase*>,
-        "REGISTER_ZO_BEGIN: a class with several streamable parents must derive from them, and they "
-        "from their common base, virtually and publicly");
     static_assert(T::template ZoParentsHold<T>());
     constexpr bool abstract = std::is_abstract_v<T>;
     TZoCreateFunction create = nullptr;
     if constexpr (!abstract) {
-        static_assert(std::is_constructible_v<T, ZoStreamableBase::StreamableInit> ||
-                          std::is_default_constructible_v<T>,
+        static_assert(ZoTakesInit<T> || std::is_default_constructible_v<T>,
                       "REGISTER_ZO_BEGIN: the class needs a public constructor that takes "
                       "ZoStreamableBase::StreamableInit, or a default constructor");
         create = ZoCreateInstance<T>;
     }
     ZoRegistration registration(schema, name, parents, create, abstract, typeid(T), T::ZoSlot);
     registration.SetHooks(ZoHooksOf<T>());
-    AddFieldsOfLines<T>(registration, std::make_integer_sequence<int, T::ZoLastLine - T::ZoFirstLine>());
+    registration.SetTypeTest(ZoIsA<T>);
+    T::template ZoAddFields<T>(registration,
+                               std::make_integer_sequence<int, T::template ZoCountFields<T>()>());
     return registration.Finish();
 }
 
@@ -373,18 +507,15 @@ TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* con
 
 #define ZO_EXPAND_(x) x
 #define ZO_FIFTH_(a, b, c, d, e, ...) e
-#define ZO_PARENTS_(...)                                                                                     \
-    template <class ZoThis>                                                                                  \
-    static constexpr bool ZoParentsHold() {                                                                  \
-        return __VA_ARGS__;                                                                                  \
-    }
-#define ZO_IS_PARENT_(Parent) ::ZoPrimitives::ZoIsParent<ZoThis, Parent>()
-#define ZO_BEGIN_1_(Class, unused) ZO_BEGIN_NAMES(Class, "NULL", "NULL", "NULL")
-#define ZO_BEGIN_2_(Class, P1, unused) ZO_BEGIN_CHECKED_(Class, #P1, "NULL", "NULL", ZO_IS_PARENT_(P1))
+#define ZO_PARENTS_ARE_RIGHT_(...) ::ZoPrimitives::ZoParentsAreRight<__VA_ARGS__>()
+#define ZO_BEGIN_1_(Class, unused)                                                                           \
+    ZO_BEGIN_CHECKED_(Class, "NULL", "NULL", "NULL", ZO_PARENTS_ARE_RIGHT_(ZoThis))
+#define ZO_BEGIN_2_(Class, P1, unused)                                                                       \
+    ZO_BEGIN_CHECKED_(Class, #P1, "NULL", "NULL", ZO_PARENTS_ARE_RIGHT_(ZoThis, P1))
 #define ZO_BEGIN_3_(Class, P1, P2, unused)                                                                   \
-    ZO_BEGIN_CHECKED_(Class, #P1, #P2, "NULL", ZO_IS_PARENT_(P1) && ZO_IS_PARENT_(P2))
+    ZO_BEGIN_CHECKED_(Class, #P1, #P2, "NULL", ZO_PARENTS_ARE_RIGHT_(ZoThis, P1, P2))
 #define ZO_BEGIN_4_(Class, P1, P2, P3, unused)                                                               \
-    ZO_BEGIN_CHECKED_(Class, #P1, #P2, #P3, ZO_IS_PARENT_(P1) && ZO_IS_PARENT_(P2) && ZO_IS_PARENT_(P3))
+    ZO_BEGIN_CHECKED_(Class, #P1, #P2, #P3, ZO_PARENTS_ARE_RIGHT_(ZoThis, P1, P2, P3))
 
 /// Opens a class's registration; takes the class and up to three parents.
 #define REGISTER_ZO_BEGIN(...)                                                                               \
@@ -397,7 +528,7 @@ TZoClass* ZoRegisterClass(TZoMetaData* schema, const char* name, const char* con
 #define ZO_BEGIN_CHECKED_(Class, Parent1, Parent2, Parent3, ...)                                             \
 public:                                                                                                      \
     using ZoClass = Class;                                                                                   \
-    [[maybe_unused]] static constexpr int ZoFirstLine = __LINE__;                                            \
+    ZO_CHECK_BASE_(Class)                                                                                    \
     static constexpr const char* ZoName() { return #Class; }                                                 \
     /* The number of this class in the process; 0 before its module is initialised, when names are */        \
     /* looked up instead. A member, so that modules share the number of an exported class. */                \
@@ -406,13 +537,28 @@ public:                                                                         
         static constexpr const char* parents[3] = {Parent1, Parent2, Parent3};                               \
         return parents;                                                                                      \
     }                                                                                                        \
-    template <int ZoLine>                                                                                    \
-    static void ZoAddField(::ZoPrimitives::ZoFieldLine<ZoLine>, ::ZoPrimitives::ZoRegistration&) {}          \
-    ZO_PARENTS_(__VA_ARGS__)
+    template <class... ZoNames>                                                                              \
+    friend std::enable_if_t<!::ZoPrimitives::ZoHasPlace<Class, ZoNames...>,                                  \
+                            ::ZoPrimitives::ZoLeftOut<Class>>                                                \
+    ZoFindLeftOut(const Class*, ::ZoPrimitives::ZoNamed<ZoNames...>);                                        \
+    template <class ZoThis>                                                                                  \
+    static constexpr bool ZoParentsHold() {                                                                  \
+        return __VA_ARGS__;                                                                                  \
+    }                                                                                                        \
+    static ::ZoPrimitives::ZoFieldIndex<0> ZoNextField(::ZoPrimitives::ZoFieldRank<0>);                      \
+    template <class ZoThis>                                                                                  \
+    static constexpr int ZoCountFields() {                                                                   \
+        return decltype(ZoThis::ZoNextField(                                                                 \
+            ::ZoPrimitives::ZoFieldRank<::ZoPrimitives::ZoMostFields>()))::value;                            \
+    }                                                                                                        \
+    template <class ZoThis, int... ZoIndices>                                                                \
+    static void ZoAddFields([[maybe_unused]] ::ZoPrimitives::ZoRegistration& registration,                   \
+                            std::integer_sequence<int, ZoIndices...>) {                                      \
+        (ZoThis::ZoAddField(::ZoPrimitives::ZoFieldIndex<ZoIndices>(), registration), ...);                  \
+    }
 
 /// Closes a class's registration.
 #define REGISTER_ZO_END                                                                                      \
-    [[maybe_unused]] static constexpr int ZoLastLine = __LINE__;                                             \
     template <class ZoThis = ZoClass>                                                                        \
     static ::ZoPrimitives::TZoClass* Register(::ZoPrimitives::TZoMetaData* schema) {                         \
         return ::ZoPrimitives::ZoRegisterClass<ZoThis>(schema, ZoName(), ZoParents());                       \
@@ -421,15 +567,18 @@ public:                                                                         
     ::ZoPrimitives::TZoClass* GetOriginalClass(::ZoPrimitives::TZoMetaData* schema) const override {         \
         return schema->FindClass(ZoSlot, ZoName(), typeid(ZoClass));                                         \
     }                                                                                                        \
-    ::ZoPrimitives::TZoClass* GetClass() const override {                                                    \
-        return ::ZoPrimitives::TZoMetaData::FindClassOf(*this, ZoSlot);                                      \
-    }                                                                                                        \
+    ::ZoPrimitives::TZoClass* GetClass() const override { return ::ZoPrimitives::ZoClassOf(this, ZoSlot); }  \
     ::ZoPrimitives::ZoString StreamableClassName() const override {                                          \
         return ::ZoPrimitives::ZoStreamableClassName(typeid(*this));                                         \
     }
 
 #define ZO_FIELD_LINE_(field)                                                                                \
-    static void ZoAddField(::ZoPrimitives::ZoFieldLine<__LINE__>,                                            \
+    static constexpr int ZoIndexOf_##field =                                                                 \
+        decltype(ZoNextField(::ZoPrimitives::ZoFieldRank<::ZoPrimitives::ZoMostFields>()))::value;           \
+    static_assert(ZoIndexOf_##field < ::ZoPrimitives::ZoMostFields, "a class has 128 field lines at most");  \
+    static ::ZoPrimitives::ZoFieldIndex<ZoIndexOf_##field + 1> ZoNextField(                                  \
+        ::ZoPrimitives::ZoFieldRank<ZoIndexOf_##field + 1>);                                                 \
+    static void ZoAddField(::ZoPrimitives::ZoFieldIndex<ZoIndexOf_##field>,                                  \
                            ::ZoPrimitives::ZoRegistration& registration) {                                   \
         registration.AddField(Getfieldclassfor_##field, Addfieldfor_##field);                                \
     }
@@ -444,15 +593,29 @@ public:                                                                         
         return ::ZoPrimitives::ZoFieldClass(schema, fieldClass, kind, typeName, fieldKind);                  \
     }
 
-#define DECLARE_ZO_FIELD(Type, field)                                                                        \
-    Type field{};                                                                                            \
-    static void Set##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
-                           ::ZoPrimitives::TZoParameter<Type> value) {                                       \
-        ::ZoPrimitives::ZoAssign(::ZoPrimitives::ZoSelf<ZoClass>(object).field, value);                      \
+#define ZO_FOURTH_(a, b, c, d, ...) d
+#define DECLARE_ZO_FIELD(...)                                                                                \
+    ZO_EXPAND_(ZO_FOURTH_(__VA_ARGS__, ZO_FIELD_OF_3_, ZO_FIELD_OF_2_, )(__VA_ARGS__, ))
+#define ZO_FIELD_OF_2_(Type, field, unused) ZO_VALUE_FIELD_(Type, field, {})
+#define ZO_FIELD_OF_3_(Type, field, initial, unused) ZO_VALUE_FIELD_(Type, field, = initial)
+#define ZO_VALUE_FIELD_(Type, field, initial)                                                                \
+    ZO_VALUE_ACCESSORS_(Type, field, initial)                                                                \
+    ZO_FIELD_LINE_(field)
+#define ZO_VALUE_ACCESSORS_(Type, field, initial)                                                            \
+    static_assert(::ZoPrimitives::ZoValueField<Type>::name != nullptr,                                       \
+                  "DECLARE_ZO_FIELD takes int, unsigned, bool, float, double, ZoString, ZoBlob, an "         \
+                  "enumeration, long long, unsigned long long or TTimestamp; objects have "                  \
+                  "DECLARE_ZO_FIELD_CHILD, ..._VALUE and ..._REFERENCE");                                    \
+    Type field initial;                                                                                      \
+    static void Set##field(::ZoPrimitives::ZoStreamableBase* object,                                         \
+                           ::ZoPrimitives::TZoClassField* metaField,                                         \
+                           ::ZoPrimitives::TZoParameter<::ZoPrimitives::ZoValueField<Type>::Stored> value) { \
+        ::ZoPrimitives::ZoValueField<Type>::Set(::ZoPrimitives::ZoSelf<ZoClass>(object).field, value,        \
+                                                metaField);                                                  \
     }                                                                                                        \
-    static ::ZoPrimitives::TZoParameter<Type> Get##field(::ZoPrimitives::ZoStreamableBase* object,           \
-                                                         ::ZoPrimitives::TZoClassField*) {                   \
-        return ::ZoPrimitives::ZoSelf<ZoClass>(object).field;                                                \
+    static ::ZoPrimitives::TZoParameter<::ZoPrimitives::ZoValueField<Type>::Stored> Get##field(              \
+        ::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*) {                          \
+        return ::ZoPrimitives::ZoValueField<Type>::Get(::ZoPrimitives::ZoSelf<ZoClass>(object).field);       \
     }                                                                                                        \
     ZO_MEMBER_(field)                                                                                        \
     ZO_FIELD_CLASS_(field, ::ZoPrimitives::ZoValueField<Type>::name,                                         \
@@ -460,19 +623,22 @@ public:                                                                         
     static ::ZoPrimitives::TZoClassField* Addfieldfor_##field(                                               \
         ::ZoPrimitives::TZoClass* owner, ::ZoPrimitives::TZoClass*, const ::ZoPrimitives::ZoString&) {       \
         auto* newField = ::ZoPrimitives::ZoValueField<Type>::Add(owner, #field, Set##field, Get##field);     \
-        newField->SetMember(Member##field);                                                                  \
+        newField->SetPlain();                                                                                \
+        if constexpr (::ZoPrimitives::ZoValueField<Type>::isStored) newField->SetMember(Member##field);      \
         return newField;                                                                                     \
-    }                                                                                                        \
-    ZO_FIELD_LINE_(field)
+    }
 
 #define DECLARE_ZO_FIELD_LIST(Type, field)                                                                   \
-    ::ZoPrimitives::TDVector<Type> field;                                                                    \
+    static_assert(::ZoPrimitives::ZoListField<Type>::name != nullptr,                                        \
+                  "DECLARE_ZO_FIELD_LIST takes int, float, double or ZoString; objects have "                \
+                  "DECLARE_ZO_FIELD_CHILD_LIST and ..._REFERENCE_LIST");                                     \
+    ::ZoPrimitives::TDVector<::ZoPrimitives::ZoListField<Type>::Item> field;                                 \
     static void Add##field(::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*,         \
-                           ::ZoPrimitives::TZoParameter<Type> value) {                                       \
+                           ::ZoPrimitives::TZoParameter<::ZoPrimitives::ZoListField<Type>::Item> value) {    \
         ::ZoPrimitives::ZoAddValue(::ZoPrimitives::ZoSelf<ZoClass>(object).field, value);                    \
     }                                                                                                        \
-    static ::ZoPrimitives::TZoParameter<Type> ElementAt##field(::ZoPrimitives::ZoStreamableBase* object,     \
-                                                               ::ZoPrimitives::TZoClassField*, int index) {  \
+    static ::ZoPrimitives::TZoParameter<::ZoPrimitives::ZoListField<Type>::Item> ElementAt##field(           \
+        ::ZoPrimitives::ZoStreamableBase* object, ::ZoPrimitives::TZoClassField*, int index) {               \
         return ::ZoPrimitives::ZoSelf<ZoClass>(object).field[static_cast<unsigned long long>(index)];        \
     }                                                                                                        \
     ZO_LIST_COUNT_(field, field)                                                                             \
@@ -508,7 +674,7 @@ public:                                                                         
     template <class ZoThis = ZoClass>                                                                        \
     static ::ZoPrimitives::ZoStreamableBase* Get##field(::ZoPrimitives::ZoStreamableBase* object,            \
                                                         ::ZoPrimitives::TZoClassField*) {                    \
-        return ::ZoPrimitives::ZoSelf<ZoThis>(object).field.get();                                           \
+        return ::ZoPrimitives::ZoTarget(::ZoPrimitives::ZoSelf<ZoThis>(object).field);                       \
     }                                                                                                        \
     ZO_FIELD_CLASS_(field, #Type, ::ZoPrimitives::ft##Kind)                                                  \
     template <class ZoThis = ZoClass>                                                                        \

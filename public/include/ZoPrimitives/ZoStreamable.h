@@ -27,6 +27,9 @@ class ZO_API ZoStreamableBase : public ZoObject {
 public:
     /// Selects the constructor that makes an empty object for a reader to fill.
     enum StreamableInit { InitEmpty = 0 };
+    /// What a compiler names where a field line of ZoRegister.h has no REGISTER_ZO_BEGIN before it.
+    struct REGISTER_ZO_BEGIN_must_stand_before_the_field_lines {};
+    static REGISTER_ZO_BEGIN_must_stand_before_the_field_lines ZoNextField(...);
 
     ZoStreamableBase();
     ZoStreamableBase(const ZoStreamableBase& other);

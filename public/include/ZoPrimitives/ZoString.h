@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -32,6 +34,9 @@ public:
     ZoString(const char* text, unsigned count) noexcept;
     ZoString(const unsigned char* text, unsigned count) noexcept;
     ZoString(std::nullptr_t, unsigned) noexcept : ZoString() {}
+    /// Up to the first 0 character.
+    ZoString(std::string_view text) noexcept : ZoString(text.data(), static_cast<unsigned>(text.size())) {}
+    ZoString(const std::string& text) noexcept : ZoString(std::string_view(text)) {}
     /// The character itself, not its number.
     ZoString(char c) noexcept;
     ZoString(char c, unsigned count) noexcept;
@@ -72,6 +77,9 @@ public:
     void Assign(const char* bytes, unsigned count) noexcept;
 
     unsigned length() const noexcept { return static_cast<unsigned>(Size()); }
+    explicit operator std::string() const { return {c_str(), Size()}; }
+    /// Valid as long as the string is not changed.
+    explicit operator std::string_view() const noexcept { return {c_str(), Size()}; }
     /// Never null.
     const char* c_str() const noexcept { return buffer != nullptr ? buffer : NOTHING; }
 

@@ -67,14 +67,22 @@ inline std::string ZoToUtf8(const ZoString& text) {
     return result;
 }
 
-/// Malformed bytes and characters that Windows-1252 lacks become '?'. Null counts as empty.
-inline ZoString ZoFromUtf8(const char* text) {
+/// Characters that Windows-1252 lacks and malformed bytes become '?', and are added to `lost` as they were.
+/// Null is empty.
+inline ZoString ZoFromUtf8(const char* text, std::string& lost) {
     std::string bytes;
     while (text != nullptr && *text != '\0') {
+        const char* const start = text;
         const int byte = Windows1252::FromUnicode(Windows1252::Next(text));
+        if (byte < 0) lost.append(start, text);
         bytes += byte < 0 ? '?' : static_cast<char>(byte);
     }
     return ZoString(bytes.c_str());
+}
+/// The same without telling what was lost.
+inline ZoString ZoFromUtf8(const char* text) {
+    std::string lost;
+    return ZoFromUtf8(text, lost);
 }
 
 } // namespace ZoPrimitives

@@ -2,6 +2,8 @@
 
 #include "ZoPrimitives/container.h"
 
+#include <initializer_list>
+
 namespace ZoPrimitives {
 
 /// Vector of values. Searches among more than 1000 values run in parallel, so an overridden `Equal` must be
@@ -15,6 +17,10 @@ public:
     static constexpr ZoSite SITE{ZoSources::DVECTOR, __LINE__};
 
     TDVector() = default;
+    TDVector(std::initializer_list<T> values) {
+        this->Reserve(values.size());
+        for (const T& value : values) this->Add(value);
+    }
     TDVector(const TDVector&) = default;
     TDVector(TDVector&&) noexcept = default;
     ~TDVector() override = default;
@@ -41,6 +47,10 @@ public:
     static constexpr ZoSite SITE{ZoSources::DVECTOR, __LINE__};
 
     TDList() = default;
+    TDList(std::initializer_list<T> values) {
+        this->Reserve(values.size());
+        for (const T& value : values) this->Add(value);
+    }
     TDList(const TDList&) = default;
     TDList(TDList&&) noexcept = default;
     ~TDList() override = default;

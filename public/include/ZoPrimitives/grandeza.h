@@ -57,8 +57,8 @@ public:
     /// Division by zero always gives 1.797693e+308.
     Grandeza& operator/=(const Grandeza& other);
 
-    /// The value in the storage unit.
-    DECLARE_ZO_FIELD(double, valor)
+    /// In the storage unit.
+    ZO_VALUE_ACCESSORS_(double, valor, {})
 
     static TZoClass* Register(TZoMetaData* schema);
     static void Unregister(TZoMetaData* schema);

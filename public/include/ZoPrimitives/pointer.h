@@ -17,18 +17,26 @@ class crossRef;
 /// The count is in the object, so a plain pointer can become a `pointer` again. An object that is not on the
 /// heap must never be held by one. `T` must be complete where a `pointer<T>` is copied or destroyed.
 template <class T>
+class crossRef;
+
+/// Counted reference to an object of class `T`, which derives from `ZoObject`. The last one deletes the
+/// object.
+///
+/// The count lives in the object, so a plain pointer can become a `pointer` again. An object that is not on
+/// the heap must never be handed to one. `T` must be complete where a `pointer<T>` is copied or destroyed.
+template <class T>
 class pointer {
 public:
     using ObjectType = T;
 
     pointer() noexcept = default;
     pointer(std::nullptr_t) noexcept {}
-    pointer(T* target) noexcept : object(target) { ZoReferenceCount::Add(object); }
+    pointer(T* target) noexcept : object(target) { ZoReferenceCount::Add(Counted(object)); }
     pointer(const pointer& other) noexcept : pointer(other.object) {}
     pointer(pointer&& other) noexcept : object(other.object) { other.object = nullptr; }
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     pointer(const pointer<U>& other) noexcept : pointer(other.get()) {}
-    ~pointer() { ZoReferenceCount::Release(object); }
+    ~pointer() { ZoReferenceCount::Release(Counted(object)); }
 
     pointer& operator=(const pointer& other) noexcept {
         reset(other.object);
@@ -39,7 +47,7 @@ public:
         object = other.object;
         if (this != &other) {
             other.object = nullptr;
-            ZoReferenceCount::Release(previous);
+            ZoReferenceCount::Release(Counted(previous));
         }
         return *this;
     }
@@ -49,10 +57,10 @@ public:
     }
 
     void reset(T* target = nullptr) noexcept {
-        ZoReferenceCount::Add(target);
+        ZoReferenceCount::Add(Counted(target));
         T* previous = object;
         object = target;
-        ZoReferenceCount::Release(previous);
+        ZoReferenceCount::Release(Counted(previous));
     }
 
     /// The object or null; never asserts.
@@ -71,6 +79,12 @@ public:
     friend bool operator!=(const pointer& a, std::nullptr_t) noexcept { return a.object != nullptr; }
 
 private:
+    static const ZoObject* Counted(const T* target) noexcept {
+        constexpr bool counts = std::is_base_of_v<ZoObject, T>;
+        static_assert(counts, "pointer holds objects of classes that derive from ZoObject");
+        if constexpr (counts) return target;
+        return nullptr;
+    }
     T* Checked() const {
         ZO_ASSERT(object, "object", ZoSources::POINTER);
         return object;

@@ -1,0 +1,221 @@
+#include "support/Assertions.h"
+#include "support/Streaming.h"
+
+#include "ZoPrimitives/ZoRegister.h"
+
+#include <climits>
+#include <memory>
+
+using namespace ZoPrimitives;
+
+namespace {
+
+enum class Finish { Raw, Painted, Galvanised };
+enum Small : unsigned char { Least, Most = 255 };
+
+// Where field lines stand makes no difference.
+#define OWN_FIELD(name) DECLARE_ZO_FIELD(int, name)
+// clang-format off
+class Scattered : public ZoObjectStreamable { REGISTER_ZO_BEGIN(Scattered) DECLARE_ZO_FIELD(int, a)
+    DECLARE_ZO_FIELD(int, b) DECLARE_ZO_FIELD_LIST(int, c)
+    OWN_FIELD(d) DECLARE_ZO_FIELD(double, e, 1.5) REGISTER_ZO_END DECLARE_ZO_FIELD(ZoString, f, "none")
+private:
+    DECLARE_ZO_FIELD(int, g)
+};
+// clang-format on
+
+class Wide : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Wide)
+    DECLARE_ZO_FIELD(Finish, finish, Finish::Painted)
+    DECLARE_ZO_FIELD(Small, small)
+    DECLARE_ZO_FIELD(long long, least)
+    DECLARE_ZO_FIELD(unsigned long long, most)
+    DECLARE_ZO_FIELD(TTimestamp, when, TTimestamp::FromTicks(0))
+    REGISTER_ZO_END
+};
+
+class Counted : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Counted)
+    REGISTER_ZO_END
+    Counted() = default;
+    explicit Counted(int) { ADD_FAILURE() << "this one makes no empty objects"; }
+};
+
+// A base may be left out on purpose.
+class Base : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Base)
+    REGISTER_ZO_END
+};
+class Middle : public Base {};
+class Named : public Middle {
+    REGISTER_ZO_BEGIN(Named, Base)
+    REGISTER_ZO_END
+};
+class Alone : public Base {
+    ZO_BEGIN_NAMES(Alone, "NULL", "NULL", "NULL")
+    REGISTER_ZO_END
+};
+
+class Bare : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Bare)
+    REGISTER_ZO_END
+};
+class PointsToBare : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(PointsToBare)
+    DECLARE_ZO_FIELD_CHILD(Bare, bare)
+    DECLARE_ZO_FIELD_CHILD_MAP(Bare, Bare, bares)
+    REGISTER_ZO_END
+};
+namespace second {
+class Bare : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Bare)
+    REGISTER_ZO_END
+};
+} // namespace second
+
+std::string FieldsOf(TZoClass* registered) {
+    std::string names;
+    for (int i = 1; i <= registered->GetFieldCount(); ++i)
+        names += std::string(i == 1 ? "" : " ") + registered->GetField(i)->GetFieldName().c_str();
+    return names;
+}
+
+} // namespace
+
+TEST(FieldLineTests, CountWhereverTheyStand) {
+    TZoMetaData schema;
+    // The list stands behind the values in a record, whatever their lines.
+    EXPECT_EQ(FieldsOf(Scattered::Register(&schema)), "a b c d e f g");
+    Scattered scattered;
+    EXPECT_EQ(scattered.e, 1.5);
+    EXPECT_EQ(scattered.f, "none");
+    Counted::Register(&schema);
+    const std::unique_ptr<ZoStreamableBase> made(
+        schema.FindClass("Counted")->CreateInstance(&schema, &schema));
+    EXPECT_NE(dynamic_cast<Counted*>(made.get()), nullptr);
+    EXPECT_TRUE(Base::Register(&schema) == Named::Register(&schema)->GetParentClass());
+    EXPECT_EQ(Alone::Register(&schema)->GetParentClass(), nullptr);
+}
+
+// Enumerations are ints in a file, what has no kind is a text that can be read without the application.
+TEST(FieldLineTests, ValuesWithoutAKindAreStoredReadably) {
+    TZoMetaData schema;
+    Wide::Register(&schema);
+    const auto payload = [](int finish, int small, const std::string& least, const std::string& most,
+                            const std::string& when) {
+        return Payload().Int(finish).Int(small).Text(least).Text(most).Text(when);
+    };
+    const struct {
+        const char* name;
+        Finish finish;
+        Small small;
+        long long least;
+        unsigned long long most;
+        long long ticks;
+        std::string bytes;
+    } rows[] = {
+        {"at first", Finish::Painted, Least, 0, 0, 0,
+         payload(1, 0, "0", "0", "1970-01-01T00:00:00.0000000Z")},
+        {"greatest", Finish::Galvanised, Most, LLONG_MIN, ULLONG_MAX, 12'345'678,
+         payload(2, 255, "-9223372036854775808", "18446744073709551615", "1970-01-01T00:00:01.2345678Z")},
+        {"before 1970", Finish::Raw, Least, -1, 1, -1,
+         payload(0, 0, "-1", "1", "1969-12-31T23:59:59.9999999Z")},
+        {"end of time", Finish::Raw, Least, LLONG_MAX, 1, LLONG_MAX,
+         payload(0, 0, "9223372036854775807", "1", "31197-09-14T02:48:05.4775807Z")},
+        {"first of times", Finish::Raw, Least, 5, 1, LLONG_MIN,
+         payload(0, 0, "5", "1", "-27258-04-19T21:11:54.5224192Z")},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Wide wide;
+        if (&row != rows) {
+            wide.finish = row.finish;
+            wide.small = row.small;
+            wide.least = row.least;
+            wide.most = row.most;
+            wide.when = TTimestamp::FromTicks(row.ticks);
+        }
+        const std::string file = Save(schema, &wide);
+        EXPECT_EQ(RowsOf(file)[1].payload, row.bytes);
+        Opened opened(file, schema);
+        const Wide& read = opened.Root<Wide>();
+        EXPECT_TRUE(read.finish == row.finish && read.small == row.small && read.least == row.least &&
+                    read.most == row.most && read.when.Ticks() == row.ticks);
+    }
+
+    const struct {
+        const char* field;
+        std::string bytes;
+    } refused[] = {
+        {"small", payload(0, 256, "0", "0", "1970-01-01T00:00:00Z")},
+        {"small", payload(0, -1, "0", "0", "1970-01-01T00:00:00Z")},
+        {"least", payload(0, 0, "9223372036854775808", "0", "1970-01-01T00:00:00Z")},
+        {"least", payload(0, 0, "1.5", "0", "1970-01-01T00:00:00Z")},
+        {"least", payload(0, 0, "", "0", "1970-01-01T00:00:00Z")},
+        {"most", payload(0, 0, "0", "-1", "1970-01-01T00:00:00Z")},
+        {"when", payload(0, 0, "0", "0", "1970-01-01")},
+        {"when", payload(0, 0, "0", "0", "1970-02-30T00:00:00Z")},
+    };
+    Wide wide;
+    std::vector<Row> sound = RowsOf(Save(schema, &wide));
+    for (const auto& row : refused) {
+        sound[1].payload = row.bytes;
+        try {
+            const Opened opened(FileOf(sound), schema);
+            ADD_FAILURE() << row.field;
+        } catch (const XReadStream& failure) {
+            EXPECT_NE(std::string(failure.Message().c_str()).find(std::string("field ") + row.field),
+                      std::string::npos)
+                << failure.Message().c_str();
+        }
+    }
+}
+
+TEST(FieldLineTests, CheckWarnsOfWhatIsLostAlthoughAllIsRegistered) {
+    const struct {
+        const char* name;
+        std::vector<TZoClass* (*)(TZoMetaData*)> registered;
+        std::string warnings;
+    } rows[] = {
+        {"all named", {Base::Register<Base>, Named::Register<Named>}, ""},
+        {"base left out",
+         {Base::Register<Base>, Alone::Register<Alone>},
+         "[zowarning] class Alone derives from Base, which its registration does not name: the fields of "
+         "Base "
+         "are not saved. See REGISTER_ZO_BEGIN"},
+        {"base not registered", {Alone::Register<Alone>}, ""},
+        {"class without fields",
+         {Bare::Register<Bare>, PointsToBare::Register<PointsToBare>},
+         "[zowarning] class Bare of reference field bares has no fields: its objects are not saved\n"
+         "[zowarning] class Bare of reference field bare has no fields: its objects are not saved"},
+        {"one name",
+         {Bare::Register<Bare>, Bare::Register<Bare>, second::Bare::Register<second::Bare>,
+          second::Bare::Register<second::Bare>},
+         "[zowarning] two C++ classes are called Bare: the second one is not registered"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        TZoMetaData schema;
+        for (const auto registers : row.registered) registers(&schema);
+        ZoString report, warnings;
+        EXPECT_TRUE(schema.Check(&report, &warnings)) << report.c_str();
+        EXPECT_TRUE(schema.Check(nullptr, nullptr));
+        EXPECT_EQ(Text(warnings), row.warnings);
+        if (row.warnings.empty()) {
+            EXPECT_NO_THROW(schema.CheckOrThrow());
+        } else {
+            EXPECT_THROW(schema.CheckOrThrow(), XStream);
+        }
+        schema.Clear();
+        EXPECT_NO_THROW(schema.CheckOrThrow());
+    }
+    TZoMetaData missing;
+    PointsToBare::Register(&missing);
+    try {
+        missing.CheckOrThrow();
+        ADD_FAILURE();
+    } catch (const XStream& failure) {
+        EXPECT_EQ(Text(failure.Message()), "[zoerror] class Bare of reference field bares not registered\n"
+                                           "[zoerror] class Bare of reference field bare not registered");
+    }
+}

@@ -1,5 +1,5 @@
-// What a developer does wrong on the first day, one mistake a compilation: mistakes.sh defines MISTAKE. Behind
-// each stands what the compiler says first, and "at length" where more than a screen follows.
+// What a developer does wrong on the first day, one mistake a compilation: mistakes.sh defines MISTAKE.
+// Behind each stands what the compiler says first, and "at length" where more than a screen follows.
 #include "ZoPrimitives/ZoPrimitives.h"
 
 #include <string>
@@ -20,46 +20,46 @@ class Wrong : public ZoObjectStreamable {
     DECLARE_ZO_FIELD(std::string, name)
     REGISTER_ZO_END
 };
-#elif MISTAKE == 2 // DECLARE_ZO_FIELD takes int, unsigned, bool
+#elif MISTAKE == 2  // DECLARE_ZO_FIELD takes int, unsigned, bool
 class Wrong : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Wrong)
     DECLARE_ZO_FIELD(Storey, first)
     REGISTER_ZO_END
 };
-#elif MISTAKE == 3 // DECLARE_ZO_FIELD_LIST takes int, float, double or ZoString
+#elif MISTAKE == 3  // DECLARE_ZO_FIELD_LIST takes int, float, double or ZoString
 class Wrong : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Wrong)
     DECLARE_ZO_FIELD_LIST(bool, flags)
     REGISTER_ZO_END
 };
-#elif MISTAKE == 4 // a field's objects must derive from ZoStreamableBase
+#elif MISTAKE == 4  // a field's objects must derive from ZoStreamableBase
 class Wrong : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Wrong)
     DECLARE_ZO_FIELD_CHILD(Plain, plain)
     REGISTER_ZO_END
 };
-#elif MISTAKE == 5 // a parent must be a base of the class in C++ too
+#elif MISTAKE == 5  // a parent must be a base of the class in C++ too
 class Wrong : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Wrong, Storey)
     REGISTER_ZO_END
 };
-#elif MISTAKE == 6 // the class has a registered base that is not named as a parent
+#elif MISTAKE == 6  // the class has a registered base that is not named as a parent
 class Wrong : public Storey {
     REGISTER_ZO_BEGIN(Wrong)
     REGISTER_ZO_END
 };
-#elif MISTAKE == 7 // the class needs a public constructor that takes ZoStreamableBase::StreamableInit
+#elif MISTAKE == 7  // the class needs a public constructor that takes ZoStreamableBase::StreamableInit
 class Wrong : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Wrong)
     REGISTER_ZO_END
     explicit Wrong(int) {}
 };
-#elif MISTAKE == 8 // at length: the class must derive from ZoStreamableBase or ZoObjectStreamable
+#elif MISTAKE == 8  // at length: the class must derive from ZoStreamableBase or ZoObjectStreamable
 class Wrong {
     REGISTER_ZO_BEGIN(Wrong)
     REGISTER_ZO_END
 };
-#elif MISTAKE == 9 // the class must derive from ZoStreamableBase or ZoObjectStreamable
+#elif MISTAKE == 9  // the class must derive from ZoStreamableBase or ZoObjectStreamable
 class Other : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Other)
     REGISTER_ZO_END

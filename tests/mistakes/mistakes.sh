@@ -24,5 +24,5 @@ while read -r number sentence; do
         printf 'mistake %s: %s lines, and first:\n%s\n' "$number" "$lines" "$first"
         failed=1
     fi
-done < <(sed -n 's/^#\(el\)\?if MISTAKE == \([0-9]*\) \/\/ \(.*\)/\2 \3/p' "$here/mistakes.cpp")
+done < <(sed -n 's/^#\(el\)\?if MISTAKE == \([0-9]*\) *\/\/ \(.*\)/\2 \3/p' "$here/mistakes.cpp")
 exit $failed

@@ -135,6 +135,7 @@ TZoMetaData& Schema() {
             Girder::Register(this);
             Storey::Register(this);
             Building::Register(this);
+            CheckOrThrow();
         }
     };
     static Classes classes;

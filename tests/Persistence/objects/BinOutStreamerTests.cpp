@@ -720,6 +720,8 @@ TEST_F(BinOutStreamerTests, CountsOfListsAreBounded) {
         {"strings", [&](TZoClass& on) { on.AddFieldListString("f", values); }, tooMany},
         {"children", [&](TZoClass& on) { on.AddFieldChildPointerList("f", nullptr, pointers); }, tooMany},
         {"references", [&](TZoClass& on) { on.AddFieldPointerList("f", nullptr, pointers); }, tooMany},
+        {"a map of nothing",
+         [&](TZoClass& on) { on.AddFieldChildPointerMap("f", nullptr, nullptr, nullptr); }, "key && value"},
         {"another count", [&](TZoClass& on) { on.AddFieldPointerList("f", nullptr, broken); }, another},
     };
     for (const auto& tested : cases) {

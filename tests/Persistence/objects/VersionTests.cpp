@@ -397,6 +397,15 @@ TEST_F(LevelVersionTests, ClassesOfManyFieldsAreReadFromEveryStream) {
     }
 }
 
+TEST_F(LevelVersionTests, AMemberIsOfferedItsOwnExcludedFields) {
+    const ClassEntry lower{.id = 2, .name = "Lower", .values = {{0, -1, "gone"}, {0, -1, "lower"}}};
+    const ClassEntry owner{.id = 3, .name = "Stranger", .children = {{2, -18, "member"}}};
+    Opened opened(FileOf({lower, owner}, {{1, 3, Payload().Int(2)}, {2, 2, Payload().Ints({7, 8})}}), schema);
+    const Lower& member = opened.Root<Stranger>().member;
+    EXPECT_EQ(member.lower, 8);
+    EXPECT_EQ(member.excluded, std::vector<std::string>{"gone"});
+}
+
 TEST_F(LevelVersionTests, ParentsThatSwappedPlacesReadRightly) {
     // The file's `Upper` derives from `Lower`; the application's the other way round.
     const ClassEntry lower{.id = 2, .name = "Lower", .values = {{0, -1, "lower"}, {0, -1, "upper"}}};

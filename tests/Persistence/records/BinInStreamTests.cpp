@@ -5,7 +5,7 @@
 #include "ZoPrimitives/FilteredBinInStreamer.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/ZoBlob.h"
-#include "ZoPrimitives/ZoStreamable.h"
+#include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoString.h"
 #include "support/Assertions.h"
 #include "support/Records.h"
@@ -622,6 +622,11 @@ TEST(BinInStreamTests, FindsObjectsByUid) {
     stream.AddUnresolved(&thing, 7, nullptr);
     EXPECT_EQ(stream.GetUnresolved(6), nullptr);
     EXPECT_EQ(stream.GetUnresolved(7)->object, &thing);
+    TZoClassFieldInt field("f", nullptr, nullptr);
+    stream.AddExcludedField(&field, 0);
+    EXPECT_EQ(stream.GetFirstExcludedField(), &field);
+    stream.ClearExcludedFields();
+    EXPECT_EQ(stream.GetFirstExcludedField(), nullptr);
 }
 
 TEST(BinInStreamTests, ListsTheObjectsRead) {

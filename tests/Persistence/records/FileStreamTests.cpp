@@ -1,4 +1,5 @@
 #include "Persistence/records/RecordFormat.h"
+#include "ZoPrimitives/BinOutStreamer.h"
 #include "ZoPrimitives/ClipboardBinInStream.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FileBinOutStream.h"
@@ -477,13 +478,14 @@ TEST_F(FileStreamTests, ACallersFileStaysTheCallers) {
     Platform::Current().SeekFile(file, PLACE, Platform::Origin::Begin, place);
     {
         const Stream out = Create("unused", true);
-        out->SetFile(file);
+        TBinOutStreamer streamer(out.get(), nullptr);
+        streamer.SetFile(file);
+        EXPECT_EQ(streamer.GetFile(), file);
         out->Initialize();
         Put(*out, 1, "far");
         EXPECT_EQ(out->GetPosition(), PLACE + HEADER + 31);
         Put(*out, 2, "away");
         out->Finalize();
-        EXPECT_EQ(out->GetFile(), file);
     }
     {
         services.Fail("FileSize", 0, Platform::ErrorInvalidFunction); // nobody wants 5 GiB in memory

@@ -81,6 +81,19 @@ TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
     }
 }
 
+TEST(ZoClassTests, IsReadByItself) {
+    TZoMetaData schema;
+    TZoClass read(&schema, nullptr, "Before", nullptr, false, nullptr);
+    const std::string file = FileOf(std::vector<Row>{{0, 0, app::EveryKindEntries()[1].Bytes()}});
+    TMemoryBinInStream stream(file.data(), file.size(), 0);
+    stream.Initialize();
+    int uid = 0, classId = 0;
+    EXPECT_TRUE(stream.LoadRecord(&uid, &classId));
+    read.LoadMetaFromStream(&stream);
+    EXPECT_EQ(Text(read.GetName()), "EveryKind");
+    EXPECT_EQ(FieldNames(read).size(), app::EveryKindFields().size());
+}
+
 TEST(ZoMetaDataTests, StaysInStepWithOtherLayouts) {
     const Payload empty = Payload().Ints({0, 0, 0, 0});
     const auto head = [](int id, const char* name) { return Payload().Int(id).Text(name).Bool(false); };

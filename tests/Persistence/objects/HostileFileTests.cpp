@@ -193,13 +193,6 @@ std::vector<Hostile> HostileGrowing() {
         };
     };
     std::vector<Hostile> files{
-        {"classes",
-         [](int n) {
-             std::vector<ClassEntry> classes;
-             for (int i = 1; i <= n; ++i) classes.push_back({.id = i, .name = ""});
-             return FileOf(classes, {});
-         },
-         30'000},
         {"unknown classes whose ids share a bucket, an object of each",
          each([](int i, int n) { return ClassEntry{.id = Multiple(i, n), .name = ""}; }, ""), 20'000},
         {"known classes of one name, an object of each",

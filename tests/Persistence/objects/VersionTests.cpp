@@ -114,25 +114,6 @@ TEST(VersionTests, KindsOfTheSameEncodingMatchAndOthersCountAsGone) {
                   "strings", "anUnsigned", "children"});
 }
 
-TEST(VersionTests, OffersEachExcludedFieldOnceWhateverTheHandlerReads) {
-    // A value of thousands of fields that the class does not have, and a handler that takes nothing.
-    class Deaf : public ZoObjectStreamable {
-    public:
-        static ZoStreamableBase* Make(TZoMetaData*, TZoMetaData*, TZoClass*) { return new Deaf; }
-        void HandleExcludedField(TZoClassField*, TBinInStream*) override { ++offered; }
-        TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("Deaf"); }
-        ZoString StreamableClassName() const override { return "class Deaf"; }
-        int offered = 0;
-    };
-    constexpr int COUNT = 400'000;
-    TZoMetaData schema;
-    schema.AddClass(new TZoClass(&schema, nullptr, "Deaf", Deaf::Make, false, nullptr));
-    ClassEntry entry{.id = 1, .name = "Deaf"};
-    entry.values.assign(COUNT, {0, -10, "b"});
-    Opened opened(FileOf({entry}, {{1, 1, std::string(COUNT, '\1')}}), schema);
-    EXPECT_EQ(opened.Root<Deaf>().offered, COUNT);
-}
-
 // Classes that are gone
 
 class Base : public ZoObjectStreamable {
@@ -195,30 +176,23 @@ TEST(VersionTests, AnObjectOfAnUnknownClassClimbsItsFirstParents) {
         const char* name;
         std::vector<ClassEntry> classes; // the objects' is the last
         Outcome outcome;
-        std::vector<std::string> unknown;
     } cases[] = {
-        {"known", {base}, Itself, {}},
-        {"unknown without parent", {base, made(2, "Gone")}, Dropped, {"Gone"}},
-        {"unknown with a known parent", {base, gone}, Substituted, {"Gone"}},
-        {"unknown with a known grandparent", {base, gone, made(3, "Further", {2})}, Substituted, {"Further"}},
+        {"known", {base}, Itself},
+        {"unknown without parent", {base, made(2, "Gone")}, Dropped},
+        {"unknown with a known parent", {base, gone}, Substituted},
+        {"unknown with a known grandparent", {base, gone, made(3, "Further", {2})}, Substituted},
         {"an abstract parent drops, a known grandparent does not help",
          {base, made(2, "Gone", {1}, true), made(3, "Further", {2})},
-         Dropped,
-         {"Further"}},
-        {"an abstract class of the file that the application knows", {abstractBase, gone}, Dropped, {"Gone"}},
+         Dropped},
+        {"an abstract class of the file that the application knows", {abstractBase, gone}, Dropped},
         {"an abstract class of its own counts only as a parent",
          {base, made(2, "Gone", {1}, true)},
-         Substituted,
-         {"Gone"}},
-        {"the second parent is not climbed",
-         {base, made(2, "Other"), made(3, "Gone", {2, 1})},
-         Dropped,
-         {"Gone"}},
+         Substituted},
+        {"the second parent is not climbed", {base, made(2, "Other"), made(3, "Gone", {2, 1})}, Dropped},
         {"an ancestor that cannot stand for others",
          {base, made(2, "Strict", {1}), made(3, "Gone", {2})},
-         Dropped,
-         {"Gone"}},
-        {"which stands for itself", {base, made(2, "Strict", {1})}, Itself, {}},
+         Dropped},
+        {"which stands for itself", {base, made(2, "Strict", {1})}, Itself},
     };
     for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
@@ -228,7 +202,9 @@ TEST(VersionTests, AnObjectOfAnUnknownClassClimbsItsFirstParents) {
         const int id = tested.classes.back().id;
         const Payload record = BasePart(7).Int(8).Int(9);
         Opened opened(FileOf(tested.classes, {{1, id, record}, {2, id, record}}), schema);
-        EXPECT_EQ(opened.Unknown(), tested.unknown);
+        std::vector<std::string> unknown;
+        if (tested.outcome != Itself) unknown.push_back(tested.classes.back().name);
+        EXPECT_EQ(opened.Unknown(), unknown);
         ASSERT_EQ(opened.Count(), tested.outcome == Dropped ? 0U : 2U);
         if (tested.outcome == Dropped) continue;
         EXPECT_EQ(opened.Root<Base>().number, 7);
@@ -292,34 +268,29 @@ Payload StrangerPart(int uid) {
 TEST_F(LevelVersionTests, FieldsThatMovedUpAreFoundAndThoseThatMovedDownAreOffered) {
     const struct {
         const char* name;
-        ClassEntry upper;
-        ClassEntry lower;
-        int moved;
-        int lowerValue;
+        std::vector<FieldEntry> upper, lower; // of the file
+        int moved, lowerValue;
         std::vector<std::string> excluded;
     } cases[] = {
-        {"up: the file has it below",
-         {.id = 1, .name = "Upper", .values = {{0, -1, "upper"}}},
-         {.id = 2, .name = "Lower", .parents = {1}, .values = {{0, -1, "moved"}, {0, -1, "lower"}}},
-         2,
-         3,
-         {}},
+        {"up: the file has it below", {{0, -1, "upper"}}, {{0, -1, "moved"}, {0, -1, "lower"}}, 2, 3, {}},
         {"down: the file has it above",
-         {.id = 1, .name = "Upper", .values = {{0, -1, "upper"}, {0, -1, "lower"}}},
-         {.id = 2, .name = "Lower", .parents = {1}, .values = {{0, -1, "moved"}}},
+         {{0, -1, "upper"}, {0, -1, "lower"}},
+         {{0, -1, "moved"}},
          3,
          0,
          {"lower"}},
-        {"on both levels: the lower one has the last word",
-         {.id = 1, .name = "Upper", .values = {{0, -1, "upper"}, {0, -1, "moved"}}},
-         {.id = 2, .name = "Lower", .parents = {1}, .values = {{0, -1, "moved"}}},
+        {"the lower one has the last word",
+         {{0, -1, "upper"}, {0, -1, "moved"}},
+         {{0, -1, "moved"}},
          3,
          0,
          {}},
     };
     for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
-        Opened opened(FileOf({tested.upper, tested.lower}, {{1, 2, Payload().Ints({1, 2, 3})}}), schema);
+        const ClassEntry upper{.id = 1, .name = "Upper", .values = tested.upper};
+        const ClassEntry lower{.id = 2, .name = "Lower", .parents = {1}, .values = tested.lower};
+        Opened opened(FileOf({upper, lower}, {{1, 2, Payload().Ints({1, 2, 3})}}), schema);
         auto& read = opened.Root<Lower>();
         EXPECT_EQ(read.upper, 1);
         EXPECT_EQ(read.moved, tested.moved);
@@ -375,14 +346,15 @@ TEST_F(LevelVersionTests, AnUnknownClassOfStrangersReadsAsItsFirstParent) {
     EXPECT_EQ(opened.Root<Upper>().excluded.size(), 7U) << "the stranger's, one of them of a name of its own";
 }
 
+// In time that grows with their number, whatever the handler reads.
 TEST_F(LevelVersionTests, ClassesOfManyFieldsAreReadFromEveryStream) {
     struct OwnStream : TMemoryBinInStream {
         using TMemoryBinInStream::TMemoryBinInStream;
     };
-    ClassEntry upper{.id = 1, .name = "Upper", .values = {5'000, {0, -10, "gone"}}};
+    ClassEntry upper{.id = 1, .name = "Upper", .values = {200'000, {0, -10, "gone"}}};
     upper.values.push_back({0, -1, "upper"});
     const ClassEntry lower{.id = 2, .name = "Lower", .parents = {1, 3}, .values = {{0, -1, "lower"}}};
-    const Payload record = Payload(std::string(5'000, '\1')).Int(5).Add(StrangerPart(1)).Int(7);
+    const Payload record = Payload(std::string(200'000, '\1')).Int(5).Add(StrangerPart(1)).Int(7);
     const std::string file = FileOf({upper, STRANGER, lower}, {{1, 2, record}});
     for (const bool own : {false, true}) {
         const std::unique_ptr<TMemoryBinInStream> stream(
@@ -393,7 +365,7 @@ TEST_F(LevelVersionTests, ClassesOfManyFieldsAreReadFromEveryStream) {
         const auto& read = dynamic_cast<Lower&>(*root);
         EXPECT_EQ(read.upper, 5);
         EXPECT_EQ(read.lower, 7);
-        EXPECT_EQ(read.excluded.size(), 5'000U + 7U) << "the stranger's too";
+        EXPECT_EQ(read.excluded.size(), 200'000U + 7U) << "the stranger's too";
     }
 }
 

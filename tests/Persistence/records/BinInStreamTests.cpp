@@ -43,7 +43,6 @@ public:
         bytes = data;
         cursor = 0;
     }
-    static unsigned Decoded(unsigned stored) { return GetSecurityKey(stored); }
     /// From here on the device fails.
     std::size_t failsFrom = std::string::npos;
 
@@ -358,17 +357,6 @@ TEST(BinInStreamTests, PassesOverRecordsOfOtherClasses) {
     broken.failsFrom = A.size() - 1;
     const Classes eight{8};
     EXPECT_EQ(ReadAll(broken, &eight)[0], Told("Input/output error", "TBinInStream::LoadFilteredRecord #6"));
-}
-
-TEST(BinInStreamTests, KnowsAllStoredKeys) {
-    for (unsigned key = 0; key < 256; ++key) {
-        const unsigned low = key & 7;
-        const unsigned expected = low == 0 ? 0 : low == 4 ? 4 : low % 2 == 1 ? 1 : 2;
-        EXPECT_EQ(Source::Decoded(key), expected) << key;
-        std::vector<std::string> lines;
-        EXPECT_TRUE(ReadsByTheRule(Record{1, 2, "plain text", key | 0xABCDEF00u}.Bytes(), &lines)) << key;
-        EXPECT_EQ(lines[0], "1 2 plain text") << key;
-    }
 }
 
 TEST(BinInStreamTests, ChecksTheHeader) {

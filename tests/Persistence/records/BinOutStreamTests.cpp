@@ -152,17 +152,6 @@ TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     EXPECT_EQ(own.bytes, HeaderBytes(3, 2026));
 }
 
-TEST(BinOutStreamTests, TakesUidsInAnyOrder) {
-    TMemoryBinOutStream stream;
-    std::string expected;
-    for (int uid : {7, 5, 5, -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
-        stream << "x";
-        stream.FlushRecord(uid, 1);
-        expected += RecordBytes(uid, 1, "\1\0\0\0x"s);
-    }
-    EXPECT_EQ(Written(stream), expected);
-}
-
 TEST(BinOutStreamTests, ScramblesWithThreeKeysAndSumsThePlainBytes) {
     const std::string plain = "\0\1\2\3\4\xFF"s;
     std::map<std::string, int> met;
@@ -412,21 +401,6 @@ TEST(MemoryBinOutStreamTests, HeaderIsRewrittenOnlyWhereThereIsOne) {
     EXPECT_EQ(Written(placed), HeaderBytes(3, 2026)) << "one that was there before";
 }
 
-TEST(MemoryBinOutStreamTests, StartsAnew) {
-    TMemoryBinOutStream stream(3, 2026);
-    for (const int number : {1, 2}) {
-        stream.Initialize();
-        stream << number;
-        stream.FlushRecord(number, 1);
-        stream.RewriteHeader();
-        const std::string payload = LittleEndian(static_cast<std::uint64_t>(number));
-        EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 1) + RecordBytes(number, 1, payload));
-    }
-    stream << "left open";
-    stream.FreeResourses();
-    EXPECT_EQ(stream.GetSize() + stream.GetBufferSize(), 0u);
-}
-
 TEST(MemoryBinOutStreamTests, WritesIntoTheCallersBlock) {
     TMemoryBinOutStream stream;
     stream << 5;
@@ -438,7 +412,10 @@ TEST(MemoryBinOutStreamTests, WritesIntoTheCallersBlock) {
     EXPECT_EQ(FailureOf([&] { stream.WriteInMemory(small.data(), small.size()); }),
               "full @ TMemoryBinOutStream::WriteInMemory");
     EXPECT_EQ(small, std::string(27, '#'));
-    EXPECT_EQ(TMemoryBinOutStream().WriteInMemory(nullptr, 0), 0u);
+    stream << "left open";
+    stream.FreeResourses();
+    EXPECT_EQ(stream.GetBufferSize(), 0u);
+    EXPECT_EQ(stream.WriteInMemory(nullptr, 0), 0u);
 }
 
 } // namespace

@@ -242,17 +242,16 @@ TEST(RealClipboardStreamTests, CarriesAGraphOfObjects) {
     const PrivateClipboard clipboard;
     TZoMetaData schema;
     app::RegisterEveryKind(schema);
-    const pointer<app::Leaf> outside(new app::Leaf(99));
-    std::string file;
+    app::Leaf outside(99);
+    app::EveryKind object;
+    object.Fill(outside);
+    const std::string file = Save(schema, &object);
     {
-        const pointer<app::EveryKind> object(new app::EveryKind);
-        object->Fill(*outside);
-        file = Save(schema, object.get());
         TClipboardBinOutStream out;
         out.Initialize();
         TBinOutStreamer streamer(&out, &schema);
-        streamer.WriteObjectMetaData(object.get());
-        streamer.WriteObject(object.get());
+        streamer.WriteObjectMetaData(&object);
+        streamer.WriteObject(&object);
         out.Finalize();
     }
     TClipboardBinInStream in;

@@ -52,12 +52,11 @@ class OnlyMaps : public NoFields {
 using Names = std::vector<std::string>;
 
 TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
-    struct Case {
+    const struct {
         const char* name;
         void (*registerClasses)(TZoMetaData&);
         std::vector<ClassEntry> entries;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"all kinds, maps in a block of their own before the values", app::RegisterEveryKind,
          app::EveryKindEntries()},
         {"no field: five empty blocks; only maps: no value",
@@ -69,7 +68,7 @@ TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
           {.id = 2, .name = "OnlyMaps", .parents = {1}, .maps = {{1, -19, "pairs"}}}}},
         {"no class", [](TZoMetaData&) {}, {}},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         TZoMetaData schema;
         tested.registerClasses(schema);
@@ -96,47 +95,39 @@ TEST(ZoClassTests, IsReadByItself) {
 
 TEST(ZoMetaDataTests, StaysInStepWithOtherLayouts) {
     const Payload empty = Payload().Ints({0, 0, 0, 0});
-    const auto head = [](int id, const char* name) { return Payload().Int(id).Text(name).Bool(false); };
-    struct Case {
+    const auto head = [] { return Payload().Int(2).Text("C").Bool(false); };
+    const auto block = [&](const std::vector<FieldEntry>& fields, const Payload& next = {}) {
+        return head().Ints({-1, 0}).Add(ClassEntry::Block(fields)).Add(next).Add(empty);
+    };
+    const struct {
         const char* name;
         Payload entry; // of class 2; class 1 is "P"
         Names parents;
         Names fields;
-    };
-    const Case cases[] = {
-        {"one parent in place of the marker", head(2, "C").Int(1).Int(0).Add(empty), {"P"}, {}},
-        {"no parent in place of the marker", head(2, "C").Int(0).Int(0).Add(empty), {}, {}},
-        {"parents that are none", head(2, "C").Ints({-1, 3, 0, 1, 0}).Int(0).Add(empty), {"P"}, {}},
-        {"one parent twice", head(2, "C").Ints({-1, 2, 1, 1}).Int(0).Add(empty), {"P", "P"}, {}},
+    } cases[] = {
+        {"one parent in place of the marker", head().Ints({1, 0}).Add(empty), {"P"}, {}},
+        {"no parent in place of the marker", head().Ints({0, 0}).Add(empty), {}, {}},
+        {"parents that are none", head().Ints({-1, 3, 0, 1, 0, 0}).Add(empty), {"P"}, {}},
+        {"one parent twice", head().Ints({-1, 2, 1, 1, 0}).Add(empty), {"P", "P"}, {}},
         {"kinds that are none of ours make no field",
-         head(2, "C")
-             .Ints({-1, 0})
-             .Add(ClassEntry::Block({{0, 0, "zero"},
-                                     {0, -20, "below"},
-                                     {0, -1, "kept"},
-                                     {77, 1, "above"},
-                                     {0, -2147483647, "far"}}))
-             .Add(empty),
+         block(
+             {{0, 0, "zero"}, {0, -20, "below"}, {0, -1, "kept"}, {77, 1, "above"}, {0, -2147483647, "far"}}),
          {},
          {"kept"}},
         {"the last kind tells a block of maps, also behind unknown ones",
-         head(2, "C")
-             .Ints({-1, 0})
-             .Add(ClassEntry::Block({{0, 5, "unknown"}, {0, -19, "map"}}))
-             .Add(ClassEntry::Block({{0, -1, "value"}}))
-             .Add(empty),
+         block({{0, 5, "unknown"}, {0, -19, "map"}}, ClassEntry::Block({{0, -1, "value"}})),
          {},
          {"map", "value"}},
         {"a map that is not last leaves it a block of values",
-         head(2, "C").Ints({-1, 0}).Add(ClassEntry::Block({{0, -19, "map"}, {0, -1, "value"}})).Add(empty),
+         block({{0, -19, "map"}, {0, -1, "value"}}),
          {},
          {"map", "value"}},
         {"the kind as stored, whatever block it stands in",
-         head(2, "C").Ints({-1, 0}).Add(ClassEntry::Block({{0, -6, "child"}, {0, -1, "value"}})).Add(empty),
+         block({{0, -6, "child"}, {0, -1, "value"}}),
          {},
          {"value", "child"}},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         LoadedSchema loaded(Payload()
                                 .Int(3)
@@ -175,12 +166,11 @@ TEST(ZoMetaDataTests, RefusesWhatContradictsItself) {
         std::reverse(classes.begin(), classes.end());
         return classes;
     };
-    struct Case {
+    const struct {
         const char* name;
         std::vector<ClassEntry> classes;
         bool sound;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"unknown parent", {{.id = 1, .parents = {2}}}, false},
         {"unknown class of a child", {{.id = 1, .children = {{9, -6, "f"}}}}, false},
         {"unknown class of a map", {{.id = 1, .maps = {{9, -19, "f"}}}}, false},
@@ -209,7 +199,7 @@ TEST(ZoMetaDataTests, RefusesWhatContradictsItself) {
         {"levels that double: 1,023", doubled(10), false},
         {"levels that double: 2^30", doubled(30), false},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         EXPECT_EQ(LoadedSchema(SchemaOf(tested.classes)).sound, tested.sound);
     }
@@ -224,13 +214,12 @@ TEST(ZoMetaDataTests, LeavesItsIdsTaken) {
 
 TEST(ZoMetaDataTests, RefusesCountsThatItCannotHold) {
     const auto head = [] { return Payload().Int(1).Int(1).Text("C").Bool(false); };
-    struct Case {
+    const Payload rest = Payload().Ints({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    const struct {
         const char* name;
         Payload schema;
         const char* location = "TZoClass::LoadMetaFromStream";
-    };
-    const Payload rest = Payload().Ints({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
-    const Case cases[] = {
+    } cases[] = {
         {"negative number of classes", Payload().Int(-1).Add(rest), "TZoMetaData::LoadFromStream"},
         {"more classes than bytes", Payload().Int(2'000'000'000).Add(rest), "TZoMetaData::LoadFromStream"},
         {"negative number of parents", head().Ints({-1, -1}).Add(rest)},
@@ -241,7 +230,7 @@ TEST(ZoMetaDataTests, RefusesCountsThatItCannotHold) {
          "TBinInStream::operator>>(ZoString)"},
         {"more fields than bytes in the last block", head().Ints({-1, 0, 0, 0, 0, 0, 1, 0, 0})},
     };
-    for (const Case& tested : cases) {
+    for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
         EXPECT_EQ(FailureOf([&] { LoadedSchema loaded(tested.schema); }),
                   std::string("Tamanho de registro corrompido @ ") + tested.location);

@@ -37,9 +37,7 @@ void Free(void* block) noexcept { mi_free(block); }
 void TrimMemory() noexcept { mi_collect(true); }
 
 void ExpectObjects(std::size_t size) noexcept {
-    // A small model would pay for a 2 MiB page that it does not fill.
-    constexpr std::size_t MANY = 8 * 1024 * 1024;
-    if (size >= MANY && !mi_option_is_enabled(mi_option_large_os_pages))
+    if (size >= MANY_BYTES && !mi_option_is_enabled(mi_option_large_os_pages))
         mi_option_enable(mi_option_large_os_pages);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "Persistence/records/RecordFormat.h"
+#include "Platform/Memory.h"
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/ZoSources.h"
 
@@ -52,6 +53,7 @@ void RecordBuffer::Assign(const RecordBuffer& other) {
 void RecordBuffer::Allocate(std::size_t capacity) {
     auto* bytes = static_cast<unsigned char*>(std::realloc(block, capacity));
     if (bytes == nullptr) throw std::bad_alloc();
+    if (use == Use::Keep) Platform::AdviseLargePages(bytes, capacity); // the other is filled in part only
     block = bytes;
     blockEnd = bytes + capacity;
 }

@@ -49,9 +49,7 @@ namespace {
 
 void Save(TBinOutStream& stream, ZoStreamableBase* root) {
     stream.Initialize();
-    TBinOutStreamer streamer(&stream, &Schema());
-    streamer.WriteObjectMetaData(root);
-    streamer.WriteObject(root);
+    TBinOutStreamer(&stream, &Schema()).WriteObjectWithMetaData(root);
 }
 
 } // namespace

@@ -129,9 +129,7 @@ void ReadObjects(TBinInStream& stream, const Source& source, Model& model) {
 
 void Write(TBinOutStream& stream, const Model& model) {
     stream.Initialize();
-    TBinOutStreamer streamer(&stream, &Schema());
-    streamer.WriteObjectMetaData(model.building);
-    streamer.WriteObject(model.building);
+    TBinOutStreamer(&stream, &Schema()).WriteObjectWithMetaData(model.building);
 }
 
 } // namespace

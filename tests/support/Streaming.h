@@ -149,6 +149,14 @@ std::string Save(ZoPrimitives::TZoMetaData& schema, ZoPrimitives::ZoStreamableBa
     return BytesOf(stream);
 }
 
+/// The same in one call.
+inline std::string SaveAtOnce(ZoPrimitives::TZoMetaData& schema, ZoPrimitives::ZoStreamableBase* root) {
+    ZoPrimitives::TMemoryBinOutStream stream;
+    stream.Initialize();
+    ZoPrimitives::TBinOutStreamer(&stream, &schema).WriteObjectWithMetaData(root);
+    return BytesOf(stream);
+}
+
 inline std::string Text(const ZoPrimitives::ZoString& text) { return {text.c_str(), text.length()}; }
 
 /// An opened file; its objects end with it, those that own each other in circles too.

@@ -18,12 +18,11 @@ void* TBinOutStreamer::GetFile() const { return stream->GetFile(); }
 
 void TBinOutStreamer::SetFile(void* file) { stream->SetFile(file); }
 
-void TBinOutStreamer::WriteSchemaOf(const SchemaWalk& walk) {
-    expected = walk.Met() + 1;
+void TBinOutStreamer::WriteSchemaOf(const UsedClasses& classes) {
     // Counted references would belong to several threads that save with one schema.
     std::vector<TZoClass*> used;
     for (int i = 1; i <= schema->GetClassCount(); ++i) {
-        if (walk.Uses(schema->GetClass(i))) used.push_back(schema->GetClass(i));
+        if (classes.Uses(schema->GetClass(i))) used.push_back(schema->GetClass(i));
     }
     TZoMetaData::SaveClasses(stream, used);
 }
@@ -31,13 +30,15 @@ void TBinOutStreamer::WriteSchemaOf(const SchemaWalk& walk) {
 void TBinOutStreamer::WriteObjectMetaData(ZoStreamableBase* root) {
     SchemaWalk walk(schema);
     walk.Run(root);
-    WriteSchemaOf(walk);
+    expected = walk.Met() + 1;
+    WriteSchemaOf(walk.Classes());
 }
 
 void TBinOutStreamer::WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots) {
     SchemaWalk walk(schema);
     for (ZoStreamableBase* root : *roots) walk.Run(root);
-    WriteSchemaOf(walk);
+    expected = walk.Met() + 1;
+    WriteSchemaOf(walk.Classes());
 }
 
 void TBinOutStreamer::WriteMetaData() { schema->SaveToStream(stream); }
@@ -49,8 +50,23 @@ void TBinOutStreamer::WriteObject(ZoStreamableBase* object) {
 }
 
 void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
+    Write([&] { writer->WriteGraph(*stream, *objects, expected); });
+}
+
+void TBinOutStreamer::WriteObjectWithMetaData(ZoStreamableBase* root) {
+    TDList<ZoStreamableBase*> one;
+    one.Add(root);
+    WriteObjectsWithMetaData(&one);
+}
+
+void TBinOutStreamer::WriteObjectsWithMetaData(TDList<ZoStreamableBase*>* roots) {
+    Write([&] { writer->WriteGraphWithSchema(*stream, *roots); });
+}
+
+template <class Action>
+void TBinOutStreamer::Write(Action writeAll) {
     try {
-        writer->WriteGraph(*stream, *objects, expected);
+        writeAll();
         stream->ResetHandles();
         RewriteHeader();
     } catch (...) {

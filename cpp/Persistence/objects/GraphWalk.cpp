@@ -32,9 +32,10 @@ void ForEachExternal(const TZoClass& level, ZoStreamableBase* object, ZoStreamab
 }
 
 GraphWalk::GraphWalk(TBinOutStream& outStream, TZoMetaData* applicationSchema, WritePlans& writePlans,
-                     TDList<ZoStreamableBase*>& externalInstances)
+                     TDList<ZoStreamableBase*>& externalInstances, UsedClasses* usedClasses)
     : stream(outStream), schema(applicationSchema), plans(writePlans), externals(externalInstances),
-      knownExternals(externals.begin(), externals.end()), firstNew(HandleAccess::FirstNew(outStream)) {}
+      knownExternals(externals.begin(), externals.end()), firstNew(HandleAccess::FirstNew(outStream)),
+      classes(usedClasses) {}
 
 /// Whether the object was not met before; it has a uid then.
 bool GraphWalk::Meet(const ZoStreamableBase* object) {
@@ -86,18 +87,38 @@ void GraphWalk::Finish() {
 }
 
 void GraphWalk::Enter(ZoStreamableBase* object, TZoClass* objectClass) {
-    order.push_back({object, objectClass});
-    const WritePlan& plan = plans.Of(*objectClass);
-    steady = steady && plan.steady && objectClass->GetType() == &typeid(*object);
+    order.push_back(object);
+    if (series.empty() || series.back().objectClass != objectClass) BeginSeries(objectClass);
+    series.back().end = order.size();
+    WritePlan& plan = *series.back().plan;
+    steady = steady && objectClass->GetType() == &typeid(*object);
+    if (classes != nullptr && !used->steps.empty()) {
+        classes->Ask(object, *used, [](const std::vector<ZoStreamableBase*>&) {});
+    }
+    if (!plan.targets.empty()) PushTargets(object, plan);
+}
+
+void GraphWalk::BeginSeries(TZoClass* objectClass) {
+    series.push_back({objectClass, &plans.Of(*objectClass), order.size()});
+    steady = steady && series.back().plan->steady;
+    if (classes != nullptr) used = &classes->PlanOf(*objectClass);
+}
+
+void GraphWalk::PushTargets(ZoStreamableBase* object, WritePlan& plan) {
     const std::size_t begin = waiting.size();
     ItemAction push([this](ZoStreamableBase* item) {
         if (item != nullptr) waiting.push_back({item, nullptr});
     });
-    for (const WritePlan::Target& target : plan.targets) {
+    for (WritePlan::Target& target : plan.targets) {
         if (target.externalsOf != nullptr) {
             waiting.push_back({object, target.externalsOf});
-        } else {
-            target.field->GetFieldMetaData(object, push);
+            continue;
+        }
+        const std::size_t before = waiting.size();
+        target.field->GetFieldMetaData(object, push);
+        if (classes != nullptr && !target.nullTold && waiting.size() == before) {
+            target.nullTold = true;
+            classes->UseDeclared(target.field->GetFieldClass());
         }
     }
     if (waiting.size() != begin) frames.push_back({begin, begin, waiting.size()});

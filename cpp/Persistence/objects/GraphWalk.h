@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Persistence/objects/UsedClasses.h"
 #include "Persistence/schema/WritePlan.h"
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/dvector.h"
@@ -16,14 +17,17 @@ class TBinOutStream;
 /// uid and keeps the order. What an object owns follows it in the order of its record.
 class GraphWalk {
 public:
-    struct Entry {
-        ZoStreamableBase* object;
+    /// Objects of one class that follow each other in the order.
+    struct Series {
         TZoClass* objectClass;
+        WritePlan* plan;
+        std::size_t end; // in the order
     };
 
-    /// `externals` collects what fields of external references point to, each object once.
+    /// `externals` collects what fields of external references point to, each object once. `classes` (may be
+    /// null) learns of the classes that a file of the graph needs.
     GraphWalk(TBinOutStream& stream, TZoMetaData* schema, WritePlans& plans,
-              TDList<ZoStreamableBase*>& externals);
+              TDList<ZoStreamableBase*>& externals, UsedClasses* classes = nullptr);
 
     /// Makes room for an expected number of objects.
     void Reserve(std::size_t objects) { order.reserve(objects); }
@@ -33,7 +37,8 @@ public:
     /// The same, with the root as an object of the given class.
     void Run(ZoStreamableBase* root, TZoClass* rootClass);
     /// The objects in the order of their records: uids that were given here rise.
-    const std::vector<Entry>& Order() const { return order; }
+    const ZoVector<ZoStreamableBase*>& Order() const { return order; }
+    const std::vector<Series>& OrderByClass() const { return series; }
     /// Whether all objects are such that no code of the application runs while they are written.
     bool IsSteady() const { return steady; }
 
@@ -53,6 +58,8 @@ private:
     bool Meet(const ZoStreamableBase* object);
     bool MeetGiven(int uid, const ZoStreamableBase* object);
     void Enter(ZoStreamableBase* object, TZoClass* objectClass);
+    void BeginSeries(TZoClass* objectClass);
+    void PushTargets(ZoStreamableBase* object, WritePlan& plan);
     void Finish();
 
     TBinOutStream& stream;
@@ -62,9 +69,12 @@ private:
     std::unordered_set<const ZoStreamableBase*> knownExternals;
     long long firstNew;                                     // the uids from here on are given by this walk
     std::unordered_map<int, const ZoStreamableBase*> given; // objects met that had a uid before
-    std::vector<Visit> waiting;
+    ZoVector<Visit> waiting;
     std::vector<Frame> frames;
-    std::vector<Entry> order;
+    ZoVector<ZoStreamableBase*> order;
+    std::vector<Series> series;
+    UsedClasses* classes;
+    UsedClasses::Plan* used = nullptr; // of the latest series
     bool steady = true;
 };
 

@@ -3,7 +3,6 @@
 #include "Persistence/objects/OwnerWalk.h"
 #include "Persistence/records/RecordCursors.h"
 #include "Persistence/schema/FieldCodec.h"
-#include "Persistence/schema/FieldOffset.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
 
@@ -16,14 +15,30 @@ namespace {
 constexpr std::size_t PREFETCH = 8; // objects ahead
 
 template <class Sink>
-void PutFields(const Sink& put, const WritePlan& plan, ZoStreamableBase* object) {
-    for (const WritePlan::Step& step : plan.steps) {
-        if (step.offset != FieldOffset::NONE) {
-            FieldCodec::SaveMember(put, step.field->GetFieldType(), FieldOffset::Apply(object, step.offset));
-        } else if (step.field != nullptr) {
-            FieldCodec::SaveField(put, *step.field, object);
+void PutField(const Sink& put, const WritePlan::Step& step, ZoStreamableBase* object) {
+    if (step.offset != FieldOffset::NONE) {
+        FieldCodec::SaveMember(put, step.kind, FieldOffset::Apply(object, step.offset));
+    } else if (IsKindOf<TZoClassFieldPointer>(step.kind)) { // the most frequent ones
+        FieldCodec::SaveUids(put, static_cast<TZoClassFieldPointer&>(*step.field), object);
+    } else if (step.field != nullptr) {
+        FieldCodec::SaveField(put, *step.field, object);
+    } else {
+        object->WillWrite();
+    }
+}
+
+void PutFields(const VirtualSink& put, const WritePlan& plan, ZoStreamableBase* object) {
+    for (const WritePlan::Step& step : plan.steps) PutField(put, step, object);
+}
+
+void PutFields(const WriteCursor& put, const WritePlan& plan, ZoStreamableBase* object) {
+    for (std::size_t i = 0; i < plan.steps.size(); ++i) {
+        const WritePlan::Step& step = plan.steps[i];
+        if (step.run.size == 0) {
+            PutField(put, step, object);
         } else {
-            object->WillWrite();
+            FlatRun::Copy(put.Take(step.run.size), FieldOffset::Apply(object, step.offset), step.run.size);
+            i += step.run.steps - 1u;
         }
     }
 }
@@ -64,11 +79,15 @@ bool ObjectWriter::SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBa
     } else {
         PutRecord(stream, direct, *objectClass, object);
     }
-    const int uid = HandleAccess::Get(stream, object);
-    stream.FlushRecord(uid, objectClass->GetClassId());
-    saved.Add(stream, uid);
+    Close(stream, object, *objectClass);
     streamer.OnAfterSaveInstance(object);
     return !(exact && direct && plan.steady);
+}
+
+void ObjectWriter::Close(TBinOutStream& stream, const ZoStreamableBase* object, const TZoClass& objectClass) {
+    const int uid = HandleAccess::Get(stream, object);
+    stream.FlushRecord(uid, objectClass.GetClassId());
+    saved.Add(stream, uid);
 }
 
 void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
@@ -77,22 +96,49 @@ void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBa
     TDList<ZoStreamableBase*> externals;
     GraphWalk walk(stream, streamer.GetMetaData(), plans, externals);
     walk.Reserve(expected);
+    Number(walk, roots, externals);
+    WriteRecords(stream, roots, walk);
+}
+
+void ObjectWriter::WriteGraphWithSchema(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots) {
+    plans.Clear();
+    TDList<ZoStreamableBase*> externals;
+    UsedClasses classes(UsedClasses::Children::Told);
+    GraphWalk walk(stream, streamer.GetMetaData(), plans, externals, &classes);
+    Number(walk, roots, externals);
+    streamer.WriteSchemaOf(classes);
+    WriteRecords(stream, roots, walk);
+}
+
+/// Walks the roots, then the externals, which become more meanwhile.
+void ObjectWriter::Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
+                          const TDList<ZoStreamableBase*>& externals) {
     for (ZoStreamableBase* root : roots) walk.Run(root);
     for (unsigned long long i = 1; i <= externals.NItems(); ++i) walk.Run(externals[i]);
+}
+
+void ObjectWriter::WriteRecords(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
+                                const GraphWalk& walk) {
     // Without code of the application in between, the graph stays as it was found.
     if (walk.IsSteady() && stream.PutsDirectly() && typeid(streamer) == typeid(TBinOutStreamer)) {
-        SaveInOrder(stream, walk.Order());
+        SaveInOrder(stream, walk);
     } else {
         SaveByOwners(stream, roots, walk.Order().size());
     }
 }
 
-void ObjectWriter::SaveInOrder(TBinOutStream& stream, const std::vector<GraphWalk::Entry>& order) {
+void ObjectWriter::SaveInOrder(TBinOutStream& stream, const GraphWalk& walk) {
+    const ZoVector<ZoStreamableBase*>& order = walk.Order();
     const bool anySaved = saved.CountOf(stream) != 0;
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        if (i + PREFETCH < order.size()) Prefetch(order[i + PREFETCH].object);
-        if (anySaved && IsSaved(stream, order[i].object)) continue;
-        SaveRecord(stream, true, order[i].object, order[i].objectClass);
+    std::size_t i = 0;
+    for (const GraphWalk::Series& series : walk.OrderByClass()) {
+        for (; i < series.end; ++i) {
+            if (i + PREFETCH < order.size()) Prefetch(order[i + PREFETCH]);
+            if (anySaved && IsSaved(stream, order[i])) continue;
+            if (!series.plan->measured) series.plan->Measure(order[i]);
+            PutRecord(stream, true, *series.plan, order[i]);
+            Close(stream, order[i], *series.objectClass);
+        }
     }
 }
 

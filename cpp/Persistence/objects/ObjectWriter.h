@@ -53,6 +53,8 @@ public:
 
     /// Gives uids to all objects of the graph and writes their records. `expected` objects, about.
     void WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t expected);
+    /// The same, and writes the schema record before them.
+    void WriteGraphWithSchema(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots);
 
     /// Writes the record of an object, as one of the given class (null: its own), and the records of what it
     /// owns, each unless it was written before.
@@ -73,7 +75,12 @@ private:
 
     /// Returns whether code of the application may have run.
     bool SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object, TZoClass* objectClass);
-    void SaveInOrder(TBinOutStream& stream, const std::vector<GraphWalk::Entry>& order);
+    /// Closes the record of the object.
+    void Close(TBinOutStream& stream, const ZoStreamableBase* object, const TZoClass& objectClass);
+    static void Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
+                       const TDList<ZoStreamableBase*>& externals);
+    void WriteRecords(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, const GraphWalk& walk);
+    void SaveInOrder(TBinOutStream& stream, const GraphWalk& walk);
     void SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t numbered);
 
     TBinOutStreamer& streamer;

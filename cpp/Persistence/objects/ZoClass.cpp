@@ -10,10 +10,10 @@ namespace ZoPrimitives {
 
 namespace {
 
-void AddUsedNames(const TZoMetaData& schema, const SchemaWalk& walk, TDVector<ZoString>& names) {
+void AddUsedNames(const TZoMetaData& schema, const UsedClasses& classes, TDVector<ZoString>& names) {
     for (int i = 1; i <= schema.GetClassCount(); ++i) {
         const TZoClass* candidate = schema.GetClass(i);
-        if (walk.Uses(candidate)) names.AddUnique(candidate->GetName());
+        if (classes.Uses(candidate)) names.AddUnique(candidate->GetName());
     }
 }
 
@@ -22,14 +22,14 @@ void AddUsedNames(const TZoMetaData& schema, const SchemaWalk& walk, TDVector<Zo
 void TZoClass::GetClassMetaData(TZoMetaData* applicationSchema, ZoStreamableBase* root,
                                 TDVector<ZoString>* names) {
     SchemaWalk walk(applicationSchema);
-    walk.Run(root, this);
-    AddUsedNames(*applicationSchema, walk, *names);
+    walk.Run(root, *this);
+    AddUsedNames(*applicationSchema, walk.Classes(), *names);
 }
 
 void TZoClass::GetClassStaticMetaData(TZoMetaData* applicationSchema, TDVector<ZoString>* names) {
-    SchemaWalk walk(applicationSchema);
-    walk.UseDeclared(this);
-    AddUsedNames(*applicationSchema, walk, *names);
+    UsedClasses classes(UsedClasses::Children::Asked);
+    classes.UseDeclared(this);
+    AddUsedNames(*applicationSchema, classes, *names);
 }
 
 void TZoClass::AllocateHandles(TBinOutStream* stream, ZoStreamableBase* object,

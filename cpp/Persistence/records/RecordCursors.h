@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -21,9 +22,7 @@ public:
 
     template <class T, class = std::enable_if_t<std::is_arithmetic_v<T>>>
     void operator()(const T& value) const {
-        if (static_cast<std::size_t>(limit - at) < sizeof value) MakeRoom(sizeof value);
-        std::memcpy(at, &value, sizeof value);
-        at += sizeof value;
+        std::memcpy(Take(sizeof value), &value, sizeof value);
     }
     void operator()(const ZoString& value) const {
         const char* text = value.c_str();
@@ -38,6 +37,11 @@ public:
         Commit();
         stream.Put(value);
         Renew();
+    }
+    /// The place of the next `size` bytes, which the caller fills.
+    unsigned char* Take(std::size_t size) const {
+        if (static_cast<std::size_t>(limit - at) < size) MakeRoom(size);
+        return std::exchange(at, at + size);
     }
     void Commit() const { records.position = at; }
 
@@ -89,6 +93,8 @@ public:
     unsigned Position() const { return static_cast<unsigned>(at - begin); }
     unsigned Remaining() const { return static_cast<unsigned>(end - at); }
     void Skip(unsigned size) const { at += size; }
+    /// The next `size` bytes, which there must be.
+    const unsigned char* Take(unsigned size) const { return std::exchange(at, at + size); }
     void Commit() const { stream.position = Position(); }
 
     TBinInStream& stream;

@@ -4,9 +4,12 @@
 #include "Persistence/instances/HandleAccess.h"
 #include "Persistence/instances/InstanceTables.h"
 #include "Persistence/records/RecordChecks.h"
+#include "Persistence/records/RecordCursors.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Persistence/schema/FieldKinds.h"
+#include "Persistence/schema/FieldOffset.h"
 #include "Persistence/schema/PointerResolver.h"
+#include "Platform/Compiler.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/WholeText.h"
@@ -83,6 +86,7 @@ public:
         SaveListHead(put, count, field.access.first, field.access.second, object, field);
         SavePointerFunc<Sink> save(put, field);
         field.GetFieldMetaData(object, save);
+        save.Finish();
         ZO_ASSERT(save.Count() == count,
                   "save.Count() == count && \"[zoerror] the list gave another number of items\"",
                   ZoSources::ZOMETADATA);
@@ -265,6 +269,8 @@ public:
     }
 
 private:
+    static constexpr int RESOLVE_AHEAD = 12; // items
+
     using Halves = std::array<TZoClassFieldPointerBase*, 2>;
     static Halves HalvesOf(const TZoClassFieldPointerMap& map) {
         if (!map.key || !map.value) FailWithoutHalves(map);
@@ -313,7 +319,15 @@ private:
         ZO_ASSERT(count <= RecordFormat::MAX_INT_SIZE, "portableNItems <= MAX_INT_SIZE",
                   ZoSources::ZOMETADATA);
         put(static_cast<int>(count));
-        for (const T& value : list) put(value);
+        SaveItems(put, list.begin(), count);
+    }
+    template <class Sink, class T>
+    static void SaveItems(const Sink& put, const T* items, std::size_t count) {
+        for (const T* item = items; item != items + count; ++item) put(*item);
+    }
+    template <class T, class = std::enable_if_t<std::is_arithmetic_v<T>>>
+    static void SaveItems(const WriteCursor& put, const T* items, std::size_t count) {
+        FlatRun::Copy(put.Take(count * sizeof(T)), items, count * sizeof(T));
     }
 
     template <class Source, class T>
@@ -349,26 +363,43 @@ private:
         if (second != nullptr) put(second(object, &field));
     }
 
-    /// Writes the uid of each item of a list.
+    /// Writes the uid of each item of a list, those of members some items later: they are on their way to the
+    /// processor then.
     template <class Sink>
     class SavePointerFunc final : public ZoStreamableBaseFunctor {
     public:
-        SavePointerFunc(const Sink& sink, const TZoClassField& listField) : put(sink), field(listField) {}
+        SavePointerFunc(const Sink& sink, const TZoClassField& listField)
+            : put(sink), field(listField), lags(std::is_same_v<Sink, WriteCursor> && listField.IsPlain()) {}
         void operator()(ZoStreamableBase* item) override {
+            const std::size_t place = count++ % LAG;
+            if (!lags) return PutUid(item);
+            Prefetch(item);
+            if (count > LAG) PutUid(late[place]);
+            late[place] = item;
+        }
+        void Finish() {
+            if (!lags) return;
+            for (auto i = count > LAG ? count - LAG : 0; i < count; ++i) PutUid(late[i % LAG]);
+        }
+        unsigned long long Count() const { return count; }
+
+    private:
+        static constexpr std::size_t LAG = 16;
+
+        void PutUid(const ZoStreamableBase* item) const {
             int uid = 0;
             if (item != nullptr) {
                 uid = HandleAccess::Get(put.stream, item);
                 if (uid == 0) ThrowDanglingItem(field, item);
             }
             put(uid);
-            ++count;
         }
-        unsigned long long Count() const { return count; }
 
-    private:
         const Sink& put;
         const TZoClassField& field;
+        bool lags;
         unsigned long long count = 0;
+        ZoStreamableBase* late[LAG];
     };
 
     [[noreturn]] static void ThrowDangling(const TZoClassField& field, const ZoStreamableBase* object,
@@ -410,6 +441,7 @@ private:
         const std::int32_t* uids = resolver.Take(count);
         if (!resolver.ResolvesReferences()) return;
         for (int i = 0; i < count; ++i) {
+            if (count - i > RESOLVE_AHEAD) Prefetch(resolver.Find(uids[i + RESOLVE_AHEAD]));
             const Resolved resolved(resolver, taken, application, uids[i]);
             if (resolved.dropped) continue;
             application.Add(object, resolved.target);

@@ -74,6 +74,24 @@ constexpr FieldKind FieldKindOf(TZoClassFieldType kind) {
     return {FieldPlace::Values, FieldHold::Nothing, kind, 0};
 }
 
+/// The bytes of a member that stand in a record as they stand in the object; 0 where they do not. A bool is
+/// read on its own: a stranger's byte may be 2.
+template <class T>
+inline constexpr unsigned char FLAT_SIZE =
+    std::is_arithmetic_v<T> && !std::is_same_v<T, bool> ? sizeof(T) : 0;
+template <>
+inline constexpr unsigned char FLAT_SIZE<void> = 0;
+constexpr unsigned char FlatSizeOf(TZoClassFieldType kind) {
+    switch (kind) {
+#define ZO_ROW(Kind, Class, Place, Hold, Encoding, Member)                                                   \
+    case ft##Kind:                                                                                           \
+        return FLAT_SIZE<Member>;
+        ZO_FIELD_KINDS(ZO_ROW)
+#undef ZO_ROW
+    }
+    return 0;
+}
+
 /// Whether fields of the kind are of that C++ class.
 template <class Field>
 constexpr bool IsKindOf(TZoClassFieldType kind) {

@@ -3,7 +3,6 @@
 #include "Persistence/records/RecordChecks.h"
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/FieldKinds.h"
-#include "Persistence/schema/FieldOffset.h"
 
 #include <climits>
 #include <memory>
@@ -46,6 +45,7 @@ ReadPlan& ReadPlan::For(TZoClass& fileClass, TBinInStream& stream) {
         plan->hasMembers = plan->hasMembers || HoldsMember(*pointer->application);
     }
     if (plan->hasSteps && plan->hasMembers && !repeats) plan->AwaitMembers();
+    plan->onlyRefers = plan->OnlyRefers(fileClass.original);
     fileClass.readPlan = std::move(plan);
     return *fileClass.readPlan;
 }
@@ -60,8 +60,8 @@ void ReadPlan::AddLevel(TZoClass& level, const TZoClass& objectClass) {
         if (application == nullptr) ++excluded;
         TZoClassField* used = application != nullptr ? application : field;
         if (hasSteps) {
-            steps.push_back({used, FieldOffset::NONE, static_cast<std::int16_t>(used->GetFieldType()),
-                             application != nullptr, false});
+            steps.push_back({used, FieldOffset::NONE, static_cast<std::int8_t>(used->GetFieldType()),
+                             application != nullptr ? Use::Set : Use::PassedOver, FlatRun()});
         }
         if (application != nullptr && field->IsPointerKind()) {
             pointers.push_back({static_cast<TZoClassFieldPointerBase*>(application),
@@ -76,19 +76,33 @@ void ReadPlan::AddLevel(TZoClass& level, const TZoClass& objectClass) {
 void ReadPlan::AwaitMembers() {
     awaitsMembers = true;
     for (Step& step : steps) {
-        if (!step.known || !HoldsMember(*step.field)) continue;
+        if (step.use == Use::PassedOver || !HoldsMember(*step.field)) continue;
         const auto& field = static_cast<const TZoClassFieldPointerBase&>(*step.field);
-        step.awaited = step.kind == ftChildValue && field.IsPlain() && field.typeTest != nullptr;
-        awaitsMembers = awaitsMembers && step.awaited;
+        const bool stands = step.kind == ftChildValue && field.IsPlain() && field.typeTest != nullptr;
+        if (stands) step.use = Use::Awaited;
+        awaitsMembers = awaitsMembers && stands;
     }
+}
+
+bool ReadPlan::OnlyRefers(const TZoClass* application) const {
+    for (const ZoHooks hook : {hookOnRead, hookOnReadPointer, hookCheckForExcludedFields}) {
+        if (application == nullptr || application->Answers(hook)) return false;
+    }
+    for (const Pointer& pointer : pointers) {
+        const TZoClassFieldPointerBase& field = *pointer.application;
+        if (!pointer.single || field.Owns() || !field.IsPlain() || field.typeTest == nullptr) return false;
+    }
+    return !pointers.empty();
 }
 
 void ReadPlan::Measure(ZoStreamableBase* object) {
     exactType = &typeid(*object);
     for (Step& step : steps) {
-        const std::ptrdiff_t offset = FieldOffset::Measure(step.known ? step.field : nullptr, object);
+        const std::ptrdiff_t offset =
+            FieldOffset::Measure(step.use == Use::PassedOver ? nullptr : step.field, object);
         step.offset = offset <= INT_MAX ? static_cast<std::int32_t>(offset) : FieldOffset::NONE;
     }
+    FlatRun::Find(steps);
 }
 
 } // namespace ZoPrimitives

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Persistence/schema/FieldOffset.h"
 #include "Persistence/schema/PointerResolver.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
@@ -16,13 +17,20 @@ namespace ZoPrimitives {
 /// Every field takes at least one byte of a record, and no plan is made for a record that is too short for
 /// all of them: plans stay within a multiple of the file, however often it repeats a class among ancestors.
 struct ReadPlan {
+    /// What becomes of a value.
+    enum class Use : unsigned char {
+        PassedOver,
+        Set,    ///< it goes to the application's field
+        Awaited ///< the same; it is a member that is an object and may be read where it stands
+    };
     struct Step {
         TZoClassField* field; // the application's, or the file's where the value is passed over
         std::int32_t offset;  // of the member, in objects of `exactType`
-        std::int16_t kind;    // `TZoClassFieldType`
-        bool known;           // to the application
-        bool awaited;         // a member that is an object and may be read where it stands
+        std::int8_t kind;     // `TZoClassFieldType`
+        Use use;
+        FlatRun run;
     };
+    static_assert(sizeof(Step) == 16, "a byte of a record may bring one");
     struct Pointer {
         TZoClassFieldPointerBase* application;
         TZoPointerResolver::TypesTaken taken;
@@ -44,6 +52,7 @@ struct ReadPlan {
     bool hasSteps = false;      // there are few enough fields: the levels are walked otherwise
     bool hasMembers = false;    // that are objects
     bool awaitsMembers = false; // all of them may be read where they stand
+    bool onlyRefers = false;    // pointers are plain references, and nobody learns when they are set
     const std::type_info* exactType = nullptr;
     std::vector<Step> steps;
     std::vector<Pointer> pointers; // those that the application knows
@@ -51,6 +60,7 @@ struct ReadPlan {
 private:
     void AddLevel(TZoClass& level, const TZoClass& objectClass);
     void AwaitMembers();
+    bool OnlyRefers(const TZoClass* application) const;
 };
 
 } // namespace ZoPrimitives

@@ -1,6 +1,5 @@
 #include "Persistence/schema/WritePlan.h"
 
-#include "Persistence/schema/FieldOffset.h"
 #include "Persistence/schema/RecordOrder.h"
 
 namespace ZoPrimitives {
@@ -9,9 +8,9 @@ WritePlan::WritePlan(const TZoClass& objectClass)
     : steady(objectClass.GetType() != nullptr && !objectClass.Answers(hookWillWrite)) {
     const bool tells = objectClass.Answers(hookWillWrite);
     RecordOrder::ForEachLevel(objectClass, [&](const TZoClass& level) {
-        if (tells) steps.push_back({nullptr, FieldOffset::NONE});
+        if (tells) steps.push_back({nullptr});
         for (TZoClassField* field : RecordOrder::FieldsOf(level)) {
-            steps.push_back({field, FieldOffset::NONE});
+            steps.push_back({field, field->GetFieldType()});
             steady = steady && field->IsPlain();
         }
         bool hasExternals = false;
@@ -25,6 +24,7 @@ WritePlan::WritePlan(const TZoClass& objectClass)
 
 void WritePlan::Measure(ZoStreamableBase* object) {
     for (Step& step : steps) step.offset = FieldOffset::Measure(step.field, object);
+    FlatRun::Find(steps);
     measured = true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Persistence/schema/FieldOffset.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
 #include <cstddef>
@@ -12,13 +13,16 @@ namespace ZoPrimitives {
 /// What is written of the objects of one class and of its own C++ type, in the order of the record.
 struct WritePlan {
     struct Step {
-        TZoClassField* field;  // null: the object hears `WillWrite`
-        std::ptrdiff_t offset; // of the member; `FieldOffset::NONE` where accessors are used
+        TZoClassField* field; // null: the object hears `WillWrite`
+        TZoClassFieldType kind{};
+        FlatRun run{};
+        std::ptrdiff_t offset = FieldOffset::NONE; // of the member; `NONE` where accessors are used
     };
     /// Where the walk goes on from an object.
     struct Target {
         TZoClassFieldPointerBase* field; // one object or a list, never a map; null: the externals of a level
         const TZoClass* externalsOf;
+        bool nullTold = false; // a walk met one that held nothing
     };
 
     explicit WritePlan(const TZoClass& objectClass);

@@ -10,7 +10,7 @@
 namespace ZoPrimitives {
 
 class ObjectWriter;
-class SchemaWalk;
+class UsedClasses;
 class TBinOutStream;
 class TZoClass;
 class TZoMetaData;
@@ -18,9 +18,10 @@ class TZoMetaData;
 /// Writes a graph of objects: the schema record of the classes that it uses, then one record for each object,
 /// in ascending uid order, with pointers as uids.
 ///
-/// Construct, write the schema (`WriteObjectMetaData`), then the objects (`WriteObject`); one streamer writes
-/// one file. Every object that is referred to must be owned by an object of the graph, or be referred to by a
-/// field declared with DECLARE_ZO_FIELD_EXTERNAL_REFERENCE, which writes it after the main graph.
+/// Construct, write the schema (`WriteObjectMetaData`), then the objects (`WriteObject`), or both in one call
+/// (`WriteObjectWithMetaData`); one streamer writes one file. Every object that is referred to must be owned
+/// by an object of the graph, or be referred to by a field declared with DECLARE_ZO_FIELD_EXTERNAL_REFERENCE,
+/// which writes it after the main graph.
 class ZO_API TBinOutStreamer : public ZoObject {
 public:
     /// Neither is owned.
@@ -57,6 +58,10 @@ public:
     /// first.
     void WriteObject(ZoStreamableBase* object);
     void WriteObjects(TDList<ZoStreamableBase*>* objects);
+    /// Write the schema record and the records: the same bytes as `WriteObjectMetaData` and then
+    /// `WriteObject`, faster, because the graph is walked once.
+    void WriteObjectWithMetaData(ZoStreamableBase* root);
+    void WriteObjectsWithMetaData(TDList<ZoStreamableBase*>* roots);
     /// Gives uids to the targets of external references and to the objects they own. Both lists are as in
     /// `WriteObjects`; `externals` may grow meanwhile.
     void AlocateExternalInstancesHandles(TDList<ZoStreamableBase*>* objects,
@@ -71,7 +76,9 @@ public:
 private:
     friend class ObjectWriter;
 
-    void WriteSchemaOf(const SchemaWalk& walk);
+    void WriteSchemaOf(const UsedClasses& classes);
+    template <class Action>
+    void Write(Action writeAll);
 
     TBinOutStream* stream;
     TZoMetaData* schema;

@@ -150,7 +150,7 @@ protected:
 private:
     friend class FieldOffset;
     friend class SchemaReader;
-    friend class SchemaWalk;
+    friend class UsedClasses;
     friend class TZoClass;
     friend class TZoClassFieldPointerMap;
     friend class SchemaCheck;

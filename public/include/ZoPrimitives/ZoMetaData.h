@@ -190,7 +190,7 @@ private:
     friend class ObjectRemoval;
     friend class SchemaCheck;
     friend class SchemaReader;
-    friend class SchemaWalk;
+    friend class UsedClasses;
     friend struct ReadPlan;
     friend class TBinInStreamer;
     friend class TBinOutStreamer;

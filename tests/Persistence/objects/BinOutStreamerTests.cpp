@@ -238,7 +238,7 @@ TEST_F(BinOutStreamerTests, OrdersUidsAndRecordsAsPlainRecursionDoes) {
         // Where code of the application runs meanwhile, owners are asked again.
         ASSERT_EQ(Save<Watching>(schema, graph.Root()), file) << "seed " << seed;
         Opened opened(file, schema);
-        ASSERT_TRUE(Save(schema, opened.root) == file) << "seed " << seed;
+        ASSERT_TRUE(SaveAtOnce(schema, opened.root) == file) << "seed " << seed;
     }
 }
 
@@ -680,8 +680,7 @@ TEST_F(BinOutStreamerTests, FreesTheStreamAndForgetsTheUidsWhenItFails) {
     Failing streamer(&stream, &schema);
     const auto write = [&] {
         stream.Initialize();
-        streamer.WriteObjectMetaData(&root);
-        streamer.WriteObject(&root);
+        streamer.WriteObjectWithMetaData(&root);
     };
     EXPECT_THROW(write(), std::runtime_error);
     EXPECT_EQ(stream.freed, 1);
@@ -824,7 +823,7 @@ TEST_F(FileSchemaTests, HoldsTheClassesThatTheGraphNeeds) {
                                                                                         &declaredNames);
         EXPECT_EQ(declaredNames.NItems(), 3U) << "wheels, vehicles, engines";
         Opened opened(file, schema);
-        EXPECT_EQ(Save(schema, opened.root), file);
+        EXPECT_EQ(SaveAtOnce(schema, opened.root), file);
     }
 }
 
@@ -847,6 +846,10 @@ TEST(StreamablePrimitivesTests, SeveralRootsOrTheWholeApplication) {
     EXPECT_EQ(opened.Root<ZoInteger>().value, 1);
     EXPECT_EQ(opened.At<ZoFloat>(2).value, 2.0F);
 
+    const std::string apart = BytesOf(stream);
+    stream.Initialize();
+    streamer.WriteObjectsWithMetaData(&roots);
+    EXPECT_EQ(BytesOf(stream), apart);
     stream.Initialize();
     streamer.WriteMetaData();
     EXPECT_EQ(ClassesIn(BytesOf(stream)).size(), 7U);

@@ -21,9 +21,7 @@ struct GoldenFileTests : testing::Test {
         const pointer<TFileBinOutStream> out(
             TFileBinOutStream::Create(folder.Path("saved.zo").c_str(), 3, 2026, false));
         out->Initialize();
-        TBinOutStreamer writer(out.get(), &schema);
-        writer.WriteObjectMetaData(root);
-        writer.WriteObject(root);
+        TBinOutStreamer(out.get(), &schema).WriteObjectWithMetaData(root);
         out->Finalize();
         return folder.Read("saved.zo");
     }

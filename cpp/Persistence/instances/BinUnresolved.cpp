@@ -33,7 +33,7 @@ const TBinUnresolved* TBinUnresolvedPointers::Find(int uid) const {
 }
 
 void TBinUnresolvedPointers::Clear() noexcept {
-    std::vector<TBinUnresolved>().swap(entries);
+    ZoVector<TBinUnresolved>().swap(entries);
     std::free(std::exchange(uids, nullptr));
     used = capacity = 0;
 }

@@ -68,7 +68,7 @@ public:
 
 private:
     TDVector<ZoStreamableBase*> objects;
-    std::vector<int> uids; // of `objects`, in the same order
+    ZoVector<int> uids; // of `objects`, in the same order
     bool uidsRise = true;
 };
 

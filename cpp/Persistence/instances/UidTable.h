@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZoPrimitives/ZoMemory.h"
+
 #include <cstddef>
 #include <map>
 #include <utility>
@@ -42,7 +44,7 @@ private:
     ZoStreamableBase* GetSparse(int uid) const;
     ZoStreamableBase** FindSparse(int uid);
 
-    std::vector<ZoStreamableBase*> dense;
+    ZoVector<ZoStreamableBase*> dense;
     std::vector<std::pair<int, ZoStreamableBase*>> rising;
     std::map<int, ZoStreamableBase*> others; // not a hash table: a file could choose uids that collide
     std::size_t count = 0;

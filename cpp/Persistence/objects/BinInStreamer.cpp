@@ -5,6 +5,8 @@
 #include "Persistence/objects/MemberObjects.h"
 #include "Persistence/objects/ObjectReader.h"
 #include "Persistence/objects/ObjectRemoval.h"
+#include "Persistence/schema/FieldCodec.h"
+#include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
@@ -119,7 +121,7 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
         const TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
         all = original != nullptr && original->HasValueChildren();
     }
-    const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::WithPointers,
+    const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::Waiting,
                               plain ? &made.awaited : nullptr);
     int uid = 0;
     int classId = 0;
@@ -202,7 +204,9 @@ void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int 
 
 void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* object,
                                 ZoStreamableBase* owner, MadeObjects& made) {
-    InstanceTables::Of(*stream).handles.Set(uid, object);
+    UidTable& handles = InstanceTables::Of(*stream).handles;
+    if (const ZoStreamableBase* before = handles.Get(uid)) made.replaced.push_back({before, uid});
+    handles.Set(uid, object);
     made.awaited.Begin(uid, owner);
     reader.Read(*use.readAs, object);
     made.awaited.End();
@@ -212,6 +216,7 @@ void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int 
 
 void TBinInStreamer::Resolve(MadeObjects& made) {
     if (made.hasValues && (!plain || made.awaited.LeftSome())) MemberObjects(*stream, made).Run();
+    if (!made.replaced.empty()) FollowReplaced(made);
     TBinUnresolvedPointers& unresolved = InstanceTables::Of(*stream).unresolved;
     TZoPointerResolver resolver(*stream, made.hasValues ? &made.members : nullptr, nullptr);
     const auto& entries = unresolved.Entries();
@@ -224,6 +229,29 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
         if (!plain) OnAfterResolveInstance(entries[i].object);
     }
     InstanceTables::Of(*stream).EndReading();
+}
+
+/// Has references that were resolved at once mean what has their uid in the end.
+void TBinInStreamer::FollowReplaced(MadeObjects& made) {
+    using Replaced = MadeObjects::Replaced;
+    const auto byObject = [](const Replaced& a, const Replaced& b) { return a.object < b.object; };
+    std::sort(made.replaced.begin(), made.replaced.end(), byObject);
+    const auto follow = [&](ZoStreamableBase* object, TZoClassFieldPointerBase& field) {
+        if (!FieldCodec::IsReference(field) || field.Owns() || !field.IsPlain()) return;
+        auto& reference = static_cast<TZoClassFieldPointer&>(field);
+        const Replaced wanted{reference.Get(object), 0};
+        const auto found = std::lower_bound(made.replaced.begin(), made.replaced.end(), wanted, byObject);
+        if (found == made.replaced.end() || found->object != wanted.object) return;
+        ZoStreamableBase* target = stream->GetHandle(found->uid);
+        reference.Set(object, field.Accepts(target) ? target : nullptr);
+    };
+    for (ZoStreamableBase* object : stream->Objects()) {
+        const TZoClass* objectClass = object->GetOriginalClass(schema);
+        if (objectClass == nullptr) continue;
+        RecordOrder::ForEachLevel(*objectClass, [&](const TZoClass& level) {
+            RecordOrder::ForEachPointer(level, [&](auto& field) { follow(object, field); });
+        });
+    }
 }
 
 void TBinInStreamer::Validate(MadeObjects& made) {

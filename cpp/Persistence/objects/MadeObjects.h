@@ -31,8 +31,15 @@ public:
     /// From here on objects end when they are let go of. What was read stays, held by somebody or not.
     void EndHold() { hold.End(); }
 
+    /// An object whose uid another one got later, which references to the uid mean then.
+    struct Replaced {
+        const ZoStreamableBase* object;
+        int uid;
+    };
+
     std::vector<ZoStreamableBase*> invalid; // by their own word, while they were read
-    UidTable members;                       // objects that stand inside others
+    std::vector<Replaced> replaced;
+    UidTable members; // objects that stand inside others
     AwaitedMembers awaited;
     bool hasValues = false;
     bool mayBeInvalid = false;        // some class answers GetIsValid

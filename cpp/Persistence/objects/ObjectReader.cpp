@@ -4,7 +4,6 @@
 #include "Persistence/objects/AwaitedMembers.h"
 #include "Persistence/records/RecordCursors.h"
 #include "Persistence/schema/FieldCodec.h"
-#include "Persistence/schema/FieldOffset.h"
 #include "Persistence/schema/ReadPlan.h"
 
 #include <typeinfo>
@@ -24,7 +23,8 @@ void ReadField(const Source& take, TZoClassField& field, bool known, ZoStreamabl
 
 template <class Source>
 void ReadSteps(const Source& take, const ReadPlan& plan, ZoStreamableBase* object) {
-    for (const ReadPlan::Step& step : plan.steps) ReadField(take, *step.field, step.known, object);
+    for (const ReadPlan::Step& step : plan.steps)
+        ReadField(take, *step.field, step.use != ReadPlan::Use::PassedOver, object);
 }
 
 void Await(const ReadCursor& take, TZoClassFieldPointer& field, ZoStreamableBase* object,
@@ -39,14 +39,21 @@ void Await(const ReadCursor& take, TZoClassFieldPointer& field, ZoStreamableBase
 /// The objects' type is the one that the plan's offsets were measured in.
 void ReadMembers(const ReadCursor& take, const ReadPlan& plan, ZoStreamableBase* object,
                  AwaitedMembers* awaited) {
-    for (const ReadPlan::Step& step : plan.steps) {
-        if (step.offset != FieldOffset::NONE) {
+    for (std::size_t i = 0; i < plan.steps.size(); ++i) {
+        const ReadPlan::Step& step = plan.steps[i];
+        if (step.run.size != 0 && step.run.size <= take.Remaining()) {
+            FlatRun::Copy(FieldOffset::Apply(object, step.offset), take.Take(step.run.size), step.run.size);
+            i += step.run.steps - 1u;
+        } else if (step.offset != FieldOffset::NONE) {
             FieldCodec::LoadMember(take, static_cast<TZoClassFieldType>(step.kind),
                                    FieldOffset::Apply(object, step.offset));
-        } else if (step.awaited && awaited != nullptr) {
+        } else if (step.use == ReadPlan::Use::Awaited && awaited != nullptr) {
             Await(take, static_cast<TZoClassFieldPointer&>(*step.field), object, *awaited);
+        } else if (step.use == ReadPlan::Use::Set &&
+                   IsKindOf<TZoClassFieldPointer>(static_cast<TZoClassFieldType>(step.kind))) {
+            FieldCodec::Load(take, static_cast<TZoClassFieldPointer*>(step.field), object);
         } else {
-            ReadField(take, *step.field, step.known, object);
+            ReadField(take, *step.field, step.use != ReadPlan::Use::PassedOver, object);
         }
     }
 }
@@ -100,6 +107,21 @@ void ObjectReader::Read(TZoClass& fileClass, ZoStreamableBase* object) const {
         ReadLevels(take, fileClass, fileClass, object);
     }
     take.Commit();
+    if (exact && entries == Entries::Waiting && plan.onlyRefers) ResolveAtOnce(fileClass, object);
+}
+
+/// Resolves the entry opened last, unless it names an object that is still to come, or none.
+void ObjectReader::ResolveAtOnce(const TZoClass& fileClass, ZoStreamableBase* object) const {
+    InstanceTables& tables = InstanceTables::Of(stream);
+    TBinUnresolvedPointers& unresolved = tables.unresolved;
+    const std::int32_t* uids = unresolved.Uids() + unresolved.Entries().back().firstUid;
+    for (const std::int32_t* uid = uids; uid != unresolved.UidsEnd(); ++uid) {
+        if (*uid != 0 && tables.handles.Get(*uid) == nullptr) return;
+    }
+    TZoPointerResolver resolver(stream, nullptr, nullptr);
+    resolver.Begin(uids, false);
+    Resolve(fileClass, resolver, object);
+    unresolved.DropLast();
 }
 
 void ObjectReader::Resolve(const TZoClass& fileClass, TZoPointerResolver& resolver,

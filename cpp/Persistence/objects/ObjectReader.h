@@ -12,7 +12,11 @@ class AwaitedMembers;
 class ObjectReader {
 public:
     /// Which objects get an entry for the resolving of pointers.
-    enum class Entries { All, WithPointers };
+    enum class Entries {
+        All,
+        WithPointers,
+        Waiting ///< references to objects that are there are resolved at once
+    };
 
     /// `awaited` (may be null) learns of the members that can be read where they stand.
     ObjectReader(TBinInStream& stream, Entries entries, AwaitedMembers* awaited)
@@ -25,6 +29,7 @@ public:
     static void Resolve(const TZoClass& fileClass, TZoPointerResolver& resolver, ZoStreamableBase* object);
 
 private:
+    void ResolveAtOnce(const TZoClass& fileClass, ZoStreamableBase* object) const;
     template <class Source>
     static void ReadLevels(const Source& take, TZoClass& level, const TZoClass& objectClass,
                            ZoStreamableBase* object);

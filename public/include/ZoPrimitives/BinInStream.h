@@ -123,10 +123,11 @@ public:
     ZoStreamableBase* GetHandle(int uid) const;
     void ResetHandles();
 
-    // Pointers to be resolved: one entry for each object read.
+    // Pointers to be resolved: one entry for each object that has some.
     /// Opens an entry; `fileClass` is the file's class of the record.
     void AddUnresolved(ZoStreamableBase* object, int uid, TZoClass* fileClass);
-    /// The entry of the object read under a uid; null if there is none.
+    /// The entry of the object read under a uid; null if there is none, or all its
+    /// pointers are set already.
     const TBinUnresolved* GetUnresolved(int uid) const;
 
     // Fields of the current record that the application's class lacks, with their positions in the record.

@@ -81,6 +81,7 @@ private:
     void ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
                     ZoStreamableBase* owner, MadeObjects& made);
     void Resolve(MadeObjects& made);
+    void FollowReplaced(MadeObjects& made);
     void Validate(MadeObjects& made);
 
     TBinInStream* stream;

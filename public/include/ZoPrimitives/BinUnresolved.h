@@ -1,10 +1,10 @@
 #pragma once
 
 #include "ZoPrimitives/Export.h"
+#include "ZoPrimitives/ZoMemory.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace ZoPrimitives {
 
@@ -32,6 +32,11 @@ public:
     void Open(ZoStreamableBase* object, int uid, TZoClass* fileClass) {
         entries.push_back({object, fileClass, uid, used});
     }
+    /// Removes the entry opened last, with its pointers.
+    void DropLast() {
+        used = entries.back().firstUid;
+        entries.pop_back();
+    }
     /// Adds a single pointer to the entry opened last.
     void LoadPointer([[maybe_unused]] TZoClassField* field, int uid) {
         if (used == capacity) Grow(used + 1);
@@ -51,8 +56,9 @@ public:
     }
 
     const TBinUnresolved* Find(int uid) const;
-    std::vector<TBinUnresolved>& Entries() { return entries; }
+    ZoVector<TBinUnresolved>& Entries() { return entries; }
     const std::int32_t* Uids() const { return uids; }
+    const std::int32_t* UidsEnd() const { return uids + used; }
     void Reserve(std::size_t entryCount) { entries.reserve(entryCount); }
     void Clear() noexcept;
 
@@ -62,7 +68,7 @@ public:
 private:
     void Grow(std::size_t needed);
 
-    std::vector<TBinUnresolved> entries;
+    ZoVector<TBinUnresolved> entries;
     std::int32_t* uids = nullptr;
     std::size_t used = 0;
     std::size_t capacity = 0;

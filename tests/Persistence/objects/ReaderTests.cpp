@@ -68,6 +68,15 @@ class Outer : public ZoObjectStreamable {
     Alive alive;
 };
 
+/// Nothing but a reference, and no hooks: it is resolved while the file is read.
+class Pin : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Pin)
+    DECLARE_ZO_FIELD(int, number)
+    DECLARE_ZO_FIELD_REFERENCE(Pin, reference)
+    REGISTER_ZO_END
+    Alive alive;
+};
+
 class ReaderTest : public testing::Test {
 protected:
     ReaderTest() {
@@ -342,6 +351,25 @@ TEST_F(ReaderTest, PointersLeadWhereTheyCan) {
         SCOPED_TRACE(tested.name);
         Opened opened = Open(tested.rows);
         EXPECT_EQ(GraphOf(tested.rows), tested.graph);
+    }
+}
+
+TEST_F(ReaderTest, ReferencesSetWhileReadingFollowAUidThatComesAgain) {
+    Pin::Register(&schema);
+    const ClassEntry pin{
+        .id = 1, .name = "Pin", .values = {{0, -1, "number"}}, .references = {{1, -8, "reference"}}};
+    const ClassEntry other{.id = 2, .name = "Inner", .values = {{0, -1, "number"}, {0, -1, "gone"}}};
+    const auto row = [](int uid, int classId, int number, int reference) {
+        return Row{uid, classId, Payload().Ints({number, reference})};
+    };
+    for (const int lastClass : {1, 2}) { // the second fits no pin's reference
+        Opened pins(FileOf({pin, other}, {row(1, 1, 1, 0), row(2, 1, 2, 1), row(3, 1, 3, 4),
+                                          row(1, lastClass, 9, 3), row(4, 1, 4, 3)}),
+                    schema);
+        const Pin* target = pins.At<Pin>(2).reference.get();
+        EXPECT_EQ(target == nullptr ? 0 : target->number, lastClass == 1 ? 9 : 0);
+        EXPECT_EQ(pins.At<Pin>(3).reference, &pins.At<Pin>(4)) << "it had to wait";
+        EXPECT_EQ(pins.At<Pin>(4).reference, &pins.At<Pin>(3));
     }
 }
 

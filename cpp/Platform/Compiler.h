@@ -36,6 +36,11 @@ inline void Prefetch([[maybe_unused]] const void* address) noexcept {
 #endif
 }
 
+/// The same for an object that is about to be read as a whole: fetches its first 192 bytes.
+inline void PrefetchObject(const void* object) noexcept {
+    for (int line = 0; line < 192; line += 64) Prefetch(static_cast<const char*>(object) + line);
+}
+
 /// An address in the caller's frame. A variable's address will not do: sanitizers move variables elsewhere.
 inline std::uintptr_t StackAddress() noexcept {
 #ifdef __GNUC__

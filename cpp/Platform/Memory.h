@@ -14,7 +14,8 @@ void Free(void* block) noexcept;
 void TrimMemory() noexcept;
 /// From this size on large pages pay: a small model would not fill a page of 2 MiB.
 inline constexpr std::size_t MANY_BYTES = 8 * 1024 * 1024;
-/// Announces that `size` bytes of objects will be created; from `MANY_BYTES` on the heap asks for large pages.
+/// Announces that `size` bytes of objects will be created; from `MANY_BYTES` on the heap asks for large
+/// pages.
 void ExpectObjects(std::size_t size) noexcept;
 /// Asks for large pages under a block of the C heap, from `MANY_BYTES` on. The block may still be moved and
 /// freed as any other.

@@ -77,7 +77,7 @@ void GraphWalk::Finish() {
             continue;
         }
         const Visit visit = waiting[frame.next++];
-        if (frame.next + PREFETCH < frame.end) Prefetch(waiting[frame.next + PREFETCH].object);
+        if (frame.next + PREFETCH < frame.end) HandleAccess::Fetch(waiting[frame.next + PREFETCH].object);
         if (visit.externalsOf != nullptr) {
             ForEachExternal(*visit.externalsOf, visit.object, collect);
         } else if (Meet(visit.object)) {

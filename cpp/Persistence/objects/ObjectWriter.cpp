@@ -52,6 +52,12 @@ void PutFields(const Sink& put, const TZoClass& objectClass, ZoStreamableBase* o
     });
 }
 
+void PrefetchBuffers(const WritePlan& plan, ZoStreamableBase* object) {
+    for (const WritePlan::Step* step : plan.buffered) {
+        Prefetch(FieldCodec::BufferOf(step->kind, FieldOffset::Apply(object, step->offset)));
+    }
+}
+
 template <class Fields>
 void PutRecord(TBinOutStream& stream, bool direct, const Fields& fields, ZoStreamableBase* object) {
     if (direct) {
@@ -133,7 +139,8 @@ void ObjectWriter::SaveInOrder(TBinOutStream& stream, const GraphWalk& walk) {
     std::size_t i = 0;
     for (const GraphWalk::Series& series : walk.OrderByClass()) {
         for (; i < series.end; ++i) {
-            if (i + PREFETCH < order.size()) Prefetch(order[i + PREFETCH]);
+            if (i + PREFETCH < order.size()) PrefetchObject(order[i + PREFETCH]);
+            if (i + PREFETCH / 2 < series.end) PrefetchBuffers(*series.plan, order[i + PREFETCH / 2]);
             if (anySaved && IsSaved(stream, order[i])) continue;
             if (!series.plan->measured) series.plan->Measure(order[i]);
             PutRecord(stream, true, *series.plan, order[i]);

@@ -232,6 +232,15 @@ public:
         MemberAs(kind, member, [&](auto& value) { LoadValue(take, value); });
     }
 
+    /// Whether such a member keeps its value in a buffer.
+    static bool IsBuffered(TZoClassFieldType kind) { return FlatSizeOf(kind) == 0 && kind != ftBool; }
+    /// That buffer, null for none; any address for other kinds.
+    static const void* BufferOf(TZoClassFieldType kind, const void* member) {
+        const void* buffer = nullptr;
+        MemberAs(kind, member, [&](const auto& value) { buffer = BufferOf(value); });
+        return buffer;
+    }
+
     // Resolving
 
     using TypesTaken = TZoPointerResolver::TypesTaken;
@@ -307,6 +316,17 @@ private:
             ZO_FIELD_KINDS(ZO_ROW)
 #undef ZO_ROW
         }
+    }
+
+    template <class T>
+    static const void* BufferOf(const T& value) {
+        return &value;
+    }
+    static const void* BufferOf(const ZoString& value) { return value.c_str(); }
+    static const void* BufferOf(const ZoBlob& value) { return value.Data(); }
+    template <class T>
+    static const void* BufferOf(const TDVector<T>& list) {
+        return list.data();
     }
 
     template <class Sink, class T>

@@ -1,5 +1,6 @@
 #include "Persistence/schema/WritePlan.h"
 
+#include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/RecordOrder.h"
 
 namespace ZoPrimitives {
@@ -25,6 +26,11 @@ WritePlan::WritePlan(const TZoClass& objectClass)
 void WritePlan::Measure(ZoStreamableBase* object) {
     for (Step& step : steps) step.offset = FieldOffset::Measure(step.field, object);
     FlatRun::Find(steps);
+    constexpr std::size_t MOST_BUFFERED = 2; // worth fetching ahead
+    for (const Step& step : steps) {
+        const bool buffers = step.offset != FieldOffset::NONE && FieldCodec::IsBuffered(step.kind);
+        if (buffers && buffered.size() < MOST_BUFFERED) buffered.push_back(&step);
+    }
     measured = true;
 }
 

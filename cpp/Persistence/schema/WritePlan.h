@@ -33,6 +33,7 @@ struct WritePlan {
     bool steady; // while one of them is written no code of the application runs
     std::vector<Step> steps;
     std::vector<Target> targets;
+    std::vector<const Step*> buffered; // the first texts and lists, which keep their values in a buffer
 };
 
 /// The plans of one streamer or walk.

@@ -150,6 +150,9 @@ TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     own.Initialize();
     EXPECT_EQ(own.headerFields, 7) << "each field goes through the operation for it";
     EXPECT_EQ(own.bytes, HeaderBytes(3, 2026));
+    OwnSink plain;
+    plain.Initialize();
+    EXPECT_EQ(plain.bytes, HeaderBytes(0, 0));
 }
 
 TEST(BinOutStreamTests, ScramblesWithThreeKeysAndSumsThePlainBytes) {

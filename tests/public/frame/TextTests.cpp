@@ -6,12 +6,9 @@
 
 #include "public/frame/FailureOf.h"
 
-#include "support/PrivateClipboard.h"
 #include "support/TemporaryFolder.h"
 
-#include "ZoPrimitives/ClipboardInputStream.h"
-#include "ZoPrimitives/ClipboardOutputStream.h"
-#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoUtf8.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -113,7 +110,6 @@ TEST_F(TextTests, HoldsTheWholeGraph) {
 TEST_F(TextTests, IsTheOneInTheDocument) {
     // A line holds tokens with ends between them, and an explanation.
     std::ifstream document(FRAME_DOCS "/text-format.md");
-    const std::string lineEnd = " ↵ ";
     std::vector<std::string> shown;
     bool inside = false;
     for (std::string line; std::getline(document, line);) {
@@ -121,21 +117,11 @@ TEST_F(TextTests, IsTheOneInTheDocument) {
         if (inside) {
             line = line.substr(0, line.find('|'));
             line.erase(line.find_last_not_of(' ') + 1);
-            for (std::size_t end; (end = line.find(lineEnd)) != std::string::npos;) {
-                shown.push_back(line.substr(0, end));
-                line.erase(0, end + lineEnd.size());
-            }
-            shown.push_back(line);
+            shown.emplace_back(ZoString(line.c_str()).ReplaceString(" ↵ ", "\r\n", true).c_str());
         }
         if (line == "```text") inside = true;
     }
-    std::string utf8; // as the document
-    for (const char letter : TextOf(Shed())) {
-        const auto byte = static_cast<unsigned char>(letter);
-        if (byte >= 0x80) utf8 += static_cast<char>(0xC0 | (byte >> 6));
-        utf8 += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
-    }
-    EXPECT_EQ(Joined(shown), utf8);
+    EXPECT_EQ(Joined(shown), ZoPrimitives::ZoToUtf8(TextOf(Shed()).c_str()));
 }
 
 TEST_F(TextTests, KeepsTextsOfSeveralLines) {
@@ -197,26 +183,6 @@ TEST_F(TextTests, PassesOverWhatItDoesNotKnow) {
         *std::find(node + 1, other.end(), "class Frame::Node") = name;
         EXPECT_THAT(FailureOf(Joined(other)), HasSubstr("P1 has no node")) << name;
     }
-}
-
-TEST_F(TextTests, ClipboardCarriesIt) {
-    using namespace ZoPrimitives;
-    const Testing::PrivateClipboard clipboard;
-    const Model model = ReadTables(FRAME_TABLES);
-    {
-        const pointer<OutputStream> stream(new ClipboardOutputStream);
-        OutputStreamer text(stream.get());
-        PutPointer(text, model.building);
-    }
-    TextReader reader(new ClipboardInputStream, new StreamableFactory(&Schema()));
-    pointer<Building> pasted;
-    reader.TakePointer(pasted);
-    reader.FinishText();
-    ASSERT_TRUE(pasted);
-    const Comparison comparison = Compare(*model.building, *pasted);
-    EXPECT_EQ(comparison.difference, "") << "numbers are not rounded there";
-    EXPECT_EQ(comparison.objects, 212u);
-    EXPECT_THROW(reader.SkipValue(), XEndOfStream);
 }
 
 TEST_F(TextTests, DamageIsToldInASentence) {

@@ -294,7 +294,7 @@ TEST(Math2Tests, FormatsWithExponents) {
 
     const std::string noMore = "0." + std::string(308, '0') + "x10^";
     const std::tuple<const char*, double, int, unsigned, std::string> fixed[] = {
-        {"own exponent", 12345, 4, 4, "1.2345x10^4"},
+        {"own exponent", 12345, 4, 1, "1.2x10^4"},
         {"ten", 10, 1, 2, "1.00x10^1"},
         {"ten and a leading zero", 10, 2, 2, "0.100x10^2"},
         {"leading zeros", -12345, 7, 2, "-0.00123x10^7"},

@@ -190,6 +190,7 @@ TEST(PointTests, Texts) {
         {";;", true, {0, 0, 0}},
         {"1;2", false, {7, 8, 9}},
         {"1;2;3;", false, {7, 8, 9}},
+        {"1;2;;", false, {7, 8, 9}},
         {"", false, {7, 8, 9}},
         {"inf;-1e999;0x10", true, {INF, -INF, 16}},
     };
@@ -352,7 +353,7 @@ TEST(TransformationTests, TransformsPointsAndDirections) {
     EXPECT_EQ(Point3D(1, 2, 3).Transform(TTransformation::Scaling(2, -1, 0)), Point3D(2, -2, 0));
     EXPECT_EQ(TTransformation::Rotation(1, 0, 0, 0), TTransformation());
     EXPECT_EQ(TTransformation(ZoStreamableBase::InitEmpty), TTransformation());
-    EXPECT_FALSE(static_cast<const ZoObject&>(move) == Point3D());
+    EXPECT_FALSE(static_cast<const ZoObject&>(move) == static_cast<const ZoObject&>(turn));
     TTransformation view;
     view.Element(4, 3, 0.5);
     EXPECT_EQ(Point3D(2, 4, 2).Transform(view), Point3D(1, 2, 1));

@@ -185,14 +185,10 @@ TEST(PointTests, Texts) {
     EXPECT_STREQ(Point3D(1.25, 2, -0.04).ToString().c_str(), "(1.3, 2, 0)");
     EXPECT_STREQ(Point3D(1234567, 0.5, -1e-7).CoordsToString().c_str(), "1.23457e+06;0.5;-1e-07");
     const std::tuple<const char*, bool, Point3D> cases[] = {
-        {"1;2;3", true, {1, 2, 3}},
-        {" 1.5x; -2e3 ;", true, {1.5, -2000, 0}},
-        {";;", true, {0, 0, 0}},
-        {"1;2", false, {7, 8, 9}},
-        {"1;2;3;", false, {7, 8, 9}},
-        {"1;2;;", false, {7, 8, 9}},
-        {"", false, {7, 8, 9}},
-        {"inf;-1e999;0x10", true, {INF, -INF, 16}},
+        {"1;2;3", true, {1, 2, 3}},   {" 1.5x; -2e3 ;", true, {1.5, -2000, 0}},
+        {";;", true, {0, 0, 0}},      {"1;2", false, {7, 8, 9}},
+        {"1;2;3;", false, {7, 8, 9}}, {"1;2;;", false, {7, 8, 9}},
+        {"", false, {7, 8, 9}},       {"inf;-1e999;0x10", true, {INF, -INF, 16}},
     };
     for (const auto& [text, read, expected] : cases) {
         Point3D point(7, 8, 9);
@@ -354,6 +350,7 @@ TEST(TransformationTests, TransformsPointsAndDirections) {
     EXPECT_EQ(TTransformation::Rotation(1, 0, 0, 0), TTransformation());
     EXPECT_EQ(TTransformation(ZoStreamableBase::InitEmpty), TTransformation());
     EXPECT_FALSE(static_cast<const ZoObject&>(move) == static_cast<const ZoObject&>(turn));
+    EXPECT_TRUE(move != turn && !(move != move));
     TTransformation view;
     view.Element(4, 3, 0.5);
     EXPECT_EQ(Point3D(2, 4, 2).Transform(view), Point3D(1, 2, 1));

@@ -166,6 +166,9 @@ TEST(UnitTextTest, RefusesWithoutGuessing) {
                                                           {"GVelocidade", "1 ."}};
     for (const auto& [quantity, text] : others)
         EXPECT_EQ(QuantityNamed(quantity).ofText(text, ',', 0).second.esperado, Unidade) << text;
+    const auto tooMuch = QuantityNamed("GArea").ofText("3 sq  in x", ',', 0).second;
+    EXPECT_EQ(tooMuch.esperado, Fim) << "behind a name of two words";
+    EXPECT_EQ(tooMuch.posicao, 9u);
     const auto unitless = QuantityNamed("GComprimento").ofText("12,5 ", ',', -1).second;
     EXPECT_EQ(unitless.esperado, Unidade) << "where no unit counts, one must be written";
     EXPECT_EQ(unitless.posicao, 5u);

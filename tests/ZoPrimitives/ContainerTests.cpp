@@ -351,6 +351,10 @@ TYPED_TEST(ObjectContainerTests, TheLastHolderDeletes) {
     list.RemoveAll();
     EXPECT_EQ(Item::alive, 3);
     list = other;
+    TypeParam moved;
+    moved = std::move(list);
+    list = moved;
+    EXPECT_TRUE(moved == other && !(moved != other));
     EXPECT_EQ(Ids(list), (Numbers{1, 2, 3}));
     const pointer<Item> kept(list[2]);
     EXPECT_TRUE(list.Remove(kept));

@@ -1,6 +1,6 @@
 // FlatBuffers, with ids by hand: the frame is converted to tables, and new objects are made from tables.
 
-#include "plain_ids.h"
+#include "table_reader.h"
 
 #include "frame_generated.h"
 
@@ -72,99 +72,6 @@ private:
     FlatBufferBuilder& out;
 };
 
-class FlatReader {
-public:
-    Building* Run(const fb::Building& from) {
-        auto building = std::make_unique<Building>();
-        Begin(*building, from);
-        building->thumbnail.assign(from.thumbnail()->begin(), from.thumbnail()->end());
-        building->materials.reserve(from.materials()->size());
-        for (const auto* material : *from.materials()) building->materials.emplace_back(Create(*material));
-        building->sections.reserve(from.sections()->size());
-        for (const auto* section : *from.sections()) building->sections.emplace_back(Create(*section));
-        building->storeys.reserve(from.storeys()->size());
-        for (const auto* storey : *from.storeys()) {
-            building->storeys.emplace_back(new Storey);
-            Fill(*building->storeys.back(), *storey, *building);
-        }
-        return building.release();
-    }
-
-private:
-    template <class Table>
-    void Begin(Entity& entity, const Table& from) {
-        entity.name.assign(from.name()->c_str(), from.name()->size());
-        entity.number = from.number();
-        ids.Add(&entity);
-    }
-    static void Numbers(std::vector<double>& list, const flatbuffers::Vector<double>& from) {
-        list.assign(from.begin(), from.end());
-    }
-    Material* Create(const fb::Material& from) {
-        auto* material = new Material;
-        Begin(*material, from);
-        material->elasticity = from.elasticity();
-        material->density = from.density();
-        return material;
-    }
-    Section* Create(const fb::Section& from) {
-        auto* section = new Section;
-        Begin(*section, from);
-        section->depth = from.depth();
-        section->area = from.area();
-        section->inertia = from.inertia();
-        section->material = ids.Get<Material>(from.material());
-        return section;
-    }
-    Node* Create(const fb::Node& from) {
-        auto* node = new Node;
-        Begin(*node, from);
-        node->x = from.x();
-        node->y = from.y();
-        node->z = from.z();
-        node->restraints = from.restraints();
-        node->supported = from.supported();
-        return node;
-    }
-    Member* Create(const fb::Member& from) {
-        Member* member = nullptr;
-        if (from.girder()) {
-            auto* girder = new Girder;
-            girder->camber = from.camber();
-            girder->releases = from.releases();
-            girder->composite = from.composite();
-            member = girder;
-        } else {
-            auto* column = new Column;
-            column->rotation = from.rotation();
-            column->spliced = from.spliced();
-            member = column;
-        }
-        Begin(*member, from);
-        Numbers(member->loads, *from.loads());
-        member->start = ids.Get<Node>(from.start());
-        member->end = ids.Get<Node>(from.end());
-        member->section = ids.Get<Section>(from.section());
-        return member;
-    }
-    void Fill(Storey& storey, const fb::Storey& from, Building& building) {
-        Begin(storey, from);
-        storey.elevation = from.elevation();
-        storey.height = from.height();
-        Numbers(storey.masses, *from.masses());
-        storey.building = &building;
-        storey.nodes.reserve(from.nodes()->size());
-        for (const auto* node : *from.nodes()) storey.nodes.emplace_back(Create(*node));
-        storey.members.reserve(from.members()->size());
-        for (const auto* member : *from.members()) {
-            storey.members.emplace_back(Create(*member));
-            storey.members.back()->storey = &storey;
-        }
-    }
-
-    Ids ids;
-};
-
 class FlatContender : public PlainContender {
 public:
     Bytes SaveMemory() override {
@@ -181,7 +88,7 @@ public:
         Bytes(out.GetBufferPointer(), out.GetSize(), nullptr).Store(path);
     }
     void OpenMemory(const Bytes& bytes) override {
-        openedFrame = FlatReader().Run(*fb::GetBuilding(bytes.data()));
+        openedFrame = TableReader().Run(*fb::GetBuilding(bytes.data()));
     }
     void OpenFile(const std::string& path) override { OpenMemory(Bytes::Load(path)); }
 

@@ -1,7 +1,7 @@
 // protobuf, with ids by hand: the frame is converted to messages on an arena, and new objects are made from
 // messages.
 
-#include "plain_ids.h"
+#include "table_reader.h"
 
 #include "frame.pb.h"
 
@@ -75,93 +75,6 @@ private:
     }
 };
 
-class ProtoReader {
-public:
-    Building* Run(const pb::Building& from) {
-        auto building = std::make_unique<Building>();
-        Begin(*building, from);
-        building->thumbnail.assign(from.thumbnail().begin(), from.thumbnail().end());
-        building->materials.reserve(static_cast<std::size_t>(from.materials_size()));
-        for (const auto& one : from.materials()) {
-            building->materials.emplace_back(new Material);
-            Material& material = *building->materials.back();
-            Begin(material, one);
-            material.elasticity = one.elasticity();
-            material.density = one.density();
-        }
-        building->sections.reserve(static_cast<std::size_t>(from.sections_size()));
-        for (const auto& one : from.sections()) {
-            building->sections.emplace_back(new Section);
-            Section& section = *building->sections.back();
-            Begin(section, one);
-            section.depth = one.depth();
-            section.area = one.area();
-            section.inertia = one.inertia();
-            section.material = ids.Get<Material>(one.material());
-        }
-        building->storeys.reserve(static_cast<std::size_t>(from.storeys_size()));
-        for (const auto& one : from.storeys()) {
-            building->storeys.emplace_back(new Storey);
-            Fill(*building->storeys.back(), one, *building);
-        }
-        return building.release();
-    }
-
-private:
-    template <class Message>
-    void Begin(Entity& entity, const Message& from) {
-        entity.name = from.name();
-        entity.number = from.number();
-        ids.Add(&entity);
-    }
-    void Fill(Storey& storey, const pb::Storey& from, Building& building) {
-        Begin(storey, from);
-        storey.elevation = from.elevation();
-        storey.height = from.height();
-        storey.masses.assign(from.masses().begin(), from.masses().end());
-        storey.building = &building;
-        storey.nodes.reserve(static_cast<std::size_t>(from.nodes_size()));
-        for (const auto& one : from.nodes()) {
-            storey.nodes.emplace_back(new Node);
-            Node& node = *storey.nodes.back();
-            Begin(node, one);
-            node.x = one.x();
-            node.y = one.y();
-            node.z = one.z();
-            node.restraints = one.restraints();
-            node.supported = one.supported();
-        }
-        storey.members.reserve(static_cast<std::size_t>(from.members_size()));
-        for (const auto& one : from.members()) {
-            storey.members.emplace_back(Create(one));
-            storey.members.back()->storey = &storey;
-        }
-    }
-    Member* Create(const pb::Member& from) {
-        Member* member = nullptr;
-        if (from.girder()) {
-            auto* girder = new Girder;
-            girder->camber = from.camber();
-            girder->releases = from.releases();
-            girder->composite = from.composite();
-            member = girder;
-        } else {
-            auto* column = new Column;
-            column->rotation = from.rotation();
-            column->spliced = from.spliced();
-            member = column;
-        }
-        Begin(*member, from);
-        member->loads.assign(from.loads().begin(), from.loads().end());
-        member->start = ids.Get<Node>(from.start());
-        member->end = ids.Get<Node>(from.end());
-        member->section = ids.Get<Section>(from.section());
-        return member;
-    }
-
-    Ids ids;
-};
-
 class ProtoContender : public PlainContender {
 public:
     Bytes SaveMemory() override {
@@ -180,7 +93,7 @@ public:
         auto& message = *google::protobuf::Arena::CreateMessage<pb::Building>(&arena);
         if (!message.ParseFromArray(bytes.data(), static_cast<int>(bytes.size())))
             throw std::runtime_error("protobuf cannot parse");
-        openedFrame = ProtoReader().Run(message);
+        openedFrame = TableReader().Run(message);
     }
     void OpenFile(const std::string& path) override { OpenMemory(Bytes::Load(path)); }
 };

@@ -111,21 +111,21 @@ void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
 }
 
 void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
-    filtered = classIds != nullptr;
-    if (!filtered) stream->ReserveInstances();
+    scope = classIds != nullptr ? Scope::SomeClasses : Scope::AllClasses;
+    if (!IsFiltered()) stream->ReserveInstances();
     MadeObjects made(*stream);
-    plain = typeid(*this) == typeid(TBinInStreamer);
+    operations = typeid(*this) == typeid(TBinInStreamer) ? Operations::Library : Operations::Overridden;
     // Members that are objects are found by the entries of what was read for them.
-    bool all = !plain;
+    bool all = IsOverridden();
     for (int i = 1; i <= fileSchema.GetClassCount() && !all; ++i) {
         const TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
         all = original != nullptr && original->HasValueChildren();
     }
     const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::Waiting,
-                              plain ? &made.awaited : nullptr);
+                              !IsOverridden() ? &made.awaited : nullptr);
     int uid = 0;
     int classId = 0;
-    if (filtered) {
+    if (IsFiltered()) {
         const int count = static_cast<int>(classIds->size());
         while (stream->LoadFilteredRecord(&fileSchema, classIds->data(), &classId, &uid, count)) {
             ReadRecord(reader, uid, classId, made);
@@ -146,7 +146,7 @@ TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
 }
 
 void TBinInStreamer::Decide(Use& use) {
-    if (use.readAs->GetOriginal() == nullptr && filtered) {
+    if (use.readAs->GetOriginal() == nullptr && IsFiltered()) {
         use.readAs = nullptr;
     } else if (use.readAs->GetOriginal() == nullptr) {
         unknown.Add(use.readAs); // comes here once
@@ -159,7 +159,7 @@ void TBinInStreamer::Decide(Use& use) {
     if (use.readAs != nullptr) {
         use.hasValues = use.readAs->GetOriginal()->HasValueChildren();
         // A streamer of an application's own may make objects of other types than the class's.
-        if (plain) use.hooks = use.readAs->GetOriginal()->hooks;
+        if (!IsOverridden()) use.hooks = use.readAs->GetOriginal()->hooks;
         use.inPlace = !use.substituted && (use.hooks & hookCreateInstance) == 0;
     }
     use.decided = true;
@@ -184,13 +184,13 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
     made.hasValues = made.hasValues || use.hasValues;
     made.mayBeInvalid = made.mayBeInvalid || (use.hooks & hookGetIsValid) != 0;
     if (use.hasValues && !use.asked) {
-        use.asked = plain;
-        made.membersMayBeInvalid =
-            made.membersMayBeInvalid || !plain || use.readAs->GetOriginal()->MembersMayBeInvalid(object);
+        use.asked = !IsOverridden();
+        made.membersMayBeInvalid = made.membersMayBeInvalid || IsOverridden() ||
+                                   use.readAs->GetOriginal()->MembersMayBeInvalid(object);
     }
     ReadFields(reader, use, uid, object, object, made);
     made.Finish();
-    if (!plain) OnAfterLoadInstance(object);
+    if (IsOverridden()) OnAfterLoadInstance(object);
     if ((use.hooks & hookCheckForExcludedFields) != 0) object->CheckForExcludedFields(stream);
 }
 
@@ -215,7 +215,7 @@ void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int 
 }
 
 void TBinInStreamer::Resolve(MadeObjects& made) {
-    if (made.hasValues && (!plain || made.awaited.LeftSome())) MemberObjects(*stream, made).Run();
+    if (made.hasValues && (IsOverridden() || made.awaited.LeftSome())) MemberObjects(*stream, made).Run();
     if (!made.replaced.empty()) FollowReplaced(made);
     TBinUnresolvedPointers& unresolved = InstanceTables::Of(*stream).unresolved;
     TZoPointerResolver resolver(*stream, made.hasValues ? &made.members : nullptr, nullptr);
@@ -223,10 +223,10 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (i + PREFETCH < entries.size()) Prefetch(entries[i + PREFETCH].object);
         const TZoClass* application = entries[i].fileClass->GetOriginal();
-        const unsigned hooks = plain && application != nullptr ? application->hooks : ~0u;
+        const unsigned hooks = !IsOverridden() && application != nullptr ? application->hooks : ~0u;
         resolver.Begin(unresolved.Uids() + entries[i].firstUid, (hooks & hookOnReadPointer) != 0);
         ObjectReader::Resolve(*entries[i].fileClass, resolver, entries[i].object);
-        if (!plain) OnAfterResolveInstance(entries[i].object);
+        if (IsOverridden()) OnAfterResolveInstance(entries[i].object);
     }
     InstanceTables::Of(*stream).EndReading();
 }
@@ -255,13 +255,14 @@ void TBinInStreamer::FollowReplaced(MadeObjects& made) {
 }
 
 void TBinInStreamer::Validate(MadeObjects& made) {
-    if (made.invalid.empty() && (filtered || (!made.mayBeInvalid && !made.membersMayBeInvalid))) return;
+    if (made.invalid.empty() && (IsFiltered() || (!made.mayBeInvalid && !made.membersMayBeInvalid))) return;
     const std::unordered_set<const ZoStreamableBase*> known(made.invalid.begin(), made.invalid.end());
     TDList<ZoStreamableBase*> invalid;
     for (ZoStreamableBase* object : stream->Objects()) {
         const bool foundBefore = known.count(object) != 0;
         // What was read in part may well miss something: only its own word counts.
-        const bool valid = filtered ? !foundBefore : IsValid(object, foundBefore, made.membersMayBeInvalid);
+        const bool valid =
+            IsFiltered() ? !foundBefore : IsValid(object, foundBefore, made.membersMayBeInvalid);
         if (!valid) invalid.Add(object);
     }
     if (invalid.NItems() == 0) return;

@@ -285,7 +285,7 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
 }
 
 /// Passes over whole records of other classes, by their heads alone.
-void TBinInStream::PassInWindow(const ClassFilter& filter) {
+void TBinInStream::PassInWindow(const RecordFilter& filter) {
     RecordFormat::RecordHead head;
     while (HeadInWindow(head) && !filter.Takes(head.classId)) windowCursor += HEAD_SIZE + head.size;
 }
@@ -303,8 +303,8 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
 }
 
 /// Looks for the next good record or, with a filter, for the next one of another class, which is passed over.
-TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const ClassFilter* filter, int* recordUid,
-                                       int* recordClassId) {
+TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const RecordFilter* filter,
+                                       int* recordUid, int* recordClassId) {
     position = 0;
     recordSize = 0;
     std::uint32_t window = 0;

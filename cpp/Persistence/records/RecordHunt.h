@@ -16,12 +16,12 @@ struct TBinInStream::FailurePoints {
 };
 
 /// Tells which records are asked for.
-class TBinInStream::ClassFilter {
+class RecordFilter {
 public:
-    virtual bool Takes(int id) const = 0;
+    virtual bool Takes(int classId) const = 0;
 
 protected:
-    ~ClassFilter() = default;
+    ~RecordFilter() = default;
 };
 
 } // namespace ZoPrimitives

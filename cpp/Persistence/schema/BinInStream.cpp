@@ -9,7 +9,7 @@ namespace ZoPrimitives {
 
 bool TBinInStream::LoadFilteredRecord(TZoMetaData* schema, const int* ids, int* recordClassId, int* recordUid,
                                       int idCount) {
-    class AskedFor final : public ClassFilter {
+    class AskedFor final : public RecordFilter {
     public:
         AskedFor(const TZoMetaData* schema, const int* begin, const int* end)
             : schema(schema), begin(begin), end(end) {}

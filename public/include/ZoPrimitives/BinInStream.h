@@ -15,6 +15,7 @@
 namespace ZoPrimitives {
 
 class InstanceTables;
+class RecordFilter;
 struct TBinUnresolved;
 class ZoBlob;
 class ZoStreamableBase;
@@ -206,14 +207,13 @@ private:
     bool TakesFromWindow() const { return HasWindow() && !asksRead; }
     bool ReadAll(void* data, unsigned size);
     struct FailurePoints;
-    class ClassFilter;
     enum class Found { Nothing, Record, OtherClass };
 
     bool HeadInWindow(RecordFormat::RecordHead& head) const;
     bool NextInWindow(int* uid, int* classId);
-    void PassInWindow(const ClassFilter& filter);
+    void PassInWindow(const RecordFilter& filter);
     bool PassOver(unsigned size);
-    Found Hunt(const FailurePoints& points, const ClassFilter* filter, int* uid, int* classId);
+    Found Hunt(const FailurePoints& points, const RecordFilter* filter, int* uid, int* classId);
     void ReadOrThrow(void* data, unsigned size, const char* location);
     void TakePastEnd(void* value, unsigned size);
     [[noreturn]] void ThrowReadError(const char* location) const;

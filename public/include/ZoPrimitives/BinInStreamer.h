@@ -66,6 +66,11 @@ private:
     friend class TFilteredBinInStreamer;
     struct Use;
     class Uses;
+    enum class Operations { Library, Overridden };
+    enum class Scope { AllClasses, SomeClasses };
+
+    bool IsOverridden() const { return operations == Operations::Overridden; }
+    bool IsFiltered() const { return scope == Scope::SomeClasses; }
 
     /// Throws at one of the locations when the schema record is missing or contradicts itself.
     void LoadSchema(const char* noRecord, const char* noSchema);
@@ -89,8 +94,8 @@ private:
     TZoMetaData fileSchema;
     TIList<TZoClass, pointer<TZoClass>> unknown;
     std::unique_ptr<Uses> uses;
-    bool plain = false;    // no operation of this streamer is overridden
-    bool filtered = false; // reads some classes only, so objects may be incomplete
+    Operations operations = Operations::Overridden; // the virtual ones of this streamer
+    Scope scope = Scope::AllClasses;                // what is read only in part may be incomplete
 };
 
 } // namespace ZoPrimitives

@@ -248,7 +248,9 @@ class Source:
             self.skip(node, "overloaded operator")
 
     def literal(self, node, text):
-        if text in ("true", "false"):
+        if "_MM_SHUFFLE(" in self.text[:node.span[0]].rsplit("\n", 1)[-1]:
+            self.skip(node, "an intrinsic that takes no variable")
+        elif text in ("true", "false"):
             other = "false" if text == "true" else "true"
             self.add(node, f"{text} -> {other}", f"(@ ? {other} : {text})")
         elif LITERAL.fullmatch(text):

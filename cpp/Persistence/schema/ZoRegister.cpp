@@ -36,8 +36,10 @@ const char* const ISO_8601 = "%E4Y-%m-%dT%H:%M:%E7SZ";
 const char* const ISO_8601_OF_ANY_YEAR = "%Y-%m-%dT%H:%M:%E*S%Ez";
 
 const ZoString& Keep(ZoString&& text) {
-    thread_local ZoString kept;
-    return kept = std::move(text);
+    // One a thread, never deleted: mingw frees the memory of a thread_local before it calls the destructor.
+    thread_local ZoString* kept = nullptr;
+    if (kept == nullptr) kept = new ZoString;
+    return *kept = std::move(text);
 }
 
 template <class Number>

@@ -2,6 +2,7 @@
 #include "Platform/windows/Windows.h"
 
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace ZoPrimitives::Platform {
@@ -42,7 +43,41 @@ struct Opened {
     ~Opened() { Close(); }
 };
 
-thread_local Opened opened;
+// Held by the system, which ends it with its thread: mingw frees the memory of a thread_local before it calls
+// the destructor.
+class OpenedByThreads {
+public:
+    OpenedByThreads() : slot(FlsAlloc(End)) {}
+    ~OpenedByThreads() { FlsFree(slot); }
+    OpenedByThreads(const OpenedByThreads&) = delete;
+    OpenedByThreads& operator=(const OpenedByThreads&) = delete;
+
+    /// This thread's, or null if it has opened nothing yet.
+    Opened* Find() const { return static_cast<Opened*>(FlsGetValue(slot)); }
+    /// Null if there is no memory.
+    Opened* Make() const {
+        Opened* made = new (std::nothrow) Opened;
+        if (made == nullptr || FlsSetValue(slot, made) != 0) return made;
+        delete made;
+        return nullptr;
+    }
+
+private:
+    static void WINAPI End(void* ended) { delete static_cast<Opened*>(ended); }
+
+    DWORD slot;
+};
+
+Opened* Mine() {
+    static const OpenedByThreads opened;
+    Opened* mine = opened.Find();
+    return mine != nullptr ? mine : opened.Make();
+}
+
+bool IsOpenHere() {
+    const Opened* mine = Mine();
+    return mine != nullptr && mine->open;
+}
 
 bool TryToOpen() {
     if (!TakeTurn()) {
@@ -50,7 +85,7 @@ bool TryToOpen() {
         return false;
     }
     if (::OpenClipboard(nullptr)) {
-        opened.open = true;
+        Mine()->open = true;
         return true;
     }
     const unsigned long error = LastError();
@@ -60,9 +95,11 @@ bool TryToOpen() {
     return false;
 }
 
-bool OpenedHere() {
-    if (!opened.open) SetLastError(ErrorClipboardNotOpen);
-    return opened.open;
+/// Null, with the error set, unless this thread has the clipboard open.
+Opened* OpenedHere() {
+    if (IsOpenHere()) return Mine();
+    SetLastError(ErrorClipboardNotOpen);
+    return nullptr;
 }
 
 } // namespace
@@ -76,23 +113,30 @@ unsigned Services::ClipboardFormat(const char* name) {
 }
 
 bool Services::OpenClipboard() {
-    if (opened.open) {
+    if (Mine() == nullptr) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return false;
+    }
+    if (IsOpenHere()) {
         SetLastError(ErrorSharingViolation);
         return false;
     }
     return AwaitClipboard(*this, TryToOpen);
 }
 
-void Services::CloseClipboard() { opened.Close(); }
+void Services::CloseClipboard() {
+    if (IsOpenHere()) Mine()->Close();
+}
 
 const void* Services::ClipboardData(unsigned format, std::size_t& size) {
     size = 0;
-    if (!OpenedHere()) return nullptr;
-    opened.Unlock();
+    Opened* opened = OpenedHere();
+    if (opened == nullptr) return nullptr;
+    opened->Unlock();
     const HGLOBAL block = GetClipboardData(format);
     if (block == nullptr) return nullptr;
     if (const void* data = GlobalLock(block)) {
-        opened.locked = block;
+        opened->locked = block;
         size = GlobalSize(block);
         return data;
     }
@@ -102,7 +146,8 @@ const void* Services::ClipboardData(unsigned format, std::size_t& size) {
 }
 
 bool Services::SetClipboardData(unsigned format, const void* data, std::size_t size) {
-    if (!OpenedHere()) return false;
+    Opened* opened = OpenedHere();
+    if (opened == nullptr) return false;
     // A block without bytes could be neither filled nor read.
     const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size != 0 ? size : 1);
     if (block == nullptr) return false;
@@ -110,7 +155,7 @@ bool Services::SetClipboardData(unsigned format, const void* data, std::size_t s
     if (bytes != nullptr) {
         if (size != 0) std::memcpy(bytes, data, size);
         GlobalUnlock(block);
-        opened.Unlock();
+        opened->Unlock();
         // The system owns a block that it has accepted.
         if (EmptyClipboard() && ::SetClipboardData(format, block) != nullptr) return true;
     }

@@ -28,10 +28,9 @@ void TBinOutStreamer::WriteSchemaOf(const UsedClasses& classes) {
 }
 
 void TBinOutStreamer::WriteObjectMetaData(ZoStreamableBase* root) {
-    SchemaWalk walk(schema);
-    walk.Run(root);
-    expected = walk.Met() + 1;
-    WriteSchemaOf(walk.Classes());
+    TDList<ZoStreamableBase*> one;
+    one.Add(root);
+    WriteObjectsMetaData(&one);
 }
 
 void TBinOutStreamer::WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots) {

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/ClipboardInputStream.h"
 
 #include "Persistence/records/ClipboardAccess.h"
+#include "Persistence/text/TokenRead.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoString.h"
@@ -123,14 +124,7 @@ void ClipboardInputStream::SkipValue() {
 }
 
 bool ClipboardInputStream::GetLine(char* buffer) {
-    try {
-        ReadString(buffer);
-        return true;
-    } catch (const XEndOfStream&) {
-        return false;
-    } catch (const XReadStream&) {
-        return false;
-    }
+    return ReadsToken([&] { ReadString(buffer); });
 }
 
 } // namespace ZoPrimitives

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/FileInputStream.h"
 
 #include "Persistence/records/FileAccess.h"
+#include "Persistence/text/TokenRead.h"
 #include "ZoPrimitives/NumberText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
@@ -162,14 +163,7 @@ void FileInputStream::SkipValue() {
 }
 
 bool FileInputStream::GetLine(char* target) {
-    try {
-        Copy(Token(), target);
-        return true;
-    } catch (const XEndOfStream&) {
-        return false;
-    } catch (const XReadStream&) {
-        return false;
-    }
+    return ReadsToken([&] { Copy(Token(), target); });
 }
 
 } // namespace ZoPrimitives

@@ -54,8 +54,9 @@ public:
 
     /// This thread's, or null if it has opened nothing yet.
     Opened* Find() const { return static_cast<Opened*>(FlsGetValue(slot)); }
-    /// Null if there is no memory.
-    Opened* Make() const {
+    /// This thread's, made if need be; null if there is no memory.
+    Opened* FindOrMake() const {
+        if (Opened* found = Find()) return found;
         Opened* made = new (std::nothrow) Opened;
         if (made == nullptr || FlsSetValue(slot, made) != 0) return made;
         delete made;
@@ -68,15 +69,15 @@ private:
     DWORD slot;
 };
 
-Opened* Mine() {
-    static const OpenedByThreads opened;
-    Opened* mine = opened.Find();
-    return mine != nullptr ? mine : opened.Make();
+const OpenedByThreads& Threads() {
+    static const OpenedByThreads threads;
+    return threads;
 }
 
-bool IsOpenHere() {
-    const Opened* mine = Mine();
-    return mine != nullptr && mine->open;
+/// Null unless this thread has the clipboard open.
+Opened* FindOpen() {
+    Opened* mine = Threads().Find();
+    return mine != nullptr && mine->open ? mine : nullptr;
 }
 
 bool TryToOpen() {
@@ -85,7 +86,7 @@ bool TryToOpen() {
         return false;
     }
     if (::OpenClipboard(nullptr)) {
-        Mine()->open = true;
+        Threads().Find()->open = true; // `OpenClipboard` made it
         return true;
     }
     const unsigned long error = LastError();
@@ -95,11 +96,11 @@ bool TryToOpen() {
     return false;
 }
 
-/// Null, with the error set, unless this thread has the clipboard open.
+/// The same, and sets the error.
 Opened* OpenedHere() {
-    if (IsOpenHere()) return Mine();
-    SetLastError(ErrorClipboardNotOpen);
-    return nullptr;
+    Opened* opened = FindOpen();
+    if (opened == nullptr) SetLastError(ErrorClipboardNotOpen);
+    return opened;
 }
 
 } // namespace
@@ -113,11 +114,12 @@ unsigned Services::ClipboardFormat(const char* name) {
 }
 
 bool Services::OpenClipboard() {
-    if (Mine() == nullptr) {
+    const Opened* mine = Threads().FindOrMake();
+    if (mine == nullptr) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return false;
     }
-    if (IsOpenHere()) {
+    if (mine->open) {
         SetLastError(ErrorSharingViolation);
         return false;
     }
@@ -125,7 +127,7 @@ bool Services::OpenClipboard() {
 }
 
 void Services::CloseClipboard() {
-    if (IsOpenHere()) Mine()->Close();
+    if (Opened* opened = FindOpen()) opened->Close();
 }
 
 const void* Services::ClipboardData(unsigned format, std::size_t& size) {

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -47,6 +48,23 @@ double Clock() {
 }
 
 } // namespace
+
+void TouchFreeMemory() {
+    unsigned long long free = 0; // KiB
+    if (FILE* memory = std::fopen("/proc/meminfo", "r")) {
+        char line[256];
+        while (std::fgets(line, sizeof line, memory) != nullptr) std::sscanf(line, "MemFree: %llu kB", &free);
+        std::fclose(memory);
+    }
+    const std::size_t size = free * 1024 / 4 * 3;
+    InChild([size](Result&) {
+        void* pages =
+            mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        if (pages == MAP_FAILED) return;
+        madvise(pages, size, MADV_HUGEPAGE);
+        for (std::size_t at = 0; at < size; at += 4096) static_cast<volatile char*>(pages)[at] = 1;
+    });
+}
 
 void CountProcessorTime() { countsProcessorTime = true; }
 

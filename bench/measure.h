@@ -27,6 +27,9 @@ struct Result {
     double Drop() const { return Median(std::vector<double>(drops, drops + runs)); }
 };
 
+/// Touches most of the memory that is free: a virtual machine is given a page by its host when it first
+/// touches it, which takes many times as long as what is measured.
+void TouchFreeMemory();
 /// From here on measures the process's processor time instead of wall-clock time.
 void CountProcessorTime();
 

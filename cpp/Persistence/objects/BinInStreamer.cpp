@@ -224,7 +224,9 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
         if (i + PREFETCH < entries.size()) Prefetch(entries[i + PREFETCH].object);
         const TZoClass* application = entries[i].fileClass->GetOriginal();
         const unsigned hooks = !IsOverridden() && application != nullptr ? application->hooks : ~0u;
-        resolver.Begin(unresolved.Uids() + entries[i].firstUid, (hooks & hookOnReadPointer) != 0);
+        const bool tells = (hooks & hookOnReadPointer) != 0;
+        if (!tells && !ObjectReader::Resolves(*entries[i].fileClass)) continue;
+        resolver.Begin(unresolved.Uids() + entries[i].firstUid, tells);
         ObjectReader::Resolve(*entries[i].fileClass, resolver, entries[i].object);
         if (IsOverridden()) OnAfterResolveInstance(entries[i].object);
     }

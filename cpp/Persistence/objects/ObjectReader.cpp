@@ -124,6 +124,10 @@ void ObjectReader::ResolveAtOnce(const TZoClass& fileClass, ZoStreamableBase* ob
     unresolved.DropLast();
 }
 
+bool ObjectReader::Resolves(const TZoClass& fileClass) {
+    return fileClass.readPlan != nullptr && fileClass.readPlan->resolves;
+}
+
 void ObjectReader::Resolve(const TZoClass& fileClass, TZoPointerResolver& resolver,
                            ZoStreamableBase* object) {
     if (fileClass.readPlan == nullptr) return;

@@ -27,6 +27,8 @@ public:
     /// Reads the fields through the stream's virtual operations, without an entry.
     static void ReadFields(TBinInStream& stream, TZoClass& fileClass, ZoStreamableBase* object);
     static void Resolve(const TZoClass& fileClass, TZoPointerResolver& resolver, ZoStreamableBase* object);
+    /// Whether `Resolve` has anything to set in objects of that class; members have what they hold.
+    static bool Resolves(const TZoClass& fileClass);
 
 private:
     void ResolveAtOnce(const TZoClass& fileClass, ZoStreamableBase* object) const;

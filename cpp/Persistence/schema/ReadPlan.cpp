@@ -43,6 +43,7 @@ ReadPlan& ReadPlan::For(TZoClass& fileClass, TBinInStream& stream) {
         pointer->single = pointer->single && pointer->last;
         repeats = repeats || !pointer->last;
         plan->hasMembers = plan->hasMembers || HoldsMember(*pointer->application);
+        plan->resolves = plan->resolves || pointer->application->GetFieldType() != ftChildValue;
     }
     if (plan->hasSteps && plan->hasMembers && !repeats) plan->AwaitMembers();
     plan->onlyRefers = plan->OnlyRefers(fileClass.original);

@@ -53,6 +53,7 @@ struct ReadPlan {
     bool hasMembers = false;    // that are objects
     bool awaitsMembers = false; // all of them may be read where they stand
     bool onlyRefers = false;    // pointers are plain references, and nobody learns when they are set
+    bool resolves = false;      // some pointer is no member, and is set after all records are read
     const std::type_info* exactType = nullptr;
     std::vector<Step> steps;
     std::vector<Pointer> pointers; // those that the application knows

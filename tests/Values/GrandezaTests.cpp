@@ -84,20 +84,20 @@ TEST(GrandezaTests, UnitsThatThereAreNot) {
 }
 
 TEST(GrandezaTests, Integers) {
-    for (const auto& [value, expected] : {std::pair(2.5, 3),
-                                          {-2.5, -3},
-                                          {0.4999, 0},
-                                          {0.0, 0},
-                                          {1e-21, 0},
-                                          {1e-22, 0},
-                                          {NO_NUMBER, 0},
-                                          {1e300, INT_MAX},
-                                          {-INFINITE, INT_MIN},
-                                          {2147483646.4, INT_MAX - 1},
-                                          {2147483646.5, INT_MAX},
-                                          {-2147483647.4, INT_MIN + 1},
-                                          {-2147483648.4, INT_MIN}})
-        EXPECT_EQ(Grandeza(value).Int(), expected) << value;
+    const std::pair<double, int> rows[] = {{2.5, 3},
+                                           {-2.5, -3},
+                                           {0.4999, 0},
+                                           {0.0, 0},
+                                           {1e-21, 0},
+                                           {1e-22, 0},
+                                           {NO_NUMBER, 0},
+                                           {1e300, INT_MAX},
+                                           {-INFINITE, INT_MIN},
+                                           {2147483646.4, INT_MAX - 1},
+                                           {2147483646.5, INT_MAX},
+                                           {-2147483647.4, INT_MIN + 1},
+                                           {-2147483648.4, INT_MIN}};
+    for (const auto& [value, expected] : rows) EXPECT_EQ(Grandeza(value).Int(), expected) << value;
 }
 
 TEST(GrandezaTests, ComputesWithTheStoredNumbers) {
@@ -186,20 +186,17 @@ TEST(GrandezaTests, Angles) {
     angle += GAngulo(1.0);
     EXPECT_EQ(angle, 3 * PI + 1);
 
-    const std::tuple<double, double, bool> rows[] = {
-        // degrees within one turn
-        {0, 0, true},
-        {-PI / 2, 270, true},
-        {PI / 2, 90, true},
-        {PI, 180, true},
-        {-PI, 180, true},
-        {5 * PI, 180, true},
-        {0.1, 5.729577951308232, false},
-        {PI / 2 + 1e-7, 90.00000572957795, true},
-        {PI / 2 + 2e-7, 90.0000114591559, false},
-        {-1e-9, 359.99999994270422, true},
-        {-1e-20, 360, true} // a turn itself, by rounding
-    };
+    // Degrees within one turn; the last is a turn itself, by rounding.
+    const std::tuple<double, double, bool> rows[] = {{0, 0, true},
+                                                     {-PI / 2, 270, true},
+                                                     {PI / 2, 90, true},
+                                                     {-PI, 180, true},
+                                                     {5 * PI, 180, true},
+                                                     {0.1, 5.729577951308232, false},
+                                                     {PI / 2 + 1e-7, 90.00000572957795, true},
+                                                     {PI / 2 + 2e-7, 90.0000114591559, false},
+                                                     {-1e-9, 359.99999994270422, true},
+                                                     {-1e-20, 360, true}};
     for (const auto& [radians, degrees, orthogonal] : rows) {
         EXPECT_NEAR(GAngulo(radians).ValorAjustado(TAngulo::Graus), degrees, 1e-12) << radians;
         EXPECT_NEAR(GAngulo(radians).ValorAjustado(TAngulo::Radianos), degrees * PI / 180, 1e-14);

@@ -4,13 +4,9 @@
 #include "support/Assertions.h"
 #include "support/CommaLocale.h"
 
-#include <gtest/gtest.h>
-
 #include <cfloat>
 #include <climits>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <random>
 
@@ -163,14 +159,8 @@ TEST(ZoStringTest, Assigns) {
 }
 
 TEST(ZoStringTest, Joining) {
-    for (const auto& row : {
-             EDITED(s + ZoString("t"), {"s", "st"}, {"", "t"}),
-             EDITED("t" + s, {"s", "ts"}, {"", "t"}),
-             EDITED(s + static_cast<const char*>(nullptr), {"s", "s"}),
-             EDITED(s + 'a' + -5 + 0 + 5u + 0.5 + 5ull + sizeof(char), {"s", "sa-5050.50000051"}),
-             EDITED("x:" + s + " | y:" + 2, {"s", "x:s | y:2"}),
-         })
-        row.Check();
+    EXPECT_EQ("x:" + ZoString("s") + 'a' + -5 + 0 + 5u + 0.5 + 5ull + sizeof(char), "x:sa-5050.50000051");
+    EXPECT_EQ("t" + ZoString() + ZoString("u") + static_cast<const char*>(nullptr), "tu");
     ZoString t;
     t += 0;
     t += 'a';
@@ -271,13 +261,6 @@ TEST(ZoStringTest, NumbersAreReadAsCDoes) {
     // Where C leaves the result open.
     EXPECT_EQ(ZoString("2147483648").ToInt(), INT_MAX);
     EXPECT_EQ(ZoString("-99999999999999999999999999").ToInt(), INT_MIN);
-
-    const std::string zeros(400, '0');
-    EXPECT_EQ(ZoString(("1" + zeros).c_str()).ToDouble(), HUGE_VAL);
-    EXPECT_EQ(ZoString(("0." + zeros + "1").c_str()).ToDouble(), 0);
-    EXPECT_EQ(ZoString(("0." + zeros + "1e401").c_str()).ToDouble(), 1);
-    EXPECT_EQ(ZoString(("0x1" + zeros + "p-1600").c_str()).ToDouble(), 1);
-    EXPECT_EQ(ZoString(("0x" + zeros + ".1p4").c_str()).ToDouble(), 1);
 }
 
 TEST(ZoStringTest, Finds) {
@@ -334,8 +317,7 @@ TEST(ZoStringTest, AssertionsOfPositions) {
         {AssertionOf([&] { s.rfind('a', 3); }), {"initPos < thisLength", body, 693}},
         {AssertionOf([&] { s.textRFind("a", 3); }), {"initPos < (int)thisLength", body, 723}},
         {AssertionOf([&] { empty.find('a', 3), s.find("a", 99), s.rfind('a', 2), s.textRFind("a", 2); }),
-         none},
-    };
+         none}};
     for (const auto& [failed, expected] : rows) EXPECT_EQ(failed, expected);
     EXPECT_EQ(s, "abc");
 }
@@ -431,7 +413,7 @@ TEST(ZoStringTest, WordWrap) {
         {"aaa bbb ccc ddd", 5, "aaa\nbbb\nccc\nddd"},
         {"aaa bbb", 3, "aaa\nbbb"},
         {"aaaaaaaaaa bb cc", 4, "aaaaaaaaaa\nbb\ncc"},
-        {"a bb\ncc dd ee", 6, "a bb\ncc\ndd ee"}, // a line feed since the space
+        {"a bb\ncc dd ee", 6, "a bb\ncc\ndd ee"},
         {"aaa bb", 10, "aaa bb"},
         {"aaa", 3, "aaa"},
         {"a b", 0, "a b"},
@@ -450,8 +432,7 @@ TEST(ZoStringTest, Classification) {
         {"", "bo"},      {"  ", "b"},   {"\t", ""},   {"12", "donv"}, {"-12.5", "dnv"}, {"-1,5", "dn"},
         {"3.25", "dnv"}, {"1.", "dv"},  {".5", "dv"}, {"1.2.3", "d"}, {"1,2.3", "d"},   {"1,", "d"},
         {",5", "d"},     {"-.5", "dv"}, {"+1", "d"},  {"1-2", "d"},   {"-", "v"},       {"--1", "d"},
-        {"1 ", "d"},     {"a1", "d"},   {"(", "u"},   {"\xC7", "u"},  {"Q\xE3,;", ""},  {"a:b", "i"},
-    };
+        {"1 ", "d"},     {"a1", "d"},   {"(", "u"},   {"\xC7", "u"},  {"Q\xE3,;", ""},  {"a:b", "i"}};
     for (const auto& [text, kinds] : rows) {
         const ZoString s(text);
         const bool is[] = {s.IsNull(),       s.HasNumericChar(),    s.HasOnlyNumbers(),     s.IsNumeric(),
@@ -489,12 +470,8 @@ TEST(ZoStringTest, Formatting) {
 } // namespace
 
 TEST(ZoStringTest, IsMadeFromAndTurnedIntoStandardStrings) {
-    const std::string text = "caf\xE9";
-    const ZoString fromString = text, fromView = std::string_view(text).substr(0, 3);
-    EXPECT_EQ(fromString, "caf\xE9");
-    EXPECT_EQ(fromView, "caf");
-    EXPECT_EQ(ZoString(std::string("a\0b", 3)), "a");
-    EXPECT_EQ(static_cast<std::string>(fromString), text);
-    EXPECT_EQ(std::string_view(fromView), "caf");
+    const ZoString text = std::string("caf\xE9\0b", 6), view = std::string_view("cafe").substr(0, 3);
+    EXPECT_EQ(static_cast<std::string>(text), "caf\xE9");
+    EXPECT_EQ(std::string_view(view), "caf");
     EXPECT_EQ(std::string(ZoString()), "");
 }

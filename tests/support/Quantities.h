@@ -29,10 +29,11 @@ struct Quantity {
     ZoPrimitives::TZoCreateFunction create;
 };
 
-template <class Class, class Unit>
+template <class Class>
 Quantity QuantityOf(const char* name, std::vector<double (Class::*)() const> accessors,
                     std::vector<std::string> accessorNames) {
     using ZoPrimitives::Grandeza;
+    using Unit = typename Class::TUnidade;
     return {
         name,
         static_cast<int>(accessors.size()),
@@ -64,36 +65,20 @@ Quantity QuantityOf(const char* name, std::vector<double (Class::*)() const> acc
 
 inline const std::vector<Quantity>& AllQuantities() {
     using namespace ZoPrimitives;
+// clang-format off
 #define ZO_A(Class, unit, ...) &Class::unit,
 #define ZO_N(Class, unit, ...) #unit,
-#define ZO_Q(Name) QuantityOf<G##Name, T##Name>("G" #Name, {ZO_UNITS_T##Name(ZO_A)}, {ZO_UNITS_T##Name(ZO_N)})
-    static const std::vector<Quantity> all = {ZO_Q(Angulo),
-                                              ZO_Q(Area),
-                                              ZO_Q(AreaM),
-                                              ZO_Q(Comprimento),
-                                              ZO_Q(Corrente),
-                                              ZO_Q(Energia),
-                                              ZO_Q(ForcaArea),
-                                              ZO_Q(ForcaConcentrada),
-                                              ZO_Q(ForcaLinear),
-                                              ZO_Q(Inercia),
-                                              ZO_Q(Intensidade),
-                                              ZO_Q(Momento),
-                                              ZO_Q(Peso),
-                                              ZO_Q(PoderCalorifico),
-                                              ZO_Q(Potencia),
-                                              ZO_Q(PressaoCoesao),
-                                              ZO_Q(PressaoHidraulica),
-                                              ZO_Q(PressaoTensao),
-                                              ZO_Q(Recalque),
-                                              ZO_Q(Temperatura),
-                                              ZO_Q(Tempo),
-                                              ZO_Q(Vazao),
-                                              ZO_Q(Velocidade),
-                                              ZO_Q(Volume)};
+#define ZO_Q(Name) QuantityOf<G##Name>("G" #Name, {ZO_UNITS_T##Name(ZO_A)}, {ZO_UNITS_T##Name(ZO_N)}),
+    static const std::vector<Quantity> all = {
+        ZO_Q(Angulo) ZO_Q(Area) ZO_Q(AreaM) ZO_Q(Comprimento) ZO_Q(Corrente) ZO_Q(Energia)
+        ZO_Q(ForcaArea) ZO_Q(ForcaConcentrada) ZO_Q(ForcaLinear) ZO_Q(Inercia) ZO_Q(Intensidade) ZO_Q(Momento)
+        ZO_Q(Peso) ZO_Q(PoderCalorifico) ZO_Q(Potencia) ZO_Q(PressaoCoesao) ZO_Q(PressaoHidraulica)
+        ZO_Q(PressaoTensao) ZO_Q(Recalque) ZO_Q(Temperatura) ZO_Q(Tempo) ZO_Q(Vazao) ZO_Q(Velocidade)
+        ZO_Q(Volume)};
 #undef ZO_A
 #undef ZO_N
 #undef ZO_Q
+    // clang-format on
     return all;
 }
 

@@ -19,67 +19,6 @@ const std::string END = "End-of-file @ ";
 
 std::string Value(const std::string& bytes) { return LittleEndian(bytes.size()) + bytes; }
 
-// Writing
-
-TEST(ClipboardOutputStreamTests, EachValueIsItsLengthAndItsBytes) {
-    const struct {
-        const char* name;
-        std::function<void(OutputStream&)> write;
-        std::string block;
-    } rows[] = {
-        {"nothing", [](OutputStream&) {}, ""},
-        {"int", [](OutputStream& s) { s << -2; }, Value("\xFE\xFF\xFF\xFF")},
-        {"unsigned", [](OutputStream& s) { s << 0x12345678u; }, Value("\x78\x56\x34\x12")},
-        {"short", [](OutputStream& s) { s << static_cast<short>(-2); }, Value("\xFE\xFF")},
-        {"unsigned short", [](OutputStream& s) { s << static_cast<unsigned short>(0x1234); },
-         Value("\x34\x12")},
-        {"float", [](OutputStream& s) { s << 1.5f; }, Value("\0\0\xC0\x3F"s)},
-        {"double", [](OutputStream& s) { s << 1.5; }, Value("\0\0\0\0\0\0\xF8\x3F"s)},
-        {"long double", [](OutputStream& s) { s << 1.5L; }, Value("\0\0\0\0\0\0\xF8\x3F"s)},
-        {"bool", [](OutputStream& s) { s << true << false; }, Value("\1") + Value("\0"s)},
-        {"text", [](OutputStream& s) { s << "Abc" << ZoString("d\xE7"); },
-         Value("Abc\0"s) + Value("d\xE7\0"s)},
-        {"no text", [](OutputStream& s) { s << "" << static_cast<const char*>(nullptr) << ZoString(); },
-         Value("\0"s) + Value("\0"s) + Value("\0"s)},
-    };
-    for (const auto& row : rows) {
-        FakeClipboard clipboard("theirs");
-        {
-            ClipboardOutputStream stream;
-            row.write(stream);
-            EXPECT_EQ(clipboard.log, "") << row.name;
-        }
-        EXPECT_EQ(clipboard.log, "osc") << row.name;
-        EXPECT_EQ(clipboard.block, row.block) << row.name;
-    }
-}
-
-TEST(ClipboardOutputStreamTests, FinalizeTellsOfAFailure) {
-    FakeClipboard clipboard("theirs");
-    clipboard.openError = Platform::ErrorSharingViolation;
-    {
-        ClipboardOutputStream stream;
-        stream << "a";
-        EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "Clipboard in use" + PUT);
-        stream << "b";
-    } // the destructor says nothing
-    EXPECT_EQ(clipboard.block, "theirs");
-    {
-        ClipboardOutputStream stream;
-        stream << "a";
-        EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "Clipboard in use" + PUT);
-        clipboard.openError = 0;
-        stream.Finalize();
-        EXPECT_EQ(AssertionOf([&] { stream << 1; }).expression,
-                  "!finalized && \"[zoerror] a stream fills the clipboard once\"");
-        clipboard.block = "later";
-    }
-    EXPECT_EQ(clipboard.block, "later");
-    EXPECT_EQ(clipboard.log, "osc");
-}
-
-// Reading
-
 /// Reads one value as a type, or skips it; what came of it, or the failure.
 template <class T>
 std::string As(ClipboardInputStream& in) {
@@ -102,6 +41,66 @@ std::string Characters(ClipboardInputStream& in) {
     const std::string failure = FailureOf([&] { in >> buffer; });
     return failure.empty() ? buffer : failure;
 }
+
+// Writing
+
+TEST(ClipboardOutputStreamTests, EachValueIsItsLengthAndItsBytes) {
+    using Write = std::function<void(OutputStream&)>;
+    using Read = std::string (*)(ClipboardInputStream&);
+    const std::tuple<const char*, Write, std::string, Read, const char*> rows[] = {
+        {"nothing", [](OutputStream&) {}, "", Line, "false, untouched"},
+        {"int", [](OutputStream& s) { s << -2; }, Value("\xFE\xFF\xFF\xFF"), As<int>, "-2"},
+        {"unsigned", [](OutputStream& s) { s << 4294967294u; }, Value("\xFE\xFF\xFF\xFF"), As<unsigned>,
+         "4294967294"},
+        {"short", [](OutputStream& s) { s << static_cast<short>(-2); }, Value("\xFE\xFF"), As<short>, "-2"},
+        {"unsigned short", [](OutputStream& s) { s << static_cast<unsigned short>(0xFFFE); },
+         Value("\xFE\xFF"), As<unsigned short>, "65534"},
+        {"float", [](OutputStream& s) { s << 1.5f; }, Value("\0\0\xC0\x3F"s), As<float>, "1.500000"},
+        {"double", [](OutputStream& s) { s << 1.5; }, Value("\0\0\0\0\0\0\xF8\x3F"s), As<double>, "1.500000"},
+        {"long double", [](OutputStream& s) { s << 1.5L; }, Value("\0\0\0\0\0\0\xF8\x3F"s), As<long double>,
+         "1.500000"},
+        {"bool", [](OutputStream& s) { s << true << false; }, Value("\1") + Value("\0"s), As<bool>, "1"},
+        {"text", [](OutputStream& s) { s << "Abc" << ZoString("d\xE7"); },
+         Value("Abc\0"s) + Value("d\xE7\0"s), Characters, "Abc"},
+        {"no text", [](OutputStream& s) { s << "" << static_cast<const char*>(nullptr) << ZoString(); },
+         Value("\0"s) + Value("\0"s) + Value("\0"s), As<ZoString>, ""},
+    };
+    for (const auto& [name, write, block, read, text] : rows) {
+        SCOPED_TRACE(name);
+        FakeClipboard clipboard("theirs");
+        {
+            ClipboardOutputStream stream;
+            write(stream);
+            EXPECT_EQ(clipboard.log, "");
+        }
+        EXPECT_EQ(clipboard.log, "osc");
+        EXPECT_EQ(clipboard.block, block);
+        ClipboardInputStream in;
+        EXPECT_EQ(read(in), text);
+    }
+}
+
+TEST(ClipboardOutputStreamTests, FinalizeTellsOfAFailure) {
+    FakeClipboard clipboard("theirs");
+    clipboard.openError = Platform::ErrorSharingViolation;
+    for (const bool again : {false, true}) {
+        ClipboardOutputStream stream;
+        stream << "a";
+        EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "Clipboard in use" + PUT);
+        stream << "b"; // the destructor says nothing
+        EXPECT_EQ(clipboard.block, "theirs");
+        if (!again) continue;
+        clipboard.openError = 0;
+        stream.Finalize();
+        EXPECT_EQ(AssertionOf([&] { stream << 1; }).expression,
+                  "!finalized && \"[zoerror] a stream fills the clipboard once\"");
+        clipboard.block = "later";
+    }
+    EXPECT_EQ(clipboard.block, "later");
+    EXPECT_EQ(clipboard.log, "osc");
+}
+
+// Reading
 
 TEST(ClipboardInputStreamTests, TakesNothingThatIsNotThere) {
     FakeClipboard clipboard;
@@ -128,29 +127,17 @@ TEST(ClipboardInputStreamTests, TheClipboardIsOpenAsLongAsTheStream) {
 TEST(ClipboardInputStreamTests, BlocksOfStrangers) {
     using Steps = std::vector<std::pair<std::string (*)(ClipboardInputStream&), std::string>>;
     const std::string eight = Value("12345678");
-    const struct {
-        const char* name;
-        std::string block;
-        Steps steps;
-        bool cut = false;
-    } rows[] = {
+    const std::tuple<std::string, std::string, Steps> rows[] = {
         {"empty", "", {{As<int>, END}, {As<ZoString>, END}, {Skip, END}, {Line, "false, untouched"}}},
         {"zeros", std::string(100, '\0'), {{As<ZoString>, END}, {As<bool>, END}, {Skip, END}}},
         {"another size",
          eight,
-         {{As<int>, NUMBER},
-          {As<unsigned>, NUMBER},
-          {As<short>, NUMBER},
-          {As<bool>, NUMBER},
-          {As<float>, NUMBER},
-          {As<ZoString>, "12345678"},
-          {As<int>, END}}},
+         {{As<int>, NUMBER}, {As<bool>, NUMBER}, {As<ZoString>, "12345678"}, {As<int>, END}}},
         {"skipped", eight + Value("\7\0\0\0"s), {{Skip, ""}, {As<int>, "7"}, {Skip, END}}},
-        {"part of a length", "\4\0"s, {{As<int>, NUMBER}, {As<ZoString>, STRING}, {Skip, SKIP}}, true},
-        {"length beyond the block",
+        {"cut in a length", "\4\0"s, {{As<int>, NUMBER}, {As<ZoString>, STRING}, {Skip, SKIP}}},
+        {"cut in a value",
          LittleEndian(5) + "1234",
-         {{As<int>, NUMBER}, {As<ZoString>, STRING}, {Skip, SKIP}, {Line, "false, untouched"}},
-         true},
+         {{As<int>, NUMBER}, {As<ZoString>, STRING}, {Skip, SKIP}, {Line, "false, untouched"}}},
         {"the largest length", LittleEndian(0xFFFFFFFF) + "1234", {{As<ZoString>, STRING}, {Skip, SKIP}}},
         {"a length that wraps around", LittleEndian(0xFFFFFFFC) + "1234", {{As<int>, NUMBER}, {Skip, SKIP}}},
         {"a text without an end", Value("ab") + Value("c\0"s), {{As<ZoString>, "ab"}, {As<ZoString>, "c"}}},
@@ -160,15 +147,15 @@ TEST(ClipboardInputStreamTests, BlocksOfStrangers) {
         {"a text of 0 bytes", Value("\0\0\0"s) + Value("a\0"s), {{As<ZoString>, ""}, {Line, "a"}}},
         {"a flag that is neither", Value("\x80"), {{As<bool>, "1"}}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, block, steps] : rows) {
         for (const std::size_t padding : {0U, 1U, 3U, 4U, 15U, 100'000U}) {
-            if (padding != 0 && row.cut) continue; // zeros would make it whole
-            SCOPED_TRACE(std::string(row.name) + " and " + std::to_string(padding) + " zeros");
-            FakeClipboard clipboard(row.block);
+            if (padding != 0 && name.starts_with("cut")) continue; // zeros would make it whole
+            SCOPED_TRACE(name + " and " + std::to_string(padding) + " zeros");
+            FakeClipboard clipboard(block);
             clipboard.padding = padding;
             {
                 ClipboardInputStream in;
-                for (const auto& [step, outcome] : row.steps) EXPECT_EQ(step(in), outcome);
+                for (const auto& [step, outcome] : steps) EXPECT_EQ(step(in), outcome);
             }
             EXPECT_EQ(clipboard.log, "ogc");
         }

@@ -25,15 +25,6 @@ public:
 
     std::string Path() const { return folder.Path(NAME); }
     std::string Bytes() const { return folder.Read(NAME); }
-    /// What the stream leaves in the file.
-    template <class Operation>
-    std::string Writing(Operation operation) const {
-        {
-            FileOutputStream stream(Path().c_str(), false);
-            operation(stream);
-        }
-        return Bytes();
-    }
     TemporaryFolder folder;
 };
 
@@ -44,11 +35,7 @@ std::string Next(InputStream& stream) {
 }
 
 TEST(FileOutputStreamTests, WritesOneLineForEachValue) {
-    const struct {
-        const char* name;
-        std::function<void(OutputStream&)> write;
-        std::string bytes;
-    } rows[] = {
+    const std::tuple<const char*, std::function<void(OutputStream&)>, const char*> rows[] = {
         {"nothing", [](OutputStream&) {}, ""},
         {"integers",
          [](OutputStream& s) {
@@ -67,9 +54,13 @@ TEST(FileOutputStreamTests, WritesOneLineForEachValue) {
         {"an empty token alone", [](OutputStream& s) { s << ""; }, ""},
         {"an empty token last", [](OutputStream& s) { s << ZoString("a") << ""; }, "a\r\n"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, write, bytes] : rows) {
         const Text text;
-        EXPECT_EQ(text.Writing(row.write), row.bytes) << row.name;
+        {
+            FileOutputStream stream(text.Path().c_str(), false);
+            write(stream);
+        }
+        EXPECT_EQ(text.Bytes(), bytes) << name;
     }
 }
 
@@ -114,49 +105,37 @@ TEST(FileOutputStreamTests, LeavesAHandleOpenThatIsNotItsOwn) {
 }
 
 TEST(FileOutputStreamTests, FinalizeTellsOfAFailure) {
-    const struct {
-        const char* operation;
-        unsigned long error;
-        const char* thrown;
-    } rows[] = {
+    const std::tuple<const char*, unsigned long, const char*> rows[] = {
         {"WriteFile", Platform::ErrorDiskFull, "full @ FileOutputStream::Finalize"},
         {"WriteFile", Platform::ErrorHandleDiskFull, "full @ FileOutputStream::Finalize"},
         {"WriteFile", Platform::ErrorDevice, "Unknown error @ FileOutputStream::Finalize"},
         {"CloseFile", Platform::ErrorDiskFull, "full @ FileOutputStream::Finalize"},
-        {"OpenFile", Platform::ErrorAccessDenied, "Input/output error @ FileOutputStream::FileOutputStream"},
-        {"", 0, ""},
+        {"none", 0, ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& [operation, error, thrown] : rows) {
         const Text text;
         FaultyServices system;
-        if (row.error != 0) system.Fail(row.operation, 1, row.error);
-        EXPECT_EQ(FailureOf([&] {
-                      FileOutputStream stream(text.Path().c_str(), false);
-                      stream << "a";
-                      EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), row.thrown);
-                      EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "");
-                      EXPECT_EQ(stream.GetFile(), nullptr);
-                      EXPECT_NE(AssertionOf([&] { stream << "b"; }).line, 0);
-                  }),
-                  std::string(row.operation) == "OpenFile" ? row.thrown : "");
-        EXPECT_LE(system.Count("WriteFile"), 1) << row.operation;
-        EXPECT_EQ(system.OpenHandles(), 0u) << row.operation;
+        for (const char* last : {"a", "told to nobody, nor thrown"}) {
+            system.Fail(operation, 1, error);
+            FileOutputStream stream(text.Path().c_str(), false);
+            stream << last;
+            if (*last != 'a') continue;
+            EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), thrown);
+            EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "");
+            EXPECT_EQ(stream.GetFile(), nullptr);
+            EXPECT_NE(AssertionOf([&] { stream << "b"; }).line, 0);
+            EXPECT_LE(system.Count("WriteFile"), 1) << operation;
+        }
+        EXPECT_EQ(system.OpenHandles(), 0u) << operation;
+        system.Fail("OpenFile", 1, Platform::ErrorAccessDenied);
+        EXPECT_EQ(FailureOf([&] { FileOutputStream(text.Path().c_str(), false); }),
+                  "Input/output error @ FileOutputStream::FileOutputStream");
     }
-    // Without `Finalize` nobody is told, and nothing is thrown.
-    const Text text;
-    FaultyServices system;
-    system.Fail("WriteFile", 1, Platform::ErrorDiskFull);
-    FileOutputStream(text.Path().c_str(), false) << "a";
-    EXPECT_EQ(system.OpenHandles(), 0u);
 }
 
 TEST(FileInputStreamTests, TakesALineForAToken) {
-    const struct {
-        const char* name;
-        std::string bytes;
-        std::vector<std::string> tokens;
-        bool ends; // otherwise the last token comes again
-    } rows[] = {
+    // Where the text does not end, its last token comes again.
+    const std::tuple<const char*, std::string, std::vector<std::string>, bool> rows[] = {
         {"empty", "", {}, true},
         {"both", "a\nb\r\nc\n", {"a", "b", "c"}, true},
         {"no last line end", "a\r\nb", {"a", "b", "b", "b"}, false},
@@ -167,84 +146,66 @@ TEST(FileInputStreamTests, TakesALineForAToken) {
         {"0 bytes only", std::string("\0\0", 2), {"", ""}, false},
         {"a long line", std::string(100'000, 'x') + "\ny\n", {std::string(100'000, 'x'), "y"}, true},
     };
-    for (const auto& row : rows) {
-        const Text texts[] = {Text(row.bytes), Text(row.bytes), Text(row.bytes)};
-        FileInputStream stream(texts[0].Path().c_str());
-        FileInputStream lines(texts[1].Path().c_str());
-        FileInputStream skipping(texts[2].Path().c_str());
-        std::vector<char> buffer(row.bytes.size() + 1, '?');
+    for (const auto& [name, bytes, tokens, ends] : rows) {
+        SCOPED_TRACE(name);
+        const Text text(bytes);
+        const auto open = [&] { return FileInputStream(text.Path().c_str(), TFileReading::Viewing); };
+        FileInputStream stream = open(), lines = open(), skipping = open();
+        std::vector<char> buffer(bytes.size() + 1, '?');
         unsigned repeats = 0;
-        for (const std::string& token : row.tokens) {
-            EXPECT_EQ(Next(stream), token) << row.name;
+        for (const std::string& token : tokens) {
+            EXPECT_EQ(Next(stream), token);
             EXPECT_TRUE(lines.GetLine(buffer.data()));
-            EXPECT_EQ(buffer.data(), token) << row.name;
+            EXPECT_EQ(buffer.data(), token);
             skipping.SkipValue();
             EXPECT_GE(stream.GetRepeats(), repeats);
             repeats = stream.GetRepeats();
         }
-        EXPECT_EQ(repeats != 0, !row.ends) << row.name;
-        EXPECT_EQ(skipping.GetRepeats(), repeats) << row.name;
-        if (!row.ends) continue;
+        EXPECT_EQ(repeats != 0, !ends);
+        EXPECT_EQ(skipping.GetRepeats(), repeats);
+        if (!ends) continue;
         buffer[0] = '?';
-        EXPECT_EQ(FailureOf([&] { Next(stream); }), "End-of-file @ ") << row.name;
-        EXPECT_EQ(FailureOf([&] { skipping.SkipValue(); }), "End-of-file @ ") << row.name;
+        EXPECT_EQ(FailureOf([&] { Next(stream); }), "End-of-file @ ");
+        EXPECT_EQ(FailureOf([&] { skipping.SkipValue(); }), "End-of-file @ ");
         EXPECT_EQ(FailureOf([&] { static_cast<InputStream&>(stream).CheckRead(); }), "End-of-file @ ");
-        EXPECT_FALSE(lines.GetLine(buffer.data())) << row.name;
-        EXPECT_EQ(buffer[0], '?') << row.name;
+        EXPECT_TRUE(!lines.GetLine(buffer.data()) && buffer[0] == '?');
     }
 }
 
 TEST(FileInputStreamTests, ConvertsAsTheCRuntime) {
-    const struct {
-        const char* line;
-        int integer;
-        unsigned natural;
-        short small;
-        unsigned short smallNatural;
-        bool flag;
-        double real;
-    } rows[] = {
-        {"0", 0, 0, 0, 0, false, 0},
-        {"  +12abc", 12, 12, 12, 12, true, 12},
-        {"-7.9e1", -7, 4294967289u, -7, 65529, true, -79},
-        {"", 0, 0, 0, 0, false, 0},
-        {"1.e+020", 1, 1, 1, 1, true, 1e20},
-        {"0.5", 0, 0, 0, 0, false, 0.5},
-        {"65535", 65535, 65535, -1, 65535, true, 65535},
-        {"70000", 70000, 70000, 4464, 4464, true, 70000},
-        {"2147483648", INT_MAX, 2147483648u, -1, 65535, true, 2147483648.0},
-        {"4294967295", INT_MAX, UINT_MAX, -1, 65535, true, 4294967295.0},
-        {"-99999999999", INT_MIN, 2147483648u, 0, 0, true, -99999999999.0},
-        {"1e999", 1, 1, 1, 1, true, HUGE_VAL},
-        {"1,5", 1, 1, 1, 1, true, 1},
+    const std::tuple<const char*, int, unsigned, short, unsigned short, float, double> rows[] = {
+        {"  +12abc", 12, 12, 12, 12, 12, 12},
+        {"-7.9e1", -7, 4294967289u, -7, 65529, -79, -79},
+        {"", 0, 0, 0, 0, 0, 0},
+        {"0.5", 0, 0, 0, 0, 0.5, 0.5},
+        {"65535", 65535, 65535, -1, 65535, 65535, 65535},
+        {"70000", 70000, 70000, 4464, 4464, 70000, 70000},
+        {"2147483648", INT_MAX, 2147483648u, -1, 65535, 2147483648.0f, 2147483648.0},
+        {"4294967295", INT_MAX, UINT_MAX, -1, 65535, 4294967296.0f, 4294967295.0},
+        {"-99999999999", INT_MIN, 2147483648u, 0, 0, -99999997952.0f, -99999999999.0},
+        {"1,5e999", 1, 1, 1, 1, 1, 1},
+        {"-1.e+300", -1, UINT_MAX, -1, 65535, -HUGE_VALF, -1e300},
+        {"3.4028235677973366e38", 3, 3, 3, 3, HUGE_VALF, 3.4028235677973366e38},
+        {"3.4028235e38", 3, 3, 3, 3, 3.4028234664e38f, 3.4028235e38},
+        {"1e-60", 1, 1, 1, 1, 0, 1e-60},
     };
-    for (const auto& row : rows) {
+    for (const auto& [line, integer, natural, small, smallNatural, real, precise] : rows) {
+        SCOPED_TRACE(line);
         std::string bytes;
-        for (int i = 0; i < 8; ++i) bytes += row.line + std::string("\n");
-        const Text text(bytes);
+        for (int i = 0; i < 8; ++i) bytes += line + std::string("\n");
+        const Text text(bytes + "nan\n");
         FileInputStream stream(text.Path().c_str());
         const auto next = [&](auto value) { return stream >> value, value; };
-        EXPECT_EQ(next(-1), row.integer) << row.line;
-        EXPECT_EQ(next(1u), row.natural) << row.line;
-        EXPECT_EQ(next(short{-1}), row.small) << row.line;
-        EXPECT_EQ(next(static_cast<unsigned short>(1)), row.smallNatural) << row.line;
-        EXPECT_EQ(next(!row.flag), row.flag) << row.line;
-        EXPECT_EQ(next(-1.0f), static_cast<float>(row.real)) << row.line;
-        EXPECT_EQ(next(-1.0), row.real) << row.line;
-        EXPECT_EQ(next(-1.0L), row.real) << row.line;
+        EXPECT_EQ(next(-1), integer);
+        EXPECT_EQ(next(1u), natural);
+        EXPECT_EQ(next(short{-1}), small);
+        EXPECT_EQ(next(static_cast<unsigned short>(1)), smallNatural);
+        EXPECT_EQ(next(integer == 0), integer != 0);
+        EXPECT_EQ(next(-1.0f), real);
+        EXPECT_EQ(next(-1.0), precise);
+        EXPECT_EQ(next(-1.0L), precise);
+        EXPECT_TRUE(std::isnan(next(0.0f)));
     }
-}
-
-TEST(FileInputStreamTests, FloatsAreTheNearest) {
-    const Text text("1e300\n-1e300\n3.4028235677973366e38\n3.4028235e38\n1e-60\nnan\n");
-    FileInputStream stream(text.Path().c_str());
-    float value = 0;
-    for (const float nearest : {HUGE_VALF, -HUGE_VALF, HUGE_VALF, 3.4028234664e38f, 0.0f}) {
-        stream >> value;
-        EXPECT_EQ(value, nearest);
-    }
-    stream >> value;
-    EXPECT_TRUE(std::isnan(value));
 }
 
 TEST(FileInputStreamTests, OpensAsReaderOfItsFile) {

@@ -39,6 +39,7 @@ TEST(SlotTests, WhatApplicationsOverrideStandsWhereTheyWereCompiledToFindIt) {
     using F = TZoClassField;
     using I = InputStream;
     using O = TBinOutStream;
+    using V = TDVector<int>;
     const struct {
         const char* name;
         Slots slots;
@@ -74,6 +75,14 @@ TEST(SlotTests, WhatApplicationsOverrideStandsWhereTheyWereCompiledToFindIt) {
         {"an interface, where destruction comes last",
          {Slot(&IStreamableConvertionFactory::CreateStreamable)},
          0},
+        {"comparisons",
+         {Slot(static_cast<bool (ZoObject::*)(const ZoObject&) const>(&V::operator==)),
+          Slot(&ZoObject::operator!=)},
+         2},
+        {"vectors",
+         {Slot(&V::Add), Slot(&V::Remove), Slot(&V::Contains), Slot(&V::NItems), Slot(&V::RemoveAll),
+          Slot(static_cast<V& (V::*)(const V&)>(&V::operator=)), Slot(&V::Append), Slot(&V::AddUnique),
+          Slot(&V::Equal), Slot(&V::Find)}},
     };
     for (const auto& tested : cases) {
         std::ptrdiff_t expected = tested.first;

@@ -7,6 +7,7 @@
 #include <emmintrin.h>
 #endif
 
+#include <cstddef>
 #include <cstdint>
 
 #ifdef _MSC_VER
@@ -40,6 +41,9 @@ inline void Prefetch([[maybe_unused]] const void* address) noexcept {
 inline void PrefetchObject(const void* object) noexcept {
     for (int line = 0; line < 192; line += 64) Prefetch(static_cast<const char*>(object) + line);
 }
+
+/// How many objects ahead a loop over objects fetches.
+inline constexpr std::size_t PREFETCH = 8;
 
 /// An address in the caller's frame. A variable's address will not do: sanitizers move variables elsewhere.
 inline std::uintptr_t StackAddress() noexcept {

@@ -8,18 +8,19 @@
 
 namespace ZoPrimitives {
 
-/// The members that are objects, of owners already read, whose records are still to come: they are read where
-/// they stand. What an object holds follows it under rising uids, so the next one is the last of a stack.
-/// Claims in another order are left to `MemberObjects`.
+/// The members (`ftChildValue`) of objects already read whose own records are still to come; those are read
+/// in place. What an object holds follows it under rising uids, so the next member is the top of a stack.
+/// Members that are claimed in another order are left to `MemberObjects`.
 class AwaitedMembers {
 public:
     struct Member {
         int uid;
         ZoStreamableBase* object; // null: none
-        ZoStreamableBase* owner;  // the outermost
+        ZoStreamableBase* owner;  // the outermost one
     };
 
-    /// Begins with the members of the object of the current record; `outermost`: itself or its owner.
+    /// Begins the members of the object of the current record. `outermost` is that object or, for a member,
+    /// its outermost owner.
     void Begin(int uid, ZoStreamableBase* outermost) {
         current = uid;
         owner = outermost;
@@ -34,7 +35,7 @@ public:
     }
     void End() { std::reverse(members.begin() + static_cast<std::ptrdiff_t>(begun), members.end()); }
 
-    /// The member whose record is the one of that uid; it is awaited no longer.
+    /// Returns the member whose record has that uid, and awaits it no longer.
     Member Take(int uid) {
         while (!members.empty() && members.back().uid < uid) {
             members.pop_back();
@@ -46,7 +47,7 @@ public:
         return taken;
     }
 
-    /// Tells that some members are not read where they stand.
+    /// Notes that some members are not read in place.
     void LeaveSome() { left = true; }
     bool LeftSome() const { return left || !members.empty(); }
 

@@ -23,8 +23,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr unsigned PREFETCH = 8; // objects ahead
-
 [[noreturn]] void Throw(const char* literal, const char* location) {
     throw XStream(TTranslatedString(literal).Text(), location);
 }
@@ -36,14 +34,14 @@ struct TBinInStreamer::Use {
     int classId;
     bool decided;     // the rest is known
     bool substituted; // readAs is an ancestor
-    bool inPlace;     // a member of the class is read where it stands
+    bool inPlace;     // a member of the class can be read in place
     bool hasValues;   // its objects have members that are objects
-    bool asked;       // whether those may be invalid is known
-    unsigned hooks;   // calls that its objects answer
+    bool asked;       // whether those members may be invalid is known
+    unsigned hooks;   // the hooks that its objects override
     TZoClass* readAs; // the class itself, or the ancestor that stands for it; null: records are dropped
 };
 
-/// The uses of all classes of a file, by id.
+/// The uses of a file's classes, by class id.
 class TBinInStreamer::Uses {
 public:
     explicit Uses(const TZoMetaData& schema) {
@@ -55,7 +53,7 @@ public:
         }
         const auto byId = [](const Use& a, const Use& b) { return a.classId < b.classId; };
         if (!std::is_sorted(uses.begin(), uses.end(), byId)) std::sort(uses.begin(), uses.end(), byId);
-        // Ids are small as a rule.
+        // Most ids are small.
         const std::size_t most = 1024 + 4 * uses.size();
         for (const Use& use : uses) {
             const auto id = static_cast<std::size_t>(use.classId);
@@ -115,7 +113,7 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
     if (!IsFiltered()) stream->ReserveInstances();
     MadeObjects made(*stream);
     operations = typeid(*this) == typeid(TBinInStreamer) ? Operations::Library : Operations::Overridden;
-    // Members that are objects are found by the entries of what was read for them.
+    // Members that are objects are found through the entries of the objects read for them.
     bool all = IsOverridden();
     for (int i = 1; i <= fileSchema.GetClassCount() && !all; ++i) {
         const TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
@@ -149,7 +147,7 @@ void TBinInStreamer::Decide(Use& use) {
     if (use.readAs->GetOriginal() == nullptr && IsFiltered()) {
         use.readAs = nullptr;
     } else if (use.readAs->GetOriginal() == nullptr) {
-        unknown.Add(use.readAs); // comes here once
+        unknown.Add(use.readAs);
         use.substituted = true;
         while (use.readAs != nullptr && use.readAs->GetOriginal() == nullptr) {
             TZoClass* parent = use.readAs->GetParentClass();
@@ -158,7 +156,7 @@ void TBinInStreamer::Decide(Use& use) {
     }
     if (use.readAs != nullptr) {
         use.hasValues = use.readAs->GetOriginal()->HasValueChildren();
-        // A streamer of an application's own may make objects of other types than the class's.
+        // An application's own streamer may make objects of other types than the class's.
         if (!IsOverridden()) use.hooks = use.readAs->GetOriginal()->hooks;
         use.inPlace = !use.substituted && (use.hooks & hookCreateInstance) == 0;
     }
@@ -196,7 +194,7 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
 
 void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
                                 ZoStreamableBase* owner, MadeObjects& made) {
-    ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
+    ZoReferenceCount::Add(member); // only its owner ends it, whatever else lets go of it
     made.members.Set(uid, member);
     ReadFields(reader, use, uid, member, owner, made);
     if ((use.hooks & hookCheckForExcludedFields) != 0) member->CheckForExcludedFields(stream);
@@ -233,7 +231,7 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
     InstanceTables::Of(*stream).EndReading();
 }
 
-/// Has references that were resolved at once mean what has their uid in the end.
+/// Points references that were resolved early to the object that has their uid in the end.
 void TBinInStreamer::FollowReplaced(MadeObjects& made) {
     using Replaced = MadeObjects::Replaced;
     const auto byObject = [](const Replaced& a, const Replaced& b) { return a.object < b.object; };
@@ -262,13 +260,13 @@ void TBinInStreamer::Validate(MadeObjects& made) {
     TDList<ZoStreamableBase*> invalid;
     for (ZoStreamableBase* object : stream->Objects()) {
         const bool foundBefore = known.count(object) != 0;
-        // What was read in part may well miss something: only its own word counts.
+        // In a partial read objects may well miss others: only what they said while they were read counts.
         const bool valid =
             IsFiltered() ? !foundBefore : IsValid(object, foundBefore, made.membersMayBeInvalid);
         if (!valid) invalid.Add(object);
     }
     if (invalid.NItems() == 0) return;
-    made.EndHold(); // while all that it noted is there
+    made.EndHold(); // while every object that it noted exists
     ObjectRemoval(*stream, schema).Run(invalid);
 }
 

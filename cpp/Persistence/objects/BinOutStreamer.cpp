@@ -19,7 +19,7 @@ void* TBinOutStreamer::GetFile() const { return stream->GetFile(); }
 void TBinOutStreamer::SetFile(void* file) { stream->SetFile(file); }
 
 void TBinOutStreamer::WriteSchemaOf(const UsedClasses& classes) {
-    // Counted references would belong to several threads that save with one schema.
+    // Not counted pointers: threads that save with one schema would share the counts.
     std::vector<TZoClass*> used;
     for (int i = 1; i <= schema->GetClassCount(); ++i) {
         if (classes.Uses(schema->GetClass(i))) used.push_back(schema->GetClass(i));

@@ -42,7 +42,7 @@ bool TFilteredBinInStreamer::Read() {
         try {
             TakeObjects();
         } catch (const std::bad_alloc&) {
-            // The stream lists them.
+            // The stream still lists them.
         }
         throw;
     }

@@ -10,12 +10,6 @@
 
 namespace ZoPrimitives {
 
-namespace {
-
-constexpr std::size_t PREFETCH = 8; // objects ahead
-
-} // namespace
-
 void FailUnregistered(const ZoStreamableBase* object) {
     const ZoString message = ZoString::FormatString(
         "[zoerror] class '%s' not register or not streamable. See 'class::Register' or "
@@ -37,7 +31,7 @@ GraphWalk::GraphWalk(TBinOutStream& outStream, TZoMetaData* applicationSchema, W
       knownExternals(externals.begin(), externals.end()), firstNew(HandleAccess::FirstNew(outStream)),
       classes(usedClasses) {}
 
-/// Whether the object was not met before; it has a uid then.
+/// Whether the object is met for the first time. It has a uid afterwards.
 bool GraphWalk::Meet(const ZoStreamableBase* object) {
     const int uid = HandleAccess::Get(stream, object);
     if (uid != 0) return uid < firstNew && MeetGiven(uid, object);

@@ -13,8 +13,8 @@ namespace ZoPrimitives {
 
 class TBinOutStream;
 
-/// Walks a graph of objects depth first, with a stack of its own: gives each object that has none the next
-/// uid and keeps the order. What an object owns follows it in the order of its record.
+/// Walks a graph of objects depth first, with a stack of its own. Gives each object without a uid the next
+/// one and keeps the order. What an object owns follows it in the order of its record.
 class GraphWalk {
 public:
     /// Objects of one class that follow each other in the order.
@@ -24,22 +24,22 @@ public:
         std::size_t end; // in the order
     };
 
-    /// `externals` collects what fields of external references point to, each object once. `classes` (may be
-    /// null) learns of the classes that a file of the graph needs.
+    /// `externals` collects what external references point to, each object once. `classes` (may be null) is
+    /// told of the classes that a file of the graph needs.
     GraphWalk(TBinOutStream& stream, TZoMetaData* schema, WritePlans& plans,
               TDList<ZoStreamableBase*>& externals, UsedClasses* classes = nullptr);
 
     /// Makes room for an expected number of objects.
     void Reserve(std::size_t objects) { order.reserve(objects); }
-    /// Walks what hangs from `root`, null for nothing. An object that had a uid before is walked as well;
-    /// none is walked twice. Two objects of one uid fail an assertion.
+    /// Walks what hangs from `root`, which may be null. An object that had a uid before is walked as well;
+    /// none is walked twice. Two objects with one uid fail an assertion.
     void Run(ZoStreamableBase* root);
     /// The same, with the root as an object of the given class.
     void Run(ZoStreamableBase* root, TZoClass* rootClass);
     /// The objects in the order of their records: uids that were given here rise.
     const ZoVector<ZoStreamableBase*>& Order() const { return order; }
     const std::vector<Series>& OrderByClass() const { return series; }
-    /// Whether all objects are such that no code of the application runs while they are written.
+    /// Whether no code of the application runs while the objects are written.
     bool IsSteady() const { return steady; }
 
 private:

@@ -17,7 +17,7 @@ MadeObjects::~MadeObjects() {
     for (const ZoStreamableBase* object : consumed) delete object;
     if (!owned) return;
     const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(stream).Take();
-    // None ends because another one lets go of it.
+    // None may end because another one lets go of it.
     for (const ZoStreamableBase* object : objects) ZoReferenceCount::Add(object);
     for (const ZoStreamableBase* object : objects) delete object;
 }

@@ -11,8 +11,8 @@ namespace ZoPrimitives {
 
 class TBinInStream;
 
-/// Owns what one read makes until it hands it over: a read that fails before deletes it. The finished objects
-/// stand in the stream's list. No object ends because a setter lets go of it.
+/// Owns what one read makes until it hands it over; a read that fails before that deletes it all. Finished
+/// objects are in the stream's list. No object ends because a setter lets go of it.
 class MadeObjects final : private KeptObjects {
 public:
     explicit MadeObjects(TBinInStream& stream);
@@ -25,24 +25,24 @@ public:
     void Finish();
     /// From here on the objects are the caller's, whatever happens.
     void HandOver() { owned = false; }
-    /// Takes objects for which a member of another object stands now out of the stream's list and owns them.
-    /// They are sorted. Never throws.
+    /// Takes over the objects that were copied into members: removes them from the stream's list. They must
+    /// be sorted. Never throws.
     void Consume(std::vector<const ZoStreamableBase*>&& objects) noexcept;
-    /// From here on objects end when they are let go of. What was read stays, held by somebody or not.
+    /// From here on objects end when they are let go of. What was read so far stays, held or not.
     void EndHold() { hold.End(); }
 
-    /// An object whose uid another one got later, which references to the uid mean then.
+    /// An object whose uid a later one took over: references to the uid mean that one.
     struct Replaced {
         const ZoStreamableBase* object;
         int uid;
     };
 
-    std::vector<ZoStreamableBase*> invalid; // by their own word, while they were read
+    std::vector<ZoStreamableBase*> invalid; // their `OnRead` said so
     std::vector<Replaced> replaced;
-    UidTable members; // objects that stand inside others
+    UidTable members; // objects that are members of others
     AwaitedMembers awaited;
     bool hasValues = false;
-    bool mayBeInvalid = false;        // some class answers GetIsValid
+    bool mayBeInvalid = false;        // some class overrides `GetIsValid`
     bool membersMayBeInvalid = false; // so does the class of some member
 
 private:

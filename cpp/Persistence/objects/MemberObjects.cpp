@@ -48,7 +48,7 @@ void MemberObjects::TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* own
     }
 }
 
-/// What the object claims itself comes next.
+/// Goes on with what the object claims itself.
 void MemberObjects::Follow(std::size_t entry) {
     claims[entry] = NOBODY;
     waiting.push_back(entry);
@@ -57,13 +57,13 @@ void MemberObjects::Follow(std::size_t entry) {
 void MemberObjects::Copy(TZoClassFieldPointer& field, ZoStreamableBase* owner, ZoStreamableBase* value,
                          std::size_t entry) {
     field.Set(owner, value);
-    // A second owner gets a copy and no more.
+    // A second owner only gets a copy.
     if (claims[entry] != walked) return;
     Follow(entry);
-    // A member of another type got a part of the object: the record's class does not fit it.
+    // A member of another type took only a part of the object; the record's class does not fit it.
     ZoStreamableBase* member = field.Get(owner);
     if (member == nullptr || member == value || typeid(*member) != typeid(*value)) return;
-    ZoReferenceCount::Add(member); // its owner ends it, whatever else lets go of it
+    ZoReferenceCount::Add(member); // only its owner ends it, whatever else lets go of it
     TBinUnresolved& waits = unresolved.Entries()[entry];
     if (!IsMember(waits.uid, value)) taken.push_back(value);
     made.members.Set(waits.uid, member);
@@ -81,7 +81,7 @@ void MemberObjects::Walk(std::size_t entry) {
     ObjectReader::Resolve(*waits.fileClass, resolver, waits.object);
 }
 
-/// Of equal uids the last entry.
+/// The last entry of that uid.
 std::size_t MemberObjects::EntryOf(int uid) const {
     const auto behind = std::upper_bound(byUid.begin(), byUid.end(), std::pair(uid, NOBODY));
     return behind == byUid.begin() || std::prev(behind)->first != uid ? NOBODY : std::prev(behind)->second;

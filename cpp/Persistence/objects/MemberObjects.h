@@ -11,8 +11,9 @@
 
 namespace ZoPrimitives {
 
-/// Copies the objects that were read for members of others into their owners, owners first, and lets the
-/// members stand for them. Those that were read where they stand stay, or move with an owner that is copied.
+/// Copies objects that were read on their own into the members that they are the values of, owners first, and
+/// lets the members take their places. Members that were read in place stay, or move with an owner that is
+/// copied.
 class MemberObjects final : private ValueTaker {
 public:
     MemberObjects(TBinInStream& stream, MadeObjects& made)
@@ -38,7 +39,7 @@ private:
     bool collecting = false;
     std::size_t walked = 0;                         // entry
     std::vector<std::pair<int, std::size_t>> byUid; // entries, rising
-    std::vector<std::size_t> claims;                // by entry: the entry that takes it first
+    std::vector<std::size_t> claims;                // by entry: the first entry that claims it
     std::unordered_map<const ZoStreamableBase*, ZoStreamableBase*> owners;
     std::vector<const ZoStreamableBase*> taken;
     std::vector<std::size_t> waiting;

@@ -36,7 +36,7 @@ void Await(const ReadCursor& take, TZoClassFieldPointer& field, ZoStreamableBase
     awaited.Add(uid, field.Get(object));
 }
 
-/// The objects' type is the one that the plan's offsets were measured in.
+/// For objects of the type in which the plan's offsets were measured.
 void ReadMembers(const ReadCursor& take, const ReadPlan& plan, ZoStreamableBase* object,
                  AwaitedMembers* awaited) {
     for (std::size_t i = 0; i < plan.steps.size(); ++i) {
@@ -110,7 +110,7 @@ void ObjectReader::Read(TZoClass& fileClass, ZoStreamableBase* object) const {
     if (exact && entries == Entries::Waiting && plan.onlyRefers) ResolveAtOnce(fileClass, object);
 }
 
-/// Resolves the entry opened last, unless it names an object that is still to come, or none.
+/// Resolves the latest entry, unless a uid of it names no object that has been read.
 void ObjectReader::ResolveAtOnce(const TZoClass& fileClass, ZoStreamableBase* object) const {
     InstanceTables& tables = InstanceTables::Of(stream);
     TBinUnresolvedPointers& unresolved = tables.unresolved;

@@ -11,20 +11,19 @@ class AwaitedMembers;
 /// to their fields afterwards.
 class ObjectReader {
 public:
-    /// Which objects get an entry for the resolving of pointers.
+    /// Which objects get an entry for resolving their pointers.
     enum class Entries {
         All,
-        WithPointers,
-        Waiting ///< references to objects that are there are resolved at once
+        Waiting ///< those whose pointers cannot be resolved as soon as they are read
     };
 
-    /// `awaited` (may be null) learns of the members that can be read where they stand.
+    /// `awaited` (may be null) is told of the members that can be read in place.
     ObjectReader(TBinInStream& stream, Entries entries, AwaitedMembers* awaited)
         : stream(stream), direct(stream.GetsDirectly()), entries(entries), awaited(awaited) {}
 
     /// Reads the current record; `fileClass` is the file's class of the object.
     void Read(TZoClass& fileClass, ZoStreamableBase* object) const;
-    /// Reads the fields through the stream's virtual operations, without an entry.
+    /// Reads the fields through the stream's virtual operations; adds no entry.
     static void ReadFields(TBinInStream& stream, TZoClass& fileClass, ZoStreamableBase* object);
     static void Resolve(const TZoClass& fileClass, TZoPointerResolver& resolver, ZoStreamableBase* object);
     /// Whether `Resolve` has anything to set in objects of that class; members have what they hold.

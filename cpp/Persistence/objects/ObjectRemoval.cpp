@@ -21,7 +21,7 @@ void ObjectRemoval::Run(const TDList<ZoStreamableBase*>& invalid) {
     GatherRemoved(invalid);
     KeepWhatOthersOwn();
     GatherMembers();
-    // Nothing goes before the end, whoever lets go of it; what stays is the caller's then.
+    // No object ends before the hold does, whoever lets go of it. What stays is the caller's then.
     DestructionHold hold(*this);
     for (ZoStreamableBase* object : staying) Detach(object);
     for (const ZoStreamableBase* object : unreachable) Detach(const_cast<ZoStreamableBase*>(object));
@@ -65,7 +65,7 @@ void ObjectRemoval::KeepWhatOthersOwn() {
     }
 }
 
-/// Members go with their owners and are not objects to delete.
+/// Members end with their owners and must not be deleted.
 void ObjectRemoval::GatherMembers() {
     Set members;
     for (const ZoStreamableBase* object : unreachable) {
@@ -82,7 +82,7 @@ void ObjectRemoval::GatherMembers() {
     unreachable.insert(members.begin(), members.end());
 }
 
-/// Takes every reference to what goes out of the object's fields.
+/// Removes all references to removed objects from the object's fields.
 void ObjectRemoval::Detach(ZoStreamableBase* object) {
     const auto isRemoved = [](const void* context, const ZoStreamableBase* target) {
         return static_cast<const ObjectRemoval*>(context)->unreachable.count(target) != 0;

@@ -13,7 +13,7 @@ class TBinInStream;
 class TZoMetaData;
 
 /// Deletes objects that were read from a stream, with what they own. What an object that stays owns stays
-/// too. An accessor that throws leaves all objects alive and in the stream's list.
+/// too. If an accessor throws, all objects stay alive and in the stream's list.
 class ObjectRemoval final : private KeptObjects {
 public:
     ObjectRemoval(TBinInStream& stream, TZoMetaData* schema) : stream(stream), schema(schema) {}
@@ -34,7 +34,7 @@ private:
 
     TBinInStream& stream;
     TZoMetaData* schema;
-    TDVector<ZoStreamableBase*> all;     // of the stream, before
+    TDVector<ZoStreamableBase*> all;     // the stream's objects, before
     Set doomed;                          // the objects to be removed, without what they own
     Set unreachable;                     // what is removed, and its members
     TDVector<ZoStreamableBase*> staying; // what stays, and its members

@@ -12,8 +12,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr std::size_t PREFETCH = 8; // objects ahead
-
 template <class Sink>
 void PutField(const Sink& put, const WritePlan::Step& step, ZoStreamableBase* object) {
     if (step.offset != FieldOffset::NONE) {
@@ -43,7 +41,7 @@ void PutFields(const WriteCursor& put, const WritePlan& plan, ZoStreamableBase* 
     }
 }
 
-/// Of an object whose C++ type is another than the class's: nothing is known but what the class declares.
+/// For an object whose C++ type is not the class's: only what the class declares is known.
 template <class Sink>
 void PutFields(const Sink& put, const TZoClass& objectClass, ZoStreamableBase* object) {
     RecordOrder::ForEachLevel(objectClass, [&](const TZoClass& level) {
@@ -116,7 +114,7 @@ void ObjectWriter::WriteGraphWithSchema(TBinOutStream& stream, const TDList<ZoSt
     WriteRecords(stream, roots, walk);
 }
 
-/// Walks the roots, then the externals, which become more meanwhile.
+/// Walks the roots, then the externals, whose list grows meanwhile.
 void ObjectWriter::Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
                           const TDList<ZoStreamableBase*>& externals) {
     for (ZoStreamableBase* root : roots) walk.Run(root);
@@ -125,7 +123,7 @@ void ObjectWriter::Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& root
 
 void ObjectWriter::WriteRecords(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
                                 const GraphWalk& walk) {
-    // Without code of the application in between, the graph stays as it was found.
+    // If no code of the application runs in between, the graph stays as it was walked.
     if (walk.IsSteady() && stream.PutsDirectly() && typeid(streamer) == typeid(TBinOutStreamer)) {
         SaveInOrder(stream, walk);
     } else {
@@ -158,7 +156,7 @@ void ObjectWriter::SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamable
         OwnerWalk walk(*this, stream, mode);
         for (ZoStreamableBase* root : roots) walk.Run(root, nullptr);
         walk.RunExternals();
-        // An object may have gone to an owner whose turn was over.
+        // An object may have moved to an owner whose turn was over.
         mode = OwnerWalk::Mode::NumberedAgain;
     } while (saved.CountOf(stream) != numbered && saved.CountOf(stream) != before);
 }

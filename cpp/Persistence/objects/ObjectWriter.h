@@ -11,7 +11,7 @@
 
 namespace ZoPrimitives {
 
-/// The uids that were saved since a stream's handles were last reset.
+/// The uids saved since a stream's handles were last reset.
 class SavedUids {
 public:
     bool Has(const TBinOutStream& stream, const ZoStreamableBase* object) const {
@@ -27,7 +27,7 @@ public:
             others.insert(uid);
         }
     }
-    /// How many were saved in the stream's run.
+    /// How many uids were saved in the stream's current run.
     std::size_t CountOf(const TBinOutStream& stream) const {
         return run == HandleAccess::RunOf(stream) ? static_cast<std::size_t>(end - first) + others.size() : 0;
     }
@@ -42,16 +42,17 @@ private:
     std::uint64_t run = 0;
     long long first = 0; // all from here up to `end` were saved
     long long end = 0;
-    std::unordered_set<int> others; // others that were
+    std::unordered_set<int> others; // those saved out of this order
 };
 
-/// Writes objects: the fields of one, the record of one, those of what it owns, a whole graph.
+/// Writes one object's fields, its record, the records of what it owns, or a whole graph.
 class ObjectWriter {
 public:
     explicit ObjectWriter(TBinOutStreamer& itsStreamer) : streamer(itsStreamer) {}
     static ObjectWriter& Of(TBinOutStreamer& streamer) { return *streamer.writer; }
 
-    /// Gives uids to all objects of the graph and writes their records. `expected` objects, about.
+    /// Gives uids to all objects of the graph and writes their records. `expected` is about how many there
+    /// are.
     void WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t expected);
     /// The same, and writes the schema record before them.
     void WriteGraphWithSchema(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots);
@@ -73,9 +74,8 @@ public:
 private:
     friend class OwnerWalk;
 
-    /// Returns whether code of the application may have run.
+    /// Returns whether the application's code may have run.
     bool SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object, TZoClass* objectClass);
-    /// Closes the record of the object.
     void Close(TBinOutStream& stream, const ZoStreamableBase* object, const TZoClass& objectClass);
     static void Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
                        const TDList<ZoStreamableBase*>& externals);

@@ -12,7 +12,7 @@ namespace ZoPrimitives {
 
 namespace {
 
-/// A subclass that is not registered itself answers with its base's class, and would be saved as such.
+/// A subclass that did not register answers with its base's class and would be saved as that.
 void CheckRegisteredType(const TZoClass& objectClass, const ZoStreamableBase& object) {
     const std::type_info& type = typeid(object);
     if (TZoMetaData::WritingGenericFile()) return;
@@ -51,7 +51,7 @@ bool OwnerWalk::IsDue(ZoStreamableBase* object) {
     const bool hasUid = HandleAccess::Get(stream, object) != 0;
     if (mode == Mode::NumberedAgain) return hasUid && met.insert(object).second;
     if (hasUid) return !writer.IsSaved(stream, object);
-    // What has come into the graph since uids were given is in no record.
+    // An object that came into the graph after uids were given gets no record.
     return mode == Mode::ByHand && met.insert(object).second;
 }
 
@@ -100,7 +100,7 @@ void OwnerWalk::Finish() {
     }
 }
 
-/// The next object to save of those that the frame's object owns; null for none.
+/// The next object to save of those that the frame's object owns; null if there is none.
 ZoStreamableBase* OwnerWalk::Next(Frame& frame) {
     if (frame.hold.IsLast()) return nullptr;
     for (;;) {
@@ -131,7 +131,7 @@ void OwnerWalk::Ask(Frame& frame) {
     frame.asked = changes;
 }
 
-/// Whether the object that comes next is where it was when its owner was asked.
+/// Whether the next object is still where it was when its owner was asked.
 bool OwnerWalk::StillHolds(const Frame& frame) const {
     const ZoStreamableBase* item = items[frame.next];
     TZoClassFieldPointerBase* field = (*frame.targets)[frame.target - 1].field;

@@ -8,7 +8,7 @@
 
 namespace ZoPrimitives {
 
-/// Keeps an object alive that `pointer`s own. One that none owns stays its owner's to keep.
+/// Keeps an object alive if `pointer`s own it. Otherwise that is left to its owner.
 class Hold {
 public:
     explicit Hold(ZoStreamableBase* object) : kept(ZoReferenceCount::Count(object) != 0 ? object : nullptr) {}
@@ -20,20 +20,21 @@ private:
     pointer<ZoStreamableBase> kept;
 };
 
-/// Writes the records of a graph owner by owner. Hooks, accessors, streams and streamers of the application
-/// may let go of objects meanwhile: an owner is asked for what it holds when the turn of that record comes.
+/// Writes the records of a graph owner by owner. The application's hooks, accessors, streams and streamers
+/// may let go of objects meanwhile: an owner is asked what it holds when the turn of those records comes.
 class OwnerWalk {
 public:
-    /// Which objects are written. Passed objects are walked through, and what of them was not saved is.
+    /// `ByHand` writes what was not saved, with or without a uid; `Numbered` only what has a uid. Neither
+    /// walks below what was saved before; `NumberedAgain` does, each object once.
     enum class Mode { ByHand, Numbered, NumberedAgain };
 
     OwnerWalk(ObjectWriter& writer, TBinOutStream& stream, Mode mode);
 
-    /// Saves what hangs from `object`; `objectClass` may be null for its own class.
+    /// Saves what hangs from `object`; a null `objectClass` means its own class.
     void Run(ZoStreamableBase* object, TZoClass* objectClass);
     /// Saves what `object` owns through the targets, which outlive the call.
     void RunOwned(ZoStreamableBase* object, const std::vector<WritePlan::Target>& targets);
-    /// Saves the external instances that were met and those that are met meanwhile.
+    /// Saves the external instances that were met, and those that are met meanwhile.
     void RunExternals();
 
 private:
@@ -43,7 +44,7 @@ private:
         Hold hold;
         const std::vector<WritePlan::Target>* targets;
         std::size_t target; // the one under way, from 1
-        // What it held when asked: a part of `items`, and the next of them.
+        // What it held when it was asked, a part of `items`, and the next of these:
         std::size_t begin;
         std::size_t next;
         unsigned long long asked; // `changes` then
@@ -66,14 +67,14 @@ private:
     TBinOutStream& stream;
     TZoMetaData* schema;
     bool direct;
-    bool ownStreamer; // not the application's
+    bool ownStreamer; // the library's, not one of the application
     Mode mode;
-    unsigned long long changes = 0; // how often code of the application may have run
+    unsigned long long changes = 0; // how often the application's code may have run
     std::vector<Frame> frames;
     std::vector<ZoStreamableBase*> items;
     std::vector<External> externals;
     std::unordered_set<const ZoStreamableBase*> knownExternals;
-    std::unordered_set<const ZoStreamableBase*> met; // `NumberedAgain`: all; `ByHand`: those without uid
+    std::unordered_set<const ZoStreamableBase*> met; // `NumberedAgain`: all; `ByHand`: those without a uid
 };
 
 } // namespace ZoPrimitives

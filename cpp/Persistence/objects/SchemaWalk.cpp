@@ -5,14 +5,10 @@
 
 namespace ZoPrimitives {
 
-namespace {
-constexpr std::size_t PREFETCH = 8; // objects ahead
-}
-
 SchemaWalk::SchemaWalk(TZoMetaData* applicationSchema) : schema(applicationSchema) {}
 
 TZoClass* SchemaWalk::ClassOf(const ZoStreamableBase* object) {
-    return object->GetOriginalClass(schema); // null: giving out the uids reports it
+    return object->GetOriginalClass(schema); // null is reported when uids are given
 }
 
 void SchemaWalk::Run(ZoStreamableBase* root) {
@@ -39,7 +35,7 @@ void SchemaWalk::Finish() {
 
 void SchemaWalk::Visit(ZoStreamableBase* object, const TZoClass& objectClass) {
     UsedClasses::Plan& plan = classes.PlanOf(objectClass);
-    // Objects that lead nowhere need no mark: meeting them again does no harm.
+    // Objects that lead nowhere need no mark: meeting them again is harmless.
     if (plan.steps.empty()) return;
     HandleAccess::Set(visited, object, 1);
     Ask(object, plan);
@@ -49,7 +45,7 @@ void SchemaWalk::Ask(ZoStreamableBase* object, UsedClasses::Plan& plan) {
     classes.Ask(object, plan, [this](const std::vector<ZoStreamableBase*>& targets) { Push(targets); });
 }
 
-/// Puts those targets on the stack that can lead further.
+/// Puts the targets that can lead further on the stack.
 void SchemaWalk::Push(const std::vector<ZoStreamableBase*>& targets) {
     met += targets.size();
     for (std::size_t i = 0; i < targets.size(); ++i) {

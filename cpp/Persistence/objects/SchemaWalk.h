@@ -15,7 +15,7 @@ public:
     void Run(ZoStreamableBase* root);
     /// The same, with the root as an object of the given class.
     void Run(ZoStreamableBase* root, const TZoClass& rootClass);
-    /// How many objects were met; shared ones may count more than once.
+    /// How many objects were met. Shared ones may count more than once.
     std::size_t Met() const { return met; }
     const UsedClasses& Classes() const { return classes; }
 

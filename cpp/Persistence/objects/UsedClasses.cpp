@@ -69,12 +69,7 @@ const std::vector<const TZoClass*>& UsedClasses::ClosureOf(const TZoClass* decla
         const TZoClass* next = plan.closure[i];
         for (const auto& parent : next->parents) add(parent.get());
         next->ForEachPointerField([&](TZoClassField& field) {
-            add(field.GetFieldClass());
-            if (field.GetFieldType() != ftChildPointerMap) return;
-            const auto& map = static_cast<const TZoClassFieldPointerMap&>(field);
-            for (const TZoClassField* half : {map.GetKeyField(), map.GetValueField()}) {
-                if (half != nullptr) add(half->GetFieldClass());
-            }
+            RecordOrder::ForEachTarget(field, [&](TZoClassField& target) { add(target.GetFieldClass()); });
         });
     }
     plan.closed = true;

@@ -9,15 +9,15 @@
 namespace ZoPrimitives {
 
 /// The classes that a file needs: those of its objects, with their ancestors, and, where a pointer is null or
-/// a list empty, the declared class with all that it declares.
+/// a list empty, the declared class with all that it declares in turn.
 class UsedClasses {
 public:
     /// A pointer field that may still tell something new.
     struct Step {
         TZoClassFieldPointerBase* field;
         bool follows;     // leads to objects that would be written
-        bool nullTold;    // the declared class is in, with all that it declares
-        unsigned missing; // in the closure of the declared class: the first class not known to be used
+        bool nullTold;    // the declared class is used, with all that it declares
+        unsigned missing; // the first class in the declared class's closure that is not known to be used
     };
     /// What is known of one class.
     struct Plan {
@@ -25,21 +25,21 @@ public:
         bool used = false;
         bool closed = false;
         std::vector<Step> steps;              // of all levels
-        std::vector<const TZoClass*> closure; // the class, and all that it declares or derives from
+        std::vector<const TZoClass*> closure; // the class and all that it declares or derives from, in turn
     };
-    /// Who finds out whether what an object owns is null: `Ask`, or the caller, who tells with `UseDeclared`.
+    /// Who finds out that an owning pointer is null: `Ask`, or the caller, who then calls `UseDeclared`.
     enum class Children { Asked, Told };
 
     explicit UsedClasses(Children children) : children(children) {}
 
-    /// The plan of a class of which there is an object: it is used.
+    /// The plan of a class that has an object: the class is used.
     Plan& PlanOf(const TZoClass& objectClass) {
         const auto id = static_cast<std::size_t>(objectClass.GetClassId());
         if (id < plans.size() && plans[id] != nullptr && plans[id]->built) return *plans[id];
         return Build(objectClass);
     }
-    /// Asks the pointers of an object. Those that follow give what they hold to `follow`, a callable that
-    /// takes a `std::vector<ZoStreamableBase*>&`.
+    /// Asks the pointers of an object. What those that follow hold goes to `follow`, a callable that takes a
+    /// `std::vector<ZoStreamableBase*>&`.
     template <class Follow>
     void Ask(ZoStreamableBase* object, Plan& plan, Follow follow) {
         for (std::size_t i = 0; i < plan.steps.size();) {

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/ZoClassField.h"
 
 #include "Persistence/objects/ObjectWriter.h"
+#include "Persistence/schema/RecordOrder.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
 // What a field does with the objects that it holds.
@@ -24,9 +25,9 @@ void TZoClassFieldPointerList::SaveToStream(TBinOutStream* stream, TBinOutStream
 
 void TZoClassFieldPointerMap::SaveToStream(TBinOutStream* stream, TBinOutStreamer* streamer,
                                            ZoStreamableBase* object) {
-    for (TZoClassFieldPointerBase* half : {key.get(), value.get()}) {
-        if (half != nullptr && half->HoldsChildren()) half->SaveToStream(stream, streamer, object);
-    }
+    RecordOrder::ForEachHalf(*this, [&](TZoClassFieldPointerBase& half) {
+        if (half.HoldsChildren()) half.SaveToStream(stream, streamer, object);
+    });
 }
 
 } // namespace ZoPrimitives

@@ -9,6 +9,7 @@
 #include "Persistence/schema/FieldKinds.h"
 #include "Persistence/schema/FieldOffset.h"
 #include "Persistence/schema/PointerResolver.h"
+#include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinOutStream.h"
@@ -282,8 +283,9 @@ private:
 
     using Halves = std::array<TZoClassFieldPointerBase*, 2>;
     static Halves HalvesOf(const TZoClassFieldPointerMap& map) {
-        if (!map.key || !map.value) FailWithoutHalves(map);
-        return {map.key.get(), map.value.get()};
+        const Halves halves = RecordOrder::HalvesOf(map);
+        if (halves[0] == nullptr || halves[1] == nullptr) FailWithoutHalves(map);
+        return halves;
     }
     [[noreturn]] static void FailWithoutHalves(const TZoClassFieldPointerMap& map);
 

@@ -2,7 +2,7 @@
 
 #include "Persistence/records/RecordChecks.h"
 #include "Persistence/schema/FieldCodec.h"
-#include "Persistence/schema/FieldKinds.h"
+#include "Persistence/schema/RecordOrder.h"
 
 #include <climits>
 #include <memory>
@@ -14,10 +14,9 @@ namespace {
 constexpr unsigned MOST_STEPS = 4096;
 
 bool HoldsMember(const TZoClassField& field) {
-    if (field.GetFieldType() != ftChildPointerMap) return field.GetFieldType() == ftChildValue;
-    const auto& map = static_cast<const TZoClassFieldPointerMap&>(field);
-    return (map.GetKeyField() != nullptr && HoldsMember(*map.GetKeyField())) ||
-           (map.GetValueField() != nullptr && HoldsMember(*map.GetValueField()));
+    bool holds = field.GetFieldType() == ftChildValue;
+    RecordOrder::ForEachHalf(field, [&](const TZoClassField& half) { holds = holds || HoldsMember(half); });
+    return holds;
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "Persistence/schema/FieldKinds.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
+#include <array>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -20,16 +21,32 @@ public:
     }
     /// The fields of one level.
     static const std::vector<TZoClassField*>& FieldsOf(const TZoClass& level) { return level.inOrder; }
+    /// A map's sub-fields, the keys' first; null while it has none.
+    static std::array<TZoClassFieldPointerBase*, 2> HalvesOf(const TZoClassFieldPointerMap& map) {
+        return {static_cast<TZoClassFieldPointerBase*>(map.GetKeyField()),
+                static_cast<TZoClassFieldPointerBase*>(map.GetValueField())};
+    }
+    /// Calls the action with each sub-field that the field has: none unless it is a map.
+    template <class Action>
+    static void ForEachHalf(const TZoClassField& field, const Action& action) {
+        if (field.GetFieldType() != ftChildPointerMap) return;
+        for (TZoClassFieldPointerBase* half : HalvesOf(static_cast<const TZoClassFieldPointerMap&>(field))) {
+            if (half != nullptr) action(*half);
+        }
+    }
+    /// Calls the action with the field and its sub-fields: all that have a class of their own.
+    template <class Action>
+    static void ForEachTarget(TZoClassField& field, const Action& action) {
+        action(field);
+        ForEachHalf(field, action);
+    }
     /// Calls the action with the pointer fields of one level; of a map with its sub-fields, so that each
     /// holds one object or a list.
     template <class Action>
     static void ForEachPointer(const TZoClass& level, const Action& action) {
         for (TZoClassField* field : level.inOrder) {
             if (field->GetFieldType() == ftChildPointerMap) {
-                const auto& map = static_cast<const TZoClassFieldPointerMap&>(*field);
-                for (TZoClassField* half : {map.GetKeyField(), map.GetValueField()}) {
-                    if (half != nullptr) action(static_cast<TZoClassFieldPointerBase&>(*half));
-                }
+                ForEachHalf(*field, action);
             } else if (field->IsPointerKind()) {
                 action(static_cast<TZoClassFieldPointerBase&>(*field));
             }

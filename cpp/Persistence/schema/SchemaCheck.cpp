@@ -1,6 +1,6 @@
 #include "Persistence/schema/SchemaCheck.h"
 
-#include "Persistence/schema/FieldTargets.h"
+#include "Persistence/schema/RecordOrder.h"
 
 #include <memory>
 
@@ -16,7 +16,8 @@ std::vector<ZoString> SchemaCheck::Missing() const {
                                                    checked->GetName().c_str()));
         }
         checked->ForEachPointerField([&](TZoClassField& field) {
-            ForEachTarget(field, [&](const TZoClassField& target) { AddMissingClass(lines, field, target); });
+            RecordOrder::ForEachTarget(
+                field, [&](const TZoClassField& target) { AddMissingClass(lines, field, target); });
         });
     }
     for (const auto& kept : schema.registers) {
@@ -71,7 +72,7 @@ void SchemaCheck::AddBasesLeftOut(std::vector<ZoString>& lines, TZoClass& checke
 
 void SchemaCheck::AddEmptyTargets(std::vector<ZoString>& lines, const TZoClass& checked) const {
     checked.ForEachPointerField([&](TZoClassField& field) {
-        ForEachTarget(field, [&](const TZoClassField& target) {
+        RecordOrder::ForEachTarget(field, [&](const TZoClassField& target) {
             const TZoClass* known = target.GetFieldClass();
             if (known == nullptr || known->GetAbstract() || known->RecordExtent().fields != 0) return;
             if (&target != &field && known == field.GetFieldClass()) return;

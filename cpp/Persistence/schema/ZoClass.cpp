@@ -242,16 +242,11 @@ bool TZoClass::IsInherited(const ZoString& ancestorName) const {
 /// Calls the action with each own field, map's sub-fields among them, whose object is a member of its owner.
 template <class Action>
 void TZoClass::ForEachMember(Action action) const {
-    const auto visit = [&action](TZoClassField* field) {
-        if (field != nullptr && field->GetFieldType() == ftChildValue)
-            action(static_cast<TZoClassFieldPointer&>(*field));
+    const auto visit = [&action](TZoClassField& field) {
+        if (field.GetFieldType() == ftChildValue) action(static_cast<TZoClassFieldPointer&>(field));
     };
-    for (const auto& field : fieldsChildMaps) {
-        const auto& map = static_cast<const TZoClassFieldPointerMap&>(*field);
-        visit(map.GetKeyField());
-        visit(map.GetValueField());
-    }
-    for (const auto& field : fieldsChilds) visit(field.get());
+    for (const auto& field : fieldsChildMaps) RecordOrder::ForEachHalf(*field, visit);
+    for (const auto& field : fieldsChilds) visit(*field);
 }
 
 bool TZoClass::HasValueChildren() const {

@@ -4,6 +4,7 @@
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/FieldKinds.h"
 #include "Persistence/schema/PointerResolver.h"
+#include "Persistence/schema/RecordOrder.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoSources.h"
@@ -175,11 +176,9 @@ bool TZoClassFieldPointerBase::Accepts(const ZoStreamableBase* target) const {
 
 bool TZoClassField::IsPlain() const {
     if (kind != ftChildPointerMap) return plain;
-    const auto& map = static_cast<const TZoClassFieldPointerMap&>(*this);
-    for (const TZoClassField* half : {map.GetKeyField(), map.GetValueField()}) {
-        if (half != nullptr && !half->IsPlain()) return false;
-    }
-    return true;
+    bool all = true;
+    RecordOrder::ForEachHalf(*this, [&](const TZoClassField& part) { all = all && part.IsPlain(); });
+    return all;
 }
 
 bool TZoClassFieldPointerBase::Owns() const { return FieldKindOf(GetFieldType()).holds == FieldHold::Owned; }
@@ -374,9 +373,9 @@ void TZoClassFieldPointerMap::SavePair(TBinOutStream* stream, TBinOutStreamer*, 
 }
 
 void TZoClassFieldPointerMap::GetFieldMetaData(ZoStreamableBase* object, ZoStreamableBaseFunctor& action) {
-    for (TZoClassFieldPointerBase* half : {key.get(), value.get()}) {
-        if (half != nullptr && half->HoldsChildren()) half->GetFieldMetaData(object, action);
-    }
+    RecordOrder::ForEachHalf(*this, [&](TZoClassFieldPointerBase& half) {
+        if (half.HoldsChildren()) half.GetFieldMetaData(object, action);
+    });
 }
 
 void TZoClassFieldPointerMap::LoadPair(TBinInStream* stream, ZoStreamableBase* object) {
@@ -393,10 +392,9 @@ void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
     TZoClassFieldPointerList* keys = FieldCodec::AsList(key.get());
     TZoClassFieldPointerList* values = FieldCodec::AsList(value.get());
     if (keys == nullptr || values == nullptr) {
-        for (TZoClassFieldPointerBase* half : {key.get(), value.get()}) {
-            if (half != nullptr) half->DeleteReferences(object, isRemoved, context);
-        }
-        return;
+        return RecordOrder::ForEachHalf(*this, [&](TZoClassFieldPointerBase& half) {
+            half.DeleteReferences(object, isRemoved, context);
+        });
     }
     const std::vector<ZoStreamableBase*> gatheredKeys = ItemsOf(*keys, object);
     const std::vector<ZoStreamableBase*> gatheredValues = ItemsOf(*values, object);

@@ -2,8 +2,8 @@
 
 #include "Persistence/instances/ItemAction.h"
 #include "Persistence/records/RecordFormat.h"
-#include "Persistence/schema/FieldTargets.h"
 #include "Persistence/schema/ReadPlan.h"
+#include "Persistence/schema/RecordOrder.h"
 #include "Persistence/schema/SchemaCheck.h"
 #include "Persistence/schema/SchemaReader.h"
 #include "ZoPrimitives/BinInStream.h"
@@ -256,7 +256,7 @@ void TZoMetaData::ExcludeClass(const ZoString& name) {
         if (left->BelongsElsewhere(this)) continue; // its own schema may still have what leaves here
         while (left->parents.Remove(leaving.get())) left->parentMissing = true;
         left->ForEachPointerField([&](TZoClassField& field) {
-            ForEachTarget(field, [&](TZoClassField& target) {
+            RecordOrder::ForEachTarget(field, [&](TZoClassField& target) {
                 if (target.fieldClass == leaving.get()) target.SetFieldClass(nullptr);
             });
             AddToResolveCrossRefs(&field);
@@ -318,7 +318,8 @@ void TZoMetaData::AddToResolveCrossRefs(TZoClassField* field) {
     if (field == nullptr || !field->IsPointerKind()) return;
     if (field->owner != nullptr && field->owner->BelongsElsewhere(this)) return;
     bool known = true;
-    ForEachTarget(*field, [&](TZoClassField& target) { known = known && target.fieldClass != nullptr; });
+    RecordOrder::ForEachTarget(*field,
+                               [&](TZoClassField& target) { known = known && target.fieldClass != nullptr; });
     if (!known) unresolved.AddUnique(field);
 }
 
@@ -326,7 +327,7 @@ void TZoMetaData::ResolveCrossRefs() {
     TDVector<TZoClassField*> left;
     for (TZoClassField* field : unresolved) {
         bool known = true;
-        ForEachTarget(*field, [&](TZoClassField& target) {
+        RecordOrder::ForEachTarget(*field, [&](TZoClassField& target) {
             if (target.fieldClass == nullptr) target.SetFieldClass(FindClass(target.WantedClass(*field)));
             known = known && target.fieldClass != nullptr;
         });

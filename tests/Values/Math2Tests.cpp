@@ -48,12 +48,11 @@ TEST(Math2Tests, ComparesWithinTheTolerance) {
         {"infinity", -INF, INF, 4, "Different Less LessEqual"},
     };
     for (const auto& [name, a, b, precision, held] : cases) {
-        std::string all = Equal(a, b, precision) ? "Equal" : "";
-        if (Different(a, b, precision)) all += "Different";
-        if (Less(a, b, precision)) all += " Less";
-        if (LessEqual(a, b, precision)) all += " LessEqual";
-        if (Greater(a, b, precision)) all += " Greater";
-        if (GreaterEqual(a, b, precision)) all += " GreaterEqual";
+        const auto all =
+            std::string(Equal(a, b, precision) ? "Equal" : "") +
+            (Different(a, b, precision) ? "Different" : "") + (Less(a, b, precision) ? " Less" : "") +
+            (LessEqual(a, b, precision) ? " LessEqual" : "") + (Greater(a, b, precision) ? " Greater" : "") +
+            (GreaterEqual(a, b, precision) ? " GreaterEqual" : "");
         EXPECT_EQ(all, held) << name;
     }
     for (unsigned precision = 0; precision <= 20; ++precision) {

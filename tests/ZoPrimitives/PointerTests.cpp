@@ -1,9 +1,6 @@
 #include "ZoPrimitives/IList.h"
-#include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/pointer.h"
 #include "support/Assertions.h"
-
-#include <gtest/gtest.h>
 
 using namespace ZoPrimitives;
 
@@ -55,32 +52,27 @@ TEST_F(PointerTests, AssigningAPointerToItselfKeepsTheObject) {
     a = a.get();
     a.reset(a.get());
     ASSERT_TRUE(a);
-    EXPECT_EQ(ZoReferenceCount::Count(a.get()), 1u);
-}
-
-TEST_F(PointerTests, MovingLeavesTheSourceEmpty) {
-    pointer<Counted> a(new Counted);
-    pointer<Counted> b(std::move(a));
-    EXPECT_FALSE(a);
-    pointer<Counted> c(new Counted);
-    c = std::move(b);
-    EXPECT_FALSE(b);
-    EXPECT_EQ(Counted::alive, 1);
-    c->next = new Counted;
-    c = std::move(c->next); // on in a chain
-    ASSERT_TRUE(c);
-    EXPECT_EQ(Counted::alive, 1);
-    c->next = new Counted;
-    c = c->next;
-    EXPECT_EQ(Counted::alive, 1);
-}
-
-TEST_F(PointerTests, CopiesOfObjectsStartWithoutHolders) {
-    const pointer<Counted> a(new Counted);
     const pointer<Counted> copy(new Counted(*a));
     *copy = *a;
     EXPECT_EQ(ZoReferenceCount::Count(a.get()), 1u);
-    EXPECT_EQ(ZoReferenceCount::Count(copy.get()), 1u);
+    EXPECT_EQ(ZoReferenceCount::Count(copy.get()), 1u) << "copies of objects start without holders";
+}
+
+TEST_F(PointerTests, MovingLeavesTheSourceEmpty) {
+    pointer<Counted> a(new Counted), b(std::move(a)), c(new Counted);
+    EXPECT_FALSE(a);
+    c = std::move(b);
+    EXPECT_FALSE(b);
+    EXPECT_EQ(Counted::alive, 1);
+    for (const bool moved : {true, false}) { // on in a chain
+        c->next = new Counted;
+        if (moved)
+            c = std::move(c->next);
+        else
+            c = c->next;
+        ASSERT_TRUE(c);
+        EXPECT_EQ(Counted::alive, 1);
+    }
 }
 
 struct Tree : Counted {

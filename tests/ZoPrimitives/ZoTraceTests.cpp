@@ -13,14 +13,12 @@ using namespace ZoPrimitives;
 namespace {
 
 // An explicit instantiation may name what is private.
-ZoString Tabs(int n);
 bool& FirstTrace();
-template <ZoString (*TABS)(int), bool* FIRST>
+template <bool* FIRST>
 struct Opened {
-    friend ZoString Tabs(int n) { return TABS(n); }
     friend bool& FirstTrace() { return *FIRST; }
 };
-template struct Opened<&TZoTrace::Tabs, &TZoTrace::firstTrace>;
+template struct Opened<&TZoTrace::firstTrace>;
 
 struct ZoTraceTests : testing::Test {
     struct Services : Testing::FakeClock {
@@ -59,17 +57,11 @@ TEST_F(ZoTraceTests, FirstLineEmptiesTheFile) {
 }
 
 TEST_F(ZoTraceTests, PercentSignsOfTextsAreInterpreted) {
-    const std::tuple<const char*, const char*> rows[] = {
-        {"100%%, %%%%d", "100%, %%d"},
-        {"[%n]", "[]"},
-        {"%d %s %ls %f %p %c %q %*d %.*s %1$n %hhn", "%d %s %ls %f %p %c %q %*d %.*s %1$n %hhn"},
-        {"%999999999d", "%999999999d"},
-        {"50% dos pilares %", "50% dos pilares %"},
-    };
-    for (const auto& [text, written] : rows) {
-        TZoTrace::Toc(text, text);
-        EXPECT_EQ(Trace(), prefix + "0ms. (" + written + ", " + written + ")\n");
-    }
+    const char* const text =
+        "100%%, %%%%d [%n] %d %s %ls %f %p %c %q %*d %.*s %1$n %hhn %999999999d 50% dos %";
+    const std::string written = "100%, %%d [] %d %s %ls %f %p %c %q %*d %.*s %1$n %hhn %999999999d 50% dos %";
+    TZoTrace::Toc(text, text);
+    EXPECT_EQ(Trace(), prefix + "0ms. (" + written + ", " + written + ")\n");
     TZoTrace::Toc(ZoString('%', 20'001), "");
     EXPECT_EQ(Trace().size(), 10'000u) << "cut as by FormatString";
 }
@@ -91,12 +83,6 @@ TEST_F(ZoTraceTests, ThreadsMayTraceAtOnce) {
     trace();
     other.join();
     EXPECT_EQ(Trace(), std::string(100, '\n'));
-}
-
-TEST_F(ZoTraceTests, Tabs) {
-    EXPECT_EQ(::Tabs(2), "\t\t");
-    EXPECT_EQ(::Tabs(0), "");
-    EXPECT_EQ(::Tabs(-3), "");
 }
 
 } // namespace

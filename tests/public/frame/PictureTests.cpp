@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <regex>
 
 namespace {
 
@@ -20,30 +21,24 @@ using testing::Not;
 
 /// Where a text of XML is not well-formed, "" when it is; knows what the pictures use.
 std::string XmlFault(const std::string& text) {
+    static const std::regex piece(
+        R"re(<\?xml [^<>]*\?>\n|<(/?)(\w+)(?: [\w:-]+="[^"<>]*")*(/?)>|[^<>&\x01-\x09\x0b-\x1f]|&(?:amp|lt|gt|quot);)re");
     std::vector<std::string> open;
-    for (std::size_t at = text.find("?>") + 2; at < text.size(); ++at) {
-        const std::string here = text.substr(at, 40);
-        if (text[at] == '<') {
-            const std::size_t end = text.find_first_of("<>", at + 1); // quoted values hold neither
-            if (end == std::string::npos || text[end] == '<') return here;
-            const std::string tag = text.substr(at + 1, end - at - 1);
-            if (std::count(tag.begin(), tag.end(), '"') % 2 != 0) return here;
-            if (tag[0] == '/') {
-                if (open.empty() || tag != "/" + open.back()) return here;
-                open.pop_back();
-                if (open.empty()) return text.substr(end + 1) == "\n" ? "" : "something behind its end";
-            } else if (tag.back() != '/') {
-                open.push_back(tag.substr(0, tag.find(' ')));
-            }
-            at = end;
-        } else if (text[at] == '&') {
-            const std::set<std::string> known = {"&amp;", "&lt;", "&gt;", "&quot;"};
-            if (known.count(text.substr(at, text.find(';', at) + 1 - at)) == 0) return here;
-        } else if (static_cast<unsigned char>(text[at]) < 0x20 && text[at] != '\n') {
-            return here;
+    auto at = text.begin();
+    for (std::smatch match;
+         std::regex_search(at, text.end(), match, piece, std::regex_constants::match_continuous);
+         at = match[0].second) {
+        if (match[2].length() == 0 || match[3].length() != 0) continue;
+        if (match[1].length() == 0) {
+            open.push_back(match[2]);
+        } else {
+            if (open.empty() || open.back() != match[2]) break;
+            open.pop_back();
+            if (open.empty())
+                return std::string(match[0].second, text.end()) == "\n" ? "" : "something behind its end";
         }
     }
-    return "no end";
+    return "not well-formed: " + std::string(at, text.end()).substr(0, 40);
 }
 
 std::size_t CountOf(const std::string& text, const std::string& part) {
@@ -167,7 +162,7 @@ TEST(PictureTests, IsWellFormedWhateverTheBuildingIs) {
         for (const Property property : {Property::Area, Property::Load}) {
             picture.clear();
             failure = FailureOf([&] { picture = DrawElevation(*model.building, property, units); });
-            EXPECT_EQ(XmlFault(picture), failure.empty() ? "" : "no end");
+            EXPECT_EQ(XmlFault(picture), failure.empty() ? "" : "not well-formed: ");
         }
         EXPECT_THAT(picture + failure, HasSubstr(fact));
     }

@@ -4,8 +4,6 @@
 #include "support/Quantities.h"
 #include "support/RoundTrip.h"
 
-#include <gtest/gtest.h>
-
 #include <bit>
 #include <climits>
 #include <cmath>

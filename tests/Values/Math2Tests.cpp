@@ -6,8 +6,6 @@
 #include "support/Assertions.h"
 #include "support/CommaLocale.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <initializer_list>

@@ -6,8 +6,6 @@
 
 #include "ZoPrimitives/AnsiLiteral.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>

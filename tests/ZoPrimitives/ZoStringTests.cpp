@@ -8,7 +8,6 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
-#include <random>
 
 using namespace ZoPrimitives;
 
@@ -21,14 +20,6 @@ namespace {
 constexpr unsigned LAST = 0xFFFFFFFFu;
 
 std::string Text(const ZoString& text) { return text.c_str(); }
-
-/// Strings over a small alphabet, so that coincidences are frequent.
-std::string Random(std::mt19937& random, const char* alphabet, std::size_t longest) {
-    const std::string letters(alphabet);
-    std::string text(random() % (longest + 1), ' ');
-    for (char& c : text) c = letters[random() % letters.size()];
-    return text;
-}
 
 /// What a call gives for each of several strings.
 template <class Result, class Expected>
@@ -84,19 +75,6 @@ struct Name : ZoString {};
 static_assert(REFUSES_NUMBERS<ZoString> && REFUSES_NUMBERS<Name>);
 static_assert(std::is_nothrow_move_constructible_v<ZoString> && std::is_nothrow_move_assignable_v<ZoString>);
 
-TEST(ZoStringTest, DoublesAreWrittenAsPrintfWrites) {
-    std::mt19937_64 random(1);
-    for (int i = 0; i < 2000; ++i) {
-        const std::uint64_t bits = random();
-        double value = 0;
-        std::memcpy(&value, &bits, sizeof value);
-        if (!std::isfinite(value)) continue;
-        char expected[400];
-        std::snprintf(expected, sizeof expected, "%f", value);
-        ASSERT_EQ(ZoString(value), expected);
-    }
-}
-
 TEST(ZoStringTest, CopyAndMove) {
     ZoString a("abc");
     ZoString b(a);
@@ -139,10 +117,9 @@ TEST(ZoStringTest, Assigns) {
     EXPECT_EQ(s.findDelimiter(s, 'e', 2), 1);
     EXPECT_EQ(s, "dd");
 
-    std::mt19937 random(2);
     ZoString copy;
-    for (int i = 0; i < 500; ++i) {
-        const std::string text = Random(random, "abc", i % 10 == 0 ? 3000 : 12);
+    for (unsigned i = 0; i < 500; ++i) { // shorter and longer by turns
+        const std::string text(i * 7919 % (i % 10 == 0 ? 3000 : 13), static_cast<char>('a' + i % 3));
         s.Assign((text + "rest").c_str(), static_cast<unsigned>(text.size()));
         ASSERT_EQ(Text(s), text);
         copy = s;
@@ -188,20 +165,14 @@ TEST(ZoStringTest, ComparesBytesAsUnsigned) {
             check(a, b);
             check(a, right);
             check(left, b);
+            EXPECT_EQ(a == static_cast<const ZoObject&>(b), same);
+            EXPECT_EQ(static_cast<const ZoObject&>(a) != b, !same);
         }
     }
     EXPECT_TRUE(ZoString() == static_cast<const char*>(nullptr));
-}
-
-TEST(ZoStringTest, ComparesAsAnObject) {
-    struct Other : ZoObject {};
-    const ZoString a("abc");
-    const ZoObject& object = a;
-    EXPECT_TRUE(object == ZoString("abc"));
-    EXPECT_TRUE(object != ZoString("abd"));
-    EXPECT_FALSE(a == Other());
-    EXPECT_TRUE(a != Other());
-    EXPECT_TRUE(a == object);
+    struct Other : ZoObject {
+    } other;
+    EXPECT_TRUE(ZoString() != other && !(ZoString() == other));
 }
 
 TEST(ZoStringTest, CaseIsThatOfTheCodePage) {

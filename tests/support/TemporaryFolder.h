@@ -56,6 +56,10 @@ public:
                                      perms::owner_read | perms::group_read | perms::others_read);
     }
 
+    unsigned Permissions(const std::string& name) const {
+        return static_cast<unsigned>(std::filesystem::status(folder / name).permissions());
+    }
+
     /// Removes every file.
     void Clear() const {
         for (const std::string& name : Names()) std::filesystem::remove(folder / name);

@@ -22,15 +22,21 @@ Slots Putting() {
     return {Slot(static_cast<Stream& (Stream::*)(Values)>(&Stream::operator<<))...};
 }
 
-// Give pointers to protected operations.
+template <class... Members>
+Slots Of(Members... members) {
+    return {Slot(members)...};
+}
+
+// For what is protected.
 struct Object : ZoStreamableBase {
-    static std::ptrdiff_t ReadDataSlot() { return Slot(&Object::ReadData); }
+    using ZoStreamableBase::ReadData;
 };
 struct InStream : TBinInStream {
-    static Slots Own() { return {Slot(&InStream::LoadHeader), Slot(&InStream::Read)}; }
+    using TBinInStream::LoadHeader;
+    using TBinInStream::Read;
 };
 struct InStreamer : TBinInStreamer {
-    static std::ptrdiff_t CreateInstanceSlot() { return Slot(&InStreamer::CreateInstance); }
+    using TBinInStreamer::CreateInstance;
 };
 
 TEST(SlotTests, WhatApplicationsOverrideStandsWhereTheyWereCompiledToFindIt) {
@@ -40,54 +46,45 @@ TEST(SlotTests, WhatApplicationsOverrideStandsWhereTheyWereCompiledToFindIt) {
     using I = InputStream;
     using O = TBinOutStream;
     using V = TDVector<int>;
-    const struct {
-        const char* name;
-        Slots slots;
-        std::ptrdiff_t first = 4; // behind two for destruction and two comparisons
-    } cases[] = {
-        {"record writer, values", Putting<O, const ZoBlob&, const ZoString&, const char*, short,
-                                          unsigned short, int, unsigned, float, double, long double, bool>()},
-        {"record writer",
-         {Slot(&O::FlushRecord), Slot(&O::FlushBuffer), Slot(&O::FreeResourses), Slot(&O::Initialize),
-          Slot(&O::SaveHeader)},
-         15},
-        {"record reader, values", Taking<TBinInStream, ZoBlob&, ZoString&, char*, short&, unsigned short&,
-                                         int&, unsigned&, float&, double&, long double&, bool&>()},
-        {"record reader", InStream::Own(), 15},
-        {"text writer", Putting<OutputStream, const ZoString&, const char*, long double, double, float,
-                                unsigned, int, unsigned short, short, bool>()},
-        {"text reader, values", Taking<I, ZoString&, char*, long double&, double&, float&, unsigned&, int&,
-                                       unsigned short&, short&, bool&>()},
-        {"text reader", {Slot(&I::SkipValue), Slot(&I::GetLine), Slot(&I::CheckRead)}, 14},
-        {"streamable objects",
-         {Slot(&B::StreamableClassName), Slot(&B::Write), Slot(&B::WillWrite), Slot(&B::Read),
-          Slot(&B::GetIsValid), Slot(&B::GetClass), Slot(&B::GetOriginalClass), Slot(&B::OnRead),
-          Slot(&B::CanBeConvertedToBaseClass), Slot(&B::OnReadPointer), Slot(&B::HandleExcludedField),
-          Slot(&B::CheckForExcludedFields), Slot(&B::ToString), Object::ReadDataSlot(),
-          Slot(&S::CreateBusinessObject), Slot(&S::FillBusinessObject), Slot(&S::FillFromBusinessObject)}},
-        {"fields", {Slot(&F::SaveToStream), Slot(&F::LoadFromStream), Slot(&F::GetFieldMetaData)}},
-        {"object writer",
-         {Slot(&TBinOutStreamer::OnAfterSaveInstance), Slot(&TBinOutStreamer::RewriteHeader)}},
-        {"object reader",
-         {Slot(&TBinInStreamer::OnAfterLoadInstance), Slot(&TBinInStreamer::OnAfterResolveInstance),
-          InStreamer::CreateInstanceSlot()}},
-        {"filtered reader", {Slot(&TFilteredBinInStreamer::Read)}},
-        {"an interface, where destruction comes last",
-         {Slot(&IStreamableConvertionFactory::CreateStreamable)},
-         0},
-        {"comparisons",
-         {Slot(static_cast<bool (ZoObject::*)(const ZoObject&) const>(&V::operator==)),
-          Slot(&ZoObject::operator!=)},
-         2},
-        {"vectors",
-         {Slot(&V::Add), Slot(&V::Remove), Slot(&V::Contains), Slot(&V::NItems), Slot(&V::RemoveAll),
-          Slot(static_cast<V& (V::*)(const V&)>(&V::operator=)), Slot(&V::Append), Slot(&V::AddUnique),
-          Slot(&V::Equal), Slot(&V::Find)}},
+    // The first ones stand behind two for destruction and two comparisons.
+    const std::tuple<const char*, std::ptrdiff_t, Slots> cases[] = {
+        {"comparisons", 2,
+         Of(static_cast<bool (ZoObject::*)(const ZoObject&) const>(&V::operator==), &ZoObject::operator!=)},
+        {"vectors", 4,
+         Of(&V::Add, &V::Remove, &V::Contains, &V::NItems, &V::RemoveAll,
+            static_cast<V& (V::*)(const V&)>(&V::operator=), &V::Append, &V::AddUnique, &V::Equal, &V::Find)},
+        {"record writer, values", 4,
+         Putting<O, const ZoBlob&, const ZoString&, const char*, short, unsigned short, int, unsigned, float,
+                 double, long double, bool>()},
+        {"record writer", 15,
+         Of(&O::FlushRecord, &O::FlushBuffer, &O::FreeResourses, &O::Initialize, &O::SaveHeader)},
+        {"record reader, values", 4,
+         Taking<TBinInStream, ZoBlob&, ZoString&, char*, short&, unsigned short&, int&, unsigned&, float&,
+                double&, long double&, bool&>()},
+        {"record reader", 15, Of(&InStream::LoadHeader, &InStream::Read)},
+        {"text writer", 4,
+         Putting<OutputStream, const ZoString&, const char*, long double, double, float, unsigned, int,
+                 unsigned short, short, bool>()},
+        {"text reader, values", 4,
+         Taking<I, ZoString&, char*, long double&, double&, float&, unsigned&, int&, unsigned short&, short&,
+                bool&>()},
+        {"text reader", 14, Of(&I::SkipValue, &I::GetLine, &I::CheckRead)},
+        {"streamable objects", 4,
+         Of(&B::StreamableClassName, &B::Write, &B::WillWrite, &B::Read, &B::GetIsValid, &B::GetClass,
+            &B::GetOriginalClass, &B::OnRead, &B::CanBeConvertedToBaseClass, &B::OnReadPointer,
+            &B::HandleExcludedField, &B::CheckForExcludedFields, &B::ToString, &Object::ReadData,
+            &S::CreateBusinessObject, &S::FillBusinessObject, &S::FillFromBusinessObject)},
+        {"fields", 4, Of(&F::SaveToStream, &F::LoadFromStream, &F::GetFieldMetaData)},
+        {"object writer", 4, Of(&TBinOutStreamer::OnAfterSaveInstance, &TBinOutStreamer::RewriteHeader)},
+        {"object reader", 4,
+         Of(&TBinInStreamer::OnAfterLoadInstance, &TBinInStreamer::OnAfterResolveInstance,
+            &InStreamer::CreateInstance)},
+        {"filtered reader", 4, Of(&TFilteredBinInStreamer::Read)},
+        {"an interface, where destruction comes last", 0,
+         Of(&IStreamableConvertionFactory::CreateStreamable)},
     };
-    for (const auto& tested : cases) {
-        std::ptrdiff_t expected = tested.first;
-        for (const std::ptrdiff_t slot : tested.slots) EXPECT_EQ(slot, expected++) << tested.name;
-    }
+    for (auto [name, expected, slots] : cases)
+        for (const std::ptrdiff_t slot : slots) EXPECT_EQ(slot, expected++) << name;
 }
 #endif
 

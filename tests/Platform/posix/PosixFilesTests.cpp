@@ -71,27 +71,6 @@ int Idle() {
     for (;;) pause();
 }
 
-// Blocks the reader until the writer closes or writes.
-struct Signal {
-    Signal() { EXPECT_EQ(pipe(ends), 0); }
-    ~Signal() {
-        close(ends[0]);
-        close(ends[1]);
-    }
-    void Give() const { EXPECT_EQ(write(ends[1], "x", 1), 1); }
-    void Await() const {
-        char byte;
-        EXPECT_EQ(read(ends[0], &byte, 1), 1);
-    }
-    int ends[2];
-};
-
-mode_t Permissions(const std::string& path) {
-    struct stat status = {};
-    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
-    return status.st_mode & 07777;
-}
-
 struct PosixFilesTests : testing::Test {
     PosixFilesTests() { folder.Write("f", "data"); }
     bool Copy(const char* from, const char* to) const {
@@ -101,17 +80,14 @@ struct PosixFilesTests : testing::Test {
 };
 
 TEST_F(PosixFilesTests, AClaimGoesWithItsProcess) {
-    const Signal opened;
+    const auto open = [&](Share share) { return Open(folder.Path("f"), Access::ReadWrite, share); };
     const Child child([&] {
-        if (Open(folder.Path("f"), Access::ReadWrite, Share::None) != nullptr) opened.Give();
+        while (open(Share::None) == nullptr) continue;
         return Idle();
     });
-    opened.Await();
-    EXPECT_EQ(Open(folder.Path("f"), Access::Read, Share::ReadWrite), nullptr);
+    while (const FileHandle file = open(Share::Read)) Current().CloseFile(file); // until it is the child's
     child.Kill();
-    const FileHandle file = Open(folder.Path("f"), Access::Read, Share::ReadWrite);
-    EXPECT_NE(file, nullptr);
-    Current().CloseFile(file);
+    EXPECT_TRUE(Current().CloseFile(open(Share::Read)));
 }
 
 TEST_F(PosixFilesTests, AChildNeitherKeepsNorReleasesWhatItsParentOpened) {
@@ -315,20 +291,22 @@ TEST_F(PosixFilesTests, InterruptedCallsGoOn) {
         return reinterpret_cast<FileHandle>(static_cast<std::intptr_t>(descriptor)); // as on POSIX they are
     };
     // More than a pipe holds: both the writer's and the reader's calls are cut short, the next do nothing.
-    const Signal pipe;
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
     const std::string sent(300'000, 'x');
     std::string received(sent.size(), '\0');
     std::thread reader([&] {
         for (const int enough = interruptions + 4; interruptions < enough;) sched_yield();
         std::size_t done = 0;
-        EXPECT_TRUE(Current().ReadFile(handle(pipe.ends[0]), received.data(), received.size(), done));
+        EXPECT_TRUE(Current().ReadFile(handle(ends[0]), received.data(), received.size(), done));
         EXPECT_EQ(done, sent.size());
     });
-    EXPECT_TRUE(Current().WriteFile(handle(pipe.ends[1]), sent.data(), sent.size() / 2));
+    EXPECT_TRUE(Current().WriteFile(handle(ends[1]), sent.data(), sent.size() / 2));
     for (const int enough = interruptions + 4; interruptions < enough;) sched_yield();
-    EXPECT_TRUE(Current().WriteFile(handle(pipe.ends[1]), sent.data(), sent.size() / 2));
+    EXPECT_TRUE(Current().WriteFile(handle(ends[1]), sent.data(), sent.size() / 2));
     reader.join();
     EXPECT_TRUE(received == sent);
+    for (const int end : ends) close(end);
     setitimer(ITIMER_REAL, &never, nullptr);
     sigaction(SIGALRM, &previous, nullptr);
 }
@@ -353,15 +331,15 @@ TEST_F(PosixFilesTests, LinksAreFollowedButDeletedThemselves) {
 TEST_F(PosixFilesTests, PermissionsAreNeverWidened) {
     const mode_t previous = umask(022);
     chmod(folder.Path("f").c_str(), 0600);
-    EXPECT_EQ(Permissions(Current().TemporaryFileName(folder.Path("f").c_str())), 0600U);
-    EXPECT_EQ(Permissions(Current().TemporaryFileName(folder.Path("new").c_str())), 0644U);
+    EXPECT_EQ(folder.Permissions(Current().TemporaryFileName(folder.Path("f").c_str())), 0600U);
+    EXPECT_EQ(folder.Permissions(Current().TemporaryFileName(folder.Path("new").c_str())), 0644U);
 
     EXPECT_TRUE(Copy("f", "copy"));
     chmod(folder.Path("f").c_str(), 0664); // the copy of a group's file stays the group's
     EXPECT_TRUE(Copy("f", "shared"));
-    EXPECT_EQ(Permissions(folder.Path("shared")), 0664U);
+    EXPECT_EQ(folder.Permissions("shared"), 0664U);
     for (int times = 0; times < 2; ++times) { // an existing target keeps its own
-        EXPECT_EQ(Permissions(folder.Path("copy")), 0600U);
+        EXPECT_EQ(folder.Permissions("copy"), 0600U);
         EXPECT_TRUE(Copy("f", "copy"));
     }
     umask(previous);

@@ -15,7 +15,6 @@
 #include "ZoPrimitives/ClipboardBinOutStream.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>

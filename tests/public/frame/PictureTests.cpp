@@ -6,7 +6,6 @@
 #include "public/frame/FailureOf.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <regex>

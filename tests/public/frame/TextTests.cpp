@@ -11,7 +11,6 @@
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>

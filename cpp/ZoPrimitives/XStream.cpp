@@ -20,6 +20,12 @@ XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& where)
     : XWriteStream(TTranslatedString("Espaço em disco insuficiente."_ansi).Text(), where) {}
 XWriteStreamOutOfSpace::~XWriteStreamOutOfSpace() = default;
 
+XNotReplaced::XNotReplaced(const XWriteStream& reason, const ZoString& path)
+    : XWriteStream(reason), writtenPath(path) {}
+XNotReplaced::XNotReplaced(const XNotReplaced&) = default;
+XNotReplaced& XNotReplaced::operator=(const XNotReplaced&) = default;
+XNotReplaced::~XNotReplaced() = default;
+
 XEndOfStream::XEndOfStream() : XStream("End-of-file", "") {}
 XEndOfStream::~XEndOfStream() = default;
 
@@ -31,6 +37,9 @@ XNewerVersion::~XNewerVersion() = default;
 
 XUnversionableVersion::XUnversionableVersion() : XReadStream("", "") {}
 XUnversionableVersion::~XUnversionableVersion() = default;
+
+XInvalidRoot::XInvalidRoot(const ZoString& what, const ZoString& where) : XReadStream(what, where) {}
+XInvalidRoot::~XInvalidRoot() = default;
 
 XInvalidFileType::XInvalidFileType() : XReadStream("", "") {}
 XInvalidFileType::~XInvalidFileType() = default;

@@ -47,6 +47,13 @@ ZoBlob& ZoBlob::operator=(ZoBlob&& other) noexcept {
     return *this;
 }
 
+ZoBlob ZoBlob::TakeOver(void* block, unsigned long long count) noexcept {
+    ZoBlob taken;
+    taken.bytes = static_cast<unsigned char*>(block);
+    taken.size = taken.capacity = block == nullptr ? 0 : count;
+    return taken;
+}
+
 void ZoBlob::Assign(const void* data, unsigned long long count) {
     if (data == nullptr) count = 0;
     if (count > capacity) {

@@ -105,6 +105,8 @@ void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
     if (!fileSchema.LoadFromStream(stream, schema)) Throw("Metadado inválido"_ansi, noSchema);
     uses = std::make_unique<Uses>(fileSchema);
     unknown.RemoveAll();
+    rootUid = 0;
+    dropped = 0;
     stream->ForgetInstances();
 }
 
@@ -129,7 +131,10 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
             ReadRecord(reader, uid, classId, made);
         }
     } else {
-        while (stream->LoadRecord(&uid, &classId)) ReadRecord(reader, uid, classId, made);
+        while (stream->LoadRecord(&uid, &classId)) {
+            if (rootUid == 0) rootUid = uid;
+            ReadRecord(reader, uid, classId, made);
+        }
     }
     made.HandOver();
     Resolve(made);
@@ -165,7 +170,10 @@ void TBinInStreamer::Decide(Use& use) {
 
 void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made) {
     Use& use = UseOf(classId);
-    if (use.readAs == nullptr) return;
+    if (use.readAs == nullptr) {
+        ++dropped;
+        return;
+    }
     const AwaitedMembers::Member member = made.awaited.Take(uid);
     if (member.object != nullptr) {
         if (use.inPlace && use.readAs->GetOriginal()->GetType() == &typeid(*member.object))
@@ -173,9 +181,13 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
         made.awaited.LeaveSome();
     }
     ZoStreamableBase* object = CreateInstance(use.readAs, &fileSchema, schema);
-    if (object == nullptr) return;
+    if (object == nullptr) {
+        ++dropped;
+        return;
+    }
     made.Begin(object);
     if (use.substituted && !object->CanBeConvertedToBaseClass()) {
+        ++dropped;
         made.Drop();
         return;
     }

@@ -42,6 +42,7 @@ TBinInStream& TBinInStream::operator=(const TBinInStream& other) {
     key = other.key;
     currentUid = other.currentUid;
     skipped = other.skipped;
+    loaded = other.loaded;
     if (other.recordSize != 0) std::memcpy(Buffer(), other.record, other.recordSize);
     UseBuffer(other.recordSize);
     position = other.position;
@@ -191,11 +192,12 @@ bool TBinInStream::ReadWindow(void* data, unsigned size, unsigned& done) {
     return done == size;
 }
 
-bool TBinInStream::ReadAll(void* data, unsigned size) {
+bool TBinInStream::ReadAll(void* data, unsigned size, unsigned* count) {
     readError = 0;
     if (size == 0) return true; // a source may take "any were read" to be false here
     unsigned done = 0;
     const bool read = TakesFromWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
+    if (count != nullptr) *count = done;
     return read && done == size;
 }
 
@@ -274,6 +276,7 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
     const unsigned char* payload = windowCursor + HEAD_SIZE;
     if (~Crc32Update(0xFFFFFFFFu, payload, head.size) != head.crc) return false;
     windowCursor = payload + head.size;
+    ++loaded;
     record = payload;
     recordSize = head.size;
     position = 0;
@@ -308,7 +311,7 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
     position = 0;
     recordSize = 0;
     std::uint32_t window = 0;
-    if (!ReadAll(&window, sizeof window)) {
+    if (!ReadAll(&window, sizeof window, &trailing)) {
         // A device that fails is not the end of the data.
         if (readError != 0) ThrowReadError(points.size);
         return Found::Nothing;
@@ -335,6 +338,7 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
                 ApplySecurityKey(usedKey, buffer, size);
             if (~Crc32Update(0xFFFFFFFFu, buffer, size) == crc) {
                 UseBuffer(size);
+                ++loaded;
                 currentUid = uid;
                 *recordUid = uid;
                 *recordClassId = classId;

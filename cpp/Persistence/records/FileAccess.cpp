@@ -36,6 +36,12 @@ bool FileIsThere(const ZoString& name, const char* location) {
     return false;
 }
 
+void RefuseReadOnly(const char* name, const char* location) {
+    bool readOnly = false;
+    if (Platform::Current().FileExists(name, &readOnly) && readOnly)
+        ThrowUnwritten(Platform::ErrorAccessDenied, location);
+}
+
 void ThrowUnreadable(const char* name, const char* location) {
     throw XReadStream(TTranslatedString("Não foi possível ler o arquivo "_ansi).Text() + name, location);
 }

@@ -41,6 +41,9 @@ void LoadSteadily(const char* name, Load load) {
 /// Whether there is such a file. Throws, as `ThrowUnwritten`, when that cannot be told.
 bool FileIsThere(const ZoString& name, const char* location);
 
+/// Throws as `ThrowUnwritten` when there is such a file and it forbids writing.
+void RefuseReadOnly(const char* name, const char* location);
+
 [[noreturn]] void ThrowUnreadable(const char* name, const char* location);
 
 /// Throws `XWriteStreamOutOfSpace` for a full device and `XWriteStream` otherwise.

@@ -53,7 +53,7 @@ void TFileBinOutStream::Initialize() {
     plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
     headerCount = GetNInstances();
     if (file == nullptr) {
-        throughTemporary = backup || System().NetworkFile(GetFileName().c_str());
+        throughTemporary = backup || asksTemporary || System().NetworkFile(GetFileName().c_str());
         writtenPath = &names->Target();
         if (throughTemporary) MakeTemporary();
         OpenFile(writtenPath->c_str());
@@ -204,6 +204,13 @@ void TFileBinOutStream::FreeResourses() {
     Abandon();
 }
 
+void TFileBinOutStream::Discard() {
+    Abandon();
+    if (writtenPath != &temporary) return;
+    System().DeleteWholeFile(temporary.c_str());
+    writtenPath = &names->Target();
+}
+
 void TFileBinOutStream::Finalize() {
     if (state != State::Writing) return;
     if (plainHeader && headerCount != GetNInstances()) RewriteHeader();
@@ -236,6 +243,7 @@ void TFileBinOutStream::CloseWritten() {
     const bool closed = System().CloseFile(std::exchange(file, nullptr));
     if (!synchronised) ThrowUnwritten(error, FINALIZE);
     if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE);
+    complete = true;
 }
 
 void TFileBinOutStream::ReplaceTarget() {

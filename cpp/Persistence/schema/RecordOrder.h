@@ -40,6 +40,12 @@ public:
         action(field);
         ForEachHalf(field, action);
     }
+    /// Whether objects of the class get a record.
+    static bool HasFields(const TZoClass& objectClass) {
+        bool any = false;
+        ForEachLevel(objectClass, [&](const TZoClass& level) { any = any || !FieldsOf(level).empty(); });
+        return any;
+    }
     /// Calls the action with the pointer fields of one level; of a map with its sub-fields, so that each
     /// holds one object or a list.
     template <class Action>

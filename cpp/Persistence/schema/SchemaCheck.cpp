@@ -74,7 +74,7 @@ void SchemaCheck::AddEmptyTargets(std::vector<ZoString>& lines, const TZoClass& 
     checked.ForEachPointerField([&](TZoClassField& field) {
         RecordOrder::ForEachTarget(field, [&](const TZoClassField& target) {
             const TZoClass* known = target.GetFieldClass();
-            if (known == nullptr || known->GetAbstract() || known->RecordExtent().fields != 0) return;
+            if (known == nullptr || known->GetAbstract() || RecordOrder::HasFields(*known)) return;
             if (&target != &field && known == field.GetFieldClass()) return;
             lines.push_back(ZoString::FormatString(
                 "[zowarning] class %s of reference field %s has no fields: its objects are not saved",

@@ -79,6 +79,7 @@ Field* TZoClass::Adopt(Field* field, TZoClass* fieldClass) {
     TZoClassField& base = *field;
     base.owner = this;
     base.fieldClass = fieldClass;
+    ++changes;
     if (fieldClass != nullptr) base.SetFieldClassName(fieldClass->GetName());
     ListOf(base).push_back(holder);
     if (!inOrder.empty() && PlaceOf(*inOrder.back()) > PlaceOf(base)) {

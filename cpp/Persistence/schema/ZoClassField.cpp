@@ -91,6 +91,7 @@ const ZoString& TZoClassField::NoName() {
 
 void TZoClassField::SetFieldClassName(const ZoString& newName) {
     className = std::make_unique<const ZoString>(WholeText(newName));
+    if (owner != nullptr) ++owner->changes;
 }
 
 bool TZoClassField::IsPointerKind() const { return FieldKindOf(kind).holds != FieldHold::Nothing; }
@@ -99,6 +100,7 @@ void TZoClassField::GetFieldMetaData(ZoStreamableBase*, ZoStreamableBaseFunctor&
 
 void TZoClassField::SetFieldClass(TZoClass* newClass) {
     fieldClass = newClass;
+    if (owner != nullptr) ++owner->changes;
     if (half != Half::No && newClass != nullptr && name.length() == 0) name = newClass->GetName();
 }
 

@@ -174,6 +174,7 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
     }
     NoteId(newClass->classId);
     classes.Add(newClass);
+    ++changes;
     index->Add(newClass);
     if (newClass->slot != 0 && newClass->schema == this) {
         if (newClass->slot >= slots.size()) slots.resize(newClass->slot + 1ULL);
@@ -187,7 +188,9 @@ TZoClass* TZoMetaData::AddClass(TZoClass* newClass) {
 
 void TZoMetaData::NoteRival(const TZoClass& present, const TZoClass& rival) {
     if (present.type == nullptr || rival.type == nullptr || *present.type == *rival.type) return;
-    if (!rivals.Contains(present.name)) rivals.Add(present.name);
+    if (rivals.Contains(present.name)) return;
+    rivals.Add(present.name);
+    ++changes;
 }
 
 TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Find(View(name)); }
@@ -248,13 +251,14 @@ void TZoMetaData::ForgetUnresolved(const TZoClass* leaving) {
 void TZoMetaData::ExcludeClass(const ZoString& name) {
     const pointer<TZoClass> leaving(FindClass(name));
     if (!leaving) return;
+    changes += leaving->changes + 1ULL;
     classes.Remove(leaving.get());
     Unbind(leaving.get());
     index->Clear();
     for (const auto& left : classes) index->Add(left.get());
     for (const auto& left : classes) {
         if (left->BelongsElsewhere(this)) continue; // its own schema may still have what leaves here
-        while (left->parents.Remove(leaving.get())) left->parentMissing = true;
+        while (left->parents.Remove(leaving.get())) left->NoteMissingParent();
         left->ForEachPointerField([&](TZoClassField& field) {
             RecordOrder::ForEachTarget(field, [&](TZoClassField& target) {
                 if (target.fieldClass == leaving.get()) target.SetFieldClass(nullptr);
@@ -265,6 +269,7 @@ void TZoMetaData::ExcludeClass(const ZoString& name) {
 }
 
 void TZoMetaData::Clear() {
+    changes = ChangeCount() + 1;
     unresolved.RemoveAll();
     index->Clear();
     for (const auto& leaving : classes) Unbind(leaving.get());
@@ -281,6 +286,7 @@ void TZoMetaData::Register(ZoStreamableRegister* newRegister) {
         if (kept->GetName() == newRegister->GetName()) return;
     }
     registers.Add(newRegister);
+    ++changes;
 }
 
 void TZoMetaData::ClassesRegister() {
@@ -354,6 +360,20 @@ void TZoMetaData::CheckOrThrow() const {
     ZoString lines;
     Check(&lines, &lines);
     if (lines.length() != 0) throw XStream(lines, "TZoMetaData::CheckOrThrow");
+}
+
+unsigned long long TZoMetaData::ChangeCount() const {
+    unsigned long long count = changes;
+    for (const auto& counted : classes) count += counted->changes;
+    return count;
+}
+
+void TZoMetaData::CheckChangesOrThrow() const {
+    // Several threads may use one schema: a check that is made twice does no harm.
+    const unsigned long long now = ChangeCount();
+    if (checkedAt.load(std::memory_order_relaxed) == now) return;
+    CheckOrThrow();
+    checkedAt.store(now, std::memory_order_relaxed);
 }
 
 bool TZoMetaData::WritingGenericFile() { return writingGenericFile.load(std::memory_order_relaxed); }

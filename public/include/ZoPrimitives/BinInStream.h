@@ -93,6 +93,10 @@ public:
     int GetCurrentUID() const { return currentUid; }
     /// Bytes skipped so far while looking for records.
     unsigned long long GetSkipped() const { return skipped; }
+    /// At the end of the data: how many bytes, 0 to 3, are left that are too few to look at.
+    unsigned GetTrailing() const { return trailing; }
+    /// Records loaded so far.
+    unsigned long long GetLoaded() const { return loaded; }
     bool GetOwnsSource() const { return ownsSource; }
 
     /// Size of the current record in bytes, and how many of them are unread.
@@ -205,7 +209,8 @@ private:
     static InstanceTables* NewInstances();
 
     bool TakesFromWindow() const { return HasWindow() && !asksRead; }
-    bool ReadAll(void* data, unsigned size);
+    /// `count` (may be null) receives the number of bytes read.
+    bool ReadAll(void* data, unsigned size, unsigned* count = nullptr);
     struct FailurePoints;
     enum class Found { Nothing, Record, OtherClass };
 
@@ -230,6 +235,8 @@ private:
     unsigned key = 0;
     int currentUid = 0;
     unsigned long long skipped = 0;
+    unsigned long long loaded = 0;
+    unsigned trailing = 0;
     unsigned long readError = 0;
 
     const unsigned char* record = nullptr; // in `buffer` or in the window

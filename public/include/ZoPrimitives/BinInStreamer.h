@@ -53,6 +53,11 @@ public:
     /// hooks while pointers are resolved) leaves them to the caller, in the stream's list.
     ZoStreamableBase* ReadObjects();
 
+    /// The uid of the first record read behind the schema, which is the root's; 0 if there is none.
+    int GetRootUid() const { return rootUid; }
+    /// The number of records of which no object was made.
+    unsigned long long GetDropped() const { return dropped; }
+
     /// Whether the object may stay: it was not found `invalid` before, its `GetIsValid` is true, and so is
     /// that of every object that is a member of it.
     bool OnReadInstance(ZoStreamableBase* object, bool invalid);
@@ -96,6 +101,8 @@ private:
     std::unique_ptr<Uses> uses;
     Operations operations = Operations::Overridden; // the virtual ones of this streamer
     Scope scope = Scope::AllClasses;                // what is read only in part may be incomplete
+    int rootUid = 0;
+    unsigned long long dropped = 0;
 };
 
 } // namespace ZoPrimitives

@@ -33,6 +33,9 @@ public:
     TFileBinOutStream(const TFileBinOutStream&) = delete;
     TFileBinOutStream& operator=(const TFileBinOutStream&) = delete;
 
+    /// Before `Initialize`: writes through a temporary file even where neither a backup nor a network drive
+    /// asks for it.
+    void SetThroughTemporary(bool through) { asksTemporary = through; }
     /// Opens the file, which others may read meanwhile, and writes the header; one that the caller has
     /// already put into the open record with `SaveHeader` is used instead. May be called again if the file
     /// cannot be opened.
@@ -47,6 +50,8 @@ public:
     /// Gives up without `Finalize`: writes what is gathered and closes the file, without throwing. The target
     /// is not replaced; a temporary file remains.
     void FreeResourses() override;
+    /// The same without writing, and deletes the temporary file.
+    void Discard();
     /// Returns to the current position afterwards; the open record is unchanged.
     void RewriteHeader() override;
     bool PutsDirectly() const override;
@@ -68,6 +73,8 @@ public:
     /// The file that holds the data: until `Finalize` has replaced the target, the temporary or the "-new"
     /// file; otherwise the target.
     const ZoString& GetWrittenPath() const { return *writtenPath; }
+    /// Whether that file is complete and closed and, through a temporary file, on the device.
+    bool IsComplete() const { return complete; }
 
 protected:
     TFileBinOutStream(const char* fileName, bool backup);
@@ -97,7 +104,9 @@ private:
     void* file = nullptr;
     bool ownsFile = false;
     bool backup;
+    bool asksTemporary = false;
     bool throughTemporary = false;
+    bool complete = false;
     bool plainHeader = false;           // written by `SaveHeader`, with nothing after it
     unsigned headerCount = 0;           // the record count in the header
     unsigned long long headerStart = 0; // the header's offset in the file

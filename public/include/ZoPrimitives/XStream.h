@@ -42,6 +42,22 @@ public:
     ~XWriteStreamOutOfSpace() override;
 };
 
+/// The new version of a file is complete and on the device but could not take the old one's place, which is
+/// as it was, unless copying over it was begun. Message and location are those of the failure.
+class ZO_API XNotReplaced : public XWriteStream {
+public:
+    XNotReplaced(const XWriteStream& reason, const ZoString& writtenPath);
+    XNotReplaced(const XNotReplaced&);
+    XNotReplaced& operator=(const XNotReplaced&);
+    ~XNotReplaced() override;
+
+    /// The file that holds the new version.
+    const ZoString& WrittenPath() const { return writtenPath; }
+
+private:
+    ZoString writtenPath;
+};
+
 /// Nothing is left to read. The message is "End-of-file", the location empty.
 class ZO_API XEndOfStream : public XStream {
 public:
@@ -68,6 +84,13 @@ class ZO_API XUnversionableVersion : public XReadStream {
 public:
     XUnversionableVersion();
     ~XUnversionableVersion() override;
+};
+
+/// The data's root is not what was asked for: an object of another class, none, or one of several.
+class ZO_API XInvalidRoot : public XReadStream {
+public:
+    XInvalidRoot(const ZoString& message, const ZoString& location);
+    ~XInvalidRoot() override;
 };
 
 // For the applications, which throw them. Both texts are empty.

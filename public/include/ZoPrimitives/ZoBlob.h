@@ -25,6 +25,9 @@ public:
     const void* Data() const noexcept { return bytes; }
     void* Data() noexcept { return bytes; }
 
+    /// A blob that takes over a block on the C heap.
+    static ZoBlob TakeOver(void* block, unsigned long long size) noexcept;
+
     /// Copies `size` bytes, which may lie in this blob, reusing its memory where possible.
     void Assign(const void* data, unsigned long long size);
 

@@ -6,6 +6,7 @@
 #include "ZoPrimitives/ZoStreamableRegister.h"
 #include "ZoPrimitives/dvector.h"
 
+#include <atomic>
 #include <memory>
 #include <typeinfo>
 #include <vector>
@@ -89,11 +90,17 @@ public:
     /// Tells which operations of `ZoHooks` the C++ type overrides. Without this call all count as overridden.
     void SetHooks(unsigned overridden) { hooks = overridden; }
     /// Gives the test for objects of the C++ type, by which `TZoMetaData::Check` finds bases left out.
-    void SetTypeTest(TZoTypeTest test) { typeTest = test; }
+    void SetTypeTest(TZoTypeTest test) {
+        typeTest = test;
+        ++changes;
+    }
     /// Whether the C++ type overrides the operation.
     bool Answers(ZoHooks hook) const { return (hooks & hook) != 0; }
     /// Notes that a parent named at registration is missing from the schema; `TZoMetaData::Check` reports it.
-    void NoteMissingParent() { parentMissing = true; }
+    void NoteMissingParent() {
+        parentMissing = true;
+        ++changes;
+    }
 
     // Declare fields in streaming order. The class owns each field that it returns.
     TZoClassField* AddFieldInt(const ZoString& name, TZoSetter<int> set, TZoGetter<int> get);
@@ -190,6 +197,7 @@ private:
     friend class ObjectRemoval;
     friend class SchemaCheck;
     friend class SchemaReader;
+    friend class TZoClassField;
     friend class UsedClasses;
     friend struct ReadPlan;
     friend class TBinInStreamer;
@@ -238,6 +246,7 @@ private:
     ZoString name;
     bool abstract = false;
     bool parentMissing = false;
+    unsigned changes = 0;               // of what `TZoMetaData::Check` looks at
     std::unique_ptr<ReadPlan> readPlan; // of a class read from a file
     mutable Extent extent;
     unsigned hooks = ~0u;
@@ -327,6 +336,9 @@ public:
     bool Check(ZoString* report, ZoString* warnings) const;
     /// Throws `XStream` with all lines of `Check`, if there are any.
     void CheckOrThrow() const;
+    /// The same, but does nothing if neither the schema nor one of its classes has changed since it last
+    /// found them sound.
+    void CheckChangesOrThrow() const;
 
     /// Writes the schema record: uid 0, class 0.
     void SaveToStream(TBinOutStream* stream);
@@ -365,6 +377,8 @@ private:
 
     TZoClass* FindUnbound(const char* name, const std::type_info& type) const;
     void IndexClasses();
+    /// Grows with every change of the schema or one of its classes.
+    unsigned long long ChangeCount() const;
     void Unbind(TZoClass* leaving);
     void ForgetUnresolved(const TZoClass* leaving);
     int NewId() const;
@@ -380,8 +394,10 @@ private:
     long long nextId = 1;         // exceeds `int` after the greatest id
     std::vector<TZoClass*> slots; // indexed by the C++ class's number in the process
     TIVector<ZoStreamableRegister, pointer<ZoStreamableRegister>> registers;
-    TDVector<ZoString> rivals;     // names of two C++ classes
-    bool registersClasses = false; // `ClassesRegister` is under way
+    TDVector<ZoString> rivals;      // names of two C++ classes
+    bool registersClasses = false;  // `ClassesRegister` is under way
+    unsigned long long changes = 1; // of the schema, and of the classes that have left it
+    mutable std::atomic<unsigned long long> checkedAt{0}; // `ChangeCount` when the check last succeeded
 };
 
 } // namespace ZoPrimitives

@@ -36,6 +36,7 @@ inline constexpr const char* FACTORY_MANAGER = "cpp/Persistence/FactoryManager";
 inline constexpr const char* FILE_BIN_OUT_STREAM = "cpp/Persistence/FileBinOutStream";
 inline constexpr const char* FILE_OUTPUT_STREAM = "cpp/Persistence/FileOutputStream";
 inline constexpr const char* TBASE64 = "cpp/Persistence/TBase64";
+inline constexpr const char* ZO_SAVE = "cpp/Persistence/ZoSave";
 inline constexpr const char* ZOMETADATA = "cpp/Persistence/ZoMetaData";
 
 // ZoString

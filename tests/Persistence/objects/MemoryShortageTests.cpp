@@ -3,18 +3,17 @@
 #include "support/Memory.h"
 #include "support/TemporaryFolder.h"
 
-#include "ZoPrimitives/ClipboardBinInStream.h"
 #include "ZoPrimitives/ClipboardBinOutStream.h"
 #include "ZoPrimitives/ClipboardInputStream.h"
 #include "ZoPrimitives/ClipboardOutputStream.h"
-#include "ZoPrimitives/FileBinInStream.h"
-#include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/FileOutputStream.h"
 #include "ZoPrimitives/FilteredBinInStreamer.h"
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/WholeText.h"
+#include "ZoPrimitives/ZoOpen.h"
+#include "ZoPrimitives/ZoSave.h"
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 #include "ZoPrimitives/xContainer.h"
 
@@ -127,6 +126,14 @@ void Open(Model& model, Attempt& attempt, Make make) {
     if (stream != nullptr) stream->TakeObjects(&objects);
 }
 
+/// In one call, which releases all itself.
+template <class Open>
+void OpenAtOnce(Model& model, Attempt& attempt, Open open) {
+    std::optional<TZoOpened<app::EveryKind>> opened;
+    if (attempt.Succeeds([&] { opened = open(); }))
+        attempt.outcome = Save(model.schema, opened->GetRoot().get());
+}
+
 template <class Stream>
 std::unique_ptr<TBinInStream> Initialized(std::unique_ptr<Stream> stream) {
     stream->Initialize();
@@ -158,8 +165,9 @@ void Write(TBinOutStream& out, Model& model) {
 }
 
 void SaveInMemory(Model& model, Attempt& attempt) {
-    TMemoryBinOutStream out;
-    if (attempt.Succeeds([&] { Write(out, model); })) attempt.outcome = BytesOf(out);
+    ZoBlob saved;
+    if (attempt.Succeeds([&] { saved = ZoSaveInMemory(&model.root, &model.schema); }))
+        attempt.outcome = {static_cast<const char*>(saved.Data()), static_cast<std::size_t>(saved.Size())};
 }
 
 void SaveOnClipboard(Model& model, Attempt& attempt) {
@@ -175,13 +183,10 @@ void SaveOverAFile(Model& model, Attempt& attempt) {
     const std::string path = model.folder.Path("saved.zo"), old = "the version before";
     model.folder.Write("saved.zo", old);
     std::filesystem::remove(model.folder.Path("saved.zo-bak"));
-    const bool done = attempt.Succeeds([&] {
-        const pointer<TFileBinOutStream> out(TFileBinOutStream::Create(path.c_str(), true));
-        Write(*out, model);
-        out->Finalize();
-    });
+    const bool done = attempt.Succeeds([&] { ZoSave(path.c_str(), &model.root, &model.schema); });
     const std::string now = model.folder.Read("saved.zo");
     EXPECT_TRUE((!done && now == old) || now == model.everyKind) << now.size() << " bytes";
+    for (const std::string& name : model.folder.Names()) EXPECT_NE(name[0], '~') << "left behind: " << name;
     if (!done) return;
     EXPECT_EQ(model.folder.Read("saved.zo-bak"), old);
     attempt.outcome = now;
@@ -293,13 +298,13 @@ const struct {
      }},
     {"open a file",
      [](Model& model, Attempt& attempt) {
-         Open(model, attempt,
-              [&] { return Initialized(std::make_unique<TFileBinInStream>(model.path.c_str(), true)); });
+         OpenAtOnce(model, attempt,
+                    [&] { return ZoOpen<app::EveryKind>(model.path.c_str(), &model.schema); });
      }},
     {"open what lies on the clipboard",
      [](Model& model, Attempt& attempt) {
          model.clipboard.block = model.everyKind;
-         Open(model, attempt, [] { return Initialized(std::make_unique<TClipboardBinInStream>(9999)); });
+         OpenAtOnce(model, attempt, [&] { return ZoOpenFromClipboard<app::EveryKind>(&model.schema); });
      }},
     {"open with objects that are removed",
      [](Model& model, Attempt& attempt) { Open(model, attempt, [&] { return InMemory(model.doubtful); }); }},

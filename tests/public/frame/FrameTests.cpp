@@ -131,7 +131,7 @@ TEST_F(FrameTests, FilesWithPlainNumbersAreConverted) {
     std::string bytes = folder.Read("old.zo");
     bytes[Records(bytes)[150] + 18] ^= 1; // of the uid of a column
     folder.Write("bad.zo", bytes);
-    EXPECT_THAT(FailureOf([&] { Open(Path("bad.zo")); }), HasSubstr("(some objects have lost their place)"));
+    EXPECT_THAT(FailureOf([&] { Open(Path("bad.zo")); }), HasSubstr("mais de um objeto principal"));
 }
 
 TEST_F(FrameTests, KeepsTheTimeOfSavingToTheTickAndTheVersionBefore) {
@@ -201,12 +201,13 @@ TEST_F(FrameTests, BadFilesAreRefusedWithASentence) {
         {"header alone", good.substr(0, 28), "is damaged: use a copy of it."},
         {"newer version", changed(0, 5), "was saved by a newer version of this program: update the program"},
         {"byte of the classes", changed(records[0] + 60, '#'), "is damaged"},
-        {"byte of an object", changed(records[50] + 25, '#'), "(482 objects were saved, 481 can be read)"},
-        {"uid of a column", changed(records[461] + 18, 1), "(some objects have lost their place)"},
-        {"uid of the site", changed(records[57] + 18, 1), "(some objects have lost their place)"},
+        {"byte of an object", changed(records[50] + 25, '#'),
+         "is damaged: use a copy of it. (ZoOpen: Arquivo corrompido)"},
+        {"uid of a column", changed(records[461] + 18, 1), "mais de um objeto principal"},
+        {"uid of the site", changed(records[57] + 18, 1), "mais de um objeto principal"},
         {"cut in a record", good.substr(0, records[100] + 30), "is damaged"},
-        {"cut between records", good.substr(0, records[100]), "(482 objects were saved, 99 can be read)"},
-        {"cut before the root", good.substr(0, records[1]), "(482 objects were saved, 0 can be read)"},
+        {"cut between records", good.substr(0, records[100]), "(ZoOpen: Arquivo corrompido)"},
+        {"cut before the root", good.substr(0, records[1]), "(ZoOpen: Arquivo corrompido)"},
     };
     for (const auto& [name, bytes, sentence] : cases) {
         folder.Write("bad.zo", bytes);

@@ -1,0 +1,173 @@
+#include "ZoPrimitives/ZoOpen.h"
+
+#include "Persistence/instances/ClassNames.h"
+#include "Persistence/instances/InstanceTables.h"
+#include "Persistence/instances/ItemAction.h"
+#include "Persistence/objects/GraphWalk.h"
+#include "Persistence/schema/RecordOrder.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/BinInStreamer.h"
+#include "ZoPrimitives/ClipboardBinInStream.h"
+#include "ZoPrimitives/FileBinInStream.h"
+#include "ZoPrimitives/MemoryBinInStream.h"
+#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/XStream.h"
+
+#include <unordered_set>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* OPEN = "ZoOpen";
+
+/// Takes out of `candidates` what an object among `objects` owns or names as external, or a member of one.
+void LeaveUnowned(std::unordered_set<const ZoStreamableBase*>& candidates,
+                  const TDVector<ZoStreamableBase*>& objects, TZoMetaData* schema) {
+    TDVector<ZoStreamableBase*> owners = objects;
+    std::unordered_set<const ZoStreamableBase*> known(objects.begin(), objects.end());
+    ItemAction own([&](ZoStreamableBase* item) {
+        candidates.erase(item);
+        if (item != nullptr && known.insert(item).second) owners.Add(item);
+    });
+    ItemAction name([&](ZoStreamableBase* item) { candidates.erase(item); });
+    for (unsigned long long i = 1; i <= owners.NItems() && !candidates.empty(); ++i) {
+        TZoClass* ownerClass = owners[i]->GetOriginalClass(schema);
+        if (ownerClass == nullptr) continue;
+        ownerClass->ChildsReferences(owners[i], own);
+        RecordOrder::ForEachLevel(*ownerClass,
+                                  [&](const TZoClass& level) { ForEachExternal(level, owners[i], name); });
+    }
+}
+
+[[noreturn]] void ThrowInvalid(const ZoString& message) { throw XInvalidRoot(message, OPEN); }
+
+} // namespace
+
+/// Reads one stream for one call.
+class Opening {
+public:
+    Opening(TBinInStream& openStream, TZoMetaData* applicationSchema, const TZoRootType& wantedType,
+            const TZoOpening& options)
+        : stream(openStream), schema(applicationSchema), rootType(wantedType), how(options),
+          streamer(&stream, schema) {}
+
+    TDVector<ZoStreamableBase*> Run(TZoOpenedObjects& opened) {
+        try {
+            streamer.ReadObjects();
+            if (!how.salvages) CheckWhole();
+            FindRoots();
+            opened.version = stream.GetVersion();
+            opened.release = stream.GetRelease();
+            opened.skipped = stream.GetSkipped();
+            stream.TakeObjects(&opened.objects);
+        } catch (...) {
+            Release();
+            throw;
+        }
+        return roots;
+    }
+
+private:
+    /// Records that verify may all be there, and others not.
+    void CheckWhole() {
+        bool allEmitted = true; // a class without fields has none
+        for (int i = 1; i <= streamer.GetFileMetaData()->GetClassCount(); ++i) {
+            const TZoClass& fileClass = *streamer.GetFileMetaData()->GetClass(i);
+            allEmitted = allEmitted && (fileClass.GetAbstract() || RecordOrder::HasFields(fileClass));
+        }
+        if (stream.GetSkipped() != 0 || stream.GetTrailing() != 0 ||
+            (allEmitted && stream.GetLoaded() < stream.GetNInstances()))
+            throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), OPEN);
+    }
+
+    void FindRoots() {
+        if (streamer.GetRootUid() == 0)
+            ThrowInvalid(TTranslatedString("O arquivo não contém objetos"_ansi).Text());
+        ZoStreamableBase* first = stream.GetInstance(streamer.GetRootUid());
+        if (first == nullptr)
+            ThrowInvalid(TTranslatedString("O objeto principal do arquivo não pôde ser lido"_ansi).Text());
+        roots.Add(first);
+        // What had a dropped owner cannot be told from a root.
+        if (how.severalRoots || streamer.GetDropped() == 0) AddFurtherRoots(first);
+        if (roots.NItems() != 1 && !how.severalRoots)
+            ThrowInvalid(TTranslatedString("O arquivo contém mais de um objeto principal"_ansi).Text());
+        for (const ZoStreamableBase* root : roots) CheckType(*root);
+    }
+
+    /// Most objects are held by their owners' `pointer`s: only the others are looked for.
+    void AddFurtherRoots(const ZoStreamableBase* first) {
+        std::unordered_set<const ZoStreamableBase*> candidates;
+        for (const ZoStreamableBase* object : stream.Objects()) {
+            if (ZoReferenceCount::Count(object) == 0 && object != first) candidates.insert(object);
+        }
+        if (candidates.empty()) return;
+        LeaveUnowned(candidates, stream.Objects(), schema);
+        for (ZoStreamableBase* object : stream.Objects()) {
+            if (candidates.count(object) != 0) roots.Add(object);
+        }
+    }
+
+    void CheckType(const ZoStreamableBase& root) const {
+        if (rootType.test(&root)) return;
+        const ZoString found = PlainClassName(ClassText(typeid(root)));
+        const ZoString wanted = PlainClassName(ClassText(rootType.type));
+        ThrowInvalid(TTranslatedString("O objeto principal do arquivo é de outra classe"_ansi).Text() +
+                     ZoString::FormatString(": %s (%s)", found.c_str(), wanted.c_str()));
+    }
+
+    /// Ends what was read, also objects that own each other in a circle.
+    void Release() noexcept {
+        try {
+            TDList<ZoStreamableBase*> all;
+            for (ZoStreamableBase* object : stream.Objects()) all.Add(object);
+            streamer.RemoveInvalidObjects(&all);
+        } catch (...) {
+            // An accessor threw, or memory is short. What has an owner goes with it.
+            const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(stream).Take();
+            for (const ZoStreamableBase* object : objects) ZoReferenceCount::Add(object);
+            for (const ZoStreamableBase* object : objects) ZoReferenceCount::Release(object);
+        }
+    }
+
+    TBinInStream& stream;
+    TZoMetaData* schema;
+    const TZoRootType& rootType;
+    const TZoOpening& how;
+    TBinInStreamer streamer;
+    TDVector<ZoStreamableBase*> roots;
+};
+
+TZoOpenedObjects::TZoOpenedObjects() = default;
+TZoOpenedObjects::TZoOpenedObjects(const TZoOpenedObjects&) = default;
+TZoOpenedObjects::TZoOpenedObjects(TZoOpenedObjects&&) noexcept = default;
+TZoOpenedObjects& TZoOpenedObjects::operator=(const TZoOpenedObjects&) = default;
+TZoOpenedObjects& TZoOpenedObjects::operator=(TZoOpenedObjects&&) noexcept = default;
+TZoOpenedObjects::~TZoOpenedObjects() = default;
+
+TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRootType& rootType,
+                                          const char* path, TZoMetaData* schema, const TZoOpening& how) {
+    schema->CheckChangesOrThrow();
+    TFileBinInStream file(path, how.reading, how.version);
+    file.Initialize();
+    return Opening(file, schema, rootType, how).Run(opened);
+}
+
+TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRootType& rootType,
+                                          const void* block, unsigned long long size, TZoMetaData* schema,
+                                          const TZoOpening& how) {
+    schema->CheckChangesOrThrow();
+    TMemoryBinInStream memory(block, size, how.version);
+    memory.Initialize();
+    return Opening(memory, schema, rootType, how).Run(opened);
+}
+
+TDVector<ZoStreamableBase*> ZoOpenClipboardObjects(TZoOpenedObjects& opened, const TZoRootType& rootType,
+                                                   TZoMetaData* schema, const TZoOpening& how) {
+    schema->CheckChangesOrThrow();
+    TClipboardBinInStream clipboard(how.version);
+    clipboard.Initialize();
+    return Opening(clipboard, schema, rootType, how).Run(opened);
+}
+
+} // namespace ZoPrimitives

@@ -159,6 +159,21 @@ inline std::string SaveAtOnce(ZoPrimitives::TZoMetaData& schema, ZoPrimitives::Z
 
 inline std::string Text(const ZoPrimitives::ZoString& text) { return {text.c_str(), text.length()}; }
 
+using Names = std::vector<std::string>;
+
+/// Of a class's own fields, in the order of a record.
+inline Names FieldNames(ZoPrimitives::TZoClass& of) {
+    Names names;
+    for (int i = 1; i <= of.GetFieldCount(); ++i) names.push_back(Text(of.GetField(i)->GetFieldName()));
+    return names;
+}
+
+inline Names ParentNames(ZoPrimitives::TZoClass& of) {
+    Names names;
+    for (const auto& parent : *of.GetParentClasses()) names.push_back(Text(parent->GetName()));
+    return names;
+}
+
 /// An opened file; its objects end with it, those that own each other in circles too.
 class Opened {
 public:

@@ -180,7 +180,7 @@ void TBinInStream::SetRecordPosition(unsigned newPosition) { position = std::min
 void TBinInStream::SetWindow(const unsigned char* begin, const unsigned char* end) {
     windowBegin = windowCursor = begin;
     windowEnd = end;
-    UseBuffer(0); // the current record may lie in the window that was
+    UseBuffer(0); // the current record may lie in the previous window
 }
 
 bool TBinInStream::ReadWindow(void* data, unsigned size, unsigned& done) {
@@ -194,14 +194,14 @@ bool TBinInStream::ReadWindow(void* data, unsigned size, unsigned& done) {
 
 bool TBinInStream::ReadAll(void* data, unsigned size, unsigned* count) {
     readError = 0;
-    if (size == 0) return true; // a source may take "any were read" to be false here
+    if (size == 0) return true; // a source whose `Read` tells whether any bytes came would say no
     unsigned done = 0;
     const bool read = TakesFromWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
     if (count != nullptr) *count = done;
     return read && done == size;
 }
 
-/// Goes on behind the next bytes; false when there are not so many.
+/// Moves past the next bytes; false when there are fewer.
 bool TBinInStream::PassOver(unsigned size) {
     if (!TakesFromWindow()) return ReadAll(Buffer(), size);
     readError = 0;
@@ -252,7 +252,7 @@ bool TBinInStream::LoadHeader() {
         header.extraLength >= RecordFormat::EXTRA_LENGTH_LIMIT) {
         return false;
     }
-    // Nothing looks at the extra block, so one that is cut short is the next record's concern.
+    // Nothing reads the extra block: if it is cut short, the search for the first record finds the end.
     if (header.extraLength != 0 && !ReadAll(Buffer(), header.extraLength) && readError != 0) return false;
     if (supportedVersion < header.version) throw XNewerVersion();
     return true;
@@ -260,7 +260,7 @@ bool TBinInStream::LoadHeader() {
 
 // Records
 
-/// Whether the next bytes of the window are a whole record, by its head.
+/// Whether the next bytes of the window are a whole record, as its head tells.
 bool TBinInStream::HeadInWindow(RecordFormat::RecordHead& head) const {
     const auto left = static_cast<std::size_t>(windowEnd - windowCursor);
     if (left < HEAD_SIZE) return false;
@@ -269,7 +269,7 @@ bool TBinInStream::HeadInWindow(RecordFormat::RecordHead& head) const {
            head.size <= left - HEAD_SIZE;
 }
 
-/// The usual case, without a copy: the next bytes of the window are a whole, plain, good record.
+/// Takes the next record in place, the usual case; false unless it is whole, plain and has the right sum.
 bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
     RecordFormat::RecordHead head;
     if (!HeadInWindow(head) || RecordFormat::DecodeKey(head.key) != 0) return false;
@@ -287,7 +287,7 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
     return true;
 }
 
-/// Passes over whole records of other classes, by their heads alone.
+/// Passes over whole records of other classes; looks at their heads alone.
 void TBinInStream::PassInWindow(const RecordFilter& filter) {
     RecordFormat::RecordHead head;
     while (HeadInWindow(head) && !filter.Takes(head.classId)) windowCursor += HEAD_SIZE + head.size;
@@ -353,8 +353,8 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
                 if (readError != 0) ThrowReadError(points.key);
                 return Found::Nothing;
             }
-            // Seen as bytes, least significant first: (1, new, 3, 0) of the old window. Markers repeat two
-            // bytes, so one is still met, starting from a cleared window.
+            // The new window, least significant byte first, is byte 1 of the old one, the new byte, then
+            // bytes 3 and 0. A marker repeats two bytes, so it is still recognised after a cleared window.
             window = (static_cast<std::uint32_t>(byte) << 8) | ((window >> 8) & 0x00FF00FFu) | (window << 24);
         }
     }

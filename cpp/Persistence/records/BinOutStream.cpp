@@ -99,7 +99,7 @@ TBinOutStream& TBinOutStream::operator<<(double value) {
 }
 
 TBinOutStream& TBinOutStream::operator<<(long double value) {
-    Put(static_cast<double>(value)); // wider than a double on some systems, never in the file
+    Put(static_cast<double>(value)); // some systems have a wider one, files do not
     return *this;
 }
 
@@ -108,7 +108,7 @@ TBinOutStream& TBinOutStream::operator<<(bool value) {
     return *this;
 }
 
-// Uids may come in any order: that they rise is the object writer's to keep, and nothing is checked here.
+// Uids may come in any order: the object writer makes them rise, and nothing is checked here.
 void TBinOutStream::FlushRecord(int, int) { ++header.recordCount; }
 
 void TBinOutStream::FreeResourses() {}
@@ -137,30 +137,28 @@ void TBinOutStream::ApplySecurityKey(unsigned key, unsigned char* data, unsigned
     RecordFormat::Scramble(key, data, size);
 }
 
-bool TBinOutStream::Frame(int uid, int classId, bool mayScramble) {
+void TBinOutStream::Frame(int uid, int classId, bool mayScramble) {
     TBinOutStream::FlushRecord(uid, classId);
-    if (GetBufferSize() == 0) return false;
-    records.Frame(uid, classId, mayScramble ? GetSecurityKey() : 0);
-    return true;
+    if (GetBufferSize() != 0) records.Frame(uid, classId, mayScramble ? GetSecurityKey() : 0);
 }
 
 std::vector<unsigned char> TBinOutStream::HeaderBytes() {
-    // `SaveHeader` appends to the open record, which may be full: it is set aside.
-    const std::vector<unsigned char> open(records.Bytes(), records.Bytes() + records.Size());
-    const auto restore = [&] {
-        records.Drop();
-        records.Append(open.data(), open.size());
+    // `SaveHeader` appends to the open record, which may be full, so the record is set aside.
+    struct SetAside {
+        explicit SetAside(RecordBuffer& itsBuffer)
+            : buffer(itsBuffer), open(buffer.Bytes(), buffer.Bytes() + buffer.Size()) {
+            buffer.Drop();
+        }
+        ~SetAside() {
+            buffer.Drop();
+            buffer.Append(open.data(), open.size()); // its room is still there
+        }
+        RecordBuffer& buffer;
+        const std::vector<unsigned char> open;
     };
-    records.Drop();
-    try {
-        SaveHeader();
-        std::vector<unsigned char> bytes(records.Bytes(), records.Bytes() + records.Size());
-        restore();
-        return bytes;
-    } catch (...) {
-        restore();
-        throw;
-    }
+    const SetAside record(records);
+    SaveHeader();
+    return {records.Bytes(), records.Bytes() + records.Size()};
 }
 
 void TBinOutStream::StartAnew() {

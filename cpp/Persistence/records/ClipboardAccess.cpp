@@ -13,7 +13,7 @@ namespace {
 
 Platform::Services& System() { return Platform::Current(); }
 
-// The numbers are the system's; the C run-time's texts go by its own.
+// These are the system's error numbers; the C run-time has texts for its own numbers only.
 const char* Reason(unsigned long error) {
     constexpr unsigned long NOT_ENOUGH_SPACE = 12;
     constexpr unsigned long PERMISSION_DENIED = 13;

@@ -14,8 +14,8 @@ namespace ZoPrimitives {
 
 namespace {
 
-/// Where the records of a block end: zeros that follow the last one are not theirs, those that it ends with
-/// are.
+/// Finds where the records of a block end. Zeros behind the last record do not count; those that it ends
+/// with do.
 std::size_t EndOfRecords(const unsigned char* block, std::size_t size) {
     std::size_t zeros = size;
     while (zeros != 0 && block[zeros - 1] == 0) --zeros;

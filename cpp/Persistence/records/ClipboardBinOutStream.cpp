@@ -39,7 +39,7 @@ void TClipboardBinOutStream::FlushBuffer() {
 void TClipboardBinOutStream::RewriteHeader() {
     if (!writing || headerSize < RecordFormat::HEADER_SIZE) return;
     const std::vector<unsigned char> header = HeaderBytes();
-    if (header.size() <= headerSize) Records().PatchFrames(0, header.data(), header.size());
+    if (header.size() <= headerSize) Records().PatchFrames(header.data(), header.size());
 }
 
 void TClipboardBinOutStream::Finalize() {

@@ -6,14 +6,14 @@
 
 namespace ZoPrimitives {
 
-/// Of a target's previous version, kept beside it.
+/// Ends the name of the previous version, which is kept beside its target.
 inline constexpr const char* BACKUP_SUFFIX = "-bak";
-/// Of a target's new version, whole, while it is being put in the target's place. A file of that name tells
-/// that the target may be torn.
+/// Ends the name of the whole new version while it is being put in the target's place. While a file of that
+/// name exists, the target may be torn.
 inline constexpr const char* FRESH_SUFFIX = "-new";
 
-/// A text from outside, null for an empty one, or with something added. Throws `std::bad_alloc` rather than
-/// lose it.
+/// Copies a text from outside (null: an empty one), with something added if asked. Throws `std::bad_alloc`
+/// rather than lose it.
 ZoString FileName(const char* name, const char* suffix = "");
 
 /// Opens an existing file for its reader. `reading` becomes viewing for a read-only file. Throws
@@ -23,8 +23,8 @@ Platform::FileHandle OpenToRead(const char* name, TFileReading& reading, const c
 /// Whether a save is putting a new version in the place of the file, or was stopped doing so.
 bool BeingReplaced(const char* name);
 
-/// Loads a file that is viewed, and again when a save was replacing it meanwhile; waits for its end, a second
-/// at most. `load` must leave nothing of its last turn.
+/// Loads a file that is viewed, and loads it again if a save was replacing it meanwhile; waits for that save
+/// for a second at most. `load` must leave nothing of its previous call behind.
 template <class Load>
 void LoadSteadily(const char* name, Load load) {
     constexpr unsigned STEP = 10, PATIENCE = 1000; // ms
@@ -35,10 +35,10 @@ void LoadSteadily(const char* name, Load load) {
         }
         Platform::Current().Wait(STEP);
     }
-    load(); // of a save that was stopped, perhaps long ago
+    load(); // the save was stopped, perhaps long ago
 }
 
-/// Whether there is such a file. Throws, as `ThrowUnwritten`, when that cannot be told.
+/// Whether there is such a file. Throws as `ThrowUnwritten` does when the system cannot tell.
 bool FileIsThere(const ZoString& name, const char* location);
 
 /// Throws as `ThrowUnwritten` when there is such a file and it forbids writing.

@@ -43,7 +43,7 @@ TFileBinOutStream::TFileBinOutStream(const char* name, unsigned version, unsigne
 
 TFileBinOutStream::~TFileBinOutStream() {
     TFileBinOutStream::FreeResourses();
-    Abandon(); // what an exception in the end of the saving left open
+    Abandon(); // closes what an exception during `Finalize` left open
 }
 
 void TFileBinOutStream::Initialize() {
@@ -87,7 +87,7 @@ void TFileBinOutStream::OpenFile(const char* path) {
     }
     const unsigned long error = Platform::LastError();
     if (throughTemporary) {
-        // Empty still.
+        // It is still empty.
         System().DeleteWholeFile(path);
         writtenPath = &names->Target();
     }
@@ -133,7 +133,7 @@ void TFileBinOutStream::WriteBytes(const unsigned char* data, unsigned size) {
     ThrowUnwritten(error, WRITE);
 }
 
-/// The stream, and the caller by the handle, may go back in the file before it ends.
+/// Notes how far the file was written: the stream, or the caller by the handle, may go back before it ends.
 void TFileBinOutStream::NoteEnd() {
     unsigned long long position = 0;
     if (isWhole && System().SeekFile(file, 0, Platform::Origin::Current, position)) {
@@ -176,7 +176,7 @@ void TFileBinOutStream::RewriteHeader() {
 }
 
 void* TFileBinOutStream::GetFile() const {
-    // The file is to hold what the stream was given; the stream's value stays the same.
+    // The caller is to find all that was written so far in the file; the stream itself stays the same.
     if (state == State::Writing) const_cast<TFileBinOutStream*>(this)->WriteGathered();
     return file;
 }
@@ -225,7 +225,7 @@ void TFileBinOutStream::Finalize() {
     writtenPath = &names->Target();
 }
 
-/// Takes off what an earlier, longer version left behind: it would be read as records of this one.
+/// Cuts off what an earlier, longer version left: it would be read as records of this one.
 void TFileBinOutStream::EndFile() {
     NoteEnd();
     unsigned long long size = 0;

@@ -19,7 +19,7 @@ void Copy(const ZoString& from, const ZoString& to) {
     if (!System().CopyWholeFile(from.c_str(), to.c_str())) ThrowUnwritten(Platform::LastError(), FINALIZE);
 }
 
-/// Gives a file's bytes block by block, among all others that have it open.
+/// Reads a file block by block, also while others have it open.
 class Blocks {
 public:
     static constexpr std::size_t SIZE = 16 * 1024;
@@ -35,7 +35,7 @@ public:
         if (file != nullptr) System().CloseFile(file);
     }
 
-    /// None are left at the end, nor of a file that does not exist.
+    /// Empty at the end, and for a file that does not exist.
     void Next() {
         count = 0;
         if (file != nullptr && !System().ReadFile(file, bytes.data(), SIZE, count))
@@ -51,11 +51,11 @@ private:
     std::size_t count = 0;
 };
 
-/// What a file is, byte by byte, between two others.
+/// How a file compares, byte by byte, with two others.
 struct Comparison {
-    bool first = true;   // the first one
-    bool second = true;  // the second one
-    bool mixture = true; // every byte stands at its place in one of them, or is 0
+    bool first = true;   // it equals the first one
+    bool second = true;  // it equals the second one
+    bool mixture = true; // each byte is 0 or that of one of them at the same place
 };
 
 Comparison Compare(const ZoString& name, const ZoString& firstName, const ZoString& secondName) {
@@ -76,7 +76,7 @@ Comparison Compare(const ZoString& name, const ZoString& firstName, const ZoStri
     return result;
 }
 
-/// Whether it is a file of records that do not all verify.
+/// Whether the file holds records of which some do not verify.
 bool RecordsAreDamaged(const ZoString& name) {
     const Platform::FileHandle file = System().OpenFile(
         name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite, Platform::Creation::OpenExisting);
@@ -85,7 +85,7 @@ bool RecordsAreDamaged(const ZoString& name) {
     try {
         in.Initialize();
     } catch (const XStream&) {
-        return false; // another program's
+        return false; // it is another program's file
     }
     try {
         int uid = 0, classId = 0;
@@ -104,7 +104,7 @@ FileReplacement::FileReplacement(const char* name)
 void FileReplacement::MakeBackup() const {
     if (!FileIsThere(target, FINALIZE)) return;
     if (TargetIsTorn()) Copy(fresh, target);
-    // One that cannot be deleted may still be overwritten.
+    // A backup that cannot be deleted may still be overwritten.
     if (FileIsThere(backup, FINALIZE)) System().DeleteWholeFile(backup.c_str());
     Copy(target, backup);
 }

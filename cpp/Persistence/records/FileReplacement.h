@@ -6,24 +6,24 @@ namespace ZoPrimitives {
 
 /// Puts a whole new version of a file in the place of the version before.
 ///
-/// The new version first takes the target's name with "-new" behind it, in one step; then it is copied over
-/// the target and deleted. As long as that file stands, the target may be torn. Everything throws as
-/// `ThrowUnwritten`; whatever happens, at every instant a whole version stands under one of the names.
+/// The new version is first renamed, in one step, to the target's name with "-new" added; then it is copied
+/// over the target and deleted. While that file exists, the target may be torn. Every function throws as
+/// `ThrowUnwritten` does; whatever happens, one of the names holds a whole version at every instant.
 class FileReplacement {
 public:
-    /// Builds the names. Throws `std::bad_alloc` when they find no memory.
+    /// Builds the names. Throws `std::bad_alloc` when there is no memory for them.
     explicit FileReplacement(const char* target);
 
     const ZoString& Target() const { return target; }
     const ZoString& Fresh() const { return fresh; }
 
-    /// Keeps the target as its "-bak" copy. A target that a stopped replacement left torn is made whole
-    /// first.
+    /// Copies the target to its "-bak" name. A target that a stopped replacement left torn is first made
+    /// whole.
     void MakeBackup() const;
     /// Puts `written` in the target's place; it is named `Fresh()` from then on.
     void Announce(const ZoString& written) const;
     void Perform() const;
-    /// The target is whole: what announces a replacement goes, if it can.
+    /// Tells that the target is whole: deletes the file that announced a replacement, if that can be done.
     void Conclude() const;
 
 private:

@@ -34,7 +34,7 @@ void TMemoryBinOutStream::FreeResourses() {
 void TMemoryBinOutStream::RewriteHeader() {
     if (headerSize == 0) return;
     const std::vector<unsigned char> header = HeaderBytes();
-    if (header.size() <= headerSize) Records().PatchFrames(0, header.data(), header.size());
+    if (header.size() <= headerSize) Records().PatchFrames(header.data(), header.size());
 }
 
 bool TMemoryBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TMemoryBinOutStream); }

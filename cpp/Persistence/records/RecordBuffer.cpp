@@ -19,8 +19,8 @@ constexpr std::size_t GATHER_CAPACITY =
     RecordFormat::GATHER_SIZE + DEFAULT_BUFFER_SIZE + 2 * RecordFormat::HEAD_SIZE;
 constexpr std::size_t FIRST_KEEP_CAPACITY = 64 * 1024;
 
-// A sum reads 16 bytes at a time what was stored in smaller pieces: right after the stores the processor
-// stalls. Frames are summed once they lie this far behind.
+// Summing loads 16 bytes at a time, and the processor stalls where smaller stores have only just been made.
+// So frames are summed once they lie this far behind.
 constexpr std::ptrdiff_t SUM_LAG = 4 * 1024;
 constexpr std::ptrdiff_t SUM_BATCH = 8 * 1024;
 
@@ -28,8 +28,7 @@ constexpr std::ptrdiff_t SUM_BATCH = 8 * 1024;
 
 RecordBuffer::RecordBuffer(Use itsUse) : use(itsUse) {
     Allocate(use == Use::Gather ? GATHER_CAPACITY : FIRST_KEEP_CAPACITY);
-    SetBounds(0, 0);
-    summedEnd = block;
+    StartEmpty();
 }
 
 RecordBuffer::~RecordBuffer() { std::free(block); }
@@ -53,7 +52,7 @@ void RecordBuffer::Assign(const RecordBuffer& other) {
 void RecordBuffer::Allocate(std::size_t capacity) {
     auto* bytes = static_cast<unsigned char*>(std::realloc(block, capacity));
     if (bytes == nullptr) throw std::bad_alloc();
-    if (use == Use::Keep) Platform::AdviseLargePages(bytes, capacity); // the other is filled in part only
+    if (use == Use::Keep) Platform::AdviseLargePages(bytes, capacity); // the other kind is rarely filled
     block = bytes;
     blockEnd = bytes + capacity;
 }
@@ -62,9 +61,14 @@ void RecordBuffer::SetBounds(std::size_t frames, std::size_t payload) {
     framesEnd = block + frames;
     record = framesEnd + RecordFormat::HEAD_SIZE;
     position = record + payload;
-    // A head's room stays behind the record, so that the next one can always begin.
+    // Room for a head stays free behind the record, so that the next one can always begin.
     const std::ptrdiff_t room = blockEnd - record - static_cast<std::ptrdiff_t>(RecordFormat::HEAD_SIZE);
     limit = record + std::clamp<std::ptrdiff_t>(room, 0, DEFAULT_BUFFER_SIZE);
+}
+
+void RecordBuffer::StartEmpty() {
+    SetBounds(0, 0);
+    summedEnd = block;
 }
 
 void RecordBuffer::MakeRoom(std::size_t size, std::size_t head) {
@@ -89,7 +93,7 @@ void RecordBuffer::Frame(int uid, int classId, unsigned key) {
     RecordFormat::RecordHead head{RecordFormat::MARKER, size, 0, classId, uid, key};
     unsigned char* frame = framesEnd;
     if (key != 0) {
-        // The sum is of the plain payload, so it cannot wait.
+        // The sum covers the plain payload, so it cannot wait.
         SumFrames(frame);
         head.crc = Crc();
         RecordFormat::Scramble(key, record, size);
@@ -133,23 +137,18 @@ void RecordBuffer::DropFrames() {
     SetBounds(0, size);
 }
 
-void RecordBuffer::PatchFrames(unsigned long long offset, const void* data, std::size_t size) {
-    const unsigned long long frames = FramesSize();
-    ZO_ASSERT(offset <= frames && size <= frames - offset,
-              "offset <= GatheredSize() && size <= GatheredSize() - offset", ZoSources::BIN_OUT_STREAM);
-    SumFrames(framesEnd);
-    std::memcpy(block + offset, data, size);
+void RecordBuffer::PatchFrames(const void* data, std::size_t size) {
+    ZO_ASSERT(size <= FramesSize(), "size <= FramesSize()", ZoSources::BIN_OUT_STREAM);
+    std::memcpy(block, data, size);
 }
 
 void RecordBuffer::ReleaseFrames() {
-    Drop();
-    DropFrames();
     try {
-        unsigned long long size = 0;
-        std::free(TakeFrames(size));
+        Allocate(FIRST_KEEP_CAPACITY);
     } catch (const std::bad_alloc&) {
-        return; // the block at hand stays, empty
+        // The block stays as large as it is.
     }
+    StartEmpty();
 }
 
 unsigned char* RecordBuffer::TakeFrames(unsigned long long& size) {
@@ -162,8 +161,7 @@ unsigned char* RecordBuffer::TakeFrames(unsigned long long& size) {
         block = taken;
         throw;
     }
-    SetBounds(0, 0);
-    summedEnd = block;
+    StartEmpty();
     return taken;
 }
 

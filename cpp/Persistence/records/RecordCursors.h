@@ -13,9 +13,8 @@
 
 namespace ZoPrimitives {
 
-/// Writes values straight into a stream's open record. Its place is a local variable of the loop, which a
-/// processor keeps in a register; the stream learns of it with `Commit`, or not at all when the record is
-/// abandoned.
+/// Writes values straight into a stream's open record. The loop keeps the position in a local variable, and
+/// so in a register; `Commit` tells it to the stream, and a record without `Commit` is abandoned.
 class WriteCursor {
 public:
     explicit WriteCursor(TBinOutStream& target) : stream(target), records(target.records) { Renew(); }
@@ -38,7 +37,7 @@ public:
         stream.Put(value);
         Renew();
     }
-    /// The place of the next `size` bytes, which the caller fills.
+    /// Returns the place of the next `size` bytes, which the caller fills.
     unsigned char* Take(std::size_t size) const {
         if (static_cast<std::size_t>(limit - at) < size) MakeRoom(size);
         return std::exchange(at, at + size);
@@ -63,7 +62,7 @@ private:
     mutable unsigned char* limit;
 };
 
-/// Reads values straight from a stream's current record, likewise. Past the record's end it throws.
+/// Reads values straight from a stream's current record in the same way. Throws past the record's end.
 class ReadCursor {
 public:
     explicit ReadCursor(TBinInStream& source)
@@ -93,7 +92,7 @@ public:
     unsigned Position() const { return static_cast<unsigned>(at - begin); }
     unsigned Remaining() const { return static_cast<unsigned>(end - at); }
     void Skip(unsigned size) const { at += size; }
-    /// The next `size` bytes, which there must be.
+    /// Returns the next `size` bytes; the caller has checked that they are there.
     const unsigned char* Take(unsigned size) const { return std::exchange(at, at + size); }
     void Commit() const { stream.position = Position(); }
 

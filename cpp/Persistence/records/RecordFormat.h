@@ -1,7 +1,7 @@
 #pragma once
 
 // The binary object file: a header of seven fields, then framed records, all integers little-endian.
-// Writer and reader share what stands here and nothing else.
+// Writer and reader share this file and nothing else.
 
 #include "ZoPrimitives/BinOutStream.h"
 
@@ -41,8 +41,8 @@ inline RecordHead ReadHead(const unsigned char* bytes) {
     std::memcpy(&head, bytes, sizeof head);
     return head;
 }
-/// Field by field: copied as a whole, the head would be loaded in other pieces than it was just stored in,
-/// which stalls the processor.
+/// Stores field by field: a copy of the whole head would load it in other pieces than it has just been stored
+/// in, which stalls the processor.
 inline void WriteHead(unsigned char* bytes, const RecordHead& head) {
     std::memcpy(bytes, &head.marker, 4);
     std::memcpy(bytes + 4, &head.size, 4);
@@ -58,7 +58,7 @@ inline std::uint32_t ReadSize(const unsigned char* head) {
 }
 inline void WriteCrc(unsigned char* head, std::uint32_t crc) { std::memcpy(head + 8, &crc, 4); }
 
-/// Scrambles or unscrambles in place; twice restores the data.
+/// Scrambles in place; scrambling twice restores the data.
 inline void Scramble(unsigned key, unsigned char* data, std::size_t size) {
     const unsigned char pattern[3] = {static_cast<unsigned char>(key * 11),
                                       static_cast<unsigned char>(key * 13),
@@ -66,12 +66,12 @@ inline void Scramble(unsigned key, unsigned char* data, std::size_t size) {
     for (std::size_t i = 0; i < size; ++i) data[i] = static_cast<unsigned char>(data[i] ^ pattern[i % 3]);
 }
 
-/// The key that a stored value stands for: its lowest set bit of three.
+/// The key that a stored value stands for: the lowest that is set of its three lowest bits.
 inline constexpr unsigned DecodeKey(unsigned stored) {
     return (stored & 1) != 0 ? 1u : (stored & 2) != 0 ? 2u : stored & 4;
 }
 
-/// Frames that a sink gathers leave in blocks of about this size.
+/// A sink gathers frames and writes them in blocks of about this size.
 inline constexpr std::size_t GATHER_SIZE = 256 * 1024;
 
 /// The largest count of classes, fields or list items that may be stored.

@@ -4,7 +4,7 @@
 
 namespace ZoPrimitives {
 
-/// The locations of the exceptions that a record which is not whole throws, by the part that is missing.
+/// The locations in the exceptions for a record that is not whole, by the part that is missing.
 struct TBinInStream::FailurePoints {
     const char* size;
     const char* crc;

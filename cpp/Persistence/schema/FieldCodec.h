@@ -45,7 +45,7 @@ struct VirtualSource {
     void Skip(unsigned size) const { stream.SetRecordPosition(stream.GetRecordPosition() + size); }
 };
 
-/// How each kind of field stands in a record: the one place that both directions share.
+/// Reads and writes each kind of field: the one place that knows how it stands in a record.
 class FieldCodec {
 public:
     // Writing
@@ -68,7 +68,7 @@ public:
         SaveUids(put, field, object, field);
     }
 
-    /// `told`: the field that an exception names, of a map's sub-field the map.
+    /// `told`: the field that an exception names; for a map's sub-field it is the map.
     template <class Sink>
     static void SaveUids(const Sink& put, TZoClassFieldPointer& field, ZoStreamableBase* object,
                          const TZoClassField& told) {
@@ -116,7 +116,7 @@ public:
         });
     }
 
-    // Reading: into the application's field, null to pass the value over
+    // Reading into the application's field; null passes the value over
 
     template <class Source, class T>
     static void Load(const Source& take, TZoClassFieldValue<T>* application, ZoStreamableBase* object) {
@@ -130,8 +130,8 @@ public:
     static void Set(TZoClassFieldValue<T>& application, ZoStreamableBase* object, const T& value) {
         application.set(object, &application, value);
     }
-    /// A setter that copies a text without memory for it loses it and says nothing. With memory for a copy at
-    /// hand an empty text is what the setter wants.
+    /// A setter that has no memory for its copy of a text loses the text without a word. If memory for a copy
+    /// can be had, an empty text is what the setter wants.
     static void Set(TZoClassFieldString& application, ZoStreamableBase* object, const ZoString& value) {
         application.set(object, &application, value);
         if (application.get == nullptr || IsWhole(application.get(object, &application), value.c_str()))
@@ -203,7 +203,8 @@ public:
     static void LoadField(const Source& take, TZoClassField& application, ZoStreamableBase* object) {
         Dispatch(application, [&](auto& exact) { Load(take, &exact, object); });
     }
-    /// Passes over the part of a file's field that the application does not know; it is kept as excluded.
+    /// Passes over the value of a file's field that the application does not know, and notes the field as
+    /// excluded.
     template <class Source>
     static void PassOver(const Source& take, TZoClassField& field) {
         const unsigned begin = take.Position();
@@ -212,7 +213,7 @@ public:
         });
         take.stream.AddExcludedField(&field, begin);
     }
-    /// One or the other, for a field of a file.
+    /// Loads the value of a file's field, or passes it over.
     static void LoadFileField(TBinInStream& stream, TZoClassField& field, ZoStreamableBase* object) {
         if (field.GetOriginal() != nullptr) {
             LoadField(VirtualSource{stream}, *field.GetOriginal(), object);
@@ -235,7 +236,7 @@ public:
 
     /// Whether such a member keeps its value in a buffer.
     static bool IsBuffered(TZoClassFieldType kind) { return FlatSizeOf(kind) == 0 && kind != ftBool; }
-    /// That buffer, null for none; any address for other kinds.
+    /// Returns that buffer, null if there is none; any address for other kinds.
     static const void* BufferOf(TZoClassFieldType kind, const void* member) {
         const void* buffer = nullptr;
         MemberAs(kind, member, [&](const auto& value) { buffer = BufferOf(value); });
@@ -246,7 +247,7 @@ public:
 
     using TypesTaken = TZoPointerResolver::TypesTaken;
 
-    /// Hands the objects that the field's uids name to the application's field.
+    /// Passes the objects that the field's uids name to the application's field.
     static void Resolve(TZoPointerResolver& resolver, TypesTaken& taken,
                         TZoClassFieldPointerBase& application, ZoStreamableBase* object) {
         Dispatch(application, [&](auto& exact) {
@@ -271,7 +272,7 @@ public:
         resolver.Tell(object, application, resolved.target, uid);
     }
 
-    /// A map's sub-field as a list; null where it is a single pointer.
+    /// Returns a map's sub-field as a list; null if it is a single pointer.
     static TZoClassFieldPointerList* AsList(TZoClassFieldPointerBase* half) {
         return half != nullptr && half->GetFieldType() == ftChildPointerList
                    ? static_cast<TZoClassFieldPointerList*>(half)
@@ -289,7 +290,7 @@ private:
     }
     [[noreturn]] static void FailWithoutHalves(const TZoClassFieldPointerMap& map);
 
-    /// Calls the action with the field as what it is.
+    /// Calls the action with the field as its own C++ class.
     template <class Action>
     static void Dispatch(TZoClassField& field, Action action) {
         switch (field.GetFieldType()) {
@@ -308,7 +309,7 @@ private:
         }
     }
 
-    /// Calls the action with a member as what its kind says.
+    /// Calls the action with a member as the C++ type that its kind tells.
     template <class Pointer, class Action>
     static void MemberAs(TZoClassFieldType kind, Pointer* member, Action action) {
         switch (kind) {
@@ -385,8 +386,8 @@ private:
         if (second != nullptr) put(second(object, &field));
     }
 
-    /// Writes the uid of each item of a list, those of members some items later: they are on their way to the
-    /// processor then.
+    /// Writes the uid of each item of a list. Items are fetched some places ahead, so that they are in the
+    /// cache by then.
     template <class Sink>
     class SavePointerFunc final : public ZoStreamableBaseFunctor {
     public:
@@ -428,7 +429,7 @@ private:
                                            const ZoStreamableBase* target);
     [[noreturn]] static void ThrowDanglingItem(const TZoClassField& field, const ZoStreamableBase* item);
 
-    /// What a uid means to a field: null, an object, or an object that was dropped.
+    /// Tells what a uid means to a field: null, an object, or an object that was dropped.
     struct Resolved {
         ZoStreamableBase* target;
         bool dropped;
@@ -484,7 +485,7 @@ private:
         }
     }
 
-    /// Two lists of one length: both halves of a pair or none.
+    /// Resolves two lists of one length: both halves of a pair or neither.
     static void ResolvePairs(TZoPointerResolver& resolver, TZoClassFieldPointerList& keys,
                              TZoClassFieldPointerList& values, ZoStreamableBase* object) {
         const int keyCount = resolver.Next();
@@ -505,7 +506,7 @@ private:
         }
     }
 
-    /// A place to read a value into; strings use one whose buffer is kept.
+    /// Returns a place to read a value into; for strings it is one that keeps its buffer.
     template <class T>
     class Scratch {
     public:
@@ -516,7 +517,7 @@ private:
         T value{};
     };
 
-    /// The count of a list, checked against what is left of the record, and its integers.
+    /// Reads a list's count, which is checked against what is left of the record, and its integers.
     struct ListHead {
         int count = 0;
         int first = 0;

@@ -10,13 +10,13 @@ namespace ZoPrimitives {
 /// The lists of a class's fields, in the order in which a record holds them.
 enum class FieldPlace { Maps, Values, Children, ChildLists, References, ReferenceLists };
 
-/// What a field's objects are to it.
+/// Whose a field's objects are.
 enum class FieldHold {
     Nothing,  ///< there are none
     Owned,    ///< its own
     Member,   ///< members of the object that has the field
-    Other,    ///< somebody else's in the graph
-    External, ///< anybody's: written behind the graph
+    Other,    ///< another object's in the graph
+    External, ///< anybody's, written after the graph
 };
 
 // The kinds of field, one row each: kind, C++ class of the field, its list, what its objects are to it, the
@@ -57,11 +57,11 @@ inline constexpr unsigned STORED_SIZE<void> = 4;
 struct FieldKind {
     FieldPlace list;
     FieldHold holds;
-    TZoClassFieldType encoding; ///< kinds that stand alike in a record have the same
-    unsigned smallest;          ///< bytes that it takes in a record at least
+    TZoClassFieldType encoding; ///< the same for kinds that stand alike in a record
+    unsigned smallest;          ///< the fewest bytes that a value takes in a record
 };
 
-/// Of a number that is no kind: a value of no bytes.
+/// A number that is no kind counts as a value of no bytes.
 constexpr FieldKind FieldKindOf(TZoClassFieldType kind) {
     switch (kind) {
 #define ZO_ROW(Kind, Class, Place, Hold, Encoding, Member)                                                   \
@@ -74,8 +74,8 @@ constexpr FieldKind FieldKindOf(TZoClassFieldType kind) {
     return {FieldPlace::Values, FieldHold::Nothing, kind, 0};
 }
 
-/// The bytes of a member that stand in a record as they stand in the object; 0 where they do not. A bool is
-/// read on its own: a stranger's byte may be 2.
+/// The size of a member whose bytes are the same in record and object; 0 for others. A bool is among those: a
+/// stranger's byte may be 2.
 template <class T>
 inline constexpr unsigned char FLAT_SIZE =
     std::is_arithmetic_v<T> && !std::is_same_v<T, bool> ? sizeof(T) : 0;
@@ -105,7 +105,7 @@ constexpr bool IsKindOf(TZoClassFieldType kind) {
     return false;
 }
 
-/// The kind of a C++ class that has one alone; another class does not compile.
+/// The one kind of a C++ class; a class of several kinds does not compile.
 template <class Field>
 consteval TZoClassFieldType KindOf() {
     TZoClassFieldType kind{};

@@ -14,7 +14,7 @@ class FieldOffset {
 public:
     static constexpr std::ptrdiff_t NONE = -1;
 
-    /// Measured on any object of that type; `NONE` for a field that is reached through its accessors.
+    /// Measures on any object of that type; returns `NONE` for a field that is reached through its accessors.
     static std::ptrdiff_t Measure(const TZoClassField* field, ZoStreamableBase* object) {
         if (field == nullptr || field->member == nullptr) return NONE;
         const auto* member = static_cast<const char*>(field->member(object));
@@ -27,8 +27,8 @@ public:
     }
 };
 
-/// The members from one step of a plan on whose bytes lie side by side in object and record: they are copied
-/// as one.
+/// The members, from one step of a plan on, whose bytes lie side by side in object and record alike: they are
+/// copied as one.
 struct FlatRun {
     unsigned char size = 0; // in bytes; 0: none
     unsigned char steps = 0;
@@ -53,7 +53,7 @@ struct FlatRun {
             nextOffset = step->offset;
         }
     }
-    /// Bytes of such a run, in words of 4.
+    /// Copies the bytes of a run, whose number is a multiple of 4.
     static void Copy(void* to, const void* from, std::size_t size) {
         auto* target = static_cast<unsigned char*>(to);
         const auto* source = static_cast<const unsigned char*>(from);

@@ -31,7 +31,7 @@ public:
         tellsObject = tells;
     }
     int Next() { return *next++; }
-    /// A block of uids; the cursor moves behind it.
+    /// Returns a block of uids and moves the cursor past it.
     const std::int32_t* Take(int count) {
         const std::int32_t* begin = next;
         next += count;
@@ -43,13 +43,13 @@ public:
     }
     ZoStreamableBase* Find(int uid) const { return handles.Get(uid); }
 
-    /// While true, uids are passed by.
+    /// While true, uids are passed over.
     void SetPassing(bool passes) { passing = passes; }
     bool ResolvesReferences() const { return taker == nullptr && !passing; }
     void ResolveValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) {
         if (taker != nullptr && !passing) taker->TakeValue(field, owner, uid);
     }
-    /// The types of objects that a field took last in this reading.
+    /// The types of the objects that a field took last in this reading.
     struct TypesTaken {
         const std::type_info* latest = nullptr;
         const std::type_info* other = nullptr;
@@ -61,7 +61,7 @@ public:
         const std::type_info* type = &typeid(*target);
         if (type == taken.latest || type == taken.other) return true;
         if (!application.Accepts(target)) return false;
-        // Without such a test more than the type counts.
+        // Without a type test more than the type decides.
         if (application.typeTest != nullptr) taken = {type, taken.latest};
         return true;
     }

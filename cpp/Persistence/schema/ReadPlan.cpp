@@ -22,8 +22,7 @@ bool HoldsMember(const TZoClassField& field) {
 } // namespace
 
 bool ReadPlan::Applies(const TZoClass& level, const TZoClass& objectClass) {
-    return level.original != nullptr && objectClass.original != nullptr &&
-           objectClass.original->IsInherited(level.original);
+    return objectClass.original != nullptr && objectClass.original->IsInherited(level.original);
 }
 
 ReadPlan& ReadPlan::For(TZoClass& fileClass, TBinInStream& stream) {
@@ -44,7 +43,7 @@ ReadPlan& ReadPlan::For(TZoClass& fileClass, TBinInStream& stream) {
         plan->hasMembers = plan->hasMembers || HoldsMember(*pointer->application);
         plan->resolves = plan->resolves || pointer->application->GetFieldType() != ftChildValue;
     }
-    if (plan->hasSteps && plan->hasMembers && !repeats) plan->AwaitMembers();
+    if (!repeats) plan->AwaitMembers();
     plan->onlyRefers = plan->OnlyRefers(fileClass.original);
     fileClass.readPlan = std::move(plan);
     return *fileClass.readPlan;
@@ -72,7 +71,7 @@ void ReadPlan::AddLevel(TZoClass& level, const TZoClass& objectClass) {
     }
 }
 
-/// Accessors that do nothing else give the member itself.
+/// A member may be read where it stands if its accessors do nothing but give it.
 void ReadPlan::AwaitMembers() {
     awaitsMembers = true;
     for (Step& step : steps) {

@@ -21,7 +21,7 @@ struct ReadPlan {
     enum class Use : unsigned char {
         PassedOver,
         Set,    ///< it goes to the application's field
-        Awaited ///< the same; it is a member that is an object and may be read where it stands
+        Awaited ///< the same for a member that is an object and may be read where it stands
     };
     struct Step {
         TZoClassField* field; // the application's, or the file's where the value is passed over
@@ -35,7 +35,7 @@ struct ReadPlan {
         TZoClassFieldPointerBase* application;
         TZoPointerResolver::TypesTaken taken;
         bool single; // one object that is no member of its owner
-        bool last;   // false: the application's field is met again, and what comes last counts
+        bool last;   // false: the application's field comes again, and its last value counts
     };
 
     /// The plan of the class of the stream's current record. Throws `XReadStream` when the record is too
@@ -45,14 +45,14 @@ struct ReadPlan {
     /// may give a class parents that it does not have in the application.
     static bool Applies(const TZoClass& level, const TZoClass& objectClass);
 
-    /// Measures where the members lie in objects of this type.
+    /// Measures where the members lie in objects of the given one's type.
     void Measure(ZoStreamableBase* object);
 
-    unsigned excluded = 0;      // fields that the application does not know
-    bool hasSteps = false;      // there are few enough fields: the levels are walked otherwise
-    bool hasMembers = false;    // that are objects
+    unsigned excluded = 0;      // number of fields that the application does not know
+    bool hasSteps = false;      // false: there are too many fields, and readers walk the levels
+    bool hasMembers = false;    // some members are objects
     bool awaitsMembers = false; // all of them may be read where they stand
-    bool onlyRefers = false;    // pointers are plain references, and nobody learns when they are set
+    bool onlyRefers = false;    // all pointers are plain references, and nobody hears when they are set
     bool resolves = false;      // some pointer is no member, and is set after all records are read
     const std::type_info* exactType = nullptr;
     std::vector<Step> steps;

@@ -46,8 +46,8 @@ public:
         ForEachLevel(objectClass, [&](const TZoClass& level) { any = any || !FieldsOf(level).empty(); });
         return any;
     }
-    /// Calls the action with the pointer fields of one level; of a map with its sub-fields, so that each
-    /// holds one object or a list.
+    /// Calls the action with the pointer fields of one level, and for a map with its sub-fields: each field
+    /// then holds one object or a list.
     template <class Action>
     static void ForEachPointer(const TZoClass& level, const Action& action) {
         for (TZoClassField* field : level.inOrder) {
@@ -58,7 +58,7 @@ public:
             }
         }
     }
-    /// Whether the field's objects are written behind the main graph.
+    /// Whether the field's objects are written after the main graph.
     static bool IsExternal(const TZoClassField& field) {
         return FieldKindOf(field.GetFieldType()).holds == FieldHold::External;
     }

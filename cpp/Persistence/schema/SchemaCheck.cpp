@@ -34,7 +34,7 @@ void SchemaCheck::AddMissingClass(std::vector<ZoString>& lines, const TZoClassFi
     const TZoClass* known = target.GetFieldClass();
     const ZoString& className = known != nullptr ? known->GetName() : target.WantedClass(field);
     if ((known != nullptr && IsHere(*known)) || TZoMetaData::IsGenericBase(className)) return;
-    // What a map says already, its sub-fields need not repeat.
+    // The line for a map need not be repeated for its sub-fields.
     if (&target != &field && className == field.GetFieldClassName()) return;
     lines.push_back(className.length() == 0
                         ? ZoString::FormatString("[zoerror] class of reference field %s not registered",

@@ -6,14 +6,15 @@
 
 namespace ZoPrimitives {
 
-/// Finds what would be lost in silence with an application's schema.
+/// Finds what an application's schema would lose in silence.
 class SchemaCheck {
 public:
     explicit SchemaCheck(const TZoMetaData& checkedSchema) : schema(checkedSchema) {}
 
-    /// A line for each parent, field class and kept class that is not registered.
+    /// Returns a line for each parent, field class and kept class that is not registered.
     std::vector<ZoString> Missing() const;
-    /// A line for each registration that is sound and loses data all the same. Makes an object of each class.
+    /// Returns a line for each registration that is sound and loses data all the same. Makes an object of
+    /// each class.
     std::vector<ZoString> Warnings() const;
 
     static void Append(ZoString& report, const std::vector<ZoString>& lines);

@@ -12,13 +12,12 @@ namespace ZoPrimitives {
 
 namespace {
 
-// Class levels that one object may walk: repeated parents count each time.
+// The most class levels that one object may walk; a repeated parent counts each time.
 constexpr unsigned MAX_LEVELS = 1000;
 // The smallest entry of a class: id, name, flag, its one parent, five empty blocks.
 constexpr unsigned SMALLEST_CLASS = 4 + 4 + 1 + 4 + 5 * 4;
 // The smallest entry of a field: class id, kind, name.
 constexpr unsigned SMALLEST_FIELD = 4 + 4 + 4;
-constexpr int PARENTS_FOLLOW = -1; // stands where older files have their one parent
 
 constexpr const char* SCHEMA = "TZoMetaData::LoadFromStream";
 constexpr const char* CLASS = "TZoClass::LoadMetaFromStream";
@@ -27,7 +26,7 @@ constexpr const char* CLASS = "TZoClass::LoadMetaFromStream";
 
 bool SchemaReader::Read(TBinInStream& stream) {
     if (!ReadClasses(stream) || !FindParents() || !LevelsAreSound()) return false;
-    // Parents are counted references: only now is it sure that no class comes to hold itself.
+    // Parents are counted references: only now is it certain that no class would hold itself.
     LinkParents();
     if (LinkFields()) return true;
     for (const auto& read : schema.classes) read->parents.RemoveAll();
@@ -80,8 +79,8 @@ void SchemaReader::ReadClass(TBinInStream& stream, TZoClass& read) {
     read.PutInOrder();
 }
 
-/// Reads a block of fields. Returns the kind of its last entry as it is stored, even when no field was made
-/// of it; 0 without entries.
+/// Reads a block of fields. Returns the kind of its last entry as stored, even if no field was made of it; 0
+/// for a block without entries.
 int SchemaReader::ReadBlock(TBinInStream& stream, TZoClass& read) {
     int count = 0;
     stream >> count;
@@ -101,7 +100,7 @@ const std::pair<int, SchemaReader::Position>* SchemaReader::Find(int id) const {
     return found == byId.end() || found->first != id ? nullptr : &*found;
 }
 
-/// False where a class names a parent that is not there, or more of them than an object may walk.
+/// Returns false if a class names a parent that is not there, or more parents than an object may walk.
 bool SchemaReader::FindParents() {
     firstParent.reserve(byId.size() + 1);
     for (const auto& read : schema.classes) {
@@ -158,7 +157,7 @@ void SchemaReader::LinkParents() {
     }
 }
 
-/// False where a field names a class that is not there.
+/// Returns false if a field names a class that is not there.
 bool SchemaReader::LinkFields() {
     bool known = true;
     for (const auto& linked : schema.classes) {

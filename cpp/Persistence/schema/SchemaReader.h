@@ -10,11 +10,13 @@ namespace ZoPrimitives {
 /// Reads a schema record into an empty schema, checks it and links its classes to the application's.
 class SchemaReader {
 public:
+    /// Stands in a class's entry where older files have their one parent.
+    static constexpr int PARENTS_FOLLOW = -1;
     /// `application` may be null.
     SchemaReader(TZoMetaData& schema, const TZoMetaData* application)
         : schema(schema), application(application) {}
 
-    /// False when the schema contradicts itself; no class has parents then.
+    /// Returns false when the schema contradicts itself; no class has parents then.
     bool Read(TBinInStream& stream);
     /// Reads the entry of one class.
     static void ReadClass(TBinInStream& stream, TZoClass& read);
@@ -33,8 +35,8 @@ private:
 
     TZoMetaData& schema;
     const TZoMetaData* application;
-    std::vector<std::pair<int, Position>> byId; // rising
-    // The parents of all classes, one class after the other, and where each class's begin.
+    std::vector<std::pair<int, Position>> byId; // in ascending order
+    // The parents of all classes, class by class, and where those of each class begin.
     std::vector<Position> parents;
     std::vector<Position> firstParent;
 };

@@ -10,7 +10,7 @@
 
 namespace ZoPrimitives {
 
-/// What is written of the objects of one class and of its own C++ type, in the order of the record.
+/// What is written of the objects of one class that are of its own C++ type, in the order of the record.
 struct WritePlan {
     struct Step {
         TZoClassField* field; // null: the object hears `WillWrite`
@@ -18,11 +18,11 @@ struct WritePlan {
         FlatRun run{};
         std::ptrdiff_t offset = FieldOffset::NONE; // of the member; `NONE` where accessors are used
     };
-    /// Where the walk goes on from an object.
+    /// Where a walk goes from an object.
     struct Target {
         TZoClassFieldPointerBase* field; // one object or a list, never a map; null: the externals of a level
         const TZoClass* externalsOf;
-        bool nullTold = false; // a walk met one that held nothing
+        bool nullTold = false; // a walk has met a field that held nothing
     };
 
     explicit WritePlan(const TZoClass& objectClass);
@@ -30,7 +30,7 @@ struct WritePlan {
     void Measure(ZoStreamableBase* object);
 
     bool measured = false;
-    bool steady; // while one of them is written no code of the application runs
+    bool steady; // no code of the application runs while such an object is written
     std::vector<Step> steps;
     std::vector<Target> targets;
     std::vector<const Step*> buffered; // the first texts and lists, which keep their values in a buffer

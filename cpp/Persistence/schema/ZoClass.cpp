@@ -15,9 +15,7 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr int PARENTS_FOLLOW = -1; // stands where older files have their one parent
-
-/// Whether a file's field of one kind can be read into an application's field of another.
+/// Whether a field of one kind in a file can be read into an application's field of another.
 bool SameEncoding(TZoClassFieldType a, TZoClassFieldType b) {
     return FieldKindOf(a).encoding == FieldKindOf(b).encoding;
 }
@@ -240,7 +238,8 @@ bool TZoClass::IsInherited(const ZoString& ancestorName) const {
     return false;
 }
 
-/// Calls the action with each own field, map's sub-fields among them, whose object is a member of its owner.
+/// Calls the action with each of the class's own fields and maps' sub-fields whose object is a member of its
+/// owner.
 template <class Action>
 void TZoClass::ForEachMember(Action action) const {
     const auto visit = [&action](TZoClassField& field) {
@@ -272,7 +271,8 @@ void TZoClass::SetOriginal(TZoClass* applicationClass) {
     }
 }
 
-/// Adds up what the class and its ancestors hold, each level once.
+/// Adds up what the class and its ancestors hold. Each class keeps its sum: a repeated ancestor is not walked
+/// again.
 const TZoClass::Extent& TZoClass::RecordExtent() const {
     if (extent.known) return extent;
     Extent sum{true, static_cast<unsigned>(inOrder.size()), 0, 0};
@@ -294,9 +294,10 @@ const TZoClass::Extent& TZoClass::RecordExtent() const {
 void TZoClass::SaveMetaToStream(TBinOutStream* stream) { SaveMetaToStream(stream, nullptr); }
 
 void TZoClass::SaveMetaToStream(TBinOutStream* stream, const Listed* listed) {
-    *stream << classId << name << abstract << PARENTS_FOLLOW << static_cast<int>(parents.NItems());
+    *stream << classId << name << abstract << SchemaReader::PARENTS_FOLLOW
+            << static_cast<int>(parents.NItems());
     for (const auto& parent : parents) {
-        // No reader would take a schema that lacks a parent.
+        // No reader accepts a schema that lacks a parent.
         if (listed != nullptr && !std::binary_search(listed->begin(), listed->end(), parent.get())) {
             const ZoString message =
                 ZoString::FormatString("[zoerror] parent class of %s not registered", name.c_str());
@@ -348,7 +349,7 @@ void TZoClass::FillValueChildren(ZoStreamableBase* object, TDVector<ZoStreamable
     });
 }
 
-/// Whether a member of objects of this one's type might say so, or its class cannot be told.
+/// Whether objects of the given one's type have a member that may be invalid, or whose class cannot be told.
 bool TZoClass::MembersMayBeInvalid(ZoStreamableBase* object) const {
     bool may = false;
     for (const auto& parent : parents) may = may || parent->MembersMayBeInvalid(object);

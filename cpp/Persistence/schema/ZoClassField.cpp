@@ -17,7 +17,7 @@ namespace ZoPrimitives {
 
 namespace {
 
-/// A field's kind says what its C++ class is: all that casts by the kind relies on it.
+/// Checks that the kind belongs to the C++ class: casts by the kind rely on it.
 template <class Field>
 void CheckKind(TZoClassFieldType kind, const ZoString& name) {
     if (IsKindOf<Field>(kind)) return;
@@ -27,7 +27,7 @@ void CheckKind(TZoClassFieldType kind, const ZoString& name) {
     AssertWithFunctor("IsKindOf<Field>(kind)", message.c_str(), ZoSources::ZOMETADATA, __LINE__);
 }
 
-/// What a map's sub-field may be: a list of owned objects or any single pointer.
+/// Whether a map's sub-field may be of the kind: a list of owned objects or any single pointer.
 bool IsHalf(TZoClassFieldType kind) {
     return kind == ftChildPointerList || IsKindOf<TZoClassFieldPointer>(kind);
 }
@@ -69,7 +69,7 @@ void FieldCodec::ThrowDanglingItem(const TZoClassField& field, const ZoStreamabl
 
 namespace {
 
-/// An empty text without a buffer: a schema may hold very many.
+/// An empty text without a buffer: a schema may hold very many of them.
 ZoString NoText() {
     ZoString text;
     const ZoString buffer(std::move(text));
@@ -238,7 +238,7 @@ ZoStreamableBase* TZoClassFieldPointerList::ElementAt(ZoStreamableBase* object, 
 
 namespace {
 
-/// All items of a list, null ones included, so that the list may change while they are looked at.
+/// Copies all items of a list, null ones included, so that the list may change while they are walked.
 std::vector<ZoStreamableBase*> ItemsOf(TZoClassField& field, ZoStreamableBase* object) {
     std::vector<ZoStreamableBase*> items;
     ItemAction append([&items](ZoStreamableBase* item) { items.push_back(item); });
@@ -255,9 +255,9 @@ struct RemovedTest {
     }
 };
 
-/// Holds the items of a list that is emptied and filled again, so that those that go back into it do not end
-/// in between. When that fails, those that no list got back end as with any list that is emptied; the removed
-/// ones are their owner's.
+/// Holds the items of a list while it is emptied and filled again, so that those that go back into it do not
+/// end in between. If the filling fails, items that no list has got back end, as they do whenever a list is
+/// emptied; removed items are their owner's.
 class HeldItems {
 public:
     HeldItems(const std::vector<ZoStreamableBase*>& items, const RemovedTest& removed) : removed(removed) {
@@ -356,14 +356,14 @@ void TZoClassFieldPointerMap::Adopt(TZoClassField* newKey, Half keyClass, TZoCla
 }
 
 TZoClassFieldPointerBase* TZoClassFieldPointerMap::Adopt(TZoClassField* field, Half classOf) {
-    // What an application derived itself may claim any kind: the C++ class must be the kind's own.
+    // A class that an application derived may claim any kind, so the C++ class itself is checked.
     TZoClassFieldPointerBase* adopted = dynamic_cast<TZoClassFieldPointer*>(field);
     if (adopted == nullptr) adopted = dynamic_cast<TZoClassFieldPointerList*>(field);
     if (adopted == nullptr || !IsHalf(adopted->GetFieldType())) FailHalf(*this);
     TZoClassField& base = *adopted;
     base.half = classOf;
     base.owner = owner;
-    // A map that an application's field reads is read through that field's own sub-fields.
+    // What an application's map reads goes to that map's own sub-fields.
     SetOriginal(adopted, adopted);
     const bool takesClass = classOf == Half::OfTheMapsClass && base.GetFieldClassName().length() == 0;
     adopted->SetFieldClass(takesClass && base.fieldClass == nullptr ? fieldClass : base.fieldClass);

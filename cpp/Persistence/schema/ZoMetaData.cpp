@@ -27,11 +27,11 @@ std::atomic<bool> writingGenericFile{false};
 
 std::string_view View(const ZoString& text) { return {text.c_str(), text.length()}; }
 
-/// The classes that stand in schemas: by the number of their C++ class, those registered last behind, and
+/// The classes that are in schemas now: by the number of their C++ class, in the order of registration, and
 /// by the number of their registration.
 class StandingClasses {
 public:
-    /// A number that no other class gets, while there are any; 0 then.
+    /// Returns a number that no other class gets; 0 when none is left.
     unsigned Enter(TZoClass* registered) {
         const std::lock_guard<std::mutex> lock(guard);
         if (byNumber.size() > ZoMadeFor::MOST) return 0;
@@ -88,21 +88,21 @@ unsigned ZoNewClassSlot() {
     return ++last;
 }
 
-/// Classes by name and by id. Of equal ones the first is found. Sorted lists: against a hash a file's names
-/// and ids could be chosen.
+/// Classes by name and by id; of equal ones the first is found. The lists are sorted because a file's names
+/// and ids could be chosen to collide in a hash.
 class TZoMetaData::TClassNameAndIdMap {
 public:
     void Add(TZoClass* added) {
-        // It stands in both or in neither.
+        // Room first: the class goes into both lists or into neither.
         if (byId.size() == byId.capacity()) byId.reserve(2 * byId.size() + 8);
         byName.insert(std::upper_bound(byName.begin(), byName.end(), added, NameIsLess), added);
         byId.insert(std::upper_bound(byId.begin(), byId.end(), added, IdIsLess), added);
     }
-    /// Takes the place of what was there.
-    void SetAll(const TIVector<TZoClass, pointer<TZoClass>>& classes) {
+    /// Replaces the contents.
+    void SetAll(const TIVector<TZoClass, pointer<TZoClass>>& all) {
         Clear();
-        byName.reserve(classes.NItems());
-        for (const auto& one : classes) byName.push_back(one.get());
+        byName.reserve(all.NItems());
+        for (const auto& one : all) byName.push_back(one.get());
         byId = byName;
         std::stable_sort(byName.begin(), byName.end(), NameIsLess);
         std::stable_sort(byId.begin(), byId.end(), IdIsLess);
@@ -137,8 +137,8 @@ private:
 void TZoMetaData::IndexClasses() { index->SetAll(classes); }
 
 TZoClass::~TZoClass() {
-    if (slot != 0) Standing().Forget(slot, this);
-    if (registration != 0) Standing().Leave(registration);
+    Standing().Forget(slot, this);
+    Standing().Leave(registration);
 }
 
 void TZoClass::SetType(const std::type_info& newType, unsigned newSlot) {
@@ -150,7 +150,8 @@ TZoMetaData::TZoMetaData() : index(new TClassNameAndIdMap) {}
 
 TZoMetaData::~TZoMetaData() { Clear(); }
 
-/// An id that no class of the schema has: the next one, or, behind the greatest there is, the first left.
+/// Returns an id that no class of the schema has: the next one or, once the greatest is taken, the lowest
+/// free.
 int TZoMetaData::NewId() const {
     if (nextId <= INT_MAX) return static_cast<int>(nextId);
     int id = 1;
@@ -199,7 +200,7 @@ TZoClass* TZoMetaData::FindClass(int id) const { return index->Find(id); }
 
 TZoClass* TZoMetaData::FindUnbound(const char* name, const std::type_info& type) const {
     TZoClass* found = index->Find(std::string_view(name));
-    // Another type's accessors must not meet this one's objects.
+    // Accessors of another type must not get objects of this one.
     return found == nullptr || found->type == nullptr || *found->type == type ? found : nullptr;
 }
 
@@ -238,7 +239,7 @@ void TZoMetaData::Unbind(TZoClass* leaving) {
     ForgetUnresolved(leaving);
     if (leaving->BelongsElsewhere(this)) return;
     leaving->schema = nullptr;
-    if (leaving->registration != 0) Standing().Leave(leaving->registration);
+    Standing().Leave(leaving->registration);
     leaving->registration = 0;
 }
 
@@ -257,7 +258,7 @@ void TZoMetaData::ExcludeClass(const ZoString& name) {
     index->Clear();
     for (const auto& left : classes) index->Add(left.get());
     for (const auto& left : classes) {
-        if (left->BelongsElsewhere(this)) continue; // its own schema may still have what leaves here
+        if (left->BelongsElsewhere(this)) continue; // its own schema may still have the class
         while (left->parents.Remove(leaving.get())) left->NoteMissingParent();
         left->ForEachPointerField([&](TZoClassField& field) {
             RecordOrder::ForEachTarget(field, [&](TZoClassField& target) {
@@ -290,7 +291,7 @@ void TZoMetaData::Register(ZoStreamableRegister* newRegister) {
 }
 
 void TZoMetaData::ClassesRegister() {
-    if (registersClasses) return; // called by a class that registers: the passes go on anyway
+    if (registersClasses) return; // a class that registers calls this: the passes go on anyway
     struct Mark {
         explicit Mark(bool& schemaRegisters) : registers(schemaRegisters) { registers = true; }
         ~Mark() { registers = false; }
@@ -304,7 +305,7 @@ void TZoMetaData::ClassesRegister() {
         for (unsigned long long i = 1; i <= registers.NItems(); ++i) { // the list may change meanwhile
             const pointer<ZoStreamableRegister> next = registers[i];
             if (DoesClassExist(next->GetName()) || !next->ReadyToRegister(this)) continue;
-            if (called.Contains(next.get())) continue; // it registers another class than it says
+            if (called.Contains(next.get())) continue; // it registered another class than it names
             called.Add(next.get());
             next->Register(this);
         }

@@ -117,8 +117,8 @@ protected:
     unsigned GetSecurityKey() const;
     static void ApplySecurityKey(unsigned key, unsigned char* data, unsigned size);
 
-    /// Counts the open record and frames it after the frames gathered so far. False when it was empty.
-    bool Frame(int uid, int classId, bool mayScramble);
+    /// Counts the open record and, unless it is empty, frames it after the frames gathered so far.
+    void Frame(int uid, int classId, bool mayScramble);
     /// The header as `SaveHeader` would write it now; the open record is unchanged.
     std::vector<unsigned char> HeaderBytes();
     /// Forgets the frames and their count; the open record is unchanged.

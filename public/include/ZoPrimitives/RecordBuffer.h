@@ -63,12 +63,12 @@ public:
     unsigned long long FramesSize() const { return static_cast<unsigned long long>(framesEnd - block); }
     /// Forgets the frames; the open record is unchanged.
     void DropFrames();
-    /// Overwrites bytes of the frames; `offset` + `size` must lie within them.
-    void PatchFrames(unsigned long long offset, const void* data, std::size_t size);
+    /// Overwrites the first bytes of the frames: those that `FrameRaw` added before any other.
+    void PatchFrames(const void* data, std::size_t size);
     /// Hands over the block, on the C heap, with `size` bytes of frames, and starts an empty one. The open
     /// record is lost.
     unsigned char* TakeFrames(unsigned long long& size);
-    /// Frees the block and starts an empty one. The open record is lost.
+    /// Forgets the frames and the open record, and gives their memory back.
     void ReleaseFrames();
 
 private:
@@ -76,6 +76,7 @@ private:
 
     void Allocate(std::size_t capacity);
     void SetBounds(std::size_t frames, std::size_t payload);
+    void StartEmpty();
     /// Makes room for `head` + `size` bytes.
     void MakeRoom(std::size_t size, std::size_t head = 0);
     void SumFrames(const unsigned char* end);

@@ -35,23 +35,6 @@ std::optional<std::string> Decoded(const std::string& text) {
     return bytes;
 }
 
-TEST(TBase64Tests, PublishedVectors) {
-    const struct {
-        const char *bytes, *text;
-    } cases[] = {{"", ""},
-                 {"f", "Zg=="},
-                 {"fo", "Zm8="},
-                 {"foo", "Zm9v"},
-                 {"foob", "Zm9vYg=="},
-                 {"fooba", "Zm9vYmE="},
-                 {"foobar", "Zm9vYmFy"},
-                 {"\xFB\xFF\xBF", "+/+/"}};
-    for (const auto& row : cases) {
-        EXPECT_EQ(Encoded(row.bytes), row.text);
-        EXPECT_EQ(Decoded(row.text), row.bytes);
-    }
-}
-
 TEST(TBase64Tests, EveryByteValueSurvives) {
     std::string bytes;
     for (int length = 0; length <= 600; ++length) {
@@ -66,6 +49,14 @@ TEST(TBase64Tests, WhatIsAcceptedAndWhatIsRefused) {
         std::string text;
         std::optional<std::string> expected;
     } cases[] = {
+        {"published: none", "", ""},
+        {"published: one", "Zg==", "f"},
+        {"published: two", "Zm8=", "fo"},
+        {"published: three", "Zm9v", "foo"},
+        {"published: four", "Zm9vYg==", "foob"},
+        {"published: five", "Zm9vYmE=", "fooba"},
+        {"published: six", "Zm9vYmFy", "foobar"},
+        {"published: the last signs", "+/+/", "\xFB\xFF\xBF"},
         {"line breaks and blanks", " Zm9v\r\nYm\tF\v\fy \n", "foobar"},
         {"blanks within padding", "Zg = =\n", "f"},
         {"blanks only", " \n", ""},
@@ -82,7 +73,11 @@ TEST(TBase64Tests, WhatIsAcceptedAndWhatIsRefused) {
         {"bits hidden by one pad", "Zm9=", {}},
         {"bits hidden by two pads", "Zh==", {}},
     };
-    for (const auto& row : cases) EXPECT_EQ(Decoded(row.text), row.expected) << row.name;
+    for (const auto& row : cases) {
+        EXPECT_EQ(Decoded(row.text), row.expected) << row.name;
+        if (std::string(row.name).rfind("published", 0) != 0) continue;
+        EXPECT_EQ(Encoded(*row.expected), row.text);
+    }
 }
 
 TEST(TBase64Tests, NullPointers) {

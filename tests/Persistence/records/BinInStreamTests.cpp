@@ -1,14 +1,9 @@
 #include "Persistence/records/ErrorText.h"
-#include "ZoPrimitives/BinInStream.h"
-#include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/BinUnresolved.h"
-#include "ZoPrimitives/FilteredBinInStreamer.h"
-#include "ZoPrimitives/MemoryBinInStream.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoString.h"
-#include "support/Assertions.h"
-#include "support/Records.h"
+#include "support/Streaming.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -25,7 +20,7 @@ using namespace std::string_literals;
 
 namespace {
 
-constexpr const char* CORRUPT_FILE = "Arquivo corrompido";
+const std::string CORRUPT_FILE = "Arquivo corrompido";
 constexpr const char* CORRUPT_RECORD = "Tamanho de registro corrompido";
 
 /// A source of one's own: `Read` and nothing else.
@@ -68,14 +63,10 @@ bool Load(TBinInStream& stream) {
 }
 
 /// The record that a stream holds.
-std::string Payload(TBinInStream& stream) {
+std::string RecordOf(TBinInStream& stream) {
     std::string bytes(stream.GetRecordSize(), '\0');
     stream.SetRecordPosition(0);
-    for (char& byte : bytes) {
-        unsigned char value = 0;
-        stream.Take(value);
-        byte = static_cast<char>(value);
-    }
+    for (char& byte : bytes) stream.Take(byte);
     stream.SetRecordPosition(0);
     return bytes;
 }
@@ -99,7 +90,7 @@ std::vector<std::string> ReadAll(TBinInStream& stream, const Classes* classes = 
         };
         while (load()) {
             EXPECT_EQ(stream.GetCurrentUID(), uid);
-            lines.push_back(std::to_string(uid) + ' ' + std::to_string(classId) + ' ' + Payload(stream));
+            lines.push_back(std::to_string(uid) + ' ' + std::to_string(classId) + ' ' + RecordOf(stream));
         }
     });
     if (!thrown.empty()) lines.push_back(thrown);
@@ -228,12 +219,16 @@ std::string Repeated(const std::string& piece, std::size_t times) {
     return text;
 }
 
-TEST(BinInStreamTests, PassesOverDamage) {
-    const std::string corrupt = Told(CORRUPT_FILE, "TBinInStream::LoadRecord #5");
+TEST(BinInStreamTests, PassesOverDamageAndOtherClasses) {
+    const std::string at = " @ TBinInStream::LoadRecord #",
+                      atFiltered = " @ TBinInStream::LoadFilteredRecord #";
+    const std::string corrupt = CORRUPT_FILE + at + "5", most(65'534, 'x');
+    const Classes eight{8}, none, absent{-1, 10};
     const struct {
         const char* name;
         std::string bytes;
         std::string uids; // and "end" for a quiet end
+        const Classes* classes = nullptr;
     } cases[] = {
         {"nothing", "", "end"},
         {"both markers", A + Record{2, 8, "b", 0, 0xABCDABCD}.Bytes() + C, "1 2 3 end"},
@@ -244,30 +239,38 @@ TEST(BinInStreamTests, PassesOverDamage) {
         {"three bytes", A + "xxx" + B + C, "1 3 end"},
         {"four bytes", A + "xxxx" + B + C, "1 2 3 end"},
         {"one byte that completes the window", A + "\xAB" + B + C, "1 2 3 end"},
-        {"half a marker before: its size is half a marker", A + "\xCA\xAB" + B + C,
-         "1 " + Told("No error", "TBinInStream::LoadRecord #3")},
+        {"half a marker before: its size is half a marker", A + "\xCA\xAB" + B + C, "1 No error" + at + "3"},
         {"a whole marker before: its size is a marker", A + "\xCA\xAB\xCA\xAB" + B + C, "1 3 end"},
-        {"the most garbage", A + std::string(65'534, 'x') + B, "1 2 end"},
-        {"a byte more", A + std::string(65'535, 'x') + B, "1 " + corrupt},
-        {"that much again after a good record", std::string(65'534, 'x') + A + std::string(65'534, 'x') + B,
-         "1 2 end"},
-        {"garbage to the end before the limit", A + std::string(65'538, 'x'), "1 end"},
-        {"garbage to the end at the limit", A + std::string(65'539, 'x'), "1 " + corrupt},
+        {"the most garbage", A + most + B, "1 2 end"},
+        {"a byte more", A + most + "x" + B, "1 " + corrupt},
+        {"that much again after a good record", most + A + most + B, "1 2 end"},
+        {"garbage to the end before the limit", A + most + "xxxx", "1 end"},
+        {"garbage to the end at the limit", A + most + "xxxxx", "1 " + corrupt},
         {"the most records with a wrong sum", Repeated(WithBadSum(A), 13'106) + B, "2 end"},
         {"one more of them", Repeated(WithBadSum(A), 13'107) + B, corrupt},
         {"a size just too large", A + "\xCA\xAB\xCA\xAB\1\0\xA0\0"s + B + C, "1 2 3 end"},
         {"the largest size", A + "\xCA\xAB\xCA\xAB\xFF\xFF\xFF\xFF" + B + C, "1 2 3 end"},
         {"a possible size that is not there", A + "\xCA\xAB\xCA\xAB\0\0\xA0\0"s + B + C,
-         "1 " + Told("No error", "TBinInStream::LoadRecord #3")},
+         "1 No error" + at + "3"},
+        {"one class of three", A + B + C + A, "2 end", &eight},
+        {"no class", A + B + C, "end", &none},
+        {"a class that is not there", A + B + C, "end", &absent},
+        {"a wrong sum in a class not asked for", WithBadSum(A) + B, "2 end", &eight},
+        {"a wrong sum in a class asked for", WithBadSum(B) + A + B, "2 end", &eight},
+        {"more records than there are rounds", Repeated(A, 65'536) + B, "2 end", &eight},
+        {"the most garbage, twice", most + A + most + B, "2 end", &eight},
+        {"too much garbage", A + "x" + most + B, CORRUPT_FILE + atFiltered + "5", &eight},
+        {"a record not asked for that is not whole", B + A.substr(0, 27), "2 No error" + atFiltered + "6",
+         &eight},
+        {"a record asked for that is not whole", A + B.substr(0, 25), "No error" + atFiltered + "7", &eight},
     };
     for (const auto& row : cases) {
         std::vector<std::string> lines;
-        EXPECT_TRUE(ReadsByTheRule(row.bytes, &lines)) << row.name;
+        EXPECT_TRUE(ReadsByTheRule(row.bytes, &lines, row.classes)) << row.name;
+        lines.pop_back(); // how much was passed over
         std::string got;
-        for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-            const bool threw = lines[i].find(" @ ") != std::string::npos;
-            got += threw ? lines[i] : lines[i].substr(0, lines[i].find(' ') + 1);
-        }
+        for (const std::string& line : lines)
+            got += line.find(" @ ") != std::string::npos ? line : line.substr(0, line.find(' ') + 1);
         if (got.find(" @ ") == std::string::npos) got += "end";
         EXPECT_EQ(got, row.uids) << row.name;
     }
@@ -320,43 +323,10 @@ TEST(BinInStreamTests, TellsWhereADeviceFails) {
     Source hunting(A + "xxxxxxxxx" + B);
     hunting.failsFrom = A.size() + 6;
     EXPECT_EQ(ReadAll(hunting)[1], Told("Input/output error", "TBinInStream::LoadRecord #5"));
-}
-
-TEST(BinInStreamTests, PassesOverRecordsOfOtherClasses) {
-    const std::string most(65'534, 'x');
-    const struct {
-        const char* name;
-        std::string bytes;
-        Classes classes;
-        const char* told; // by the lines read, and bytes passed over
-    } cases[] = {
-        {"one class of three", A + B + C + A, {8}, "2 8 bb|0"},
-        {"no class", A + B + C, {}, "0"},
-        {"a class that is not there", A + B + C, {-1, 10}, "0"},
-        {"a wrong sum in a class not asked for", WithBadSum(A) + B, {8}, "2 8 bb|0"},
-        {"a wrong sum in a class asked for", WithBadSum(B) + A + B, {8}, "2 8 bb|30"},
-        {"more records than there are rounds", Repeated(A, 65'536) + B, {8}, "2 8 bb|0"},
-        {"the most garbage, twice", most + A + most + B, {8}, "2 8 bb|131068"},
-        {"too much garbage", A + "x" + most + B, {8}, "Arquivo corrompido #5|65535"},
-        {"a record not asked for that is not whole", B + A.substr(0, 27), {8}, "2 8 bb|No error #6|0"},
-        {"a record asked for that is not whole", A + B.substr(0, 25), {8}, "No error #7|0"},
-    };
-    for (const auto& row : cases) {
-        std::vector<std::string> lines;
-        EXPECT_TRUE(ReadsByTheRule(row.bytes, &lines, &row.classes)) << row.name;
-        std::string told;
-        for (const std::string& line : lines) told += line + "|";
-        for (const char* words : {" @ TBinInStream::LoadFilteredRecord", " passed over|"}) {
-            const std::size_t at = told.find(words);
-            if (at != std::string::npos) told.erase(at, std::strlen(words));
-        }
-        EXPECT_EQ(told, row.told) << row.name;
-    }
-    // A device that fails while a record is passed over.
-    Source broken(A + B);
-    broken.failsFrom = A.size() - 1;
+    Source passing(A + B);
+    passing.failsFrom = A.size() - 1;
     const Classes eight{8};
-    EXPECT_EQ(ReadAll(broken, &eight)[0], Told("Input/output error", "TBinInStream::LoadFilteredRecord #6"));
+    EXPECT_EQ(ReadAll(passing, &eight)[0], Told("Input/output error", "TBinInStream::LoadFilteredRecord #6"));
 }
 
 TEST(BinInStreamTests, ChecksTheHeader) {
@@ -384,7 +354,9 @@ TEST(BinInStreamTests, ChecksTheHeader) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
-        TMemoryBinInStream memory(row.bytes.data(), row.bytes.size(), row.supported);
+        void* block = std::malloc(row.bytes.size() + 1); // the leak checker watches it
+        std::memcpy(block, row.bytes.data(), row.bytes.size());
+        TMemoryBinInStream memory(block, row.bytes.size(), row.supported, true);
         Source source(row.bytes, row.supported);
         Source lenient(row.bytes, row.supported, Source::Lenient);
         const auto expect = [&](auto& stream, const char* location) {
@@ -397,7 +369,7 @@ TEST(BinInStreamTests, ChecksTheHeader) {
             EXPECT_EQ(stream.GetRecordSize(), 0u);
             EXPECT_EQ(ReadAll(stream)[0], "1 7 aaaa");
         };
-        expect(memory, "TMemoryBinInStream::TMemoryBinInStream");
+        for (int again = 0; again < 2; ++again) expect(memory, "TMemoryBinInStream::TMemoryBinInStream");
         expect(source, "Source::Source");
         expect(lenient, "Source::Source");
     }
@@ -425,41 +397,52 @@ void WithRecord(const std::string& payload, Operation operation) {
     }
 }
 
-TEST(BinInStreamTests, TakesValues) {
-    const std::string payload = "\1\0\2\xFF\xFE\xFF\xFE\xFF\xFE\xFF\xFF\xFF\xFE\xFF\xFF\xFF\0\0\xC0\xBF"
-                                "\0\0\0\0\0\0\xF8\x3F\0\0\0\0\0\0\xF8\xBF"
-                                "\3\0\0\0a\xE7"
-                                "b\2\0\0\0cd\2\0\0\0\0\xFF\0\0\0\0\0\0\0\0\0\0\0\0"s;
-    WithRecord(payload, [&](TBinInStream& stream) {
-        bool yes = false, no = true, two = false, all = false;
-        short s = 0;
-        unsigned short us = 0;
-        int i = 0;
-        unsigned u = 0;
-        float f = 0;
-        double d = 0;
-        long double ld = 0;
-        ZoString text("before");
-        char characters[] = "before";
-        ZoBlob blob;
-        stream >> yes >> no >> two >> all >> s >> us >> i >> u >> f >> d >> ld >> text >> characters >> blob;
-        EXPECT_TRUE(yes && !no && two && all) << "any byte but 0 is true";
-        EXPECT_EQ(s, -2);
-        EXPECT_EQ(us, 0xFFFE);
-        EXPECT_EQ(i, -2);
-        EXPECT_EQ(u, 0xFFFFFFFEu);
-        EXPECT_EQ(f, -1.5f);
-        EXPECT_EQ(d, 1.5);
-        EXPECT_EQ(ld, -1.5L);
-        EXPECT_STREQ(text.c_str(), "a\xE7"
-                                   "b");
-        EXPECT_STREQ(characters, "cd");
-        EXPECT_EQ(blob, ZoBlob("\0\xFF", 2));
-        stream >> text >> characters >> blob;
-        EXPECT_EQ(text, "");
-        EXPECT_STREQ(characters, "");
-        EXPECT_EQ(blob.Size(), 0u);
+/// A value's bytes in a record, and whether they give the value again.
+template <class Read, class T>
+void Check(const T& value, const std::string& bytes, const Read& expected) {
+    SCOPED_TRACE(::testing::PrintToString(bytes));
+    TMemoryBinOutStream out;
+    out << value << value; // nothing stands between values
+    EXPECT_EQ(out.GetBufferSize(), 2 * bytes.size());
+    out.FlushRecord(1, 1);
+    EXPECT_EQ(BytesOf(out), RecordBytes(1, 1, bytes + bytes));
+    WithRecord(bytes + bytes, [&](TBinInStream& stream) {
+        Read first{}, second{};
+        stream >> first >> second;
+        EXPECT_TRUE(first == expected && second == expected);
         EXPECT_EQ(stream.GetRemaining(), 0u);
+    });
+}
+template <class T>
+void Check(const T& value, const std::string& bytes) {
+    Check<T>(value, bytes, value);
+}
+
+TEST(BinInStreamTests, TakesTheValuesThatAreWritten) {
+    Check(true, "\1");
+    Check(false, "\0"s);
+    Check(short{-2}, "\xFE\xFF");
+    Check(static_cast<unsigned short>(0x9234), "\x34\x92");
+    Check(-2, "\xFE\xFF\xFF\xFF");
+    Check(0x92345678u, "\x78\x56\x34\x92");
+    Check(-1.5f, "\0\0\xC0\xBF"s);
+    Check(1.5, "\0\0\0\0\0\0\xF8\x3F"s);
+    Check<long double>(0.1L, "\x9A\x99\x99\x99\x99\x99\xB9\x3F"s, 0.1);
+    Check(std::numeric_limits<long double>::infinity(), "\0\0\0\0\0\0\xF0\x7F"s);
+    Check(ZoString("a\xE7"), "\2\0\0\0a\xE7"s);
+    Check<ZoString>(ZoString("a\0b", 3u), "\1\0\0\0a"s, "a"); // up to a zero byte
+    Check(ZoString(), "\0\0\0\0"s);
+    Check<ZoString>("ab", "\2\0\0\0ab"s, "ab");
+    Check<ZoString>(static_cast<const char*>(nullptr), "\0\0\0\0"s, "");
+    Check(ZoBlob("\0\xFF", 2), "\2\0\0\0\0\xFF"s);
+    Check(ZoBlob(), "\0\0\0\0"s);
+    WithRecord("\2\xFF\2\0\0\0cd\0\0\0\0"s, [](TBinInStream& stream) {
+        bool two = false, all = false;
+        char characters[] = "before", none[] = "before";
+        stream >> two >> all >> characters >> none;
+        EXPECT_TRUE(two && all) << "any byte but 0 is true";
+        EXPECT_STREQ(characters, "cd");
+        EXPECT_STREQ(none, "");
     });
 }
 
@@ -479,26 +462,22 @@ TEST(BinInStreamTests, ReadsPastTheEndOfARecordDefinedBytes) {
 
 TEST(BinInStreamTests, ReadsPastTheBuffersCapacityNothing) {
     const std::string file = RecordBytes(1, 1, "x");
-    const auto check = [&](auto value) {
-        SCOPED_TRACE(typeid(value).name());
-        TMemoryBinInStream stream(file.data(), file.size(), 1);
-        ASSERT_TRUE(Load(stream));
-        double eight = 0;
-        bool byte = true;
-        while (stream.GetRecordPosition() < DEFAULT_BUFFER_SIZE - 8) stream >> eight;
-        while (stream.GetRecordPosition() < DEFAULT_BUFFER_SIZE - 1) stream >> byte;
-        const std::string corrupt = Told(CORRUPT_RECORD, "TBinInStream::operator>>");
-        EXPECT_EQ(FailureOf([&] { stream >> value; }), corrupt);
-        EXPECT_EQ(stream.GetRecordPosition(), DEFAULT_BUFFER_SIZE - 1);
-        EXPECT_EQ(FailureOf([&] { stream >> byte; }), "") << "the last byte";
-        EXPECT_EQ(FailureOf([&] { stream >> byte; }), corrupt);
-        ZoString text;
-        EXPECT_EQ(FailureOf([&] { stream >> text; }),
-                  Told(CORRUPT_RECORD, "TBinInStream::operator>>(ZoString)"));
-        EXPECT_EQ(stream.GetRecordPosition(), DEFAULT_BUFFER_SIZE);
-    };
-    const auto checkAll = [&](auto... values) { (check(values), ...); };
-    checkAll(short{}, static_cast<unsigned short>(0), 0, 0u, 0.0f, 0.0, 0.0L);
+    TMemoryBinInStream stream(file.data(), file.size(), 1);
+    ASSERT_TRUE(Load(stream));
+    double eight = 0;
+    short two = 0;
+    bool byte = true;
+    ZoString text;
+    while (stream.GetRecordPosition() < DEFAULT_BUFFER_SIZE - 8) stream >> eight;
+    while (stream.GetRecordPosition() < DEFAULT_BUFFER_SIZE - 1) stream >> byte;
+    const std::string corrupt = Told(CORRUPT_RECORD, "TBinInStream::operator>>");
+    EXPECT_EQ(FailureOf([&] { stream >> eight; }), corrupt);
+    EXPECT_EQ(FailureOf([&] { stream >> two; }), corrupt);
+    EXPECT_EQ(stream.GetRecordPosition(), DEFAULT_BUFFER_SIZE - 1);
+    EXPECT_EQ(FailureOf([&] { stream >> byte; }), "") << "the last byte";
+    EXPECT_EQ(FailureOf([&] { stream >> byte; }), corrupt);
+    EXPECT_EQ(FailureOf([&] { stream >> text; }), Told(CORRUPT_RECORD, "TBinInStream::operator>>(ZoString)"));
+    EXPECT_EQ(stream.GetRecordPosition(), DEFAULT_BUFFER_SIZE);
 }
 
 TEST(BinInStreamTests, ChecksLengthsOfStringsAndBlobs) {
@@ -570,23 +549,11 @@ TEST(BinInStreamTests, CopiesHeaderAndRecord) {
         EXPECT_EQ(other->GetRelease() + other->GetVersion() + other->GetNInstances(), 2026u + 3 + 2);
         EXPECT_EQ(other->GetCurrentUID(), 1);
         EXPECT_EQ(other->GetRecordPosition(), 2u);
-        EXPECT_EQ(Payload(*other), "aaaa");
+        EXPECT_EQ(RecordOf(*other), "aaaa");
     }
     ASSERT_TRUE(Load(stream));
     EXPECT_FALSE(copy == stream);
-    EXPECT_EQ(Payload(copy), "aaaa") << "a copy keeps its own";
-}
-
-TEST(BinInStreamTests, FreesABlockThatItOwns) {
-    const std::string file = HeaderBytes(3, 2026) + A;
-    void* block = std::malloc(file.size());
-    ASSERT_NE(block, nullptr);
-    std::memcpy(block, file.data(), file.size());
-    TMemoryBinInStream stream(block, file.size(), 3, true); // the leak checker watches
-    stream.Initialize();
-    EXPECT_EQ(ReadAll(stream)[0], "1 7 aaaa");
-    stream.Initialize();
-    EXPECT_EQ(ReadAll(stream)[0], "1 7 aaaa") << "from the start again";
+    EXPECT_EQ(RecordOf(copy), "aaaa") << "a copy keeps its own";
 }
 
 // Objects
@@ -600,13 +567,11 @@ struct Thing : ZoStreamableBase {
 TEST(BinInStreamTests, FindsObjectsByUid) {
     Source stream("");
     Thing thing;
-    const int uids[] = {1, std::numeric_limits<int>::max(), -5}; // absurd ones cost no memory
-    for (const int uid : uids) stream.SetHandle(&thing, uid);
-    for (const int uid : uids) EXPECT_EQ(stream.GetHandle(uid), &thing) << uid;
-    stream.SetHandle(&thing, 0);
-    for (const int uid : {0, -1, 2}) EXPECT_EQ(stream.GetHandle(uid), nullptr) << uid;
+    for (const int uid : {1, -5, 0}) stream.SetHandle(&thing, uid);
+    for (const int uid : {1, -5}) EXPECT_EQ(stream.GetHandle(uid), &thing);
+    EXPECT_EQ(stream.GetHandle(0), nullptr);
     stream.ResetHandles();
-    for (const int uid : uids) EXPECT_EQ(stream.GetHandle(uid), nullptr) << uid;
+    EXPECT_EQ(stream.GetHandle(1), nullptr);
     stream.AddUnresolved(&thing, 7, nullptr);
     EXPECT_EQ(stream.GetUnresolved(6), nullptr);
     EXPECT_EQ(stream.GetUnresolved(7)->object, &thing);

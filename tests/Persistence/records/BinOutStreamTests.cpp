@@ -1,33 +1,15 @@
-#include "ZoPrimitives/BinOutStream.h"
-#include "ZoPrimitives/MemoryBinInStream.h"
-#include "ZoPrimitives/MemoryBinOutStream.h"
-#include "ZoPrimitives/ZoBlob.h"
-#include "ZoPrimitives/ZoString.h"
-#include "support/Assertions.h"
-#include "support/Records.h"
+#include "support/Memory.h"
+#include "support/Streaming.h"
 
-#include <algorithm>
 #include <cstdlib>
-#include <functional>
-#include <limits>
 #include <map>
 #include <memory>
 #include <random>
-#include <vector>
 
 using namespace ZoPrimitives;
 using namespace std::string_literals;
 
 namespace {
-
-constexpr const char* ROOM =
-    "size <= DEFAULT_BUFFER_SIZE - GetBufferSize() && \"[zoerror] the record is too big\"";
-constexpr const char* SOURCE = "cpp/Persistence/BinOutStream";
-
-std::string Written(TMemoryBinOutStream& stream) {
-    const unsigned char* data = stream.GetData();
-    return {reinterpret_cast<const char*>(data), static_cast<std::size_t>(stream.GetSize())};
-}
 
 /// A sink as an application may write it: on the virtual operations and the protected helpers alone.
 class OwnSink : public TBinOutStream {
@@ -93,44 +75,11 @@ public:
     }
 };
 
-TEST(BinOutStreamTests, EncodesValues) {
-    const struct {
-        const char* name;
-        std::function<void(TBinOutStream&)> write;
-        std::string bytes;
-    } cases[] = {
-        {"bool", [](auto& s) { s << true << false; }, "\1\0"s},
-        {"short", [](auto& s) { s << short{-2}; }, "\xFE\xFF"s},
-        {"unsigned short", [](auto& s) { s << static_cast<unsigned short>(0x1234); }, "\x34\x12"s},
-        {"int", [](auto& s) { s << -2; }, "\xFE\xFF\xFF\xFF"s},
-        {"unsigned", [](auto& s) { s << 0x12345678u; }, "\x78\x56\x34\x12"s},
-        {"float", [](auto& s) { s << -1.5f; }, "\0\0\xC0\xBF"s},
-        {"double", [](auto& s) { s << 1.5; }, "\0\0\0\0\0\0\xF8\x3F"s},
-        {"long double is a double", [](auto& s) { s << 0.1L; }, "\x9A\x99\x99\x99\x99\x99\xB9\x3F"s},
-        {"long double beyond a double", [](auto& s) { s << std::numeric_limits<long double>::infinity(); },
-         "\0\0\0\0\0\0\xF0\x7F"s},
-        {"string", [](auto& s) { s << ZoString("a\xE7"); }, "\2\0\0\0a\xE7"s},
-        {"string up to a zero byte", [](auto& s) { s << ZoString("a\0b", 3u); }, "\1\0\0\0a"s},
-        {"empty string", [](auto& s) { s << ZoString(); }, "\0\0\0\0"s},
-        {"characters", [](auto& s) { s << "ab"; }, "\2\0\0\0ab"s},
-        {"no characters", [](auto& s) { s << static_cast<const char*>(nullptr); }, "\0\0\0\0"s},
-        {"blob", [](auto& s) { s << ZoBlob("\0\xFF", 2); }, "\2\0\0\0\0\xFF"s},
-        {"empty blob", [](auto& s) { s << ZoBlob(); }, "\0\0\0\0"s},
-        {"nothing between values", [](auto& s) { s << true << 1 << "x" << short{2}; },
-         "\1\1\0\0\0\1\0\0\0x\2\0"s},
-    };
-    for (const auto& row : cases) {
-        OwnSink own;
-        row.write(own);
-        EXPECT_EQ(own.Payload(), row.bytes) << row.name;
-        EXPECT_EQ(own.GetBufferSize(), row.bytes.size()) << row.name;
-    }
-}
-
 TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     TMemoryBinOutStream stream(3, 2026);
     stream.Initialize();
-    EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 0));
+    stream.RewriteHeader();
+    EXPECT_EQ(BytesOf(stream), HeaderBytes(3, 2026, 0));
     stream.FlushRecord(1, 1); // without values: counted only
     stream << true;
     stream.FlushRecord(2, 1);
@@ -140,9 +89,9 @@ TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     stream.RewriteHeader(); // where the open record is full
     EXPECT_EQ(stream.GetBufferSize(), DEFAULT_BUFFER_SIZE);
     EXPECT_EQ(stream.GetNInstances(), 2u);
-    EXPECT_EQ(Written(stream), HeaderBytes(3, 2026, 2) + RecordBytes(2, 1, "\1"s));
+    EXPECT_EQ(BytesOf(stream), HeaderBytes(3, 2026, 2) + RecordBytes(2, 1, "\1"s));
     stream.FlushRecord(3, 1);
-    EXPECT_EQ(Written(stream).substr(28),
+    EXPECT_EQ(BytesOf(stream).substr(28),
               RecordBytes(2, 1, "\1"s) +
                   RecordBytes(3, 1, "\7\0\0\0"s + std::string(DEFAULT_BUFFER_SIZE - 4, 'x')));
 
@@ -150,9 +99,7 @@ TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     own.Initialize();
     EXPECT_EQ(own.headerFields, 7) << "each field goes through the operation for it";
     EXPECT_EQ(own.bytes, HeaderBytes(3, 2026));
-    OwnSink plain;
-    plain.Initialize();
-    EXPECT_EQ(plain.bytes, HeaderBytes(0, 0));
+    EXPECT_FALSE(own.PutsDirectly());
 }
 
 TEST(BinOutStreamTests, ScramblesWithThreeKeysAndSumsThePlainBytes) {
@@ -164,7 +111,7 @@ TEST(BinOutStreamTests, ScramblesWithThreeKeysAndSumsThePlainBytes) {
         stream.SetUsesSecurity(true);
         stream.Append(plain.data(), plain.size());
         stream.FlushRecord(1, 1);
-        const std::string bytes = Written(stream);
+        const std::string bytes = BytesOf(stream);
         EXPECT_EQ(Word(bytes, 8), ZlibCrc(plain));
         ++met[bytes.substr(20)];
     }
@@ -175,41 +122,6 @@ TEST(BinOutStreamTests, ScramblesWithThreeKeysAndSumsThePlainBytes) {
         EXPECT_GT(met[stored], 60) << "key " << stored[0];
 }
 
-/// What a stream was told to write, and whether its bytes say the same. Keys are chance: they are taken from
-/// the bytes.
-class Script {
-public:
-    void Frame(const Record& record, bool scrambled) {
-        if (!record.payload.empty()) parts.push_back({record, scrambled, false});
-    }
-    void Raw(const std::string& bytes) { parts.push_back({{0, 0, bytes}, false, true}); }
-    void Clear() { parts.clear(); }
-
-    ::testing::AssertionResult Check(const std::string& bytes) const {
-        std::size_t at = 0;
-        for (const Part& part : parts) {
-            Record record = part.record;
-            if (part.scrambled && at + 24 <= bytes.size()) record.key = Word(bytes, at + 20);
-            const bool right = part.scrambled == (record.key == 1 || record.key == 2 || record.key == 4);
-            const std::string expected = part.raw ? record.payload : record.Bytes();
-            if (!right || bytes.compare(at, expected.size(), expected) != 0)
-                return ::testing::AssertionFailure()
-                       << "uid " << record.uid << " differs, key " << record.key;
-            at += expected.size();
-        }
-        if (at == bytes.size()) return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure() << bytes.size() - at << " bytes too many";
-    }
-
-private:
-    struct Part {
-        Record record;
-        bool scrambled;
-        bool raw;
-    };
-    std::vector<Part> parts;
-};
-
 /// Sums are put in late and in batches: whatever is done between, they are right when the bytes are seen.
 TEST(BinOutStreamTests, SumsAreRightWhateverTheInterleaving) {
     std::mt19937 random(20260714);
@@ -217,16 +129,14 @@ TEST(BinOutStreamTests, SumsAreRightWhateverTheInterleaving) {
     const unsigned sizes[] = {0,    1,    2,     23,    24,    25,    100,    1000,   4071,   4072,
                               4073, 8191, 12263, 12264, 12265, 65536, 131072, 262144, 307200, 7};
     for (int round = 0; round < 12; ++round) {
-        std::srand(static_cast<unsigned>(round));
         auto memory = std::make_unique<TMemoryBinOutStream>();
         GatheringSink gathering;
         OwnSink own;
         TBinOutStream* sinks[] = {memory.get(), &gathering, &own};
-        Script script;    // since the memory stream was last emptied
-        Script allScript; // since the beginning
-        int uid = 0;
+        std::string expected;  // since the memory stream was last emptied
+        std::string allBefore; // and before that
         bool secure = false;
-        for (int step = 0; step < 150; ++step) {
+        for (int step = 1; step <= 150; ++step) {
             const bool small = below(4) != 0;
             std::string payload(small ? below(200) : sizes[below(std::size(sizes))], '\0');
             for (std::size_t i = 0; i < payload.size(); i += 1 + payload.size() / 1000)
@@ -239,17 +149,18 @@ TEST(BinOutStreamTests, SumsAreRightWhateverTheInterleaving) {
                 memory = std::make_unique<TMemoryBinOutStream>(*memory);
                 sinks[0] = memory.get();
             }
-            for (TBinOutStream* sink : sinks) sink->Append(payload.data() + cut, payload.size() - cut);
-            if (below(6) == 0) {
-                for (TBinOutStream* sink : sinks) sink->FlushBuffer();
-                script.Raw(payload);
-                allScript.Raw(payload);
-            } else {
-                ++uid;
-                for (TBinOutStream* sink : sinks) sink->FlushRecord(uid, step);
-                script.Frame({uid, step, payload}, secure);
-                allScript.Frame({uid, step, payload}, secure);
+            const bool raw = below(6) == 0;
+            for (TBinOutStream* sink : sinks) {
+                sink->Append(payload.data() + cut, payload.size() - cut);
+                std::srand(static_cast<unsigned>(step)); // the keys are the same then
+                raw ? sink->FlushBuffer() : sink->FlushRecord(step, round);
             }
+            std::srand(static_cast<unsigned>(step));
+            const unsigned key = secure ? 1u << std::rand() % 3 : 0;
+            if (raw)
+                expected += payload;
+            else if (!payload.empty())
+                expected += Record{step, round, payload, key}.Bytes();
             if (below(10) == 0) {
                 secure = !secure;
                 for (TBinOutStream* sink : sinks) sink->SetUsesSecurity(secure);
@@ -257,27 +168,29 @@ TEST(BinOutStreamTests, SumsAreRightWhateverTheInterleaving) {
             if (below(25) == 0) {
                 unsigned long long size = 0;
                 unsigned char* block = memory->Detach(size);
-                ASSERT_TRUE(script.Check(std::string(reinterpret_cast<char*>(block), size)))
+                ASSERT_TRUE(std::string(reinterpret_cast<char*>(block), size) == expected)
                     << "round " << round << " step " << step;
                 std::free(block);
-                script.Clear();
+                allBefore += std::exchange(expected, "");
             } else if (below(10) == 0) {
-                ASSERT_TRUE(script.Check(Written(*memory))) << "round " << round << " step " << step;
+                ASSERT_TRUE(BytesOf(*memory) == expected) << "round " << round << " step " << step;
             }
         }
         gathering.Take();
-        EXPECT_TRUE(script.Check(Written(*memory))) << "round " << round;
-        EXPECT_TRUE(allScript.Check(gathering.bytes)) << "round " << round;
-        EXPECT_TRUE(allScript.Check(own.bytes)) << "round " << round;
+        EXPECT_TRUE(BytesOf(*memory) == expected) << "round " << round;
+        EXPECT_TRUE(gathering.bytes == allBefore + expected) << "round " << round;
+        EXPECT_TRUE(own.bytes == allBefore + expected) << "round " << round;
     }
 }
 
 TEST(BinOutStreamTests, RefusesWhatARecordCannotHold) {
     const std::string most(DEFAULT_BUFFER_SIZE, 'x');
-    const FailedAssertion noRoom{ROOM, SOURCE};
+    const char* const source = "cpp/Persistence/BinOutStream";
+    const FailedAssertion noRoom{
+        "size <= DEFAULT_BUFFER_SIZE - GetBufferSize() && \"[zoerror] the record is too big\"", source};
     const FailedAssertion tooBig{
         "blob.Size() <= UINT_MAX && blob.Size() <= DEFAULT_BUFFER_SIZE && \"[zoerror] the blob is too big\"",
-        SOURCE, 211};
+        source, 211};
     volatile const std::size_t wrapping = static_cast<std::size_t>(-50); // the compiler would see through it
     const struct {
         const char* name;
@@ -307,7 +220,7 @@ TEST(BinOutStreamTests, RefusesWhatARecordCannotHold) {
         TMemoryBinOutStream memory;
         memory << "a record before";
         memory.FlushRecord(1, 1);
-        const std::string before = Written(memory);
+        const std::string before = BytesOf(memory);
         GatheringSink gathering;
         gathering << std::string(300'000, 'y').c_str();
         gathering.FlushBuffer();
@@ -317,14 +230,14 @@ TEST(BinOutStreamTests, RefusesWhatARecordCannotHold) {
             FailedAssertion failed = AssertionOf([&] { row.write(*stream); });
             if (row.failed.line == 0) failed.line = 0; // any
             EXPECT_EQ(failed, row.failed);
-            EXPECT_TRUE(fits || stream->GetBufferSize() == row.before);
+            EXPECT_EQ(stream->GetBufferSize(), fits ? DEFAULT_BUFFER_SIZE : row.before);
+            failed = AssertionOf([&] { stream->Append("123456", fits ? 1 : 0); });
+            EXPECT_EQ(failed.expression, fits ? noRoom.expression : "");
         }
         if (fits) continue;
         memory.FlushRecord(2, 1);
-        Script script;
-        script.Raw(before);
-        script.Frame({2, 1, most.substr(0, row.before)}, false);
-        EXPECT_TRUE(script.Check(Written(memory))) << "the record is as it was";
+        const std::string record = row.before == 0 ? "" : RecordBytes(2, 1, most.substr(0, row.before));
+        EXPECT_TRUE(BytesOf(memory) == before + record) << "the record is as it was";
     }
 }
 
@@ -350,9 +263,9 @@ TEST(MemoryBinOutStreamTests, CopiesWhatWasWrittenAndTheOpenRecord) {
         EXPECT_EQ(target->GetBufferSize(), 8u);
         target->FlushRecord(3, 1);
         target->RewriteHeader();
-        const std::string bytes = Written(*target);
+        const std::string bytes = BytesOf(*target);
         EXPECT_EQ(bytes.substr(0, 28), HeaderBytes(3, 2026, 3));
-        EXPECT_EQ(bytes.substr(28, 100'028), Written(stream).substr(28, 100'028));
+        EXPECT_EQ(bytes.substr(28, 100'028), BytesOf(stream).substr(28, 100'028));
         EXPECT_EQ(bytes.substr(100'056),
                   RecordBytes(2, 1, LittleEndian(1)) + RecordBytes(3, 1, LittleEndian(2) + LittleEndian(3)));
     }
@@ -368,11 +281,21 @@ TEST(MemoryBinOutStreamTests, CopyOfASinkHoldsHeaderAndOpenRecordOnly) {
     stream.FlushRecord(1, 1);
     stream << 2;
     copy << "its own";
-    copy = stream;
-    EXPECT_TRUE(copy == stream);
-    copy.FlushRecord(2, 1);
+    TMemoryBinOutStream memory;
+    memory << true;
+    memory.FlushRecord(3, 1);
+    for (TBinOutStream* target : std::initializer_list<TBinOutStream*>{&copy, &memory}) {
+        *target = stream;
+        EXPECT_TRUE(*target == stream);
+        target->FlushRecord(2, 1);
+    }
     copy.Take();
     EXPECT_EQ(copy.bytes, RecordBytes(2, 1, LittleEndian(2)));
+    EXPECT_EQ(BytesOf(memory), RecordBytes(3, 1, "\1") + copy.bytes);
+    EXPECT_FALSE(GatheringSink(1, 1) == GatheringSink(1, 2) || GatheringSink(1, 1) == GatheringSink(2, 1));
+    copy << 1;
+    memory << 2;
+    EXPECT_FALSE(copy == memory) << "of one size";
 }
 
 TEST(MemoryBinOutStreamTests, HeaderIsRewrittenOnlyWhereThereIsOne) {
@@ -381,7 +304,7 @@ TEST(MemoryBinOutStreamTests, HeaderIsRewrittenOnlyWhereThereIsOne) {
     never.RewriteHeader();
     EXPECT_EQ(never.GetBufferSize(), 4u);
     never.FlushRecord(1, 1);
-    EXPECT_EQ(Written(never), RecordBytes(1, 1, LittleEndian(1)));
+    EXPECT_EQ(BytesOf(never), RecordBytes(1, 1, LittleEndian(1)));
 
     TMemoryBinOutStream detached(3, 2026);
     detached.Initialize();
@@ -392,16 +315,16 @@ TEST(MemoryBinOutStreamTests, HeaderIsRewrittenOnlyWhereThereIsOne) {
     detached << 1;
     detached.FlushRecord(1, 1);
     detached.RewriteHeader();
-    EXPECT_EQ(Written(detached), RecordBytes(1, 1, LittleEndian(1)));
+    EXPECT_EQ(BytesOf(detached), RecordBytes(1, 1, LittleEndian(1)));
 
     TMemoryBinOutStream placed(3, 2026);
     placed << true; // no header at all
     placed.Initialize();
     placed.RewriteHeader();
-    EXPECT_EQ(Written(placed), "\1");
+    EXPECT_EQ(BytesOf(placed), "\1");
     placed.SaveHeader();
     placed.Initialize();
-    EXPECT_EQ(Written(placed), HeaderBytes(3, 2026)) << "one that was there before";
+    EXPECT_EQ(BytesOf(placed), HeaderBytes(3, 2026)) << "one that was there before";
 }
 
 TEST(MemoryBinOutStreamTests, WritesIntoTheCallersBlock) {
@@ -411,12 +334,12 @@ TEST(MemoryBinOutStreamTests, WritesIntoTheCallersBlock) {
     std::string block(29, '#');
     EXPECT_EQ(stream.WriteInMemory(block.data(), block.size()), 28u);
     EXPECT_EQ(block, RecordBytes(1, 1, LittleEndian(5)) + "#");
-    std::string small(27, '#');
-    EXPECT_EQ(FailureOf([&] { stream.WriteInMemory(small.data(), small.size()); }),
+    EXPECT_EQ(FailureOf([&] { stream.WriteInMemory(block.data(), 27); }),
               "full @ TMemoryBinOutStream::WriteInMemory");
-    EXPECT_EQ(small, std::string(27, '#'));
-    stream << "left open";
+    stream << ZoString('x', 1'000'000);
+    const long long before = Memory::InUse();
     stream.FreeResourses();
+    EXPECT_TRUE(!Memory::Watched() || Memory::InUse() < before - 900'000);
     EXPECT_EQ(stream.GetBufferSize(), 0u);
     EXPECT_EQ(stream.WriteInMemory(nullptr, 0), 0u);
 }

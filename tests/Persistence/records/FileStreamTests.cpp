@@ -18,6 +18,7 @@
 namespace {
 
 using namespace ZoPrimitives;
+using namespace std::string_literals;
 using testing::ElementsAre;
 using namespace ZoPrimitives::Testing;
 using Stream = pointer<TFileBinOutStream>;
@@ -612,30 +613,37 @@ TEST_F(FileStreamTests, AnOverriddenReadIsAsked) {
     EXPECT_EQ(file.calls + memory.calls + clipboard.calls, 3);
 }
 
-TEST_F(FileStreamTests, FailuresOfOpening) {
+TEST_F(FileStreamTests, FailuresOfOpeningAndReading) {
     const std::string invalid = "Header de arquivo inv\xE1lido @ TBinInStream::LoadHeader";
-    const std::string good = HeaderBytes(3, 2026);
+    const std::string good = HeaderBytes(3, 2026) + RecordBytes(1, 7, "\4\0\0\0text"s);
+    const auto unsized = [](int failing, FaultyServices::Effect effect) {
+        return [=](FaultyServices& d) {
+            d.Fail("FileSize", 0, 1);
+            d.Fail("ReadFile", failing, 1117, effect);
+        };
+    };
     const struct {
         const char* name;
         std::string content;
         std::function<void(FaultyServices&)> arrange;
         std::string thrown;
+        bool opens = false;
     } rows[] = {
-        {"good", good, {}, ""},
+        {"good", good, {}, "", true},
         {"no such file", good, [&](FaultyServices&) { std::filesystem::remove(plan); }, Cannot(plan)},
         {"refused", good, [](FaultyServices& d) { d.Fail("OpenFile", 1, 5); }, Cannot(plan)},
         {"empty", "", {}, "No error" + AT_HEADER},
         {"cut short", good.substr(0, 27), {}, "No error" + AT_HEADER},
-        {"device fails", good, [](FaultyServices& d) { d.Fail("ReadFile", 0, 1117); },
-         "Input/output error" + AT_HEADER},
-        {"device fails in the extra block", HeaderBytes(3, 2026, 0, 8) + std::string(8, 'x'),
-         [](FaultyServices& d) {
-             d.Fail("FileSize", 1, 1);
-             d.Fail("ReadFile", 2, 1117, FaultyServices::Half);
-         },
-         "Input/output error" + AT_HEADER},
         {"extra block out of range", HeaderBytes(3, 0, 0, 65'536), {}, invalid},
         {"newer", HeaderBytes(4, 0), {}, " @ "},
+        {"device fails", good, unsized(0, FaultyServices::Nothing), "Input/output error" + AT_HEADER},
+        {"device fails in the extra block", HeaderBytes(3, 2026, 0, 8) + std::string(8, 'x'),
+         unsized(2, FaultyServices::Half), "Input/output error" + AT_HEADER},
+        // Read are the header, a marker, a size.
+        {"device fails in a record", good, unsized(4, FaultyServices::Nothing),
+         "Input/output error" + AT_RECORD + "2", true},
+        {"and gives half", good, unsized(4, FaultyServices::Half), "Input/output error" + AT_RECORD + "2",
+         true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -643,26 +651,19 @@ TEST_F(FileStreamTests, FailuresOfOpening) {
         FaultyServices device;
         if (row.arrange) row.arrange(device);
         TFileBinInStream in(plan.c_str(), 3u);
-        EXPECT_EQ(FailureOf([&] { in.Initialize(); }), row.thrown);
-        EXPECT_EQ(in.GetFile() == nullptr, !row.thrown.empty());
-        EXPECT_EQ(device.OpenHandles(), row.thrown.empty() ? 1u : 0u);
+        bool opened = false;
+        EXPECT_EQ(FailureOf([&] {
+                      in.Initialize();
+                      opened = true;
+                      EXPECT_EQ(Rest(in), "1:text");
+                  }),
+                  row.thrown);
+        EXPECT_EQ(opened, row.opens);
+        EXPECT_EQ(in.GetFile() != nullptr, row.opens);
+        EXPECT_EQ(device.OpenHandles(), row.opens ? 1u : 0u);
         // A closed stream has no records, and says so.
-        int uid = 0;
-        int classId = 0;
-        EXPECT_EQ(FailureOf([&] { EXPECT_FALSE(in.LoadRecord(&uid, &classId)); }),
-                  row.thrown.empty() ? "" : "Input/output error" + AT_RECORD + "1");
-    }
-}
-
-TEST_F(FileStreamTests, ADeviceThatFailsIsNotTheEnd) {
-    Save(plan, "text", false);
-    for (const auto effect : {FaultyServices::Nothing, FaultyServices::Half}) {
-        FaultyServices device;
-        device.Fail("FileSize", 1, Platform::ErrorInvalidFunction);
-        device.Fail("ReadFile", 4, Platform::ErrorDevice, effect); // the header, a marker, a size
-        TFileBinInStream in(plan.c_str());
-        in.Initialize();
-        EXPECT_EQ(FailureOf([&] { Rest(in); }), "Input/output error" + AT_RECORD + "2");
+        if (row.opens) continue;
+        EXPECT_EQ(FailureOf([&] { Rest(in); }), "Input/output error" + AT_RECORD + "1");
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Persistence/instances/InstanceTables.h"
 #include "Persistence/schema/PointerResolver.h"
+#include "Persistence/schema/WritePlan.h"
 
 #include <algorithm>
 
@@ -32,12 +33,6 @@ struct LoadedSchema {
     bool sound = false;
 };
 
-std::vector<std::string> FieldNames(TZoClass& of) {
-    std::vector<std::string> names;
-    for (int i = 1; i <= of.GetFieldCount(); ++i) names.push_back(Text(of.GetField(i)->GetFieldName()));
-    return names;
-}
-
 class NoFields : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(NoFields)
     REGISTER_ZO_END
@@ -48,8 +43,6 @@ class OnlyMaps : public NoFields {
     DECLARE_ZO_FIELD_CHILD_MAP(NoFields, NoFields, pairs)
     REGISTER_ZO_END
 };
-
-using Names = std::vector<std::string>;
 
 TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
     const struct {
@@ -137,9 +130,7 @@ TEST(ZoMetaDataTests, StaysInStepWithOtherLayouts) {
         ASSERT_TRUE(loaded.sound);
         TZoClass* read = loaded.schema.FindClass(2);
         ASSERT_NE(read, nullptr);
-        Names parents;
-        for (const auto& parent : *read->GetParentClasses()) parents.push_back(Text(parent->GetName()));
-        EXPECT_EQ(parents, tested.parents);
+        EXPECT_EQ(ParentNames(*read), tested.parents);
         EXPECT_EQ(FieldNames(*read), tested.fields);
         ASSERT_NE(loaded.schema.FindClass(3), nullptr) << "out of step";
         EXPECT_EQ(Text(loaded.schema.FindClass(3)->GetName()), "Last");
@@ -172,7 +163,9 @@ TEST(ZoMetaDataTests, RefusesWhatContradictsItself) {
         bool sound;
     } cases[] = {
         {"unknown parent", {{.id = 1, .parents = {2}}}, false},
-        {"unknown class of a child", {{.id = 1, .children = {{9, -6, "f"}}}}, false},
+        {"unknown class of a child, below a parent",
+         {{.id = 2, .name = "P"}, {.id = 1, .parents = {2}, .children = {{9, -6, "f"}}}},
+         false},
         {"unknown class of a map", {{.id = 1, .maps = {{9, -19, "f"}}}}, false},
         {"unknown class of a reference list", {{.id = 1, .referenceLists = {{9, -9, "f"}}}}, false},
         {"a value's class is not looked up", {{.id = 1, .values = {{9, -1, "f"}}}}, true},
@@ -201,15 +194,16 @@ TEST(ZoMetaDataTests, RefusesWhatContradictsItself) {
     };
     for (const auto& tested : cases) {
         SCOPED_TRACE(tested.name);
-        EXPECT_EQ(LoadedSchema(SchemaOf(tested.classes)).sound, tested.sound);
+        LoadedSchema loaded(SchemaOf(tested.classes));
+        EXPECT_EQ(loaded.sound, tested.sound);
+        for (int i = 1; !tested.sound && i <= loaded.schema.GetClassCount(); ++i)
+            EXPECT_TRUE(loaded.schema.GetClass(i)->GetParentClasses()->NItems() == 0);
     }
-}
-
-TEST(ZoMetaDataTests, LeavesItsIdsTaken) {
     LoadedSchema loaded(SchemaOf({{.id = 7, .name = "A"}, {.id = 3, .name = "B"}}));
-    EXPECT_EQ(NoFields::Register(&loaded.schema)->GetClassId(), 8);
-    LoadedSchema greatest(SchemaOf({{.id = 2147483647, .name = "A"}, {.id = 1, .name = "B"}}));
-    EXPECT_EQ(NoFields::Register(&greatest.schema)->GetClassId(), 2) << "the first that is left";
+    EXPECT_EQ(NoFields::Register(&loaded.schema)->GetClassId(), 8) << "ids stay taken";
+    LoadedSchema greatest(SchemaOf({{.id = 2147483647, .name = "A"}, {.id = 2, .name = "B"}}));
+    EXPECT_EQ(NoFields::Register(&greatest.schema)->GetClassId(), 1) << "the first that is left";
+    EXPECT_EQ(OnlyMaps::Register(&greatest.schema)->GetClassId(), 3);
 }
 
 TEST(ZoMetaDataTests, RefusesCountsThatItCannotHold) {
@@ -266,32 +260,76 @@ TEST(ZoMetaDataTests, LinksClassesAndFieldsToTheApplications) {
     }
 }
 
-TEST(ZoMetaDataTests, CheckReportsEachOfThreeFaults) {
-    TZoMetaData schema;
-    ZoString report;
-    EXPECT_TRUE(schema.Check(&report));
-    OnlyMaps::Register(&schema); // neither parent nor target registered
-    auto* bare = new TZoClass(&schema, nullptr, "Bare", nullptr, false, nullptr);
-    bare->AddFieldPointer("nameless", nullptr, nullptr, nullptr);
-    bare->AddFieldPointer("generic", nullptr, nullptr, nullptr)->SetFieldClassName("ZoObjectStreamable");
-    schema.AddClass(bare);
-    EXPECT_FALSE(schema.Check(nullptr));
-    EXPECT_FALSE(schema.Check(&report));
-    EXPECT_EQ(Text(report), "[zoerror] parent class of OnlyMaps not registered\n"
-                            "[zoerror] class NoFields of reference field pairs not registered\n"
-                            "[zoerror] class of reference field nameless not registered");
-    schema.Clear();
-    NoFields::Register(&schema);
-    OnlyMaps::Register(&schema);
-    report = "";
-    EXPECT_TRUE(schema.Check(&report));
-    EXPECT_EQ(Text(report), "");
+namespace second {
+class NoFields : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(NoFields)
+    REGISTER_ZO_END
+};
+} // namespace second
+
+class Unnamed : public NoFields {
+    ZO_BEGIN_NAMES(Unnamed, "NULL", "NULL", "NULL")
+    REGISTER_ZO_END
+};
+
+TEST(ZoMetaDataTests, CheckTellsWhatIsMissingAndWhatIsLostAlthoughAllIsThere) {
+    const auto byHand = [](TZoMetaData* schema) {
+        auto* made = new TZoClass(schema, nullptr, "ByHand", nullptr, false, nullptr);
+        made->AddFieldPointer("nameless", nullptr, nullptr, nullptr);
+        made->AddFieldPointer("generic", nullptr, nullptr, nullptr)->SetFieldClassName("ZoObjectStreamable");
+        return schema->AddClass(made);
+    };
+    const auto none = NoFields::Register<NoFields>;
+    const auto other = second::NoFields::Register<second::NoFields>;
+    const auto untyped = [](TZoMetaData* schema) {
+        return schema->AddClass(new TZoClass(schema, nullptr, "NoFields", nullptr, false, nullptr));
+    };
+    const struct {
+        const char* name;
+        std::vector<TZoClass* (*)(TZoMetaData*)> registered;
+        std::string told;
+    } rows[] = {
+        {"nothing registered", {}, ""},
+        {"neither parent nor target",
+         {OnlyMaps::Register<OnlyMaps>},
+         "[zoerror] parent class of OnlyMaps not registered\n"
+         "[zoerror] class NoFields of reference field pairs not registered"},
+        {"a field without a class, one of any class",
+         {byHand},
+         "[zoerror] class of reference field nameless not registered"},
+        {"a class without fields",
+         {none, OnlyMaps::Register<OnlyMaps>},
+         "[zowarning] class NoFields of reference field pairs has no fields: its objects are not saved"},
+        {"a base that is not named",
+         {none, Unnamed::Register<Unnamed>},
+         "[zowarning] class Unnamed derives from NoFields, which its registration does not name: the fields "
+         "of NoFields are not saved. See REGISTER_ZO_BEGIN"},
+        {"nor registered", {Unnamed::Register<Unnamed>}, ""},
+        {"one name twice",
+         {none, none, other, other, untyped},
+         "[zowarning] two C++ classes are called NoFields: the second one is not registered"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        TZoMetaData schema;
+        for (const auto registers : row.registered) registers(&schema);
+        ZoString missing, warnings;
+        const bool sound = row.told.rfind("[zoerror]", 0) != 0;
+        EXPECT_TRUE(schema.Check(&missing, &warnings) == sound && schema.Check(nullptr) == sound);
+        EXPECT_EQ(Text(sound ? warnings : missing), row.told);
+        EXPECT_EQ(Text(sound ? missing : warnings), "");
+        EXPECT_EQ(FailureOf([&] { schema.CheckOrThrow(); }),
+                  row.told.empty() ? "" : row.told + " @ TZoMetaData::CheckOrThrow");
+        schema.Clear();
+        EXPECT_NO_THROW(schema.CheckOrThrow());
+    }
 }
 
 struct Top : virtual ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Top)
     DECLARE_ZO_FIELD(int, shared)
     DECLARE_ZO_FIELD_CHILD(NoFields, topChild)
+    DECLARE_ZO_FIELD_CHILD_VALUE(app::Leaf, member)
     REGISTER_ZO_END
 };
 struct Left : virtual Top {
@@ -343,12 +381,25 @@ TEST(ZoMetaDataTests, QueriesFollowParentsInOrder) {
     both->FillAllClassFields(&all);
     Names names;
     for (const auto& field : all) names.push_back(Text(field->GetFieldName()));
-    EXPECT_EQ(names, (Names{"shared", "topChild", "leftMap", "leftValue", "shared", "topChild", "rightList",
-                            "leftValue", "first", "last"}));
+    EXPECT_EQ(names, (Names{"shared", "topChild", "member", "leftMap", "leftValue", "shared", "topChild",
+                            "member", "rightList", "leftValue", "first", "last"}));
     // A map takes two places, a grandparent reached twice counts twice.
-    EXPECT_EQ(top->GetFieldPointerCount(), 1U);
-    EXPECT_EQ(left->GetFieldPointerCount(), 3U);
-    EXPECT_EQ(both->GetFieldPointerCount(), 3U + 2U + 2U);
+    EXPECT_EQ(top->GetFieldPointerCount(), 2U);
+    EXPECT_EQ(left->GetFieldPointerCount(), 4U);
+    EXPECT_EQ(both->GetFieldPointerCount(), 4U + 3U + 2U);
+
+    // Of what is read twice the last counts, whichever record comes last.
+    app::Leaf::Register(&schema);
+    const FieldEntry member{1, -18, "member"};
+    Opened opened(
+        FileOf({{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}},
+                {.id = 2, .name = "Top", .children = {member}},
+                {.id = 3, .name = "Left", .parents = {2}},
+                {.id = 4, .name = "Right", .parents = {2}},
+                {.id = 5, .name = "Both", .parents = {3, 4}}},
+               {{1, 5, Payload().Ints({3, 2})}, {2, 1, Payload().Int(22)}, {3, 1, Payload().Int(33)}}),
+        schema);
+    EXPECT_EQ(opened.Root<Both>().member.number, 22);
 }
 
 /// Calls for each field of `EveryKind` the operation for its C++ class.
@@ -425,21 +476,17 @@ TEST(ZoClassFieldTests, AreWrittenAndReadOneByOneAndByTheirClass) {
 TEST(ZoClassTests, MakesFieldsOfTheNineteenKindsOnly) {
     TZoMetaData schema;
     TZoClass made(&schema, nullptr, "C", nullptr, false, nullptr);
-    int count = 0;
     for (int kind = -25; kind <= 5; ++kind) {
-        const bool known = kind >= -19 && kind <= -1;
-        const bool points =
-            known && ((kind <= -6 && kind >= -9) || kind == -15 || kind == -16 || kind <= -18);
         TZoClassField* field = made.AddField(5, static_cast<TZoClassFieldType>(kind), "f");
-        ASSERT_EQ(field != nullptr, known) << kind;
-        if (!known) continue;
+        ASSERT_EQ(field != nullptr, kind >= -19 && kind <= -1) << kind;
+        if (field == nullptr) continue;
         EXPECT_EQ(field->GetFieldType(), kind);
         EXPECT_EQ(field->GetFieldClassId(), 5) << kind;
-        EXPECT_EQ(field->GetFieldClass(), nullptr) << kind;
-        EXPECT_EQ(field->IsPointerKind(), points) << kind;
-        EXPECT_EQ(field->GetOwnerClass(), &made);
-        EXPECT_EQ(made.GetFieldCount(), ++count);
+        EXPECT_EQ(field->IsPointerKind(),
+                  (kind <= -6 && kind >= -9) || kind == -15 || kind == -16 || kind <= -18)
+            << kind;
     }
+    EXPECT_EQ(made.GetFieldCount(), 19);
 }
 
 TEST(ZoClassFieldTests, NamesAMapsSubFieldsByItsClass) {
@@ -487,6 +534,13 @@ TEST(ZoClassFieldTests, RefusesAMapsSubFieldsThatAreNoPointersToOneOrOwned) {
     EXPECT_TRUE(refused([&] { map->AddFields(other(), nullptr); }));
     map->AddFields(ftPointer, ftChildValue);
     EXPECT_EQ(map->GetKeyField()->GetFieldType(), ftPointer);
+    owner.SetType(typeid(NoFields), ZoNewClassSlot());
+    owner.SetHooks(0);
+    for (TZoClassField* half : {map->GetKeyField(), map->GetValueField()}) {
+        EXPECT_FALSE(WritePlan(owner).steady) << "the accessors may change what is written";
+        half->SetPlain();
+    }
+    EXPECT_TRUE(WritePlan(owner).steady);
     // A field's kind is one of its C++ class.
     EXPECT_EQ(AssertionOf([] { TZoClassFieldPointer("f", ftChildPointerList, nullptr, nullptr); }).message,
               "[zoerror] field f cannot be of kind -7. See TZoClass::AddField");

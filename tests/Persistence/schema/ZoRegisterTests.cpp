@@ -1,5 +1,7 @@
 #include "support/EveryKind.h"
 
+#include "Persistence/instances/ItemAction.h"
+#include "Persistence/schema/WritePlan.h"
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 
 using namespace ZoPrimitives;
@@ -50,21 +52,28 @@ class Holder : public ZoObjectStreamable {
 };
 } // namespace elsewhere
 
-std::vector<std::string> ParentNames(TZoClass* of) {
-    std::vector<std::string> names;
-    for (const auto& parent : *of->GetParentClasses()) names.push_back(Text(parent->GetName()));
-    return names;
-}
-
 TEST(ZoRegisterTests, TakesOnlyParentsThatAreThere) {
     TZoMetaData schema;
-    TZoClass* early = Child::Register(&schema);
-    EXPECT_TRUE(ParentNames(early).empty());
+    TZoClass* child = Child::Register(&schema);
+    EXPECT_TRUE(ParentNames(*child).empty());
     Parent::Register(&schema);
-    EXPECT_TRUE(ParentNames(early).empty()) << "registered too late";
-    EXPECT_EQ(Child::Register(&schema), early) << "a second time changes nothing";
+    EXPECT_TRUE(ParentNames(*child).empty()) << "registered too late";
+    EXPECT_EQ(Child::Register(&schema), child) << "a second time changes nothing";
     Child::Unregister(&schema);
-    EXPECT_EQ(ParentNames(Child::Register(&schema)), std::vector<std::string>{"Parent"});
+    child = Child::Register(&schema);
+    EXPECT_EQ(ParentNames(*child), Names{"Parent"});
+    Target::Register(&schema);
+    app::Leaf::Register(&schema);
+    Parent::Unregister(&schema);
+    EXPECT_TRUE(ParentNames(*child).empty());
+    ZoString report;
+    EXPECT_FALSE(schema.Check(&report));
+    EXPECT_EQ(Text(report), "[zoerror] parent class of Child not registered");
+    Child written;
+    written.inherited = 1;
+    written.own = 2;
+    Opened opened(Save(schema, &written), schema);
+    EXPECT_TRUE(opened.Root<Child>().own == 2 && opened.Root<Child>().inherited == 0);
 }
 
 TEST(ZoRegisterTests, ResolvesFieldsWhenTheirClassComes) {
@@ -139,10 +148,11 @@ TEST(ZoRegisterTests, WhatABorrowerExcludesStaysInTheOwnersClasses) {
     Parent::Unregister(&borrower);
     Target::Unregister(&borrower);
     const auto untouched = [&] {
-        EXPECT_EQ(ParentNames(child), std::vector<std::string>{"Parent"});
+        EXPECT_EQ(ParentNames(*child), Names{"Parent"});
         EXPECT_EQ(child->FindField("targets")->GetFieldClass(), target);
         EXPECT_TRUE(owner.Check(nullptr));
         EXPECT_EQ(Target().GetOriginalClass(&owner), target);
+        EXPECT_EQ(Target().GetClass(), target);
     };
     untouched();
     ZoString report;
@@ -178,7 +188,13 @@ TEST(ZoRegisterTests, AnObjectKnowsItsClassInEachSchema) {
     const pointer<ZoStreamableBase> made(inFirst->CreateInstance(nullptr, first.get()));
     EXPECT_EQ(made->GetClass(), inFirst) << "the one that it was made for";
     EXPECT_EQ(Target(dynamic_cast<Target&>(*made)).GetClass(), inFirst) << "copies too";
+    WritePlans plans; // of classes with the same id too
+    const WritePlan &one = plans.Of(*inFirst), &two = plans.Of(*second->FindClass("Parent"));
+    EXPECT_TRUE(one.steps.size() == 1 && two.steps.size() == 2);
+    EXPECT_TRUE(&plans.Of(*inFirst) == &one && &plans.Of(*second->FindClass("Parent")) == &two);
+    const pointer<TZoClass> held(inSecond);
     second.reset();
+    EXPECT_EQ(held->GetMetaData(), nullptr);
     EXPECT_EQ(object.GetOriginalClass(first.get()), inFirst);
     EXPECT_EQ(object.GetClass(), inFirst) << "the one registered last of those that are left";
     Target::Unregister(first.get());
@@ -188,29 +204,21 @@ TEST(ZoRegisterTests, AnObjectKnowsItsClassInEachSchema) {
     Target::Unregister(first.get()); // nothing there
 }
 
-TEST(ZoRegisterTests, AnUnregisteredSubclassAnswersAsItsBase) {
-    TZoMetaData schema;
+TEST(ZoRegisterTests, TellsTypesOfOneNameOrOneBaseApart) {
+    TZoMetaData schema, own;
     Parent::Register(&schema);
     TZoClass* child = Child::Register(&schema);
-    const Forgotten forgotten;
-    EXPECT_EQ(forgotten.GetOriginalClass(&schema), child);
+    EXPECT_EQ(Forgotten().GetOriginalClass(&schema), child) << "as what was registered";
     EXPECT_EQ(Text(Child().StreamableClassName()), "class (anonymous namespace)::Child");
-    EXPECT_EQ(Text(forgotten.StreamableClassName()), "class (anonymous namespace)::Forgotten");
+    EXPECT_EQ(Text(Forgotten().StreamableClassName()), "class (anonymous namespace)::Forgotten");
     EXPECT_EQ(Text(ZoBoolean().StreamableClassName()), "class ZoBoolean");
-    EXPECT_EQ(Text(app::Leaf().StreamableClassName()), "class app::Leaf");
-}
-
-TEST(ZoRegisterTests, AClassOfTheSameNameInAnotherNamespaceIsAnotherClass) {
-    TZoMetaData schema;
     TZoClass* target = Target::Register(&schema);
     EXPECT_EQ(elsewhere::Target::Register(&schema), target) << "the name is taken";
     EXPECT_EQ(elsewhere::Target().GetOriginalClass(&schema), nullptr) << "whose accessors are not for it";
     EXPECT_EQ(Target().GetOriginalClass(&schema), target);
-    TZoMetaData own;
     TZoClass* other = elsewhere::Target::Register(&own);
-    TZoClass* holder = elsewhere::Holder::Register(&own);
     EXPECT_EQ(elsewhere::Target().GetOriginalClass(&own), other);
-    EXPECT_EQ(holder->FindField("qualified")->GetFieldClass(), other);
+    EXPECT_EQ(elsewhere::Holder::Register(&own)->FindField("qualified")->GetFieldClass(), other);
 }
 
 TEST(ZoRegisterTests, FindsCadastresAndAbstractClasses) {
@@ -223,25 +231,8 @@ TEST(ZoRegisterTests, FindsCadastresAndAbstractClasses) {
     TZoClass* abstract = Abstract::Register(&schema);
     EXPECT_TRUE(abstract->GetAbstract() && !schema.FindClass("Target")->GetAbstract());
     EXPECT_EQ(abstract->CreateInstance(nullptr, &schema), nullptr);
-}
-
-TEST(ZoRegisterTests, AParentThatIsRemovedLeavesFilesReadable) {
-    TZoMetaData schema;
-    Target::Register(&schema);
-    app::Leaf::Register(&schema);
-    Parent::Register(&schema);
-    TZoClass* child = Child::Register(&schema);
-    Parent::Unregister(&schema);
-    EXPECT_TRUE(ParentNames(child).empty());
-    ZoString report;
-    EXPECT_FALSE(schema.Check(&report));
-    EXPECT_EQ(Text(report), "[zoerror] parent class of Child not registered");
-    Child written;
-    written.inherited = 1;
-    written.own = 2;
-    Opened opened(Save(schema, &written), schema);
-    EXPECT_EQ(opened.Root<Child>().own, 2);
-    EXPECT_EQ(opened.Root<Child>().inherited, 0);
+    schema.Clear();
+    EXPECT_EQ(schema.FindCadastre("Target"), nullptr);
 }
 
 TEST(ZoRegisterTests, EachFieldTellsItsTypeNameAndKind) {
@@ -292,14 +283,15 @@ public:
     ByHand() = default;
 
     static TZoClass* Register(TZoMetaData* schema, TZoClassFieldType keyKind = ftPointer) {
+        static const unsigned slot = ZoNewClassSlot();
         auto* made = new TZoClass(schema, nullptr, "ByHand", Make, false, nullptr);
-        made->AddFieldInt("anInt", Set<&ByHand::anInt>, Get<&ByHand::anInt>);
-        made->AddFieldString("aString", Set<&ByHand::aString>, Get<&ByHand::aString>);
+        made->SetType(typeid(ByHand), slot);
         made->AddFieldListFloat("floats", List<float, &ByHand::floats>(First, nullptr));
         made->AddFieldListDouble("doubles", List<double, &ByHand::doubles>(nullptr, Second));
         made->AddFieldListString("strings", List<ZoString, &ByHand::strings>(First, Second));
         Await(schema, made->AddFieldChildPointer("child", nullptr, Put<0>, Take<0>));
-        Await(schema, made->AddFieldChildValue("value", nullptr, Copy<0>, Member<0>));
+        if (keyKind != ftChildValue) // which is the only member then
+            Await(schema, made->AddFieldChildValue("value", nullptr, Copy<0>, Member<0>));
         Await(schema, made->AddFieldPointer("reference", nullptr, Put<2>, Take<2>));
         Await(schema, made->AddFieldPointerEx("external", nullptr, Put<3>, Take<3>));
         Await(schema, made->AddFieldChildPointerList("children", nullptr, Pointers<0>(First, Second)));
@@ -315,15 +307,13 @@ public:
     TZoClass* GetOriginalClass(TZoMetaData* schema) const override { return schema->FindClass("ByHand"); }
     ZoString StreamableClassName() const override { return "class ByHand"; }
 
-    int anInt = 0;
-    ZoString aString;
     TDVector<float> floats;
     TDVector<double> doubles;
     TDVector<ZoString> strings;
     pointer<ZoStreamableBase> owned[6]; // 2, 3 and 5 belong to the tests
     app::Leaf members[2];               // a field, the key of the map
     TIVector<ZoStreamableBase, pointer<ZoStreamableBase>> lists[4];
-    std::vector<int> created; // what the list creators were told
+    std::vector<int> created; // what the list creators were told, -18 for a member that is set
 
 private:
     static ByHand& Self(ZoStreamableBase* object) { return dynamic_cast<ByHand&>(*object); }
@@ -331,16 +321,6 @@ private:
     static void Await(TZoMetaData* schema, TZoClassField* field) {
         field->SetFieldClassName("Leaf");
         schema->AddToResolveCrossRefs(field);
-    }
-    template <auto Member>
-    static void Set(ZoStreamableBase* object, TZoClassField*,
-                    TZoParameter<std::decay_t<decltype(std::declval<ByHand&>().*Member)>> value) {
-        Self(object).*Member = value;
-    }
-    template <auto Member>
-    static TZoParameter<std::decay_t<decltype(std::declval<ByHand&>().*Member)>> Get(ZoStreamableBase* object,
-                                                                                     TZoClassField*) {
-        return Self(object).*Member;
     }
     template <class T, TDVector<T> ByHand::*Member>
     static TZoListAccessors<T> List(TZoListInteger first, TZoListInteger second) {
@@ -366,6 +346,7 @@ private:
     template <int I>
     static void Copy(ZoStreamableBase* object, TZoClassField*, ZoStreamableBase* value) {
         Self(object).members[I] = dynamic_cast<app::Leaf&>(*value);
+        Self(object).created.push_back(-18);
     }
     template <int I>
     static ZoStreamableBase* Member(ZoStreamableBase* object, TZoClassField*) {
@@ -406,18 +387,19 @@ private:
     }
 };
 
+bool IsThat(const void* that, const ZoStreamableBase* item) { return item == that; }
+
 TEST(ZoRegisterTests, HandWrittenAccessorsServeTheListsIntegers) {
     TZoMetaData schema;
-    ByHand::Register(&schema);
-    TZoClass* leaf = app::Leaf::Register(&schema);
+    TZoClass* first = ByHand::Register(&schema);
+    EXPECT_EQ(ByHand::Register(&schema), first);
+    TZoClass* leaf = app::Leaf::Register(&schema); // resolves what waits: of the first only
     for (const char* field :
          {"child", "value", "reference", "external", "children", "references", "externals", "map"}) {
-        EXPECT_EQ(schema.FindClass("ByHand")->FindField(field)->GetFieldClass(), leaf) << field;
+        EXPECT_EQ(first->FindField(field)->GetFieldClass(), leaf) << field;
     }
 
     ByHand written;
-    written.anInt = -1;
-    written.aString = "six";
     written.floats.Add(9);
     written.doubles.Add(10);
     written.strings.Add("eleven");
@@ -436,21 +418,47 @@ TEST(ZoRegisterTests, HandWrittenAccessorsServeTheListsIntegers) {
     const std::string file = Save(schema, &written);
     Payload expected;
     expected.Int(3).Int(2); // the map: a key, an object
-    expected.Int(-1).Text("six").Ints({1, 101}).Float(9).Ints({1, 202}).Double(10);
+    expected.Ints({1, 101}).Float(9).Ints({1, 202}).Double(10);
     expected.Ints({1, 101, 202}).Text("eleven");
     expected.Ints({3, 4}).Ints({2, 101, 202, 5, 0});              // child, value, children
     expected.Ints({3, 6}).Ints({1, 202, 2}).Ints({2, 101, 6, 7}); // references and external ones
-    EXPECT_EQ(RowsOf(file)[1], (Row{1, schema.FindClass("ByHand")->GetClassId(), expected}));
+    EXPECT_EQ(RowsOf(file)[1], (Row{1, first->GetClassId(), expected}));
 
+    pointer<ZoStreamableBase> removed; // ends behind the file
     Opened opened(file, schema);
     auto& read = opened.Root<ByHand>();
     EXPECT_EQ(read.created,
-              (std::vector<int>{1, 101, 0, 1, 0, 202, 1, 101, 202, 2, 101, 202, 1, 0, 202, 2, 101, 0}));
+              (std::vector<int>{1, 101, 0, 1, 0, 202, 1, 101, 202, 2, 101, 202, 1, 0, 202, 2, 101, 0, -18}));
     EXPECT_EQ(read.owned[5], read.owned[0]);
     EXPECT_EQ(read.members[0].number, 14);
     EXPECT_EQ(read.lists[0].NItems(), 2U);
     EXPECT_EQ(read.lists[1][1], read.owned[4]);
     EXPECT_EQ(Save(schema, &read), file);
+    std::vector<const ZoStreamableBase*> owned;
+    ItemAction note([&](ZoStreamableBase* item) { owned.push_back(item); });
+    first->FindField("map")->GetFieldMetaData(&read, note);
+    EXPECT_EQ(owned, std::vector<const ZoStreamableBase*>{read.owned[4].get()}) << "not the key";
+    read.created.clear();
+    removed = read.owned[4];
+    first->DeleteReferences(&read, IsThat, removed.get());
+    EXPECT_TRUE(read.owned[4].get() == nullptr && read.lists[1].NItems() == 0);
+    EXPECT_EQ(read.created, (std::vector<int>{0, 0, 202}));
+}
+
+TEST(ZoRegisterTests, WhatIsRemovedTakesItsPairAlong) {
+    TZoMetaData schema;
+    Target::Register(&schema);
+    app::Leaf::Register(&schema);
+    TZoClass* child = Child::Register(&schema);
+    Child object;
+    for (const int i : {1, 2, 3}) object.map.Append(new app::Leaf(i), new Target);
+    const pointer<Target> removed = object.map.ValueAt(2);
+    const app::Leaf* key = object.map.KeyAt(2).get();
+    child->DeleteReferences(&object, IsThat, removed.get());
+    ASSERT_EQ(object.map.NItems(), 2U);
+    EXPECT_TRUE(object.map.KeyAt(1)->number == 1 && object.map.KeyAt(2)->number == 3);
+    EXPECT_EQ(ZoReferenceCount::Count(key), 0U) << "nobody's now, and still there";
+    delete key;
 }
 
 TEST(ZoRegisterTests, HandWrittenAccessorsKeepAMapsKeyByAnyPointer) {
@@ -494,14 +502,6 @@ TEST(ZoRegisterTests, HandWrittenAccessorsKeepAMapsKeyByAnyPointer) {
     EXPECT_NE(FailureOf([&] { Save(schema, &dangling); }).find("child reference 'map' ("), std::string::npos);
 }
 
-TEST(ZoRegisterTests, HandWrittenAccessorsMayBeRegisteredTwice) {
-    TZoMetaData schema;
-    TZoClass* first = ByHand::Register(&schema);
-    EXPECT_EQ(ByHand::Register(&schema), first);
-    app::Leaf::Register(&schema); // resolves what waits: of the first only
-    EXPECT_NE(first->FindField("child")->GetFieldClass(), nullptr);
-}
-
 TEST(ZoRegisterTests, HandWrittenAccessorsGetOnlyWhatTheirDeclaredClassCovers) {
     const struct {
         const char* declared;
@@ -518,12 +518,37 @@ TEST(ZoRegisterTests, HandWrittenAccessorsGetOnlyWhatTheirDeclaredClassCovers) {
         Target::Register(&schema);
         TZoClass owner(&schema, nullptr, "Owner", nullptr, false, nullptr);
         auto* field = owner.AddFieldPointer("f", schema.FindClass(tested.declared), nullptr, nullptr);
-        field->SetFieldClassName(tested.declared);
+        if (field->GetFieldClass() == nullptr) field->SetFieldClassName(tested.declared);
+        EXPECT_EQ(Text(field->GetFieldClassName()), tested.declared);
         const app::Leaf leaf;
         const Target target;
         EXPECT_EQ(field->Accepts(&leaf), tested.takesLeaf);
         EXPECT_EQ(field->Accepts(&target), tested.takesTarget);
     }
+}
+
+/// Has but a reference, and hears when it is set.
+class Hearing : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Hearing)
+    DECLARE_ZO_FIELD_REFERENCE(app::Leaf, target)
+    REGISTER_ZO_END
+    bool OnRead(TBinInStream*, bool) override { return true; }
+    void CheckForExcludedFields(TBinInStream*) override {}
+    void OnReadPointer(TZoClassField*, ZoStreamableBase* object, unsigned uid) override {
+        heard = object == target.get() && uid == 1;
+    }
+    bool heard = false;
+};
+
+TEST(ZoRegisterTests, AnObjectHearsOfAReferenceToAnEarlierRecord) {
+    TZoMetaData schema;
+    app::Leaf::Register(&schema);
+    Hearing::Register(&schema);
+    Opened opened(FileOf({{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}},
+                          {.id = 2, .name = "Hearing", .references = {{1, -8, "target"}}}},
+                         {{1, 1, Payload().Int(7)}, {2, 2, Payload().Int(1)}}),
+                  schema);
+    EXPECT_TRUE(opened.At<Hearing>(2).heard);
 }
 
 // Registration put off
@@ -535,7 +560,7 @@ class GrandChild : public Child {
 };
 
 /// What the registers below registered, in order.
-std::vector<std::string> calls;
+Names calls;
 
 template <class T>
 TZoClass* Registered(TZoMetaData* schema) {
@@ -557,8 +582,8 @@ TEST(ZoStreamableRegisterTests, RegistersWhatBecomesReady) {
     ZoString report;
     EXPECT_FALSE(schema.Check(&report));
     schema.ClassesRegister();
-    EXPECT_EQ(calls, (std::vector<std::string>{"Parent", "Child", "GrandChild"}));
-    EXPECT_EQ(ParentNames(schema.FindClass("GrandChild")), std::vector<std::string>{"Child"});
+    EXPECT_EQ(calls, (Names{"Parent", "Child", "GrandChild"}));
+    EXPECT_EQ(ParentNames(*schema.FindClass("GrandChild")), Names{"Child"});
     Target::Register(&schema);
     app::Leaf::Register(&schema);
     report = "";
@@ -570,7 +595,7 @@ TEST(ZoStreamableRegisterTests, RegistersWhatBecomesReady) {
     EXPECT_TRUE(calls.empty()) << "what is registered is not asked again";
     GrandChild::Unregister(&schema);
     schema.ClassesRegister();
-    EXPECT_EQ(calls, std::vector<std::string>{"GrandChild"}) << "what was excluded comes back";
+    EXPECT_EQ(calls, Names{"GrandChild"}) << "what was excluded comes back";
 }
 
 TEST(ZoStreamableRegisterTests, KeepsTheFirstRegisterOfAClass) {
@@ -606,7 +631,7 @@ TEST(ZoStreamableRegisterTests, EndsWhateverTheRegistersDo) {
         nullptr));
     schema.Register(new ZoStreamableRegister("Nothing", nullptr, nullptr));
     schema.ClassesRegister();
-    EXPECT_EQ(calls, (std::vector<std::string>{"Parent", "Target", "Leaf"}));
+    EXPECT_EQ(calls, (Names{"Parent", "Target", "Leaf"}));
     ZoString report;
     EXPECT_FALSE(schema.Check(&report));
     EXPECT_EQ(report, "[zoerror] class Wrong not registered. See ZoStreamableRegister::ReadyToRegister\n"

@@ -172,6 +172,10 @@ inline bool NotFound(unsigned long error) { return error == ErrorFileNotFound ||
 unsigned long LastError();
 void SetLastError(unsigned long error);
 
+/// The system's own words for an error, in the user's language where the system has it; Windows-1252, without
+/// a line's end. Empty if it has none.
+std::string DescribeError(unsigned long error);
+
 /// ANSI case mapping in place, by the table of Windows-1252.
 void UppercaseAnsi(char* text, std::size_t size);
 void LowercaseAnsi(char* text, std::size_t size);

@@ -5,19 +5,28 @@
 
 namespace ZoPrimitives {
 
-XStream::XStream(const ZoString& what, const ZoString& where) : message(what), location(where) {}
+XStream::XStream(const ZoString& what, const ZoString& where, TStreamCause why)
+    : message(what), location(where), cause(why) {}
 XStream::XStream(const XStream&) = default;
 XStream& XStream::operator=(const XStream&) = default;
 XStream::~XStream() = default;
 
-XReadStream::XReadStream(const ZoString& what, const ZoString& where) : XStream(what, where) {}
+XStream& XStream::SetPath(const ZoString& file) {
+    if (path.length() == 0) path = file;
+    return *this;
+}
+
+XReadStream::XReadStream(const ZoString& what, const ZoString& where, TStreamCause why)
+    : XStream(what, where, why) {}
 XReadStream::~XReadStream() = default;
 
-XWriteStream::XWriteStream(const ZoString& what, const ZoString& where) : XStream(what, where) {}
+XWriteStream::XWriteStream(const ZoString& what, const ZoString& where, TStreamCause why)
+    : XStream(what, where, why) {}
 XWriteStream::~XWriteStream() = default;
 
-XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& where)
-    : XWriteStream(TTranslatedString("Espaço em disco insuficiente."_ansi).Text(), where) {}
+XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& where, unsigned systemCode)
+    : XWriteStream(TTranslatedString("Espaço em disco insuficiente."_ansi).Text(), where,
+                   {TStreamFailure::DiskFull, systemCode}) {}
 XWriteStreamOutOfSpace::~XWriteStreamOutOfSpace() = default;
 
 XNotReplaced::XNotReplaced(const XWriteStream& reason, const ZoString& path)
@@ -26,22 +35,25 @@ XNotReplaced::XNotReplaced(const XNotReplaced&) = default;
 XNotReplaced& XNotReplaced::operator=(const XNotReplaced&) = default;
 XNotReplaced::~XNotReplaced() = default;
 
-XEndOfStream::XEndOfStream() : XStream("End-of-file", "") {}
+XEndOfStream::XEndOfStream() : XStream("End-of-file", "", TStreamFailure::Truncated) {}
 XEndOfStream::~XEndOfStream() = default;
 
-XInvalidObject::XInvalidObject() : XReadStream("Invalid object : data still incomplete after read.", "") {}
+XInvalidObject::XInvalidObject()
+    : XReadStream("Invalid object : data still incomplete after read.", "", TStreamFailure::Damaged) {}
 XInvalidObject::~XInvalidObject() = default;
 
-XNewerVersion::XNewerVersion() : XReadStream("", "") {}
+XNewerVersion::XNewerVersion(unsigned file, unsigned supported)
+    : XReadStream("", "", TStreamFailure::TooNew), fileVersion(file), supportedVersion(supported) {}
 XNewerVersion::~XNewerVersion() = default;
 
-XUnversionableVersion::XUnversionableVersion() : XReadStream("", "") {}
+XUnversionableVersion::XUnversionableVersion() : XReadStream("", "", TStreamFailure::TooOld) {}
 XUnversionableVersion::~XUnversionableVersion() = default;
 
-XInvalidRoot::XInvalidRoot(const ZoString& what, const ZoString& where) : XReadStream(what, where) {}
+XInvalidRoot::XInvalidRoot(const ZoString& what, const ZoString& where)
+    : XReadStream(what, where, TStreamFailure::WrongFile) {}
 XInvalidRoot::~XInvalidRoot() = default;
 
-XInvalidFileType::XInvalidFileType() : XReadStream("", "") {}
+XInvalidFileType::XInvalidFileType() : XReadStream("", "", TStreamFailure::WrongFile) {}
 XInvalidFileType::~XInvalidFileType() = default;
 
 XInvalidLanguage::XInvalidLanguage() : XReadStream("", "") {}

@@ -2,6 +2,7 @@
 
 #include "Platform/Platform.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -21,6 +22,13 @@ char expectationMessage[MESSAGE_SIZE];
 const struct DeleteAtUnload {
     ~DeleteAtUnload() { SetAssertionFunctor(nullptr); }
 } deleteAtUnload;
+
+template <std::size_t SIZE>
+void CopyText(char (&to)[SIZE], const char* from) noexcept {
+    const std::size_t size = from == nullptr ? 0 : std::min(std::strlen(from), SIZE - 1);
+    if (size != 0) std::memcpy(to, from, size);
+    to[size] = '\0';
+}
 
 /// Composes the text into `buffer`, truncated to its size, and shows it if boxes are enabled; returns whether
 /// it did.
@@ -64,17 +72,28 @@ XZoAssert& XZoAssert::operator=(const XZoAssert&) noexcept = default;
 XZoAssert& XZoAssert::operator=(XZoAssert&&) noexcept = default;
 XZoAssert::~XZoAssert() = default;
 
+XZoAssertFailed::XZoAssertFailed(const char* text, const char* itsExpression, const char* itsHint,
+                                 const char* itsFile, int itsLine) noexcept
+    : XZoAssert(text), line(itsLine) {
+    CopyText(expression, itsExpression);
+    CopyText(hint, itsHint);
+    CopyText(file, itsFile);
+}
+XZoAssertFailed::XZoAssertFailed(const XZoAssertFailed&) noexcept = default;
+XZoAssertFailed& XZoAssertFailed::operator=(const XZoAssertFailed&) noexcept = default;
+XZoAssertFailed::~XZoAssertFailed() = default;
+
 bool XZoAssert::ShowMessageBox() noexcept { return showMessageBox; }
 void XZoAssert::ShowMessageBox(bool show) noexcept { showMessageBox = show; }
 
 void AssertWithFunctor(const char* expression, const char* message, const char* file, int line) {
     if (installed != nullptr) (*installed)(expression, message, file, line);
-    throw XZoAssert("AssertWithFunctor");
+    throw XZoAssertFailed("AssertWithFunctor", expression, message, file, line);
 }
 
 void HandleAsserting(const char* expression, const char* message, const char* file, int line) {
     const bool shown = ComposeAndShow(assertionMessage, expression, message, file, line);
-    throw XZoAssert(shown ? "CrashRpt" : assertionMessage);
+    throw XZoAssertFailed(shown ? "CrashRpt" : assertionMessage, expression, message, file, line);
 }
 
 void Expect(const char* expression, const char* message, const char* file, int line) {

@@ -31,6 +31,24 @@ struct ZoAssertTest : testing::Test {
 
 void FailIndex() { ZO_ASSERT_AT(1 > 2, "pos < length()", "public/include/ZoPrimitives/ZoString", 514); }
 
+TEST_F(ZoAssertTest, WhatFailedCanBeAskedWithAndWithoutAFunctor) {
+    const std::string tooLong(3000, 'x');
+    const auto fail = [&] { AssertWithFunctor("a < b", tooLong.c_str(), nullptr, 12); };
+    XZoAssert::ShowMessageBox(false);
+    for (const bool installs : {false, true}) {
+        SetAssertionFunctor(installs ? new ZoAssertFunctor : nullptr);
+        try {
+            fail();
+        } catch (const XZoAssertFailed& failed) {
+            const XZoAssertFailed copy = failed;
+            EXPECT_STREQ(copy.Expression(), "a < b");
+            EXPECT_EQ(copy.Hint(), tooLong.substr(0, 1023));
+            EXPECT_STREQ(copy.File(), "");
+            EXPECT_EQ(copy.Line(), 12);
+        }
+    }
+}
+
 TEST_F(ZoAssertTest, TheFunctorIsCalledOwnedAndReplaced) {
     static int called = 0;
     static int alive = 0;

@@ -5,6 +5,7 @@
 #include "Persistence/objects/MemberObjects.h"
 #include "Persistence/objects/ObjectReader.h"
 #include "Persistence/objects/ObjectRemoval.h"
+#include "Persistence/records/NamingFile.h"
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
@@ -24,7 +25,7 @@ namespace ZoPrimitives {
 namespace {
 
 [[noreturn]] void Throw(const char* literal, const char* location) {
-    throw XStream(TTranslatedString(literal).Text(), location);
+    throw XStream(TTranslatedString(literal).Text(), location, TStreamFailure::Damaged);
 }
 
 } // namespace
@@ -93,8 +94,10 @@ ZoStreamableBase* TBinInStreamer::CreateInstance(TZoClass* fileClass, TZoMetaDat
 void* TBinInStreamer::GetFile() const { return stream->GetFile(); }
 
 ZoStreamableBase* TBinInStreamer::ReadObjects() {
-    LoadSchema("TBinInStreamer::ReadObjects #1", "TBinInStreamer::ReadObjects #2");
-    ReadRecords(nullptr);
+    NamingFile(*stream, [this] {
+        LoadSchema("TBinInStreamer::ReadObjects #1", "TBinInStreamer::ReadObjects #2");
+        ReadRecords(nullptr);
+    });
     return stream->FirstObject();
 }
 

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/FilteredBinInStreamer.h"
 
+#include "Persistence/records/NamingFile.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/TTranslatedString.h"
@@ -23,6 +24,11 @@ TFilteredBinInStreamer::~TFilteredBinInStreamer() = default;
 
 bool TFilteredBinInStreamer::Read() {
     objects.RemoveAll();
+    NamingFile(*reader.stream, [this] { ReadNamed(); });
+    return objects.NItems() != 0;
+}
+
+void TFilteredBinInStreamer::ReadNamed() {
     reader.LoadSchema("TFilteredBinInStreamer::Read #1", "TFilteredBinInStreamer::Read #2");
     std::vector<int> ids;
     for (const ZoString& name : names) {
@@ -47,7 +53,6 @@ bool TFilteredBinInStreamer::Read() {
         throw;
     }
     TakeObjects();
-    return objects.NItems() != 0;
 }
 
 /// All of them or none.

@@ -4,6 +4,7 @@
 #include "Persistence/instances/InstanceTables.h"
 #include "Persistence/instances/ItemAction.h"
 #include "Persistence/objects/GraphWalk.h"
+#include "Persistence/records/NamingFile.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStreamer.h"
@@ -54,9 +55,11 @@ public:
 
     TDVector<ZoStreamableBase*> Run(TZoOpenedObjects& opened) {
         try {
-            streamer.ReadObjects();
-            if (!how.salvages) CheckWhole();
-            FindRoots();
+            NamingFile(stream, [this] {
+                streamer.ReadObjects();
+                if (!how.salvages) CheckWhole();
+                FindRoots();
+            });
             opened.version = stream.GetVersion();
             opened.release = stream.GetRelease();
             opened.skipped = stream.GetSkipped();
@@ -78,7 +81,7 @@ private:
         }
         if (stream.GetSkipped() != 0 || stream.GetTrailing() != 0 ||
             (allEmitted && stream.GetLoaded() < stream.GetNInstances()))
-            throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), OPEN);
+            throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), OPEN, TStreamFailure::Damaged);
     }
 
     void FindRoots() {

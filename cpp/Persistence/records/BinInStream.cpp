@@ -2,6 +2,7 @@
 
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "Persistence/records/ErrorText.h"
+#include "Persistence/records/NamingFile.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Persistence/records/RecordHunt.h"
 #include "ZoPrimitives/AnsiLiteral.h"
@@ -85,7 +86,8 @@ const unsigned char* TBinInStream::TakeBlock(unsigned& size, const char* locatio
     } else {
         position = std::min<unsigned>(position + sizeof size, DEFAULT_BUFFER_SIZE);
     }
-    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location);
+    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location,
+                      TStreamFailure::Damaged);
 }
 
 void TBinInStream::Get(ZoBlob& value) {
@@ -165,7 +167,7 @@ TBinInStream& TBinInStream::operator>>(bool& value) {
 void TBinInStream::TakePastEnd(void* value, unsigned size) {
     if (size > DEFAULT_BUFFER_SIZE - std::min(position, DEFAULT_BUFFER_SIZE)) {
         throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(),
-                          "TBinInStream::operator>>");
+                          "TBinInStream::operator>>", TStreamFailure::Damaged);
     }
     std::memset(value, 0, size);
     const unsigned inside = GetRemaining();
@@ -211,7 +213,10 @@ bool TBinInStream::PassOver(unsigned size) {
 }
 
 void TBinInStream::ThrowReadError(const char* location) const {
-    throw XReadStream(ErrorText(readError), location);
+    XReadStream failure(ErrorText(readError), location,
+                        readError == 0 ? TStreamCause(TStreamFailure::Truncated) : CauseOf(systemError));
+    failure.SetPath(GetPath());
+    throw failure;
 }
 
 void TBinInStream::ReadOrThrow(void* data, unsigned size, const char* location) {
@@ -227,6 +232,10 @@ void TBinInStream::ApplySecurityKey(unsigned key, unsigned char* data, unsigned 
 // Header
 
 void TBinInStream::ReadHeader(const char* location) {
+    NamingFile(*this, [&] { ReadUnnamedHeader(location); });
+}
+
+void TBinInStream::ReadUnnamedHeader(const char* location) {
     if (TakesFromWindow() && WindowSize() - WindowPosition() >= RecordFormat::HEADER_SIZE) {
         record = windowCursor;
         recordSize = RecordFormat::HEADER_SIZE;
@@ -240,7 +249,7 @@ void TBinInStream::ReadHeader(const char* location) {
     if (!LoadHeader()) {
         if (readError != 0) ThrowReadError(location);
         throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
-                          "TBinInStream::LoadHeader");
+                          "TBinInStream::LoadHeader", TStreamFailure::WrongFile);
     }
     UseBuffer(0);
 }
@@ -254,7 +263,7 @@ bool TBinInStream::LoadHeader() {
     }
     // Nothing reads the extra block: if it is cut short, the search for the first record finds the end.
     if (header.extraLength != 0 && !ReadAll(Buffer(), header.extraLength) && readError != 0) return false;
-    if (supportedVersion < header.version) throw XNewerVersion();
+    if (supportedVersion < header.version) throw XNewerVersion(header.version, supportedVersion);
     return true;
 }
 
@@ -358,7 +367,7 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
             window = (static_cast<std::uint32_t>(byte) << 8) | ((window >> 8) & 0x00FF00FFu) | (window << 24);
         }
     }
-    throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), points.key);
+    throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), points.key, TStreamFailure::Damaged);
 }
 
 } // namespace ZoPrimitives

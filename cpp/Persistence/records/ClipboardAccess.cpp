@@ -52,14 +52,16 @@ unsigned IdZoClipboardFormat() {
 }
 
 OpenedClipboard::OpenedClipboard(const char* operation) : location(operation) {
-    if (!System().OpenClipboard()) throw XReadStream(Reason(Platform::LastError()), location);
+    if (System().OpenClipboard()) return;
+    const unsigned long error = Platform::LastError();
+    throw XReadStream(Reason(error), location, CauseOf(error));
 }
 
 OpenedClipboard::~OpenedClipboard() { System().CloseClipboard(); }
 
 const unsigned char* OpenedClipboard::Data(std::size_t& size) const {
     const void* data = System().ClipboardData(IdZoClipboardFormat(), size);
-    if (data == nullptr) throw XReadStream("Invalid data handle", location);
+    if (data == nullptr) throw XReadStream("Invalid data handle", location, TStreamFailure::WrongFile);
     return static_cast<const unsigned char*>(data);
 }
 
@@ -73,9 +75,9 @@ void PutOnClipboard(const void* data, std::size_t size, const char* location) {
         error = Platform::LastError();
     }
     if (put) return;
-    if (error == Platform::ErrorDiskFull || error == Platform::ErrorHandleDiskFull)
-        throw XWriteStreamOutOfSpace(location);
-    throw XWriteStream(Reason(error), location);
+    const TStreamCause cause = CauseOf(error);
+    if (cause.kind == TStreamFailure::DiskFull) throw XWriteStreamOutOfSpace(location, cause.systemCode);
+    throw XWriteStream(Reason(error), location, cause);
 }
 
 } // namespace ZoPrimitives

@@ -1,5 +1,7 @@
 #include "Persistence/records/ErrorText.h"
 
+#include "Platform/Platform.h"
+
 #include <iterator>
 
 namespace ZoPrimitives {
@@ -51,6 +53,25 @@ const char* ErrorText(unsigned long error) {
         "Illegal byte sequence",
     };
     return error < std::size(texts) ? texts[error] : "Unknown error";
+}
+
+TStreamCause CauseOf(unsigned long error) {
+    const auto code = static_cast<unsigned>(error);
+    if (Platform::NotFound(error)) return {TStreamFailure::NotFound, code};
+    switch (error) {
+    case Platform::ErrorAccessDenied:
+    case Platform::ErrorWriteProtect:
+    case Platform::ErrorInvalidOwner:
+        return {TStreamFailure::Denied, code};
+    case Platform::ErrorSharingViolation:
+    case Platform::ErrorLockViolation:
+        return {TStreamFailure::InUse, code};
+    case Platform::ErrorDiskFull:
+    case Platform::ErrorHandleDiskFull:
+        return {TStreamFailure::DiskFull, code};
+    default:
+        return {TStreamFailure::Device, code};
+    }
 }
 
 } // namespace ZoPrimitives

@@ -32,24 +32,34 @@ bool BeingReplaced(const char* name) {
 bool FileIsThere(const ZoString& name, const char* location) {
     if (Platform::Current().FileExists(name.c_str(), nullptr)) return true;
     const unsigned long error = Platform::LastError();
-    if (!Platform::NotFound(error)) ThrowUnwritten(error, location);
+    if (!Platform::NotFound(error)) ThrowUnwritten(error, location, name);
     return false;
 }
 
 void RefuseReadOnly(const char* name, const char* location) {
     bool readOnly = false;
     if (Platform::Current().FileExists(name, &readOnly) && readOnly)
-        ThrowUnwritten(Platform::ErrorAccessDenied, location);
+        ThrowUnwritten(Platform::ErrorAccessDenied, location, name);
 }
 
 void ThrowUnreadable(const char* name, const char* location) {
-    throw XReadStream(TTranslatedString("Não foi possível ler o arquivo "_ansi).Text() + name, location);
+    const TStreamCause cause = CauseOf(Platform::LastError());
+    XReadStream failure(TTranslatedString("Não foi possível ler o arquivo "_ansi).Text() + name, location,
+                        cause);
+    failure.SetPath(name);
+    throw failure;
 }
 
-void ThrowUnwritten(unsigned long error, const ZoString& location) {
-    if (error == Platform::ErrorDiskFull || error == Platform::ErrorHandleDiskFull)
-        throw XWriteStreamOutOfSpace(location);
-    throw XWriteStream(ErrorText(error), location);
+void ThrowUnwritten(unsigned long error, const ZoString& location, const ZoString& path) {
+    const TStreamCause cause = CauseOf(error);
+    if (cause.kind == TStreamFailure::DiskFull) {
+        XWriteStreamOutOfSpace failure(location, cause.systemCode);
+        failure.SetPath(path);
+        throw failure;
+    }
+    XWriteStream failure(ErrorText(error), location, cause);
+    failure.SetPath(path);
+    throw failure;
 }
 
 } // namespace ZoPrimitives

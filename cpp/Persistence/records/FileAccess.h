@@ -44,9 +44,10 @@ bool FileIsThere(const ZoString& name, const char* location);
 /// Throws as `ThrowUnwritten` when there is such a file and it forbids writing.
 void RefuseReadOnly(const char* name, const char* location);
 
+/// Throws with the system's latest error.
 [[noreturn]] void ThrowUnreadable(const char* name, const char* location);
 
-/// Throws `XWriteStreamOutOfSpace` for a full device and `XWriteStream` otherwise.
-[[noreturn]] void ThrowUnwritten(unsigned long error, const ZoString& location);
+/// Throws `XWriteStreamOutOfSpace` for a full device and `XWriteStream` otherwise. `path` names the file.
+[[noreturn]] void ThrowUnwritten(unsigned long error, const ZoString& location, const ZoString& path);
 
 } // namespace ZoPrimitives

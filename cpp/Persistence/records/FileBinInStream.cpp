@@ -25,7 +25,9 @@ Platform::Services& System() { return Platform::Current(); }
 TFileBinInStream::TFileBinInStream(const char* name, bool ownsSource)
     : TFileBinInStream(name, ANY_VERSION, ownsSource) {}
 TFileBinInStream::TFileBinInStream(const char* name, unsigned supportedVersion, bool ownsSource)
-    : TBinInStream(supportedVersion, ownsSource), fileName(FileName(name)), named(true) {}
+    : TBinInStream(supportedVersion, ownsSource), named(true) {
+    SetPath(FileName(name));
+}
 TFileBinInStream::TFileBinInStream(const char* name, int supportedVersion, bool ownsSource)
     : TFileBinInStream(name, static_cast<unsigned>(supportedVersion), ownsSource) {}
 TFileBinInStream::TFileBinInStream(const char* name, TFileReading how, unsigned supportedVersion)
@@ -56,7 +58,7 @@ void TFileBinInStream::InitializeKeepingLocked() {
 }
 
 void TFileBinInStream::OpenFile() {
-    if (named) OpenFile(fileName.c_str());
+    if (named) OpenFile(GetPath().c_str());
     Load();
 }
 
@@ -68,7 +70,7 @@ void TFileBinInStream::OpenFile(const char* name) {
 
 void TFileBinInStream::Load() {
     if (named && reading == TFileReading::Viewing)
-        LoadSteadily(fileName.c_str(), [this] { LoadOnce(); });
+        LoadSteadily(GetPath().c_str(), [this] { LoadOnce(); });
     else
         LoadOnce();
 }
@@ -109,7 +111,7 @@ bool TFileBinInStream::Read(void* data, unsigned size, unsigned& done) {
     if (HasWindow()) return ReadWindow(data, size, done);
     std::size_t count = 0;
     const bool read = System().ReadFile(file, data, size, count);
-    SetReadError(read ? 0 : DEVICE_ERROR);
+    SetReadError(read ? 0 : DEVICE_ERROR, static_cast<unsigned>(Platform::LastError()));
     done = static_cast<unsigned>(count);
     return done != 0 || (read && size == 0);
 }
@@ -136,7 +138,7 @@ unsigned long long TFileBinInStream::SeekFar(long long offset, int origin) {
                                             Platform::Origin::End};
         valid = System().SeekFile(file, offset, origins[origin], position);
     }
-    if (!valid) throw XReadStream(ErrorText(INVALID_SEEK), "TFileBinInStream::Seek");
+    if (!valid) throw XReadStream(ErrorText(INVALID_SEEK), "TFileBinInStream::Seek", TStreamFailure::Device);
     return position;
 }
 

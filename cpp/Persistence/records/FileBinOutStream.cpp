@@ -68,7 +68,7 @@ void TFileBinOutStream::Initialize() {
 
 void TFileBinOutStream::MakeTemporary() {
     const std::string name = System().TemporaryFileName(GetFileName().c_str());
-    if (name.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize");
+    if (name.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize", GetFileName());
     try {
         AssignWhole(temporary, name.data(), static_cast<unsigned>(name.size()));
     } catch (...) {
@@ -91,11 +91,11 @@ void TFileBinOutStream::OpenFile(const char* path) {
         System().DeleteWholeFile(path);
         writtenPath = &names->Target();
     }
-    ThrowUnwritten(error, "TFileBinOutStream::Initialize");
+    ThrowUnwritten(error, "TFileBinOutStream::Initialize", GetFileName());
 }
 
 void TFileBinOutStream::CheckWriting() const {
-    if (state != State::Writing) ThrowUnwritten(Platform::ErrorInvalidHandle, WRITE);
+    if (state != State::Writing) ThrowUnwritten(Platform::ErrorInvalidHandle, WRITE, GetFileName());
 }
 
 // Writing
@@ -130,7 +130,7 @@ void TFileBinOutStream::WriteBytes(const unsigned char* data, unsigned size) {
     if (System().WriteFile(file, data, size)) return NoteEnd();
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, WRITE);
+    ThrowUnwritten(error, WRITE, GetFileName());
 }
 
 /// Notes how far the file was written: the stream, or the caller by the handle, may go back before it ends.
@@ -146,7 +146,7 @@ void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) 
     if (System().SeekFile(file, static_cast<long long>(offset), Platform::Origin::Begin, reached)) return;
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, location);
+    ThrowUnwritten(error, location, GetFileName());
 }
 
 unsigned long long TFileBinOutStream::GetPosition() {
@@ -156,7 +156,7 @@ unsigned long long TFileBinOutStream::GetPosition() {
     if (System().SeekFile(file, 0, Platform::Origin::Current, position)) return position;
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, "TFileBinOutStream::GetPosition");
+    ThrowUnwritten(error, "TFileBinOutStream::GetPosition", GetFileName());
 }
 
 void TFileBinOutStream::Reset() {
@@ -234,15 +234,15 @@ void TFileBinOutStream::EndFile() {
     if (known && (size <= writtenEnd || System().TruncateFile(file, writtenEnd))) return;
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, FINALIZE);
+    ThrowUnwritten(error, FINALIZE, GetFileName());
 }
 
 void TFileBinOutStream::CloseWritten() {
     const bool synchronised = !throughTemporary || System().SynchroniseFile(file);
     const unsigned long error = Platform::LastError();
     const bool closed = System().CloseFile(std::exchange(file, nullptr));
-    if (!synchronised) ThrowUnwritten(error, FINALIZE);
-    if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE);
+    if (!synchronised) ThrowUnwritten(error, FINALIZE, GetFileName());
+    if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE, GetFileName());
     complete = true;
 }
 

@@ -16,7 +16,8 @@ constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
 Platform::Services& System() { return Platform::Current(); }
 
 void Copy(const ZoString& from, const ZoString& to) {
-    if (!System().CopyWholeFile(from.c_str(), to.c_str())) ThrowUnwritten(Platform::LastError(), FINALIZE);
+    if (!System().CopyWholeFile(from.c_str(), to.c_str()))
+        ThrowUnwritten(Platform::LastError(), FINALIZE, to);
 }
 
 /// Reads a file block by block, also while others have it open.
@@ -24,10 +25,12 @@ class Blocks {
 public:
     static constexpr std::size_t SIZE = 16 * 1024;
 
-    explicit Blocks(const ZoString& name)
-        : file(System().OpenFile(name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite,
+    explicit Blocks(const ZoString& fileName)
+        : name(fileName),
+          file(System().OpenFile(name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite,
                                  Platform::Creation::OpenExisting)) {
-        if (file == nullptr && FileIsThere(name, FINALIZE)) ThrowUnwritten(Platform::LastError(), FINALIZE);
+        if (file == nullptr && FileIsThere(name, FINALIZE))
+            ThrowUnwritten(Platform::LastError(), FINALIZE, name);
     }
     Blocks(const Blocks&) = delete;
     Blocks& operator=(const Blocks&) = delete;
@@ -39,13 +42,14 @@ public:
     void Next() {
         count = 0;
         if (file != nullptr && !System().ReadFile(file, bytes.data(), SIZE, count))
-            ThrowUnwritten(Platform::LastError(), FINALIZE);
+            ThrowUnwritten(Platform::LastError(), FINALIZE, name);
     }
     std::size_t Count() const { return count; }
     bool Has(std::size_t place, char byte) const { return place < count && bytes[place] == byte; }
     char operator[](std::size_t place) const { return bytes[place]; }
 
 private:
+    const ZoString& name;
     Platform::FileHandle file;
     std::array<char, SIZE> bytes;
     std::size_t count = 0;
@@ -80,7 +84,7 @@ Comparison Compare(const ZoString& name, const ZoString& firstName, const ZoStri
 bool RecordsAreDamaged(const ZoString& name) {
     const Platform::FileHandle file = System().OpenFile(
         name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite, Platform::Creation::OpenExisting);
-    if (file == nullptr) ThrowUnwritten(Platform::LastError(), FINALIZE);
+    if (file == nullptr) ThrowUnwritten(Platform::LastError(), FINALIZE, name);
     TFileBinInStream in(file, true);
     try {
         in.Initialize();
@@ -121,7 +125,7 @@ bool FileReplacement::TargetIsTorn() const {
 
 void FileReplacement::Announce(const ZoString& written) const {
     if (!System().MoveWholeFile(written.c_str(), fresh.c_str()))
-        ThrowUnwritten(Platform::LastError(), FINALIZE);
+        ThrowUnwritten(Platform::LastError(), FINALIZE, fresh);
 }
 
 void FileReplacement::Perform() const { Copy(fresh, target); }

@@ -6,7 +6,8 @@
 namespace ZoPrimitives {
 
 [[noreturn]] inline void ThrowRecordEnds(const char* location = "TZoClass::LoadFromStreamPre") {
-    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location);
+    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location,
+                      TStreamFailure::Damaged);
 }
 
 /// Throws unless the record still holds that many bytes.

@@ -43,12 +43,13 @@ unsigned ClipboardInputStream::NextSize(const char* location) {
         std::memcpy(&length, data, sizeof length);
         if (length <= left - sizeof length) return length;
     }
-    throw XReadStream("Invalid data size", location);
+    throw XReadStream("Invalid data size", location, TStreamFailure::Damaged);
 }
 
 void ClipboardInputStream::ReadBinaryData(void* target, unsigned wanted) {
     constexpr const char* location = "ClipboardInputStream::ReadBinaryData";
-    if (NextSize(location) != wanted) throw XReadStream("Invalid data size", location);
+    if (NextSize(location) != wanted)
+        throw XReadStream("Invalid data size", location, TStreamFailure::Damaged);
     std::memcpy(target, data + sizeof wanted, wanted);
     IncrementClipboardDataPointer(sizeof wanted + wanted);
 }

@@ -34,11 +34,11 @@ std::string WithRoom(std::size_t size) {
 } // namespace
 
 FileOutputStream::FileOutputStream(const char* fileName, bool keepOpen)
-    : file(nullptr), tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
+    : path(FileName(fileName)), file(nullptr), tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
     // Empty the file only when nothing else can fail.
-    file = Platform::Current().OpenFile(fileName, Platform::Access::ReadWrite, Platform::Share::Read,
+    file = Platform::Current().OpenFile(path.c_str(), Platform::Access::ReadWrite, Platform::Share::Read,
                                         Platform::Creation::CreateAlways);
-    if (file == nullptr) ThrowUnwritten(Platform::LastError(), "FileOutputStream::FileOutputStream");
+    if (file == nullptr) ThrowUnwritten(Platform::LastError(), "FileOutputStream::FileOutputStream", path);
 }
 
 FileOutputStream::FileOutputStream(void* openFile)
@@ -117,8 +117,8 @@ void FileOutputStream::Finalize() {
     finalized = true;
     const unsigned long writeError = Platform::LastError();
     const bool closed = Close();
-    if (!saved) ThrowUnwritten(writeError, "FileOutputStream::Finalize");
-    if (!closed) ThrowUnwritten(Platform::LastError(), "FileOutputStream::Finalize");
+    if (!saved) ThrowUnwritten(writeError, "FileOutputStream::Finalize", path);
+    if (!closed) ThrowUnwritten(Platform::LastError(), "FileOutputStream::Finalize", path);
 }
 
 } // namespace ZoPrimitives

@@ -24,7 +24,8 @@ void RefuseTerminator(const ZoString& token, unsigned count) {
 }
 
 [[noreturn]] void ThrowTooDeep() {
-    throw XReadStream(TTranslatedString(TextCodes::TOO_DEEP).Text(), "InputStreamer::Read");
+    throw XReadStream(TTranslatedString(TextCodes::TOO_DEEP).Text(), "InputStreamer::Read",
+                      TStreamFailure::Damaged);
 }
 
 /// Classes decide how deep objects nest. The code that runs between two tokens, and the exception, need the

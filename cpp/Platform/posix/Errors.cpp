@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <string_view>
 #include <sys/stat.h>
+#include <system_error>
 
 namespace ZoPrimitives::Platform {
 
@@ -84,6 +85,16 @@ unsigned long ErrorFromErrno(int number) {
     default:
         return ErrorGeneralFailure;
     }
+}
+
+std::string DescribeError(unsigned long error) {
+    constexpr int NUMBERS = 256;
+    for (int number = 1; number < NUMBERS; ++number) {
+        // Those that are not known apart say nothing.
+        if (error != ErrorGeneralFailure && ErrorFromErrno(number) == error)
+            return std::generic_category().message(number);
+    }
+    return {};
 }
 
 void SetErrorFromErrno(const char* path) {

@@ -85,6 +85,9 @@ public:
     /// The handle of the file that the stream reads; null if there is none.
     virtual void* GetFile() const;
 
+    /// The file's name; empty if the stream reads something else, or a handle.
+    const ZoString& GetPath() const { return path; }
+
     unsigned GetVersion() const { return header.version; }
     unsigned GetRelease() const { return header.release; }
     /// The record count that the header holds.
@@ -197,10 +200,18 @@ protected:
     /// when they cannot be read, `XReadStream` "Header de arquivo inválido" when they are not a header, and
     /// `XNewerVersion`.
     void ReadHeader(const char* location);
-    /// A `Read` that fails reports the device's error here; without this call the data has ended.
-    void SetReadError(unsigned long error) { readError = error; }
+    /// A `Read` that fails reports the device's error here; without this call the data has ended. `error` is
+    /// the C runtime's number, which has the text; `systemCode` is Windows', see `XStream::SystemCode`.
+    void SetReadError(unsigned long error, unsigned systemCode = 0) {
+        readError = error;
+        systemError = systemCode;
+    }
+    /// The file's name, for exceptions.
+    void SetPath(const ZoString& file) { path = file; }
 
 private:
+    void ReadUnnamedHeader(const char* location);
+
     friend class ReadCursor;
     friend class InstanceTables;
     struct EndInstances {
@@ -238,6 +249,8 @@ private:
     unsigned long long loaded = 0;
     unsigned trailing = 0;
     unsigned long readError = 0;
+    unsigned systemError = 0;
+    ZoString path;
 
     const unsigned char* record = nullptr; // in `buffer` or in the window
     unsigned recordSize = 0;

@@ -56,7 +56,7 @@ public:
     void* GetFile() const override { return file; }
     bool GetsDirectly() const override;
     /// Empty for a stream over an open file.
-    const ZoString& GetFileName() const { return fileName; }
+    const ZoString& GetFileName() const { return GetPath(); }
 
 private:
     void OpenFile(const char* name);
@@ -66,7 +66,6 @@ private:
     void Unload();
     void Close();
 
-    ZoString fileName;
     void* file = nullptr;
     bool named;
     TFileReading asked = TFileReading::Locking;

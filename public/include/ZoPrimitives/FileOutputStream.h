@@ -55,6 +55,7 @@ private:
     OutputStream& Add(std::string_view token);
     bool Close();
 
+    ZoString path; // empty for a handle
     void* file;
     pointer<TDList<ZoString>> tokens;
     bool keepsOpen;

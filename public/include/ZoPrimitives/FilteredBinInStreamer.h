@@ -37,6 +37,7 @@ public:
     TZoMetaData* GetFileMetaData() { return reader.GetFileMetaData(); }
 
 private:
+    void ReadNamed();
     void TakeObjects();
 
     TBinInStreamer reader;

@@ -4,41 +4,77 @@
 
 namespace ZoPrimitives {
 
+/// What went wrong, for a program that decides what to do next.
+enum class TStreamFailure {
+    Other,
+    NotFound, ///< there is no such file or folder
+    Denied,   ///< the file is read-only, or its user may not touch it
+    InUse,    ///< somebody else has the file or the clipboard open
+    DiskFull,
+    Device,    ///< the system could not do it for another reason
+    Truncated, ///< the data ends too soon
+    Damaged,
+    WrongFile, ///< the data is of another format
+    TooNew,    ///< a newer version wrote the data
+    TooOld,    ///< the data's version is not read any longer
+    Cancelled
+};
+
+/// Why a stream failed. Converts from the kind alone.
+struct TStreamCause {
+    TStreamCause(TStreamFailure failure = TStreamFailure::Other, unsigned code = 0)
+        : kind(failure), systemCode(code) {}
+
+    TStreamFailure kind;
+    unsigned systemCode; ///< Windows' number of the error, on every system; 0: none
+};
+
 /// Root of data and input/output failures. The location names the operation, often with a numbered failure
-/// point ("TBinInStream::LoadRecord #3"). Texts are Windows-1252.
+/// point ("TBinInStream::LoadRecord #3"). Texts are Windows-1252. `ZoExplain` makes a sentence of it for the
+/// user.
 class ZO_API XStream {
 public:
-    XStream(const ZoString& message, const ZoString& location);
+    XStream(const ZoString& message, const ZoString& location, TStreamCause cause = {});
     XStream(const XStream&);
     XStream& operator=(const XStream&);
     virtual ~XStream();
 
     const ZoString& Message() const { return message; }
     const ZoString& Location() const { return location; }
+    TStreamFailure Kind() const { return cause.kind; }
+    /// Windows' number of the system's error, on every system; 0: none.
+    unsigned SystemCode() const { return cause.systemCode; }
+    /// The file; empty if there is none or its name is not known.
+    const ZoString& Path() const { return path; }
+
+    /// For who throws, or catches and throws again: names the file, unless it is named.
+    XStream& SetPath(const ZoString& file);
 
 private:
     ZoString message;
     ZoString location;
+    TStreamCause cause;
+    ZoString path;
 };
 
 /// Reading failed: a device failed or the data is damaged.
 class ZO_API XReadStream : public XStream {
 public:
-    XReadStream(const ZoString& message, const ZoString& location);
+    XReadStream(const ZoString& message, const ZoString& location, TStreamCause cause = {});
     ~XReadStream() override;
 };
 
 /// Writing failed.
 class ZO_API XWriteStream : public XStream {
 public:
-    XWriteStream(const ZoString& message, const ZoString& location);
+    XWriteStream(const ZoString& message, const ZoString& location, TStreamCause cause = {});
     ~XWriteStream() override;
 };
 
 /// The device is full. The message is translated; the location is the caller's.
 class ZO_API XWriteStreamOutOfSpace : public XWriteStream {
 public:
-    explicit XWriteStreamOutOfSpace(const ZoString& location);
+    explicit XWriteStreamOutOfSpace(const ZoString& location, unsigned systemCode = 0);
     ~XWriteStreamOutOfSpace() override;
 };
 
@@ -75,8 +111,16 @@ public:
 /// The data was written by a newer version than the reader supports. Both texts are empty.
 class ZO_API XNewerVersion : public XReadStream {
 public:
-    XNewerVersion();
+    explicit XNewerVersion(unsigned fileVersion = 0, unsigned supportedVersion = 0);
     ~XNewerVersion() override;
+
+    /// The version that the data names, and the newest one that the reader takes; both 0: not known.
+    unsigned FileVersion() const { return fileVersion; }
+    unsigned SupportedVersion() const { return supportedVersion; }
+
+private:
+    unsigned fileVersion;
+    unsigned supportedVersion;
 };
 
 /// The data's version cannot be converted to the reader's. Both texts are empty.

@@ -44,12 +44,37 @@ private:
     const char* message;
 };
 
-/// The entry point of every assertion: calls the installed functor, if any, then throws `XZoAssert`. `file`
-/// is relative to the source root and has no extension; the texts must live only during the call.
+/// What the library's own assertions throw: says which one failed. The texts are copies, cut to their room.
+class ZO_API XZoAssertFailed : public XZoAssert {
+public:
+    /// `text` as in `XZoAssert`; the others are copied, null for "".
+    XZoAssertFailed(const char* text, const char* expression, const char* hint, const char* file,
+                    int line) noexcept;
+    XZoAssertFailed(const XZoAssertFailed&) noexcept;
+    XZoAssertFailed& operator=(const XZoAssertFailed&) noexcept;
+    ~XZoAssertFailed() override;
+
+    /// The condition, often with a hint in it.
+    const char* Expression() const noexcept { return expression; }
+    /// The message that came with it, often "".
+    const char* Hint() const noexcept { return hint; }
+    /// Relative to the source root, without extension.
+    const char* File() const noexcept { return file; }
+    int Line() const noexcept { return line; }
+
+private:
+    char expression[512];
+    char hint[1024];
+    char file[256];
+    int line;
+};
+
+/// The entry point of every assertion: calls the installed functor, if any, then throws `XZoAssertFailed`.
+/// `file` is relative to the source root and has no extension; the texts must live only during the call.
 [[noreturn]] ZO_API void AssertWithFunctor(const char* expression, const char* message, const char* file,
                                            int line);
 
-/// Composes the text, shows it if enabled, and throws `XZoAssert`: with "CrashRpt" if a box was shown,
+/// Composes the text, shows it if enabled, and throws `XZoAssertFailed`: with "CrashRpt" if a box was shown,
 /// otherwise with the composed text (in a static buffer, until the next assertion).
 [[noreturn]] ZO_API void HandleAsserting(const char* expression, const char* message, const char* file,
                                          int line);

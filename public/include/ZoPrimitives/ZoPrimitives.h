@@ -55,6 +55,7 @@
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoClipboardFormat.h"
+#include "ZoPrimitives/ZoExplain.h"
 #include "ZoPrimitives/ZoMemory.h"
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoOpen.h"

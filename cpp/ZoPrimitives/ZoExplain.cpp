@@ -1,0 +1,137 @@
+#include "ZoPrimitives/ZoExplain.h"
+
+#include "Platform/Platform.h"
+#include "ZoPrimitives/AnsiLiteral.h"
+#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/WholeText.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/xContainer.h"
+
+#include <exception>
+#include <new>
+
+namespace ZoPrimitives {
+
+namespace {
+
+ZoString Translated(const char* literal) { return TTranslatedString(literal).Text(); }
+
+/// A translated sentence with its "%s" replaced.
+ZoString Filled(const char* literal, const char* text) {
+    return ZoString::FormatString(Translated(literal).c_str(), text);
+}
+
+bool IsReadOnly(const ZoString& path) {
+    bool readOnly = false;
+    return path.length() != 0 && Platform::Current().FileExists(path.c_str(), &readOnly) && readOnly;
+}
+
+/// What the sentence is about: the file, or what stands for one.
+ZoString Subject(const XStream& failure) {
+    return failure.Path().length() != 0 ? Filled("O arquivo \"%s\"", failure.Path().c_str())
+                                        : Translated("O destino ou a origem dos dados"_ansi);
+}
+
+/// For the developer who is asked about it.
+ZoString Place(const XStream& failure) {
+    if (failure.Message().length() == 0 && failure.Location().length() == 0) return "";
+    return WholeText({" (", failure.Message().c_str(), failure.Location().length() != 0 ? "; " : "",
+                      failure.Location().c_str(), ")"});
+}
+
+ZoString SystemWords(unsigned code) {
+    const std::string words = Platform::DescribeError(code);
+    return ZoString::FormatString(words.empty() ? "%s%u" : "%s (%u)", words.c_str(), code);
+}
+
+const char* Reason(const XStream& failure) {
+    switch (failure.Kind()) {
+    case TStreamFailure::NotFound:
+        return " não foi encontrado. Confira o nome e a pasta."_ansi;
+    case TStreamFailure::Denied:
+        return IsReadOnly(failure.Path())
+                   ? " é somente leitura. Salve com outro nome ou retire essa proteção."_ansi
+                   : " não pode ser usado: falta permissão. Escolha outra pasta ou peça acesso."_ansi;
+    case TStreamFailure::InUse:
+        return " está em uso por outro programa. Feche-o lá e tente de novo."_ansi;
+    case TStreamFailure::DiskFull:
+        return " não cabe: falta espaço em disco. Libere espaço e tente de novo."_ansi;
+    case TStreamFailure::Truncated:
+        return " está incompleto: os dados terminam antes do fim. Use uma cópia de segurança."_ansi;
+    case TStreamFailure::Damaged:
+        return " está danificado. Use uma cópia de segurança."_ansi;
+    case TStreamFailure::WrongFile:
+        return " não é deste formato. Escolha um arquivo salvo por este programa."_ansi;
+    case TStreamFailure::TooNew:
+        return " foi salvo por uma versão mais nova. Atualize o programa."_ansi;
+    case TStreamFailure::TooOld:
+        return " foi salvo por uma versão que já não é lida. Converta-o com uma versão intermediária."_ansi;
+    case TStreamFailure::Device:
+    case TStreamFailure::Other:
+    case TStreamFailure::Cancelled:
+        break;
+    }
+    return nullptr;
+}
+
+ZoString Explain(const XStream& failure) {
+    if (failure.Kind() == TStreamFailure::Cancelled) return Translated("A operação foi cancelada."_ansi);
+    if (const char* reason = Reason(failure)) {
+        const ZoString text = WholeText({Subject(failure).c_str(), Translated(reason).c_str()});
+        const auto* newer = dynamic_cast<const XNewerVersion*>(&failure);
+        if (newer == nullptr || newer->FileVersion() == 0) return text;
+        return ZoString::FormatString(
+            Translated("%s (Versão do arquivo: %u; a mais nova que este programa lê: %u.)"_ansi).c_str(),
+            text.c_str(), newer->FileVersion(), newer->SupportedVersion());
+    }
+    const ZoString system =
+        failure.SystemCode() != 0 ? WholeText({": ", SystemWords(failure.SystemCode()).c_str()}) : ZoString();
+    return WholeText({Subject(failure).c_str(), Translated(" não pôde ser lido ou salvo"_ansi).c_str(),
+                      system.c_str(), ".", Place(failure).c_str()});
+}
+
+ZoString Explain(const XZoAssertFailed& failure) {
+    const char* what = *failure.Hint() != '\0' ? failure.Hint() : failure.Expression();
+    return ZoString::FormatString(
+        Translated("Erro interno do programa: %s (%s, linha %d). Avise quem o fornece."_ansi).c_str(), what,
+        failure.File(), failure.Line());
+}
+
+} // namespace
+
+ZoString ZoExplain() {
+    const std::exception_ptr caught = std::current_exception();
+    if (caught == nullptr) return "";
+    try {
+        std::rethrow_exception(caught);
+    } catch (const XStream& failure) {
+        return Explain(failure);
+    } catch (const XZoAssertFailed& failure) {
+        return Explain(failure);
+    } catch (const XZoAssert& failure) {
+        return Filled("Erro interno do programa: %s. Avise quem o fornece.", failure.Message());
+    } catch (const XEndSection&) {
+        return Translated("O texto termina uma seção antes do esperado."_ansi);
+    } catch (const XInvalidHandle&) {
+        return Translated("O texto menciona um objeto que não contém."_ansi);
+    } catch (const XUnknownObject&) {
+        return Translated("O texto contém um objeto de uma classe desconhecida."_ansi);
+    } catch (const XStreamer&) {
+        return Translated("O texto não pôde ser lido."_ansi);
+    } catch (const xContainer&) {
+        return Translated("Erro interno do programa: uso indevido de uma lista. Avise quem o fornece.");
+    } catch (const xRegionContainsExceeded&) {
+        return Translated("O teste de um ponto em uma região passou do limite."_ansi);
+    } catch (const xInvalidConversion&) {
+        return Translated("Um valor não pôde ser convertido."_ansi);
+    } catch (const std::bad_alloc&) {
+        return Translated("Memória insuficiente. Feche outros programas e tente de novo."_ansi);
+    } catch (const std::exception& failure) {
+        return Filled("Erro inesperado: %s.", failure.what());
+    } catch (...) {
+        return Translated("Erro desconhecido.");
+    }
+}
+
+} // namespace ZoPrimitives

@@ -7,7 +7,7 @@
 #include "tables.h"
 #include "text.h"
 
-#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoExplain.h"
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <algorithm>
@@ -19,7 +19,6 @@
 #include <functional>
 #include <iostream>
 #include <iterator>
-#include <new>
 #include <string>
 
 using namespace Frame;
@@ -219,14 +218,9 @@ int main(int count, char** arguments) {
     std::setlocale(LC_ALL, "");
     try {
         return Run(arguments[0], ReadOptions({arguments + 1, arguments + count}));
-    } catch (const ZoPrimitives::XStream& error) {
-        return Fail(ZoPrimitives::ZoToUtf8(error.Message()) + " (" +
-                    ZoPrimitives::ZoToUtf8(error.Location()) + ")");
-    } catch (const ZoPrimitives::XZoAssert& error) {
-        return Fail(std::string("This program has a fault: ") + error.Message());
-    } catch (const std::bad_alloc&) {
-        return Fail("There is not enough memory.");
-    } catch (const std::exception& error) {
+    } catch (const Failure& error) {
         return Fail(error.what());
+    } catch (...) {
+        return Fail(ZoPrimitives::ZoToUtf8(ZoPrimitives::ZoExplain()));
     }
 }

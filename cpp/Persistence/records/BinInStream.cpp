@@ -71,6 +71,10 @@ void TBinInStream::UseBuffer(unsigned size) {
     position = 0;
 }
 
+void TBinInStream::SetPath(const char* file) {
+    AssignWhole(path, file, static_cast<unsigned>(std::strlen(file)));
+}
+
 void* TBinInStream::GetFile() const { return nullptr; }
 
 // Values

@@ -26,7 +26,7 @@ TFileBinInStream::TFileBinInStream(const char* name, bool ownsSource)
     : TFileBinInStream(name, ANY_VERSION, ownsSource) {}
 TFileBinInStream::TFileBinInStream(const char* name, unsigned supportedVersion, bool ownsSource)
     : TBinInStream(supportedVersion, ownsSource), named(true) {
-    SetPath(FileName(name));
+    SetPath(FileName(name).c_str());
 }
 TFileBinInStream::TFileBinInStream(const char* name, int supportedVersion, bool ownsSource)
     : TFileBinInStream(name, static_cast<unsigned>(supportedVersion), ownsSource) {}

@@ -207,7 +207,7 @@ protected:
         systemError = systemCode;
     }
     /// The file's name, for exceptions.
-    void SetPath(const ZoString& file) { path = file; }
+    void SetPath(const char* file);
 
 private:
     void ReadUnnamedHeader(const char* location);

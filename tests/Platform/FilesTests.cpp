@@ -200,52 +200,45 @@ TEST_F(FilesTests, CopiesMovesAndDeletesWhatIsFreeAndWritable) {
         return all;
     };
     enum Operation { COPY, MOVE, DELETE_IT };
-    const std::tuple<Operation, const char*, const char*, unsigned long> rows[] = {
-        {COPY, "source", "fresh", ErrorNone},
-        {COPY, "source", "shared", ErrorNone},
-        {COPY, "writing", "target", ErrorNone},
-        {COPY, "none", "target", ErrorFileNotFound},
-        {COPY, "none", "fresh", ErrorFileNotFound},
-        {COPY, "source", "none/fresh", ErrorPathNotFound},
-        {COPY, "source", "", ErrorAccessDenied}, // onto the folder
-        {COPY, "", "target", ErrorAccessDenied},
-        {COPY, "source", "readonly", ErrorAccessDenied},
-        {COPY, "target", "target", ErrorSharingViolation},
-        {COPY, "source", "reading", ErrorSharingViolation},
-        {COPY, "source", "writing", ErrorSharingViolation},
-        {COPY, "alone", "target", ErrorSharingViolation},
-        {MOVE, "source", "fresh", ErrorNone},
-        {MOVE, "source", "target", ErrorNone},
-        {MOVE, "source", "shared", ErrorSharingViolation},
-        {MOVE, "shared", "fresh", ErrorSharingViolation},
-        {MOVE, "source", "readonly", ErrorAccessDenied},
-        {MOVE, "source", "", ErrorAccessDenied},
-        {MOVE, "none", "target", ErrorFileNotFound},
-        {MOVE, "source", "none/fresh", ErrorPathNotFound},
-        {DELETE_IT, "source", "", ErrorNone},
-        {DELETE_IT, "fresh", "", ErrorFileNotFound},
-        {DELETE_IT, "none/file", "", ErrorPathNotFound},
-        {DELETE_IT, "shared", "", ErrorSharingViolation},
-        {DELETE_IT, "readonly", "", ErrorAccessDenied},
-        {DELETE_IT, "", "", ErrorAccessDenied},
+    const std::tuple<Operation, unsigned long, const char*> rows[] = {
+        // from>to; no name: the folder
+        {COPY, ErrorNone, "source>fresh source>shared writing>target"},
+        {COPY, ErrorFileNotFound, "none>target none>fresh"},
+        {COPY, ErrorPathNotFound, "source>none/fresh"},
+        {COPY, ErrorAccessDenied, "source> >target source>readonly"},
+        {COPY, ErrorSharingViolation, "target>target source>reading source>writing alone>target"},
+        {MOVE, ErrorNone, "source>fresh source>target"},
+        {MOVE, ErrorSharingViolation, "source>shared shared>fresh"},
+        {MOVE, ErrorAccessDenied, "source>readonly source>"},
+        {MOVE, ErrorFileNotFound, "none>target"},
+        {MOVE, ErrorPathNotFound, "source>none/fresh"},
+        {DELETE_IT, ErrorNone, "source>"},
+        {DELETE_IT, ErrorFileNotFound, "fresh>"},
+        {DELETE_IT, ErrorPathNotFound, "none/file>"},
+        {DELETE_IT, ErrorSharingViolation, "shared>"},
+        {DELETE_IT, ErrorAccessDenied, "readonly> >"},
     };
     FaultyServices services; // they wait for nobody
-    for (const auto& [operation, from, to, error] : rows) {
-        SCOPED_TRACE(std::to_string(operation) + " of " + from + " to " + to);
-        folder.Write("source", "new");
-        folder.Write("target", "old");
-        std::filesystem::remove(folder.Path("fresh"));
-        auto expected = contents();
-        if (error == ErrorNone && operation != DELETE_IT) expected[to] = expected.at(from);
-        if (error == ErrorNone && operation != COPY) expected.erase(from);
-        const std::string source = folder.Path(from), target = folder.Path(to);
-        SetLastError(ErrorNone);
-        const bool done = operation == COPY   ? Copy(source, target)
-                          : operation == MOVE ? Current().MoveWholeFile(source.c_str(), target.c_str())
-                                              : Current().DeleteWholeFile(source.c_str());
-        EXPECT_TRUE(done || LastError() == error) << LastError();
-        EXPECT_EQ(done, error == ErrorNone);
-        EXPECT_EQ(contents(), expected);
+    for (const auto& [operation, error, names] : rows) {
+        std::istringstream pairs(names);
+        for (std::string pair; pairs >> pair;) {
+            SCOPED_TRACE(std::to_string(operation) + " of " + pair);
+            const std::string from = pair.substr(0, pair.find('>')), to = pair.substr(from.size() + 1);
+            folder.Write("source", "new");
+            folder.Write("target", "old");
+            std::filesystem::remove(folder.Path("fresh"));
+            auto expected = contents();
+            if (error == ErrorNone && operation != DELETE_IT) expected[to] = expected.at(from);
+            if (error == ErrorNone && operation != COPY) expected.erase(from);
+            const std::string source = folder.Path(from), target = folder.Path(to);
+            SetLastError(ErrorNone);
+            const bool done = operation == COPY   ? Copy(source, target)
+                              : operation == MOVE ? Current().MoveWholeFile(source.c_str(), target.c_str())
+                                                  : Current().DeleteWholeFile(source.c_str());
+            EXPECT_TRUE(done || LastError() == error) << LastError();
+            EXPECT_EQ(done, error == ErrorNone);
+            EXPECT_EQ(contents(), expected);
+        }
     }
     for (const FileHandle holder : holders) Current().CloseFile(holder);
     EXPECT_TRUE(Current().DeleteWholeFile(folder.Path("shared").c_str()));

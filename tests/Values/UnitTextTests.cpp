@@ -96,67 +96,58 @@ TEST(UnitTextTest, EveryUnitIsReadByEachOfItsNames) {
     }
 }
 
+// "|" marks where the reading ends.
 TEST(UnitTextTest, RefusesWithoutGuessing) {
     using enum TLeituraDeGrandeza::TEsperado;
-    const auto described = [](TLeituraDeGrandeza::TEsperado expected, char separator) {
-        constexpr const char* TEXTS[] = {"",
-                                         "um número"_ansi,
-                                         "um algarismo",
-                                         "o separador decimal ",
-                                         "um número nem grande nem pequeno demais"_ansi,
-                                         "uma unidade: cm, m, in, ft, mm",
-                                         "o fim do texto",
-                                         "os milhares juntos, sem separador"};
-        const ZoString text = TEXTS[static_cast<std::size_t>(expected)];
-        return expected == Separador ? text + separator : text;
-    };
-    const std::string large = "1" + std::string(400, '0');
-    const struct {
-        TLeituraDeGrandeza::TEsperado expected;
-        unsigned position;
-        std::vector<const char*> texts;
-        char separator = ',';
-    } rows[] = {
-        {Numero, 0, {"", "nan m", "inf", "m", ". m"}},
-        {Numero, 2, {"  "}},
-        {Algarismo, 1, {"-inf", "- 3 m", "--3 m", ",", ",m", ",,5"}},
-        {Algarismo, 2, {"-,m"}},
-        {Separador, 0, {".5 m"}},
-        {Separador, 1, {"3.5 m", "3. m", "1.000 m", "1.0000,5 m", "1.00,5"}}, // 1.000: 1 or 1000
-        {Separador, 1, {"3,5 m"}, '.'},
-        {MilharesJuntos, 1, {"1 234,5 m", "1\xA0\x30\x30\x30 m", "1'000 m", "1.000,5", "1.000.000"}},
-        {MilharesJuntos, 5, {"1,000,000 m", "1,000.5"}},
-        {MilharesJuntos, 5, {"1.000,5"}, '.'},
-        {MilharesJuntos, 5, {"1;000;000 m"}, ';'},
-        {MilharesJuntos, 1, {"1.000;5 m"}, ';'},
-        {MilharesJuntos, 1, {"1.000,5 m"}, ';'},
-        {Unidade, 1, {"0x10 m", "1'00 m", "1d5 m"}},
-        {Unidade, 2, {"12e m", "12e+ m", "12-m", "12: m", "12\x0em", "1 2345 m", "1 23 m", "1 x23 m"}},
+    using Texts = std::vector<std::string>;
+    constexpr const char* JOINED = "os milhares juntos, sem separador";
+    const std::tuple<TLeituraDeGrandeza::TEsperado, const char*, char, Texts> rows[] = {
+        {Numero, "um número"_ansi, ',', {"|", "|nan m", "|inf", "|m", "|. m", "  |"}},
+        {Algarismo, "um algarismo", ',', {"-|inf", "-| 3 m", "-|-3 m", ",|", ",|m", ",|,5", "-,|m"}},
+        {Separador,
+         "o separador decimal ,",
+         ',',
+         {"|.5 m", "3|.5 m", "3|. m", "1|.000 m", "1|.0000,5 m", "1|.00,5"}}, // 1.000: 1 or 1000
+        {Separador, "o separador decimal .", '.', {"3|,5 m"}},
+        {MilharesJuntos,
+         JOINED,
+         ',',
+         {"1| 234,5 m", "1|\xA0\x30\x30\x30 m", "1|'000 m", "1|.000,5", "1|.000.000", "1,000|,000 m",
+          "1,000|.5"}},
+        {MilharesJuntos, JOINED, '.', {"1.000|,5"}},
+        {MilharesJuntos, JOINED, ';', {"1;000|;000 m", "1|.000;5 m", "1|.000,5 m"}},
         {Unidade,
-         3,
-         {"3, 5 m", "3,5, m", "12 im", "12 Mm", "12 cM", "12 .m", "12 m..", "12 m^", "12 cm/", "12 cm^.",
-          "12 km", "1e2,5 m"}},
-        {Fim, 5, {"12 m m"}},
-        {Fim, 6, {"12 cm , 3", "12 m  / 2", "12 m. m"}},
-        {Representavel, 0, {"1e308 m", "-1e-999", "4e-324 mm", large.c_str()}}, // mm: not in cm
-        {Representavel, 1, {" 1e999 m"}}};
-    for (const auto& row : rows) {
-        for (const char* text : row.texts) {
-            const auto [valor, reading] = QuantityNamed("GComprimento").ofText(text, row.separator, 0);
-            EXPECT_EQ(reading.esperado, row.expected) << text;
-            EXPECT_EQ(reading.posicao, row.position) << text;
-            EXPECT_EQ(reading.descricao, described(row.expected, row.separator)) << text;
-            EXPECT_EQ(reading.unidade, -1) << text;
-            EXPECT_EQ(valor, UNTOUCHED) << text;
+         "uma unidade: cm, m, in, ft, mm",
+         ',',
+         {"0|x10 m",   "1|'00 m", "1|d5 m",   "12|e m",  "12|e+ m",  "12|-m",  "12|: m",  "12|\x0em",
+          "1 |2345 m", "1 |23 m", "1 |x23 m", "3, |5 m", "3,5|, m",  "12 |im", "12 |Mm",  "12 |cM",
+          "12 |.m",    "12 |m..", "12 |m^",   "12 |cm/", "12 |cm^.", "12 |km", "1e2|,5 m"}},
+        {Fim, "o fim do texto", ',', {"12 m |m", "12 cm |, 3", "12 m  |/ 2", "12 m. |m"}},
+        {Representavel,
+         "um número nem grande nem pequeno demais"_ansi,
+         ',',
+         {"|1e308 m", "|-1e-999", "|4e-324 mm", " |1e999 m", "|1" + std::string(400, '0')}}}; // mm: not in cm
+    for (const auto& [expected, description, separator, texts] : rows) {
+        for (std::string text : texts) {
+            SCOPED_TRACE(text);
+            const std::size_t position = text.find('|');
+            text.erase(position, 1);
+            const auto [valor, reading] = QuantityNamed("GComprimento").ofText(text.c_str(), separator, 0);
+            EXPECT_EQ(reading.esperado, expected);
+            EXPECT_EQ(reading.posicao, position);
+            EXPECT_EQ(reading.descricao, description);
+            EXPECT_TRUE(reading.unidade == -1 && valor == UNTOUCHED);
         }
     }
     // Behind a name of two words, and where no unit counts, so that one must be written, too.
-    const std::tuple<const char*, const char*, int, TLeituraDeGrandeza::TEsperado, unsigned> others[] = {
-        {"GPressaoTensao", "1 mPa", 0, Unidade, 2}, {"GForcaLinear", "1 kN-/m", 0, Unidade, 2},
-        {"GForcaLinear", "1 kN/.m", 0, Unidade, 2}, {"GVelocidade", "1 .", 0, Unidade, 2},
-        {"GArea", "3 sq  in x", 0, Fim, 9},         {"GComprimento", "12,5 ", -1, Unidade, 5}};
-    for (const auto& [quantity, text, unitWhenNone, expected, position] : others) {
-        const auto reading = QuantityNamed(quantity).ofText(text, ',', unitWhenNone).second;
+    const std::tuple<const char*, std::string, int, TLeituraDeGrandeza::TEsperado> others[] = {
+        {"GPressaoTensao", "1 |mPa", 0, Unidade}, {"GForcaLinear", "1 |kN-/m", 0, Unidade},
+        {"GForcaLinear", "1 |kN/.m", 0, Unidade}, {"GVelocidade", "1 |.", 0, Unidade},
+        {"GArea", "3 sq  in |x", 0, Fim},         {"GComprimento", "12,5 |", -1, Unidade}};
+    for (auto [quantity, text, unitWhenNone, expected] : others) {
+        const std::size_t position = text.find('|');
+        text.erase(position, 1);
+        const auto reading = QuantityNamed(quantity).ofText(text.c_str(), ',', unitWhenNone).second;
         EXPECT_TRUE(reading.esperado == expected && reading.posicao == position) << text;
     }
 }

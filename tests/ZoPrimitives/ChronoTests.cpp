@@ -37,13 +37,9 @@ TEST(ChronoTests, Reads) {
 TEST(ChronoTests, StopsAndGoesOn) {
     Testing::FakeClock clock;
     Chrono watch;
-    const struct {
-        const char* name;
-        void (Chrono::*operation)();
-        std::uint32_t passed; // after the operation
-        const char* reading;
-    } steps[] = {
-        {"not started", &Chrono::Stop, 60'000, "0:0:0.0"},
+    // What passes after the operation, and what the watch shows then.
+    const std::tuple<std::string, void (Chrono::*)(), std::uint32_t, const char*> steps[] = {
+        {"stopped while new", &Chrono::Stop, 60'000, "0:0:0.0"},
         {"started", &Chrono::Start, 1'500, "0:0:1.50"},
         {"stopped", &Chrono::Stop, 30'000, "0:0:1.50"},
         {"stopped while stopped", &Chrono::Stop, 30'000, "0:0:1.50"},
@@ -53,13 +49,12 @@ TEST(ChronoTests, StopsAndGoesOn) {
         {"stopped again", &Chrono::Stop, 5, "0:0:1.0"},
         {"reset", &Chrono::Reset, 5, "0:0:0.0"},
     };
-    for (const auto& step : steps) {
+    for (const auto& [name, operation, passed, reading] : steps) {
         const Chrono before = watch;
-        (watch.*step.operation)();
-        clock.ticks += step.passed;
-        EXPECT_EQ(Reading(watch), step.reading) << step.name;
-        const bool same = std::string(step.name).find("while stopped") != std::string::npos;
-        EXPECT_EQ(watch == before, same || &step == steps) << step.name;
+        (watch.*operation)();
+        clock.ticks += passed;
+        EXPECT_EQ(Reading(watch), reading) << name;
+        EXPECT_EQ(watch == before, name.starts_with("stopped while")) << name;
     }
 }
 

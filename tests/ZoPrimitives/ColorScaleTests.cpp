@@ -48,18 +48,15 @@ TEST(TZoColorTests, ComparesAndChangesComponents) {
     EXPECT_TRUE(color.IsWhite() && !color.IsBlack());
     color.AddBrightDelta(INT_MIN);
     EXPECT_TRUE(color.IsBlack() && !color.IsWhite());
-    EXPECT_FALSE(TZoColor(0, 0, 1, 0).IsBlack());
     color.SetRGB(51, 102, 204);
     EXPECT_EQ(color, TZoColor(51, 102, 204, 9));
     EXPECT_TRUE(color.GetRedAsFloat() == 0.2F && color.GetGreenAsFloat() == 0.4F &&
                 color.GetBlueAsFloat() == 0.8F && TZoColor(1, 1, 1, 255).GetAlphaAsFloat() == 1);
     EXPECT_EQ(static_cast<unsigned long>(TZoColor(255, 102, 51, 9)), 0x3366FFu);
-    for (const TZoColor& other : {TZoColor(0, 102, 204, 9), {51, 0, 204, 9}, {51, 102, 0, 9}}) {
+    for (const TZoColor& other : {TZoColor(0, 102, 204, 9), {51, 0, 204, 9}, {51, 102, 0, 9}})
         EXPECT_FALSE(color.AreRgbEqual(other));
-    }
-    for (const TZoColor& one : {TZoColor(255, 0, 0, 0), {0, 255, 0, 0}, {0, 0, 255, 0}}) {
+    for (const TZoColor& one : {TZoColor(255, 0, 0, 0), {0, 255, 0, 0}, {0, 0, 255, 0}})
         EXPECT_FALSE(one.IsBlack() || one.IsWhite());
-    }
 }
 
 TEST(TColorScaleTests, BlendsThreeColours) {

@@ -56,9 +56,7 @@ class Span : public ZoObjectStreamable {
 std::string Saved(TZoMetaData& schema, ZoStreamableBase* root) {
     TMemoryBinOutStream stream(3, 2026);
     stream.Initialize();
-    TBinOutStreamer streamer(&stream, &schema);
-    streamer.WriteObjectMetaData(root);
-    streamer.WriteObject(root);
+    TBinOutStreamer(&stream, &schema).WriteObjectWithMetaData(root);
     return {reinterpret_cast<const char*>(stream.GetData()), static_cast<std::size_t>(stream.GetSize())};
 }
 
@@ -89,9 +87,8 @@ TEST(StreamingTests, SavesAndOpensTheApplicationsObjects) {
     cable.remarks.Add("checked");
     cable.neighbours.Add(&written);
     cable.maker = &maker;
-    for (ZoObjectStreamable* each :
-         {static_cast<ZoObjectStreamable*>(&owner), static_cast<ZoObjectStreamable*>(&maker)})
-        cable.owners.Add(each);
+    cable.owners.Add(&owner);
+    cable.owners.Add(&maker);
     written.byName.Append(new StreamableZoString("first"), &cable);
 
     const std::string bytes = Saved(schema, &written);

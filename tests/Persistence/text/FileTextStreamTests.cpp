@@ -4,7 +4,6 @@
 #include "support/FaultyServices.h"
 #include "support/TemporaryFolder.h"
 
-#include <chrono>
 #include <climits>
 #include <cmath>
 #include <gmock/gmock.h>
@@ -263,10 +262,9 @@ TEST(FileInputStreamTests, ReadsWhatTheDeviceGave) {
 }
 
 TEST(FileTextStreamTests, TakesAMillionTokensInLinearTime) {
-    // A second each at most, with sanitizers too; anything that grows with the square takes many minutes.
+    // Anything that grows with the square takes many minutes, and is stopped.
     constexpr int COUNT = 1'000'000;
     const Text text;
-    const auto start = std::chrono::steady_clock::now();
     {
         FileOutputStream stream(text.Path().c_str(), false);
         for (int i = 0; i < COUNT; ++i) stream << i;
@@ -279,7 +277,6 @@ TEST(FileTextStreamTests, TakesAMillionTokensInLinearTime) {
         ASSERT_EQ(value, i);
     }
     EXPECT_NE(FailureOf([&] { stream.SkipValue(); }), "");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
 }
 
 } // namespace

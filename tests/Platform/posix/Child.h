@@ -28,11 +28,6 @@ public:
         kill(process, SIGKILL);
         Wait();
     }
-    bool Runs() const {
-        siginfo_t status = {};
-        return waitid(P_PID, static_cast<id_t>(process), &status, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-               status.si_pid == 0;
-    }
 
 private:
     pid_t process;

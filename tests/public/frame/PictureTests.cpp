@@ -134,17 +134,12 @@ TEST(PictureTests, IsWellFormedWhateverTheBuildingIs) {
          },
          ">columns<"},
         {"nodes very far apart",
-         [](Building& b) {
-             b.nodes[1]->place.X(-1.7e308);
-             b.nodes[66]->place.X(1.7e308);
-         },
+         [](Building& b) { b.nodes[1]->place.X(-1.7e308), b.nodes[66]->place.X(1.7e308); },
          ">Girders, kN/m<"},
         {"no node where one is listed", [](Building& b) { b.nodes.Add(nullptr); }, ">Girders, kN/m<"},
         {"load that is no number",
          [](Building& b) {
-             for (auto& m : b.storeys[4]->members)
-                 if (auto* girder = dynamic_cast<Girder*>(m.get()))
-                     girder->loads.Add(new GForcaLinear(std::nan("")));
+             dynamic_cast<Girder&>(*b.storeys[4]->members.Last()).loads.Add(new GForcaLinear(std::nan("")));
          },
          ", nan kN/m</title>"},
         {"node at no finite place", [&](Building& b) { b.nodes[3]->place.Y(infinity); },

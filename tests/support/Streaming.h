@@ -71,6 +71,15 @@ inline std::string FileOf(const std::vector<Row>& rows) {
     return file;
 }
 
+/// Writes a record of a text, and how it stands in a file.
+inline void PutText(ZoPrimitives::TBinOutStream& out, int uid, const std::string& text) {
+    out << text.c_str();
+    out.FlushRecord(uid, 7);
+}
+inline std::string TextRecord(int uid, const std::string& text) {
+    return RecordBytes(uid, 7, Payload().Text(text));
+}
+
 /// The records of a sound file.
 inline std::vector<Row> RowsOf(const std::string& file) {
     std::vector<Row> rows;

@@ -77,7 +77,7 @@ void ReadPlan::AwaitMembers() {
     for (Step& step : steps) {
         if (step.use == Use::PassedOver || !HoldsMember(*step.field)) continue;
         const auto& field = static_cast<const TZoClassFieldPointerBase&>(*step.field);
-        const bool stands = step.kind == ftChildValue && field.IsPlain() && field.typeTest != nullptr;
+        const bool stands = step.kind == ftChildValue && field.IsPlain();
         if (stands) step.use = Use::Awaited;
         awaitsMembers = awaitsMembers && stands;
     }

@@ -100,6 +100,7 @@ TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     EXPECT_EQ(own.headerFields, 7) << "each field goes through the operation for it";
     EXPECT_EQ(own.bytes, HeaderBytes(3, 2026));
     EXPECT_FALSE(own.PutsDirectly());
+    EXPECT_TRUE(OwnSink() == OwnSink(0, 0));
 }
 
 TEST(BinOutStreamTests, ScramblesWithThreeKeysAndSumsThePlainBytes) {
@@ -299,25 +300,19 @@ TEST(MemoryBinOutStreamTests, CopyOfASinkHoldsHeaderAndOpenRecordOnly) {
 }
 
 TEST(MemoryBinOutStreamTests, HeaderIsRewrittenOnlyWhereThereIsOne) {
-    TMemoryBinOutStream never;
-    never << 1;
-    never.RewriteHeader();
-    EXPECT_EQ(never.GetBufferSize(), 4u);
-    never.FlushRecord(1, 1);
-    EXPECT_EQ(BytesOf(never), RecordBytes(1, 1, LittleEndian(1)));
-
-    TMemoryBinOutStream detached(3, 2026);
+    TMemoryBinOutStream never, detached(3, 2026), placed(3, 2026);
     detached.Initialize();
     unsigned long long size = 0;
-    unsigned char* block = detached.Detach(size);
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(block), size), HeaderBytes(3, 2026));
-    std::free(block);
-    detached << 1;
-    detached.FlushRecord(1, 1);
-    detached.RewriteHeader();
-    EXPECT_EQ(BytesOf(detached), RecordBytes(1, 1, LittleEndian(1)));
-
-    TMemoryBinOutStream placed(3, 2026);
+    std::free(detached.Detach(size));
+    EXPECT_EQ(size, 28u);
+    for (TMemoryBinOutStream* stream : {&never, &detached}) {
+        *stream << 1;
+        stream->FlushRecord(1, 1);
+        *stream << 2;
+        stream->RewriteHeader();
+        EXPECT_EQ(stream->GetBufferSize(), 4u);
+        EXPECT_EQ(BytesOf(*stream), RecordBytes(1, 1, LittleEndian(1)));
+    }
     placed << true; // no header at all
     placed.Initialize();
     placed.RewriteHeader();

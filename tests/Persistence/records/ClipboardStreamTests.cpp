@@ -15,13 +15,6 @@ const std::string TAKE = " @ TClipboardBinInStream::GetDataFromClipboard";
 const std::string HEADER = " @ TClipboardBinInStream::TClipboardBinInStream";
 const std::string RECORD = " @ TBinInStream::LoadRecord #";
 
-void Write(TBinOutStream& out, int uid, const char* text) {
-    out << text;
-    out.FlushRecord(uid, 7);
-}
-
-std::string TextRecord(int uid, const std::string& text) { return RecordBytes(uid, 7, Payload().Text(text)); }
-
 /// What a stream over the clipboard reads: the uids, then the failure that it ends with.
 std::string Pasted(unsigned supportedVersion = 9999) {
     std::string all;
@@ -43,9 +36,9 @@ TEST(ClipboardBinOutStreamTests, ABlockIsWhatAFileWouldHold) {
     TClipboardBinOutStream out(3, 2026);
     out.SetUsesSecurity(true); // never on the clipboard
     out.Initialize();
-    Write(out, 9, "text");
+    PutText(out, 9, "text");
     out.FlushRecord(10, 7); // counted, not written
-    Write(out, 11, "");
+    PutText(out, 11, "");
     EXPECT_EQ(clipboard.log, "");
     out.Finalize();
     EXPECT_EQ(clipboard.log, "osc");
@@ -61,12 +54,12 @@ TEST(ClipboardBinOutStreamTests, WithoutFinalizeTheClipboardStays) {
         TClipboardBinOutStream out;
         out.Finalize(); // nothing was begun
         out.Initialize();
-        Write(out, 1, "text");
+        PutText(out, 1, "text");
         out.RewriteHeader();
         out.FreeResourses();
         out.Finalize();
         out.Initialize();
-        Write(out, 1, "text");
+        PutText(out, 1, "text");
     }
     EXPECT_EQ(clipboard.log, "");
     EXPECT_EQ(clipboard.block, "theirs");
@@ -93,12 +86,12 @@ TEST(ClipboardBinOutStreamTests, WhatFailedToBePutMayBePutLater) {
         clipboard.setError = row.setError;
         TClipboardBinOutStream out;
         out.Initialize();
-        Write(out, 1, "text");
+        PutText(out, 1, "text");
         EXPECT_EQ(FailureOf([&] { out.Finalize(); }), row.failure);
         EXPECT_FALSE(clipboard.open);
         EXPECT_EQ(clipboard.block, "theirs");
         clipboard.openError = clipboard.setError = 0;
-        Write(out, 2, "more");
+        PutText(out, 2, "more");
         out.Finalize();
         EXPECT_EQ(clipboard.block, HeaderBytes(0, 0, 2) + TextRecord(1, "text") + TextRecord(2, "more"));
     }
@@ -108,7 +101,7 @@ TEST(ClipboardBinOutStreamTests, TheHeader) {
     FakeClipboard clipboard;
     TClipboardBinOutStream out(3, 2026);
     out.Initialize();
-    Write(out, 1, "text");
+    PutText(out, 1, "text");
     const std::string full(DEFAULT_BUFFER_SIZE, '5');
     out.Append(full.data(), full.size());
     out.RewriteHeader(); // the open record stays
@@ -120,7 +113,7 @@ TEST(ClipboardBinOutStreamTests, TheHeader) {
     const std::string own = HeaderBytes(1, 2, 1, 3) + "abc";
     out.Append(own.data(), own.size());
     out.Initialize();
-    Write(out, 1, "text");
+    PutText(out, 1, "text");
     out.Finalize();
     EXPECT_EQ(clipboard.block, own + TextRecord(1, "text"));
     EXPECT_EQ(Pasted(), "1 ");
@@ -224,7 +217,7 @@ TEST(RealClipboardStreamTests, CarriesRecords) {
     const PrivateClipboard clipboard;
     TClipboardBinOutStream out;
     out.Initialize();
-    for (const int uid : {1, 9}) Write(out, uid, "text");
+    for (const int uid : {1, 9}) PutText(out, uid, "text");
     out.Finalize();
     EXPECT_EQ(Pasted(), "1 9 ");
 }

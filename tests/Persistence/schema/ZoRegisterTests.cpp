@@ -80,31 +80,26 @@ TEST(ZoRegisterTests, ResolvesFieldsWhenTheirClassComes) {
     TZoMetaData schema;
     TZoClass* parent = Parent::Register(&schema);
     TZoClass* child = Child::Register(&schema);
-    const auto targets = [&] {
-        return std::vector<TZoClass*>{parent->FindField("target")->GetFieldClass(),
-                                      child->FindField("targets")->GetFieldClass(),
-                                      child->FindField("map")->GetFieldClass()};
-    };
-    EXPECT_EQ(targets(), std::vector<TZoClass*>(3, nullptr));
-    EXPECT_EQ(Text(child->FindField("map")->GetFieldClassName()), "Target");
-    EXPECT_FALSE(schema.Check(nullptr));
-    TZoClass* target = Target::Register(&schema);
-    EXPECT_EQ(targets(), std::vector<TZoClass*>(3, target));
-    ZoString report;
-    EXPECT_FALSE(schema.Check(&report));
-    EXPECT_EQ(Text(report), "[zoerror] class Leaf of reference field map not registered");
     auto* map = dynamic_cast<TZoClassFieldPointerMap*>(child->FindField("map"));
-    EXPECT_EQ(Text(map->GetKeyField()->GetFieldName()), "<unresolve>");
+    const auto expect = [&](TZoClass* target, TZoClass* leaf, const char* told) {
+        for (TZoClassField* field : {parent->FindField("target"), child->FindField("targets"),
+                                     child->FindField("map"), map->GetValueField()})
+            EXPECT_EQ(field->GetFieldClass(), target) << Text(field->GetFieldName());
+        EXPECT_EQ(map->GetKeyField()->GetFieldClass(), leaf);
+        EXPECT_EQ(Text(map->GetKeyField()->GetFieldName()), leaf == nullptr ? "<unresolve>" : "map");
+        ZoString report;
+        EXPECT_EQ(schema.Check(&report), told[0] == '\0');
+        EXPECT_NE(Text(report).find(told), std::string::npos);
+    };
+    EXPECT_EQ(Text(map->GetFieldClassName()), "Target");
+    expect(nullptr, nullptr, "[zoerror] class Target of reference field targets not registered");
+    TZoClass* target = Target::Register(&schema);
+    expect(target, nullptr, "[zoerror] class Leaf of reference field map not registered");
     EXPECT_EQ(Text(map->GetValueField()->GetFieldName()), "map");
     TZoClass* leaf = app::Leaf::Register(&schema);
-    EXPECT_EQ(map->GetKeyField()->GetFieldClass(), leaf);
-    EXPECT_EQ(map->GetValueField()->GetFieldClass(), target);
-    EXPECT_EQ(Text(map->GetKeyField()->GetFieldName()), "map");
-    EXPECT_TRUE(schema.Check(nullptr));
+    expect(target, leaf, "");
     Target::Unregister(&schema);
-    EXPECT_EQ(targets(), std::vector<TZoClass*>(3, nullptr));
-    EXPECT_EQ(map->GetValueField()->GetFieldClass(), nullptr);
-    EXPECT_FALSE(schema.Check(nullptr));
+    expect(nullptr, leaf, "[zoerror] class Target of reference field map not registered");
     Child::Unregister(&schema); // its waiting fields go too
     target = Target::Register(&schema);
     EXPECT_EQ(parent->FindField("target")->GetFieldClass(), target);
@@ -236,42 +231,33 @@ TEST(ZoRegisterTests, FindsCadastresAndAbstractClasses) {
 }
 
 TEST(ZoRegisterTests, EachFieldTellsItsTypeNameAndKind) {
+    using E = app::EveryKind;
     TZoMetaData schema;
     TZoClass* leaf = app::Leaf::Register(&schema);
     auto* generic = new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr);
     schema.AddClass(generic);
-    using app::EveryKind;
-    const struct {
-        ZoString (*fieldClassOf)(TZoMetaData*, TZoClass**, TZoClassFieldType*);
-        const char* name;
-        int kind;
-    } cases[] = {{EveryKind::Getfieldclassfor_anInt, "int", -1},
-                 {EveryKind::Getfieldclassfor_aFloat, "float", -2},
-                 {EveryKind::Getfieldclassfor_aDouble, "double", -3},
-                 {EveryKind::Getfieldclassfor_aString, "ZoString", -4},
-                 {EveryKind::Getfieldclassfor_aBlob, "ZoBlob", -5},
-                 {EveryKind::Getfieldclassfor_child, "Leaf", -6},
-                 {EveryKind::Getfieldclassfor_children, "Leaf", -7},
-                 {EveryKind::Getfieldclassfor_reference, "Leaf", -8},
-                 {EveryKind::Getfieldclassfor_references, "Leaf", -9},
-                 {EveryKind::Getfieldclassfor_aBool, "bool", -10},
-                 {EveryKind::Getfieldclassfor_ints, "list<int>", -11},
-                 {EveryKind::Getfieldclassfor_floats, "list<float>", -12},
-                 {EveryKind::Getfieldclassfor_doubles, "list<double>", -13},
-                 {EveryKind::Getfieldclassfor_strings, "list<ZoString>", -14},
-                 {EveryKind::Getfieldclassfor_external, "Leaf", -15},
-                 {EveryKind::Getfieldclassfor_externals, "Leaf", -16},
-                 {EveryKind::Getfieldclassfor_anUnsigned, "unsigned", -17},
-                 {EveryKind::Getfieldclassfor_member, "Leaf", -18},
-                 {EveryKind::Getfieldclassfor_map, "Leaf", -19},
-                 {StreamableList::Getfieldclassfor_list, "ZoObjectStreamable", -7}};
-    for (const auto& tested : cases) {
+    // By the numbers of the kinds: -1, -2 and so on.
+    ZoString (*const fields[])(TZoMetaData*, TZoClass**, TZoClassFieldType*) = {
+        E::Getfieldclassfor_anInt,     E::Getfieldclassfor_aFloat,     E::Getfieldclassfor_aDouble,
+        E::Getfieldclassfor_aString,   E::Getfieldclassfor_aBlob,      E::Getfieldclassfor_child,
+        E::Getfieldclassfor_children,  E::Getfieldclassfor_reference,  E::Getfieldclassfor_references,
+        E::Getfieldclassfor_aBool,     E::Getfieldclassfor_ints,       E::Getfieldclassfor_floats,
+        E::Getfieldclassfor_doubles,   E::Getfieldclassfor_strings,    E::Getfieldclassfor_external,
+        E::Getfieldclassfor_externals, E::Getfieldclassfor_anUnsigned, E::Getfieldclassfor_member,
+        E::Getfieldclassfor_map};
+    const char* const names[] = {
+        "int",  "float", "double",   "ZoString",  "ZoBlob",      "Leaf",         "Leaf",
+        "Leaf", "Leaf",  "bool",     "list<int>", "list<float>", "list<double>", "list<ZoString>",
+        "Leaf", "Leaf",  "unsigned", "Leaf",      "Leaf"};
+    for (std::size_t i = 0; i <= std::size(fields); ++i) {
+        const bool isList = i == std::size(fields);
         TZoClass* found = nullptr;
         TZoClassFieldType kind{};
-        const std::string name = Text(tested.fieldClassOf(&schema, &found, &kind));
-        EXPECT_EQ(name, tested.name);
-        EXPECT_EQ(kind, tested.kind) << name;
-        EXPECT_EQ(found, name == "Leaf" ? leaf : name == "ZoObjectStreamable" ? generic : nullptr) << name;
+        const auto field = isList ? StreamableList::Getfieldclassfor_list : fields[i];
+        const std::string name = Text(field(&schema, &found, &kind));
+        EXPECT_EQ(name, isList ? "ZoObjectStreamable" : names[i]);
+        EXPECT_EQ(kind, isList ? ftChildPointerList : -1 - static_cast<int>(i)) << name;
+        EXPECT_EQ(found, isList ? generic : name == "Leaf" ? leaf : nullptr) << name;
     }
 }
 
@@ -540,20 +526,41 @@ class Hearing : public ZoObjectStreamable {
     bool heard = false;
 };
 
-TEST(ZoRegisterTests, AnObjectHearsOfAReferenceToAnEarlierRecord) {
+class Listing : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Listing)
+    DECLARE_ZO_FIELD_REFERENCE_LIST(app::Leaf, targets)
+    REGISTER_ZO_END
+};
+class Owning : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Owning)
+    DECLARE_ZO_FIELD_CHILD(app::Leaf, target)
+    REGISTER_ZO_END
+};
+
+TEST(ZoRegisterTests, PointersToAnEarlierRecordAreHeardOfAndFollowAUidThatComesAgain) {
     TZoMetaData schema;
     app::Leaf::Register(&schema);
     Hearing::Register(&schema);
+    Listing::Register(&schema);
+    Owning::Register(&schema);
     Opened opened(FileOf({{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}},
-                          {.id = 2, .name = "Hearing", .references = {{1, -8, "target"}}}},
-                         {{1, 1, Payload().Int(7)}, {2, 2, Payload().Int(1)}}),
+                          {.id = 2, .name = "Hearing", .references = {{1, -8, "target"}}},
+                          {.id = 3, .name = "Listing", .referenceLists = {{1, -9, "targets"}}},
+                          {.id = 4, .name = "Owning", .children = {{1, -6, "target"}}}},
+                         {{1, 1, Payload().Int(7)},
+                          {2, 2, Payload().Int(1)},
+                          {3, 3, Payload().Ints({1, 1})},
+                          {4, 4, Payload().Int(1)},
+                          {1, 1, Payload().Int(9)}}),
                   schema);
     EXPECT_TRUE(opened.At<Hearing>(2).heard);
+    EXPECT_EQ(opened.At<Listing>(3).targets[1]->number, 9);
+    EXPECT_EQ(opened.At<Owning>(4).target->number, 9);
 }
 
 // Registration put off
 
-class GrandChild : public Child {
+class GrandChild : public Forgotten { // a base may be left out
     REGISTER_ZO_BEGIN(GrandChild, Child)
     DECLARE_ZO_FIELD(int, youngest)
     REGISTER_ZO_END

@@ -35,6 +35,14 @@ XNotReplaced::XNotReplaced(const XNotReplaced&) = default;
 XNotReplaced& XNotReplaced::operator=(const XNotReplaced&) = default;
 XNotReplaced::~XNotReplaced() = default;
 
+XWrongDigest::XWrongDigest(const ZoString& where)
+    : XReadStream(TTranslatedString("Arquivo corrompido").Text(), where, TStreamFailure::Damaged) {}
+XWrongDigest::~XWrongDigest() = default;
+
+XCancelled::XCancelled(const ZoString& where)
+    : XStream(TTranslatedString("Operação cancelada"_ansi).Text(), where, TStreamFailure::Cancelled) {}
+XCancelled::~XCancelled() = default;
+
 XEndOfStream::XEndOfStream() : XStream("End-of-file", "", TStreamFailure::Truncated) {}
 XEndOfStream::~XEndOfStream() = default;
 

@@ -6,6 +6,7 @@
 #include "Persistence/objects/ObjectReader.h"
 #include "Persistence/objects/ObjectRemoval.h"
 #include "Persistence/records/NamingFile.h"
+#include "Persistence/records/ProgressMeter.h"
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
@@ -126,17 +127,25 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
     }
     const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::Waiting,
                               !IsOverridden() ? &made.awaited : nullptr);
+    ProgressMeter meter(progress, "TBinInStreamer::ReadObjects");
+    const auto where = [this] {
+        std::pair<unsigned long long, unsigned long long> doneAndAll;
+        stream->GetProgress(doneAndAll.first, doneAndAll.second);
+        return doneAndAll;
+    };
     int uid = 0;
     int classId = 0;
     if (IsFiltered()) {
         const int count = static_cast<int>(classIds->size());
         while (stream->LoadFilteredRecord(&fileSchema, classIds->data(), &classId, &uid, count)) {
             ReadRecord(reader, uid, classId, made);
+            meter.Step(where);
         }
     } else {
         while (stream->LoadRecord(&uid, &classId)) {
             if (rootUid == 0) rootUid = uid;
             ReadRecord(reader, uid, classId, made);
+            meter.Step(where);
         }
     }
     made.HandOver();

@@ -65,10 +65,13 @@ void TBinOutStreamer::WriteObjectsWithMetaData(TDList<ZoStreamableBase*>* roots)
 template <class Action>
 void TBinOutStreamer::Write(Action writeAll) {
     try {
+        writer->BeginProgress();
         writeAll();
+        writer->EndProgress();
         stream->ResetHandles();
         RewriteHeader();
     } catch (...) {
+        writer->EndProgress();
         stream->FreeResourses();
         stream->ResetHandles();
         throw;

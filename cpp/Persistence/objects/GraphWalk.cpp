@@ -3,10 +3,13 @@
 #include "Persistence/instances/ClassNames.h"
 #include "Persistence/instances/HandleAccess.h"
 #include "Persistence/instances/ItemAction.h"
+#include "Persistence/records/ProgressMeter.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
 #include "ZoPrimitives/BinOutStream.h"
 #include "ZoPrimitives/ZoSources.h"
+
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -30,6 +33,8 @@ GraphWalk::GraphWalk(TBinOutStream& outStream, TZoMetaData* applicationSchema, W
     : stream(outStream), schema(applicationSchema), plans(writePlans), externals(externalInstances),
       knownExternals(externals.begin(), externals.end()), firstNew(HandleAccess::FirstNew(outStream)),
       classes(usedClasses) {}
+
+void GraphWalk::TellTo(ProgressMeter& told) { meter = told.IsUsed() ? &told : nullptr; }
 
 /// Whether the object is met for the first time. It has a uid afterwards.
 bool GraphWalk::Meet(const ZoStreamableBase* object) {
@@ -82,6 +87,7 @@ void GraphWalk::Finish() {
 
 void GraphWalk::Enter(ZoStreamableBase* object, TZoClass* objectClass) {
     order.push_back(object);
+    if (meter != nullptr) meter->Step([this] { return std::pair(order.size(), std::size_t{0}); });
     if (series.empty() || series.back().objectClass != objectClass) BeginSeries(objectClass);
     series.back().end = order.size();
     WritePlan& plan = *series.back().plan;

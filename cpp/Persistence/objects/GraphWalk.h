@@ -11,6 +11,7 @@
 
 namespace ZoPrimitives {
 
+class ProgressMeter;
 class TBinOutStream;
 
 /// Walks a graph of objects depth first, with a stack of its own. Gives each object without a uid the next
@@ -29,6 +30,8 @@ public:
     GraphWalk(TBinOutStream& stream, TZoMetaData* schema, WritePlans& plans,
               TDList<ZoStreamableBase*>& externals, UsedClasses* classes = nullptr);
 
+    /// Has the meter count the objects met; it must outlive the walk.
+    void TellTo(ProgressMeter& told);
     /// Makes room for an expected number of objects.
     void Reserve(std::size_t objects) { order.reserve(objects); }
     /// Walks what hangs from `root`, which may be null. An object that had a uid before is walked as well;
@@ -74,6 +77,7 @@ private:
     ZoVector<ZoStreamableBase*> order;
     std::vector<Series> series;
     UsedClasses* classes;
+    ProgressMeter* meter = nullptr;    // null unless it is used
     UsedClasses::Plan* used = nullptr; // of the latest series
     bool steady = true;
 };

@@ -7,6 +7,7 @@
 #include "Platform/Compiler.h"
 
 #include <typeinfo>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -92,6 +93,7 @@ void ObjectWriter::Close(TBinOutStream& stream, const ZoStreamableBase* object, 
     const int uid = HandleAccess::Get(stream, object);
     stream.FlushRecord(uid, objectClass.GetClassId());
     saved.Add(stream, uid);
+    meter.Step([&] { return std::pair(saved.CountOf(stream), toSave); });
 }
 
 void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
@@ -117,12 +119,14 @@ void ObjectWriter::WriteGraphWithSchema(TBinOutStream& stream, const TDList<ZoSt
 /// Walks the roots, then the externals, whose list grows meanwhile.
 void ObjectWriter::Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
                           const TDList<ZoStreamableBase*>& externals) {
+    walk.TellTo(meter);
     for (ZoStreamableBase* root : roots) walk.Run(root);
     for (unsigned long long i = 1; i <= externals.NItems(); ++i) walk.Run(externals[i]);
 }
 
 void ObjectWriter::WriteRecords(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
                                 const GraphWalk& walk) {
+    toSave = walk.Order().size();
     // If no code of the application runs in between, the graph stays as it was walked.
     if (walk.IsSteady() && stream.PutsDirectly() && typeid(streamer) == typeid(TBinOutStreamer)) {
         SaveInOrder(stream, walk);
@@ -160,6 +164,13 @@ void ObjectWriter::SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamable
         mode = OwnerWalk::Mode::NumberedAgain;
     } while (saved.CountOf(stream) != numbered && saved.CountOf(stream) != before);
 }
+
+void ObjectWriter::BeginProgress() {
+    meter = ProgressMeter(streamer.progress, "TBinOutStreamer::WriteObjects");
+    toSave = 0;
+}
+
+void ObjectWriter::EndProgress() { meter = ProgressMeter(); }
 
 void ObjectWriter::Save(TBinOutStream& stream, ZoStreamableBase* object, TZoClass* asClass) {
     OwnerWalk(*this, stream, OwnerWalk::Mode::ByHand).Run(object, asClass);

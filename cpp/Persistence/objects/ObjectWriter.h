@@ -2,6 +2,7 @@
 
 #include "Persistence/instances/HandleAccess.h"
 #include "Persistence/objects/GraphWalk.h"
+#include "Persistence/records/ProgressMeter.h"
 #include "Persistence/schema/WritePlan.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 
@@ -67,6 +68,10 @@ public:
     /// Writes the fields of a class and its ancestors into the open record.
     static void WriteFields(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass);
 
+    /// Between these calls a whole graph's progress is told.
+    void BeginProgress();
+    void EndProgress();
+
     bool IsSaved(const TBinOutStream& stream, const ZoStreamableBase* object) const {
         return saved.Has(stream, object);
     }
@@ -77,8 +82,8 @@ private:
     /// Returns whether the application's code may have run.
     bool SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object, TZoClass* objectClass);
     void Close(TBinOutStream& stream, const ZoStreamableBase* object, const TZoClass& objectClass);
-    static void Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
-                       const TDList<ZoStreamableBase*>& externals);
+    void Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
+                const TDList<ZoStreamableBase*>& externals);
     void WriteRecords(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, const GraphWalk& walk);
     void SaveInOrder(TBinOutStream& stream, const GraphWalk& walk);
     void SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t numbered);
@@ -86,6 +91,8 @@ private:
     TBinOutStreamer& streamer;
     WritePlans plans;
     SavedUids saved;
+    ProgressMeter meter;
+    std::size_t toSave = 0; // objects; 0: not known
 };
 
 } // namespace ZoPrimitives

@@ -51,7 +51,9 @@ public:
     Opening(TBinInStream& openStream, TZoMetaData* applicationSchema, const TZoRootType& wantedType,
             const TZoOpening& options)
         : stream(openStream), schema(applicationSchema), rootType(wantedType), how(options),
-          streamer(&stream, schema) {}
+          streamer(&stream, schema) {
+        streamer.SetProgress(how.progress);
+    }
 
     TDVector<ZoStreamableBase*> Run(TZoOpenedObjects& opened) {
         try {
@@ -152,6 +154,7 @@ TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRoo
                                           const char* path, TZoMetaData* schema, const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TFileBinInStream file(path, how.reading, how.version);
+    file.SetChecksDigest(!how.salvages);
     file.Initialize();
     return Opening(file, schema, rootType, how).Run(opened);
 }
@@ -161,6 +164,7 @@ TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRoo
                                           const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TMemoryBinInStream memory(block, size, how.version);
+    memory.SetChecksDigest(!how.salvages);
     memory.Initialize();
     return Opening(memory, schema, rootType, how).Run(opened);
 }
@@ -169,6 +173,7 @@ TDVector<ZoStreamableBase*> ZoOpenClipboardObjects(TZoOpenedObjects& opened, con
                                                    TZoMetaData* schema, const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TClipboardBinInStream clipboard(how.version);
+    clipboard.SetChecksDigest(!how.salvages);
     clipboard.Initialize();
     return Opening(clipboard, schema, rootType, how).Run(opened);
 }

@@ -43,8 +43,11 @@ void Check(const Roots& roots, TZoMetaData* schema, const TZoSaving& how) {
 
 void Write(TBinOutStream& stream, Roots& roots, TZoMetaData* schema, const TZoSaving& how) {
     stream.SetUsesSecurity(how.scrambles);
+    stream.SetWritesDigest(how.digest);
     stream.Initialize();
-    TBinOutStreamer(&stream, schema).WriteObjectsWithMetaData(&roots);
+    TBinOutStreamer streamer(&stream, schema);
+    streamer.SetProgress(how.progress);
+    streamer.WriteObjectsWithMetaData(&roots);
 }
 
 Roots ListOf(ZoStreamableBase* root) {

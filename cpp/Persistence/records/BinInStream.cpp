@@ -2,6 +2,7 @@
 
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "Persistence/records/ErrorText.h"
+#include "Persistence/records/HeadDigest.h"
 #include "Persistence/records/NamingFile.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Persistence/records/RecordHunt.h"
@@ -181,6 +182,11 @@ void TBinInStream::TakePastEnd(void* value, unsigned size) {
 
 void TBinInStream::SetRecordPosition(unsigned newPosition) { position = std::min(newPosition, recordSize); }
 
+void TBinInStream::GetProgress(unsigned long long& done, unsigned long long& all) const {
+    done = HasWindow() ? WindowPosition() : loaded;
+    all = HasWindow() ? WindowSize() : std::max<unsigned long long>(loaded, header.recordCount);
+}
+
 // Raw reading
 
 void TBinInStream::SetWindow(const unsigned char* begin, const unsigned char* end) {
@@ -265,10 +271,39 @@ bool TBinInStream::LoadHeader() {
         header.extraLength >= RecordFormat::EXTRA_LENGTH_LIMIT) {
         return false;
     }
-    // Nothing reads the extra block: if it is cut short, the search for the first record finds the end.
-    if (header.extraLength != 0 && !ReadAll(Buffer(), header.extraLength) && readError != 0) return false;
+    digest = nullptr;
+    if (header.extraLength != 0 && !ReadExtraBlock()) return false;
     if (supportedVersion < header.version) throw XNewerVersion(header.version, supportedVersion);
     return true;
+}
+
+/// False when the device fails. A block that is cut short is the next record's concern.
+bool TBinInStream::ReadExtraBlock() {
+    DigestedHeader whole{header, {}};
+    const unsigned known = std::min<unsigned>(header.extraLength, sizeof whole.block);
+    if (!ReadAll(&whole.block, known) || !PassOver(header.extraLength - known)) return readError == 0;
+    if (!checksDigest || header.extraLength != sizeof whole.block) return true;
+    if (whole.block.name != DigestBlock::NAME || whole.block.layout != DigestBlock::LAYOUT) return true;
+    digest = std::make_unique<HeadDigest>();
+    wantedDigest = whole.block.digest;
+    skippedBefore = skipped;
+    return true;
+}
+
+/// The record at hand, whose head was read in pieces.
+void TBinInStream::AddToDigest(std::uint32_t marker, unsigned size) {
+    unsigned char head[HEAD_SIZE];
+    RecordFormat::WriteHead(head, {marker, size, crc, classId, uid, key});
+    digest->Add(head);
+}
+
+/// At the end of the data.
+void TBinInStream::CheckDigest() {
+    if (digest == nullptr) return;
+    const DigestedHeader whole{header, {}};
+    const bool same = whole.DigestWith(*digest) == wantedDigest && skipped == skippedBefore && trailing == 0;
+    digest = nullptr;
+    if (!same) throw XWrongDigest("TBinInStream::CheckDigest");
 }
 
 // Records
@@ -288,6 +323,7 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
     if (!HeadInWindow(head) || RecordFormat::DecodeKey(head.key) != 0) return false;
     const unsigned char* payload = windowCursor + HEAD_SIZE;
     if (~Crc32Update(0xFFFFFFFFu, payload, head.size) != head.crc) return false;
+    if (digest != nullptr) digest->Add(windowCursor);
     windowCursor = payload + head.size;
     ++loaded;
     record = payload;
@@ -303,7 +339,10 @@ bool TBinInStream::NextInWindow(int* recordUid, int* recordClassId) {
 /// Passes over whole records of other classes; looks at their heads alone.
 void TBinInStream::PassInWindow(const RecordFilter& filter) {
     RecordFormat::RecordHead head;
-    while (HeadInWindow(head) && !filter.Takes(head.classId)) windowCursor += HEAD_SIZE + head.size;
+    while (HeadInWindow(head) && !filter.Takes(head.classId)) {
+        if (digest != nullptr) digest->Add(windowCursor);
+        windowCursor += HEAD_SIZE + head.size;
+    }
 }
 
 bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
@@ -315,7 +354,9 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
                                           "TBinInStream::LoadRecord #3",
                                           nullptr};
     if (TakesFromWindow() && NextInWindow(recordUid, recordClassId)) return true;
-    return Hunt(POINTS, nullptr, recordUid, recordClassId) == Found::Record;
+    if (Hunt(POINTS, nullptr, recordUid, recordClassId) == Found::Record) return true;
+    CheckDigest();
+    return false;
 }
 
 /// Looks for the next good record or, with a filter, for the next one of another class, which is passed over.
@@ -329,6 +370,7 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
         if (readError != 0) ThrowReadError(points.size);
         return Found::Nothing;
     }
+    trailing = 0;
     for (unsigned round = 1; round <= ROUND_LIMIT; ++round) {
         if (RecordFormat::IsMarker(window)) {
             unsigned size = 0;
@@ -344,6 +386,7 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
             ReadOrThrow(&key, sizeof key, points.key);
             if (filter != nullptr && !filter->Takes(classId)) {
                 if (!PassOver(size)) ThrowReadError(points.passedPayload);
+                if (digest != nullptr) AddToDigest(window, size);
                 return Found::OtherClass;
             }
             ReadOrThrow(Buffer(), size, points.payload);
@@ -352,6 +395,7 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
             if (~Crc32Update(0xFFFFFFFFu, buffer, size) == crc) {
                 UseBuffer(size);
                 ++loaded;
+                if (digest != nullptr) AddToDigest(window, size);
                 currentUid = uid;
                 *recordUid = uid;
                 *recordClassId = classId;

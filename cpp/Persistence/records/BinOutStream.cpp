@@ -1,5 +1,6 @@
 #include "ZoPrimitives/BinOutStream.h"
 
+#include "Persistence/records/HeadDigest.h"
 #include "Persistence/records/RecordFormat.h"
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/ZoBlob.h"
@@ -30,7 +31,9 @@ TBinOutStream& TBinOutStream::operator=(const TBinOutStream& other) {
     if (this == &other) return *this;
     header = other.header;
     usesSecurity = other.usesSecurity;
+    writesDigest = other.writesDigest;
     records.Assign(other.records);
+    header.extraLength = records.HasDigest() ? sizeof(DigestBlock) : 0;
     return *this;
 }
 
@@ -116,7 +119,22 @@ void TBinOutStream::FreeResourses() {}
 void TBinOutStream::SaveHeader() {
     *this << header.version << header.reserved1 << header.reserved2 << header.recordCount << header.release
           << header.reserved3 << header.extraLength;
+    HeadDigest* heads = records.Digest();
+    if (heads == nullptr) return;
+    DigestedHeader whole{header, {}};
+    if (heads->Covers())
+        whole.block.digest = whole.DigestWith(*heads);
+    else
+        whole.block.layout = DigestBlock::NONE;
+    *this << whole.block.name << whole.block.layout << whole.block.digest;
 }
+
+void TBinOutStream::BeginDigest() {
+    records.StartDigest(writesDigest && GetBufferSize() == 0);
+    header.extraLength = records.HasDigest() ? sizeof(DigestBlock) : 0;
+}
+
+unsigned TBinOutStream::HeaderSize() const { return RecordFormat::HEADER_SIZE + header.extraLength; }
 
 void TBinOutStream::RewriteHeader() {}
 
@@ -163,6 +181,7 @@ std::vector<unsigned char> TBinOutStream::HeaderBytes() {
 
 void TBinOutStream::StartAnew() {
     records.DropFrames();
+    BeginDigest();
     header.recordCount = 0;
 }
 

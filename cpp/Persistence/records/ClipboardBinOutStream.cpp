@@ -18,7 +18,7 @@ TClipboardBinOutStream::~TClipboardBinOutStream() = default;
 void TClipboardBinOutStream::Initialize() {
     StartAnew();
     if (GetBufferSize() == 0) SaveHeader();
-    plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
+    plainHeader = GetBufferSize() == HeaderSize();
     writing = true;
     FlushBuffer();
     headerSize = Records().FramesSize();
@@ -37,7 +37,7 @@ void TClipboardBinOutStream::FlushBuffer() {
 }
 
 void TClipboardBinOutStream::RewriteHeader() {
-    if (!writing || headerSize < RecordFormat::HEADER_SIZE) return;
+    if (!writing || headerSize < HeaderSize()) return;
     const std::vector<unsigned char> header = HeaderBytes();
     if (header.size() <= headerSize) Records().PatchFrames(header.data(), header.size());
 }

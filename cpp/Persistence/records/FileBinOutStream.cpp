@@ -2,6 +2,7 @@
 
 #include "Persistence/records/FileAccess.h"
 #include "Persistence/records/FileReplacement.h"
+#include "Persistence/records/HeadDigest.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Platform/Platform.h"
 #include "ZoPrimitives/WholeText.h"
@@ -49,8 +50,11 @@ TFileBinOutStream::~TFileBinOutStream() {
 void TFileBinOutStream::Initialize() {
     ZO_ASSERT(state == State::New, "state == State::New && \"[zoerror] a stream writes one file\"",
               ZoSources::FILE_BIN_OUT_STREAM);
-    if (GetBufferSize() == 0) SaveHeader();
-    plainHeader = GetBufferSize() == RecordFormat::HEADER_SIZE;
+    if (GetBufferSize() == 0) {
+        BeginDigest();
+        SaveHeader();
+    }
+    plainHeader = GetBufferSize() == HeaderSize();
     headerCount = GetNInstances();
     if (file == nullptr) {
         throughTemporary = backup || asksTemporary || System().NetworkFile(GetFileName().c_str());
@@ -123,6 +127,7 @@ void TFileBinOutStream::WriteGathered() {
 void TFileBinOutStream::WriteToFile(const unsigned char* data, unsigned size) {
     CheckWriting();
     WriteGathered();
+    InvalidateDigest();
     WriteBytes(data, size);
 }
 
@@ -162,7 +167,12 @@ unsigned long long TFileBinOutStream::GetPosition() {
 void TFileBinOutStream::Reset() {
     CheckWriting();
     WriteGathered();
+    InvalidateDigest();
     SeekTo(headerStart, "TFileBinOutStream::Reset");
+}
+
+void TFileBinOutStream::InvalidateDigest() {
+    if (HeadDigest* heads = Records().Digest()) heads->Invalidate();
 }
 
 void TFileBinOutStream::RewriteHeader() {
@@ -213,7 +223,7 @@ void TFileBinOutStream::Discard() {
 
 void TFileBinOutStream::Finalize() {
     if (state != State::Writing) return;
-    if (plainHeader && headerCount != GetNInstances()) RewriteHeader();
+    if (plainHeader && (headerCount != GetNInstances() || Records().HasDigest())) RewriteHeader();
     WriteGathered();
     if (isWhole) EndFile();
     state = State::Ended;

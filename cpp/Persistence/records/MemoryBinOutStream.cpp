@@ -19,7 +19,7 @@ void TMemoryBinOutStream::Initialize() {
     StartAnew();
     if (GetBufferSize() == 0) SaveHeader();
     FlushBuffer();
-    headerSize = GetSize() >= RecordFormat::HEADER_SIZE ? GetSize() : 0;
+    headerSize = GetSize() >= HeaderSize() ? GetSize() : 0;
 }
 
 void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId, true); }

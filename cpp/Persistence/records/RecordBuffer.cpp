@@ -1,6 +1,7 @@
 #include "ZoPrimitives/RecordBuffer.h"
 
 #include "Persistence/checksums/Crc32Kernel.h"
+#include "Persistence/records/HeadDigest.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Platform/Memory.h"
 #include "ZoPrimitives/ZoAssert.h"
@@ -37,6 +38,7 @@ void RecordBuffer::Assign(const RecordBuffer& other) {
     if (use == Use::Gather || other.use == Use::Gather) {
         Drop();
         Append(other.record, other.Size());
+        digest = nullptr;
         return;
     }
     const std::size_t payload = other.Size();
@@ -47,6 +49,7 @@ void RecordBuffer::Assign(const RecordBuffer& other) {
     summedEnd = block + (other.summedEnd - other.block);
     SetBounds(frames, payload);
     std::memcpy(record, other.record, payload);
+    digest = other.digest == nullptr ? nullptr : std::make_unique<HeadDigest>(*other.digest);
 }
 
 void RecordBuffer::Allocate(std::size_t capacity) {
@@ -100,7 +103,10 @@ void RecordBuffer::Frame(int uid, int classId, unsigned key) {
     }
     RecordFormat::WriteHead(frame, head);
     framesEnd = position;
-    if (key != 0) summedEnd = framesEnd;
+    if (key != 0) {
+        summedEnd = framesEnd;
+        if (digest != nullptr) digest->Add(frame);
+    }
     SetBounds(static_cast<std::size_t>(framesEnd - block), 0);
     if (framesEnd - summedEnd > SUM_BATCH + SUM_LAG) SumFrames(framesEnd - SUM_LAG);
 }
@@ -111,6 +117,7 @@ void RecordBuffer::SumFrames(const unsigned char* end) {
         const std::uint32_t size = RecordFormat::ReadSize(summedEnd);
         if (payload + size > end) break;
         RecordFormat::WriteCrc(summedEnd, ~Crc32Update(0xFFFFFFFFu, payload, size));
+        if (digest != nullptr) digest->Add(summedEnd);
         summedEnd = payload + size;
     }
 }
@@ -118,6 +125,7 @@ void RecordBuffer::SumFrames(const unsigned char* end) {
 void RecordBuffer::FrameRaw() {
     SumFrames(framesEnd);
     const unsigned size = Size();
+    if (digest != nullptr && size != 0) digest->AddRaw();
     std::memmove(framesEnd, record, size);
     framesEnd += size;
     summedEnd = framesEnd;
@@ -135,6 +143,13 @@ void RecordBuffer::DropFrames() {
     std::memmove(block + RecordFormat::HEAD_SIZE, record, size);
     summedEnd = block;
     SetBounds(0, size);
+}
+
+void RecordBuffer::StartDigest(bool wanted) { digest = wanted ? std::make_unique<HeadDigest>() : nullptr; }
+
+HeadDigest* RecordBuffer::Digest() {
+    if (digest != nullptr) SumFrames(framesEnd);
+    return digest.get();
 }
 
 void RecordBuffer::PatchFrames(const void* data, std::size_t size) {

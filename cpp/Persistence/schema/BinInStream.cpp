@@ -37,7 +37,9 @@ bool TBinInStream::LoadFilteredRecord(TZoMetaData* schema, const int* ids, int* 
         }
         found = Hunt(POINTS, &filter, recordUid, recordClassId);
     }
-    return found == Found::Record;
+    if (found == Found::Record) return true;
+    CheckDigest();
+    return false;
 }
 
 } // namespace ZoPrimitives

@@ -14,6 +14,7 @@
 
 namespace ZoPrimitives {
 
+class HeadDigest;
 class InstanceTables;
 class RecordFilter;
 struct TBinUnresolved;
@@ -82,6 +83,13 @@ public:
     /// truncated record that was to be skipped, #7 one that was asked for.
     bool LoadFilteredRecord(TZoMetaData* schema, const int* ids, int* classId, int* uid, int idCount);
 
+    /// Before the header is read: whether the digest of the data, where there is one, is checked. At the end
+    /// of the data `LoadRecord` and `LoadFilteredRecord` then throw `XWrongDigest` if a record is missing,
+    /// comes twice or in another place, if the class, uid or key of one or the header has changed, or if
+    /// anything was skipped. False by default.
+    void SetChecksDigest(bool checks) { checksDigest = checks; }
+    bool GetChecksDigest() const { return checksDigest; }
+
     /// The handle of the file that the stream reads; null if there is none.
     virtual void* GetFile() const;
 
@@ -98,6 +106,8 @@ public:
     unsigned long long GetSkipped() const { return skipped; }
     /// At the end of the data: how many bytes, 0 to 3, are left that are too few to look at.
     unsigned GetTrailing() const { return trailing; }
+    /// How far the data is read: `done` of `all`, bytes if the data is in memory, else records.
+    void GetProgress(unsigned long long& done, unsigned long long& all) const;
     /// Records loaded so far.
     unsigned long long GetLoaded() const { return loaded; }
     bool GetOwnsSource() const { return ownsSource; }
@@ -233,6 +243,9 @@ private:
     void ReadOrThrow(void* data, unsigned size, const char* location);
     void TakePastEnd(void* value, unsigned size);
     [[noreturn]] void ThrowReadError(const char* location) const;
+    bool ReadExtraBlock();
+    void AddToDigest(std::uint32_t marker, unsigned size);
+    void CheckDigest();
     unsigned char* Buffer();
     void UseBuffer(unsigned size);
 
@@ -261,6 +274,10 @@ private:
     const unsigned char* windowCursor = nullptr;
     const unsigned char* windowEnd = nullptr;
     bool asksRead = false;
+    bool checksDigest = false;
+    std::uint32_t wantedDigest = 0;
+    unsigned long long skippedBefore = 0; // the data of that digest
+    std::unique_ptr<HeadDigest> digest;   // while one is checked
 
     ZoString scratch;
     std::unique_ptr<InstanceTables, EndInstances> instances;

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "ZoPrimitives/ZoMetaData.h"
+#include "ZoPrimitives/ZoProgress.h"
 
 #include <memory>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -39,6 +42,14 @@ protected:
 
 public:
     TBinInStream* GetStream() const { return stream; }
+    /// Has reading tell how far it has come, until all records are read. When it is cancelled the objects
+    /// made are deleted.
+    void SetProgress(const pointer<TZoProgress>& newProgress) { progress = newProgress; }
+    template <class Callable,
+              class = std::enable_if_t<!std::is_convertible_v<Callable, pointer<TZoProgress>>>>
+    void SetProgress(Callable callable) {
+        SetProgress(ZoProgress(std::move(callable)));
+    }
     /// The file handle of a file stream; null for other streams.
     void* GetFile() const;
     TZoMetaData* GetFileMetaData() { return &fileSchema; }
@@ -96,6 +107,7 @@ private:
 
     TBinInStream* stream;
     TZoMetaData* schema;
+    pointer<TZoProgress> progress;
     TZoMetaData fileSchema;
     TIList<TZoClass, pointer<TZoClass>> unknown;
     std::unique_ptr<Uses> uses;

@@ -59,7 +59,8 @@ public:
     virtual void FreeResourses();
     /// Opens the sink and writes the header to it.
     virtual void Initialize() = 0;
-    /// Appends the seven header fields, through `operator<<(unsigned)`.
+    /// Appends the seven header fields, through `operator<<(unsigned)`, and the extra block if there is a
+    /// digest.
     virtual void SaveHeader();
     /// Puts the final record count into a header that was already emitted. The base class does nothing.
     virtual void RewriteHeader();
@@ -86,6 +87,13 @@ public:
     /// Whether payloads are scrambled, which obfuscates but does not protect them. False by default.
     void SetUsesSecurity(bool uses) { usesSecurity = uses; }
     bool GetUsesSecurity() const { return usesSecurity; }
+    /// Whether the next `Initialize` begins a digest of what the checksums of records leave out, the records'
+    /// heads and the header (`TBinInStream::SetChecksDigest`), unless the caller has placed a header of its
+    /// own. False by default. The digest stands in the header's extra block; `RewriteHeader` and the sinks'
+    /// `Finalize`s fill it in. Bytes other than records behind the header, and a `Reset`, cannot be covered:
+    /// the block then says that there is no digest.
+    void SetWritesDigest(bool writes) { writesDigest = writes; }
+    bool GetWritesDigest() const { return writesDigest; }
 
     /// Appends raw bytes to the open record; `data` may be null when there are none.
     void Append(const void* data, std::size_t size) { records.Append(data, size); }
@@ -119,9 +127,13 @@ protected:
 
     /// Counts the open record and, unless it is empty, frames it after the frames gathered so far.
     void Frame(int uid, int classId, bool mayScramble);
+    /// Begins the digest, or none. To be called by `Initialize` before it calls `SaveHeader`.
+    void BeginDigest();
+    /// The size of what `SaveHeader` appends.
+    unsigned HeaderSize() const;
     /// The header as `SaveHeader` would write it now; the open record is unchanged.
     std::vector<unsigned char> HeaderBytes();
-    /// Forgets the frames and their count; the open record is unchanged.
+    /// Forgets the frames and their count, and begins a digest; the open record is unchanged.
     void StartAnew();
 
 private:
@@ -130,6 +142,7 @@ private:
 
     TBinHeader header;
     bool usesSecurity = false;
+    bool writesDigest = false;
     RecordBuffer records;
     ZoHandleTable handles;
 };

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "ZoPrimitives/ZoObject.h"
+#include "ZoPrimitives/ZoProgress.h"
 #include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/dvector.h"
 
 #include <cstddef>
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -37,6 +39,14 @@ public:
 
     TZoMetaData* GetMetaData() const { return schema; }
     TBinOutStream* GetStream() const { return stream; }
+    /// Has writing objects tell how far it has come. When it is cancelled the stream's resources are freed: a
+    /// file that was written in place keeps what was written so far.
+    void SetProgress(const pointer<TZoProgress>& newProgress) { progress = newProgress; }
+    template <class Callable,
+              class = std::enable_if_t<!std::is_convertible_v<Callable, pointer<TZoProgress>>>>
+    void SetProgress(Callable callable) {
+        SetProgress(ZoProgress(std::move(callable)));
+    }
     /// The file handle of a file stream; null for other streams.
     void* GetFile() const;
     void SetFile(void* file);
@@ -82,6 +92,7 @@ private:
 
     TBinOutStream* stream;
     TZoMetaData* schema;
+    pointer<TZoProgress> progress;
     std::unique_ptr<ObjectWriter> writer;
     std::size_t expected = 0; // number of objects found while the schema was collected
 };

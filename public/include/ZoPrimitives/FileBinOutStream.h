@@ -92,6 +92,7 @@ private:
     void WriteGathered();
     void WriteBytes(const unsigned char* data, unsigned size);
     void NoteEnd();
+    void InvalidateDigest();
     void EndFile();
     void SeekTo(unsigned long long offset, const char* location);
     void Abandon();

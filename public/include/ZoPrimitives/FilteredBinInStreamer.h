@@ -29,6 +29,12 @@ public:
     /// hooks while pointers are resolved) leaves them to the caller.
     virtual bool Read();
 
+    /// As `TBinInStreamer::SetProgress`.
+    template <class Progress>
+    void SetProgress(Progress progress) {
+        reader.SetProgress(std::move(progress));
+    }
+
     /// The same for a caller who takes the objects from the stream (`TBinInStream::Objects`).
     static bool ReadFromStream(TBinInStream* stream, TZoMetaData* schema, const TDList<ZoString>* classNames);
 

@@ -5,8 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 namespace ZoPrimitives {
+
+class HeadDigest;
 
 /// The largest payload of a record, in bytes.
 inline constexpr unsigned DEFAULT_BUFFER_SIZE = 10'485'760;
@@ -63,6 +66,11 @@ public:
     unsigned long long FramesSize() const { return static_cast<unsigned long long>(framesEnd - block); }
     /// Forgets the frames; the open record is unchanged.
     void DropFrames();
+    /// Begins a digest of the frames, or none.
+    void StartDigest(bool wanted);
+    bool HasDigest() const { return digest != nullptr; }
+    /// The digest so far, all frames included; null if there is none.
+    HeadDigest* Digest();
     /// Overwrites the first bytes of the frames: those that `FrameRaw` added before any other.
     void PatchFrames(const void* data, std::size_t size);
     /// Hands over the block, on the C heap, with `size` bytes of frames, and starts an empty one. The open
@@ -91,6 +99,7 @@ private:
     unsigned char* record = nullptr;
     unsigned char* position = nullptr;
     unsigned char* limit = nullptr; // the open record may grow up to here
+    std::unique_ptr<HeadDigest> digest;
 };
 
 } // namespace ZoPrimitives

@@ -94,6 +94,20 @@ private:
     ZoString writtenPath;
 };
 
+/// The digest of the data is not that of its records. The message is "Arquivo corrompido".
+class ZO_API XWrongDigest : public XReadStream {
+public:
+    explicit XWrongDigest(const ZoString& location);
+    ~XWrongDigest() override;
+};
+
+/// A `TZoProgress` has cancelled the operation. The message is translated.
+class ZO_API XCancelled : public XStream {
+public:
+    explicit XCancelled(const ZoString& location);
+    ~XCancelled() override;
+};
+
 /// Nothing is left to read. The message is "End-of-file", the location empty.
 class ZO_API XEndOfStream : public XStream {
 public:

@@ -4,6 +4,7 @@
 #include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoClassField.h"
+#include "ZoPrimitives/ZoProgress.h"
 #include "ZoPrimitives/dvector.h"
 
 #include <typeinfo>
@@ -17,8 +18,9 @@ struct TZoOpening {
     unsigned version = 0xFFFFFFFFu; ///< the newest version that the application reads
     /// How a file is shared while it is read. It is closed afterwards.
     TFileReading reading = TFileReading::Locking;
-    bool severalRoots = false; ///< the data may hold more than one root, each of the type asked for
-    bool salvages = false;     ///< opens what is left of damaged data
+    bool severalRoots = false;       ///< the data may hold more than one root, each of the type asked for
+    bool salvages = false;           ///< opens what is left of damaged data
+    pointer<TZoProgress> progress{}; ///< hears how far it is, and may cancel; null for none
 };
 
 /// All objects that one call has opened. Those that no other object owns live as long as the result.

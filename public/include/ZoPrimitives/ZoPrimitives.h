@@ -59,6 +59,7 @@
 #include "ZoPrimitives/ZoMemory.h"
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoOpen.h"
+#include "ZoPrimitives/ZoProgress.h"
 #include "ZoPrimitives/ZoRegister.h"
 #include "ZoPrimitives/ZoSave.h"
 #include "ZoPrimitives/ZoSources.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/ZoBlob.h"
+#include "ZoPrimitives/ZoProgress.h"
 #include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/dvector.h"
 
@@ -13,7 +14,9 @@ struct TZoSaving {
     unsigned version = 0; ///< of the format, below 10,000; an application that knows only older ones refuses
     unsigned release = 0; ///< of the application, below 1,000,000
     bool backup = true;   ///< a file's previous version is kept under its name followed by "-bak"
+    bool digest = true;   ///< damage that the records' checksums miss is found (`SetWritesDigest`)
     bool scrambles = false; ///< obfuscates records (`TBinOutStream::SetUsesSecurity`); never on the clipboard
+    pointer<TZoProgress> progress{}; ///< hears how far it is, and may cancel; null for none
 };
 
 /// Saves the graph of objects under one root, or under several, to a file.

@@ -3,9 +3,11 @@
 
 #include "support/EveryKind.h"
 #include "support/FakeClipboard.h"
+#include "support/FakeClock.h"
 #include "support/TemporaryFolder.h"
 
 #include "ZoPrimitives/FileBinInStream.h"
+#include "ZoPrimitives/FilteredBinInStreamer.h"
 
 #include <gmock/gmock.h>
 
@@ -97,8 +99,8 @@ TEST(ZoSaveTests, OpensWhatWasSaved) {
         const ZoBlob memory = ZoSaveInMemory(&model, &schema, how);
         ZoSave(path.c_str(), &model, &schema, how);
         ZoSaveOnClipboard(&model, &schema, how);
-        EXPECT_EQ(clipboard.block->substr(28), records);
-        EXPECT_EQ(folder.Read("plan.zo").substr(28) == records, !scrambles);
+        EXPECT_EQ(clipboard.block->substr(28 + 12), records) << "behind the digest";
+        EXPECT_EQ(folder.Read("plan.zo").substr(28 + 12) == records, !scrambles);
         for (const auto& opened : {ZoOpen<app::EveryKind>(path.c_str(), &schema, {3}),
                                    ZoOpenFromMemory<app::EveryKind>(memory, &schema, {3}),
                                    ZoOpenFromClipboard<app::EveryKind>(&schema, {3})}) {
@@ -277,7 +279,10 @@ TEST(ZoSaveTests, OpensAllThatWasSavedOrNothing) {
     const pointer<Room> root(new Room("outer"));
     root->inner = new Room("inner");
     root->inner->inner = new Room("innermost");
-    const std::string good = Bytes(ZoSaveInMemory(root.get(), &schema, {2}));
+    const std::string digested = Bytes(ZoSaveInMemory(root.get(), &schema, {2}));
+    TZoSaving plain{2};
+    plain.digest = false;
+    const std::string good = Bytes(ZoSaveInMemory(root.get(), &schema, plain));
     const std::vector<Row> rows = RowsOf(good);
     const auto changed = [](std::string bytes, std::size_t at) { return bytes[at] ^= 1, bytes; };
     const std::string corrupted = "Arquivo corrompido @ ZoOpen";
@@ -288,6 +293,9 @@ TEST(ZoSaveTests, OpensAllThatWasSavedOrNothing) {
         std::string said;
     } cases[] = {
         {"good", good, ""},
+        {"good, with a digest", digested, ""},
+        {"uid changed", changed(digested, digested.size() - rows[3].payload.size() - 8),
+         "Arquivo corrompido @ TBinInStream::CheckDigest"},
         {"nothing", "", "No error @ TMemoryBinInStream::TMemoryBinInStream"},
         {"no header of this format", std::string(99, 'x'),
          "Header de arquivo inválido @ TBinInStream::LoadHeader"_ansi},
@@ -318,10 +326,117 @@ TEST(ZoSaveTests, OpensAllThatWasSavedOrNothing) {
     }
     TZoOpening salvaging;
     salvaging.salvages = true;
-    const std::string damaged = changed(good, good.size() - 1);
+    const std::string damaged = changed(digested, digested.size() - 1);
     const auto left = ZoOpenFromMemory<Room>(damaged.data(), damaged.size(), &schema, salvaging);
     EXPECT_GE(left.GetSkipped(), 24 + rows[3].payload.size());
     EXPECT_TRUE(left->inner && !left->inner->inner);
+}
+
+/// A clock that goes on whenever it is read.
+class RunningClock : public FakeClock {
+public:
+    std::uint32_t step = 3; // ms
+    std::uint32_t Ticks() override { return ticks += step; }
+};
+
+/// A long chain of rooms, saved, opened and cancelled.
+struct ProgressTests : testing::Test {
+    ProgressTests() {
+        Room::Register(&schema);
+        Room* last = root.get();
+        for (int i = 1; i < ROOMS; ++i) last = (last->inner = new Room("another")).get();
+        folder.Write("plan.zo", "old");
+        saved = ZoSaveInMemory(root.get(), &schema);
+    }
+    pointer<TZoProgress> Watching() {
+        return ZoProgress([this](unsigned long long done, unsigned long long all) {
+            EXPECT_GE(clock.ticks - before, 5U) << "ms between calls";
+            before = clock.ticks;
+            EXPECT_TRUE(all == 0 || done <= all);
+            EXPECT_TRUE(done >= latest || latestOf == 0) << "from one phase to the next";
+            latest = done;
+            latestOf = all;
+            if (++calls == throwsAt) throw 5;
+            return calls != cancelledAt;
+        });
+    }
+
+    static constexpr int ROOMS = 5000;
+    RunningClock clock;
+    TZoMetaData schema;
+    pointer<Room> root{new Room("outer")};
+    ZoBlob saved;
+    TemporaryFolder folder;
+    std::string path = folder.Path("plan.zo");
+    std::uint32_t before = 0;
+    unsigned long long latest = 0, latestOf = 0;
+    int calls = 0, cancelledAt = 0, throwsAt = 0;
+};
+
+TEST_F(ProgressTests, IsToldInEveryOperationAndEndsIt) {
+    const std::string writing = "Operação cancelada @ TBinOutStreamer::WriteObjects"_ansi;
+    const std::string reading = "Operação cancelada @ TBinInStreamer::ReadObjects"_ansi;
+    TZoSaving saving;
+    TZoOpening opening;
+    saving.progress = opening.progress = Watching();
+    TDList<ZoString> names;
+    names.Add("Room");
+    const struct {
+        const char* name;
+        std::function<void()> run;
+        std::string cancelled;
+    } rows[] = {
+        {"save a file", [&] { ZoSave(path.c_str(), root.get(), &schema, saving); }, writing},
+        {"save in memory", [&] { ZoSaveInMemory(root.get(), &schema, saving); }, writing},
+        {"save in steps",
+         [&] {
+             TMemoryBinOutStream out;
+             out.Initialize();
+             TBinOutStreamer streamer(&out, &schema);
+             streamer.SetProgress(saving.progress);
+             streamer.WriteObjectMetaData(root.get());
+             streamer.WriteObject(root.get());
+         },
+         writing},
+        {"open", [&] { ZoOpenFromMemory<Room>(saved, &schema, opening); }, reading},
+        {"open some classes",
+         [&] {
+             const auto in = CreateMemoryBinInStream(saved.Data(), saved.Size(), 0);
+             TFilteredBinInStreamer streamer(in.get(), &schema, &names);
+             streamer.SetProgress(opening.progress);
+             TIVector<ZoStreamableBase> objects;
+             streamer.Read();
+             in->TakeObjects(&objects);
+         },
+         reading},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const int alive = Alive::Count();
+        const auto run = [&](int cancels, int throws) {
+            calls = 0;
+            latestOf = 0;
+            before = clock.ticks - 99;
+            cancelledAt = cancels;
+            throwsAt = throws;
+            return FailureOf(row.run);
+        };
+        EXPECT_EQ(run(0, 0), "");
+        const int all = calls;
+        EXPECT_GE(all, ROOMS / 64 / 2);
+        folder.Write("plan.zo", "old");
+        for (const int at : {1, all / 2, all}) {
+            EXPECT_EQ(run(at, 0), row.cancelled) << at;
+            EXPECT_EQ(calls, at);
+            EXPECT_THROW(run(0, at), int) << at;
+            EXPECT_EQ(Alive::Count(), alive);
+        }
+        EXPECT_EQ(folder.Read("plan.zo"), "old");
+        for (const std::string& name : folder.Names()) EXPECT_EQ(name.substr(0, 7), "plan.zo");
+        clock.step = 0;
+        EXPECT_EQ(run(1, 0), "") << "too soon to be told";
+        clock.step = 3;
+    }
 }
 
 } // namespace

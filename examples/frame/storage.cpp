@@ -1,6 +1,7 @@
 #include "storage.h"
 
 #include "failure.h"
+#include "progress.h"
 
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FilteredBinInStreamer.h"
@@ -106,8 +107,14 @@ void Save(const Model& model, const std::string& path, const TTimestamp& now) {
 Model Open(const std::string& path) {
     CheckFile(path);
     const Source source = FileSource(path);
+    ProgressBar bar;
+    TZoOpening how{VERSION};
+    how.progress = ZoProgress([&bar](unsigned long long done, unsigned long long all) {
+        bar.Show(done, all);
+        return true; // nobody cancels
+    });
     try {
-        return ModelOf(ZoOpen<Building>(path.c_str(), &Schema(), {VERSION}), source);
+        return ModelOf(ZoOpen<Building>(path.c_str(), &Schema(), how), source);
     } catch (const XStream& error) {
         ThrowUnread(source, error);
     }

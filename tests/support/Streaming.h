@@ -186,17 +186,19 @@ inline Names ParentNames(ZoPrimitives::TZoClass& of) {
 /// An opened file; its objects end with it, those that own each other in circles too.
 class Opened {
 public:
-    Opened(std::string file, ZoPrimitives::TZoMetaData& appSchema)
+    enum Reading { AtOnce, Later };
+    Opened(std::string file, ZoPrimitives::TZoMetaData& appSchema, Reading reading = AtOnce)
         : bytes(std::move(file)), schema(appSchema), stream(bytes.data(), bytes.size(), 0),
           streamer(&stream, &schema) {
         stream.Initialize();
         try {
-            root = streamer.ReadObjects();
+            if (reading == AtOnce) Read();
         } catch (...) {
             End();
             throw;
         }
     }
+    void Read() { root = streamer.ReadObjects(); }
     ~Opened() { End(); }
     Opened(const Opened&) = delete;
     Opened& operator=(const Opened&) = delete;

@@ -34,13 +34,15 @@ namespace {
 /// What becomes of the records of one class of the file.
 struct TBinInStreamer::Use {
     int classId;
-    bool decided;     // the rest is known
-    bool substituted; // readAs is an ancestor
-    bool inPlace;     // a member of the class can be read in place
-    bool hasValues;   // its objects have members that are objects
-    bool asked;       // whether those members may be invalid is known
-    unsigned hooks;   // the hooks that its objects override
-    TZoClass* readAs; // the class itself, or the ancestor that stands for it; null: records are dropped
+    TZoClass* readAs;    // the class itself, or the ancestor that stands for it; null: records are dropped
+    unsigned hooks{~0u}; // those that its objects override
+    bool decided{};      // the rest is known
+    bool substituted{};  // readAs is an ancestor
+    bool inPlace{};      // a member of the class can be read in place
+    bool hasValues{};    // its objects have members that are objects
+    bool asked{};        // whether those members may be invalid is known
+
+    bool Answers(ZoHooks hook) const { return (hooks & hook) != 0; }
 };
 
 /// The uses of a file's classes, by class id.
@@ -51,7 +53,7 @@ public:
         uses.reserve(static_cast<std::size_t>(count));
         for (int i = 1; i <= count; ++i) {
             TZoClass* fileClass = schema.GetClass(i);
-            uses.push_back({fileClass->GetClassId(), false, false, false, false, false, ~0u, fileClass});
+            uses.push_back({fileClass->GetClassId(), fileClass});
         }
         const auto byId = [](const Use& a, const Use& b) { return a.classId < b.classId; };
         if (!std::is_sorted(uses.begin(), uses.end(), byId)) std::sort(uses.begin(), uses.end(), byId);
@@ -175,7 +177,7 @@ void TBinInStreamer::Decide(Use& use) {
         use.hasValues = use.readAs->GetOriginal()->HasValueChildren();
         // An application's own streamer may make objects of other types than the class's.
         if (!IsOverridden()) use.hooks = use.readAs->GetOriginal()->hooks;
-        use.inPlace = !use.substituted && (use.hooks & hookCreateInstance) == 0;
+        use.inPlace = !use.substituted && !use.Answers(hookCreateInstance);
     }
     use.decided = true;
 }
@@ -204,7 +206,7 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
         return;
     }
     made.hasValues = made.hasValues || use.hasValues;
-    made.mayBeInvalid = made.mayBeInvalid || (use.hooks & hookGetIsValid) != 0;
+    made.mayBeInvalid = made.mayBeInvalid || use.Answers(hookGetIsValid);
     if (use.hasValues && !use.asked) {
         use.asked = !IsOverridden();
         made.membersMayBeInvalid = made.membersMayBeInvalid || IsOverridden() ||
@@ -213,7 +215,7 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
     ReadFields(reader, use, uid, object, object, made);
     made.Finish();
     if (IsOverridden()) OnAfterLoadInstance(object);
-    if ((use.hooks & hookCheckForExcludedFields) != 0) object->CheckForExcludedFields(stream);
+    if (use.Answers(hookCheckForExcludedFields)) object->CheckForExcludedFields(stream);
 }
 
 void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
@@ -221,7 +223,7 @@ void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int 
     ZoReferenceCount::Add(member); // only its owner ends it, whatever else lets go of it
     made.members.Set(uid, member);
     ReadFields(reader, use, uid, member, owner, made);
-    if ((use.hooks & hookCheckForExcludedFields) != 0) member->CheckForExcludedFields(stream);
+    if (use.Answers(hookCheckForExcludedFields)) member->CheckForExcludedFields(stream);
 }
 
 void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* object,
@@ -232,8 +234,7 @@ void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int 
     made.awaited.Begin(uid, owner);
     reader.Read(*use.readAs, object);
     made.awaited.End();
-    if ((use.hooks & hookOnRead) != 0 && !object->OnRead(stream, use.substituted))
-        made.invalid.push_back(owner);
+    if (use.Answers(hookOnRead) && !object->OnRead(stream, use.substituted)) made.invalid.push_back(owner);
 }
 
 void TBinInStreamer::Resolve(MadeObjects& made) {
@@ -243,10 +244,10 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
     TZoPointerResolver resolver(*stream, made.hasValues ? &made.members : nullptr, nullptr);
     const auto& entries = unresolved.Entries();
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        if (i + PREFETCH < entries.size()) Prefetch(entries[i + PREFETCH].object);
+        FetchAhead(entries, i, entries.size(), [](const TBinUnresolved& later) { Prefetch(later.object); });
         const TZoClass* application = entries[i].fileClass->GetOriginal();
-        const unsigned hooks = !IsOverridden() && application != nullptr ? application->hooks : ~0u;
-        const bool tells = (hooks & hookOnReadPointer) != 0;
+        const bool tells =
+            IsOverridden() || application == nullptr || application->Answers(hookOnReadPointer);
         if (!tells && !ObjectReader::Resolves(*entries[i].fileClass)) continue;
         resolver.Begin(unresolved.Uids() + entries[i].firstUid, tells);
         ObjectReader::Resolve(*entries[i].fileClass, resolver, entries[i].object);
@@ -263,7 +264,7 @@ void TBinInStreamer::FollowReplaced(MadeObjects& made) {
     const auto follow = [&](ZoStreamableBase* object, TZoClassFieldPointerBase& field) {
         if (!FieldCodec::IsReference(field) || field.Owns() || !field.IsPlain()) return;
         auto& reference = static_cast<TZoClassFieldPointer&>(field);
-        const Replaced wanted{reference.Get(object), 0};
+        const Replaced wanted{reference.Get(object), {}};
         const auto found = std::lower_bound(made.replaced.begin(), made.replaced.end(), wanted, byObject);
         if (found == made.replaced.end() || found->object != wanted.object) return;
         ZoStreamableBase* target = stream->GetHandle(found->uid);

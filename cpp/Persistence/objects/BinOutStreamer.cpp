@@ -49,7 +49,7 @@ void TBinOutStreamer::WriteObject(ZoStreamableBase* object) {
 }
 
 void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
-    Write([&] { writer->WriteGraph(*stream, *objects, expected); });
+    Write([&] { writer->WriteGraph(*stream, *objects, ObjectWriter::Schema::Written, expected); });
 }
 
 void TBinOutStreamer::WriteObjectWithMetaData(ZoStreamableBase* root) {
@@ -59,7 +59,7 @@ void TBinOutStreamer::WriteObjectWithMetaData(ZoStreamableBase* root) {
 }
 
 void TBinOutStreamer::WriteObjectsWithMetaData(TDList<ZoStreamableBase*>* roots) {
-    Write([&] { writer->WriteGraphWithSchema(*stream, *roots); });
+    Write([&] { writer->WriteGraph(*stream, *roots, ObjectWriter::Schema::Missing, 0); });
 }
 
 template <class Action>

@@ -76,7 +76,8 @@ void GraphWalk::Finish() {
             continue;
         }
         const Visit visit = waiting[frame.next++];
-        if (frame.next + PREFETCH < frame.end) HandleAccess::Fetch(waiting[frame.next + PREFETCH].object);
+        FetchAhead(waiting, frame.next, frame.end,
+                   [](const Visit& later) { HandleAccess::Fetch(later.object); });
         if (visit.externalsOf != nullptr) {
             ForEachExternal(*visit.externalsOf, visit.object, collect);
         } else if (Meet(visit.object)) {

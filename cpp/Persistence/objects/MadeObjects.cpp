@@ -17,9 +17,9 @@ MadeObjects::~MadeObjects() {
     for (const ZoStreamableBase* object : consumed) delete object;
     if (!owned) return;
     const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(stream).Take();
-    // None may end because another one lets go of it.
+    // A hook may have made one the owner of another: that one ends with its owner.
     for (const ZoStreamableBase* object : objects) ZoReferenceCount::Add(object);
-    for (const ZoStreamableBase* object : objects) delete object;
+    for (const ZoStreamableBase* object : objects) ZoReferenceCount::Release(object);
 }
 
 void MadeObjects::Drop() { delete std::exchange(current, nullptr); }

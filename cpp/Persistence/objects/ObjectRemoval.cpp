@@ -69,17 +69,14 @@ void ObjectRemoval::KeepWhatOthersOwn() {
 void ObjectRemoval::GatherMembers() {
     Set members;
     for (const ZoStreamableBase* object : unreachable) {
-        TDVector<ZoStreamableBase*> owned = MembersOf(const_cast<ZoStreamableBase*>(object), schema);
-        for (unsigned long long i = 1; i <= owned.NItems(); ++i) {
-            if (members.insert(owned[i]).second) owned.Append(MembersOf(owned[i], schema));
-        }
+        for (const ZoStreamableBase* member : MembersOf(const_cast<ZoStreamableBase*>(object), schema))
+            members.insert(member);
     }
     removed.reserve(unreachable.size());
     for (const ZoStreamableBase* object : unreachable) {
         if (members.count(object) == 0) removed.push_back(object);
     }
     std::sort(removed.begin(), removed.end());
-    unreachable.insert(members.begin(), members.end());
 }
 
 /// Removes all references to removed objects from the object's fields.

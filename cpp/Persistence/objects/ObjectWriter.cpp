@@ -96,23 +96,16 @@ void ObjectWriter::Close(TBinOutStream& stream, const ZoStreamableBase* object, 
     meter.Step([&] { return std::pair(saved.CountOf(stream), toSave); });
 }
 
-void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
+void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, Schema its,
                               std::size_t expected) {
     plans.Clear();
     TDList<ZoStreamableBase*> externals;
-    GraphWalk walk(stream, streamer.GetMetaData(), plans, externals);
+    UsedClasses classes(UsedClasses::Children::Told);
+    GraphWalk walk(stream, streamer.GetMetaData(), plans, externals,
+                   its == Schema::Missing ? &classes : nullptr);
     walk.Reserve(expected);
     Number(walk, roots, externals);
-    WriteRecords(stream, roots, walk);
-}
-
-void ObjectWriter::WriteGraphWithSchema(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots) {
-    plans.Clear();
-    TDList<ZoStreamableBase*> externals;
-    UsedClasses classes(UsedClasses::Children::Told);
-    GraphWalk walk(stream, streamer.GetMetaData(), plans, externals, &classes);
-    Number(walk, roots, externals);
-    streamer.WriteSchemaOf(classes);
+    if (its == Schema::Missing) streamer.WriteSchemaOf(classes);
     WriteRecords(stream, roots, walk);
 }
 
@@ -142,7 +135,9 @@ void ObjectWriter::SaveInOrder(TBinOutStream& stream, const GraphWalk& walk) {
     for (const GraphWalk::Series& series : walk.OrderByClass()) {
         for (; i < series.end; ++i) {
             if (i + PREFETCH < order.size()) PrefetchObject(order[i + PREFETCH]);
-            if (i + PREFETCH / 2 < series.end) PrefetchBuffers(*series.plan, order[i + PREFETCH / 2]);
+            FetchAhead<PREFETCH / 2>(order, i, series.end, [&](ZoStreamableBase* object) {
+                PrefetchBuffers(*series.plan, object);
+            });
             if (anySaved && IsSaved(stream, order[i])) continue;
             if (!series.plan->measured) series.plan->Measure(order[i]);
             PutRecord(stream, true, *series.plan, order[i]);
@@ -153,16 +148,15 @@ void ObjectWriter::SaveInOrder(TBinOutStream& stream, const GraphWalk& walk) {
 
 void ObjectWriter::SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots,
                                 std::size_t numbered) {
-    auto mode = OwnerWalk::Mode::Numbered;
-    std::size_t before = 0;
-    do {
-        before = saved.CountOf(stream);
+    // An object may have moved to an owner whose turn was over: that one is asked again.
+    for (auto mode = OwnerWalk::Mode::Numbered;; mode = OwnerWalk::Mode::NumberedAgain) {
+        const std::size_t before = saved.CountOf(stream);
         OwnerWalk walk(*this, stream, mode);
         for (ZoStreamableBase* root : roots) walk.Run(root, nullptr);
         walk.RunExternals();
-        // An object may have moved to an owner whose turn was over.
-        mode = OwnerWalk::Mode::NumberedAgain;
-    } while (saved.CountOf(stream) != numbered && saved.CountOf(stream) != before);
+        const std::size_t now = saved.CountOf(stream);
+        if (now == numbered || now == before) return;
+    }
 }
 
 void ObjectWriter::BeginProgress() {

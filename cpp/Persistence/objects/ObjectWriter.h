@@ -52,11 +52,12 @@ public:
     explicit ObjectWriter(TBinOutStreamer& itsStreamer) : streamer(itsStreamer) {}
     static ObjectWriter& Of(TBinOutStreamer& streamer) { return *streamer.writer; }
 
-    /// Gives uids to all objects of the graph and writes their records. `expected` is about how many there
-    /// are.
-    void WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t expected);
-    /// The same, and writes the schema record before them.
-    void WriteGraphWithSchema(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots);
+    /// What a file has of its schema record before a graph is written.
+    enum class Schema { Written, Missing };
+    /// Gives uids to all objects of the graph and writes their records, after the schema's if it is missing.
+    /// `expected` is about how many objects there are.
+    void WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, Schema its,
+                    std::size_t expected);
 
     /// Writes the record of an object, as one of the given class (null: its own), and the records of what it
     /// owns, each unless it was written before.

@@ -131,15 +131,11 @@ void OwnerWalk::Ask(Frame& frame) {
     frame.asked = changes;
 }
 
-/// Whether the next object is still where it was when its owner was asked.
+/// Whether the next item of a list is still where it was: a long list need not be asked again for each item.
+/// What a single pointer holds is visited as soon as it is asked.
 bool OwnerWalk::StillHolds(const Frame& frame) const {
-    const ZoStreamableBase* item = items[frame.next];
-    TZoClassFieldPointerBase* field = (*frame.targets)[frame.target - 1].field;
-    if (IsKindOf<TZoClassFieldPointer>(field->GetFieldType())) {
-        return static_cast<TZoClassFieldPointer*>(field)->Get(frame.object) == item;
-    }
-    auto* list = static_cast<TZoClassFieldPointerList*>(field);
-    return item != nullptr && list->ElementAt(frame.object, frame.next - frame.begin + 1) == item;
+    auto* list = static_cast<TZoClassFieldPointerList*>((*frame.targets)[frame.target - 1].field);
+    return list->ElementAt(frame.object, frame.next - frame.begin + 1) == items[frame.next];
 }
 
 void OwnerWalk::CollectExternals(const TZoClass& level, ZoStreamableBase* object) {

@@ -49,7 +49,7 @@ void SchemaWalk::Ask(ZoStreamableBase* object, UsedClasses::Plan& plan) {
 void SchemaWalk::Push(const std::vector<ZoStreamableBase*>& targets) {
     met += targets.size();
     for (std::size_t i = 0; i < targets.size(); ++i) {
-        if (i + PREFETCH < targets.size()) Prefetch(targets[i + PREFETCH]);
+        FetchAhead(targets, i, targets.size(), [](const void* later) { Prefetch(later); });
         const TZoClass* targetClass = ClassOf(targets[i]);
         if (targetClass != nullptr && !classes.PlanOf(*targetClass).steps.empty())
             stack.push_back(targets[i]);

@@ -47,7 +47,6 @@ void UsedClasses::Gather(TZoClassFieldPointerBase& field, ZoStreamableBase* obje
 }
 
 bool UsedClasses::IsSettled(Step& step) {
-    if (step.nullTold) return true;
     const auto& closure = ClosureOf(step.field->GetFieldClass());
     while (step.missing < closure.size() && EntryOf(closure[step.missing]).used) ++step.missing;
     return step.missing == closure.size();

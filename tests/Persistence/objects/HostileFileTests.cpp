@@ -155,6 +155,14 @@ TEST(HostileFileTests, CountsThatLie) {
     const std::string message = "Tamanho de registro corrompido @ TBinInStream::operator>>";
     EXPECT_EQ(failureOf(-4, "aString", Payload().Ints({-1, 0})), message + "(ZoString)");
     EXPECT_EQ(failureOf(-5, "aBlob", Payload().Ints({-1, 0})), message + "(ZoBlob)");
+    // A text that takes the place of the member behind it.
+    Application application;
+    ClassEntry entry{
+        .id = 1, .name = "EveryKind", .values = {{0, -4, "aString"}}, .children = {{0, -18, "member"}}};
+    EXPECT_EQ(FailureOf([&] {
+                  Opened opened(FileOf({entry}, {{1, 1, Payload().Text("text")}}), application.schema);
+              }),
+              "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre");
 }
 
 // Prime numbers of buckets that hash tables grow through: ids that are multiples of one share a bucket.

@@ -163,8 +163,7 @@ void OpenFiltered(Model& model, Attempt& attempt) {
 void Write(TBinOutStream& out, Model& model) {
     out.Initialize();
     TBinOutStreamer streamer(&out, &model.schema);
-    streamer.WriteObjectMetaData(&model.root);
-    streamer.WriteObject(&model.root);
+    streamer.WriteObjectWithMetaData(&model.root);
 }
 
 void SaveInMemory(Model& model, Attempt& attempt) {

@@ -3,6 +3,7 @@
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 
 #include <algorithm>
+#include <sstream>
 
 using namespace ZoPrimitives;
 
@@ -139,6 +140,12 @@ class Strict : public Base {
     bool CanBeConvertedToBaseClass() const override { return false; }
 };
 
+class Holder : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Holder)
+    DECLARE_ZO_FIELD_CHILD_VALUE(Strict, member)
+    REGISTER_ZO_END
+};
+
 // The entry of `Base` as class 1, and a record of it.
 ClassEntry BaseEntry() {
     return {.id = 1,
@@ -212,6 +219,21 @@ TEST(VersionTests, AnObjectOfAnUnknownClassClimbsItsFirstParents) {
     }
 }
 
+TEST(VersionTests, AMemberOfAnUnknownClassIsDroppedWithItsRecord) {
+    TZoMetaData schema;
+    Base::Register(&schema);
+    Strict::Register(&schema);
+    Holder::Register(&schema);
+    const std::vector<ClassEntry> classes{BaseEntry(),
+                                          {.id = 2, .name = "Strict", .parents = {1}},
+                                          {.id = 3, .name = "Gone", .parents = {2}},
+                                          {.id = 4, .name = "Holder", .children = {{2, -18, "member"}}}};
+    for (const int id : {2, 3}) {
+        Opened opened(FileOf(classes, {{1, 4, Payload().Int(2)}, {2, id, BasePart(7)}}), schema);
+        EXPECT_EQ(opened.Root<Holder>().member.number, id == 2 ? 7 : 0);
+    }
+}
+
 // Parents that changed
 
 /// Levels of an application: what they hold is told by what their objects read.
@@ -265,73 +287,65 @@ Payload StrangerPart(int uid) {
     return bytes;
 }
 
-TEST_F(LevelVersionTests, FieldsThatMovedUpAreFoundAndThoseThatMovedDownAreOffered) {
+TEST_F(LevelVersionTests, LevelsThatChangedAreReadWhereTheApplicationHasThem) {
+    using Fields = std::vector<FieldEntry>;
+    const FieldEntry upper{0, -1, "upper"}, moved{0, -1, "moved"}, lower{0, -1, "lower"};
+    const Payload linked = Payload().Ints({5, 1});
+    const std::string strangers = ", without map doubles text upper child member children";
     const struct {
         const char* name;
-        std::vector<FieldEntry> upper, lower; // of the file
-        int moved, lowerValue;
-        std::vector<std::string> excluded;
-    } cases[] = {
-        {"up: the file has it below", {{0, -1, "upper"}}, {{0, -1, "moved"}, {0, -1, "lower"}}, 2, 3, {}},
-        {"down: the file has it above",
-         {{0, -1, "upper"}, {0, -1, "lower"}},
-         {{0, -1, "moved"}},
-         3,
-         0,
-         {"lower"}},
-        {"the lower one has the last word",
-         {{0, -1, "upper"}, {0, -1, "moved"}},
-         {{0, -1, "moved"}},
-         3,
-         0,
-         {}},
-    };
-    for (const auto& tested : cases) {
-        SCOPED_TRACE(tested.name);
-        const ClassEntry upper{.id = 1, .name = "Upper", .values = tested.upper};
-        const ClassEntry lower{.id = 2, .name = "Lower", .parents = {1}, .values = tested.lower};
-        Opened opened(FileOf({upper, lower}, {{1, 2, Payload().Ints({1, 2, 3})}}), schema);
-        auto& read = opened.Root<Lower>();
-        EXPECT_EQ(read.upper, 1);
-        EXPECT_EQ(read.moved, tested.moved);
-        EXPECT_EQ(read.lower, tested.lowerValue);
-        EXPECT_EQ(read.excluded, tested.excluded);
-    }
-}
-
-TEST_F(LevelVersionTests, ALevelThatTheApplicationsClassDoesNotHaveIsPassedOver) {
-    const ClassEntry upper{
-        .id = 1, .name = "Upper", .values = {{0, -1, "upper"}}, .references = {{1, -8, "link"}}};
-    const Payload upperPart = Payload().Ints({5, 1});
-    const struct {
-        const char* name;
-        std::vector<int> parents;
+        std::vector<int> parents; // of class 2, `Lower`: 1 `Upper`, 3 `Stranger`, 4 one that is unknown
+        Fields upper, lower;
         Payload record;
-        int upper;
-        bool linked;
+        std::string read;
     } cases[] = {
-        {"its own parent", {1}, Payload().Add(upperPart), 5, true},
-        {"no parent at all", {}, {}, 0, false},
-        {"a stranger alone", {3}, StrangerPart(1), 0, false},
-        {"a stranger first", {3, 1}, StrangerPart(1).Add(upperPart), 5, true},
-        {"a stranger behind", {1, 3}, Payload(upperPart).Add(StrangerPart(2)), 5, true},
-        {"a class that the application lacks", {4, 1}, Payload().Int(6).Add(upperPart), 5, true},
-        {"its own parent, twice", {1, 1}, Payload().Ints({4, 0}).Add(upperPart), 5, true},
+        {"up: the file has it below", {1}, {upper}, {moved, lower}, Payload().Ints({1, 0, 2, 3}), "1 2 3"},
+        {"down", {1}, {upper, lower}, {moved}, Payload().Ints({1, 2, 0, 3}), "1 3 0, without lower"},
+        {"the last word is the lower's", {1}, {upper, moved}, {moved}, Payload().Ints({1, 2, 0, 3}), "1 3 0"},
+        {"the same parent", {1}, {upper}, {lower}, Payload(linked).Int(7), "5 0 7 linked"},
+        {"no parent at all", {}, {upper}, {lower}, Payload().Int(7), "0 0 7"},
+        {"a stranger alone", {3}, {upper}, {lower}, StrangerPart(1).Int(7), "0 0 7" + strangers},
+        {"a stranger first",
+         {3, 1},
+         {upper},
+         {lower},
+         StrangerPart(1).Add(linked).Int(7),
+         "5 0 7 linked" + strangers},
+        {"a stranger behind",
+         {1, 3},
+         {upper},
+         {lower},
+         Payload(linked).Add(StrangerPart(2)).Int(7),
+         "5 0 7 linked" + strangers},
+        {"an unknown class",
+         {4, 1},
+         {upper},
+         {lower},
+         Payload().Int(6).Add(linked).Int(7),
+         "5 0 7 linked, without upper"},
+        {"the same twice",
+         {1, 1},
+         {upper},
+         {lower},
+         Payload().Ints({4, 0}).Add(linked).Int(7),
+         "5 0 7 linked"},
     };
     for (const auto& tested : cases) {
-        SCOPED_TRACE(tested.name);
-        const ClassEntry lower{
-            .id = 2, .name = "Lower", .parents = tested.parents, .values = {{0, -1, "lower"}}};
-        const ClassEntry unknown{.id = 4, .name = "Unknown", .values = {{0, -1, "upper"}}};
-        Opened opened(FileOf({upper, lower, STRANGER, unknown},
-                             {{1, 2, Payload(tested.record).Int(7)}, {2, 2, Payload(tested.record).Int(8)}}),
-                      schema);
-        ASSERT_EQ(opened.Count(), 2U);
-        auto& read = opened.Root<Lower>();
-        EXPECT_EQ(read.upper, tested.upper);
-        EXPECT_EQ(read.lower, 7);
-        EXPECT_EQ(read.link, tested.linked ? &read : nullptr);
-        EXPECT_EQ(opened.At<Lower>(2).lower, 8);
+        const std::vector<ClassEntry> classes{
+            {.id = 1, .name = "Upper", .values = tested.upper, .references = {{1, -8, "link"}}},
+            {.id = 2, .name = "Lower", .parents = tested.parents, .values = tested.lower},
+            STRANGER,
+            {.id = 4, .name = "Unknown", .values = {upper}}};
+        Opened opened(FileOf(classes, {{1, 2, tested.record}, {2, 2, tested.record}}), schema);
+        for (const int uid : {1, 2}) {
+            const auto& read = opened.At<Lower>(uid);
+            std::ostringstream told;
+            told << read.upper << ' ' << read.moved << ' ' << read.lower;
+            if (read.link == &opened.Root<Upper>()) told << " linked";
+            for (const std::string& name : read.excluded)
+                told << (&name == &read.excluded[0] ? ", without " : " ") << name;
+            EXPECT_EQ(told.str(), tested.read) << tested.name;
+        }
     }
 }
 
@@ -353,9 +367,10 @@ TEST_F(LevelVersionTests, ClassesOfManyFieldsAreReadFromEveryStream) {
     };
     ClassEntry upper{.id = 1, .name = "Upper", .values = {200'000, {0, -10, "gone"}}};
     upper.values.push_back({0, -1, "upper"});
-    const ClassEntry lower{.id = 2, .name = "Lower", .parents = {1, 3}, .values = {{0, -1, "lower"}}};
-    const Payload record = Payload(std::string(200'000, '\1')).Int(5).Add(StrangerPart(1)).Int(7);
-    const std::string file = FileOf({upper, STRANGER, lower}, {{1, 2, record}});
+    const ClassEntry unknown{.id = 4, .name = "Unknown", .values = {{0, -1, "upper"}}};
+    const ClassEntry lower{.id = 2, .name = "Lower", .parents = {1, 3, 4}, .values = {{0, -1, "lower"}}};
+    const Payload record = Payload(std::string(200'000, '\1')).Int(5).Add(StrangerPart(1)).Ints({6, 7});
+    const std::string file = FileOf({upper, STRANGER, unknown, lower}, {{1, 2, record}});
     for (const bool own : {false, true}) {
         const std::unique_ptr<TMemoryBinInStream> stream(
             own ? new OwnStream(file.data(), file.size(), 0)
@@ -365,7 +380,7 @@ TEST_F(LevelVersionTests, ClassesOfManyFieldsAreReadFromEveryStream) {
         const auto& read = dynamic_cast<Lower&>(*root);
         EXPECT_EQ(read.upper, 5);
         EXPECT_EQ(read.lower, 7);
-        EXPECT_EQ(read.excluded.size(), 200'000U + 7U) << "the stranger's too";
+        EXPECT_EQ(read.excluded.size(), 200'000U + 7U + 1U) << "the stranger's and the unknown one's too";
     }
 }
 

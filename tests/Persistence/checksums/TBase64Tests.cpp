@@ -71,6 +71,7 @@ TEST(TBase64Tests, WhatIsAcceptedAndWhatIsRefused) {
         {"text after the padding", "Zg==Zm9v", {}},
         {"more padding after the padding", "Zg===", {}},
         {"bits hidden by one pad", "Zm9=", {}},
+        {"the higher bit", "Zm+=", {}},
         {"bits hidden by two pads", "Zh==", {}},
     };
     for (const auto& row : cases) {

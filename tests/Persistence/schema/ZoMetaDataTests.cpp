@@ -73,10 +73,16 @@ TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
     }
 }
 
-TEST(ZoClassTests, IsReadByItself) {
+TEST(ZoClassTests, IsWrittenAndReadByItself) {
     TZoMetaData schema;
+    app::RegisterEveryKind(schema);
+    TMemoryBinOutStream out;
+    out.Initialize();
+    schema.FindClass("EveryKind")->SaveMetaToStream(&out);
+    out.FlushRecord(0, 0);
+    const std::string file = BytesOf(out);
+    EXPECT_EQ(RowsOf(file)[0].payload, std::string(app::EveryKindEntries()[1].Bytes()));
     TZoClass read(&schema, nullptr, "Before", nullptr, false, nullptr);
-    const std::string file = FileOf(std::vector<Row>{{0, 0, app::EveryKindEntries()[1].Bytes()}});
     TMemoryBinInStream stream(file.data(), file.size(), 0);
     stream.Initialize();
     int uid = 0, classId = 0;
@@ -175,6 +181,7 @@ TEST(ZoMetaDataTests, RefusesWhatContradictsItself) {
         {"an id twice", {{.id = 4, .name = "A"}, {.id = 4, .name = "B"}}, false},
         {"a name twice", {{.id = 4, .name = "A"}, {.id = 5, .name = "A"}}, true},
         {"the greatest id", {{.id = 2147483647}}, true},
+        {"a thousand parents that are none", {{.id = 1, .parents = std::vector<int>(1000)}}, true},
         {"its own parent", {{.id = 1, .parents = {1}}}, false},
         {"its own grandparent",
          {{.id = 1, .name = "A", .parents = {2}}, {.id = 2, .name = "B", .parents = {1}}},

@@ -116,6 +116,7 @@ TEST(ZoRegisterTests, NeverGivesAnIdTwice) {
     EXPECT_EQ(Parent::Register(&schema)->GetClassId(), 3);
     schema.Clear();
     EXPECT_EQ(schema.GetClassCount(), 0);
+    EXPECT_EQ(schema.FindClass("Parent"), nullptr);
     EXPECT_EQ(Parent::Register(&schema)->GetClassId(), 4);
     TZoMetaData other;
     EXPECT_EQ(app::Leaf::Register(&other)->GetClassId(), 1);
@@ -197,6 +198,14 @@ TEST(ZoRegisterTests, AnObjectKnowsItsClassInEachSchema) {
     EXPECT_EQ(object.GetOriginalClass(first.get()), nullptr);
     EXPECT_EQ(object.GetClass(), nullptr);
     Target::Unregister(first.get()); // nothing there
+    const unsigned slot = ZoNewClassSlot();
+    for (const char* name : {"One", "Two"}) {
+        auto* ofOneType = new TZoClass(first.get(), nullptr, name, nullptr, false, nullptr);
+        ofOneType->SetType(typeid(Forgotten), slot);
+        first->AddClass(ofOneType);
+    }
+    first->Clear();
+    EXPECT_EQ(TZoMetaData::FindLatestClass(slot), nullptr);
 }
 
 TEST(ZoRegisterTests, TellsTypesOfOneNameOrOneBaseApart) {
@@ -379,11 +388,17 @@ TEST(ZoRegisterTests, HandWrittenAccessorsServeTheListsIntegers) {
     TZoMetaData schema;
     TZoClass* first = ByHand::Register(&schema);
     EXPECT_EQ(ByHand::Register(&schema), first);
+    const pointer<TZoClass> rival(new TZoClass(&schema, nullptr, "ByHand", nullptr, false, nullptr));
+    auto* waiting = rival->AddFieldPointer("f", nullptr, nullptr, nullptr);
+    waiting->SetFieldClassName("Leaf");
+    schema.AddToResolveCrossRefs(waiting);
+    EXPECT_EQ(schema.AddClass(rival.get()), first);
     TZoClass* leaf = app::Leaf::Register(&schema); // resolves what waits: of the first only
     for (const char* field :
          {"child", "value", "reference", "external", "children", "references", "externals", "map"}) {
         EXPECT_EQ(first->FindField(field)->GetFieldClass(), leaf) << field;
     }
+    EXPECT_EQ(waiting->GetFieldClass(), nullptr);
 
     ByHand written;
     written.floats.Add(9);
@@ -439,12 +454,16 @@ TEST(ZoRegisterTests, WhatIsRemovedTakesItsPairAlong) {
     Child object;
     for (const int i : {1, 2, 3}) object.map.Append(new app::Leaf(i), new Target);
     const pointer<Target> removed = object.map.ValueAt(2);
-    const app::Leaf* key = object.map.KeyAt(2).get();
+    const pointer<app::Leaf> removedKey = object.map.KeyAt(3);
+    const std::unique_ptr<app::Leaf> key(object.map.KeyAt(2).get());
+    const std::unique_ptr<Target> value(object.map.ValueAt(3).get());
     child->DeleteReferences(&object, IsThat, removed.get());
     ASSERT_EQ(object.map.NItems(), 2U);
     EXPECT_TRUE(object.map.KeyAt(1)->number == 1 && object.map.KeyAt(2)->number == 3);
-    EXPECT_EQ(ZoReferenceCount::Count(key), 0U) << "nobody's now, and still there";
-    delete key;
+    child->DeleteReferences(&object, IsThat, removedKey.get());
+    EXPECT_EQ(object.map.NItems(), 1U);
+    // Their partners are nobody's now, and still there.
+    EXPECT_TRUE(ZoReferenceCount::Count(key.get()) == 0 && ZoReferenceCount::Count(value.get()) == 0);
 }
 
 TEST(ZoRegisterTests, HandWrittenAccessorsKeepAMapsKeyByAnyPointer) {

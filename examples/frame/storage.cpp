@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <system_error>
 
 namespace Frame {
@@ -80,6 +81,8 @@ void CheckFile(const std::string& path) {
 }
 
 Model ModelOf(const TZoOpened<Building>& opened, const Source& source) {
+    if (!opened.Report().IsClean())
+        std::cerr << "frame: of " << source.name << ":\n" << ZoToUtf8(opened.Report().Text());
     const ZoString fault = opened->FindFault();
     if (!fault.IsNull()) throw Damaged(source, ZoToUtf8(fault));
     return {opened.GetObjects(), opened.GetRoot().get()};

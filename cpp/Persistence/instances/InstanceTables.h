@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Persistence/instances/LostReferences.h"
 #include "Persistence/instances/UidTable.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinUnresolved.h"
@@ -65,6 +66,7 @@ public:
     UidTable handles;
     TBinUnresolvedPointers unresolved;
     ExcludedFields excluded; // of the current record
+    LostReferences lost;
 
 private:
     TDVector<ZoStreamableBase*> objects;

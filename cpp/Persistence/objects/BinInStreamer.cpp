@@ -5,6 +5,7 @@
 #include "Persistence/objects/MemberObjects.h"
 #include "Persistence/objects/ObjectReader.h"
 #include "Persistence/objects/ObjectRemoval.h"
+#include "Persistence/objects/ReportBuilder.h"
 #include "Persistence/records/NamingFile.h"
 #include "Persistence/records/ProgressMeter.h"
 #include "Persistence/schema/FieldCodec.h"
@@ -14,9 +15,11 @@
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinUnresolved.h"
 #include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <algorithm>
+#include <map>
 #include <typeinfo>
 #include <unordered_set>
 #include <utility>
@@ -34,6 +37,7 @@ namespace {
 /// What becomes of the records of one class of the file.
 struct TBinInStreamer::Use {
     int classId;
+    TZoClass* fileClass;
     TZoClass* readAs;    // the class itself, or the ancestor that stands for it; null: records are dropped
     unsigned hooks{~0u}; // those that its objects override
     bool decided{};      // the rest is known
@@ -41,6 +45,8 @@ struct TBinInStreamer::Use {
     bool inPlace{};      // a member of the class can be read in place
     bool hasValues{};    // its objects have members that are objects
     bool asked{};        // whether those members may be invalid is known
+    unsigned long long read{}; // objects, as an ancestor's
+    unsigned long long lost{}; // objects that were not made
 
     bool Answers(ZoHooks hook) const { return (hooks & hook) != 0; }
 };
@@ -53,7 +59,7 @@ public:
         uses.reserve(static_cast<std::size_t>(count));
         for (int i = 1; i <= count; ++i) {
             TZoClass* fileClass = schema.GetClass(i);
-            uses.push_back({fileClass->GetClassId(), fileClass});
+            uses.push_back({fileClass->GetClassId(), fileClass, fileClass});
         }
         const auto byId = [](const Use& a, const Use& b) { return a.classId < b.classId; };
         if (!std::is_sorted(uses.begin(), uses.end(), byId)) std::sort(uses.begin(), uses.end(), byId);
@@ -68,6 +74,7 @@ public:
             if (id < positions.size()) positions[id] = static_cast<unsigned>(i + 1);
         }
     }
+    const std::vector<Use>& All() const { return uses; }
     /// Null for a class that the file does not describe.
     Use* Find(int classId) {
         const auto id = static_cast<std::size_t>(classId);
@@ -100,6 +107,7 @@ ZoStreamableBase* TBinInStreamer::ReadObjects() {
     NamingFile(*stream, [this] {
         LoadSchema("TBinInStreamer::ReadObjects #1", "TBinInStreamer::ReadObjects #2");
         ReadRecords(nullptr);
+        RefuseFaults("TBinInStreamer::ReadObjects");
     });
     return stream->FirstObject();
 }
@@ -112,12 +120,13 @@ void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
     uses = std::make_unique<Uses>(fileSchema);
     unknown.RemoveAll();
     rootUid = 0;
-    dropped = 0;
+    removed.RemoveAll();
     stream->ForgetInstances();
 }
 
 void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
     scope = classIds != nullptr ? Scope::SomeClasses : Scope::AllClasses;
+    InstanceTables::Of(*stream).lost.Begin(IsFiltered());
     if (!IsFiltered()) stream->ReserveInstances();
     MadeObjects made(*stream);
     operations = typeid(*this) == typeid(TBinInStreamer) ? Operations::Library : Operations::Overridden;
@@ -182,12 +191,15 @@ void TBinInStreamer::Decide(Use& use) {
     use.decided = true;
 }
 
+/// Of the record of that uid no object is made.
+void TBinInStreamer::Lose(Use& use, int uid) {
+    ++use.lost;
+    InstanceTables::Of(*stream).lost.Drop(uid);
+}
+
 void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made) {
     Use& use = UseOf(classId);
-    if (use.readAs == nullptr) {
-        ++dropped;
-        return;
-    }
+    if (use.readAs == nullptr) return Lose(use, uid);
     const AwaitedMembers::Member member = made.awaited.Take(uid);
     if (member.object != nullptr) {
         if (use.inPlace && use.readAs->GetOriginal()->GetType() == &typeid(*member.object))
@@ -195,16 +207,13 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
         made.awaited.LeaveSome();
     }
     ZoStreamableBase* object = CreateInstance(use.readAs, &fileSchema, schema);
-    if (object == nullptr) {
-        ++dropped;
-        return;
-    }
+    if (object == nullptr) return Lose(use, uid);
     made.Begin(object);
     if (use.substituted && !object->CanBeConvertedToBaseClass()) {
-        ++dropped;
         made.Drop();
-        return;
+        return Lose(use, uid);
     }
+    if (use.substituted) ++use.read;
     made.hasValues = made.hasValues || use.hasValues;
     made.mayBeInvalid = made.mayBeInvalid || use.Answers(hookGetIsValid);
     if (use.hasValues && !use.asked) {
@@ -292,7 +301,69 @@ void TBinInStreamer::Validate(MadeObjects& made) {
     }
     if (invalid.NItems() == 0) return;
     made.EndHold(); // while every object that it noted exists
+    Remove(invalid);
+}
+
+/// Removes them and counts what is gone.
+void TBinInStreamer::Remove(const TDList<ZoStreamableBase*>& invalid) {
+    std::map<ZoString, TZoReadReport::Removed> byClass;
+    std::vector<std::pair<const ZoStreamableBase*, TZoReadReport::Removed*>> before;
+    for (ZoStreamableBase* object : stream->Objects()) {
+        const TZoClass* objectClass = object->GetOriginalClass(schema);
+        const ZoString name = objectClass != nullptr ? WholeText(objectClass->GetName()) : ZoString();
+        before.emplace_back(object,
+                            &byClass.try_emplace(name, TZoReadReport::Removed{name, 0, 0}).first->second);
+    }
+    const std::unordered_set<const ZoStreamableBase*> named(invalid.begin(), invalid.end());
     ObjectRemoval(*stream, schema).Run(invalid);
+    const auto& left = stream->Objects();
+    const std::unordered_set<const ZoStreamableBase*> staying(left.begin(), left.end());
+    for (const auto& [object, count] : before) {
+        if (staying.count(object) == 0) ++(named.count(object) != 0 ? count->invalid : count->owned);
+    }
+    for (const auto& [name, count] : byClass) {
+        if (count.invalid + count.owned != 0) removed.Add(count);
+    }
+}
+
+unsigned long long TBinInStreamer::GetDropped() const {
+    return InstanceTables::Of(*stream).lost.DroppedCount();
+}
+
+TZoReadReport TBinInStreamer::Report() const {
+    TZoReadReport report = ReportBuilder(*stream, const_cast<TZoMetaData&>(fileSchema), IsFiltered()).report;
+    if (uses != nullptr) {
+        for (const Use& use : uses->All()) {
+            if (use.read + use.lost == 0) continue;
+            report.lostClasses.Add(
+                {use.fileClass->GetName(), use.fileClass->GetOriginal() != nullptr,
+                 use.substituted && use.readAs != nullptr ? use.readAs->GetName() : ZoString(), use.read,
+                 use.lost});
+        }
+    }
+    report.removed = removed;
+    return report;
+}
+
+void TBinInStreamer::RefuseFaults(const char* location) {
+    if (strict == strictNothing) return;
+    const TZoReadReport report = Report();
+    if ((report.Faults() & strict) == 0) return;
+    ReleaseObjects();
+    throw XRefusedData(report, location);
+}
+
+void TBinInStreamer::ReleaseObjects() noexcept {
+    try {
+        TDList<ZoStreamableBase*> all;
+        for (ZoStreamableBase* object : stream->Objects()) all.Add(object);
+        RemoveInvalidObjects(&all);
+    } catch (...) {
+        // An accessor threw, or memory is short. What has an owner goes with it.
+        const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(*stream).Take();
+        for (const ZoStreamableBase* object : objects) ZoReferenceCount::Add(object);
+        for (const ZoStreamableBase* object : objects) ZoReferenceCount::Release(object);
+    }
 }
 
 bool TBinInStreamer::OnReadInstance(ZoStreamableBase* object, bool invalid) {

@@ -44,6 +44,7 @@ void TFilteredBinInStreamer::ReadNamed() {
     std::sort(ids.begin(), ids.end());
     try {
         reader.ReadRecords(&ids);
+        reader.RefuseFaults("TFilteredBinInStreamer::Read");
     } catch (...) {
         try {
             TakeObjects();

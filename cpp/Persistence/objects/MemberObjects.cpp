@@ -35,7 +35,11 @@ void MemberObjects::Run() {
 void MemberObjects::TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* owner, int uid) {
     ZoStreamableBase* value = stream.GetHandle(uid);
     const std::size_t entry = EntryOf(uid);
-    if (value == nullptr || entry == NOBODY || !field.Accepts(value)) return;
+    if (value == nullptr || entry == NOBODY || !field.Accepts(value)) {
+        if (collecting && uid != 0)
+            InstanceTables::Of(stream).lost.Add(field, uid, value != nullptr && entry != NOBODY);
+        return;
+    }
     const bool stands = IsMember(uid, value) && field.Get(owner) == value;
     if (!collecting && stands) {
         if (claims[entry] != walked) return;

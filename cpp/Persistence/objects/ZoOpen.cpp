@@ -1,7 +1,6 @@
 #include "ZoPrimitives/ZoOpen.h"
 
 #include "Persistence/instances/ClassNames.h"
-#include "Persistence/instances/InstanceTables.h"
 #include "Persistence/instances/ItemAction.h"
 #include "Persistence/objects/GraphWalk.h"
 #include "Persistence/records/NamingFile.h"
@@ -57,35 +56,23 @@ public:
 
     TDVector<ZoStreamableBase*> Run(TZoOpenedObjects& opened) {
         try {
-            NamingFile(stream, [this] {
+            NamingFile(stream, [&] {
                 streamer.ReadObjects();
-                if (!how.salvages) CheckWhole();
+                opened.report = streamer.Report();
+                if ((opened.report.Faults() & how.strict) != 0) throw XRefusedData(opened.report, OPEN);
                 FindRoots();
             });
             opened.version = stream.GetVersion();
             opened.release = stream.GetRelease();
-            opened.skipped = stream.GetSkipped();
             stream.TakeObjects(&opened.objects);
         } catch (...) {
-            Release();
+            streamer.ReleaseObjects();
             throw;
         }
         return roots;
     }
 
 private:
-    /// Records that verify may all be there, and others not.
-    void CheckWhole() {
-        bool allEmitted = true; // a class without fields has none
-        for (int i = 1; i <= streamer.GetFileMetaData()->GetClassCount(); ++i) {
-            const TZoClass& fileClass = *streamer.GetFileMetaData()->GetClass(i);
-            allEmitted = allEmitted && (fileClass.GetAbstract() || RecordOrder::HasFields(fileClass));
-        }
-        if (stream.GetSkipped() != 0 || stream.GetTrailing() != 0 ||
-            (allEmitted && stream.GetLoaded() < stream.GetNInstances()))
-            throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), OPEN, TStreamFailure::Damaged);
-    }
-
     void FindRoots() {
         if (streamer.GetRootUid() == 0)
             ThrowInvalid(TTranslatedString("O arquivo não contém objetos"_ansi).Text());
@@ -121,20 +108,6 @@ private:
                      ZoString::FormatString(": %s (%s)", found.c_str(), wanted.c_str()));
     }
 
-    /// Ends what was read, also objects that own each other in a circle.
-    void Release() noexcept {
-        try {
-            TDList<ZoStreamableBase*> all;
-            for (ZoStreamableBase* object : stream.Objects()) all.Add(object);
-            streamer.RemoveInvalidObjects(&all);
-        } catch (...) {
-            // An accessor threw, or memory is short. What has an owner goes with it.
-            const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(stream).Take();
-            for (const ZoStreamableBase* object : objects) ZoReferenceCount::Add(object);
-            for (const ZoStreamableBase* object : objects) ZoReferenceCount::Release(object);
-        }
-    }
-
     TBinInStream& stream;
     TZoMetaData* schema;
     const TZoRootType& rootType;
@@ -154,7 +127,7 @@ TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRoo
                                           const char* path, TZoMetaData* schema, const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TFileBinInStream file(path, how.reading, how.version);
-    file.SetChecksDigest(!how.salvages);
+    file.SetChecksDigest((how.strict & strictDamage) != 0);
     file.Initialize();
     return Opening(file, schema, rootType, how).Run(opened);
 }
@@ -164,7 +137,7 @@ TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRoo
                                           const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TMemoryBinInStream memory(block, size, how.version);
-    memory.SetChecksDigest(!how.salvages);
+    memory.SetChecksDigest((how.strict & strictDamage) != 0);
     memory.Initialize();
     return Opening(memory, schema, rootType, how).Run(opened);
 }
@@ -173,7 +146,7 @@ TDVector<ZoStreamableBase*> ZoOpenClipboardObjects(TZoOpenedObjects& opened, con
                                                    TZoMetaData* schema, const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TClipboardBinInStream clipboard(how.version);
-    clipboard.SetChecksDigest(!how.salvages);
+    clipboard.SetChecksDigest((how.strict & strictDamage) != 0);
     clipboard.Initialize();
     return Opening(clipboard, schema, rootType, how).Run(opened);
 }

@@ -45,6 +45,8 @@ TBinInStream& TBinInStream::operator=(const TBinInStream& other) {
     currentUid = other.currentUid;
     skipped = other.skipped;
     loaded = other.loaded;
+    readSoFar = other.readSoFar;
+    passedOver = other.passedOver;
     if (other.recordSize != 0) std::memcpy(Buffer(), other.record, other.recordSize);
     UseBuffer(other.recordSize);
     position = other.position;
@@ -210,6 +212,7 @@ bool TBinInStream::ReadAll(void* data, unsigned size, unsigned* count) {
     unsigned done = 0;
     const bool read = TakesFromWindow() ? ReadWindow(data, size, done) : Read(data, size, done);
     if (count != nullptr) *count = done;
+    readSoFar += done;
     return read && done == size;
 }
 
@@ -362,6 +365,30 @@ bool TBinInStream::LoadRecord(int* recordUid, int* recordClassId) {
 /// Looks for the next good record or, with a filter, for the next one of another class, which is passed over.
 TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const RecordFilter* filter,
                                        int* recordUid, int* recordClassId) {
+    TZoPassedOver before{StreamPosition(), 0, 0};
+    unsigned frame = 0;
+    const Found found = Search(points, filter, recordUid, recordClassId, frame, before.records);
+    before.size = StreamPosition() - frame - before.offset;
+    if (before.size != 0) NotePassedOver(before);
+    return found;
+}
+
+unsigned long long TBinInStream::StreamPosition() const {
+    return TakesFromWindow() ? WindowPosition() : readSoFar;
+}
+
+void TBinInStream::NotePassedOver(const TZoPassedOver& stretch) {
+    constexpr unsigned long long MOST = 1000;
+    if (passedOver.NItems() < MOST) return passedOver.Add(stretch);
+    TZoPassedOver& last = passedOver[MOST];
+    last.size = stretch.offset + stretch.size - last.offset;
+    last.records += stretch.records;
+}
+
+/// `frame`: the bytes of the record that was found; `damaged` counts those that did not verify.
+TBinInStream::Found TBinInStream::Search(const FailurePoints& points, const RecordFilter* filter,
+                                         int* recordUid, int* recordClassId, unsigned& frame,
+                                         unsigned& damaged) {
     position = 0;
     recordSize = 0;
     std::uint32_t window = 0;
@@ -384,6 +411,7 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
             ReadOrThrow(&classId, sizeof classId, points.classId);
             ReadOrThrow(&uid, sizeof uid, points.uid);
             ReadOrThrow(&key, sizeof key, points.key);
+            frame = size + HEAD_SIZE;
             if (filter != nullptr && !filter->Takes(classId)) {
                 if (!PassOver(size)) ThrowReadError(points.passedPayload);
                 if (digest != nullptr) AddToDigest(window, size);
@@ -401,7 +429,9 @@ TBinInStream::Found TBinInStream::Hunt(const FailurePoints& points, const Record
                 *recordClassId = classId;
                 return Found::Record;
             }
-            skipped += size + HEAD_SIZE;
+            skipped += frame;
+            frame = 0;
+            ++damaged;
             window = 0;
         } else {
             ++skipped;

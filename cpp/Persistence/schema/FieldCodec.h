@@ -437,10 +437,11 @@ private:
         Resolved(const TZoPointerResolver& resolver, TypesTaken& taken,
                  const TZoClassFieldPointerBase& application, int uid)
             : target(resolver.Find(uid)), dropped(uid != 0 && target == nullptr) {
-            if (target != nullptr && !resolver.Allows(application, uid, target, taken)) {
-                target = nullptr;
-                dropped = true;
-            }
+            const bool wrongType = target != nullptr && !resolver.Allows(application, uid, target, taken);
+            if (!dropped && !wrongType) return;
+            target = nullptr;
+            dropped = true;
+            resolver.Lose(application, uid, wrongType);
         }
     };
 

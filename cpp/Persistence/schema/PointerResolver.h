@@ -23,7 +23,8 @@ class TZoPointerResolver {
 public:
     /// `members` (may be null): by uid, the objects that stand inside others and can have no other owner.
     TZoPointerResolver(TBinInStream& stream, const UidTable* members, ValueTaker* taker)
-        : handles(InstanceTables::Of(stream).handles), members(members), taker(taker) {}
+        : handles(InstanceTables::Of(stream).handles), lost(InstanceTables::Of(stream).lost),
+          members(members), taker(taker) {}
 
     /// Begins with an object's uids. `tells`: the object answers `OnReadPointer`.
     void Begin(const std::int32_t* uids, bool tells) {
@@ -42,6 +43,10 @@ public:
         if (tellsObject) object->OnReadPointer(&application, target, static_cast<unsigned>(uid));
     }
     ZoStreamableBase* Find(int uid) const { return handles.Get(uid); }
+    /// The uid of the field names no object, or one that the field does not take.
+    void Lose(const TZoClassFieldPointerBase& application, int uid, bool wrongType) const {
+        lost.Add(application, uid, wrongType);
+    }
 
     /// While true, uids are passed over.
     void SetPassing(bool passes) { passing = passes; }
@@ -68,6 +73,7 @@ public:
 
 private:
     const UidTable& handles;
+    LostReferences& lost;
     const UidTable* members;
     ValueTaker* taker;
     const std::int32_t* next = nullptr;

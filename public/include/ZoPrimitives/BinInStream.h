@@ -3,6 +3,7 @@
 #include "ZoPrimitives/BinHeader.h"
 #include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/ZoObject.h"
+#include "ZoPrimitives/ZoReadReport.h"
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/dvector.h"
 
@@ -93,6 +94,9 @@ public:
     /// The handle of the file that the stream reads; null if there is none.
     virtual void* GetFile() const;
 
+    /// The bytes that were passed over while looking for records; the last stretch stands for all that follow
+    /// when there are very many.
+    const TDVector<TZoPassedOver>& GetPassedOver() const { return passedOver; }
     /// The file's name; empty if the stream reads something else, or a handle.
     const ZoString& GetPath() const { return path; }
 
@@ -240,6 +244,10 @@ private:
     void PassInWindow(const RecordFilter& filter);
     bool PassOver(unsigned size);
     Found Hunt(const FailurePoints& points, const RecordFilter* filter, int* uid, int* classId);
+    Found Search(const FailurePoints& points, const RecordFilter* filter, int* uid, int* classId,
+                 unsigned& frame, unsigned& damaged);
+    unsigned long long StreamPosition() const;
+    void NotePassedOver(const TZoPassedOver& stretch);
     void ReadOrThrow(void* data, unsigned size, const char* location);
     void TakePastEnd(void* value, unsigned size);
     [[noreturn]] void ThrowReadError(const char* location) const;
@@ -261,6 +269,8 @@ private:
     unsigned long long skipped = 0;
     unsigned long long loaded = 0;
     unsigned trailing = 0;
+    unsigned long long readSoFar = 0; // without a window
+    TDVector<TZoPassedOver> passedOver;
     unsigned long readError = 0;
     unsigned systemError = 0;
     ZoString path;

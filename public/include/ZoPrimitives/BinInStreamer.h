@@ -2,6 +2,7 @@
 
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoProgress.h"
+#include "ZoPrimitives/ZoReadReport.h"
 
 #include <memory>
 #include <type_traits>
@@ -64,10 +65,19 @@ public:
     /// hooks while pointers are resolved) leaves them to the caller, in the stream's list.
     ZoStreamableBase* ReadObjects();
 
+    /// What the latest reading found, and what of it did not come into the model. The schemas must be there
+    /// still. It is put together when it is asked for: a reading of clean data pays nothing for it.
+    TZoReadReport Report() const;
+    /// `TZoStrictness` bits: a reading that meets one of these faults ends in `XRefusedData`, with all
+    /// objects released.
+    void SetStrict(unsigned faults) { strict = faults; }
+    /// Deletes the objects that were read, also those that own each other in a circle.
+    void ReleaseObjects() noexcept;
+
     /// The uid of the first record read behind the schema, which is the root's; 0 if there is none.
     int GetRootUid() const { return rootUid; }
     /// The number of records of which no object was made.
-    unsigned long long GetDropped() const { return dropped; }
+    unsigned long long GetDropped() const;
 
     /// Whether the object may stay: it was not found `invalid` before, its `GetIsValid` is true, and so is
     /// that of every object that is a member of it.
@@ -94,6 +104,7 @@ private:
     void ReadRecords(const std::vector<int>* classIds);
     Use& UseOf(int classId);
     void Decide(Use& use);
+    void Lose(Use& use, int uid);
     bool IsValid(ZoStreamableBase* object, bool invalid, bool mayHaveValues);
     void ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made);
     /// Fills an object. `owner` is the outermost object that contains it, or the object itself.
@@ -104,6 +115,9 @@ private:
     void Resolve(MadeObjects& made);
     void FollowReplaced(MadeObjects& made);
     void Validate(MadeObjects& made);
+    void Remove(const TDList<ZoStreamableBase*>& invalid);
+    /// Throws when the reading has faults that are not accepted.
+    void RefuseFaults(const char* location);
 
     TBinInStream* stream;
     TZoMetaData* schema;
@@ -114,7 +128,8 @@ private:
     Operations operations = Operations::Overridden; // the virtual ones of this streamer
     Scope scope = Scope::AllClasses;                // what is read only in part may be incomplete
     int rootUid = 0;
-    unsigned long long dropped = 0;
+    unsigned strict = strictNothing;
+    TDVector<TZoReadReport::Removed> removed;
 };
 
 } // namespace ZoPrimitives

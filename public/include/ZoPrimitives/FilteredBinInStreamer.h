@@ -41,6 +41,9 @@ public:
     /// The objects read, in record order.
     const TDList<ZoStreamablePointer>& GetObjects() const { return objects; }
     TZoMetaData* GetFileMetaData() { return reader.GetFileMetaData(); }
+    /// See `TBinInStreamer`. References to objects that were not read are no fault.
+    TZoReadReport Report() const { return reader.Report(); }
+    void SetStrict(unsigned faults) { reader.SetStrict(faults); }
 
 private:
     void ReadNamed();

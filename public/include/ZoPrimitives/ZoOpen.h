@@ -5,6 +5,7 @@
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoClassField.h"
 #include "ZoPrimitives/ZoProgress.h"
+#include "ZoPrimitives/ZoReadReport.h"
 #include "ZoPrimitives/dvector.h"
 
 #include <typeinfo>
@@ -18,8 +19,10 @@ struct TZoOpening {
     unsigned version = 0xFFFFFFFFu; ///< the newest version that the application reads
     /// How a file is shared while it is read. It is closed afterwards.
     TFileReading reading = TFileReading::Locking;
-    bool severalRoots = false;       ///< the data may hold more than one root, each of the type asked for
-    bool salvages = false;           ///< opens what is left of damaged data
+    bool severalRoots = false; ///< the data may hold more than one root, each of the type asked for
+    /// `TZoStrictness` bits: what the data must not have. Without `strictDamage` what is left of damaged data
+    /// is opened. The result's report tells of everything else.
+    unsigned strict = strictDamage;
     pointer<TZoProgress> progress{}; ///< hears how far it is, and may cancel; null for none
 };
 
@@ -37,15 +40,15 @@ public:
     const TIVector<ZoStreamableBase>& GetObjects() const { return objects; }
     unsigned GetVersion() const { return version; }
     unsigned GetRelease() const { return release; }
-    /// Bytes of damaged data that were skipped; 0 unless asked to salvage.
-    unsigned long long GetSkipped() const { return skipped; }
+    /// What was found, and what of it did not come into the model.
+    const TZoReadReport& Report() const { return report; }
 
 private:
     friend class Opening;
     TIVector<ZoStreamableBase> objects;
     unsigned version = 0;
     unsigned release = 0;
-    unsigned long long skipped = 0;
+    TZoReadReport report;
 };
 
 /// What the functions below ask of a root. The library calls `test` for the objects that it finds.
@@ -91,10 +94,10 @@ ZO_API TDVector<ZoStreamableBase*> ZoOpenClipboardObjects(TZoOpenedObjects& open
 /// Opens a file that `ZoSave` or a `TBinOutStreamer` wrote and returns its objects, the root as a `Root`.
 ///
 /// Checks the schema as `ZoSave` does. Throws, with nothing leaked, what `TFileBinInStream` and
-/// `TBinInStreamer` throw; `XReadStream` "Arquivo corrompido" at "ZoOpen" when parts of the file are damaged
-/// or missing; and `XInvalidRoot` when the file holds no objects, a root of another class, or more roots than
-/// the call asks for. A root is an object that no other object owns and no external reference names; if some
-/// objects of the file could not be made, what they owned does not count.
+/// `TBinInStreamer` throw; `XRefusedData` when the file has faults that are not accepted, damaged or missing
+/// parts unless told otherwise; and `XInvalidRoot` when the file holds no objects, a root of another class,
+/// or more roots than the call asks for. A root is an object that no other object owns and no external
+/// reference names; if some objects of the file could not be made, what they owned does not count.
 template <class Root>
 TZoOpened<Root> ZoOpen(const char* path, TZoMetaData* schema, const TZoOpening& how = {}) {
     TZoOpened<Root> opened;

@@ -109,7 +109,7 @@ TEST(ZoSaveTests, OpensWhatWasSaved) {
             EXPECT_EQ((*opened).children[2]->number, 12);
             EXPECT_EQ(opened.GetVersion() + opened.GetRelease(), 3U + 2026);
             EXPECT_EQ(opened.GetObjects().NItems(), 7U) << "without the member";
-            EXPECT_EQ(opened.GetSkipped(), 0U);
+            EXPECT_EQ(Text(opened.Report().Text()), "");
         }
     }
     const int alive = Alive::Count();
@@ -285,7 +285,6 @@ TEST(ZoSaveTests, OpensAllThatWasSavedOrNothing) {
     const std::string good = Bytes(ZoSaveInMemory(root.get(), &schema, plain));
     const std::vector<Row> rows = RowsOf(good);
     const auto changed = [](std::string bytes, std::size_t at) { return bytes[at] ^= 1, bytes; };
-    const std::string corrupted = "Arquivo corrompido @ ZoOpen";
     const app::Leaf leaf(5);
     const struct {
         const char* name;
@@ -309,26 +308,35 @@ TEST(ZoSaveTests, OpensAllThatWasSavedOrNothing) {
          "O objeto principal do arquivo não pôde ser lido @ ZoOpen"_ansi},
         {"damaged schema", changed(good, 28 + 24 + 9),
          "Tamanho de registro corrompido @ TZoMetaData::LoadFromStream"},
-        {"damaged object", changed(good, good.size() - 1), corrupted},
-        {"stray byte at the end", good + 'x', corrupted},
-        {"cut between records", good.substr(0, good.size() - 24 - rows[3].payload.size()), corrupted},
+        {"damaged object", changed(good, good.size() - 1), "refused @ ZoOpen"},
+        {"stray byte at the end", good + 'x', "refused @ ZoOpen"},
+        {"cut between records", good.substr(0, good.size() - 24 - rows[3].payload.size()),
+         "refused @ ZoOpen"},
         {"cut in a record", good.substr(0, good.size() - 1), "No error @ TBinInStream::LoadRecord #3"},
-        {"objects that own each other", FileOf({rows[0], rows[1], {2, 1, rows[1].payload}}) + 'x', corrupted},
+        {"objects that own each other", FileOf({rows[0], rows[1], {2, 1, rows[1].payload}}) + 'x',
+         "refused @ ZoOpen"},
     };
     for (const auto& [name, bytes, said] : cases) {
         SCOPED_TRACE(name);
         const int alive = Alive::Count();
-        EXPECT_EQ(FailureOf([&, &bytes = bytes] {
-                      ZoOpenFromMemory<Room>(bytes.data(), bytes.size(), &schema, {2});
-                  }),
-                  said);
+        const auto open = [&, &bytes = bytes] {
+            try {
+                ZoOpenFromMemory<Room>(bytes.data(), bytes.size(), &schema, {2});
+            } catch (const XRefusedData& refused) {
+                EXPECT_NE(refused.Report().Faults() & strictDamage, 0U);
+                throw XReadStream("refused", refused.Location());
+            }
+        };
+        EXPECT_EQ(FailureOf(open), said);
         EXPECT_EQ(Alive::Count(), alive);
     }
     TZoOpening salvaging;
-    salvaging.salvages = true;
+    salvaging.strict = strictNothing;
     const std::string damaged = changed(digested, digested.size() - 1);
     const auto left = ZoOpenFromMemory<Room>(damaged.data(), damaged.size(), &schema, salvaging);
-    EXPECT_GE(left.GetSkipped(), 24 + rows[3].payload.size());
+    EXPECT_EQ(left.Report().passedOver,
+              (TDVector<TZoPassedOver>{
+                  {digested.size() - 24 - rows[3].payload.size(), 24 + rows[3].payload.size(), 1}}));
     EXPECT_TRUE(left->inner && !left->inner->inner);
 }
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "ZoPrimitives/ZoReadReport.h"
+
+namespace ZoPrimitives {
+
+class TBinInStream;
+class TZoClass;
+class TZoMetaData;
+
+/// Puts together what a reading's stream and schemas know of it.
+class ReportBuilder {
+public:
+    /// `file`: the file's schema, linked to the application's. `partial`: only some classes were read.
+    ReportBuilder(const TBinInStream& stream, TZoMetaData& file, bool partial);
+
+    TZoReadReport report;
+
+private:
+    void CountRecords(const TBinInStream& stream, const TZoMetaData& file);
+    void CompareFields(TZoMetaData& file);
+    void AddAbsent(TZoClass& fileClass, const TZoClass& level);
+    void TakeReferences(const TBinInStream& stream);
+};
+
+} // namespace ZoPrimitives

@@ -4,7 +4,10 @@
 #include "Persistence/schema/RecordOrder.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
+#include <algorithm>
+#include <tuple>
 #include <unordered_set>
+#include <vector>
 
 namespace ZoPrimitives {
 
@@ -58,12 +61,19 @@ void ReportBuilder::AddAbsent(TZoClass& fileClass, const TZoClass& level) {
     }
 }
 
+/// In the order of their names, not of the addresses that they are counted by.
 void ReportBuilder::TakeReferences(const TBinInStream& stream) {
+    std::vector<TZoReadReport::Reference> all;
     for (const auto& [lost, count] : InstanceTables::Of(stream).lost.GetCounts()) {
         const TZoClass* owner = lost.first->GetOwnerClass();
-        report.references.Add({owner != nullptr ? owner->GetName() : ZoString(), lost.first->GetFieldName(),
-                               lost.second, count});
+        all.push_back({owner != nullptr ? owner->GetName() : ZoString(), lost.first->GetFieldName(),
+                       lost.second, count});
     }
+    const auto byName = [](const TZoReadReport::Reference& a, const TZoReadReport::Reference& b) {
+        return std::tie(a.className, a.field, a.why) < std::tie(b.className, b.field, b.why);
+    };
+    std::sort(all.begin(), all.end(), byName);
+    for (const TZoReadReport::Reference& reference : all) report.references.Add(reference);
 }
 
 } // namespace ZoPrimitives

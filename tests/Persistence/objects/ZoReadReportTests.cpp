@@ -159,8 +159,8 @@ TEST_F(ZoReadReportTests, OfAPartialReadingDoNotCallWhatWasNotReadLost) {
     filtered.SetStrict(strictEverything);
     filtered.Read();
     EXPECT_EQ(Text(filtered.Report().Text()),
-              "Node.pin: 1 refer\xEAncias a objetos que n\xE3o foram lidos\n"
-              "Node.next: 1 refer\xEAncias a objetos que n\xE3o foram lidos\n");
+              "Node.next: 1 refer\xEAncias a objetos que n\xE3o foram lidos\n"
+              "Node.pin: 1 refer\xEAncias a objetos que n\xE3o foram lidos\n");
     EXPECT_TRUE(filtered.Report().partial);
     delete filtered.GetObjects()[1];
 }

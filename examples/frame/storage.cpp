@@ -81,7 +81,8 @@ void CheckFile(const std::string& path) {
 }
 
 Model ModelOf(const TZoOpened<Building>& opened, const Source& source) {
-    if (!opened.Report().IsClean())
+    // The fields of older versions are converted when they are offered.
+    if ((opened.Report().Faults() & ~strictFields) != 0)
         std::cerr << "frame: of " << source.name << ":\n" << ZoToUtf8(opened.Report().Text());
     const ZoString fault = opened->FindFault();
     if (!fault.IsNull()) throw Damaged(source, ZoToUtf8(fault));

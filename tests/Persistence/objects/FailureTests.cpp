@@ -49,7 +49,6 @@ TEST_F(FailureTests, TellKindFileAndReason) {
     folder.Write("torn", header + RecordBytes(0, 0, "no schema"));
     folder.Write("held", header);
     folder.Write("empty", "");
-    const std::string here = folder.Path() + "/";
     const struct {
         const char* name;
         std::function<void()> fails;
@@ -103,10 +102,11 @@ TEST_F(FailureTests, TellKindFileAndReason) {
         } catch (const XStream& failure) {
             EXPECT_EQ(failure.Kind(), row.kind);
             EXPECT_EQ(failure.SystemCode(), row.code);
-            EXPECT_EQ(failure.Path(), row.file != nullptr ? (here + row.file).c_str() : "");
+            const std::string file = row.file != nullptr ? folder.Path(row.file) : "";
+            EXPECT_EQ(failure.Path(), file.c_str());
             const std::string explained = ZoExplain().c_str();
             EXPECT_THAT(explained, HasSubstr(row.explained));
-            EXPECT_THAT(explained, HasSubstr(row.file != nullptr ? '"' + here + row.file + '"' : ""));
+            EXPECT_THAT(explained, HasSubstr(row.file != nullptr ? '"' + file + '"' : ""));
         }
         system.readOnly.reset();
     }

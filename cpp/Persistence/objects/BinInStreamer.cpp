@@ -359,10 +359,7 @@ void TBinInStreamer::ReleaseObjects() noexcept {
         for (ZoStreamableBase* object : stream->Objects()) all.Add(object);
         RemoveInvalidObjects(&all);
     } catch (...) {
-        // An accessor threw, or memory is short. What has an owner goes with it.
-        const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(*stream).Take();
-        for (const ZoStreamableBase* object : objects) ZoReferenceCount::Add(object);
-        for (const ZoStreamableBase* object : objects) ZoReferenceCount::Release(object);
+        MadeObjects::ReleaseAll(*stream); // an accessor threw, or memory is short
     }
 }
 

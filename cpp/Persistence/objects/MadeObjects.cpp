@@ -16,8 +16,12 @@ MadeObjects::~MadeObjects() {
     delete current;
     for (const ZoStreamableBase* object : consumed) delete object;
     if (!owned) return;
+    ReleaseAll(stream);
+}
+
+void MadeObjects::ReleaseAll(TBinInStream& stream) noexcept {
     const TDVector<ZoStreamableBase*> objects = InstanceTables::Of(stream).Take();
-    // A hook may have made one the owner of another: that one ends with its owner.
+    // What another one owns ends with its owner.
     for (const ZoStreamableBase* object : objects) ZoReferenceCount::Add(object);
     for (const ZoStreamableBase* object : objects) ZoReferenceCount::Release(object);
 }

@@ -20,6 +20,9 @@ public:
     MadeObjects(const MadeObjects&) = delete;
     MadeObjects& operator=(const MadeObjects&) = delete;
 
+    /// Takes all objects out of the stream's list and ends them, but those that own each other in a circle.
+    static void ReleaseAll(TBinInStream& stream) noexcept;
+
     void Begin(ZoStreamableBase* object) { current = object; }
     void Drop();
     void Finish();

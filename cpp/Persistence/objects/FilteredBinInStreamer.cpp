@@ -31,9 +31,14 @@ bool TFilteredBinInStreamer::Read() {
 void TFilteredBinInStreamer::ReadNamed() {
     reader.LoadSchema("TFilteredBinInStreamer::Read #1", "TFilteredBinInStreamer::Read #2");
     std::vector<int> ids;
-    for (const ZoString& name : names) {
-        if (const TZoClass* fileClass = reader.fileSchema.FindClass(name)) {
-            ids.push_back(fileClass->GetClassId());
+    for (int i = 1; i <= reader.fileSchema.GetClassCount(); ++i) {
+        const TZoClass& fileClass = *reader.fileSchema.GetClass(i);
+        const TZoClass* original = fileClass.GetOriginal();
+        for (const ZoString& name : names) {
+            // Its own name, or that of the application's class that had this one.
+            if (fileClass.GetName() != name && (original == nullptr || original->GetName() != name)) continue;
+            ids.push_back(fileClass.GetClassId());
+            break;
         }
     }
     if (ids.empty()) {

@@ -40,6 +40,7 @@ void ReportBuilder::CompareFields(TZoMetaData& file) {
         for (const TZoClassField* field : RecordOrder::FieldsOf(fileClass)) {
             if (field->GetOriginal() != nullptr) continue;
             const TZoClassField* other = original->FindField(field->GetFieldName());
+            if (other == nullptr) other = original->FindFormerField(field->GetFieldName());
             report.fields.Add({fileClass.GetName(), field->GetFieldName(),
                                other == nullptr ? TFieldFault::NotInClass : TFieldFault::OtherKind,
                                field->GetFieldType(), other == nullptr ? 0 : other->GetFieldType()});
@@ -54,8 +55,13 @@ void ReportBuilder::CompareFields(TZoMetaData& file) {
 
 /// The fields of a level of the application's class that the file's class has neither itself nor inherited.
 void ReportBuilder::AddAbsent(TZoClass& fileClass, const TZoClass& level) {
+    std::unordered_set<const TZoClassField*> named; // by a former name, of whatever kind
+    RecordOrder::ForEachLevel(fileClass, [&](const TZoClass& fileLevel) {
+        for (const TZoClassField* field : RecordOrder::FieldsOf(fileLevel))
+            named.insert(fileClass.GetOriginal()->FindFormerField(field->GetFieldName()));
+    });
     for (const TZoClassField* field : RecordOrder::FieldsOf(level)) {
-        if (fileClass.FindField(field->GetFieldName()) == nullptr)
+        if (named.count(field) == 0 && fileClass.FindField(field->GetFieldName()) == nullptr)
             report.fields.Add(
                 {level.GetName(), field->GetFieldName(), TFieldFault::NotInFile, 0, field->GetFieldType()});
     }

@@ -157,11 +157,16 @@ void SchemaReader::LinkParents() {
     }
 }
 
+TZoClass* SchemaReader::ApplicationsClass(const ZoString& name) const {
+    TZoClass* present = application->FindClass(name);
+    return present != nullptr ? present : application->FindFormerClass(name);
+}
+
 /// Returns false if a field names a class that is not there.
 bool SchemaReader::LinkFields() {
     bool known = true;
     for (const auto& linked : schema.classes) {
-        linked->SetOriginal(application == nullptr ? nullptr : application->FindClass(linked->GetName()));
+        linked->SetOriginal(application == nullptr ? nullptr : ApplicationsClass(linked->GetName()));
         linked->ForEachPointerField([&](TZoClassField& field) {
             if (field.fieldClassId == 0) return;
             const auto* found = Find(field.fieldClassId);

@@ -30,6 +30,8 @@ private:
     bool LevelsAreSound() const;
     void LinkParents();
     bool LinkFields();
+    /// The application's class for a file's class of that name; null if there is none.
+    TZoClass* ApplicationsClass(const ZoString& name) const;
     TZoClass* ClassAt(Position position) const { return schema.classes[position + 1ULL].get(); }
     const std::pair<int, Position>* Find(int id) const;
 

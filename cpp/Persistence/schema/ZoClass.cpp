@@ -202,6 +202,30 @@ TZoClassField* TZoClass::FindField(const ZoString& wanted) {
     return nullptr;
 }
 
+void TZoClass::AddFormerName(const ZoString& former) { formerNames.push_back(WholeText(former)); }
+
+void TZoClass::AddFormerName(TZoClassField* field, const ZoString& former) {
+    ZO_ASSERT(
+        field != nullptr && field->GetOwnerClass() == this,
+        "field->GetOwnerClass() == this && \"[zoerror] the field is another class's. See ZO_FIELD_WAS\"",
+        ZoSources::ZOMETADATA);
+    formerFieldNames.emplace_back(WholeText(former), field);
+}
+
+bool TZoClass::HadName(const ZoString& former) const {
+    return std::find(formerNames.begin(), formerNames.end(), former) != formerNames.end();
+}
+
+TZoClassField* TZoClass::FindFormerField(const ZoString& former) const {
+    for (const auto& [known, field] : formerFieldNames) {
+        if (known == former) return field;
+    }
+    for (const auto& parent : parents) {
+        if (TZoClassField* field = parent->FindFormerField(former)) return field;
+    }
+    return nullptr;
+}
+
 TZoClassField* TZoClass::GetField(int index) {
     ZO_ASSERT(index >= 1 && index <= GetFieldCount(), "index >= 1 && index <= GetFieldCount()",
               ZoSources::ZOMETADATA);
@@ -261,11 +285,17 @@ ZoStreamableBase* TZoClass::CreateInstance(TZoMetaData* fileSchema, TZoMetaData*
     return made->create == nullptr ? nullptr : made->create(fileSchema, applicationSchema, made);
 }
 
+/// The application's field for a field of this class of a file, by its name or by a former one.
+TZoClassField* TZoClass::FieldFor(const TZoClassField& field, TZoClass& applicationClass) {
+    if (TZoClassField* present = applicationClass.FindField(field.GetFieldName())) return present;
+    TZoClassField* former = applicationClass.FindFormerField(field.GetFieldName());
+    return former == nullptr || FindField(former->GetFieldName()) != nullptr ? nullptr : former;
+}
+
 void TZoClass::SetOriginal(TZoClass* applicationClass) {
     original = applicationClass;
     for (TZoClassField* field : inOrder) {
-        TZoClassField* target =
-            applicationClass == nullptr ? nullptr : applicationClass->FindField(field->GetFieldName());
+        TZoClassField* target = applicationClass == nullptr ? nullptr : FieldFor(*field, *applicationClass);
         const bool fits = target != nullptr && SameEncoding(target->GetFieldType(), field->GetFieldType());
         field->original = fits ? target : nullptr;
     }

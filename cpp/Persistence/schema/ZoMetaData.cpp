@@ -196,6 +196,13 @@ void TZoMetaData::NoteRival(const TZoClass& present, const TZoClass& rival) {
 
 TZoClass* TZoMetaData::FindClass(const ZoString& name) const { return index->Find(View(name)); }
 
+TZoClass* TZoMetaData::FindFormerClass(const ZoString& name) const {
+    for (const auto& known : classes) {
+        if (known->HadName(name)) return known.get();
+    }
+    return nullptr;
+}
+
 TZoClass* TZoMetaData::FindClass(int id) const { return index->Find(id); }
 
 TZoClass* TZoMetaData::FindUnbound(const char* name, const std::type_info& type) const {

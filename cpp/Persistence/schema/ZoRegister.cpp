@@ -103,6 +103,14 @@ void ZoRegistration::AddField(FieldClassFunction fieldClassOf, AddFieldFunction 
     unresolved.Add(field);
 }
 
+void ZoRegistration::FieldWas(const char* field, std::initializer_list<const char*> formerNames) {
+    for (const char* former : formerNames) made->AddFormerName(made->FindField(field), former);
+}
+
+void ZoRegistration::ClassWas(std::initializer_list<const char*> formerNames) {
+    for (const char* former : formerNames) made->AddFormerName(former);
+}
+
 TZoClass* ZoRegistration::Finish() {
     if (TZoClass* present = schema->FindClass(made->GetName())) {
         schema->NoteRival(*present, *made);

@@ -25,6 +25,7 @@ ZoStreamableBase* StreamableFactory::CreateObject(ZoString className) {
     const ZoString name = PlainClassName(className);
     TZoClass* known = schema->FindClass(name);
     if (known == nullptr) known = schema->FindClass(ZoRegisteredName(name.c_str()));
+    if (known == nullptr) known = schema->FindFormerClass(name);
     ZoStreamableBase* object = known == nullptr ? nullptr : known->CreateInstance(schema, schema);
     if (object == nullptr) throw XUnknownObject();
     return object;

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <memory>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -141,6 +142,15 @@ public:
 
     /// A field of this class or of an ancestor, the class's own first. Null if there is none.
     TZoClassField* FindField(const ZoString& name);
+
+    /// A name that the class had in an earlier version of the application: what a file holds under it is read
+    /// as this class's, unless the application has a class of that name. The present name is written.
+    void AddFormerName(const ZoString& name);
+    /// The same for an own field. A file that has the present name too is read under that one alone.
+    void AddFormerName(TZoClassField* field, const ZoString& name);
+    bool HadName(const ZoString& name) const;
+    /// The field of this class or of an ancestor that had the name; null if there is none.
+    TZoClassField* FindFormerField(const ZoString& name) const;
     /// The class's own fields in streaming order; `index` counts from 1.
     TZoClassField* GetField(int index);
     int GetFieldCount() const;
@@ -208,6 +218,7 @@ private:
     template <class Field>
     Field* Adopt(Field* field, TZoClass* fieldClass);
     void PutInOrder();
+    TZoClassField* FieldFor(const TZoClassField& field, TZoClass& applicationClass);
     FieldList& ListOf(const TZoClassField& field);
     /// Reserves room for `count` fields in the list for this field's kind.
     void ReserveLike(const TZoClassField& field, std::size_t count);
@@ -259,6 +270,8 @@ private:
     FieldList fieldsReferencesLists;
     FieldList fieldsChildMaps;
     std::vector<TZoClassField*> inOrder; // all fields, in streaming order
+    std::vector<ZoString> formerNames;
+    std::vector<std::pair<ZoString, TZoClassField*>> formerFieldNames;
     TZoCreateFunction create = nullptr;
     TZoCadastre* cadastre = nullptr;
     TZoClass* original = nullptr;
@@ -291,6 +304,8 @@ public:
     TZoClass* AddClass(TZoClass* newClass);
     TZoClass* FindClass(const ZoString& name) const;
     TZoClass* FindClass(int id) const;
+    /// The class that had the name (`TZoClass::AddFormerName`); null if there is none.
+    TZoClass* FindFormerClass(const ZoString& name) const;
     /// The class bound to the number of a C++ class. If none is, the class of that name, unless that is bound
     /// to another C++ type.
     TZoClass* FindClass(unsigned slot, const char* name, const std::type_info& type) const {

@@ -43,6 +43,7 @@
 #include "ZoPrimitives/dvector.h"
 
 #include <cstddef>
+#include <initializer_list>
 #include <new>
 #include <type_traits>
 #include <typeinfo>
@@ -401,6 +402,8 @@ public:
     void SetHooks(unsigned overridden) { made->SetHooks(overridden); }
     void SetTypeTest(TZoTypeTest test) { made->SetTypeTest(test); }
     void AddField(FieldClassFunction fieldClassOf, AddFieldFunction add);
+    void FieldWas(const char* field, std::initializer_list<const char*> formerNames);
+    void ClassWas(std::initializer_list<const char*> formerNames);
     /// Adds the class to the schema and returns it; returns the existing class if the name is taken.
     TZoClass* Finish();
 
@@ -572,16 +575,29 @@ public:                                                                         
         return ::ZoPrimitives::ZoStreamableClassName(typeid(*this));                                         \
     }
 
-#define ZO_FIELD_LINE_(field)                                                                                \
-    static constexpr int ZoIndexOf_##field =                                                                 \
+/// A line of the registration, which does something to a `ZoRegistration& registration` in its turn.
+#define ZO_LINE_(line, ...)                                                                                  \
+    static constexpr int ZoIndexOf_##line =                                                                  \
         decltype(ZoNextField(::ZoPrimitives::ZoFieldRank<::ZoPrimitives::ZoMostFields>()))::value;           \
-    static_assert(ZoIndexOf_##field < ::ZoPrimitives::ZoMostFields, "a class has 128 field lines at most");  \
-    static ::ZoPrimitives::ZoFieldIndex<ZoIndexOf_##field + 1> ZoNextField(                                  \
-        ::ZoPrimitives::ZoFieldRank<ZoIndexOf_##field + 1>);                                                 \
-    static void ZoAddField(::ZoPrimitives::ZoFieldIndex<ZoIndexOf_##field>,                                  \
+    static_assert(ZoIndexOf_##line < ::ZoPrimitives::ZoMostFields, "a class has 128 field lines at most");   \
+    static ::ZoPrimitives::ZoFieldIndex<ZoIndexOf_##line + 1> ZoNextField(                                   \
+        ::ZoPrimitives::ZoFieldRank<ZoIndexOf_##line + 1>);                                                  \
+    static void ZoAddField(::ZoPrimitives::ZoFieldIndex<ZoIndexOf_##line>,                                   \
                            ::ZoPrimitives::ZoRegistration& registration) {                                   \
-        registration.AddField(Getfieldclassfor_##field, Addfieldfor_##field);                                \
+        __VA_ARGS__;                                                                                         \
     }
+#define ZO_FIELD_LINE_(field)                                                                                \
+    ZO_LINE_(field, registration.AddField(Getfieldclassfor_##field, Addfieldfor_##field))
+
+/// Behind a field's line: names that the field had in earlier versions of the application. Files are read
+/// under them, too; a file that has the present name is read under that one alone.
+#define ZO_FIELD_WAS(field, ...)                                                                             \
+    static_assert(ZoIndexOf_##field >= 0, "ZO_FIELD_WAS stands behind the field's line");                    \
+    ZO_LINE_(ZoWas_##field, registration.FieldWas(#field, {__VA_ARGS__}))
+/// Names that the class had in earlier versions. Files are read under them, too, unless the application has a
+/// class of that name.
+#define ZO_CLASS_WAS(...) ZO_LINE_(ZoClassWas, registration.ClassWas({__VA_ARGS__}))
+
 #define ZO_MEMBER_(field)                                                                                    \
     static void* Member##field(::ZoPrimitives::ZoStreamableBase* object) {                                   \
         return &::ZoPrimitives::ZoSelf<ZoClass>(object).field;                                               \

@@ -5,7 +5,6 @@
 #include <limits>
 #include <map>
 #include <random>
-#include <set>
 #include <thread>
 
 using namespace ZoPrimitives;
@@ -66,50 +65,44 @@ struct BinOutStreamerTests : testing::Test {
 
 using Things = std::vector<Thing*>;
 
-/// A part of a record: a value, or pointers.
+/// A part of a record: bytes, and the pointers behind them.
 struct Part {
     enum Kind { Value, Owned, Reference, External } kind;
+    Payload bytes{};
     Things targets{};
-    bool isList = false;
-    Payload value{};
 };
 
 /// All parts in their order, level by level.
 std::vector<Part> PartsOf(Thing* thing) {
     std::vector<Part> parts;
-    const auto one = [&](Part::Kind kind, Thing* target) { parts.push_back({kind, {target}}); };
+    const auto one = [&](Part::Kind kind, Thing* target) { parts.push_back({kind, {}, {target}}); };
     const auto all = [&](Part::Kind kind, const auto& list) {
-        parts.push_back({kind, {}, true});
-        for (const auto& target : list) parts.back().targets.push_back(target ? &*target : nullptr);
+        Things targets;
+        for (const auto& target : list) targets.push_back(target ? &*target : nullptr);
+        parts.push_back({kind, Payload().Int(static_cast<long long>(targets.size())), targets});
     };
     const auto base = [&] {
-        parts.push_back({.kind = Part::Value, .value = Payload().Int(thing->number)});
+        parts.push_back({Part::Value, Payload().Int(thing->number)});
         one(Part::Owned, thing->child.get());
         all(Part::Owned, thing->children);
         one(Part::Reference, thing->reference.get());
         one(Part::External, thing->external.get());
     };
-    auto* listed = dynamic_cast<Listed*>(thing);
-    auto* mapped = dynamic_cast<Mapped*>(thing);
-    if (listed != nullptr) {
-        base();
-        all(Part::Owned, listed->more);
-        all(Part::Reference, listed->references);
-        all(Part::External, listed->externals);
+    base();
+    auto* both = dynamic_cast<Both*>(thing);
+    if (both == nullptr) return parts;
+    all(Part::Owned, both->more);
+    all(Part::Reference, both->references);
+    all(Part::External, both->externals);
+    base();
+    Things keys, values;
+    for (unsigned i = 1; i <= both->map.NItems(); ++i) {
+        keys.push_back(both->map.KeyAt(i).get());
+        values.push_back(both->map.ValueAt(i).get());
     }
-    if (mapped != nullptr) {
-        Things keys, values;
-        for (unsigned i = 1; i <= mapped->map.NItems(); ++i) {
-            keys.push_back(mapped->map.KeyAt(i).get());
-            values.push_back(mapped->map.ValueAt(i).get());
-        }
-        base();
-        all(Part::Owned, keys);
-        all(Part::Owned, values);
-    }
-    if (listed != nullptr && mapped != nullptr)
-        parts.push_back({.kind = Part::Value, .value = Payload().Double(dynamic_cast<Both&>(*thing).weight)});
-    if (parts.empty()) base();
+    all(Part::Owned, keys);
+    all(Part::Owned, values);
+    parts.push_back({Part::Value, Payload().Double(both->weight)});
     return parts;
 }
 
@@ -117,71 +110,53 @@ std::vector<Part> PartsOf(Thing* thing) {
 class PlainWriter {
 public:
     explicit PlainWriter(Thing* root) {
-        GiveUids(root);
-        for (std::size_t i = 0; i < externals.size(); ++i) GiveUids(externals[i]);
-        Write(root);
-        for (Thing* external : externals) Write(external);
+        Reach(root);
+        for (std::size_t i = 0; i < externals.size(); ++i) Reach(externals[i]);
+        for (Thing* object : reached) {
+            Payload record;
+            for (const Part& part : PartsOf(object)) {
+                record.Add(part.bytes);
+                for (Thing* target : part.targets) record.Int(target == nullptr ? 0 : uids.at(target));
+            }
+            rows.push_back({uids.at(object), dynamic_cast<Both*>(object) != nullptr ? 4 : 1, record});
+        }
     }
+    Things reached; // by rising uids
     std::vector<Row> rows;
-    std::map<Thing*, int> uids;
 
 private:
-    void GiveUids(Thing* object) {
+    void Reach(Thing* object) {
         const int uid = static_cast<int>(uids.size()) + 1;
         if (object == nullptr || !uids.emplace(object, uid).second) return;
+        reached.push_back(object);
         for (const Part& part : PartsOf(object)) {
             for (Thing* target : part.targets) {
-                if (part.kind == Part::Owned) GiveUids(target);
-                if (part.kind == Part::External && target != nullptr && known.insert(target).second)
-                    externals.push_back(target);
+                if (part.kind == Part::Owned) Reach(target);
+                if (part.kind == Part::External) externals.push_back(target);
             }
         }
     }
-    void Write(Thing* object) {
-        if (object == nullptr || !written.insert(object).second) return;
-        Payload record;
-        for (const Part& part : PartsOf(object)) {
-            record.Add(part.value);
-            if (part.isList) record.Int(static_cast<long long>(part.targets.size()));
-            for (Thing* target : part.targets) record.Int(target == nullptr ? 0 : uids.at(target));
-        }
-        const int classId = 1 + (dynamic_cast<Mapped*>(object) != nullptr ? 1 : 0) +
-                            (dynamic_cast<Listed*>(object) != nullptr ? 2 : 0);
-        rows.push_back({uids.at(object), classId, record});
-        for (const Part& part : PartsOf(object)) {
-            for (Thing* target : part.targets)
-                if (part.kind == Part::Owned) Write(target);
-        }
-    }
 
-    std::set<Thing*> known;
-    std::set<Thing*> written;
+    std::map<Thing*, int> uids;
     Things externals;
 };
 
-/// Objects of all four classes that own, share and refer to each other at random, in circles too.
+/// Objects of two classes that own, share and refer to each other at random, in circles too.
 class RandomGraph {
 public:
     explicit RandomGraph(unsigned seed) : random(seed) {
-        const std::size_t count = 1 + random() % 60;
-        const std::function<Thing*()> kinds[] = {[] { return new Thing; }, [] { return new Mapped; },
-                                                 [] { return new Listed; },
-                                                 []() -> Thing* { return static_cast<Listed*>(new Both); }};
-        for (std::size_t i = 0; i < count; ++i) {
-            things.emplace_back(kinds[random() % 4]());
+        for (std::size_t i = 1 + random() % 60; i > 0; --i) {
+            things.emplace_back(random() % 2 == 0 ? new Thing : static_cast<Listed*>(new Both));
             things.back()->number = static_cast<int>(i);
         }
         for (const auto& thing : things) Fill(thing.get());
         // Plain references lead to what the file holds anyway.
-        const PlainWriter reached(Root());
-        for (const auto& [thing, uid] : reached.uids) {
-            auto target =
-                std::next(reached.uids.begin(), static_cast<std::ptrdiff_t>(random() % reached.uids.size()));
-            if (random() % 2 == 0) thing->reference = target->first;
-            if (auto* listed = dynamic_cast<Listed*>(thing)) {
-                listed->references.Add(target->first);
-                listed->references.Add(nullptr);
-            }
+        const Things reached = PlainWriter(Root()).reached;
+        for (Thing* thing : reached) {
+            Thing* target = reached[random() % reached.size()];
+            if (random() % 2 == 0) thing->reference = target;
+            if (auto* listed = dynamic_cast<Listed*>(thing))
+                for (Thing* each : {target, static_cast<Thing*>(nullptr)}) listed->references.Add(each);
         }
     }
     ~RandomGraph() {
@@ -201,15 +176,14 @@ private:
     }
     void Fill(Thing* thing) {
         thing->child = Any();
-        for (std::size_t i = random() % 3; i > 0; --i) thing->children.Add(Any());
+        for (auto i = random() % 3; i > 0; --i) thing->children.Add(Any());
         if (random() % 4 == 0) thing->external = Any();
-        if (auto* mapped = dynamic_cast<Mapped*>(thing))
-            for (std::size_t i = random() % 3; i > 0; --i) mapped->map.Append(Any(), Any());
-        if (auto* listed = dynamic_cast<Listed*>(thing)) {
-            for (std::size_t i = random() % 3; i > 0; --i) listed->more.Add(Any());
-            if (random() % 3 == 0) listed->externals.Add(Any());
-        }
-        if (auto* both = dynamic_cast<Both*>(thing)) both->weight = thing->number * 0.5;
+        auto* both = dynamic_cast<Both*>(thing);
+        if (both == nullptr) return;
+        for (auto i = random() % 3; i > 0; --i) both->map.Append(Any(), Any());
+        for (auto i = random() % 3; i > 0; --i) both->more.Add(Any());
+        if (random() % 3 == 0) both->externals.Add(Any());
+        both->weight = both->number * 0.5;
     }
 
     std::mt19937 random;
@@ -319,123 +293,94 @@ TEST_F(BinOutStreamerTests, CallsWillWriteOnceForEveryLevelBeforeItsFields) {
 
 // Hooks that change the graph
 
-/// A root (1) with a child (2) that has one (3), and children of its own (4, 5, 6). 2, 4 and 5 act when told.
+/// A root (1) with a child (2) that has one (3), and children of its own (4, 5, 6); 7 and 8 are outside.
 struct Family {
     Family() {
-        root.number = 1;
-        child->number = 2;
-        grandchild->number = 3;
-        root.child = child.get();
-        child->child = grandchild.get();
-        for (int i = 0; i < 3; ++i) {
-            kids[i]->number = 4 + i;
-            root.children.Add(kids[i].get());
+        for (unsigned i = 1; i <= 8; ++i) {
+            held[i] = at[i] = new Keeper;
+            at[i]->number = static_cast<int>(i);
         }
+        at[1]->child = at[2];
+        at[2]->child = at[3];
+        for (const unsigned i : {4, 5, 6}) at[1]->children.Add(at[i]);
     }
-    Keeper root;
-    pointer<Keeper> child{new Keeper};
-    pointer<Thing> grandchild{new Thing};
-    pointer<Keeper> kids[3] = {new Keeper, new Keeper, new Keeper};
-    pointer<Thing> outside[2] = {new Thing, new Thing};
-    /// Leaves the objects to the graph alone.
-    void Leave() {
-        child = nullptr;
-        grandchild = nullptr;
-        for (auto& kid : kids) kid = nullptr;
-    }
+    Keeper* One(unsigned number) { return number == 9 ? new Keeper : at[number]; } // 9: somebody new
+    Keeper* at[9] = {};
+    pointer<Keeper> held[9];
 };
+
+/// What a hook does to one of a family, with another one or with a place in its list.
+struct Change {
+    unsigned whose;
+    void (*make)(Family&, Keeper& whose, unsigned with);
+    unsigned with = 0;
+};
+void Child(Family& f, Keeper& whose, unsigned with) { whose.child = f.One(with); }
+void External(Family& f, Keeper& whose, unsigned with) { whose.external = f.One(with); }
+void Add(Family& f, Keeper& whose, unsigned with) { whose.children.Add(f.One(with)); }
+void RemoveAt(Family&, Keeper& whose, unsigned place) { whose.children.RemoveAt(place); }
+void RemoveAll(Family&, Keeper& whose, unsigned) { whose.children.RemoveAll(); }
+void SwapWithLast(Family&, Keeper& whose, unsigned place) {
+    std::swap(whose.children[place], whose.children.Last());
+}
+void LetGo(Family& f, Keeper& whose, unsigned) { f.held[whose.number] = nullptr; }
 
 TEST_F(BinOutStreamerTests, LeavesOutWhatHooksLetGoOf) {
     const struct {
         const char* name;
-        void (*prepare)(Family& f);
+        std::vector<Change> before;
+        unsigned acts; // when its record is about to be written
+        std::vector<Change> changes;
         std::string written;
         std::string kept = {}; // where somebody else keeps the objects, if that makes a difference
     } cases[] = {
-        {"nothing", [](Family&) {}, "1 2 3 4 5 6"},
-        {"its child", [](Family& f) { f.root.act = [&f] { f.root.child = nullptr; }; }, "1 4 5 6"},
-        {"its list", [](Family& f) { f.root.act = [&f] { f.root.children.RemoveAll(); }; }, "1 2 3"},
-        {"a child that another owner has too: at that one's turn",
-         [](Family& f) {
-             f.kids[1]->child = f.child.get();
-             f.root.act = [&f] { f.root.child = nullptr; };
-         },
-         "1 4 5 2 3 6"},
-        {"a sibling that comes later",
-         [](Family& f) { f.kids[0]->act = [&f] { f.root.children.RemoveAt(2); }; }, "1 2 3 4 6"},
-        {"itself, and nobody behind it is passed over",
-         [](Family& f) { f.kids[0]->act = [&f] { f.root.children.RemoveAt(1); }; }, "1 2 3 4 5 6"},
+        {"nothing", {}, 1, {}, "1 2 3 4 5 6"},
+        {"its child", {}, 1, {{1, Child}}, "1 4 5 6"},
+        {"its list", {}, 1, {{1, RemoveAll}}, "1 2 3"},
+        {"another's child too: at that one's turn", {{5, Child, 2}}, 1, {{1, Child}}, "1 4 5 2 3 6"},
+        {"a sibling that comes later", {}, 4, {{1, RemoveAt, 2}}, "1 2 3 4 6"},
+        {"itself, and nobody behind it is passed over", {}, 4, {{1, RemoveAt, 1}}, "1 2 3 4 5 6"},
         {"its owner, and what hangs from that",
-         [](Family& f) {
-             f.child->child = f.kids[0].get();
-             f.child->children.Add(f.grandchild.get());
-             f.root.children.RemoveAll();
-             f.kids[0]->act = [&f] { f.root.child = nullptr; };
-         },
-         "1 2 4", "1 2 4 3"},
-        {"a sibling, to one whose turn is over",
-         [](Family& f) {
-             f.kids[1]->act = [&f] {
-                 f.root.child->children.Add(f.root.children[3].get());
-                 f.root.children.RemoveAt(3);
-             };
-         },
-         "1 2 3 4 5 6"},
-        {"places in a list: each is written once",
-         [](Family& f) { f.kids[1]->act = [&f] { std::swap(f.root.children[1], f.root.children[3]); }; },
-         "1 2 3 4 5 6"},
+         {{2, Child, 4}, {2, Add, 3}, {1, RemoveAll}},
+         4,
+         {{1, Child}},
+         "1 2 4",
+         "1 2 4 3"},
+        {"a sibling, to one whose turn is over", {}, 5, {{2, Add, 6}, {1, RemoveAt, 3}}, "1 2 3 4 5 6"},
+        {"places in a list: each is written once", {}, 5, {{1, SwapWithLast, 1}}, "1 2 3 4 5 6"},
         {"an external instance",
-         [](Family& f) {
-             f.root.external = f.outside[0].get();
-             f.child->external = f.outside[1].get();
-             f.outside[1]->number = 8;
-             f.root.act = [&f] {
-                 f.root.external = nullptr;
-                 f.outside[0] = nullptr;
-             };
-         },
+         {{1, External, 7}, {2, External, 8}},
+         1,
+         {{1, External}, {7, LetGo}},
          "1 2 3 4 5 6 8"},
         {"an external instance, by another one",
-         [](Family& f) {
-             auto* acting = new Keeper;
-             f.outside[0] = acting;
-             f.child->external = acting;
-             f.root.external = f.outside[1].get();
-             acting->number = 7;
-             acting->act = [&f] {
-                 f.root.external = nullptr;
-                 f.outside[1] = nullptr;
-             };
-         },
+         {{2, External, 7}, {1, External, 8}},
+         7,
+         {{1, External}, {8, LetGo}},
          "1 2 3 4 5 6 7"},
         {"an external instance, by itself, and what hangs from that",
-         [](Family& f) {
-             auto* acting = new Keeper;
-             f.child->external = f.outside[0] = acting;
-             acting->number = 7;
-             acting->child = new Thing;
-             acting->act = [&f] {
-                 f.root.child->external = nullptr;
-                 f.outside[0] = nullptr;
-             };
-         },
+         {{2, External, 7}, {7, Child, 9}},
+         7,
+         {{2, External}, {7, LetGo}},
          "1 2 3 4 5 6 7"},
         {"nothing, and what comes in too late is left out",
-         [](Family& f) {
-             f.kids[0]->act = [&f] {
-                 f.root.children.Add(new Thing);
-                 std::swap(f.root.children[2], f.root.children[4]);
-             };
-         },
+         {},
+         4,
+         {{1, Add, 9}, {1, SwapWithLast, 2}},
          "1 2 3 4 6 5"},
     };
     for (const bool kept : {true, false}) {
         for (const auto& tested : cases) {
             SCOPED_TRACE(tested.name);
             Family family;
-            tested.prepare(family);
-            if (!kept) family.Leave();
-            const std::string file = Save(schema, &family.root);
+            const auto make = [&](const std::vector<Change>& changes) {
+                for (const auto& [whose, change, with] : changes) change(family, *family.at[whose], with);
+            };
+            make(tested.before);
+            family.at[tested.acts]->act = [&] { make(tested.changes); };
+            for (const unsigned i : {2, 3, 4, 5, 6})
+                if (!kept) family.held[i] = nullptr;
+            const std::string file = Save(schema, family.at[1]);
             EXPECT_EQ(Numbers(file), kept && !tested.kept.empty() ? tested.kept : tested.written);
             Opened opened(file, schema);
             EXPECT_EQ(opened.Root<Thing>().number, 1);

@@ -3,19 +3,8 @@
 #include "support/Memory.h"
 #include "support/TemporaryFolder.h"
 
-#include "ZoPrimitives/ClipboardBinOutStream.h"
-#include "ZoPrimitives/ClipboardInputStream.h"
-#include "ZoPrimitives/ClipboardOutputStream.h"
-#include "ZoPrimitives/FileInputStream.h"
-#include "ZoPrimitives/FileOutputStream.h"
-#include "ZoPrimitives/FilteredBinInStreamer.h"
-#include "ZoPrimitives/InputStreamer.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/WholeText.h"
-#include "ZoPrimitives/ZoOpen.h"
-#include "ZoPrimitives/ZoSave.h"
-#include "ZoPrimitives/ZoStreamablePrimitives.h"
-#include "ZoPrimitives/xContainer.h"
+#include "ZoPrimitives/ZoPrimitives.h"
 
 #include <new>
 
@@ -50,6 +39,7 @@ public:
     Model() {
         app::RegisterEveryKind(schema);
         Doubtful::Register(&schema);
+        ZoRegisterPoints(&schema);
         root.Fill(outside);
         root.strings.Add("a text too long for any short cut");
         root.aString = "another text that is long enough";
@@ -194,96 +184,36 @@ void SaveOverAFile(Model& model, Attempt& attempt) {
     attempt.outcome = now;
 }
 
-/// An object of a text: 10 a name line by line, 11 a number, 20 another note, which 7 ends.
-class Note : public ZoStreamableBase {
-public:
-    ZoString StreamableClassName() const override { return "class Note of a name that needs memory"; }
-    void Write(OutputStreamer& s) override {
-        ZoStreamableBase::Write(s);
-        s.MultiLineText(name, 10);
-        s << 11 << number;
-        if (next) s << 20 << next.get() << 7;
-    }
-    bool ReadData(int code, InputStreamer& s) override;
-
-    ZoString name;
-    double number = 0;
-    pointer<Note> next;
-
-private:
-    Alive alive;
-};
-
-class NoteReader : public InputStreamer {
-public:
-    using InputStreamer::InputStreamer;
-    Note* Read() {
-        int code = 0;
-        *this >> code;
-        ZoStreamableBase* object = nullptr;
-        if (code == 5) {
-            *this >> object;
-        } else {
-            ZoString className;
-            *this >> className;
-            object = CreateObject(className);
-            if (object != nullptr) object->Read(*this);
-        }
-        return dynamic_cast<Note*>(object);
-    }
-};
-
-bool Note::ReadData(int code, InputStreamer& s) {
-    ZoString line;
-    switch (code) {
-    case 10:
-        s >> line;
-        name = WholeText({name.c_str(), "|", line.c_str()});
-        return true;
-    case 11:
-        s >> number;
-        return true;
-    case 20:
-        next = static_cast<NoteReader&>(s).Read();
-        return true;
-    default:
-        return ZoStreamableBase::ReadData(code, s);
-    }
-}
-
-class Notes : public StreamableFactory {
-    ZoStreamableBase* CreateObject(ZoString className) override {
-        if (className != "class Note of a name that needs memory") throw XUnknownObject();
-        return new Note;
-    }
-};
-
+/// A text of a point, of the same one again, and of two lines.
 template <class Stream>
-void WriteNotes(const pointer<Stream>& stream) {
-    const pointer<Note> first(new Note), second(new Note);
-    for (Note* note : {first.get(), second.get()}) {
-        note->name = WholeText({"a line of a note that is long\nand another line that is as long"});
-        note->number = 1.0 / 3;
-    }
-    first->next = second;
+void WriteTokens(const pointer<Stream>& stream) {
+    const pointer<Point3D> point(new Point3D(1.0 / 3, 2, 3));
     OutputStreamer streamer(stream.get());
-    streamer << first.get() << 7 << second.get();
+    streamer << point.get() << 7 << point.get();
+    streamer.MultiLineText(WholeText({"a line that is long\nand another line that is as long"}), 8);
     stream->Finalize();
 }
 
 template <class Make>
-void ReadText(Attempt& attempt, Make make) {
-    pointer<Note> first, second;
-    if (!attempt.Succeeds([&] {
+void ReadTokens(Model& model, Attempt& attempt, Make make) {
+    struct Reader : InputStreamer {
+        using InputStreamer::CreateObject;
+        using InputStreamer::InputStreamer;
+    };
+    pointer<ZoStreamableBase> point;
+    ZoStreamableBase* again = nullptr;
+    ZoString text;
+    if (attempt.Succeeds([&] {
             const pointer<InputStream> stream(make());
-            NoteReader reader(stream.get(), new Notes);
-            first = reader.Read();
-            second = reader.Read();
+            Reader reader(stream.get(), new StreamableFactory(&model.schema));
+            int code = 0;
+            reader >> code >> text;
+            point = reader.CreateObject(text);
+            if (point) point->Read(reader);
+            reader >> code >> again >> code >> text;
         }))
-        return;
-    for (const pointer<Note>& note : {first, second})
-        attempt.outcome += note ? Text(note->name) + Text(ZoString(note->number)) : "none";
-    if (first && first->next == second) attempt.outcome += " joined";
+        attempt.outcome = Text(dynamic_cast<Point3D&>(*point).CoordsToString()) + Text(text) +
+                          (again == point ? " again" : "");
 }
 
 const struct {
@@ -317,25 +247,25 @@ const struct {
     {"write a text file",
      [](Model& model, Attempt& attempt) {
          const auto make = [&] { return new FileOutputStream(model.textPath.c_str(), false); };
-         const bool done = attempt.Succeeds([&] { WriteNotes(pointer<FileOutputStream>(make())); });
+         const bool done = attempt.Succeeds([&] { WriteTokens(pointer<FileOutputStream>(make())); });
          if (done) attempt.outcome = model.folder.Read("notes.txt");
      }},
     {"read a text file",
      [](Model& model, Attempt& attempt) {
-         ReadText(attempt, [&] { return new FileInputStream(model.textPath.c_str()); });
+         ReadTokens(model, attempt, [&] { return new FileInputStream(model.textPath.c_str()); });
      }},
     {"write a text on the clipboard",
      [](Model& model, Attempt& attempt) {
          model.clipboard.block.reset();
          const bool done =
-             attempt.Succeeds([] { WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream)); });
+             attempt.Succeeds([] { WriteTokens(pointer<ClipboardOutputStream>(new ClipboardOutputStream)); });
          if (done) attempt.outcome = model.clipboard.block.value_or("");
      }},
     {"read a text from the clipboard",
      [](Model& model, Attempt& attempt) {
-         WriteNotes(pointer<ClipboardOutputStream>(new ClipboardOutputStream));
+         WriteTokens(pointer<ClipboardOutputStream>(new ClipboardOutputStream));
          model.clipboard.log.clear();
-         ReadText(attempt, [] { return new ClipboardInputStream; });
+         ReadTokens(model, attempt, [] { return new ClipboardInputStream; });
      }},
 };
 

@@ -6,7 +6,6 @@
 #include "ZoPrimitives/pointer.h"
 #include "support/Assertions.h"
 #include "support/FakeClipboard.h"
-#include "support/OtherProcess.h"
 #include "support/Streaming.h"
 #include "support/TemporaryFolder.h"
 
@@ -660,46 +659,32 @@ TEST_F(FileStreamTests, FailuresOfOpeningAndReading) {
 }
 
 TEST_F(FileStreamTests, WhoMayOpenWhat) {
-    const struct {
-        const char* held;
-        bool reads, views, writes;
-    } rows[] = {
+    const std::tuple<std::string, bool, bool, bool> rows[] = {
         {"read", false, true, false},
         {"view", true, true, true},
         {"write", false, true, false},
         {"read-only", true, true, false},
     };
-    for (const auto& row : rows) {
-        for (const bool elsewhere : {false, true}) {
-            const std::string held = row.held;
-            if (held == "read-only" && elsewhere) continue;
-            SCOPED_TRACE(held + (elsewhere ? " elsewhere" : ""));
-            const TemporaryFolder own;
-            const std::string path = own.Path("plan.zo");
-            Save(path, "text", false);
-            if (held == "read-only") own.MakeReadOnly("plan.zo");
-            std::optional<OtherProcess> other;
-            TFileBinInStream in(path.c_str(), held == "view" ? TFileReading::Viewing : TFileReading::Locking);
-            const Stream out = Create(path);
-            if (elsewhere)
-                other.emplace(held, own);
-            else
-                held == "write" ? out->Initialize() : in.Initialize();
+    for (const auto& [held, reads, views, writes] : rows) {
+        SCOPED_TRACE(held);
+        const TemporaryFolder own;
+        const std::string path = own.Path("plan.zo");
+        Save(path, "text", false);
+        if (held == "read-only") own.MakeReadOnly("plan.zo");
+        TFileBinInStream in(path.c_str(), held == "view" ? TFileReading::Viewing : TFileReading::Locking);
+        const Stream out = Create(path);
+        held == "write" ? out->Initialize() : in.Initialize();
 
-            const char* const text = held == "write" ? "" : "2:text";
-            std::string seen;
-            EXPECT_EQ(FailureOf([&] { seen = Open(path, TFileReading::Viewing); }),
-                      row.views ? "" : Cannot(path));
-            // A writer that has just begun has written its header, elsewhere too.
-            EXPECT_EQ(seen, text);
-            EXPECT_EQ(FailureOf([&] { seen = Open(path); }), row.reads ? "" : Cannot(path));
-            // A writer that was refused may try again.
-            const Stream second = Create(path);
-            const char* const why = held == "read-only" ? "Input/output error" : "Broken pipe";
-            EXPECT_EQ(FailureOf([&] { second->Initialize(); }),
-                      row.writes ? "" : std::string(why) + " @ TFileBinOutStream::Initialize");
-            EXPECT_EQ(elsewhere || held == "write" ? text : Rest(in), text) << "it keeps what it has loaded";
-        }
+        const char* const text = held == "write" ? "" : "2:text"; // one that has just begun
+        std::string seen;
+        EXPECT_EQ(FailureOf([&] { seen = Open(path, TFileReading::Viewing); }), views ? "" : Cannot(path));
+        EXPECT_EQ(seen, text);
+        EXPECT_EQ(FailureOf([&] { seen = Open(path); }), reads ? "" : Cannot(path));
+        const Stream second = Create(path);
+        const char* const why = held == "read-only" ? "Input/output error" : "Broken pipe";
+        EXPECT_EQ(FailureOf([&] { second->Initialize(); }),
+                  writes ? "" : std::string(why) + " @ TFileBinOutStream::Initialize");
+        EXPECT_EQ(held == "write" ? text : Rest(in), text) << "it keeps what it has loaded";
     }
     const Stream out = Begin(plan);
     EXPECT_EQ(AssertionOf([&] { out->Initialize(); }).expression,

@@ -174,119 +174,104 @@ std::vector<Row> Repeated(std::size_t count, int classId, const std::string& pay
     return rows;
 }
 
-/// A file that grows with `n`.
+/// A file that grows with `n`: its classes, and its objects' records.
 struct Hostile {
     const char* name;
-    std::function<std::string(int n)> file;
-    int n = 40'000;
+    int n;
+    std::function<void(int n, std::vector<ClassEntry>& classes, std::vector<Row>& rows)> fill;
 };
 
 std::vector<Hostile> HostileGrowing() {
-    // A class for each number, and an object of each.
-    const auto each = [](const std::function<ClassEntry(int i, int n)>& classOf, const std::string& payload) {
-        return [=](int n) {
-            std::vector<ClassEntry> classes;
-            std::vector<Row> rows;
-            for (int i = 1; i <= n; ++i) {
-                classes.push_back(classOf(i, n));
-                rows.push_back({i, classes.back().id, payload});
-            }
-            return FileOf(classes, rows);
-        };
-    };
-    const auto wideWithRecord = [](int kind, std::size_t bytes) {
-        return [=](int n) {
-            const std::string payload(static_cast<std::size_t>(n) * bytes, '\0');
-            return FileOf({Wide(kind, n)}, Repeated(1, 1, payload));
-        };
-    };
+    using Classes = std::vector<ClassEntry>&;
+    using Rows = std::vector<Row>&;
+    const ClassEntry empty{.id = 1, .name = "Leaf"}, flag{.id = 1, .name = "Leaf", .values = {{0, -10, "x"}}},
+        leaf{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}};
+    const auto times = [](int n) { return static_cast<std::size_t>(n); };
     std::vector<Hostile> files{
-        {"unknown classes whose ids share a bucket, an object of each",
-         each([](int i, int n) { return ClassEntry{.id = Multiple(i, n), .name = ""}; }, ""), 20'000},
-        {"known classes of one name, an object of each",
-         each(
-             [](int i, int) {
-                 return ClassEntry{.id = i, .name = "Leaf", .values = {{0, -1, "number"}}};
-             },
-             "\1\1\1\1"),
-         20'000},
-        {"parents that are many",
-         [=](int n) {
-             ClassEntry child{.id = 2, .name = "Leaf"};
-             child.parents = std::vector<int>(static_cast<std::size_t>(n), 1);
-             return FileOf({{.id = 1, .name = "Leaf"}, child}, {});
+        {"unknown classes whose ids share a bucket, an object of each", 20'000,
+         [](int n, Classes classes, Rows rows) {
+             for (int i = 1; i <= n; ++i) {
+                 classes.push_back({.id = Multiple(i, n), .name = ""});
+                 rows.push_back({i, Multiple(i, n), ""});
+             }
          }},
-        {"parents that are repeated, an object of each class",
-         [=](int n) {
-             std::vector<ClassEntry> made{{.id = 1, .name = "Leaf", .values = {{0, -10, "x"}}}};
-             std::vector<Row> rows;
+        {"known classes of one name, an object of each", 20'000,
+         [=](int n, Classes classes, Rows rows) {
+             for (int i = 1; i <= n; ++i) {
+                 classes.push_back(leaf);
+                 classes.back().id = i;
+                 rows.push_back({i, i, "\1\1\1\1"});
+             }
+         }},
+        {"parents that are many", 40'000,
+         [=](int n, Classes classes, Rows) {
+             classes = {empty, {.id = 2, .name = "Leaf", .parents = std::vector<int>(times(n), 1)}};
+         }},
+        {"parents that are repeated, an object of each class", 400,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {flag};
              for (int i = 2; i <= n; ++i) {
-                 made.push_back({.id = i, .name = "Leaf", .parents = std::vector<int>(990, 1)});
+                 classes.push_back({.id = i, .name = "Leaf", .parents = std::vector<int>(990, 1)});
                  rows.push_back({i, i, std::string(990, '\1')});
              }
-             return FileOf(made, rows);
-         },
-         400},
-        {"long lines of ancestors, an object of each class",
-         [=](int n) {
-             std::vector<ClassEntry> made{{.id = 1, .name = "Leaf", .values = {{0, -10, "x"}}}};
-             for (int i = 2; i <= 990; ++i) made.push_back({.id = i, .name = "X", .parents = {i - 1}});
-             std::vector<Row> rows;
-             for (int i = 1000; i < 1000 + n; ++i) {
-                 made.push_back({.id = i, .name = "Leaf", .parents = {990}});
-                 rows.push_back({i, i, "\1"});
+         }},
+        {"long lines of ancestors, an object of each class", 10'000,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {flag};
+             for (int i = 2; i < 1000 + n; ++i) {
+                 classes.push_back({.id = i, .name = "Leaf", .parents = {i < 990 ? i - 1 : 989}});
+                 if (i >= 1000) rows.push_back({i, i, "\1"});
              }
-             return FileOf(made, rows);
-         },
-         10'000},
-        {"one wide class among the ancestors again and again",
-         [=](int n) {
-             ClassEntry child{.id = 2, .name = "Leaf", .parents = std::vector<int>(500, 1)};
-             ClassEntry parent = Wide(-10, n);
-             return FileOf({parent, child}, {{1, 2, std::string(500 * static_cast<std::size_t>(n), '\1')}});
-         },
-         10'000},
-        {"fields that stand in the wrong block",
-         [=](int n) {
-             ClassEntry entry{.id = 1, .name = "Leaf"};
-             for (int i = 0; i < n; ++i) entry.values.push_back({0, i % 2 == 0 ? -9 : -10, ""});
-             return FileOf({entry}, Repeated(1, 1, ""));
          }},
-        {"records without content",
-         [=](int n) {
-             return FileOf({{.id = 1, .name = "Leaf"}}, Repeated(static_cast<std::size_t>(n), 1, ""));
+        {"one wide class among the ancestors again and again", 10'000,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {Wide(-10, n), {.id = 2, .name = "Leaf", .parents = std::vector<int>(500, 1)}};
+             rows = {{1, 2, std::string(500 * times(n), '\1')}};
          }},
-        {"uids far apart, falling",
-         [=](int n) {
-             std::vector<Row> rows;
+        {"fields that stand in the wrong block", 40'000,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {empty};
+             for (int i = 0; i < n; ++i) classes[0].values.push_back({0, i % 2 == 0 ? -9 : -10, ""});
+             rows = {{1, 1, ""}};
+         }},
+        {"records without content", 40'000,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {empty};
+             rows = Repeated(times(n), 1, "");
+         }},
+        {"uids far apart, falling", 40'000,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {empty};
              for (int i = 0; i < n; ++i) rows.push_back({2'147'483'647 - i * 5'000, 1, ""});
-             return FileOf({{.id = 1, .name = "Leaf"}}, rows);
          }},
-        {"members",
-         [=](int n) {
-             std::vector<Row> rows;
+        {"members", 10'000,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {leaf, {.id = 2, .name = "EveryKind", .children = {{1, -18, "member"}}}};
              for (int i = 1; i < 2 * n; i += 2) {
                  rows.push_back({i, 2, Payload().Int(i + 1)});
                  rows.push_back({i + 1, 1, Payload().Int(7)});
              }
-             return FileOf({{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}},
-                            {.id = 2, .name = "EveryKind", .children = {{1, -18, "member"}}}},
-                           rows);
-         },
-         10'000},
-        {"one list of pointers to nothing",
-         [=](int n) {
-             return FileOf(
-                 {{.id = 1, .name = "EveryKind", .childLists = {{0, -7, "children"}}}},
-                 Repeated(1, 1,
-                          Payload().Int(n).Add(Payload(std::string(4 * static_cast<std::size_t>(n), '\1')))));
+         }},
+        {"one list of pointers to nothing", 40'000,
+         [=](int n, Classes classes, Rows rows) {
+             classes = {{.id = 1, .name = "EveryKind", .childLists = {{0, -7, "children"}}}};
+             rows = {{1, 1, Payload().Int(n).Add(Payload(std::string(4 * times(n), '\1')))}};
          }},
     };
     for (const int kind : {-4, -6, -7, -8, -9, -10, -14, -19})
-        files.push_back({"many fields of one kind", wideWithRecord(kind, kind == -19   ? 8
-                                                                         : kind == -10 ? 1
-                                                                                       : 4)});
+        files.push_back({"many fields of one kind", 40'000, [=](int n, Classes classes, Rows rows) {
+                             classes = {Wide(kind, n)};
+                             const std::size_t bytes = kind == -19 ? 8 : kind == -10 ? 1 : 4;
+                             rows = {{1, 1, std::string(times(n) * bytes, '\0')}};
+                         }});
     return files;
+}
+
+std::string FileOf(const Hostile& hostile, int n) {
+    std::vector<ClassEntry> classes;
+    std::vector<Row> rows;
+    hostile.fill(n, classes, rows);
+    return FileOf(classes, rows);
 }
 
 /// Processor time that opening takes, and the most memory beside the application's objects.
@@ -323,8 +308,8 @@ TEST(HostileFileTests, TakeTimeAndMemoryInProportionToTheirSize) {
     const std::vector<Hostile> files = HostileGrowing();
     for (const Hostile& tested : files) {
         SCOPED_TRACE(testing::Message() << tested.name << ", " << &tested - &files[0]);
-        const std::string small = tested.file(tested.n);
-        const std::string large = tested.file(2 * tested.n);
+        const std::string small = FileOf(tested, tested.n);
+        const std::string large = FileOf(tested, 2 * tested.n);
         Effort of[2];
         for (int round = 0; round < 5; ++round) { // others use the machine too
             of[0] = EffortOf(small);

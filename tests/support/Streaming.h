@@ -183,6 +183,20 @@ inline Names ParentNames(ZoPrimitives::TZoClass& of) {
     return names;
 }
 
+/// Ends the objects that were read, those that own each other in circles too.
+inline void EndObjects(ZoPrimitives::TBinInStream& stream, ZoPrimitives::TZoMetaData& schema) {
+    using namespace ZoPrimitives;
+    const auto all = [](const void*, const ZoStreamableBase*) { return true; };
+    const std::vector<pointer<ZoStreamableBase>> objects(stream.Objects().begin(), stream.Objects().end());
+    TDVector<ZoStreamableBase*> holders = stream.Objects();
+    TBinInStreamer streamer(&stream, &schema);
+    for (unsigned long long i = 1; i <= holders.NItems(); ++i) {
+        holders.Append(streamer.ChildsByValueOfInstance(holders[i]));
+        if (auto* objectClass = holders[i]->GetOriginalClass(&schema))
+            objectClass->DeleteReferences(holders[i], all, nullptr);
+    }
+}
+
 /// An opened file; its objects end with it, those that own each other in circles too.
 class Opened {
 public:
@@ -194,12 +208,12 @@ public:
         try {
             if (reading == AtOnce) Read();
         } catch (...) {
-            End();
+            EndObjects(stream, schema);
             throw;
         }
     }
     void Read() { root = streamer.ReadObjects(); }
-    ~Opened() { End(); }
+    ~Opened() { EndObjects(stream, schema); }
     Opened(const Opened&) = delete;
     Opened& operator=(const Opened&) = delete;
 
@@ -222,18 +236,6 @@ public:
     }
 
 private:
-    void End() {
-        const auto all = [](const void*, const ZoPrimitives::ZoStreamableBase*) { return true; };
-        const std::vector<ZoPrimitives::pointer<ZoPrimitives::ZoStreamableBase>> objects(
-            stream.Objects().begin(), stream.Objects().end());
-        ZoPrimitives::TDVector<ZoPrimitives::ZoStreamableBase*> holders = stream.Objects();
-        for (unsigned long long i = 1; i <= holders.NItems(); ++i) {
-            holders.Append(streamer.ChildsByValueOfInstance(holders[i]));
-            if (auto* objectClass = holders[i]->GetOriginalClass(&schema))
-                objectClass->DeleteReferences(holders[i], all, nullptr);
-        }
-    }
-
     std::string bytes;
     ZoPrimitives::TZoMetaData& schema;
 

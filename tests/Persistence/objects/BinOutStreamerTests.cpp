@@ -857,36 +857,6 @@ TEST(StreamablePrimitivesTests, SeveralRootsOrTheWholeApplication) {
 
 // Wrappers
 
-TEST(StreamablePrimitivesTests, AreWrittenAsTheirOneFieldWithoutParents) {
-    TZoMetaData schema;
-    schema.AddClass(new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr));
-    ZoRegisterPrimitives(&schema);
-    const struct {
-        std::shared_ptr<ZoStreamableBase> object;
-        const char* name;
-        int kind;
-        Payload payload;
-    } cases[] = {
-        {std::make_shared<ZoBoolean>(true), "ZoBoolean", -10, Payload().Bool(true)},
-        {std::make_shared<ZoInteger>(-5), "ZoInteger", -1, Payload().Int(-5)},
-        {std::make_shared<ZoUnsigned>(0xFFFFFFFFU), "ZoUnsigned", -17, Payload().Int(0xFFFFFFFFLL)},
-        {std::make_shared<ZoFloat>(1.5F), "ZoFloat", -2, Payload().Float(1.5F)},
-        {std::make_shared<ZoDouble>(-2.5), "ZoDouble", -3, Payload().Double(-2.5)},
-        {std::make_shared<StreamableZoString>("abc"), "StreamableZoString", -4, Payload().Text("abc")},
-        {std::make_shared<StreamableList>(), "StreamableList", -7, Payload().Int(0)},
-    };
-    int id = 1;
-    for (const auto& tested : cases) {
-        ClassEntry entry{.id = ++id, .name = tested.name};
-        if (tested.kind == -7)
-            entry.childLists = {{0, -7, "list"}};
-        else
-            entry.values = {{0, tested.kind, "value"}};
-        const std::vector<Row> expected{{0, 0, SchemaOf({entry})}, {1, id, tested.payload}};
-        EXPECT_EQ(RowsOf(Save(schema, tested.object.get())), expected) << tested.name;
-    }
-}
-
 TEST(StreamablePrimitivesTests, AListWritesItsItemsBehindItself) {
     TZoMetaData schema;
     ZoRegisterPrimitives(&schema);

@@ -1,7 +1,7 @@
 #include "support/EveryKind.h"
 
 #include "Persistence/instances/ItemAction.h"
-#include "ZoPrimitives/ZoStreamablePrimitives.h"
+#include "ZoPrimitives/FilteredBinInStreamer.h"
 
 #include <map>
 #include <sstream>
@@ -101,10 +101,11 @@ protected:
     ~ReaderTest() override { EXPECT_EQ(Alive::Count(), before); }
 
     // The application's schema as a file holds it: ids 1 to 4.
-    std::string File(const std::vector<Row>& rows) {
+    std::string File(const std::vector<Row>& rows) { return File(rows, schema); }
+    static std::string File(const std::vector<Row>& rows, TZoMetaData& of) {
         TMemoryBinOutStream stream;
         stream.Initialize();
-        TBinOutStreamer(&stream, &schema).WriteMetaData();
+        TBinOutStreamer(&stream, &of).WriteMetaData();
         std::vector<Row> all = RowsOf(BytesOf(stream));
         all.insert(all.end(), rows.begin(), rows.end());
         return FileOf(all);
@@ -124,16 +125,20 @@ protected:
     void Answer(unsigned hooks) {
         for (int i = 1; i <= schema.GetClassCount(); ++i) schema.GetClass(i)->SetHooks(hooks);
     }
-    /// Each object with its number and what its fields lead to, by place from 1: those read, then their
-    /// members.
     std::string GraphOf(const std::vector<Row>& rows) {
         events.clear();
         Opened opened(File(rows), schema);
-        TDVector<ZoStreamableBase*> all = opened.stream.Objects();
+        return GraphOf(opened.stream);
+    }
+    /// Each object with its number and what its fields lead to, by place from 1: those read, then their
+    /// members.
+    std::string GraphOf(TBinInStream& stream) {
+        TBinInStreamer streamer(&stream, &schema);
+        TDVector<ZoStreamableBase*> all = stream.Objects();
         std::map<const ZoStreamableBase*, unsigned long long> places;
         for (unsigned long long i = 1; i <= all.NItems(); ++i) {
             places[all[i]] = i;
-            all.Append(opened.streamer.ChildsByValueOfInstance(all[i]));
+            all.Append(streamer.ChildsByValueOfInstance(all[i]));
         }
         std::ostringstream graph, targets;
         ItemAction tell(
@@ -599,13 +604,173 @@ TEST_F(ReaderTest, OneStreamerReadsOneStreamAfterAnother) {
     }
 }
 
-TEST(ReaderTests, ForgetsExcludedFieldsWithTheReading) {
-    TZoMetaData schema;
-    app::RegisterEveryKind(schema);
-    const ClassEntry entry{.id = 1, .name = "Leaf", .values = {{0, -1, "gone"}}};
-    Opened opened(FileOf({entry}, {{1, 1, Payload().Int(5)}}), schema);
-    EXPECT_EQ(opened.Count(), 1U);
-    EXPECT_EQ(opened.stream.GetFirstExcludedField(), nullptr);
+TEST_F(ReaderTest, ObjectsAreTakenOverAtOnce) {
+    // Of one that is not known any more nothing is left but what it held: whoever takes the root alone would
+    // leave the rest to nobody.
+    TZoMetaData later;
+    Inner::Register(&later);
+    const std::string file =
+        File({OuterAt(1, {.child = 2, .children = {3, 4}}), InnerAt(2, {}), InnerAt(3, {}), InnerAt(4, {})});
+    TMemoryBinInStream stream(file.data(), file.size(), 0);
+    stream.Initialize();
+    ZoStreamableBase* root = TBinInStreamer(&stream, &later).ReadObjects();
+    TIVector<ZoStreamableBase> objects;
+    objects.Add(new Inner);
+    stream.TakeObjects(&objects);
+    EXPECT_EQ(objects.NItems(), 1U + 3U);
+    EXPECT_EQ(objects[2].get(), root) << "the first that was not dropped";
+    EXPECT_EQ(stream.Objects().NItems(), 0U);
+    EXPECT_EQ(stream.GetInstance(2), nullptr);
+}
+
+// Some classes only
+
+/// What the application does not know any more.
+class Gone : public Inner {
+    REGISTER_ZO_BEGIN(Gone, Inner)
+    REGISTER_ZO_END
+};
+
+struct FilteredReaderTest : ReaderTest {
+    FilteredReaderTest() {
+        for (const auto registers : {Inner::Register<Inner>, Wide::Register<Wide>, Middle::Register<Middle>,
+                                     Outer::Register<Outer>, Gone::Register<Gone>})
+            registers(&older);
+        file = File(all, older);
+    }
+    TZoMetaData older;
+    const std::vector<Row> all{OuterAt(1, {.direct = 2, .child = 3, .children = {4, 5, 6}}),
+                               InnerAt(2, {.number = 20, .reference = 3}),
+                               InnerAt(3, {.number = 30, .reference = 1}),
+                               InnerAt(4, {.number = 40, .reference = 6}),
+                               WideAt(5, {.number = 50}, 0),
+                               InnerAt(6, {.number = 60, .reference = 4}),
+                               {7, 5, InnerPart({.number = 70})},
+                               {8, 77, "foreign"},
+                               InnerAt(9, {.number = 90})};
+    std::string file;
+};
+
+/// A reading of some classes, twice, as a reader serves again; its objects end with it.
+class Filtered {
+public:
+    Filtered(std::string file, TZoMetaData& appSchema, const std::vector<const char*>& classes)
+        : bytes(std::move(file)), schema(appSchema), stream(bytes.data(), bytes.size(), 0) {
+        TDList<ZoString> names;
+        for (const char* name : classes) names.Add(name);
+        streamer = std::make_unique<TFilteredBinInStreamer>(&stream, &schema, &names);
+        for (int round = 0; round < 2 && failure.empty(); ++round) {
+            EndObjects(stream, schema);
+            stream.Initialize();
+            failure = FailureOf([&] { result = streamer->Read(); });
+        }
+    }
+    ~Filtered() { EndObjects(stream, schema); }
+
+private:
+    std::string bytes;
+    TZoMetaData& schema;
+
+public:
+    TMemoryBinInStream stream;
+    std::unique_ptr<TFilteredBinInStreamer> streamer;
+    bool result = false;
+    std::string failure;
+};
+
+TEST_F(FilteredReaderTest, ReadsTheClassesAskedFor) {
+    const std::string refusing = File({InnerAt(1, {.number = 1}), InnerAt(2, {.refusesRead = true}),
+                                       InnerAt(3, {.number = 3, .invalid = true})});
+    const std::tuple<const char*, std::vector<const char*>, std::string, const std::string&> cases[] = {
+        {"one class, whose pointers lead to what was read, before or behind",
+         {"Inner"},
+         "Inner 20, reference 2; Inner 30; Inner 40, reference 4; Inner 60, reference 3; Inner 90",
+         file},
+        {"a derived class alone", {"Wide"}, "Wide 50, base 2; Inner", file},
+        {"two, in another order than the file's",
+         {"Wide", "Inner"},
+         "Inner 20, reference 2; Inner 30; Inner 40, reference 5; Wide 50, base 7; Inner 60, reference 3; "
+         "Inner 90; Inner",
+         file},
+        {"one that is not there, the same one twice",
+         {"Absent", "Wide", "Wide"},
+         "Wide 50, base 2; Inner",
+         file},
+        {"a member and items that were passed over",
+         {"Outer"},
+         "Outer, middle 2, direct 3; Middle, inner 4; Inner; Inner",
+         file},
+        {"a member and items that were not; what was read for the member has ended",
+         {"Outer", "Inner"},
+         "Outer, middle 6, direct 7, child 2, children 3 4; Inner 30; Inner 40, reference 4; Inner 60, "
+         "reference 3; Inner 90; Middle, inner 8; Inner 20, reference 2; Inner",
+         file},
+        {"one that the application does not know", {"Gone"}, "", file},
+        {"what says on reading that it is invalid goes; what says it later does so in whole models alone",
+         {"Inner"},
+         "Inner 1; Inner 3",
+         refusing},
+    };
+    for (const auto& [name, classes, graph, bytes] : cases) {
+        Filtered filtered(bytes, schema, classes);
+        EXPECT_EQ(filtered.failure, "") << name;
+        EXPECT_EQ(GraphOf(filtered.stream), graph) << name;
+        EXPECT_EQ(filtered.result, graph != "") << name;
+        EXPECT_EQ(filtered.stream.GetSkipped(), 0U) << name;
+    }
+}
+
+TEST_F(FilteredReaderTest, TellsWhatIsWrongWithTheFile) {
+    const char* none =
+        "N\xE3o existem classes com os nomes da filtragem no metadado @ TFilteredBinInStreamer::Read #3";
+    const std::tuple<const char*, std::string, std::vector<const char*>, const char*> cases[] = {
+        {"no record", file.substr(0, 28), {"Inner"}, "Metadado corrompido @ TFilteredBinInStreamer::Read #1"},
+        {"no class of these names", file, {"Absent", "inner", "class Inner"}, none},
+        {"no names", file, {}, none},
+        {"a parent that is not there",
+         FileOf({ClassEntry{.parents = {5}}}, {}),
+         {"X"},
+         "Metadado inv\xE1lido @ TFilteredBinInStreamer::Read #2"},
+        {"a record asked for that is not whole",
+         file.substr(0, file.size() - 1),
+         {"Inner"},
+         "No error @ TBinInStream::LoadFilteredRecord #7"},
+        {"a record that ends before its fields",
+         File({InnerAt(2, {}), {3, 1, "abc"}}),
+         {"Inner"},
+         "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre"},
+        {"a hook while pointers are set",
+         File({InnerAt(2, {}), OuterAt(3, {.child = 2})}),
+         {"Inner", "Outer"},
+         "refused @ OnReadPointer"},
+    };
+    Outer::throwsAt = "child";
+    for (const auto& [name, bytes, classes, failure] : cases) {
+        Filtered filtered(bytes, schema, classes);
+        EXPECT_EQ(filtered.failure, failure) << name;
+        const auto left = std::string(name).rfind("a hook", 0) == 0 ? 2U : 0U; // objects, for the caller
+        EXPECT_EQ(filtered.streamer->GetObjects().NItems(), left) << name;
+        EXPECT_EQ(filtered.stream.Objects().NItems(), left) << name;
+        EXPECT_TRUE(left != 0 || Alive::Count() == before) << name;
+    }
+}
+
+TEST_F(FilteredReaderTest, SurvivesStrangersWithRightSums) {
+    std::vector<Row> rows = all;
+    for (Row& row : rows) {
+        for (char& byte : row.payload) {
+            const char sound = byte;
+            for (const char value : {'\0', '\1', '\x7F', '\xFF'}) {
+                byte = value;
+                const Filtered filtered(File(rows, older), schema, {"Outer", "Inner", "Gone"});
+                EXPECT_TRUE(filtered.failure.empty() ||
+                            filtered.failure ==
+                                "Tamanho de registro corrompido @ TZoClass::LoadFromStreamPre")
+                    << filtered.failure;
+            }
+            byte = sound;
+        }
+    }
 }
 
 TEST(ReaderTests, AnAccessorThatThrowsWhileReferencesAreTakenOutLeaksNothing) {

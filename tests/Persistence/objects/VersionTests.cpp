@@ -405,13 +405,4 @@ TEST_F(LevelVersionTests, ParentsThatSwappedPlacesReadRightly) {
     EXPECT_EQ(opened.At<Lower>(2).lower, 4);
 }
 
-TEST(VersionTests, AClassThatIsAbstractNowIsDropped) {
-    TZoMetaData schema;
-    schema.AddClass(new TZoClass(&schema, nullptr, "Shape", nullptr, true, nullptr));
-    Opened opened(FileOf({{.id = 1, .name = "Shape", .values = {{0, -1, "n"}}}}, {{1, 1, Payload().Int(1)}}),
-                  schema);
-    EXPECT_EQ(opened.Count(), 0U);
-    EXPECT_TRUE(opened.Unknown().empty());
-}
-
 } // namespace

@@ -41,13 +41,19 @@ enum Error : unsigned long {
     ErrorInvalidAddress = 998,
     ErrorDevice = 1117,
     ErrorInvalidOwner = 1307,
+    ErrorUserMappedFile = 1224,
     ErrorClipboardNotOpen = 1418,
     ErrorUnresolvedLink = 1921,
 };
 
 enum class Access { Read, ReadWrite };
 enum class Share { None, Read, ReadWrite };
-enum class Creation { OpenExisting, CreateAlways };
+enum class Creation {
+    OpenExisting,
+    CreateAlways,
+    /// The same for a file that `TemporaryFileName` has just made: outlasts those who opened it meanwhile.
+    FillTemporary
+};
 enum class Origin { Begin, Current, End };
 
 using FileHandle = void*; // null: no file
@@ -65,16 +71,17 @@ struct CalendarTime {
 /// The services that can fail, wait or show something. Tests replace them (`Install`), usually with a class
 /// that derives from `Services` and overrides one operation. An operation that returns false or a null handle
 /// leaves the reason in `LastError()` of the calling thread; a successful one leaves `LastError()`
-/// unspecified. Paths are bytes of the ANSI code page on Windows and plain bytes elsewhere; a null path
-/// counts as empty.
+/// unspecified. Paths are UTF-8 on Windows and plain bytes elsewhere; a null path counts as empty. On
+/// Windows, operations on whole files outlast those who open what was just written (`Wait`), some 1.3
+/// seconds.
 class Services {
 public:
     virtual ~Services();
 
     /// Sharing is an access x share matrix between all users of the library, also within one process: the
     /// call succeeds when every other handle of the file shares the access asked for here, and `share` admits
-    /// theirs. `CreateAlways` counts as writing and empties an existing file only after that check. Opening a
-    /// read-only file for writing, or any folder, is access denied.
+    /// theirs. `CreateAlways` counts as writing and empties an existing file only after that check; it keeps
+    /// the file's attributes. Opening a read-only file for writing, or any folder, is access denied.
     virtual FileHandle OpenFile(const char* path, Access access, Share share, Creation creation);
     /// Invalidates the handle in either case; false if something written before was lost.
     virtual bool CloseFile(FileHandle file);
@@ -92,11 +99,11 @@ public:
     virtual bool SynchroniseFile(FileHandle file);
 
     /// Copies a whole file, overwriting the target, and returns when the copy and its name are on the device.
-    /// An existing target keeps its identity (links, permissions); a new one gets the permissions of `from`,
-    /// on Windows those of its folder. A target that others have open without sharing for writing, or that is
-    /// `from` itself, is a sharing violation; a read-only one is access denied. If there is no room for the
-    /// copy the target is unchanged, where the file system can tell beforehand; after any other failure an
-    /// existing target may hold part of the copy, and a new one is removed.
+    /// An existing target keeps its identity (links, permissions, attributes); a new one gets those of
+    /// `from`, on Windows the permissions of its folder. A target that others have open without sharing for
+    /// writing, or that is `from` itself, is a sharing violation; a read-only one is access denied. If there
+    /// is no room for the copy the target is unchanged, where the file system can tell beforehand; after any
+    /// other failure an existing target may hold part of the copy, and a new one is removed.
     virtual bool CopyWholeFile(const char* from, const char* to);
     /// A read-only file is access denied; an open file is a sharing violation.
     virtual bool DeleteWholeFile(const char* path);
@@ -108,8 +115,8 @@ public:
     /// writing. If there is none, `LastError()` is file or path not found; any other error means that it
     /// could not be determined.
     virtual bool FileExists(const char* path, bool* readOnly);
-    /// Whether the path, or its folder if there is no such file, is on a network drive. (POSIX: also if the
-    /// file system does not answer.)
+    /// Whether the path, or its folder if there is no such file, is on a network drive, links followed. Also
+    /// if what it leads to does not answer.
     virtual bool NetworkFile(const char* path);
     /// The name of a new, empty file beside `target`, in the same folder. The file can be opened for writing
     /// even if `target` is read-only. Empty on failure.
@@ -119,9 +126,10 @@ public:
     /// is registered on first use. 0 on failure: the name is empty or too long for the system.
     virtual unsigned ClipboardFormat(const char* name);
     /// Opens the clipboard for the calling thread, excluding all other threads and processes of the user.
-    /// Waits up to a second (`Wait`) while another has it open, then fails with a sharing violation; fails at
-    /// once if the calling thread has it open itself. A store that other users could reach (POSIX: not the
-    /// user's own folder, open permissions, a link in its place) is an invalid owner.
+    /// Waits up to a second (`Wait`) while another has it open (Windows: or it cannot be opened for any other
+    /// reason), then fails with a sharing violation; fails at once if the calling thread has it open itself.
+    /// A store that other users could reach (POSIX: not the user's own folder, open permissions, a link in
+    /// its place) is an invalid owner.
     virtual bool OpenClipboard();
     /// Does nothing on a thread that has not opened it. The end of a thread closes its clipboard.
     virtual void CloseClipboard();
@@ -136,7 +144,8 @@ public:
     /// Sleeps. All waits of the library use this.
     virtual void Wait(unsigned milliseconds);
 
-    /// Shows an error box with an OK button, without owner and caption, and returns when it is closed.
+    /// Shows an error box with an OK button, without owner and caption, and returns when it is closed; the
+    /// calling thread's windows are disabled meanwhile. The text is Windows-1252.
     /// Without a display (POSIX) it does nothing: applications there install an assertion functor of their
     /// own.
     virtual void ShowMessageBox(const char* text);
@@ -145,8 +154,8 @@ public:
     virtual std::uint32_t Ticks();
     /// 100-nanosecond ticks since 1970-01-01 00:00 UTC.
     virtual std::int64_t SystemTime();
-    /// The local time, daylight saving included, of `seconds` since 1970-01-01 00:00 UTC. False if the system
-    /// does not know it (Windows: before 1970 and after 3000).
+    /// The local time, daylight saving included as the zone's rules of that year say, of `seconds` since
+    /// 1970-01-01 00:00 UTC. False if the system does not know it (Windows: before 1601 and after 30827).
     virtual bool LocalTime(std::int64_t seconds, CalendarTime& time);
     /// Minutes to add to the local standard time to get UTC. For a country whose zone defines summer time as
     /// standard, uses the winter time, as Windows does.
@@ -167,6 +176,11 @@ Services* Install(Services* services);
 
 /// Whether an operation failed because the file or path does not exist.
 inline bool NotFound(unsigned long error) { return error == ErrorFileNotFound || error == ErrorPathNotFound; }
+
+/// A path for the services from a text of the process's code page, and back, with '?' for characters that the
+/// code page lacks. Where paths are bytes, both are the same.
+std::string PathFromText(const char* text);
+std::string TextOfPath(const char* path);
 
 /// These belong to the calling thread.
 unsigned long LastError();

@@ -11,8 +11,8 @@ XStream::XStream(const XStream&) = default;
 XStream& XStream::operator=(const XStream&) = default;
 XStream::~XStream() = default;
 
-XStream& XStream::SetPath(const ZoString& file) {
-    if (path.length() == 0) path = file;
+XStream& XStream::SetPath(const TZoPath& file) {
+    if (path.IsEmpty()) path = file;
     return *this;
 }
 
@@ -29,7 +29,7 @@ XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& where, unsigned s
                    {TStreamFailure::DiskFull, systemCode}) {}
 XWriteStreamOutOfSpace::~XWriteStreamOutOfSpace() = default;
 
-XNotReplaced::XNotReplaced(const XWriteStream& reason, const ZoString& path)
+XNotReplaced::XNotReplaced(const XWriteStream& reason, const TZoPath& path)
     : XWriteStream(reason), writtenPath(path) {}
 XNotReplaced::XNotReplaced(const XNotReplaced&) = default;
 XNotReplaced& XNotReplaced::operator=(const XNotReplaced&) = default;

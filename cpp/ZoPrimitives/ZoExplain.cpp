@@ -6,6 +6,7 @@
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoUtf8.h"
 #include "ZoPrimitives/xContainer.h"
 
 #include <exception>
@@ -22,15 +23,23 @@ ZoString Filled(const char* literal, const char* text) {
     return ZoString::FormatString(Translated(literal).c_str(), text);
 }
 
-bool IsReadOnly(const ZoString& path) {
+bool IsReadOnly(const TZoPath& path) {
     bool readOnly = false;
-    return path.length() != 0 && Platform::Current().FileExists(path.c_str(), &readOnly) && readOnly;
+    return !path.IsEmpty() && Platform::Current().FileExists(path.Utf8().c_str(), &readOnly) && readOnly;
+}
+
+/// In Windows-1252, with '?' for what that lacks. Bytes that are not UTF-8 are taken to be in it.
+ZoString Shown(const TZoPath& path) {
+    const char* const bytes = path.Utf8().c_str();
+    for (const char* p = bytes; *p != '\0';)
+        if (Windows1252::Next(p) == Windows1252::MALFORMED) return path.Text();
+    return ZoFromUtf8(bytes);
 }
 
 /// What the sentence is about: the file, or what stands for one.
 ZoString Subject(const XStream& failure) {
-    return failure.Path().length() != 0 ? Filled("O arquivo \"%s\"", failure.Path().c_str())
-                                        : Translated("O destino ou a origem dos dados"_ansi);
+    return !failure.FilePath().IsEmpty() ? Filled("O arquivo \"%s\"", Shown(failure.FilePath()).c_str())
+                                         : Translated("O destino ou a origem dos dados"_ansi);
 }
 
 /// For the developer who is asked about it.
@@ -48,9 +57,11 @@ ZoString SystemWords(unsigned code) {
 const char* Reason(const XStream& failure) {
     switch (failure.Kind()) {
     case TStreamFailure::NotFound:
-        return " não foi encontrado. Confira o nome e a pasta."_ansi;
+        return failure.SystemCode() == Platform::ErrorPathNotFound
+                   ? " não pode ser usado: a pasta não existe. Confira o nome dela."_ansi
+                   : " não foi encontrado. Confira o nome e a pasta."_ansi;
     case TStreamFailure::Denied:
-        return IsReadOnly(failure.Path())
+        return IsReadOnly(failure.FilePath())
                    ? " é somente leitura. Salve com outro nome ou retire essa proteção."_ansi
                    : " não pode ser usado: falta permissão. Escolha outra pasta ou peça acesso."_ansi;
     case TStreamFailure::InUse:
@@ -68,6 +79,10 @@ const char* Reason(const XStream& failure) {
     case TStreamFailure::TooOld:
         return " foi salvo por uma versão que já não é lida. Converta-o com uma versão intermediária."_ansi;
     case TStreamFailure::Device:
+        if (failure.SystemCode() == Platform::ErrorInvalidName ||
+            failure.SystemCode() == Platform::ErrorFilenameTooLong)
+            return " tem um nome que o sistema não aceita. Use outro, mais curto ou sem caracteres especiais."_ansi;
+        break;
     case TStreamFailure::Other:
     case TStreamFailure::Cancelled:
         break;

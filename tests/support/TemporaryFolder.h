@@ -31,7 +31,7 @@ public:
         std::filesystem::remove_all(folder, ignored);
     }
 
-    /// The path of `name` in the folder; the folder itself for an empty name.
+    /// The path of `name` in the folder; the folder itself for an empty name. UTF-8 on Windows.
     std::string Path(const std::string& name = "") const {
         return name.empty() ? folder.string() : (folder / name).string();
     }

@@ -4,6 +4,7 @@
 #include "Platform/Platform.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <cstddef>
@@ -22,8 +23,8 @@ constexpr std::size_t largestBlock = 256 * 1024;
 
 class InputFile {
 public:
-    explicit InputFile(const std::string& path)
-        : handle(Platform::Current().OpenFile(path.c_str(), Platform::Access::Read,
+    explicit InputFile(const TZoPath& path)
+        : handle(Platform::Current().OpenFile(path.Utf8().c_str(), Platform::Access::Read,
                                               Platform::Share::ReadWrite, Platform::Creation::OpenExisting)) {
         if (handle == nullptr) ThrowUnreadable();
     }

@@ -124,7 +124,7 @@ TZoOpenedObjects& TZoOpenedObjects::operator=(TZoOpenedObjects&&) noexcept = def
 TZoOpenedObjects::~TZoOpenedObjects() = default;
 
 TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRootType& rootType,
-                                          const char* path, TZoMetaData* schema, const TZoOpening& how) {
+                                          const TZoPath& path, TZoMetaData* schema, const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TFileBinInStream file(path, how.reading, how.version);
     file.SetChecksDigest((how.strict & strictDamage) != 0);

@@ -58,7 +58,8 @@ Roots ListOf(ZoStreamableBase* root) {
 
 } // namespace
 
-void ZoSave(const char* path, TDList<ZoStreamableBase*>* roots, TZoMetaData* schema, const TZoSaving& how) {
+void ZoSave(const TZoPath& path, TDList<ZoStreamableBase*>* roots, TZoMetaData* schema,
+            const TZoSaving& how) {
     Check(*roots, schema, how);
     RefuseReadOnly(path, "ZoSave");
     const pointer<TFileBinOutStream> file(
@@ -68,7 +69,7 @@ void ZoSave(const char* path, TDList<ZoStreamableBase*>* roots, TZoMetaData* sch
         Write(*file, *roots, schema, how);
         file->Finalize();
     } catch (const XWriteStream& reason) {
-        if (file->IsComplete()) throw XNotReplaced(reason, file->GetWrittenPath());
+        if (file->IsComplete()) throw XNotReplaced(reason, file->GetWrittenFilePath());
         file->Discard();
         throw;
     } catch (...) {
@@ -93,7 +94,7 @@ void ZoSaveOnClipboard(TDList<ZoStreamableBase*>* roots, TZoMetaData* schema, co
     clipboard.Finalize();
 }
 
-void ZoSave(const char* path, ZoStreamableBase* root, TZoMetaData* schema, const TZoSaving& how) {
+void ZoSave(const TZoPath& path, ZoStreamableBase* root, TZoMetaData* schema, const TZoSaving& how) {
     Roots roots = ListOf(root);
     ZoSave(path, &roots, schema, how);
 }

@@ -74,9 +74,7 @@ void TBinInStream::UseBuffer(unsigned size) {
     position = 0;
 }
 
-void TBinInStream::SetPath(const char* file) {
-    AssignWhole(path, file, static_cast<unsigned>(std::strlen(file)));
-}
+void TBinInStream::SetPath(const TZoPath& file) { path = file.With(""); }
 
 void* TBinInStream::GetFile() const { return nullptr; }
 
@@ -228,7 +226,7 @@ bool TBinInStream::PassOver(unsigned size) {
 void TBinInStream::ThrowReadError(const char* location) const {
     XReadStream failure(ErrorText(readError), location,
                         readError == 0 ? TStreamCause(TStreamFailure::Truncated) : CauseOf(systemError));
-    failure.SetPath(GetPath());
+    failure.SetPath(GetFilePath());
     throw failure;
 }
 

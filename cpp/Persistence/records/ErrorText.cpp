@@ -65,6 +65,7 @@ TStreamCause CauseOf(unsigned long error) {
         return {TStreamFailure::Denied, code};
     case Platform::ErrorSharingViolation:
     case Platform::ErrorLockViolation:
+    case Platform::ErrorUserMappedFile:
         return {TStreamFailure::InUse, code};
     case Platform::ErrorDiskFull:
     case Platform::ErrorHandleDiskFull:

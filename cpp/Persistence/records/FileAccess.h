@@ -2,6 +2,7 @@
 
 #include "Platform/Platform.h"
 #include "ZoPrimitives/FileReading.h"
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/ZoString.h"
 
 namespace ZoPrimitives {
@@ -12,21 +13,17 @@ inline constexpr const char* BACKUP_SUFFIX = "-bak";
 /// name exists, the target may be torn.
 inline constexpr const char* FRESH_SUFFIX = "-new";
 
-/// Copies a text from outside (null: an empty one), with something added if asked. Throws `std::bad_alloc`
-/// rather than lose it.
-ZoString FileName(const char* name, const char* suffix = "");
-
 /// Opens an existing file for its reader. `reading` becomes viewing for a read-only file. Throws
 /// `XReadStream` "Não foi possível ler o arquivo " and the name.
-Platform::FileHandle OpenToRead(const char* name, TFileReading& reading, const char* location);
+Platform::FileHandle OpenToRead(const TZoPath& name, TFileReading& reading, const char* location);
 
 /// Whether a save is putting a new version in the place of the file, or was stopped doing so.
-bool BeingReplaced(const char* name);
+bool BeingReplaced(const TZoPath& name);
 
 /// Loads a file that is viewed, and loads it again if a save was replacing it meanwhile; waits for that save
 /// for a second at most. `load` must leave nothing of its previous call behind.
 template <class Load>
-void LoadSteadily(const char* name, Load load) {
+void LoadSteadily(const TZoPath& name, Load load) {
     constexpr unsigned STEP = 10, PATIENCE = 1000; // ms
     for (unsigned waited = 0; waited < PATIENCE; waited += STEP) {
         if (!BeingReplaced(name)) {
@@ -39,15 +36,15 @@ void LoadSteadily(const char* name, Load load) {
 }
 
 /// Whether there is such a file. Throws as `ThrowUnwritten` does when the system cannot tell.
-bool FileIsThere(const ZoString& name, const char* location);
+bool FileIsThere(const TZoPath& name, const char* location);
 
 /// Throws as `ThrowUnwritten` when there is such a file and it forbids writing.
-void RefuseReadOnly(const char* name, const char* location);
+void RefuseReadOnly(const TZoPath& name, const char* location);
 
 /// Throws with the system's latest error.
-[[noreturn]] void ThrowUnreadable(const char* name, const char* location);
+[[noreturn]] void ThrowUnreadable(const TZoPath& name, const char* location);
 
 /// Throws `XWriteStreamOutOfSpace` for a full device and `XWriteStream` otherwise. `path` names the file.
-[[noreturn]] void ThrowUnwritten(unsigned long error, const ZoString& location, const ZoString& path);
+[[noreturn]] void ThrowUnwritten(unsigned long error, const ZoString& location, const TZoPath& path);
 
 } // namespace ZoPrimitives

@@ -26,13 +26,15 @@ TFileBinInStream::TFileBinInStream(const char* name, bool ownsSource)
     : TFileBinInStream(name, ANY_VERSION, ownsSource) {}
 TFileBinInStream::TFileBinInStream(const char* name, unsigned supportedVersion, bool ownsSource)
     : TBinInStream(supportedVersion, ownsSource), named(true) {
-    SetPath(FileName(name).c_str());
+    SetPath(name);
 }
 TFileBinInStream::TFileBinInStream(const char* name, int supportedVersion, bool ownsSource)
     : TFileBinInStream(name, static_cast<unsigned>(supportedVersion), ownsSource) {}
 TFileBinInStream::TFileBinInStream(const char* name, TFileReading how, unsigned supportedVersion)
-    : TFileBinInStream(name, supportedVersion) {
-    asked = how;
+    : TFileBinInStream(TZoPath(name), how, supportedVersion) {}
+TFileBinInStream::TFileBinInStream(const TZoPath& path, TFileReading how, unsigned supportedVersion)
+    : TBinInStream(supportedVersion, true), named(true), asked(how) {
+    SetPath(path);
 }
 TFileBinInStream::TFileBinInStream(void* openFile, bool ownsSource, unsigned supportedVersion)
     : TBinInStream(supportedVersion, ownsSource), file(openFile), named(false) {}
@@ -58,11 +60,11 @@ void TFileBinInStream::InitializeKeepingLocked() {
 }
 
 void TFileBinInStream::OpenFile() {
-    if (named) OpenFile(GetPath().c_str());
+    if (named) OpenFile(GetFilePath());
     Load();
 }
 
-void TFileBinInStream::OpenFile(const char* name) {
+void TFileBinInStream::OpenFile(const TZoPath& name) {
     Close();
     reading = asked;
     file = OpenToRead(name, reading, "TFileBinInStream::OpenFile");
@@ -70,7 +72,7 @@ void TFileBinInStream::OpenFile(const char* name) {
 
 void TFileBinInStream::Load() {
     if (named && reading == TFileReading::Viewing)
-        LoadSteadily(GetPath().c_str(), [this] { LoadOnce(); });
+        LoadSteadily(GetFilePath(), [this] { LoadOnce(); });
     else
         LoadOnce();
 }

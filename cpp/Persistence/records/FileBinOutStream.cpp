@@ -5,7 +5,6 @@
 #include "Persistence/records/HeadDigest.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Platform/Platform.h"
-#include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/ZoSources.h"
 
@@ -35,10 +34,22 @@ TFileBinOutStream* TFileBinOutStream::Create(const char* fileName, unsigned vers
     return new TFileBinOutStream(fileName, version, release, backup);
 }
 
+TFileBinOutStream* TFileBinOutStream::Create(const TZoPath& path, bool backup) {
+    return Create(path, 0, 0, backup);
+}
+
+TFileBinOutStream* TFileBinOutStream::Create(const TZoPath& path, unsigned version, unsigned release,
+                                             bool backup) {
+    return new TFileBinOutStream(path, version, release, backup);
+}
+
 TFileBinOutStream::TFileBinOutStream(const char* name, bool keepBackup)
     : TFileBinOutStream(name, 0, 0, keepBackup) {}
 
 TFileBinOutStream::TFileBinOutStream(const char* name, unsigned version, unsigned release, bool keepBackup)
+    : TFileBinOutStream(TZoPath(name), version, release, keepBackup) {}
+
+TFileBinOutStream::TFileBinOutStream(const TZoPath& name, unsigned version, unsigned release, bool keepBackup)
     : TBinOutStream(version, release), names(std::make_unique<FileReplacement>(name)),
       writtenPath(&names->Target()), backup(keepBackup) {}
 
@@ -57,10 +68,13 @@ void TFileBinOutStream::Initialize() {
     plainHeader = GetBufferSize() == HeaderSize();
     headerCount = GetNInstances();
     if (file == nullptr) {
-        throughTemporary = backup || asksTemporary || System().NetworkFile(GetFileName().c_str());
+        throughTemporary = backup || asksTemporary || System().NetworkFile(GetFilePath().Utf8().c_str());
         writtenPath = &names->Target();
-        if (throughTemporary) MakeTemporary();
-        OpenFile(writtenPath->c_str());
+        if (throughTemporary) {
+            names->CheckNames(backup);
+            MakeTemporary();
+        }
+        OpenFile(*writtenPath);
     } else if (System().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
         isWhole = headerStart == 0;
     } else {
@@ -71,10 +85,10 @@ void TFileBinOutStream::Initialize() {
 }
 
 void TFileBinOutStream::MakeTemporary() {
-    const std::string name = System().TemporaryFileName(GetFileName().c_str());
-    if (name.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize", GetFileName());
+    const std::string name = System().TemporaryFileName(GetFilePath().Utf8().c_str());
+    if (name.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize", GetFilePath());
     try {
-        AssignWhole(temporary, name.data(), static_cast<unsigned>(name.size()));
+        temporary = TZoPath::FromUtf8(name.c_str());
     } catch (...) {
         System().DeleteWholeFile(name.c_str()); // empty still
         throw;
@@ -82,9 +96,10 @@ void TFileBinOutStream::MakeTemporary() {
     writtenPath = &temporary;
 }
 
-void TFileBinOutStream::OpenFile(const char* path) {
-    file = System().OpenFile(path, Platform::Access::ReadWrite, Platform::Share::Read,
-                             Platform::Creation::CreateAlways);
+void TFileBinOutStream::OpenFile(const TZoPath& path) {
+    file = System().OpenFile(path.Utf8().c_str(), Platform::Access::ReadWrite, Platform::Share::Read,
+                             throughTemporary ? Platform::Creation::FillTemporary
+                                              : Platform::Creation::CreateAlways);
     if (file != nullptr) {
         ownsFile = true;
         return;
@@ -92,14 +107,14 @@ void TFileBinOutStream::OpenFile(const char* path) {
     const unsigned long error = Platform::LastError();
     if (throughTemporary) {
         // It is still empty.
-        System().DeleteWholeFile(path);
+        System().DeleteWholeFile(path.Utf8().c_str());
         writtenPath = &names->Target();
     }
-    ThrowUnwritten(error, "TFileBinOutStream::Initialize", GetFileName());
+    ThrowUnwritten(error, "TFileBinOutStream::Initialize", GetFilePath());
 }
 
 void TFileBinOutStream::CheckWriting() const {
-    if (state != State::Writing) ThrowUnwritten(Platform::ErrorInvalidHandle, WRITE, GetFileName());
+    if (state != State::Writing) ThrowUnwritten(Platform::ErrorInvalidHandle, WRITE, GetFilePath());
 }
 
 // Writing
@@ -135,7 +150,7 @@ void TFileBinOutStream::WriteBytes(const unsigned char* data, unsigned size) {
     if (System().WriteFile(file, data, size)) return NoteEnd();
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, WRITE, GetFileName());
+    ThrowUnwritten(error, WRITE, GetFilePath());
 }
 
 /// Notes how far the file was written: the stream, or the caller by the handle, may go back before it ends.
@@ -151,7 +166,7 @@ void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) 
     if (System().SeekFile(file, static_cast<long long>(offset), Platform::Origin::Begin, reached)) return;
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, location, GetFileName());
+    ThrowUnwritten(error, location, GetFilePath());
 }
 
 unsigned long long TFileBinOutStream::GetPosition() {
@@ -161,7 +176,7 @@ unsigned long long TFileBinOutStream::GetPosition() {
     if (System().SeekFile(file, 0, Platform::Origin::Current, position)) return position;
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, "TFileBinOutStream::GetPosition", GetFileName());
+    ThrowUnwritten(error, "TFileBinOutStream::GetPosition", GetFilePath());
 }
 
 void TFileBinOutStream::Reset() {
@@ -217,7 +232,7 @@ void TFileBinOutStream::FreeResourses() {
 void TFileBinOutStream::Discard() {
     Abandon();
     if (writtenPath != &temporary) return;
-    System().DeleteWholeFile(temporary.c_str());
+    System().DeleteWholeFile(temporary.Utf8().c_str());
     writtenPath = &names->Target();
 }
 
@@ -244,15 +259,15 @@ void TFileBinOutStream::EndFile() {
     if (known && (size <= writtenEnd || System().TruncateFile(file, writtenEnd))) return;
     const unsigned long error = Platform::LastError();
     Abandon();
-    ThrowUnwritten(error, FINALIZE, GetFileName());
+    ThrowUnwritten(error, FINALIZE, GetFilePath());
 }
 
 void TFileBinOutStream::CloseWritten() {
     const bool synchronised = !throughTemporary || System().SynchroniseFile(file);
     const unsigned long error = Platform::LastError();
     const bool closed = System().CloseFile(std::exchange(file, nullptr));
-    if (!synchronised) ThrowUnwritten(error, FINALIZE, GetFileName());
-    if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE, GetFileName());
+    if (!synchronised) ThrowUnwritten(error, FINALIZE, GetFilePath());
+    if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE, GetFilePath());
     complete = true;
 }
 
@@ -262,7 +277,8 @@ void TFileBinOutStream::ReplaceTarget() {
     names->Perform();
 }
 
-const ZoString& TFileBinOutStream::GetFileName() const { return names->Target(); }
+const ZoString& TFileBinOutStream::GetFileName() const { return names->Target().Text(); }
+const TZoPath& TFileBinOutStream::GetFilePath() const { return names->Target(); }
 
 bool TFileBinOutStream::PutsDirectly() const { return typeid(*this) == typeid(TFileBinOutStream); }
 

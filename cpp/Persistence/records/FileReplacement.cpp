@@ -1,5 +1,6 @@
 #include "Persistence/records/FileReplacement.h"
 
+#include "Persistence/records/ErrorText.h"
 #include "Persistence/records/FileAccess.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/XStream.h"
@@ -15,9 +16,10 @@ constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
 
 Platform::Services& System() { return Platform::Current(); }
 
-void Copy(const ZoString& from, const ZoString& to) {
-    if (!System().CopyWholeFile(from.c_str(), to.c_str()))
-        ThrowUnwritten(Platform::LastError(), FINALIZE, to);
+const char* Name(const TZoPath& path) { return path.Utf8().c_str(); }
+
+void Copy(const TZoPath& from, const TZoPath& to) {
+    if (!System().CopyWholeFile(Name(from), Name(to))) ThrowUnwritten(Platform::LastError(), FINALIZE, to);
 }
 
 /// Reads a file block by block, also while others have it open.
@@ -25,9 +27,9 @@ class Blocks {
 public:
     static constexpr std::size_t SIZE = 16 * 1024;
 
-    explicit Blocks(const ZoString& fileName)
+    explicit Blocks(const TZoPath& fileName)
         : name(fileName),
-          file(System().OpenFile(name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite,
+          file(System().OpenFile(Name(name), Platform::Access::Read, Platform::Share::ReadWrite,
                                  Platform::Creation::OpenExisting)) {
         if (file == nullptr && FileIsThere(name, FINALIZE))
             ThrowUnwritten(Platform::LastError(), FINALIZE, name);
@@ -49,7 +51,7 @@ public:
     char operator[](std::size_t place) const { return bytes[place]; }
 
 private:
-    const ZoString& name;
+    const TZoPath& name;
     Platform::FileHandle file;
     std::array<char, SIZE> bytes;
     std::size_t count = 0;
@@ -62,7 +64,7 @@ struct Comparison {
     bool mixture = true; // each byte is 0 or that of one of them at the same place
 };
 
-Comparison Compare(const ZoString& name, const ZoString& firstName, const ZoString& secondName) {
+Comparison Compare(const TZoPath& name, const TZoPath& firstName, const TZoPath& secondName) {
     Blocks file(name), first(firstName), second(secondName);
     Comparison result;
     do {
@@ -81,9 +83,9 @@ Comparison Compare(const ZoString& name, const ZoString& firstName, const ZoStri
 }
 
 /// Whether the file holds records of which some do not verify.
-bool RecordsAreDamaged(const ZoString& name) {
+bool RecordsAreDamaged(const TZoPath& name) {
     const Platform::FileHandle file = System().OpenFile(
-        name.c_str(), Platform::Access::Read, Platform::Share::ReadWrite, Platform::Creation::OpenExisting);
+        Name(name), Platform::Access::Read, Platform::Share::ReadWrite, Platform::Creation::OpenExisting);
     if (file == nullptr) ThrowUnwritten(Platform::LastError(), FINALIZE, name);
     TFileBinInStream in(file, true);
     try {
@@ -102,14 +104,19 @@ bool RecordsAreDamaged(const ZoString& name) {
 
 } // namespace
 
-FileReplacement::FileReplacement(const char* name)
-    : target(FileName(name)), backup(FileName(name, BACKUP_SUFFIX)), fresh(FileName(name, FRESH_SUFFIX)) {}
+FileReplacement::FileReplacement(const TZoPath& name)
+    : target(name.With("")), backup(name.With(BACKUP_SUFFIX)), fresh(name.With(FRESH_SUFFIX)) {}
+
+void FileReplacement::CheckNames(bool withBackup) const {
+    FileIsThere(fresh, "TFileBinOutStream::Initialize");
+    if (withBackup) FileIsThere(backup, "TFileBinOutStream::Initialize");
+}
 
 void FileReplacement::MakeBackup() const {
     if (!FileIsThere(target, FINALIZE)) return;
     if (TargetIsTorn()) Copy(fresh, target);
     // A backup that cannot be deleted may still be overwritten.
-    if (FileIsThere(backup, FINALIZE)) System().DeleteWholeFile(backup.c_str());
+    if (FileIsThere(backup, FINALIZE)) System().DeleteWholeFile(Name(backup));
     Copy(target, backup);
 }
 
@@ -123,15 +130,19 @@ bool FileReplacement::TargetIsTorn() const {
     return found.mixture || RecordsAreDamaged(target);
 }
 
-void FileReplacement::Announce(const ZoString& written) const {
-    if (!System().MoveWholeFile(written.c_str(), fresh.c_str()))
-        ThrowUnwritten(Platform::LastError(), FINALIZE, fresh);
+void FileReplacement::Announce(const TZoPath& written) const {
+    if (System().MoveWholeFile(Name(written), Name(fresh))) return;
+    const unsigned long error = Platform::LastError();
+    if (CauseOf(error).kind != TStreamFailure::InUse) ThrowUnwritten(error, FINALIZE, fresh);
+    // Who reads the file keeps it from being renamed, not from being copied.
+    Copy(written, fresh);
+    System().DeleteWholeFile(Name(written));
 }
 
 void FileReplacement::Perform() const { Copy(fresh, target); }
 
 void FileReplacement::Conclude() const {
-    if (System().FileExists(fresh.c_str(), nullptr)) System().DeleteWholeFile(fresh.c_str());
+    if (System().FileExists(Name(fresh), nullptr)) System().DeleteWholeFile(Name(fresh));
 }
 
 } // namespace ZoPrimitives

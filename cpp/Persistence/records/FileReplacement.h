@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ZoPrimitives/ZoString.h"
+#include "ZoPrimitives/TZoPath.h"
 
 namespace ZoPrimitives {
 
@@ -12,16 +12,18 @@ namespace ZoPrimitives {
 class FileReplacement {
 public:
     /// Builds the names. Throws `std::bad_alloc` when there is no memory for them.
-    explicit FileReplacement(const char* target);
+    explicit FileReplacement(const TZoPath& target);
 
-    const ZoString& Target() const { return target; }
-    const ZoString& Fresh() const { return fresh; }
+    const TZoPath& Target() const { return target; }
+    const TZoPath& Fresh() const { return fresh; }
 
+    /// Throws when the system takes one of the names, or cannot tell; before anything is touched.
+    void CheckNames(bool backup) const;
     /// Copies the target to its "-bak" name. A target that a stopped replacement left torn is first made
     /// whole.
     void MakeBackup() const;
     /// Puts `written` in the target's place; it is named `Fresh()` from then on.
-    void Announce(const ZoString& written) const;
+    void Announce(const TZoPath& written) const;
     void Perform() const;
     /// Tells that the target is whole: deletes the file that announced a replacement, if that can be done.
     void Conclude() const;
@@ -29,9 +31,9 @@ public:
 private:
     bool TargetIsTorn() const;
 
-    ZoString target;
-    ZoString backup;
-    ZoString fresh;
+    TZoPath target;
+    TZoPath backup;
+    TZoPath fresh;
 };
 
 } // namespace ZoPrimitives

@@ -11,7 +11,7 @@ void NamingFile(const TBinInStream& stream, Work work) {
     try {
         work();
     } catch (XStream& failure) {
-        failure.SetPath(stream.GetPath());
+        failure.SetPath(stream.GetFilePath());
         throw;
     }
 }

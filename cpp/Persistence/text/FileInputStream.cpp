@@ -26,11 +26,13 @@ void Copy(std::string_view token, char* buffer) {
 } // namespace
 
 FileInputStream::FileInputStream(const char* name, bool callersFlag)
-    : FileInputStream(name, callersFlag, TFileReading::Locking) {}
-FileInputStream::FileInputStream(const char* name, TFileReading how) : FileInputStream(name, false, how) {}
-FileInputStream::FileInputStream(const char* name, bool callersFlag, TFileReading how)
-    : flag(callersFlag), fileName(FileName(name)), reading(how) {
-    OpenFile(fileName.c_str());
+    : FileInputStream(TZoPath(name), callersFlag, TFileReading::Locking) {}
+FileInputStream::FileInputStream(const char* name, TFileReading how)
+    : FileInputStream(TZoPath(name), false, how) {}
+FileInputStream::FileInputStream(const TZoPath& name, TFileReading how) : FileInputStream(name, false, how) {}
+FileInputStream::FileInputStream(const TZoPath& name, bool callersFlag, TFileReading how)
+    : flag(callersFlag), path(name.With("")), reading(how) {
+    OpenFile(path);
     try {
         LoadFromFile();
     } catch (...) {
@@ -45,13 +47,13 @@ FileInputStream::~FileInputStream() {
     System().CloseFile(file);
 }
 
-void FileInputStream::OpenFile(const char* name) {
+void FileInputStream::OpenFile(const TZoPath& name) {
     file = OpenToRead(name, reading, "FileInputStream::OpenFile");
 }
 
 void FileInputStream::LoadFromFile() {
     if (reading == TFileReading::Viewing)
-        LoadSteadily(fileName.c_str(), [this] { LoadOnce(); });
+        LoadSteadily(path, [this] { LoadOnce(); });
     else
         LoadOnce();
 }
@@ -62,7 +64,7 @@ void FileInputStream::LoadOnce() {
     unsigned long long start = 0;
     const bool sized = System().FileSize(file, length);
     if (!sized) length = 0;
-    if (length >= UINT32_MAX) ThrowUnreadable(fileName.c_str(), location);
+    if (length >= UINT32_MAX) ThrowUnreadable(path, location);
     char* fresh = new char[static_cast<std::size_t>(length) + 1];
     delete[] std::exchange(buffer, fresh);
     std::size_t done = 0;

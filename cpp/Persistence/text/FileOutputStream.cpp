@@ -34,10 +34,12 @@ std::string WithRoom(std::size_t size) {
 } // namespace
 
 FileOutputStream::FileOutputStream(const char* fileName, bool keepOpen)
-    : path(FileName(fileName)), file(nullptr), tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
+    : FileOutputStream(TZoPath(fileName), keepOpen) {}
+FileOutputStream::FileOutputStream(const TZoPath& name, bool keepOpen)
+    : path(name.With("")), file(nullptr), tokens(new TDList<ZoString>), keepsOpen(keepOpen) {
     // Empty the file only when nothing else can fail.
-    file = Platform::Current().OpenFile(path.c_str(), Platform::Access::ReadWrite, Platform::Share::Read,
-                                        Platform::Creation::CreateAlways);
+    file = Platform::Current().OpenFile(path.Utf8().c_str(), Platform::Access::ReadWrite,
+                                        Platform::Share::Read, Platform::Creation::CreateAlways);
     if (file == nullptr) ThrowUnwritten(Platform::LastError(), "FileOutputStream::FileOutputStream", path);
 }
 

@@ -169,7 +169,7 @@ FileHandle Services::OpenFile(const char* path, Access access, Share share, Crea
     Opening opening;
     opening.access = access;
     opening.share = share;
-    opening.create = creation == Creation::CreateAlways;
+    opening.create = creation != Creation::OpenExisting;
     Descriptor file = OpenShared(path != nullptr ? path : "", opening);
     if (!file) return nullptr;
     if (opening.create && S_ISREG(opening.status.st_mode) && opening.status.st_size != 0 &&

@@ -13,7 +13,7 @@ namespace {
 // for the same one. A thread's end releases the mutex. Null if it cannot be created; then only the system
 // decides.
 HANDLE Turn() {
-    static const HANDLE mutex = CreateMutexA(nullptr, FALSE, "Local\\ZoPrimitives.Clipboard");
+    static const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"Local\\ZoPrimitives.Clipboard");
     return mutex;
 }
 
@@ -28,8 +28,16 @@ void PassTurn() {
 
 struct Opened {
     HGLOBAL locked = nullptr;
+    HWND owner = nullptr;
     bool open = false;
 
+    /// A window that is never seen, of a class of the system's: what puts data on the clipboard needs one.
+    HWND Owner() {
+        if (owner == nullptr)
+            owner = ::CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                                      nullptr);
+        return owner;
+    }
     void Unlock() {
         if (locked != nullptr) GlobalUnlock(std::exchange(locked, nullptr));
     }
@@ -85,14 +93,14 @@ bool TryToOpen() {
         SetLastError(ErrorSharingViolation);
         return false;
     }
-    if (::OpenClipboard(nullptr)) {
-        Threads().Find()->open = true; // `OpenClipboard` made it
+    Opened& mine = *Threads().Find(); // `OpenClipboard` made it
+    if (::OpenClipboard(mine.Owner())) {
+        mine.open = true;
         return true;
     }
-    const unsigned long error = LastError();
     PassTurn();
-    // The system reports this when another program has it open.
-    SetLastError(error == ErrorAccessDenied ? ErrorSharingViolation : error);
+    // Another program has it open, whatever the system reports.
+    SetLastError(ErrorSharingViolation);
     return false;
 }
 

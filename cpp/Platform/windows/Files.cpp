@@ -1,4 +1,6 @@
 #include "Platform/Platform.h"
+#include "Platform/windows/Interference.h"
+#include "Platform/windows/Paths.h"
 #include "Platform/windows/Windows.h"
 
 #include <algorithm>
@@ -12,24 +14,36 @@ constexpr std::size_t LargestTransfer = std::size_t{16} << 20;
 
 } // namespace
 
-FileHandle Services::OpenFile(const char* path, Access access, Share share, Creation creation) {
-    if (path == nullptr) path = "";
-    const bool create = creation == Creation::CreateAlways;
+FileHandle Services::OpenFile(const char* name, Access access, Share share, Creation creation) {
+    const SystemPath path(name);
+    if (!path) return nullptr;
+    const bool create = creation != Creation::OpenExisting;
     const bool writes = access == Access::ReadWrite || create;
+    DWORD kept = 0;
     if (writes) {
-        const DWORD attributes = ::GetFileAttributesA(path);
-        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        const DWORD attributes = ::GetFileAttributesW(path.c_str());
+        const bool known = attributes != INVALID_FILE_ATTRIBUTES;
+        if (known && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
             SetLastError(ErrorAccessDenied);
             return nullptr;
         }
+        // A file that has these is emptied only for who names them.
+        if (known) kept = attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
     }
     DWORD shared = 0;
     if (share != Share::None) shared |= FILE_SHARE_READ;
     if (share == Share::ReadWrite) shared |= FILE_SHARE_WRITE;
-    const HANDLE file =
-        ::CreateFileA(path, writes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ, shared, nullptr,
-                      create ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return file != INVALID_HANDLE_VALUE ? file : nullptr;
+    HANDLE file = INVALID_HANDLE_VALUE;
+    const auto open = [&] {
+        file = ::CreateFileW(path.c_str(), writes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ, shared,
+                             nullptr, create ? CREATE_ALWAYS : OPEN_EXISTING,
+                             kept != 0 ? kept : FILE_ATTRIBUTE_NORMAL, nullptr);
+        return file != INVALID_HANDLE_VALUE;
+    };
+    const bool opened = creation == Creation::FillTemporary
+                            ? DespiteInterference(*this, {{path, GENERIC_WRITE}}, open)
+                            : open();
+    return opened ? file : nullptr;
 }
 
 bool Services::CloseFile(FileHandle file) { return ::CloseHandle(file) != 0; }

@@ -1,29 +1,51 @@
-#include "Platform/Platform.h"
+#include "Platform/windows/Time.h"
 
 #include <cstdio>
-#include <time.h>
-#include <windows.h>
 
 namespace ZoPrimitives::Platform {
+
+namespace {
+
+constexpr std::int64_t From1601To1970 = 116'444'736'000'000'000; // ticks of 100 ns
+
+bool SystemTimeOf(std::int64_t seconds, SYSTEMTIME& time) {
+    constexpr std::int64_t TicksPerSecond = 10'000'000, Limit = INT64_MAX / TicksPerSecond;
+    const std::int64_t since1601 = seconds + From1601To1970 / TicksPerSecond;
+    if (seconds > Limit - From1601To1970 / TicksPerSecond || since1601 < 0) return false;
+    const auto ticks = static_cast<std::uint64_t>(since1601 * TicksPerSecond);
+    const FILETIME file = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+    return ::FileTimeToSystemTime(&file, &time) != 0;
+}
+
+/// By the rules that the zone has in `year`.
+bool ByRulesOf(WORD year, DYNAMIC_TIME_ZONE_INFORMATION* zone, const SYSTEMTIME& utc, SYSTEMTIME& local) {
+    TIME_ZONE_INFORMATION rules;
+    return ::GetTimeZoneInformationForYear(year, zone, &rules) != 0 &&
+           ::SystemTimeToTzSpecificLocalTime(&rules, &utc, &local) != 0;
+}
+
+} // namespace
+
+bool LocalTimeIn(DYNAMIC_TIME_ZONE_INFORMATION* zone, std::int64_t seconds, CalendarTime& time) {
+    SYSTEMTIME utc, local;
+    if (!SystemTimeOf(seconds, utc) || !ByRulesOf(utc.wYear, zone, utc, local)) return false;
+    // The rules are those of the local year.
+    if (local.wYear != utc.wYear && !ByRulesOf(local.wYear, zone, utc, local)) return false;
+    time = {local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond};
+    return true;
+}
 
 std::uint32_t Services::Ticks() { return GetTickCount(); }
 
 std::int64_t Services::SystemTime() {
-    constexpr std::int64_t From1601To1970 = 116'444'736'000'000'000;
     FILETIME now;
     GetSystemTimePreciseAsFileTime(&now);
     return ((static_cast<std::int64_t>(now.dwHighDateTime) << 32) | now.dwLowDateTime) - From1601To1970;
 }
 
+// The C runtime knows the rules of one year only, and a variable TZ in their place.
 bool Services::LocalTime(std::int64_t seconds, CalendarTime& time) {
-    constexpr std::int64_t End = 32'535'215'999; // the last second of the year 3000
-    // Beyond it the C runtime may end the process.
-    const __time64_t value = seconds;
-    tm local;
-    if (value < 0 || value > End || _localtime64_s(&local, &value) != 0) return false;
-    time = {local.tm_year + 1900LL, local.tm_mon + 1, local.tm_mday,
-            local.tm_hour,          local.tm_min,     local.tm_sec};
-    return true;
+    return LocalTimeIn(nullptr, seconds, time);
 }
 
 int Services::StandardTimeBias() {

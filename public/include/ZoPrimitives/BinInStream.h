@@ -98,7 +98,8 @@ public:
     /// when there are very many.
     const TDVector<TZoPassedOver>& GetPassedOver() const { return passedOver; }
     /// The file's name; empty if the stream reads something else, or a handle.
-    const ZoString& GetPath() const { return path; }
+    const ZoString& GetPath() const { return path.Text(); }
+    const TZoPath& GetFilePath() const { return path; }
 
     unsigned GetVersion() const { return header.version; }
     unsigned GetRelease() const { return header.release; }
@@ -221,7 +222,7 @@ protected:
         systemError = systemCode;
     }
     /// The file's name, for exceptions.
-    void SetPath(const char* file);
+    void SetPath(const TZoPath& file);
 
 private:
     void ReadUnnamedHeader(const char* location);
@@ -273,7 +274,7 @@ private:
     TDVector<TZoPassedOver> passedOver;
     unsigned long readError = 0;
     unsigned systemError = 0;
-    ZoString path;
+    TZoPath path;
 
     const unsigned char* record = nullptr; // in `buffer` or in the window
     unsigned recordSize = 0;

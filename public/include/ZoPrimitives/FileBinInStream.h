@@ -2,6 +2,7 @@
 
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/FileReading.h"
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/ZoString.h"
 
 #include <type_traits>
@@ -19,6 +20,8 @@ public:
     TFileBinInStream(const char* fileName, unsigned supportedVersion, bool ownsSource = true);
     TFileBinInStream(const char* fileName, int supportedVersion, bool ownsSource = true);
     TFileBinInStream(const char* fileName, TFileReading reading, unsigned supportedVersion = ANY_VERSION);
+    explicit TFileBinInStream(const TZoPath& path, TFileReading reading = TFileReading::Locking,
+                              unsigned supportedVersion = ANY_VERSION);
     /// A file that is open for reading. `ownsSource`: the stream closes it.
     TFileBinInStream(void* file, bool ownsSource, unsigned supportedVersion = ANY_VERSION);
     ~TFileBinInStream() override;
@@ -59,7 +62,7 @@ public:
     const ZoString& GetFileName() const { return GetPath(); }
 
 private:
-    void OpenFile(const char* name);
+    void OpenFile(const TZoPath& path);
     unsigned long long SeekFar(long long offset, int origin);
     void Load();
     void LoadOnce();

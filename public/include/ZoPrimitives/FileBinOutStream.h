@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/BinOutStream.h"
-#include "ZoPrimitives/ZoString.h"
+#include "ZoPrimitives/TZoPath.h"
 
 #include <memory>
 
@@ -28,6 +28,8 @@ public:
     /// `backup` keeps the target's previous version under its full name followed by "-bak".
     static TFileBinOutStream* Create(const char* fileName, bool backup);
     static TFileBinOutStream* Create(const char* fileName, unsigned version, unsigned release, bool backup);
+    static TFileBinOutStream* Create(const TZoPath& path, bool backup);
+    static TFileBinOutStream* Create(const TZoPath& path, unsigned version, unsigned release, bool backup);
     /// As `FreeResourses`.
     ~TFileBinOutStream() override;
     TFileBinOutStream(const TFileBinOutStream&) = delete;
@@ -70,15 +72,18 @@ public:
     void SetFile(void* file) override;
 
     const ZoString& GetFileName() const;
+    const TZoPath& GetFilePath() const;
     /// The file that holds the data: until `Finalize` has replaced the target, the temporary or the "-new"
     /// file; otherwise the target.
-    const ZoString& GetWrittenPath() const { return *writtenPath; }
+    const ZoString& GetWrittenPath() const { return writtenPath->Text(); }
+    const TZoPath& GetWrittenFilePath() const { return *writtenPath; }
     /// Whether that file is complete and closed and, through a temporary file, on the device.
     bool IsComplete() const { return complete; }
 
 protected:
     TFileBinOutStream(const char* fileName, bool backup);
     TFileBinOutStream(const char* fileName, unsigned version, unsigned release, bool backup);
+    TFileBinOutStream(const TZoPath& path, unsigned version, unsigned release, bool backup);
 
     /// Writes everything gathered, then the bytes, at once; the open record is unchanged.
     void WriteToFile(const unsigned char* data, unsigned size);
@@ -87,7 +92,7 @@ private:
     enum class State { New, Writing, Ended };
 
     void MakeTemporary();
-    void OpenFile(const char* path);
+    void OpenFile(const TZoPath& path);
     void CheckWriting() const;
     void WriteGathered();
     void WriteBytes(const unsigned char* data, unsigned size);
@@ -100,8 +105,8 @@ private:
     void ReplaceTarget();
 
     std::unique_ptr<const FileReplacement> names;
-    ZoString temporary;
-    const ZoString* writtenPath;
+    TZoPath temporary;
+    const TZoPath* writtenPath;
     void* file = nullptr;
     bool ownsFile = false;
     bool backup;

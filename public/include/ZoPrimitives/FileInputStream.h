@@ -2,6 +2,7 @@
 
 #include "ZoPrimitives/FileReading.h"
 #include "ZoPrimitives/InputStream.h"
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/ZoString.h"
 
 #include <cstddef>
@@ -26,6 +27,7 @@ public:
     /// " followed by the name.
     explicit FileInputStream(const char* fileName, bool flag = false);
     FileInputStream(const char* fileName, TFileReading reading);
+    explicit FileInputStream(const TZoPath& path, TFileReading reading = TFileReading::Locking);
     ~FileInputStream() override;
 
     InputStream& operator>>(ZoString& value) override;
@@ -55,8 +57,8 @@ protected:
     void LoadFromFile();
 
 private:
-    FileInputStream(const char* fileName, bool flag, TFileReading reading);
-    void OpenFile(const char* name);
+    FileInputStream(const TZoPath& path, bool flag, TFileReading reading);
+    void OpenFile(const TZoPath& path);
     void LoadOnce();
     /// The next token, valid until the file is loaded again.
     std::string_view GetNextLine();
@@ -70,7 +72,7 @@ private:
     std::uint32_t size = 0;
     bool whole = false;
     bool atLastLine = false; // which has no line end and was returned
-    ZoString fileName;
+    TZoPath path;
     TFileReading reading;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZoPrimitives/OutputStream.h"
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/dvector.h"
 #include "ZoPrimitives/pointer.h"
@@ -19,6 +20,7 @@ public:
     /// Creates or empties the file; others may read it meanwhile. `keepOpen`: the stream does not close the
     /// file; take its handle with `GetFile`. Throws `XWriteStream` or `XWriteStreamOutOfSpace`.
     FileOutputStream(const char* fileName, bool keepOpen);
+    FileOutputStream(const TZoPath& path, bool keepOpen);
     /// Writes to a file that is open for writing, from its current position, and does not close it.
     explicit FileOutputStream(void* file);
     /// Writes the tokens unless `Finalize` has; does not report failures.
@@ -55,7 +57,7 @@ private:
     OutputStream& Add(std::string_view token);
     bool Close();
 
-    ZoString path; // empty for a handle
+    TZoPath path; // empty for a handle
     void* file;
     pointer<TDList<ZoString>> tokens;
     bool keepsOpen;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/ZoString.h"
 
 namespace ZoPrimitives {
@@ -45,16 +46,17 @@ public:
     /// Windows' number of the system's error, on every system; 0: none.
     unsigned SystemCode() const { return cause.systemCode; }
     /// The file; empty if there is none or its name is not known.
-    const ZoString& Path() const { return path; }
+    const ZoString& Path() const { return path.Text(); }
+    const TZoPath& FilePath() const { return path; }
 
     /// For who throws, or catches and throws again: names the file, unless it is named.
-    XStream& SetPath(const ZoString& file);
+    XStream& SetPath(const TZoPath& file);
 
 private:
     ZoString message;
     ZoString location;
     TStreamCause cause;
-    ZoString path;
+    TZoPath path;
 };
 
 /// Reading failed: a device failed or the data is damaged.
@@ -82,16 +84,17 @@ public:
 /// as it was, unless copying over it was begun. Message and location are those of the failure.
 class ZO_API XNotReplaced : public XWriteStream {
 public:
-    XNotReplaced(const XWriteStream& reason, const ZoString& writtenPath);
+    XNotReplaced(const XWriteStream& reason, const TZoPath& writtenPath);
     XNotReplaced(const XNotReplaced&);
     XNotReplaced& operator=(const XNotReplaced&);
     ~XNotReplaced() override;
 
     /// The file that holds the new version.
-    const ZoString& WrittenPath() const { return writtenPath; }
+    const ZoString& WrittenPath() const { return writtenPath.Text(); }
+    const TZoPath& WrittenFilePath() const { return writtenPath; }
 
 private:
-    ZoString writtenPath;
+    TZoPath writtenPath;
 };
 
 /// The digest of the data is not that of its records. The message is "Arquivo corrompido".

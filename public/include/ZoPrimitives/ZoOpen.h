@@ -2,6 +2,7 @@
 
 #include "ZoPrimitives/FileReading.h"
 #include "ZoPrimitives/IVector.h"
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoClassField.h"
 #include "ZoPrimitives/ZoProgress.h"
@@ -82,7 +83,7 @@ private:
 
 // Each fills `opened`, which is empty, and returns the roots.
 ZO_API TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRootType& rootType,
-                                                 const char* path, TZoMetaData* schema,
+                                                 const TZoPath& path, TZoMetaData* schema,
                                                  const TZoOpening& how);
 ZO_API TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRootType& rootType,
                                                  const void* block, unsigned long long size,
@@ -99,7 +100,7 @@ ZO_API TDVector<ZoStreamableBase*> ZoOpenClipboardObjects(TZoOpenedObjects& open
 /// or more roots than the call asks for. A root is an object that no other object owns and no external
 /// reference names; if some objects of the file could not be made, what they owned does not count.
 template <class Root>
-TZoOpened<Root> ZoOpen(const char* path, TZoMetaData* schema, const TZoOpening& how = {}) {
+TZoOpened<Root> ZoOpen(const TZoPath& path, TZoMetaData* schema, const TZoOpening& how = {}) {
     TZoOpened<Root> opened;
     opened.TakeRoots(ZoOpenObjects(opened, opened.RootType(), path, schema, how));
     return opened;

@@ -51,6 +51,7 @@
 #include "ZoPrimitives/TVector2D.h"
 #include "ZoPrimitives/TVector3D.h"
 #include "ZoPrimitives/TZoColor.h"
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/ZoBlob.h"

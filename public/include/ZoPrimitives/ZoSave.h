@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZoPrimitives/TZoPath.h"
 #include "ZoPrimitives/ZoBlob.h"
 #include "ZoPrimitives/ZoProgress.h"
 #include "ZoPrimitives/ZoStreamable.h"
@@ -30,8 +31,9 @@ struct TZoSaving {
 /// reference to an object that is not saved and for a schema that would lose data. A version or release that
 /// no reader accepts, a root that is null or of a class without fields, and an object whose class is not
 /// registered fail an assertion.
-ZO_API void ZoSave(const char* path, ZoStreamableBase* root, TZoMetaData* schema, const TZoSaving& how = {});
-ZO_API void ZoSave(const char* path, TDList<ZoStreamableBase*>* roots, TZoMetaData* schema,
+ZO_API void ZoSave(const TZoPath& path, ZoStreamableBase* root, TZoMetaData* schema,
+                   const TZoSaving& how = {});
+ZO_API void ZoSave(const TZoPath& path, TDList<ZoStreamableBase*>* roots, TZoMetaData* schema,
                    const TZoSaving& how = {});
 /// The same bytes in memory.
 ZO_API ZoBlob ZoSaveInMemory(ZoStreamableBase* root, TZoMetaData* schema, const TZoSaving& how = {});

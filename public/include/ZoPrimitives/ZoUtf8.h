@@ -20,21 +20,22 @@ struct Windows1252 {
         }
         return -1;
     }
-    /// Reads one character of NUL-terminated UTF-8 and advances. Malformed input gives 0xFFFD and advances by
-    /// one byte.
+    static constexpr char32_t MALFORMED = 0xFFFD;
+    /// Reads one character of NUL-terminated UTF-8 and advances. Malformed input gives `MALFORMED` and
+    /// advances by one byte.
     static constexpr char32_t Next(const char*& text) noexcept {
         const auto lead = static_cast<unsigned char>(*text++);
         if (lead < 0x80) return lead;
         const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
         char32_t character = lead & (0x3Fu >> more);
-        if (lead < 0xC2 || lead > 0xF4) return 0xFFFD;
+        if (lead < 0xC2 || lead > 0xF4) return MALFORMED;
         for (int i = 0; i < more; ++i) {
             const auto byte = static_cast<unsigned char>(text[i]);
-            if ((byte & 0xC0u) != 0x80u) return 0xFFFD;
+            if ((byte & 0xC0u) != 0x80u) return MALFORMED;
             character = character << 6 | (byte & 0x3Fu);
         }
         const bool overlong = (more == 2 && character < 0x800) || (more == 3 && character < 0x10000);
-        if (overlong || (character >= 0xD800 && character < 0xE000) || character > 0x10FFFF) return 0xFFFD;
+        if (overlong || (character >= 0xD800 && character < 0xE000) || character > 0x10FFFF) return MALFORMED;
         text += more;
         return character;
     }

@@ -14,6 +14,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <new>
 #include <stdexcept>
 
@@ -58,7 +59,7 @@ TEST_F(FailureTests, TellKindFileAndReason) {
         const char* explained;
     } rows[] = {
         {"no file", [&] { Open("none"); }, TStreamFailure::NotFound, 2, "none", "Confira o nome"},
-        {"no folder", [&] { Save("none/file"); }, TStreamFailure::NotFound, 3, "none/file", "Confira o nome"},
+        {"no folder", [&] { Save("none/file"); }, TStreamFailure::NotFound, 3, "none/file", "a pasta n"},
         {"denied", [&] { system.Fail("OpenFile", 1, Platform::ErrorAccessDenied), Save("x"); },
          TStreamFailure::Denied, 5, "x", "falta permiss"},
         {"read-only",
@@ -79,6 +80,8 @@ TEST_F(FailureTests, TellKindFileAndReason) {
          TStreamFailure::DiskFull, 112, "x", "falta espa"},
         {"device", [&] { system.Fail("WriteFile", 1, Platform::ErrorDevice), Save("x"); },
          TStreamFailure::Device, 1117, "x", "(1117)"},
+        {"no name", [&] { system.Fail("OpenFile", 1, Platform::ErrorInvalidName), Save("x"); },
+         TStreamFailure::Device, 123, "x", "tem um nome"},
         {"ends in the header", [&] { Open("short"); }, TStreamFailure::Truncated, 0, "short", "incompleto"},
         {"ends in a record", [&] { Open("cut"); }, TStreamFailure::Truncated, 0, "cut", "incompleto"},
         {"another format", [&] { Open("letter"); }, TStreamFailure::WrongFile, 0, "letter", "deste formato"},
@@ -86,7 +89,7 @@ TEST_F(FailureTests, TellKindFileAndReason) {
          "arquivo: 10; a mais nova que este programa l"},
         {"schema", [&] { Open("torn"); }, TStreamFailure::Damaged, 0, "torn", "danificado"},
         {"text to no folder", [&] { FileOutputStream(folder.Path("none/text").c_str(), false); },
-         TStreamFailure::NotFound, 3, "none/text", "Confira o nome"},
+         TStreamFailure::NotFound, 3, "none/text", "a pasta n"},
         {"text that ends", [&] { FileInputStream(folder.Path("empty").c_str()).SkipValue(); },
          TStreamFailure::Truncated, 0, nullptr, "incompleto"},
         {"an application's", [] { throw XStream("reason", "place"); }, TStreamFailure::Other, 0, nullptr,
@@ -109,6 +112,20 @@ TEST_F(FailureTests, TellKindFileAndReason) {
             EXPECT_THAT(explained, HasSubstr(row.file != nullptr ? '"' + file + '"' : ""));
         }
         system.readOnly.reset();
+    }
+}
+
+TEST_F(FailureTests, ShowPathsInWindows1252) {
+    const std::tuple<TZoPath, const char*> rows[] = {
+        {std::filesystem::path(u8"Σ/pórtico"), "\"?/p\xF3rtico\""},
+        {"bytes: \xF3", "\"bytes: \xF3\""},
+    };
+    for (const auto& [path, shown] : rows) {
+        try {
+            throw XReadStream("", "", TStreamFailure::NotFound).SetPath(path);
+        } catch (const XStream&) {
+            EXPECT_THAT(ZoExplain().c_str(), HasSubstr(shown));
+        }
     }
 }
 

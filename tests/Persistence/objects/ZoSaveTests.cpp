@@ -231,7 +231,7 @@ TEST(ZoSaveTests, TheTargetStaysWhatItWasUntilTheNewVersionIsComplete) {
 TEST(ZoSaveTests, TellsWhereTheNewVersionIsThatCouldNotReplaceTheOldOne) {
     for (const char* operation : {"CopyWholeFile", "MoveWholeFile"}) {
         Saving s;
-        s.services.Fail(operation, 1, 32);
+        s.services.Fail(operation, 1, 5);
         try {
             ZoSave(s.path.c_str(), s.root.get(), &s.schema, s.how);
             FAIL() << "nothing was thrown";

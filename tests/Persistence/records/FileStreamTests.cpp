@@ -335,9 +335,11 @@ TEST_F(FileStreamTests, FailuresOfASave) {
         {"no way back", true, Faulty("SeekFile", 2, 5), denied + "RewriteHeader", "F", "O.H"},
         {"not synchronised", true, Faulty("SynchroniseFile", 1, 5), denied + "Finalize", "F", "O.N"},
         {"lost at closing", true, Faulty("CloseFile", 1, 39), full + "Finalize", "F", "O.N"},
-        {"target or none, who knows", true, Faulty("FileExists", 1, 5), denied + "Finalize", "F", "O.N"},
-        {"torn or not, who knows", true, Faulty("FileExists", 2, 5), denied + "Finalize", "F", "O.N"},
-        {"backup or none, who knows", true, Faulty("FileExists", 3, 5), denied + "Finalize", "F", "O.N"},
+        {"no name for a backup", true, Faulty("FileExists", 2, 5), denied + "Initialize", "I", "O.."},
+        {"target or none, who knows", true, Faulty("FileExists", 3, 5), denied + "Finalize", "F", "O.N"},
+        {"torn or not, who knows", true, Faulty("FileExists", 4, 5), denied + "Finalize", "F", "O.N"},
+        {"backup or none, who knows", true, Faulty("FileExists", 5, 5), denied + "Finalize", "F", "O.N"},
+        {"temporary read by others", true, Faulty("MoveWholeFile", 1, 32), "", "", "NO."},
         {"not renamed", true, Faulty("MoveWholeFile", 1, 5), denied + "Finalize", "F", "OON"},
         {"backup not deletable", true, backupReadOnly, denied + "Finalize", "F", "OON"},
         {"backup only writable", true, backupUndeletable, "", "", "NO."},
@@ -376,6 +378,36 @@ TEST_F(FileStreamTests, FailuresOfASave) {
         const bool stays = row.left[2] != '.' && !row.thrown.empty();
         EXPECT_TRUE(!stays || std::filesystem::exists(out->GetWrittenPath().c_str()));
     }
+}
+
+TEST_F(FileStreamTests, TakeEveryNameThatTheSystemTakes) {
+    const auto save = [](const std::filesystem::path& path, const char* text) {
+        const Stream out(TFileBinOutStream::Create(path, true));
+        out->Initialize();
+        PutText(*out, 1, text);
+        out->Finalize();
+        EXPECT_EQ(TZoPath(path).Utf8(), out->GetWrittenFilePath().Utf8());
+    };
+    const auto open = [](const std::filesystem::path& path) {
+        TFileBinInStream in(path);
+        in.Initialize();
+        return Rest(in);
+    };
+    const std::filesystem::path own = folder.Path(), longest(std::string(251, 'n'));
+    for (const std::filesystem::path& name :
+         {std::filesystem::path(u8"pórtico/Σχέδιο.zo"), std::filesystem::path(u8"設計.𝕏"), longest}) {
+        const std::filesystem::path path = own / name;
+        std::filesystem::create_directories(path.parent_path());
+        for (const char* text : {"old", "new"}) save(path, text);
+        EXPECT_EQ(open(path), "1:new") << name;
+        std::filesystem::path backup = path;
+        EXPECT_EQ(open(backup += "-bak"), "1:old") << name;
+    }
+    std::filesystem::path longer = own / longest;
+    EXPECT_THAT(FailureOf([&] { save(longer += "n", "new"); }),
+                testing::EndsWith("@ TFileBinOutStream::Initialize"))
+        << "there would be no name for the backup";
+    EXPECT_EQ(folder.Names().size(), 5u);
 }
 
 TEST_F(FileStreamTests, WholeRecordsLeaveInBlocks) {

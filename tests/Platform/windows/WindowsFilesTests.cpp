@@ -1,9 +1,14 @@
 #include "Platform/Platform.h"
+#include "Platform/windows/Paths.h"
 #include "Platform/windows/Windows.h"
+#include "ZoPrimitives/FileBinOutStream.h"
+#include "ZoPrimitives/TZoPath.h"
+#include "ZoPrimitives/pointer.h"
 #include "support/FaultyServices.h"
 #include "support/TemporaryFolder.h"
 
 #include <filesystem>
+#include <functional>
 #include <gmock/gmock.h>
 
 namespace {
@@ -25,17 +30,36 @@ struct WindowsFilesTests : testing::Test {
     }
     ~WindowsFilesTests() override { Release(); }
 
+    std::filesystem::path Wide(const char* name) const { return std::filesystem::path(folder.Path()) / name; }
     bool Copy() {
         return Current().CopyWholeFile(folder.Path("source").c_str(), folder.Path("target").c_str());
     }
+    bool Move() {
+        return Current().MoveWholeFile(folder.Path("source").c_str(), folder.Path("target").c_str());
+    }
+    bool Delete() { return Current().DeleteWholeFile(folder.Path("target").c_str()); }
+    bool Create(Creation creation) {
+        const FileHandle file =
+            Current().OpenFile(folder.Path("target").c_str(), Access::ReadWrite, Share::Read, creation);
+        return file != nullptr && Current().CloseFile(file);
+    }
+    bool Fill() { return Create(Creation::FillTemporary); }
+
     /// As another program would, sharing what it likes.
-    void Hold(const char* name, DWORD share) {
-        held =
-            CreateFileA(folder.Path(name).c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
-        ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    void Hold(const std::filesystem::path& path, DWORD share, DWORD access = GENERIC_READ) {
+        held = CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+    }
+    /// As a scanner that looks at a file through memory.
+    void Map(const std::filesystem::path& path) {
+        Hold(path, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+        const HANDLE mapping = CreateFileMappingW(held, nullptr, PAGE_READONLY, 0, 0, nullptr);
+        view = MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0);
+        CloseHandle(mapping);
+        CloseHandle(std::exchange(held, INVALID_HANDLE_VALUE));
     }
     void Release() {
         if (held != INVALID_HANDLE_VALUE) CloseHandle(std::exchange(held, INVALID_HANDLE_VALUE));
+        if (view != nullptr) UnmapViewOfFile(std::exchange(view, nullptr));
     }
 
     TemporaryFolder folder;
@@ -43,35 +67,112 @@ struct WindowsFilesTests : testing::Test {
     std::vector<unsigned> waits;
     std::size_t released = 0; // by the wait of this number
     HANDLE held = INVALID_HANDLE_VALUE;
+    void* view = nullptr;
 };
 
-TEST_F(WindowsFilesTests, ACopyOutlastsShortInterference) {
-    released = 3;
-    Hold("target", FILE_SHARE_READ);
-    EXPECT_TRUE(Copy());
-    EXPECT_THAT(waits, ElementsAre(10, 20, 40));
-    EXPECT_EQ(folder.Read("target"), "new");
+TEST_F(WindowsFilesTests, OperationsOutlastAScanner) {
+    const struct {
+        const char* name;
+        const char* scanned;
+        bool mapped;
+        bool (WindowsFilesTests::*operation)();
+        DWORD error;
+    } rows[] = {
+        {"copy onto an open file", "target", false, &WindowsFilesTests::Copy, ERROR_SHARING_VIOLATION},
+        {"copy onto a mapped file", "target", true, &WindowsFilesTests::Copy, ERROR_USER_MAPPED_FILE},
+        {"rename an open file", "source", false, &WindowsFilesTests::Move, ERROR_SHARING_VIOLATION},
+        {"rename onto an open file", "target", false, &WindowsFilesTests::Move, ERROR_SHARING_VIOLATION},
+        {"fill an open temporary", "target", false, &WindowsFilesTests::Fill, ERROR_SHARING_VIOLATION},
+        {"fill a mapped temporary", "target", true, &WindowsFilesTests::Fill, ERROR_USER_MAPPED_FILE},
+        {"delete an open file", "target", false, &WindowsFilesTests::Delete, ERROR_SHARING_VIOLATION},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        for (const bool leaves : {false, true}) {
+            folder.Write("source", "new");
+            folder.Write("target", "old");
+            waits.clear();
+            released = leaves ? 3 : 0;
+            row.mapped ? Map(Wide(row.scanned)) : Hold(Wide(row.scanned), FILE_SHARE_READ);
+            EXPECT_EQ((this->*row.operation)(), leaves);
+            if (leaves) {
+                EXPECT_THAT(waits, ElementsAre(10, 20, 40));
+            } else {
+                EXPECT_EQ(LastError(), row.error);
+                EXPECT_THAT(waits, ElementsAre(10, 20, 40, 80, 160, 320, 640));
+            }
+            Release();
+            EXPECT_EQ(!leaves, folder.Has("target") && folder.Read("target") == "old");
+        }
+    }
 }
 
-TEST_F(WindowsFilesTests, ACopyEndsWhenInterferenceDoesNot) {
-    Hold("target", 0);
-    EXPECT_FALSE(Copy());
-    EXPECT_EQ(LastError(), ErrorSharingViolation);
-    EXPECT_THAT(waits, ElementsAre(10, 20, 40, 80, 160, 320, 640));
-    Release();
-    EXPECT_EQ(folder.Read("target"), "old");
+TEST_F(WindowsFilesTests, ASaveSucceedsThoughItsTemporaryIsRead) {
+    for (const bool leaves : {true, false}) {
+        services.onCall = [&](const std::string& call) {
+            if (call.rfind("MoveWholeFile", 0) != 0) return;
+            for (const std::string& name : folder.Names())
+                if (name.rfind("~zo", 0) == 0) Hold(Wide(name.c_str()), FILE_SHARE_READ);
+        };
+        waits.clear();
+        released = leaves ? 10 : 0; // while the temporary is being deleted, or not at all
+        const ZoPrimitives::pointer<ZoPrimitives::TFileBinOutStream> out(
+            ZoPrimitives::TFileBinOutStream::Create(Wide("target"), false));
+        out->SetThroughTemporary(true);
+        out->Initialize();
+        EXPECT_NO_THROW(out->Finalize());
+        EXPECT_EQ(folder.Read("target").size(), 28u) << "a header";
+        EXPECT_EQ(folder.Names().size(), leaves ? 2u : 3u);
+        Release();
+    }
 }
 
 TEST_F(WindowsFilesTests, NobodyWaitsForWhatStays) {
-    const std::tuple<const char*, std::string, std::string, unsigned long> rows[] = {
-        {"a read-only target", folder.Path("source"), folder.Path("readonly"), ErrorAccessDenied},
-        {"itself", folder.Path("target"), folder.Path() + "/./target", ErrorSharingViolation},
-    };
+    CreateDirectoryW(Wide("folder").c_str(), nullptr);
     folder.Write("readonly", "old");
     folder.MakeReadOnly("readonly");
-    for (const auto& [name, from, to, error] : rows) {
-        EXPECT_FALSE(Current().CopyWholeFile(from.c_str(), to.c_str())) << name;
+    const std::string source = folder.Path("source"), target = folder.Path("target"),
+                      readOnly = folder.Path("readonly");
+    const struct {
+        const char* name;
+        std::function<bool()> operation;
+        unsigned long error;
+    } rows[] = {
+        {"copy onto a read-only file",
+         [&] { return Current().CopyWholeFile(source.c_str(), readOnly.c_str()); }, ErrorAccessDenied},
+        {"copy onto a folder",
+         [&] { return Current().CopyWholeFile(source.c_str(), folder.Path("folder").c_str()); },
+         ErrorAccessDenied},
+        {"copy onto itself",
+         [&] { return Current().CopyWholeFile(target.c_str(), (folder.Path() + "/./target").c_str()); },
+         ErrorSharingViolation},
+        {"delete a read-only file", [&] { return Current().DeleteWholeFile(readOnly.c_str()); },
+         ErrorAccessDenied},
+        {"rename to a read-only file",
+         [&] { return Current().MoveWholeFile(source.c_str(), readOnly.c_str()); }, ErrorAccessDenied},
+        {"open what another has open",
+         [&] {
+             Hold(Wide("target"), FILE_SHARE_READ);
+             return Create(Creation::CreateAlways);
+         },
+         ErrorSharingViolation},
+    };
+    for (const auto& [name, operation, error] : rows) {
+        EXPECT_FALSE(operation()) << name;
         EXPECT_EQ(LastError(), error) << name;
+    }
+    EXPECT_THAT(waits, IsEmpty());
+}
+
+TEST_F(WindowsFilesTests, AHiddenFileStaysHidden) {
+    for (const DWORD attributes : {FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM}) {
+        SetFileAttributesW(Wide("target").c_str(), attributes);
+        EXPECT_TRUE(Copy());
+        EXPECT_EQ(folder.Read("target"), "new");
+        EXPECT_TRUE(Create(Creation::CreateAlways));
+        EXPECT_EQ(folder.Read("target"), "");
+        const DWORD kept = GetFileAttributesW(Wide("target").c_str());
+        EXPECT_EQ(kept & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM), attributes);
     }
     EXPECT_THAT(waits, IsEmpty());
 }
@@ -87,9 +188,9 @@ TEST_F(WindowsFilesTests, AReadOnlyFileIsCopiedAsOne) {
 
 TEST_F(WindowsFilesTests, ACopyWithoutRoomLeavesTheTarget) {
     ULARGE_INTEGER available;
-    ASSERT_TRUE(GetDiskFreeSpaceExA(folder.Path().c_str(), &available, nullptr, nullptr));
+    ASSERT_TRUE(GetDiskFreeSpaceExW(Wide("").c_str(), &available, nullptr, nullptr));
     const HANDLE file =
-        CreateFileA(folder.Path("source").c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        CreateFileW(Wide("source").c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     LARGE_INTEGER size;
     size.QuadPart = static_cast<LONGLONG>(available.QuadPart + (1ULL << 30));
     const bool larger = SetFilePointerEx(file, size, nullptr, FILE_BEGIN) && SetEndOfFile(file);
@@ -115,14 +216,32 @@ TEST_F(WindowsFilesTests, KnowsThePathsOfOtherMachines) {
     for (const auto& [path, network] : rows) EXPECT_EQ(Services().NetworkFile(path), network) << path;
 }
 
-TEST_F(WindowsFilesTests, PathsAreBytesOfTheCodePage) {
+TEST(WindowsPathsTests, AreWideAndLong) {
+    const std::string deep = "folder\\" + std::string(250, 'n'), deeper = deep + '\\' + deep;
+    const std::wstring wide(deeper.begin(), deeper.end());
+    const std::tuple<const char*, std::string, std::wstring> rows[] = {
+        {"short", R"(C:\plan.zo)", LR"(C:\plan.zo)"},
+        {"relative", "plan.zo", L"plan.zo"},
+        {"of other characters", "\u03A3/\u8A2D", L"\u03A3/\u8A2D"},
+        {"long", "C:/x/../" + deeper, LR"(\\?\C:\)" + wide},
+        {"long and relative", deeper, LR"(\\?\)" + FullPath(wide.c_str())},
+        {"long, on a server", R"(\\server\share\)" + deeper, LR"(\\?\UNC\server\share\)" + wide},
+        {"long and verbatim", R"(\\?\C:\)" + deeper, LR"(\\?\C:\)" + wide},
+        {"a name too long", "C:/" + std::string(256, 'n'), L""},
+        {"not UTF-8", "a\xE7", L""},
+    };
+    for (const auto& [name, given, taken] : rows) {
+        const SystemPath path(given.c_str());
+        EXPECT_EQ(path ? path.c_str() : L"", taken) << name;
+        EXPECT_TRUE(path || LastError() == ErrorInvalidName) << name;
+    }
+}
+
+TEST(WindowsPathsTests, ComeFromTheCodePage) {
     if (GetACP() != 1252) GTEST_SKIP() << "another code page";
-    const std::string path = folder.Path() + "\\a\xE7\xE3o.zo";
-    const FileHandle file =
-        Current().OpenFile(path.c_str(), Access::ReadWrite, Share::Read, Creation::CreateAlways);
-    ASSERT_NE(file, nullptr);
-    Current().CloseFile(file);
-    EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(folder.Path()) / L"a\u00E7\u00E3o.zo"));
+    const ZoPrimitives::TZoPath text("a\xE7\xE3o"), path(std::filesystem::path(L"a\u00E7\u00E3o \u03A3"));
+    EXPECT_STREQ(text.Utf8().c_str(), "a\u00E7\u00E3o");
+    EXPECT_STREQ(path.Text().c_str(), "a\xE7\xE3o ?") << "not a similar character, which names another file";
 }
 
 TEST_F(WindowsFilesTests, OthersMayReadWhatIsBeingWrittenAndNothingElse) {
@@ -135,7 +254,7 @@ TEST_F(WindowsFilesTests, OthersMayReadWhatIsBeingWrittenAndNothingElse) {
         {DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, false},
     };
     for (const auto& [access, share, opens] : rows) {
-        held = CreateFileA(folder.Path("target").c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+        Hold(Wide("target"), share, access);
         EXPECT_EQ(held != INVALID_HANDLE_VALUE, opens) << access << ' ' << share;
         Release();
     }

@@ -2,6 +2,7 @@
 
 #include "Persistence/text/TextCodes.h"
 #include "Persistence/text/TextLevel.h"
+#include "Persistence/text/TextLosses.h"
 #include "Platform/Platform.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/NumberText.h"
@@ -156,6 +157,8 @@ ZoStreamableBase* InputStreamer::CreateObject(const ZoString& className) {
         }
     }
     SkipObject();
+    Losses().AddUnknownClass(className);
+    RefuseFault(strictClasses);
     return nullptr;
 }
 
@@ -169,6 +172,19 @@ void InputStreamer::SkipObject() {
     } catch (const XStream&) {
         // The next read operation meets the rest.
     }
+}
+
+// What is lost
+
+TextLosses& InputStreamer::Losses() {
+    if (losses == nullptr) losses = std::make_unique<TextLosses>();
+    return *losses;
+}
+
+TZoReadReport InputStreamer::Report() const { return losses != nullptr ? losses->Report() : TZoReadReport(); }
+
+void InputStreamer::RefuseFault(unsigned fault) const {
+    if ((strict & fault) != 0) throw XRefusedData(Report(), "InputStreamer::Read");
 }
 
 // Handles

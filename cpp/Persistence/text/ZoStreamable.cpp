@@ -2,6 +2,7 @@
 
 #include "Persistence/text/TextCodes.h"
 #include "Persistence/text/TextLevel.h"
+#include "Persistence/text/TextLosses.h"
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 
@@ -19,9 +20,14 @@ void ZoStreamableBase::Read(InputStreamer& streamer) {
     int code = 0;
     for (streamer >> code; code != TextCodes::OBJECT && code != TextCodes::END; streamer >> code) {
         try {
-            if (!ReadData(code, streamer)) streamer.SkipValue();
+            if (ReadData(code, streamer)) continue;
+            streamer.SkipValue();
+            streamer.Losses().AddUnknownCode(*this, code);
+            streamer.RefuseFault(strictFields);
         } catch (const XInvalidHandle&) {
-            // Drop the value.
+            // The value is dropped.
+            streamer.Losses().AddLostReference(*this, code);
+            streamer.RefuseFault(strictReferences);
         }
     }
 }

@@ -3,14 +3,18 @@
 #include "ZoPrimitives/IList.h"
 #include "ZoPrimitives/InputStream.h"
 #include "ZoPrimitives/StreamableFactory.h"
+#include "ZoPrimitives/ZoReadReport.h"
 #include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/dvector.h"
 #include "ZoPrimitives/pointer.h"
 
 #include <map>
+#include <memory>
 #include <set>
 
 namespace ZoPrimitives {
+
+class TextLosses;
 
 /// Whether the whole text is an `int`: an optional sign and digits, in range.
 ZO_API bool ValidInteger(const ZoString& text);
@@ -89,6 +93,14 @@ public:
     /// streamer deletes none of them afterwards.
     void HandOver();
 
+    /// What was read over so far: objects of classes that no factory knows (their own objects are not told),
+    /// codes that a class does not know as fields whose names are the codes, and references to objects that
+    /// the text does not hold, or holds later.
+    TZoReadReport Report() const;
+    /// `TZoStrictness` bits: where one of these faults is met, reading ends in `XRefusedData`, whose report
+    /// ends with it.
+    void SetStrict(unsigned faults) { strict = faults; }
+
     /// A setting of the applications' readers, 0 by default; the library does not use it.
     int GetUnidadePadraoDiametros() const { return unidadePadraoDiametros; }
     void SetUnidadePadraoDiametros(int unidade) { unidadePadraoDiametros = unidade; }
@@ -115,7 +127,10 @@ protected:
 
 private:
     friend class TextLevel;
+    friend class ZoStreamableBase;
     InputStream& Source();
+    TextLosses& Losses();
+    void RefuseFault(unsigned fault) const;
     void ReleaseMade();
 
     pointer<InputStream> stream;
@@ -124,6 +139,8 @@ private:
     int unidadePadraoDiametros = 0;
     TDVector<ZoStreamableBase*> created;       // each held once
     std::set<const ZoStreamableBase*> members; // each held once and never released
+    std::unique_ptr<TextLosses> losses;        // null: none
+    unsigned strict = strictNothing;
     const ZoStreamableBase* innermost = nullptr;
     int depth = 0;
 };

@@ -262,27 +262,40 @@ TEST(TextStreamerTests, NestAsDeepAsIsStated) {
 
 TEST(InputStreamerTests, ReadsAnObjectsData) {
     using Text = const char*;
-    const std::tuple<Text, Text, int, Text, Text, Text> rows[] = {
-        // number, text, failure, what is left
-        {"ended by 7", "10|4|11|x|7|rest|", 4, "x", "", "rest|"},
-        {"unknown codes", "99|10|98|0|-1|7|10|4|97||7|rest|", 4, "", "", "rest|"},
-        {"a text for a code", "x|rest|", 0, "", "", "rest|"},
-        {"a reference to nothing", "20|5|77|10|4|7|rest|", 4, "", "", "rest|"},
-        {"a reference to itself", "3|9|20|5|9|10|4|7|rest|", 4, "", "", "rest|"},
-        {"a reference that is none", "20|5|x|10|4|7|", 0, "", "invalid conversion", "10|4|7|"},
-        {"a section's end", "20|5|ENDSEC|10|4|7|", 0, "", "end of section", "10|4|7|"},
-        {"null", "20|0|NULL|10|4|7|", 4, "", "", ""},
-        {"an object of no known class", "20|0|class X|10|7|11|x|7|10|4|7|", 4, "", "", ""},
-        {"an object", "20|0|class Item|3|6|10|1|7|10|4|7|", 4, "", "", ""},
-        {"no end", "10|4|", 4, "", "End-of-file @ ", ""},
+    const std::tuple<Text, Text, int, Text, Text, Text, unsigned> rows[] = {
+        // number, text, failure, what is left, what is told
+        {"ended by 7", "10|4|11|x|7|rest|", 4, "x", "", "rest|", strictNothing},
+        {"unknown codes", "99|10|98|0|-1|7|10|4|97||7|rest|", 4, "", "", "rest|", strictFields},
+        {"a text for a code", "x|rest|", 0, "", "", "rest|", strictNothing},
+        {"a reference to nothing", "20|5|77|10|4|7|rest|", 4, "", "", "rest|", strictReferences},
+        {"a reference to itself", "3|9|20|5|9|10|4|7|rest|", 4, "", "", "rest|", strictNothing},
+        {"a reference that is none", "20|5|x|10|4|7|", 0, "", "invalid conversion", "10|4|7|", strictNothing},
+        {"a section's end", "20|5|ENDSEC|10|4|7|", 0, "", "end of section", "10|4|7|", strictNothing},
+        {"null", "20|0|NULL|10|4|7|", 4, "", "", "", strictNothing},
+        {"an object of no known class", "20|0|class X|10|7|11|x|7|10|4|7|", 4, "", "", "", strictClasses},
+        {"an object", "20|0|class Item|3|6|10|1|7|10|4|7|", 4, "", "", "", strictNothing},
+        {"no end", "10|4|", 4, "", "End-of-file @ ", "", strictNothing},
     };
-    for (const auto& [name, tokens, number, text, thrown, rest] : rows) {
+    for (const auto& [name, tokens, number, text, thrown, rest, told] : rows) {
         Source source(tokens);
         Item item;
         EXPECT_EQ(Thrown([&] { item.Read(*source); }), thrown) << name;
         EXPECT_TRUE(item.number == number && item.text == text) << name;
         EXPECT_EQ(source.Rest(), rest) << name;
+        EXPECT_EQ(source->Report().Faults(), told) << name;
+        if (told == strictNothing) continue;
+        Source refused(tokens);
+        refused->SetStrict(told);
+        EXPECT_THROW(item.Read(*refused), XRefusedData) << name;
     }
+    Source source("98|a|20|0|class X|7|20|5|77|98|b|0|");
+    Item item;
+    item.Read(*source);
+    const TZoReadReport report = source->Report();
+    EXPECT_EQ(report.lostClasses, (TDVector<TZoReadReport::LostClass>{{"X", false, "", 0, 1}}));
+    EXPECT_EQ(report.fields, (TDVector<TZoReadReport::Field>{{"Item", "98", TFieldFault::NotInClass, 0, 0}}));
+    EXPECT_EQ(report.references,
+              (TDVector<TZoReadReport::Reference>{{"Item", "20", TReferenceLoss::Missing, 1}}));
 }
 
 TEST(InputStreamerTests, KnowsWhatClosesASection) {

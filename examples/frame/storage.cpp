@@ -61,6 +61,11 @@ Failure Damaged(const Source& source, const std::string& why) {
         throw Failure(source.name + " was saved by a newer version of this program: update the program to " +
                       "open it.");
     }
+    if (const auto* refused = dynamic_cast<const XRefusedData*>(&error)) {
+        std::string found = ZoToUtf8(refused->Report().Text());
+        found.pop_back(); // the last line's end
+        throw Failure(source.name + " is damaged: " + source.remedy + ".\n" + found);
+    }
     const std::string location = error.Location().c_str();
     if (location == "TFileBinInStream::OpenFile") {
         throw Failure(
@@ -81,8 +86,7 @@ void CheckFile(const std::string& path) {
 }
 
 Model ModelOf(const TZoOpened<Building>& opened, const Source& source) {
-    // The fields of older versions are converted when they are offered.
-    if ((opened.Report().Faults() & ~strictFields) != 0)
+    if (opened.Report().Faults() != strictNothing)
         std::cerr << "frame: of " << source.name << ":\n" << ZoToUtf8(opened.Report().Text());
     const ZoString fault = opened->FindFault();
     if (!fault.IsNull()) throw Damaged(source, ZoToUtf8(fault));

@@ -81,6 +81,10 @@ TZoClassField* TBinInStream::GetFirstExcludedField() {
     return first->field;
 }
 
+void TBinInStream::AddAwaited(int wanted, std::unique_ptr<ZoStreamableBaseFunctor> action) {
+    instances->awaited.Add(wanted, std::move(action));
+}
+
 void TBinInStream::ClearExcludedFields() { instances->excluded.Clear(); }
 
 void TBinInStream::ReserveInstances() {

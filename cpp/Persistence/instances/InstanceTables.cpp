@@ -17,6 +17,11 @@ void ExcludedFields::Remove(TZoClassField* field) {
     }
 }
 
+void AwaitedObjects::Call(const TBinInStream& stream) {
+    for (std::size_t i = 0; i < entries.size(); ++i) (*entries[i].action)(stream.GetHandle(entries[i].uid));
+    Clear();
+}
+
 void InstanceTables::Add(ZoStreamableBase* object, int uid) {
     if (!uids.empty() && uids.back() > uid) uidsRise = false;
     uids.push_back(uid);
@@ -50,6 +55,7 @@ void InstanceTables::Reserve(std::size_t count) {
 
 void InstanceTables::EndReading() noexcept {
     excluded.Clear();
+    awaited.Clear();
     handles.Clear();
     unresolved.Clear();
 }
@@ -58,6 +64,8 @@ void InstanceTables::Forget() noexcept {
     objects.RemoveAll();
     uids.clear();
     uidsRise = true;
+    takenFields.clear();
+    passedUids.clear();
     EndReading();
 }
 

@@ -4,9 +4,13 @@
 #include "Persistence/instances/UidTable.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/dvector.h"
 
 #include <cstddef>
+#include <memory>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -32,6 +36,24 @@ public:
 private:
     std::vector<Entry> entries;
     std::size_t first = 0; // entries before it were removed
+};
+
+/// What is to be done once the objects of some uids are there.
+class AwaitedObjects {
+public:
+    void Add(int uid, std::unique_ptr<ZoStreamableBaseFunctor> action) {
+        entries.push_back({uid, std::move(action)});
+    }
+    /// Calls all in the order in which they were added.
+    void Call(const TBinInStream& stream);
+    void Clear() noexcept { entries.clear(); }
+
+private:
+    struct Entry {
+        int uid;
+        std::unique_ptr<ZoStreamableBaseFunctor> action;
+    };
+    std::vector<Entry> entries;
 };
 
 /// The objects that an input stream has read, with its look-up tables.
@@ -66,6 +88,10 @@ public:
     UidTable handles;
     TBinUnresolvedPointers unresolved;
     ExcludedFields excluded; // of the current record
+    std::unordered_set<const TZoClassField*>
+        takenFields;             // excluded ones whose values an object took after all
+    std::vector<int> passedUids; // in the excluded fields of all records; 0 too
+    AwaitedObjects awaited;
     LostReferences lost;
 
 private:

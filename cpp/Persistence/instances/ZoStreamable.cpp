@@ -1,6 +1,7 @@
 #include "ZoPrimitives/ZoStreamable.h"
 
 #include "Persistence/instances/ClassNames.h"
+#include "Persistence/instances/InstanceTables.h"
 #include "Platform/Platform.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/WholeText.h"
@@ -51,7 +52,9 @@ void ZoStreamableBase::HandleExcludedField(TZoClassField*, TBinInStream*) {}
 
 void ZoStreamableBase::CheckForExcludedFields(TBinInStream* stream) {
     while (TZoClassField* field = stream->GetFirstExcludedField()) {
+        const unsigned begin = stream->GetRecordPosition();
         HandleExcludedField(field, stream);
+        if (stream->GetRecordPosition() != begin) InstanceTables::Of(*stream).takenFields.insert(field);
         stream->RemoveExcludedField(field);
     }
 }

@@ -17,6 +17,8 @@
 #include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 #include <algorithm>
 #include <map>
@@ -113,6 +115,9 @@ ZoStreamableBase* TBinInStreamer::ReadObjects() {
 }
 
 void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
+    ZO_ASSERT(stream->HasHeader() || !stream->GetsDirectly(),
+              "stream->HasHeader() && \"[zoerror] call Initialize of the stream before reading\"",
+              ZoSources::BIN_IN_STREAMER);
     int uid = 0;
     int classId = 0;
     if (!stream->LoadRecord(&uid, &classId)) Throw("Metadado corrompido", noRecord);
@@ -120,6 +125,7 @@ void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
     uses = std::make_unique<Uses>(fileSchema);
     unknown.RemoveAll();
     rootUid = 0;
+    wrongDigest = false;
     removed.RemoveAll();
     stream->ForgetInstances();
 }
@@ -138,6 +144,20 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
     }
     const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::Waiting,
                               !IsOverridden() ? &made.awaited : nullptr);
+    try {
+        ReadAllRecords(classIds, reader, made);
+    } catch (const XWrongDigest&) {
+        if ((strict & strictDamage) == 0 && !acceptsDamage) throw;
+        wrongDigest = true;
+    }
+    made.HandOver();
+    Resolve(made);
+    Validate(made);
+}
+
+/// Throws `XWrongDigest` when all are read.
+void TBinInStreamer::ReadAllRecords(const std::vector<int>* classIds, const ObjectReader& reader,
+                                    MadeObjects& made) {
     ProgressMeter meter(progress, "TBinInStreamer::ReadObjects");
     const auto where = [this] {
         std::pair<unsigned long long, unsigned long long> doneAndAll;
@@ -159,9 +179,6 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
             meter.Step(where);
         }
     }
-    made.HandOver();
-    Resolve(made);
-    Validate(made);
 }
 
 TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
@@ -262,6 +279,7 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
         ObjectReader::Resolve(*entries[i].fileClass, resolver, entries[i].object);
         if (IsOverridden()) OnAfterResolveInstance(entries[i].object);
     }
+    InstanceTables::Of(*stream).awaited.Call(*stream);
     InstanceTables::Of(*stream).EndReading();
 }
 
@@ -342,6 +360,7 @@ TZoReadReport TBinInStreamer::Report() const {
         }
     }
     report.removed = removed;
+    report.wrongDigest = wrongDigest;
     return report;
 }
 

@@ -2,7 +2,6 @@
 
 #include "Persistence/instances/ClassNames.h"
 #include "Persistence/instances/HandleAccess.h"
-#include "Persistence/instances/ItemAction.h"
 #include "Persistence/records/ProgressMeter.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
@@ -65,7 +64,7 @@ void GraphWalk::Run(ZoStreamableBase* root, TZoClass* rootClass) {
 }
 
 void GraphWalk::Finish() {
-    ItemAction collect([this](ZoStreamableBase* item) {
+    ZoItemAction collect([this](ZoStreamableBase* item) {
         if (item != nullptr && knownExternals.insert(item).second) externals.Add(item);
     });
     while (!frames.empty()) {
@@ -107,7 +106,7 @@ void GraphWalk::BeginSeries(TZoClass* objectClass) {
 
 void GraphWalk::PushTargets(ZoStreamableBase* object, WritePlan& plan) {
     const std::size_t begin = waiting.size();
-    ItemAction push([this](ZoStreamableBase* item) {
+    ZoItemAction push([this](ZoStreamableBase* item) {
         if (item != nullptr) waiting.push_back({item, nullptr});
     });
     for (WritePlan::Target& target : plan.targets) {

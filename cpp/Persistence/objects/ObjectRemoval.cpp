@@ -1,7 +1,6 @@
 #include "Persistence/objects/ObjectRemoval.h"
 
 #include "Persistence/instances/InstanceTables.h"
-#include "Persistence/instances/ItemAction.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/ZoMetaData.h"
 
@@ -50,7 +49,7 @@ void ObjectRemoval::KeepWhatOthersOwn() {
     for (ZoStreamableBase* object : all) {
         if (unreachable.count(object) == 0) staying.Add(object);
     }
-    ItemAction keep([&](ZoStreamableBase* item) {
+    ZoItemAction keep([&](ZoStreamableBase* item) {
         if (item != nullptr && doomed.count(item) == 0 && unreachable.erase(item) != 0) staying.Add(item);
     });
     Set members;

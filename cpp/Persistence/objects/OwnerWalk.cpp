@@ -1,7 +1,6 @@
 #include "Persistence/objects/OwnerWalk.h"
 
 #include "Persistence/instances/ClassNames.h"
-#include "Persistence/instances/ItemAction.h"
 #include "Persistence/schema/FieldKinds.h"
 #include "ZoPrimitives/ZoAssert.h"
 #include "ZoPrimitives/ZoSources.h"
@@ -124,7 +123,7 @@ void OwnerWalk::Ask(Frame& frame) {
     if (target.externalsOf != nullptr) {
         if (mode != Mode::ByHand) CollectExternals(*target.externalsOf, frame.object);
     } else {
-        ItemAction append([this](ZoStreamableBase* item) { items.push_back(item); });
+        ZoItemAction append([this](ZoStreamableBase* item) { items.push_back(item); });
         target.field->GetFieldMetaData(frame.object, append);
         if (!target.field->IsPlain()) ++changes;
     }
@@ -139,7 +138,7 @@ bool OwnerWalk::StillHolds(const Frame& frame) const {
 }
 
 void OwnerWalk::CollectExternals(const TZoClass& level, ZoStreamableBase* object) {
-    ItemAction collect([this](ZoStreamableBase* item) {
+    ZoItemAction collect([this](ZoStreamableBase* item) {
         if (item != nullptr && knownExternals.insert(item).second) externals.push_back({item, Hold(item)});
     });
     ForEachExternal(level, object, collect);

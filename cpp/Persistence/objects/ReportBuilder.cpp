@@ -15,7 +15,7 @@ ReportBuilder::ReportBuilder(const TBinInStream& stream, TZoMetaData& file, bool
     report.partial = partial;
     report.passedOver = stream.GetPassedOver();
     CountRecords(stream, file);
-    CompareFields(file);
+    CompareFields(file, InstanceTables::Of(stream).takenFields);
     TakeReferences(stream);
 }
 
@@ -29,7 +29,7 @@ void ReportBuilder::CountRecords(const TBinInStream& stream, const TZoMetaData& 
     if (!report.partial) report.expected = stream.GetNInstances();
 }
 
-void ReportBuilder::CompareFields(TZoMetaData& file) {
+void ReportBuilder::CompareFields(TZoMetaData& file, const std::unordered_set<const TZoClassField*>& taken) {
     std::unordered_set<const TZoClass*> described;
     for (int i = 1; i <= file.GetClassCount(); ++i) described.insert(file.GetClass(i)->GetOriginal());
     std::unordered_set<const TZoClass*> absent;
@@ -38,7 +38,7 @@ void ReportBuilder::CompareFields(TZoMetaData& file) {
         TZoClass* original = fileClass.GetOriginal();
         if (original == nullptr) continue;
         for (const TZoClassField* field : RecordOrder::FieldsOf(fileClass)) {
-            if (field->GetOriginal() != nullptr) continue;
+            if (field->GetOriginal() != nullptr || taken.count(field) != 0) continue;
             const TZoClassField* other = original->FindField(field->GetFieldName());
             if (other == nullptr) other = original->FindFormerField(field->GetFieldName());
             report.fields.Add({fileClass.GetName(), field->GetFieldName(),

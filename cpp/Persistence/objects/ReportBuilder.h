@@ -2,10 +2,13 @@
 
 #include "ZoPrimitives/ZoReadReport.h"
 
+#include <unordered_set>
+
 namespace ZoPrimitives {
 
 class TBinInStream;
 class TZoClass;
+class TZoClassField;
 class TZoMetaData;
 
 /// Puts together what a reading's stream and schemas know of it.
@@ -18,7 +21,7 @@ public:
 
 private:
     void CountRecords(const TBinInStream& stream, const TZoMetaData& file);
-    void CompareFields(TZoMetaData& file);
+    void CompareFields(TZoMetaData& file, const std::unordered_set<const TZoClassField*>& taken);
     void AddAbsent(TZoClass& fileClass, const TZoClass& level);
     void TakeReferences(const TBinInStream& stream);
 };

@@ -1,6 +1,5 @@
 #include "Persistence/objects/UsedClasses.h"
 
-#include "Persistence/instances/ItemAction.h"
 #include "Persistence/schema/RecordOrder.h"
 
 #include <unordered_set>
@@ -42,7 +41,9 @@ void UsedClasses::Use(const TZoClass* usedClass) {
 
 void UsedClasses::Gather(TZoClassFieldPointerBase& field, ZoStreamableBase* object) {
     targets.clear();
-    auto gather = ZoPrimitives::Gather(targets);
+    ZoItemAction gather([this](ZoStreamableBase* item) {
+        if (item != nullptr) targets.push_back(item);
+    });
     field.GetFieldMetaData(object, gather);
 }
 

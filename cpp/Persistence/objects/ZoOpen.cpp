@@ -1,7 +1,7 @@
 #include "ZoPrimitives/ZoOpen.h"
 
 #include "Persistence/instances/ClassNames.h"
-#include "Persistence/instances/ItemAction.h"
+#include "Persistence/instances/InstanceTables.h"
 #include "Persistence/objects/GraphWalk.h"
 #include "Persistence/records/NamingFile.h"
 #include "Persistence/schema/RecordOrder.h"
@@ -26,11 +26,11 @@ void LeaveUnowned(std::unordered_set<const ZoStreamableBase*>& candidates,
                   const TDVector<ZoStreamableBase*>& objects, TZoMetaData* schema) {
     TDVector<ZoStreamableBase*> owners = objects;
     std::unordered_set<const ZoStreamableBase*> known(objects.begin(), objects.end());
-    ItemAction own([&](ZoStreamableBase* item) {
+    ZoItemAction own([&](ZoStreamableBase* item) {
         candidates.erase(item);
         if (item != nullptr && known.insert(item).second) owners.Add(item);
     });
-    ItemAction name([&](ZoStreamableBase* item) { candidates.erase(item); });
+    ZoItemAction name([&](ZoStreamableBase* item) { candidates.erase(item); });
     for (unsigned long long i = 1; i <= owners.NItems() && !candidates.empty(); ++i) {
         TZoClass* ownerClass = owners[i]->GetOriginalClass(schema);
         if (ownerClass == nullptr) continue;
@@ -52,6 +52,7 @@ public:
         : stream(openStream), schema(applicationSchema), rootType(wantedType), how(options),
           streamer(&stream, schema) {
         streamer.SetProgress(how.progress);
+        streamer.acceptsDamage = true; // until the report is looked at
     }
 
     TDVector<ZoStreamableBase*> Run(TZoOpenedObjects& opened) {
@@ -80,23 +81,29 @@ private:
         if (first == nullptr)
             ThrowInvalid(TTranslatedString("O objeto principal do arquivo não pôde ser lido"_ansi).Text());
         roots.Add(first);
-        // What had a dropped owner cannot be told from a root.
-        if (how.severalRoots || streamer.GetDropped() == 0) AddFurtherRoots(first);
+        // What belonged to an object that was dropped, or read as an ancestor's, cannot be told from a root.
+        const bool whole = streamer.GetDropped() == 0 && streamer.unknown.NItems() == 0;
+        if (how.severalRoots || whole) AddFurtherRoots(first, whole);
         if (roots.NItems() != 1 && !how.severalRoots)
             ThrowInvalid(TTranslatedString("O arquivo contém mais de um objeto principal"_ansi).Text());
         for (const ZoStreamableBase* root : roots) CheckType(*root);
     }
 
     /// Most objects are held by their owners' `pointer`s: only the others are looked for.
-    void AddFurtherRoots(const ZoStreamableBase* first) {
+    void AddFurtherRoots(const ZoStreamableBase* first, bool ofAnyType) {
         std::unordered_set<const ZoStreamableBase*> candidates;
         for (const ZoStreamableBase* object : stream.Objects()) {
             if (ZoReferenceCount::Count(object) == 0 && object != first) candidates.insert(object);
         }
+        // What a field owns or refers to that the application's class does not have is no root.
+        for (const int uid : InstanceTables::Of(stream).passedUids) {
+            if (candidates.empty()) return;
+            candidates.erase(stream.GetInstance(uid));
+        }
         if (candidates.empty()) return;
         LeaveUnowned(candidates, stream.Objects(), schema);
         for (ZoStreamableBase* object : stream.Objects()) {
-            if (candidates.count(object) != 0) roots.Add(object);
+            if (candidates.count(object) != 0 && (ofAnyType || rootType.test(object))) roots.Add(object);
         }
     }
 
@@ -127,7 +134,7 @@ TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRoo
                                           const TZoPath& path, TZoMetaData* schema, const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TFileBinInStream file(path, how.reading, how.version);
-    file.SetChecksDigest((how.strict & strictDamage) != 0);
+    file.SetChecksDigest(true);
     file.Initialize();
     return Opening(file, schema, rootType, how).Run(opened);
 }
@@ -137,7 +144,7 @@ TDVector<ZoStreamableBase*> ZoOpenObjects(TZoOpenedObjects& opened, const TZoRoo
                                           const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TMemoryBinInStream memory(block, size, how.version);
-    memory.SetChecksDigest((how.strict & strictDamage) != 0);
+    memory.SetChecksDigest(true);
     memory.Initialize();
     return Opening(memory, schema, rootType, how).Run(opened);
 }
@@ -146,7 +153,7 @@ TDVector<ZoStreamableBase*> ZoOpenClipboardObjects(TZoOpenedObjects& opened, con
                                                    TZoMetaData* schema, const TZoOpening& how) {
     schema->CheckChangesOrThrow();
     TClipboardBinInStream clipboard(how.version);
-    clipboard.SetChecksDigest((how.strict & strictDamage) != 0);
+    clipboard.SetChecksDigest(true);
     clipboard.Initialize();
     return Opening(clipboard, schema, rootType, how).Run(opened);
 }

@@ -262,6 +262,7 @@ void TBinInStream::ReadUnnamedHeader(const char* location) {
         throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
                           "TBinInStream::LoadHeader", TStreamFailure::WrongFile);
     }
+    hasHeader = true;
     UseBuffer(0);
 }
 

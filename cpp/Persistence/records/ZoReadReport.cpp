@@ -144,7 +144,7 @@ XRefusedData::~XRefusedData() = default;
 
 unsigned TZoReadReport::Faults() const {
     unsigned faults = strictNothing;
-    if (passedOver.NItems() != 0 || read < expected) faults |= strictDamage;
+    if (wrongDigest || passedOver.NItems() != 0 || read < expected) faults |= strictDamage;
     if (lostClasses.NItems() != 0) faults |= strictClasses;
     if (removed.NItems() != 0) faults |= strictInvalid;
     for (const Field& field : fields) {
@@ -162,6 +162,9 @@ bool TZoReadReport::IsClean() const {
 
 ZoString TZoReadReport::Text() const {
     Lines lines;
+    if (wrongDigest)
+        lines.Add(
+            "O conteúdo não é o que foi salvo: registros faltam, sobram ou trocaram de lugar, classe ou número"_ansi);
     if (read < expected) lines.Add("Faltam %llu de %llu registros"_ansi, expected - read, expected);
     unsigned long long told = 0;
     for (const TZoPassedOver& stretch : passedOver) {
@@ -194,7 +197,8 @@ ZoString TZoReadReport::Text() const {
 ZoString TZoReadReport::Json() const {
     ZoPrimitives::Json json;
     json.Open('{').Key("expected").Number(expected).Key("read").Number(read);
-    json.Key("partial").Boolean(partial).Key("passedOver").Open('[');
+    json.Key("partial").Boolean(partial).Key("wrongDigest").Boolean(wrongDigest);
+    json.Key("passedOver").Open('[');
     for (const TZoPassedOver& stretch : passedOver) {
         json.Open('{').Key("offset").Number(stretch.offset).Key("size").Number(stretch.size);
         json.Key("records").Number(stretch.records).Close('}');

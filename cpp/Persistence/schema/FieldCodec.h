@@ -159,7 +159,11 @@ public:
         CheckBytes(take, sizeof(std::int32_t));
         int uid = 0;
         take(uid);
-        if (application != nullptr) InstanceTables::Of(take.stream).unresolved.LoadPointer(application, uid);
+        InstanceTables& tables = InstanceTables::Of(take.stream);
+        if (application != nullptr)
+            tables.unresolved.LoadPointer(application, uid);
+        else
+            tables.passedUids.push_back(uid);
     }
 
     template <class Source>
@@ -191,7 +195,8 @@ public:
         const bool hasSecond = application != nullptr && application->HasSecond();
         const ListHead head(take, hasFirst, hasSecond, sizeof(std::int32_t));
         if (application == nullptr) {
-            take.Skip(static_cast<unsigned>(head.count) * 4);
+            std::vector<int>& passed = InstanceTables::Of(take.stream).passedUids;
+            for (int i = 0; i < head.count; ++i) take(passed.emplace_back());
             return;
         }
         application->CreateList(object, head.count, head.first, head.second);

@@ -1,6 +1,5 @@
 #include "ZoPrimitives/ZoClassField.h"
 
-#include "Persistence/instances/ItemAction.h"
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/FieldKinds.h"
 #include "Persistence/schema/PointerResolver.h"
@@ -241,7 +240,7 @@ namespace {
 /// Copies all items of a list, null ones included, so that the list may change while they are walked.
 std::vector<ZoStreamableBase*> ItemsOf(TZoClassField& field, ZoStreamableBase* object) {
     std::vector<ZoStreamableBase*> items;
-    ItemAction append([&items](ZoStreamableBase* item) { items.push_back(item); });
+    ZoItemAction append([&items](ZoStreamableBase* item) { items.push_back(item); });
     field.GetFieldMetaData(object, append);
     return items;
 }

@@ -1,6 +1,5 @@
 #include "ZoPrimitives/ZoMetaData.h"
 
-#include "Persistence/instances/ItemAction.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Persistence/schema/ReadPlan.h"
 #include "Persistence/schema/RecordOrder.h"
@@ -415,7 +414,7 @@ bool TZoMetaData::LoadFromStream(TBinInStream* stream, TZoMetaData* application)
 
 void TZoMetaData::FillObjectsCascade(TDVector<ZoStreamableBase*>* objects) {
     std::unordered_set<const ZoStreamableBase*> known(objects->begin(), objects->end());
-    ItemAction owned([&](ZoStreamableBase* item) {
+    ZoItemAction owned([&](ZoStreamableBase* item) {
         if (item != nullptr && known.insert(item).second) objects->Add(item);
     });
     for (unsigned long long i = 1; i <= objects->NItems(); ++i) {

@@ -4,6 +4,7 @@
 #include "ZoPrimitives/IVector.h"
 #include "ZoPrimitives/ZoObject.h"
 #include "ZoPrimitives/ZoReadReport.h"
+#include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/dvector.h"
 
@@ -20,7 +21,6 @@ class InstanceTables;
 class RecordFilter;
 struct TBinUnresolved;
 class ZoBlob;
-class ZoStreamableBase;
 class TZoClass;
 class TZoClassField;
 class TZoMetaData;
@@ -87,7 +87,8 @@ public:
     /// Before the header is read: whether the digest of the data, where there is one, is checked. At the end
     /// of the data `LoadRecord` and `LoadFilteredRecord` then throw `XWrongDigest` if a record is missing,
     /// comes twice or in another place, if the class, uid or key of one or the header has changed, or if
-    /// anything was skipped. False by default.
+    /// anything was skipped. False by default. A streamer that accepts no damage (`SetStrict`) throws
+    /// `XRefusedData` instead, whose report tells all that was found.
     void SetChecksDigest(bool checks) { checksDigest = checks; }
     bool GetChecksDigest() const { return checksDigest; }
 
@@ -103,6 +104,8 @@ public:
 
     unsigned GetVersion() const { return header.version; }
     unsigned GetRelease() const { return header.release; }
+    /// Whether a header was read: `Initialize` does it.
+    bool HasHeader() const { return hasHeader; }
     /// The record count that the header holds.
     unsigned GetNInstances() const { return header.recordCount; }
     /// The uid of the current record.
@@ -159,6 +162,14 @@ public:
     /// The first one left, with the stream positioned at its value; null when none is left.
     TZoClassField* GetFirstExcludedField();
     void ClearExcludedFields();
+    /// For `HandleExcludedField`, which meets only uids: has `action` called with the object of the uid, null
+    /// if there is none, when a streamer has read all objects and set their references. Objects that call
+    /// themselves invalid are removed afterwards. A reading that fails before does not call it.
+    template <class Callable>
+    void WhenRead(int uid, Callable action) {
+        AddAwaited(uid, std::make_unique<ZoItemAction<Callable>>(std::move(action)));
+    }
+    void AddAwaited(int uid, std::unique_ptr<ZoStreamableBaseFunctor> action);
 
     /// Reads a value of fixed size as `operator>>` does, without the virtual call.
     template <class T>
@@ -261,6 +272,7 @@ private:
     TBinHeader header;
     unsigned supportedVersion;
     bool ownsSource;
+    bool hasHeader = false;
 
     unsigned crc = 0;
     int classId = 0;

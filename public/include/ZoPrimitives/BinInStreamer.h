@@ -89,6 +89,7 @@ public:
     void RemoveInvalidObjects(TDList<ZoStreamableBase*>* invalid);
 
 private:
+    friend class Opening;
     friend class TFilteredBinInStreamer;
     struct Use;
     class Uses;
@@ -102,6 +103,7 @@ private:
     void LoadSchema(const char* noRecord, const char* noSchema);
     /// `classIds`, ascending: reads only the records of these classes; null: all records.
     void ReadRecords(const std::vector<int>* classIds);
+    void ReadAllRecords(const std::vector<int>* classIds, const ObjectReader& reader, MadeObjects& made);
     Use& UseOf(int classId);
     void Decide(Use& use);
     void Lose(Use& use, int uid);
@@ -129,6 +131,8 @@ private:
     Scope scope = Scope::AllClasses;                // what is read only in part may be incomplete
     int rootUid = 0;
     unsigned strict = strictNothing;
+    bool acceptsDamage = false; // a wrong digest too: the report tells of it
+    bool wrongDigest = false;
     TDVector<TZoReadReport::Removed> removed;
 };
 

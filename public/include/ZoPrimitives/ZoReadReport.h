@@ -115,6 +115,7 @@ public:
     unsigned long long expected = 0; ///< records, the schema's included, by the header; 0: not told
     unsigned long long read = 0;     ///< records, likewise
     bool partial = false;            ///< only some classes were asked for
+    bool wrongDigest = false;        ///< the digest was checked, and the data is not what was written
     TDVector<TZoPassedOver> passedOver;
     TDVector<LostClass> lostClasses;
     TDVector<Field> fields;

@@ -29,6 +29,8 @@ inline constexpr const char* UNIT_TEXT = "cpp/ZoPrimitives/UnitText";
 inline constexpr const char* ZOSTRING = "cpp/ZoPrimitives/ZoString";
 
 inline constexpr const char* BIN_OUT_STREAM = "cpp/Persistence/BinOutStream";
+inline constexpr const char* BIN_IN_STREAMER = "cpp/Persistence/BinInStreamer";
+inline constexpr const char* BIN_OUT_STREAMER = "cpp/Persistence/BinOutStreamer";
 inline constexpr const char* CLIPBOARD_BIN_OUT_STREAM = "cpp/Persistence/ClipboardBinOutStream";
 inline constexpr const char* CLIPBOARD_OUTPUT_STREAM = "cpp/Persistence/ClipboardOutputStream";
 inline constexpr const char* CONVERTION_HELPER = "cpp/Persistence/ConvertionHelper";

@@ -4,6 +4,7 @@
 #include "ZoPrimitives/ZoString.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -65,7 +66,8 @@ public:
     /// the target's uid in the file.
     virtual void OnReadPointer(TZoClassField* field, ZoStreamableBase* target, unsigned uid);
     /// Called for each field that the file has and the class lacks, with the stream at the field's value,
-    /// which `operator>>` may read. `field` is the file's and gives name and kind.
+    /// which `operator>>` may read: the report then takes it for read. `field` is the file's and gives name
+    /// and kind. See docs/evolution.md.
     virtual void HandleExcludedField(TZoClassField* field, TBinInStream* stream);
     /// Passes every excluded field of the record just read to `HandleExcludedField`.
     virtual void CheckForExcludedFields(TBinInStream* stream);
@@ -115,6 +117,17 @@ class ZO_API ZoStreamableBaseFunctor {
 public:
     virtual ~ZoStreamableBaseFunctor();
     virtual void operator()(ZoStreamableBase* item) = 0;
+};
+
+/// A functor that passes each item, null or not, to a callable that takes a `ZoStreamableBase*`.
+template <class Callable>
+class ZoItemAction final : public ZoStreamableBaseFunctor {
+public:
+    explicit ZoItemAction(Callable callable) : call(std::move(callable)) {}
+    void operator()(ZoStreamableBase* item) override { call(item); }
+
+private:
+    Callable call;
 };
 
 } // namespace ZoPrimitives

@@ -1,6 +1,5 @@
 #include "support/EveryKind.h"
 
-#include "Persistence/instances/ItemAction.h"
 #include "ZoPrimitives/FilteredBinInStreamer.h"
 
 #include <map>
@@ -141,7 +140,7 @@ protected:
             all.Append(streamer.ChildsByValueOfInstance(all[i]));
         }
         std::ostringstream graph, targets;
-        ItemAction tell(
+        ZoItemAction tell(
             [&](ZoStreamableBase* item) { targets << ' ' << (item == nullptr ? 0 : places.at(item)); });
         for (ZoStreamableBase* object : all) {
             TZoClass* objectClass = object->GetOriginalClass(&schema);

@@ -167,8 +167,9 @@ TEST_F(ZoReadReportTests, OfAPartialReadingDoNotCallWhatWasNotReadLost) {
 
 TEST(ZoReadReportJsonTests, AreWholeAndQuoted) {
     TZoReadReport report;
-    EXPECT_EQ(Text(report.Json()), "{\"expected\":0,\"read\":0,\"partial\":false,\"passedOver\":[],"
-                                   "\"lostClasses\":[],\"fields\":[],\"references\":[],\"removed\":[]}");
+    EXPECT_EQ(Text(report.Json()),
+              "{\"expected\":0,\"read\":0,\"partial\":false,\"wrongDigest\":false,\"passedOver\":[],"
+              "\"lostClasses\":[],\"fields\":[],\"references\":[],\"removed\":[]}");
     report.expected = 9;
     report.read = 7;
     report.partial = true;
@@ -179,7 +180,8 @@ TEST(ZoReadReportJsonTests, AreWholeAndQuoted) {
     report.removed.Add({"D", 1, 4});
     EXPECT_EQ(
         Text(report.Json()),
-        "{\"expected\":9,\"read\":7,\"partial\":true,\"passedOver\":[{\"offset\":28,\"size\":5,\"records\":1}"
+        "{\"expected\":9,\"read\":7,\"partial\":true,\"wrongDigest\":false,\"passedOver\":[{\"offset\":28,"
+        "\"size\":5,\"records\":1}"
         ","
         "{\"offset\":99,\"size\":1,\"records\":0}],\"lostClasses\":[{\"name\":\"A\\\"\\\\\\u000a\xC3\xA7\","
         "\"known\":false,\"readAs\":\"B\",\"read\":1,\"lost\":2}],\"fields\":[{\"class\":\"C\",\"name\":"

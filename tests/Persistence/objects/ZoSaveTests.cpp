@@ -293,8 +293,7 @@ TEST(ZoSaveTests, OpensAllThatWasSavedOrNothing) {
     } cases[] = {
         {"good", good, ""},
         {"good, with a digest", digested, ""},
-        {"uid changed", changed(digested, digested.size() - rows[3].payload.size() - 8),
-         "Arquivo corrompido @ TBinInStream::CheckDigest"},
+        {"uid changed", changed(digested, digested.size() - rows[3].payload.size() - 8), "refused @ ZoOpen"},
         {"nothing", "", "No error @ TMemoryBinInStream::TMemoryBinInStream"},
         {"no header of this format", std::string(99, 'x'),
          "Header de arquivo inválido @ TBinInStream::LoadHeader"_ansi},
@@ -338,6 +337,9 @@ TEST(ZoSaveTests, OpensAllThatWasSavedOrNothing) {
               (TDVector<TZoPassedOver>{
                   {digested.size() - 24 - rows[3].payload.size(), 24 + rows[3].payload.size(), 1}}));
     EXPECT_TRUE(left->inner && !left->inner->inner);
+    EXPECT_TRUE(left.Report().wrongDigest);
+    EXPECT_THAT(Text(left.Report().Text()), testing::StartsWith("O conte\xFA"
+                                                                "do n\xE3o \xE9 o que foi salvo"));
 }
 
 /// A clock that goes on whenever it is read.

@@ -1,6 +1,5 @@
 #include "support/EveryKind.h"
 
-#include "Persistence/instances/ItemAction.h"
 #include "Persistence/schema/WritePlan.h"
 #include "ZoPrimitives/ZoStreamablePrimitives.h"
 
@@ -436,7 +435,7 @@ TEST(ZoRegisterTests, HandWrittenAccessorsServeTheListsIntegers) {
     EXPECT_EQ(read.lists[1][1], read.owned[4]);
     EXPECT_EQ(Save(schema, &read), file);
     std::vector<const ZoStreamableBase*> owned;
-    ItemAction note([&](ZoStreamableBase* item) { owned.push_back(item); });
+    ZoItemAction note([&](ZoStreamableBase* item) { owned.push_back(item); });
     first->FindField("map")->GetFieldMetaData(&read, note);
     EXPECT_EQ(owned, std::vector<const ZoStreamableBase*>{read.owned[4].get()}) << "not the key";
     read.created.clear();

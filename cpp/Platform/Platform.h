@@ -146,8 +146,7 @@ public:
 
     /// Shows an error box with an OK button, without owner and caption, and returns when it is closed; the
     /// calling thread's windows are disabled meanwhile. The text is Windows-1252.
-    /// Without a display (POSIX) it does nothing: applications there install an assertion functor of their
-    /// own.
+    /// POSIX: writes the text to standard error instead, where developers look.
     virtual void ShowMessageBox(const char* text);
 
     /// Milliseconds since the system started, modulo 2^32.

@@ -107,10 +107,12 @@ ZoString Explain(const XStream& failure) {
 }
 
 ZoString Explain(const XZoAssertFailed& failure) {
-    const char* what = *failure.Hint() != '\0' ? failure.Hint() : failure.Expression();
+    const char* said = *failure.Hint() != '\0' ? failure.Hint() : failure.Expression();
+    const ZoString what =
+        *failure.Advice() != '\0' ? WholeText({said, "; ", failure.Advice()}) : WholeText({said});
     return ZoString::FormatString(
-        Translated("Erro interno do programa: %s (%s, linha %d). Avise quem o fornece."_ansi).c_str(), what,
-        failure.File(), failure.Line());
+        Translated("Erro interno do programa: %s (%s, linha %d). Avise quem o fornece."_ansi).c_str(),
+        what.c_str(), failure.File(), failure.Line());
 }
 
 } // namespace

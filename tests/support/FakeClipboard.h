@@ -21,7 +21,7 @@ public:
     unsigned long openError = 0;      ///< why it cannot be opened
     unsigned long setError = 0;       ///< why it takes no data
     bool open = false;
-    std::string log; ///< 'o' opened, 'g' lent, 's' set, 'c' closed
+    std::string log; ///< 'o' opened, 'g' lent, 's' set, 'c' closed, 'b' a box shown
 
     bool OpenClipboard() override {
         if (openError != 0 || open) {
@@ -55,6 +55,7 @@ public:
         block = std::string(static_cast<const char*>(data), size);
         return true;
     }
+    void ShowMessageBox(const char*) override { log += 'b'; }
 
 private:
     std::string lent;

@@ -3,6 +3,8 @@
 #include "Persistence/objects/ObjectWriter.h"
 #include "Persistence/objects/SchemaWalk.h"
 #include "ZoPrimitives/BinOutStream.h"
+#include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoSources.h"
 
 namespace ZoPrimitives {
 
@@ -18,7 +20,15 @@ void* TBinOutStreamer::GetFile() const { return stream->GetFile(); }
 
 void TBinOutStreamer::SetFile(void* file) { stream->SetFile(file); }
 
+/// An application's own stream begins as it likes.
+void TBinOutStreamer::CheckBegun() const {
+    ZO_ASSERT(stream->HasBegun() || !stream->PutsDirectly(),
+              "stream->HasBegun() && \"[zoerror] call Initialize of the stream before writing\"",
+              ZoSources::BIN_OUT_STREAMER);
+}
+
 void TBinOutStreamer::WriteSchemaOf(const UsedClasses& classes) {
+    CheckBegun();
     // Not counted pointers: threads that save with one schema would share the counts.
     std::vector<TZoClass*> used;
     for (int i = 1; i <= schema->GetClassCount(); ++i) {
@@ -40,7 +50,10 @@ void TBinOutStreamer::WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots) {
     WriteSchemaOf(walk.Classes());
 }
 
-void TBinOutStreamer::WriteMetaData() { schema->SaveToStream(stream); }
+void TBinOutStreamer::WriteMetaData() {
+    CheckBegun();
+    schema->SaveToStream(stream);
+}
 
 void TBinOutStreamer::WriteObject(ZoStreamableBase* object) {
     TDList<ZoStreamableBase*> one;
@@ -49,6 +62,11 @@ void TBinOutStreamer::WriteObject(ZoStreamableBase* object) {
 }
 
 void TBinOutStreamer::WriteObjects(TDList<ZoStreamableBase*>* objects) {
+    // Whether an application's own stream counts records is its own affair.
+    ZO_ASSERT(stream->GetNInstances() != 0 || !stream->PutsDirectly(),
+              "stream->GetNInstances() != 0 && "
+              "\"[zoerror] no schema was written: call WriteObjectMetaData before WriteObject\"",
+              ZoSources::BIN_OUT_STREAMER);
     Write([&] { writer->WriteGraph(*stream, *objects, ObjectWriter::Schema::Written, expected); });
 }
 

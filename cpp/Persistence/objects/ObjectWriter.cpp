@@ -1,6 +1,7 @@
 #include "Persistence/objects/ObjectWriter.h"
 
 #include "Persistence/objects/OwnerWalk.h"
+#include "Persistence/objects/RecordSize.h"
 #include "Persistence/records/RecordCursors.h"
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/RecordOrder.h"
@@ -78,11 +79,16 @@ bool ObjectWriter::SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBa
                               TZoClass* objectClass) {
     const bool exact = objectClass->GetType() == &typeid(*object);
     WritePlan& plan = plans.Of(*objectClass);
-    if (exact) {
-        if (!plan.measured) plan.Measure(object);
-        PutRecord(stream, direct, plan, object);
-    } else {
-        PutRecord(stream, direct, *objectClass, object);
+    try {
+        if (exact) {
+            if (!plan.measured) plan.Measure(object);
+            PutRecord(stream, direct, plan, object);
+        } else {
+            PutRecord(stream, direct, *objectClass, object);
+        }
+    } catch (XZoAssertFailed& failure) {
+        AdviseOnSize(failure, stream, *objectClass, object);
+        throw;
     }
     Close(stream, object, *objectClass);
     streamer.OnAfterSaveInstance(object);
@@ -132,17 +138,24 @@ void ObjectWriter::SaveInOrder(TBinOutStream& stream, const GraphWalk& walk) {
     const ZoVector<ZoStreamableBase*>& order = walk.Order();
     const bool anySaved = saved.CountOf(stream) != 0;
     std::size_t i = 0;
-    for (const GraphWalk::Series& series : walk.OrderByClass()) {
-        for (; i < series.end; ++i) {
-            if (i + PREFETCH < order.size()) PrefetchObject(order[i + PREFETCH]);
-            FetchAhead<PREFETCH / 2>(order, i, series.end, [&](ZoStreamableBase* object) {
-                PrefetchBuffers(*series.plan, object);
-            });
-            if (anySaved && IsSaved(stream, order[i])) continue;
-            if (!series.plan->measured) series.plan->Measure(order[i]);
-            PutRecord(stream, true, *series.plan, order[i]);
-            Close(stream, order[i], *series.objectClass);
+    const TZoClass* objectClass = nullptr;
+    try {
+        for (const GraphWalk::Series& series : walk.OrderByClass()) {
+            objectClass = series.objectClass;
+            for (; i < series.end; ++i) {
+                if (i + PREFETCH < order.size()) PrefetchObject(order[i + PREFETCH]);
+                FetchAhead<PREFETCH / 2>(order, i, series.end, [&](ZoStreamableBase* object) {
+                    PrefetchBuffers(*series.plan, object);
+                });
+                if (anySaved && IsSaved(stream, order[i])) continue;
+                if (!series.plan->measured) series.plan->Measure(order[i]);
+                PutRecord(stream, true, *series.plan, order[i]);
+                Close(stream, order[i], *objectClass);
+            }
         }
+    } catch (XZoAssertFailed& failure) {
+        AdviseOnSize(failure, stream, *objectClass, order[i]);
+        throw;
     }
 }
 

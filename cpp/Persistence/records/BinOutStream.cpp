@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 
 namespace ZoPrimitives {
 
@@ -158,6 +159,13 @@ void TBinOutStream::ApplySecurityKey(unsigned key, unsigned char* data, unsigned
 void TBinOutStream::Frame(int uid, int classId, bool mayScramble) {
     TBinOutStream::FlushRecord(uid, classId);
     if (GetBufferSize() != 0) records.Frame(uid, classId, mayScramble ? GetSecurityKey() : 0);
+}
+
+void TBinOutStream::ExpectFinalized(bool forgotten) {
+    // What an exception ends is given up.
+    if (!forgotten || std::uncaught_exceptions() != 0) return;
+    Expect("finalized", "[zoerror] Finalize was not called: what was written is not complete",
+           ZoSources::BIN_OUT_STREAM, __LINE__);
 }
 
 std::vector<unsigned char> TBinOutStream::HeaderBytes() {

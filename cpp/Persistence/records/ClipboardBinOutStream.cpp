@@ -13,13 +13,14 @@ namespace ZoPrimitives {
 TClipboardBinOutStream::TClipboardBinOutStream() : TClipboardBinOutStream(0, 0) {}
 TClipboardBinOutStream::TClipboardBinOutStream(unsigned version, unsigned release)
     : TBinOutStream(version, release, RecordBuffer::Use::Keep) {}
-TClipboardBinOutStream::~TClipboardBinOutStream() = default;
+TClipboardBinOutStream::~TClipboardBinOutStream() { ExpectFinalized(writing && GetNInstances() != 0); }
 
 void TClipboardBinOutStream::Initialize() {
     StartAnew();
     if (GetBufferSize() == 0) SaveHeader();
     plainHeader = GetBufferSize() == HeaderSize();
     writing = true;
+    SetBegun(true);
     FlushBuffer();
     headerSize = Records().FramesSize();
 }

@@ -54,6 +54,7 @@ TFileBinOutStream::TFileBinOutStream(const TZoPath& name, unsigned version, unsi
       writtenPath(&names->Target()), backup(keepBackup) {}
 
 TFileBinOutStream::~TFileBinOutStream() {
+    ExpectFinalized(state == State::Writing && GetNInstances() != 0);
     TFileBinOutStream::FreeResourses();
     Abandon(); // closes what an exception during `Finalize` left open
 }
@@ -81,6 +82,7 @@ void TFileBinOutStream::Initialize() {
         headerStart = 0;
     }
     state = State::Writing;
+    SetBegun(true);
     FlushBuffer();
 }
 

@@ -17,6 +17,7 @@ TMemoryBinOutStream::~TMemoryBinOutStream() = default;
 
 void TMemoryBinOutStream::Initialize() {
     StartAnew();
+    SetBegun(true);
     if (GetBufferSize() == 0) SaveHeader();
     FlushBuffer();
     headerSize = GetSize() >= HeaderSize() ? GetSize() : 0;
@@ -27,6 +28,7 @@ void TMemoryBinOutStream::FlushRecord(int uid, int classId) { Frame(uid, classId
 void TMemoryBinOutStream::FlushBuffer() { Records().FrameRaw(); }
 
 void TMemoryBinOutStream::FreeResourses() {
+    SetBegun(false);
     headerSize = 0;
     Records().ReleaseFrames();
 }
@@ -45,6 +47,7 @@ const unsigned char* TMemoryBinOutStream::GetData() {
 }
 
 unsigned char* TMemoryBinOutStream::Detach(unsigned long long& size) {
+    SetBegun(false);
     headerSize = 0;
     return Records().TakeFrames(size);
 }

@@ -72,6 +72,8 @@ public:
     unsigned GetBufferSize() const { return records.Size(); }
     /// Number of `FlushRecord` calls so far.
     unsigned GetNInstances() const { return header.recordCount; }
+    /// Whether `Initialize` has begun what is written; streams of the application may not tell.
+    bool HasBegun() const { return begun; }
     unsigned GetVersion() const { return header.version; }
     unsigned GetRelease() const { return header.release; }
 
@@ -133,6 +135,11 @@ protected:
     unsigned HeaderSize() const;
     /// The header as `SaveHeader` would write it now; the open record is unchanged.
     std::vector<unsigned char> HeaderBytes();
+    /// For `HasBegun`: `Initialize` sets it, and what drops the header ends it.
+    void SetBegun(bool has) { begun = has; }
+    /// To be called by the destructor of a stream that is to be finalised: tells the developer (`Expect`) if
+    /// that was forgotten and no exception is the reason.
+    static void ExpectFinalized(bool forgotten);
     /// Forgets the frames and their count, and begins a digest; the open record is unchanged.
     void StartAnew();
 
@@ -143,6 +150,7 @@ private:
     TBinHeader header;
     bool usesSecurity = false;
     bool writesDigest = false;
+    bool begun = false;
     RecordBuffer records;
     ZoHandleTable handles;
 };

@@ -86,6 +86,7 @@ public:
 private:
     friend class ObjectWriter;
 
+    void CheckBegun() const;
     void WriteSchemaOf(const UsedClasses& classes);
     template <class Action>
     void Write(Action writeAll);

@@ -203,8 +203,8 @@ public:
     /// Inserts the object at the position, which may be `NItems()` + 1.
     void InsertAt(unsigned long long index, T* object) {
         P holder(object);
-        ZO_ASSERT_SITE(index >= 1 && index <= items.size() + 1, "index >= 1 && index <= NItems() + 1",
-                       Self::SITE);
+        if (index < 1 || index > items.size() + 1)
+            ZoFailIndex("index >= 1 && index <= NItems() + 1", Self::SITE, index, items.size(), typeid(Self));
         items.insert(items.begin() + static_cast<std::ptrdiff_t>(index - 1), std::move(holder));
     }
     void RemoveAt(unsigned long long index) {
@@ -236,7 +236,8 @@ protected:
 
 private:
     std::size_t Index(unsigned long long index) const {
-        ZO_ASSERT_SITE(index >= 1 && index <= items.size(), "index >= 1 && index <= NItems()", Self::SITE);
+        if (index < 1 || index > items.size())
+            ZoFailIndex("index >= 1 && index <= NItems()", Self::SITE, index, items.size(), typeid(Self));
         return static_cast<std::size_t>(index - 1);
     }
 

@@ -127,7 +127,9 @@ private:
     }
 
     std::size_t Index(unsigned long long index) const {
-        ZO_ASSERT(index >= 1 && index <= keys.size(), "index >= 1 && index <= NItems()", ZoSources::IMAP);
+        if (index < 1 || index > keys.size())
+            ZoFailIndex("index >= 1 && index <= NItems()", {ZoSources::IMAP, __LINE__}, index, keys.size(),
+                        typeid(TIMap));
         return static_cast<std::size_t>(index - 1);
     }
 

@@ -3,6 +3,8 @@
 #include "ZoPrimitives/Export.h"
 #include "ZoPrimitives/ZoSources.h"
 
+#include <typeinfo>
+
 namespace ZoPrimitives {
 
 /// Handler of failed assertions. It may return; the assertion throws anyway.
@@ -58,6 +60,10 @@ public:
     const char* Expression() const noexcept { return expression; }
     /// The message that came with it, often "".
     const char* Hint() const noexcept { return hint; }
+    /// For the developer: the classes, fields and values concerned, and what to do; often "".
+    const char* Advice() const noexcept { return advice; }
+    /// Sets the advice to a copy of `text`, cut to its room.
+    void Advise(const char* text) noexcept;
     /// Relative to the source root, without extension.
     const char* File() const noexcept { return file; }
     int Line() const noexcept { return line; }
@@ -65,6 +71,7 @@ public:
 private:
     char expression[512];
     char hint[1024];
+    char advice[512];
     char file[256];
     int line;
 };
@@ -73,6 +80,19 @@ private:
 /// `file` is relative to the source root and has no extension; the texts must live only during the call.
 [[noreturn]] ZO_API void AssertWithFunctor(const char* expression, const char* message, const char* file,
                                            int line);
+
+/// The advice that comes with the assertion that is failing on this thread, for a functor; often "".
+ZO_API const char* ZoAssertAdvice() noexcept;
+
+/// Fails the assertion `condition` because `index` is none of the `count` indices, from 1, of a container.
+[[noreturn]] ZO_API void ZoFailIndex(const char* condition, const ZoSite& site, unsigned long long index,
+                                     unsigned long long count, const std::type_info& container);
+/// The same for a position, from 0, in a text.
+[[noreturn]] ZO_API void ZoFailPosition(const char* condition, const ZoSite& site,
+                                        unsigned long long position, unsigned long long length);
+/// Fails the assertion "object" because a `pointer` or `crossRef` is null. `target`: the type of a plain
+/// pointer to its objects.
+[[noreturn]] ZO_API void ZoFailNull(int line, const char* holder, const std::type_info& target);
 
 /// Composes the text, shows it if enabled, and throws `XZoAssertFailed`: with "CrashRpt" if a box was shown,
 /// otherwise with the composed text (in a static buffer, until the next assertion).

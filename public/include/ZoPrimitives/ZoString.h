@@ -84,11 +84,11 @@ public:
     const char* c_str() const noexcept { return buffer != nullptr ? buffer : NOTHING; }
 
     char& operator[](unsigned pos) {
-        ZO_ASSERT_SITE(Holds(pos), "pos < length()", ZoSources::INDEX);
+        if (!Holds(pos)) ZoFailPosition("pos < length()", ZoSources::INDEX, pos, length());
         return buffer[pos];
     }
     const char& operator[](unsigned pos) const {
-        ZO_ASSERT_SITE(Holds(pos), "pos < length()", ZoSources::CONST_INDEX);
+        if (!Holds(pos)) ZoFailPosition("pos < length()", ZoSources::CONST_INDEX, pos, length());
         return buffer[pos];
     }
 

@@ -171,8 +171,9 @@ public:
     void AddFirst(const T& value) { values.insert(values.begin(), value); }
     /// Inserts the value at the position, which may be `NItems()` + 1.
     void InsertAt(unsigned long long index, const T& value) {
-        ZO_ASSERT_SITE(index >= 1 && index <= values.size() + 1, "index >= 1 && index <= NItems() + 1",
-                       Self::SITE);
+        if (index < 1 || index > values.size() + 1)
+            ZoFailIndex("index >= 1 && index <= NItems() + 1", Self::SITE, index, values.size(),
+                        typeid(Self));
         values.insert(values.begin() + static_cast<std::ptrdiff_t>(index - 1), value);
     }
     void RemoveAt(unsigned long long index) {
@@ -205,7 +206,8 @@ protected:
 
 private:
     std::size_t Index(unsigned long long index) const {
-        ZO_ASSERT_SITE(index >= 1 && index <= values.size(), "index >= 1 && index <= NItems()", Self::SITE);
+        if (index < 1 || index > values.size())
+            ZoFailIndex("index >= 1 && index <= NItems()", Self::SITE, index, values.size(), typeid(Self));
         return static_cast<std::size_t>(index - 1);
     }
 

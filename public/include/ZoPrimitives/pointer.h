@@ -5,17 +5,10 @@
 
 #include <cstddef>
 #include <type_traits>
+#include <typeinfo>
 
 namespace ZoPrimitives {
 
-template <class T>
-class crossRef;
-
-/// Counted reference to an object of class `T`, which derives from `ZoObject`. The last one deletes the
-/// object.
-///
-/// The count is in the object, so a plain pointer can become a `pointer` again. An object that is not on the
-/// heap must never be held by one. `T` must be complete where a `pointer<T>` is copied or destroyed.
 template <class T>
 class crossRef;
 
@@ -86,7 +79,7 @@ private:
         return nullptr;
     }
     T* Checked() const {
-        ZO_ASSERT(object, "object", ZoSources::POINTER);
+        if (object == nullptr) ZoFailNull(__LINE__, "pointer", typeid(T*));
         return object;
     }
 
@@ -123,7 +116,7 @@ public:
 
 private:
     T* Checked() const {
-        ZO_ASSERT(object, "object", ZoSources::POINTER);
+        if (object == nullptr) ZoFailNull(__LINE__, "crossRef", typeid(T*));
         return object;
     }
 

@@ -475,10 +475,12 @@ TEST_F(BinOutStreamerTests, SavesObjectsThatHaveAUidBefore) {
             stream.Initialize();
             const std::unique_ptr<TBinOutStreamer> streamer(asked ? new Watching(&stream, &schema)
                                                                   : new TBinOutStreamer(&stream, &schema));
+            streamer->WriteMetaData();
             tested.give(stream, schema, root);
             streamer->WriteObject(&root);
             std::vector<int> uids;
             for (const Row& row : RowsOf(BytesOf(stream))) uids.push_back(row.uid);
+            uids.erase(uids.begin()); // the schema's
             EXPECT_EQ(uids, tested.uids);
         }
     }
@@ -487,7 +489,8 @@ TEST_F(BinOutStreamerTests, SavesObjectsThatHaveAUidBefore) {
     TMemoryBinOutStream stream;
     stream.SetHandle(&root, 3);
     stream.SetHandle(root.child.get(), 3);
-    EXPECT_EQ(AssertionOf([&] { TBinOutStreamer(&stream, &schema).WriteObject(&root); }).message,
+    stream.Initialize();
+    EXPECT_EQ(AssertionOf([&] { TBinOutStreamer(&stream, &schema).WriteObjectWithMetaData(&root); }).message,
               "[zoerror] two objects have the uid 3");
 }
 
@@ -498,7 +501,7 @@ TEST_F(BinOutStreamerTests, SavesByHandOnceUntilHandlesAreReset) {
     TMemoryBinOutStream stream;
     Watching streamer(&stream, &schema);
     stream.Initialize();
-    streamer.WriteObject(graph.Root());
+    streamer.WriteObjectWithMetaData(graph.Root());
     for (int run = 0; run < 2; ++run) {
         stream.Initialize();
         TDList<ZoStreamableBase*> externals;
@@ -521,6 +524,7 @@ TEST_F(BinOutStreamerTests, SavesByHandOnceUntilHandlesAreReset) {
     root.child->child = new Thing;
     for (const bool byHand : {true, false}) {
         stream.Initialize();
+        streamer.WriteMetaData();
         if (byHand) {
             stream.SetHandle(root.child.get(), 3);
             stream.SetHandle(root.child->child.get(), 2);
@@ -530,7 +534,7 @@ TEST_F(BinOutStreamerTests, SavesByHandOnceUntilHandlesAreReset) {
         streamer.WriteObject(&root);
         std::vector<int> uids;
         for (const Row& row : RowsOf(BytesOf(stream))) uids.push_back(row.uid);
-        EXPECT_EQ(uids, byHand ? std::vector<int>({3, 2, 4}) : std::vector<int>({1, 2, 3}));
+        EXPECT_EQ(uids, byHand ? std::vector<int>({0, 3, 2, 4}) : std::vector<int>({0, 1, 2, 3}));
     }
     // One without a uid gets a record all the same.
     stream.Initialize();

@@ -60,8 +60,9 @@ TEST(ClipboardBinOutStreamTests, WithoutFinalizeTheClipboardStays) {
         out.Finalize();
         out.Initialize();
         PutText(out, 1, "text");
+        EXPECT_EQ(clipboard.log, "");
     }
-    EXPECT_EQ(clipboard.log, "");
+    EXPECT_EQ(clipboard.log, "b") << "it was forgotten";
     EXPECT_EQ(clipboard.block, "theirs");
 }
 

@@ -449,6 +449,7 @@ TEST_F(FileStreamTests, SomeCallsWriteFirst) {
         EXPECT_EQ(std::filesystem::file_size(plan), 28u);
         operation(out);
         EXPECT_EQ(folder.Read("plan.zo").substr(28), TextRecord(1, "gather") + behind);
+        out.FreeResourses();
     }
 }
 
@@ -489,6 +490,14 @@ TEST_F(FileStreamTests, WithoutFinalizeTheTargetStays) {
         out = nullptr;
         EXPECT_EQ(Open(plan), old);
         EXPECT_EQ(Open(temporary), fails ? "" : "1:unfinished");
+        EXPECT_TRUE(services.messages.empty()) << "given up on purpose";
+        if (fails) continue;
+        Begin(plan, true) = nullptr;
+        EXPECT_TRUE(services.messages.empty()) << "nothing was written";
+        PutText(*(out = Begin(plan, true)), 1, "forgotten");
+        out = nullptr;
+        ASSERT_EQ(services.messages.size(), 1U);
+        EXPECT_THAT(services.messages[0], testing::HasSubstr("Finalize was not called"));
     }
 }
 

@@ -1,4 +1,5 @@
 #include "compare.h"
+#include "console.h"
 #include "extract.h"
 #include "failure.h"
 #include "options.h"
@@ -13,13 +14,13 @@
 #include <algorithm>
 #include <chrono>
 #include <clocale>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 using namespace Frame;
 
@@ -51,9 +52,10 @@ std::string Milliseconds(std::chrono::steady_clock::time_point since) {
     return ZoString::FormatString("%.2f ms", passed.count()).c_str();
 }
 
-std::string NameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+std::filesystem::path PathOf(const std::string& utf8) { return std::filesystem::u8path(utf8); }
+std::string NameOf(const std::string& path) { return PathOf(path).filename().u8string(); }
 std::string SizeOf(const std::string& path) {
-    return std::to_string(std::filesystem::file_size(path)) + " bytes";
+    return std::to_string(std::filesystem::file_size(PathOf(path))) + " bytes";
 }
 
 /// Opens and prints a building; given tables, compares it with them first.
@@ -102,7 +104,7 @@ int PrintPasted(const Units& units) {
 /// An output file must not replace its own input.
 void RefuseOverItself(const std::string& from, const std::string& to) {
     std::error_code none;
-    if (std::filesystem::equivalent(from, to, none))
+    if (std::filesystem::equivalent(PathOf(from), PathOf(to), none))
         throw Failure("\"" + to + "\" is the building itself: name another file.");
 }
 
@@ -140,18 +142,18 @@ std::string Folder(std::string path) {
 int Demo(const std::string& program, const Options& options) {
     const std::string tables = Folder(options.words[1]);
     const std::string folder = Folder(options.words[2]);
-    const std::string path = (std::filesystem::path(folder) / "frame9.zo").string();
+    const std::string path = (PathOf(folder) / "frame9.zo").u8string();
     // Without a command before it, one of the shells strips the first and the last quote.
     std::string command = "cd . &&" + Argument(program) + " check" + Argument(tables) + Argument(path);
     for (const std::string& word : options.given) command += Argument(word);
 
     const Model model = ReadTables(tables);
     std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (!std::filesystem::is_directory(folder, error))
+    std::filesystem::create_directories(PathOf(folder), error);
+    if (!std::filesystem::is_directory(PathOf(folder), error))
         throw Failure("The folder \"" + folder + "\" cannot be made.");
     for (const char* word : {"Saved:       ", "Saved again: "}) {
-        const bool hadFile = std::filesystem::exists(path, error);
+        const bool hadFile = std::filesystem::exists(PathOf(path), error);
         const auto start = std::chrono::steady_clock::now();
         Save(model, path);
         std::cout << "  " << word << NameOf(path) << ", " << SizeOf(path) << ", in " << Milliseconds(start);
@@ -159,7 +161,7 @@ int Demo(const std::string& program, const Options& options) {
         std::cout << '\n';
     }
     std::cout << "\n  A second process opens it:\n\n" << std::flush;
-    return std::system(command.c_str()) == 0 ? OK : DIFFERENT;
+    return RunCommand(command) ? OK : DIFFERENT;
 }
 
 int Draw(const Options& options) {
@@ -167,7 +169,7 @@ int Draw(const Options& options) {
     RefuseOverItself(options.words[1], path);
     const Model model = Open(options.words[1]);
     const std::string picture = DrawElevation(*model.building, options.property, options.units);
-    std::ofstream file(path, std::ios::binary);
+    std::ofstream file(PathOf(path), std::ios::binary);
     file << picture;
     file.close();
     if (!file) throw Failure("\"" + path + "\" cannot be written: look whether you may write to its folder.");
@@ -216,8 +218,10 @@ int Fail(const std::string& sentence) {
 int main(int count, char** arguments) {
     // Most applications do this. The library's files and texts are the same in every locale.
     std::setlocale(LC_ALL, "");
+    const Utf8Terminal terminal;
     try {
-        return Run(arguments[0], ReadOptions({arguments + 1, arguments + count}));
+        const std::vector<std::string> words = Arguments(count, arguments);
+        return Run(words.at(0), ReadOptions({words.begin() + 1, words.end()}));
     } catch (const Failure& error) {
         return Fail(error.what());
     } catch (...) {

@@ -31,12 +31,7 @@ std::string Quoted(const std::string& path) { return '"' + path + '"'; }
 
 bool Exists(const std::string& path) {
     std::error_code ignored;
-    return std::filesystem::exists(path, ignored);
-}
-
-/// Details for support.
-std::string Detail(const XStream& error) {
-    return ZoToUtf8(error.Location()) + ": " + ZoToUtf8(error.Message());
+    return std::filesystem::exists(std::filesystem::u8path(path), ignored);
 }
 
 /// Where a building is read from, and what to do if it is damaged there.
@@ -68,9 +63,7 @@ Failure Damaged(const Source& source, const std::string& why) {
     }
     const std::string location = error.Location().c_str();
     if (location == "TFileBinInStream::OpenFile") {
-        throw Failure(
-            source.name +
-            " cannot be opened: look whether you may read it, and whether another program has it open.");
+        throw Failure(source.name + " cannot be opened: " + Remedy(error));
     }
     if (location == "TFileBinInStream::TFileBinInStream" || location == "TBinInStream::LoadHeader")
         throw Failure(source.name + " is not a file of this program.");
@@ -80,7 +73,7 @@ Failure Damaged(const Source& source, const std::string& why) {
 void CheckFile(const std::string& path) {
     std::error_code ignored;
     if (!Exists(path)) throw Failure("There is no file " + Quoted(path) + ".");
-    if (std::filesystem::is_directory(path, ignored)) {
+    if (std::filesystem::is_directory(std::filesystem::u8path(path), ignored)) {
         throw Failure(Quoted(path) + " is a folder: name a file in it.");
     }
 }
@@ -99,15 +92,13 @@ void Save(const Model& model, const std::string& path, const TTimestamp& now) {
     const ZoString before = model.building->saved;
     model.building->SavedAt(now);
     try {
-        ZoSave(path.c_str(), model.building, &Schema(), {VERSION, RELEASE});
+        ZoSave(TZoPath::FromUtf8(path.c_str()), model.building, &Schema(), {VERSION, RELEASE});
     } catch (const XNotReplaced& error) {
         throw Failure(Quoted(path) + " cannot be replaced: what was to be saved is in " +
-                      Quoted(error.WrittenPath().c_str()) + ". (" + Detail(error) + ")");
+                      Quoted(error.WrittenFilePath().Utf8().c_str()) + ". (" + Detail(error) + ")");
     } catch (const XStream& error) {
         model.building->saved = before;
-        const bool full = dynamic_cast<const XWriteStreamOutOfSpace*>(&error) != nullptr;
-        throw Failure(Quoted(path) + " cannot be saved and is as it was: " +
-                      (full ? "the disk is full." : "look whether you may write to its folder.") + " (" +
+        throw Failure(Quoted(path) + " cannot be saved and is as it was: " + Remedy(error) + " (" +
                       Detail(error) + ")");
     }
 }
@@ -122,7 +113,7 @@ Model Open(const std::string& path) {
         return true; // nobody cancels
     });
     try {
-        return ModelOf(ZoOpen<Building>(path.c_str(), &Schema(), how), source);
+        return ModelOf(ZoOpen<Building>(TZoPath::FromUtf8(path.c_str()), &Schema(), how), source);
     } catch (const XStream& error) {
         ThrowUnread(source, error);
     }
@@ -130,7 +121,7 @@ Model Open(const std::string& path) {
 
 Profiles OpenProfiles(const std::string& path) {
     CheckFile(path);
-    TFileBinInStream file(path.c_str(), VERSION);
+    TFileBinInStream file(TZoPath::FromUtf8(path.c_str()), TFileReading::Locking, VERSION);
     TDList<ZoString> names;
     for (const char* name : {"Section", "Material", "GComprimento", "GArea", "GInercia", "GPeso"})
         names.Add(name);

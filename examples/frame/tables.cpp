@@ -27,7 +27,7 @@ public:
 
     Table(const std::string& folder, const char* fileName, const std::vector<std::string>& headings)
         : name(fileName) {
-        std::ifstream file(std::filesystem::path(folder) / fileName, std::ios::binary);
+        std::ifstream file(std::filesystem::u8path(folder) / fileName, std::ios::binary);
         std::string text;
         int line = 0;
         while (std::getline(file, text)) {

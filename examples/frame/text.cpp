@@ -21,10 +21,6 @@ constexpr int VERSION = 1;
 constexpr const char* END_OF_SECTION = "ENDSEC";
 constexpr const char* END_OF_FILE = "EOF";
 
-std::string Detail(const XStream& error) {
-    return ZoToUtf8(error.Location()) + ": " + ZoToUtf8(error.Message());
-}
-
 /// The building in a text; null if there is none.
 Building* ReadBuilding(TextReader& reader) {
     ZoPrimitives::pointer<Building> building;
@@ -77,28 +73,24 @@ Model ReadModel(const std::string& path, InputStream* stream) {
 
 void WriteText(const Model& model, const std::string& path) {
     try {
-        const ZoPrimitives::pointer<FileOutputStream> file(new FileOutputStream(path.c_str(), false));
+        const ZoPrimitives::pointer<FileOutputStream> file(
+            new FileOutputStream(TZoPath::FromUtf8(path.c_str()), false));
         OutputStreamer text(file.get());
         text << KEYWORD << VERSION;
         PutPointer(text, model.building);
         text << END_OF_SECTION << END_OF_FILE;
         file->Finalize();
     } catch (const XStream& error) {
-        const bool full = dynamic_cast<const XWriteStreamOutOfSpace*>(&error) != nullptr;
-        throw Failure('"' + path + "\" cannot be written: " +
-                      (full ? "the disk is full." : "look whether you may write to its folder.") + " (" +
-                      Detail(error) + ")");
+        throw Failure('"' + path + "\" cannot be written: " + Remedy(error) + " (" + Detail(error) + ")");
     }
 }
 
 Model ReadText(const std::string& path) {
     ZoPrimitives::pointer<FileInputStream> file;
     try {
-        file = new FileInputStream(path.c_str());
-    } catch (const XReadStream&) {
-        throw Failure('"' + path +
-                      "\" cannot be opened: look whether it is there, whether you may read it, and whether "
-                      "another program has it open.");
+        file = new FileInputStream(TZoPath::FromUtf8(path.c_str()));
+    } catch (const XReadStream& error) {
+        throw Failure('"' + path + "\" cannot be opened: " + Remedy(error));
     }
     if (!file->GetIsWhole()) throw Failure('"' + path + "\" cannot be read to its end.");
     return ReadModel(path, file.get());

@@ -63,19 +63,6 @@ TEST_F(FilesTests, SharingIsAMatrixWithinOneProcess) {
     }
 }
 
-TEST_F(FilesTests, ARefusedCreationLeavesTheContent) {
-    folder.Write("f", "precious");
-    // Creating writes, whatever access it asks for.
-    for (const Access held : {Access::Read, Access::ReadWrite}) {
-        const FileHandle holder = Open(folder.Path("f"), held, Share::Read);
-        const Access asked = held == Access::Read ? Access::ReadWrite : Access::Read;
-        EXPECT_EQ(Open(folder.Path("f"), asked, Share::ReadWrite, Creation::CreateAlways), nullptr);
-        EXPECT_EQ(LastError(), ErrorSharingViolation);
-        Current().CloseFile(holder);
-        EXPECT_EQ(folder.Read("f"), "precious");
-    }
-}
-
 TEST_F(FilesTests, OpeningsTellWhyTheyFail) {
     folder.Write("file", "");
     folder.Write("readonly", "old");

@@ -119,17 +119,4 @@ static_assert(!std::is_base_of_v<XReadStream, XEndOfStream>);
 static_assert(!std::is_base_of_v<xContainer, xRegionContainsExceeded>);
 static_assert(!std::is_base_of_v<xContainer, xInvalidConversion>);
 
-TEST(XStreamTest, Texts) {
-    const auto texts = [](const XStream& e) { return e.Message() + " @ " + e.Location(); };
-    EXPECT_EQ(texts(XReadStream("Arquivo corrompido", "A::B #3")), "Arquivo corrompido @ A::B #3");
-    EXPECT_EQ(texts(XWriteStream("m", "l")), "m @ l");
-    EXPECT_EQ(texts(XWriteStreamOutOfSpace("A::Write")), "Espa\xE7o em disco insuficiente. @ A::Write");
-    EXPECT_EQ(texts(XEndOfStream()), "End-of-file @ ");
-    EXPECT_EQ(texts(XInvalidObject()), "Invalid object : data still incomplete after read. @ ");
-    for (const XStream& e :
-         {XStream(XNewerVersion()), XStream(XUnversionableVersion()), XStream(XInvalidFileType()),
-          XStream(XInvalidLanguage()), XStream(XInvalidVersion())})
-        EXPECT_EQ(texts(e), " @ ");
-}
-
 } // namespace

@@ -80,21 +80,6 @@ inline void RegisterEveryKind(TZoMetaData& schema) {
     EveryKind::Register(&schema);
 }
 
-/// The schema entries of both, under the ids 1 and 2.
-inline std::vector<ClassEntry> EveryKindEntries() {
-    ClassEntry leaf{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}};
-    ClassEntry every{.id = 2, .name = "EveryKind"};
-    every.maps = {{1, -19, "map"}};
-    every.values = {{0, -1, "anInt"},    {0, -2, "aFloat"},   {0, -3, "aDouble"},    {0, -4, "aString"},
-                    {0, -5, "aBlob"},    {0, -10, "aBool"},   {0, -11, "ints"},      {0, -12, "floats"},
-                    {0, -13, "doubles"}, {0, -14, "strings"}, {0, -17, "anUnsigned"}};
-    every.children = {{1, -6, "child"}, {1, -18, "member"}};
-    every.childLists = {{1, -7, "children"}};
-    every.references = {{1, -8, "reference"}, {1, -15, "external"}};
-    every.referenceLists = {{1, -9, "references"}, {1, -16, "externals"}};
-    return {leaf, every};
-}
-
 /// A field's value in a record.
 struct FieldBytes {
     std::string name;
@@ -128,6 +113,16 @@ inline std::vector<FieldBytes> EveryKindFields() {
             {"external", -15, Payload().Int(8)},
             {"references", -9, Payload().Ints({2, 4, 5})},
             {"externals", -16, Payload().Ints({1, 8})}};
+}
+
+/// The schema entries of both, under the ids 1 and 2.
+inline std::vector<ClassEntry> EveryKindEntries() {
+    ClassEntry every{.id = 2, .name = "EveryKind"};
+    for (const FieldBytes& field : EveryKindFields()) {
+        std::vector<FieldEntry>& block = every.BlockOf(field.kind);
+        block.push_back({&block == &every.values ? 0 : 1, field.kind, field.name});
+    }
+    return {{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}}, every};
 }
 
 /// The records of a filled one: the map's key and value, the child, the member, both children, the external

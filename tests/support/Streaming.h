@@ -111,6 +111,14 @@ struct ClassEntry {
     std::vector<FieldEntry> references{};
     std::vector<FieldEntry> referenceLists{};
 
+    /// Where fields of a kind stand.
+    std::vector<FieldEntry>& BlockOf(int kind) {
+        if (kind == -19) return maps;
+        if (kind == -6 || kind == -18) return children;
+        if (kind == -7) return childLists;
+        if (kind == -8 || kind == -15) return references;
+        return kind == -9 || kind == -16 ? referenceLists : values;
+    }
     static Payload Block(const std::vector<FieldEntry>& fields) {
         Payload block;
         block.Int(static_cast<long long>(fields.size()));

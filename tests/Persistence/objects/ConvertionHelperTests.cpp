@@ -173,22 +173,6 @@ TEST_F(ConvertionHelperTests, GivesNullWhereThereIsNoCounterpart) {
               "factory");
 }
 
-TEST_F(ConvertionHelperTests, LeavesTheObjectsToTheCallerAfterALaterFailureToo) {
-    business::Person lonely("lonely"), other("other");
-    other.friendOf = &lonely;
-    ZoObjectStreamable* made = nullptr;
-    {
-        TBusinessToStreamableObjectConvertionHelper helper(&factory);
-        made = helper.Convert(&lonely);
-        EXPECT_EQ(ZoReferenceCount::Count(made), 0U);
-        saved::failsAt = saved::filled;
-        EXPECT_THROW(helper.Convert(&other), std::runtime_error);
-        EXPECT_EQ(helper.Convert(&lonely), made);
-    }
-    EXPECT_EQ(dynamic_cast<saved::Person&>(*made).name, "lonely") << "the helper has gone";
-    delete made;
-}
-
 TEST_F(ConvertionHelperTests, AFailureEndsWhatWasMade) {
     const pointer<business::Person> head = Firm();
     const int model = Alive::Count();

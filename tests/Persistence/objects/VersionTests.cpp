@@ -349,17 +349,6 @@ TEST_F(LevelVersionTests, LevelsThatChangedAreReadWhereTheApplicationHasThem) {
     }
 }
 
-TEST_F(LevelVersionTests, AnUnknownClassOfStrangersReadsAsItsFirstParent) {
-    const ClassEntry upper{.id = 1, .name = "Upper", .parents = {3}, .values = {{0, -1, "upper"}}};
-    const ClassEntry lower{.id = 2, .name = "Lower"};
-    const ClassEntry gone{.id = 4, .name = "Gone", .parents = {1, 3}};
-    Opened opened(
-        FileOf({STRANGER, upper, lower, gone}, {{1, 4, StrangerPart(1).Int(5).Add(StrangerPart(1))}}),
-        schema);
-    EXPECT_EQ(opened.Root<Upper>().upper, 5);
-    EXPECT_EQ(opened.Root<Upper>().excluded.size(), 7U) << "the stranger's, one of them of a name of its own";
-}
-
 // In time that grows with their number, whatever the handler reads.
 TEST_F(LevelVersionTests, ClassesOfManyFieldsAreReadFromEveryStream) {
     struct OwnStream : TMemoryBinInStream {

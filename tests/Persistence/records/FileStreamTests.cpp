@@ -410,22 +410,6 @@ TEST_F(FileStreamTests, TakeEveryNameThatTheSystemTakes) {
     EXPECT_EQ(folder.Names().size(), 5u);
 }
 
-TEST_F(FileStreamTests, WholeRecordsLeaveInBlocks) {
-    FaultyServices services;
-    const Stream out = Begin(plan);
-    for (unsigned uid = 1; uid <= 3000; ++uid) {
-        out->SetUsesSecurity(uid % 2 != 0);
-        PutText(*out, static_cast<int>(uid), std::string(uid % 700, 'x'));
-    }
-    PutText(*out, 3001, std::string(DEFAULT_BUFFER_SIZE - 4, 'y'));
-    PutText(*out, 3002, "last");
-    out->Finalize();
-    EXPECT_EQ(services.Count("WriteFile"), 8) << "the header's two among them";
-    const std::string all = Open(plan);
-    EXPECT_EQ(all.substr(0, 13), "1:x 2:xx 3:xx");
-    EXPECT_EQ(all.substr(all.size() - 9), "3002:last");
-}
-
 TEST_F(FileStreamTests, SomeCallsWriteFirst) {
     struct Own : TFileBinOutStream {
         explicit Own(const std::string& path) : TFileBinOutStream(path.c_str(), false) {}
@@ -451,29 +435,6 @@ TEST_F(FileStreamTests, SomeCallsWriteFirst) {
         EXPECT_EQ(folder.Read("plan.zo").substr(28), TextRecord(1, "gather") + behind);
         out.FreeResourses();
     }
-}
-
-TEST_F(FileStreamTests, TheHeader) {
-    // Put there by the caller, with an extra block.
-    Stream out = Create(plan);
-    *out << 3u << 0u << 0u << 0u << 2026u << 0u << 5u;
-    out->Append("extra", 5);
-    out->Initialize();
-    PutText(*out, 1, "text");
-    out->Finalize();
-    EXPECT_EQ(folder.Read("plan.zo").substr(24, 9), std::string("\5\0\0\0extra", 9));
-    EXPECT_EQ(Open(plan), "1:text");
-
-    // Rewritten in the middle of a record.
-    out = Begin(plan);
-    PutText(*out, 1, "text");
-    *out << "open";
-    out->RewriteHeader();
-    EXPECT_EQ(folder.Read("plan.zo")[12], 1);
-    out->FlushRecord(2, 7);
-    out->Finalize();
-    EXPECT_EQ(folder.Read("plan.zo")[12], 2);
-    EXPECT_EQ(Open(plan), "1:text 2:open");
 }
 
 TEST_F(FileStreamTests, WithoutFinalizeTheTargetStays) {

@@ -1,12 +1,6 @@
-#include "ZoPrimitives/ClipboardBinOutStream.h"
-#include "ZoPrimitives/FileBinInStream.h"
-#include "ZoPrimitives/FileBinOutStream.h"
-#include "ZoPrimitives/MemoryBinInStream.h"
-#include "ZoPrimitives/MemoryBinOutStream.h"
-#include "ZoPrimitives/pointer.h"
-#include "support/Assertions.h"
+#include "ZoPrimitives/ZoPrimitives.h"
 #include "support/FakeClipboard.h"
-#include "support/Records.h"
+#include "support/Streaming.h"
 #include "support/TemporaryFolder.h"
 
 #include <functional>
@@ -24,10 +18,6 @@ std::string DigestOf(const std::string& file) {
     for (std::size_t at = FIRST; at < file.size(); at += 24 + Word(file, at + 4))
         covered += file.substr(at, 24);
     return LittleEndian(ZlibCrc(covered + file.substr(0, BLOCK + 8)));
-}
-
-std::string BytesOf(TMemoryBinOutStream& stream) {
-    return {reinterpret_cast<const char*>(stream.GetData()), static_cast<std::size_t>(stream.GetSize())};
 }
 
 void Put(TBinOutStream& out, int uid, const std::string& payload) {

@@ -238,35 +238,6 @@ TEST(ZoMetaDataTests, RefusesCountsThatItCannotHold) {
     }
 }
 
-TEST(ZoMetaDataTests, LinksClassesAndFieldsToTheApplications) {
-    TZoMetaData application;
-    app::RegisterEveryKind(application);
-    auto entries = app::EveryKindEntries();
-    entries[0].id = 70;
-    entries[1].id = 30;
-    for (auto* block : {&entries[1].maps, &entries[1].children, &entries[1].childLists,
-                        &entries[1].references, &entries[1].referenceLists}) {
-        for (auto& field : *block) field.classId = 70;
-    }
-    entries[1].children.push_back({0, -6, "gone"});
-    entries[1].values.push_back({0, -3, "anInt"}); // an int now
-    LoadedSchema loaded(SchemaOf(entries), &application);
-    ASSERT_TRUE(loaded.sound);
-    TZoClass* every = loaded.schema.FindClass("EveryKind");
-    EXPECT_EQ(every->GetOriginal(), application.FindClass("EveryKind"));
-    for (int i = 1; i <= every->GetFieldCount(); ++i) {
-        TZoClassField* field = every->GetField(i);
-        const bool fits = field->GetFieldName() != "gone" &&
-                          !(field->GetFieldName() == "anInt" && field->GetFieldType() == ftDouble);
-        EXPECT_EQ(field->GetOriginal(),
-                  fits ? application.FindClass("EveryKind")->FindField(field->GetFieldName()) : nullptr)
-            << Text(field->GetFieldName());
-        TZoClass* target =
-            field->IsPointerKind() && field->GetFieldName() != "gone" ? loaded.schema.FindClass(70) : nullptr;
-        EXPECT_EQ(field->GetFieldClass(), target) << Text(field->GetFieldName());
-    }
-}
-
 namespace second {
 class NoFields : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(NoFields)
@@ -464,22 +435,6 @@ TEST(ZoClassFieldTests, AreWrittenAndReadOneByOneAndByTheirClass) {
         EXPECT_EQ(read.child.get(), &outside);
         ZoReferenceCount::Add(&outside);
     }
-}
-
-TEST(ZoClassTests, MakesFieldsOfTheNineteenKindsOnly) {
-    TZoMetaData schema;
-    TZoClass made(&schema, nullptr, "C", nullptr, false, nullptr);
-    for (int kind = -25; kind <= 5; ++kind) {
-        TZoClassField* field = made.AddField(5, static_cast<TZoClassFieldType>(kind), "f");
-        ASSERT_EQ(field != nullptr, kind >= -19 && kind <= -1) << kind;
-        if (field == nullptr) continue;
-        EXPECT_EQ(field->GetFieldType(), kind);
-        EXPECT_EQ(field->GetFieldClassId(), 5) << kind;
-        EXPECT_EQ(field->IsPointerKind(),
-                  (kind <= -6 && kind >= -9) || kind == -15 || kind == -16 || kind <= -18)
-            << kind;
-    }
-    EXPECT_EQ(made.GetFieldCount(), 19);
 }
 
 TEST(ZoClassFieldTests, NamesAMapsSubFieldsByItsClass) {

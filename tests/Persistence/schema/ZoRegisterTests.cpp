@@ -242,30 +242,21 @@ TEST(ZoRegisterTests, EachFieldTellsItsTypeNameAndKind) {
     using E = app::EveryKind;
     TZoMetaData schema;
     TZoClass* leaf = app::Leaf::Register(&schema);
-    auto* generic = new TZoClass(&schema, nullptr, "ZoObjectStreamable", nullptr, true, nullptr);
-    schema.AddClass(generic);
-    // By the numbers of the kinds: -1, -2 and so on.
-    ZoString (*const fields[])(TZoMetaData*, TZoClass**, TZoClassFieldType*) = {
-        E::Getfieldclassfor_anInt,     E::Getfieldclassfor_aFloat,     E::Getfieldclassfor_aDouble,
-        E::Getfieldclassfor_aString,   E::Getfieldclassfor_aBlob,      E::Getfieldclassfor_child,
-        E::Getfieldclassfor_children,  E::Getfieldclassfor_reference,  E::Getfieldclassfor_references,
-        E::Getfieldclassfor_aBool,     E::Getfieldclassfor_ints,       E::Getfieldclassfor_floats,
-        E::Getfieldclassfor_doubles,   E::Getfieldclassfor_strings,    E::Getfieldclassfor_external,
-        E::Getfieldclassfor_externals, E::Getfieldclassfor_anUnsigned, E::Getfieldclassfor_member,
-        E::Getfieldclassfor_map};
-    const char* const names[] = {
-        "int",  "float", "double",   "ZoString",  "ZoBlob",      "Leaf",         "Leaf",
-        "Leaf", "Leaf",  "bool",     "list<int>", "list<float>", "list<double>", "list<ZoString>",
-        "Leaf", "Leaf",  "unsigned", "Leaf",      "Leaf"};
-    for (std::size_t i = 0; i <= std::size(fields); ++i) {
-        const bool isList = i == std::size(fields);
+    const std::tuple<ZoString (*)(TZoMetaData*, TZoClass**, TZoClassFieldType*), const char*,
+                     TZoClassFieldType>
+        fields[] = {{E::Getfieldclassfor_anUnsigned, "unsigned", ftUnsigned},
+                    {E::Getfieldclassfor_aString, "ZoString", ftString},
+                    {E::Getfieldclassfor_ints, "list<int>", ftListInt},
+                    {E::Getfieldclassfor_member, "Leaf", ftChildValue},
+                    {E::Getfieldclassfor_externals, "Leaf", ftPointerListEx},
+                    {E::Getfieldclassfor_map, "Leaf", ftChildPointerMap},
+                    {StreamableList::Getfieldclassfor_list, "ZoObjectStreamable", ftChildPointerList}};
+    for (const auto& [field, name, kind] : fields) {
         TZoClass* found = nullptr;
-        TZoClassFieldType kind{};
-        const auto field = isList ? StreamableList::Getfieldclassfor_list : fields[i];
-        const std::string name = Text(field(&schema, &found, &kind));
-        EXPECT_EQ(name, isList ? "ZoObjectStreamable" : names[i]);
-        EXPECT_EQ(kind, isList ? ftChildPointerList : -1 - static_cast<int>(i)) << name;
-        EXPECT_EQ(found, isList ? generic : name == "Leaf" ? leaf : nullptr) << name;
+        TZoClassFieldType told{};
+        EXPECT_EQ(Text(field(&schema, &found, &told)), name);
+        EXPECT_EQ(told, kind) << name;
+        EXPECT_EQ(found, name == std::string("Leaf") ? leaf : nullptr) << name;
     }
 }
 
@@ -445,26 +436,6 @@ TEST(ZoRegisterTests, HandWrittenAccessorsServeTheListsIntegers) {
     EXPECT_EQ(read.created, (std::vector<int>{0, 0, 202}));
 }
 
-TEST(ZoRegisterTests, WhatIsRemovedTakesItsPairAlong) {
-    TZoMetaData schema;
-    Target::Register(&schema);
-    app::Leaf::Register(&schema);
-    TZoClass* child = Child::Register(&schema);
-    Child object;
-    for (const int i : {1, 2, 3}) object.map.Append(new app::Leaf(i), new Target);
-    const pointer<Target> removed = object.map.ValueAt(2);
-    const pointer<app::Leaf> removedKey = object.map.KeyAt(3);
-    const std::unique_ptr<app::Leaf> key(object.map.KeyAt(2).get());
-    const std::unique_ptr<Target> value(object.map.ValueAt(3).get());
-    child->DeleteReferences(&object, IsThat, removed.get());
-    ASSERT_EQ(object.map.NItems(), 2U);
-    EXPECT_TRUE(object.map.KeyAt(1)->number == 1 && object.map.KeyAt(2)->number == 3);
-    child->DeleteReferences(&object, IsThat, removedKey.get());
-    EXPECT_EQ(object.map.NItems(), 1U);
-    // Their partners are nobody's now, and still there.
-    EXPECT_TRUE(ZoReferenceCount::Count(key.get()) == 0 && ZoReferenceCount::Count(value.get()) == 0);
-}
-
 TEST(ZoRegisterTests, HandWrittenAccessorsKeepAMapsKeyByAnyPointer) {
     const struct {
         const char* name;
@@ -529,51 +500,6 @@ TEST(ZoRegisterTests, HandWrittenAccessorsGetOnlyWhatTheirDeclaredClassCovers) {
         EXPECT_EQ(field->Accepts(&leaf), tested.takesLeaf);
         EXPECT_EQ(field->Accepts(&target), tested.takesTarget);
     }
-}
-
-/// Has but a reference, and hears when it is set.
-class Hearing : public ZoObjectStreamable {
-    REGISTER_ZO_BEGIN(Hearing)
-    DECLARE_ZO_FIELD_REFERENCE(app::Leaf, target)
-    REGISTER_ZO_END
-    bool OnRead(TBinInStream*, bool) override { return true; }
-    void CheckForExcludedFields(TBinInStream*) override {}
-    void OnReadPointer(TZoClassField*, ZoStreamableBase* object, unsigned uid) override {
-        heard = object == target.get() && uid == 1;
-    }
-    bool heard = false;
-};
-
-class Listing : public ZoObjectStreamable {
-    REGISTER_ZO_BEGIN(Listing)
-    DECLARE_ZO_FIELD_REFERENCE_LIST(app::Leaf, targets)
-    REGISTER_ZO_END
-};
-class Owning : public ZoObjectStreamable {
-    REGISTER_ZO_BEGIN(Owning)
-    DECLARE_ZO_FIELD_CHILD(app::Leaf, target)
-    REGISTER_ZO_END
-};
-
-TEST(ZoRegisterTests, PointersToAnEarlierRecordAreHeardOfAndFollowAUidThatComesAgain) {
-    TZoMetaData schema;
-    app::Leaf::Register(&schema);
-    Hearing::Register(&schema);
-    Listing::Register(&schema);
-    Owning::Register(&schema);
-    Opened opened(FileOf({{.id = 1, .name = "Leaf", .values = {{0, -1, "number"}}},
-                          {.id = 2, .name = "Hearing", .references = {{1, -8, "target"}}},
-                          {.id = 3, .name = "Listing", .referenceLists = {{1, -9, "targets"}}},
-                          {.id = 4, .name = "Owning", .children = {{1, -6, "target"}}}},
-                         {{1, 1, Payload().Int(7)},
-                          {2, 2, Payload().Int(1)},
-                          {3, 3, Payload().Ints({1, 1})},
-                          {4, 4, Payload().Int(1)},
-                          {1, 1, Payload().Int(9)}}),
-                  schema);
-    EXPECT_TRUE(opened.At<Hearing>(2).heard);
-    EXPECT_EQ(opened.At<Listing>(3).targets[1]->number, 9);
-    EXPECT_EQ(opened.At<Owning>(4).target->number, 9);
 }
 
 // Registration put off

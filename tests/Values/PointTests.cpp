@@ -368,16 +368,12 @@ class Mirrored : public Point3D {
 TEST(PointTests, GoesThroughTheAccessors) {
     Mirrored point(1, 2, 3);
     EXPECT_EQ(Point3D(point), Point3D(1, 2, 3));
-    EXPECT_EQ(TVector3D(point).Magnitude(), std::sqrt(14));
     EXPECT_EQ(CreateChecksum(point), CreateChecksum(Point3D(1, 2, 3)));
     static_cast<Point3D&>(point) = Point3D(3, 4, 5);
-    EXPECT_EQ(point.other[2], -5);
     point += Point3D(1, 1, 1);
     point.Rotate(PI, {0, 0, 0});
     EXPECT_STREQ(point.ToString().c_str(), "(-4, -5, 6)");
-    EXPECT_NEAR(point.other[0], 4, 1e-12);
-    point.CoordsFromString("7;8;9");
-    EXPECT_EQ(point.other[1], -8);
+    EXPECT_EQ(point.other[2], -6);
 }
 
 TEST(PointTests, EachIsSavedAndOpened) {

@@ -25,24 +25,22 @@ std::vector<unsigned char> Noise(std::size_t size) {
 }
 
 TEST(CRC32KernelTests, EveryLengthAtEveryAlignmentBehindOtherBytes) {
-    const struct {
-        const char* name;
-        Crc32Kernels::Kernel update; // null: not on this processor
-    } kernels[] = {{"chosen", &Crc32Update},
-                   {"tables", &Crc32Kernels::Tables},
-                   {"folding", Crc32Kernels::Folding()},
-                   {"wide folding", Crc32Kernels::WideFolding()}};
+    // null: not on this processor
+    const std::pair<const char*, Crc32Kernels::Kernel> kernels[] = {
+        {"chosen", &Crc32Update},
+        {"tables", &Crc32Kernels::Tables},
+        {"folding", Crc32Kernels::Folding()},
+        {"wide folding", Crc32Kernels::WideFolding()}};
     const auto noise = Noise(1100 + 16);
-    for (const auto& kernel : kernels) {
-        for (std::size_t before = 0; before < 16 && kernel.update != nullptr; ++before) {
+    for (const auto& [name, update] : kernels) {
+        for (std::size_t before = 0; before < 16 && update != nullptr; ++before) {
             for (std::size_t size = 0; size <= 1100; ++size) {
                 // Exact allocations: the address sanitizer sees a read beside them.
                 const std::vector<unsigned char> exact(noise.begin(),
                                                        noise.begin() + static_cast<int>(before + size));
-                const std::uint32_t reg = kernel.update(0xFFFFFFFF, exact.data(), before);
-                ASSERT_EQ(~kernel.update(reg, exact.data() + before, size),
-                          Oracle(exact.data(), before + size))
-                    << kernel.name << ": " << size << " bytes behind " << before;
+                const std::uint32_t reg = update(0xFFFFFFFF, exact.data(), before);
+                ASSERT_EQ(~update(reg, exact.data() + before, size), Oracle(exact.data(), before + size))
+                    << name << ": " << size << " bytes behind " << before;
             }
         }
     }
@@ -75,10 +73,7 @@ TEST(CRC32Tests, SumsAWholeFile) {
 }
 
 TEST(CRC32Tests, UnreadableFilesThrowAndLeaveTheSum) {
-    const struct {
-        const char* name;
-        void (*spoil)(FaultyServices&);
-    } cases[] = {
+    const std::pair<const char*, void (*)(FaultyServices&)> cases[] = {
         {"missing", [](auto& services) { services.Fail("OpenFile", 1, Platform::ErrorFileNotFound); }},
         {"size unknown", [](auto& services) { services.Fail("FileSize", 1, Platform::ErrorDevice); }},
         {"device fails halfway",
@@ -88,10 +83,10 @@ TEST(CRC32Tests, UnreadableFilesThrowAndLeaveTheSum) {
     };
     const TemporaryFolder folder;
     folder.Write("f", "123456789");
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, spoil] : cases) {
+        SCOPED_TRACE(name);
         FaultyServices services;
-        row.spoil(services);
+        spoil(services);
         CRC32 crc;
         crc.update(reinterpret_cast<const unsigned char*>("123456789"), 9);
         EXPECT_THAT(FailureOf([&] { crc.generateCRCFromFile(folder.Path("f")); }),

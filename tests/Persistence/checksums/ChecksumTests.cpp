@@ -10,11 +10,7 @@ using namespace ZoPrimitives;
 namespace {
 
 TEST(ChecksumTests, IsFnv1aOfTheBytes) {
-    const struct {
-        const char* name;
-        TChecksumType checksum;
-        std::uint64_t expected;
-    } cases[] = {
+    const std::tuple<const char*, TChecksumType, std::uint64_t> cases[] = {
         {"empty text", CreateChecksum(ZoString()), 0xCBF29CE484222325},
         {"published: a", CreateChecksum(ZoString("a")), 0xAF63DC4C8601EC8C},
         {"published: foobar", CreateChecksum(ZoString("foobar")), 0x85944171F73967E8},
@@ -31,7 +27,7 @@ TEST(ChecksumTests, IsFnv1aOfTheBytes) {
         {"-1.5", CreateChecksum(-1.5), 0xAA95693229A1A300},
         {"float as double", CreateChecksum(-1.5F), 0xAA95693229A1A300},
     };
-    for (const auto& row : cases) EXPECT_EQ(row.checksum.GetValue(), row.expected) << row.name;
+    for (const auto& [name, checksum, expected] : cases) EXPECT_EQ(checksum.GetValue(), expected) << name;
 }
 
 template <class T>

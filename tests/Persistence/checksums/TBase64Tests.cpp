@@ -44,11 +44,7 @@ TEST(TBase64Tests, EveryByteValueSurvives) {
 }
 
 TEST(TBase64Tests, WhatIsAcceptedAndWhatIsRefused) {
-    const struct {
-        const char* name;
-        std::string text;
-        std::optional<std::string> expected;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::optional<std::string>> cases[] = {
         {"published: none", "", ""},
         {"published: one", "Zg==", "f"},
         {"published: two", "Zm8=", "fo"},
@@ -74,10 +70,10 @@ TEST(TBase64Tests, WhatIsAcceptedAndWhatIsRefused) {
         {"the higher bit", "Zm+=", {}},
         {"bits hidden by two pads", "Zh==", {}},
     };
-    for (const auto& row : cases) {
-        EXPECT_EQ(Decoded(row.text), row.expected) << row.name;
-        if (std::string(row.name).rfind("published", 0) != 0) continue;
-        EXPECT_EQ(Encoded(*row.expected), row.text);
+    for (const auto& [name, text, expected] : cases) {
+        EXPECT_EQ(Decoded(text), expected) << name;
+        if (std::string(name).rfind("published", 0) != 0) continue;
+        EXPECT_EQ(Encoded(*expected), text);
     }
 }
 

@@ -388,41 +388,51 @@ TEST_F(BinOutStreamerTests, LeavesOutWhatHooksLetGoOf) {
 // Uids that were given before, and saving by hand
 
 TEST_F(BinOutStreamerTests, SavesObjectsThatHaveAUidBefore) {
-    const struct {
-        const char* name;
-        void (*give)(TBinOutStream& stream, TZoMetaData& schema, Thing& root);
-        std::vector<int> uids;
-    } cases[] = {
-        {"none", [](auto&, auto&, auto&) {}, {1, 2, 3, 4}},
-        {"all, by a class",
-         [](auto& stream, auto& schema, auto& root) {
-             TDList<ZoStreamableBase*> externals;
-             root.GetOriginalClass(&schema)->AllocateHandles(&stream, &root, &externals);
-         },
-         {1, 2, 3, 4}},
-        {"the root", [](auto& stream, auto&, auto& root) { stream.SetHandle(&root, 7); }, {7, 8, 9, 10}},
-        {"a child, by the stream",
-         [](auto& stream, auto&, auto& root) { stream.AllocateHandle(root.child.get()); },
-         {2, 1, 3, 4}},
-        {"a child and its own, the greater first",
-         [](auto& stream, auto&, auto& root) {
-             stream.SetHandle(root.child.get(), 9);
-             stream.SetHandle(root.child->child.get(), 5);
-         },
-         {10, 9, 5, 11}},
-        {"none after all", [](auto& stream, auto&, auto& root) { stream.SetHandle(&root, 0); }, {1, 2, 3, 4}},
-        {"the last one there is",
-         [](auto& stream, auto&, auto& root) {
-             int uid = 0;
-             for (Thing* thing :
-                  {&root, root.child.get(), root.child->child.get(), root.child->external.get()})
-                 stream.SetHandle(thing, std::numeric_limits<int>::max() - uid++);
-         },
-         {2147483647, 2147483646, 2147483645, 2147483644}},
-    };
-    for (const auto& tested : cases) {
+    const auto thing = [](TBinOutStreamer& s) { return s.GetMetaData()->FindClass("Thing"); };
+    // What is done before with the root, its child, that one's child, and an external instance; the uids in
+    // the order of the records.
+    const std::tuple<const char*, std::function<void(TBinOutStreamer&, const Things&)>, std::vector<int>>
+        cases[] = {
+            {"none", [](auto&, auto&) {}, {1, 2, 3, 4}},
+            {"all, by a class",
+             [&](auto& s, auto& all) {
+                 TDList<ZoStreamableBase*> externals;
+                 thing(s)->AllocateHandles(s.GetStream(), all[0], &externals);
+             },
+             {1, 2, 3, 4}},
+            {"the root", [](auto& s, auto& all) { s.GetStream()->SetHandle(all[0], 7); }, {7, 8, 9, 10}},
+            {"a child, by the stream",
+             [](auto& s, auto& all) { s.GetStream()->AllocateHandle(all[1]); },
+             {2, 1, 3, 4}},
+            {"a child and its own, the greater first",
+             [](auto& s, auto& all) {
+                 s.GetStream()->SetHandle(all[1], 9);
+                 s.GetStream()->SetHandle(all[2], 5);
+             },
+             {10, 9, 5, 11}},
+            {"none after all", [](auto& s, auto& all) { s.GetStream()->SetHandle(all[0], 0); }, {1, 2, 3, 4}},
+            {"the last one there is",
+             [](auto& s, auto& all) {
+                 int uid = std::numeric_limits<int>::max();
+                 for (Thing* each : all) s.GetStream()->SetHandle(each, uid--);
+             },
+             {2147483647, 2147483646, 2147483645, 2147483644}},
+            {"all, and one is written by hand",
+             [&](auto& s, auto& all) {
+                 for (int uid = 1; Thing * each : all) s.GetStream()->SetHandle(each, uid++);
+                 thing(s)->SaveToStream(s.GetStream(), &s, all[2]);
+             },
+             {3, 1, 2, 4}},
+            {"all, and two are, the greater first",
+             [&](auto& s, auto& all) {
+                 for (int uid = 4; Thing * each : all) s.GetStream()->SetHandle(each, uid--);
+                 thing(s)->SaveToStream(s.GetStream(), &s, all[1]);
+             },
+             {3, 2, 4, 1}},
+        };
+    for (const auto& [name, prepare, expected] : cases) {
         for (const bool asked : {false, true}) {
-            SCOPED_TRACE(tested.name);
+            SCOPED_TRACE(name);
             Thing root, outside;
             root.child = new Thing;
             root.child->child = new Thing;
@@ -433,12 +443,11 @@ TEST_F(BinOutStreamerTests, SavesObjectsThatHaveAUidBefore) {
             const std::unique_ptr<TBinOutStreamer> streamer(asked ? new Watching(&stream, &schema)
                                                                   : new TBinOutStreamer(&stream, &schema));
             streamer->WriteMetaData();
-            tested.give(stream, schema, root);
+            prepare(*streamer, {&root, root.child.get(), root.child->child.get(), &outside});
             streamer->WriteObject(&root);
             std::vector<int> uids;
-            for (const Row& row : RowsOf(BytesOf(stream))) uids.push_back(row.uid);
-            uids.erase(uids.begin()); // the schema's
-            EXPECT_EQ(uids, tested.uids);
+            for (const Row& row : ObjectRows(BytesOf(stream))) uids.push_back(row.uid);
+            EXPECT_EQ(uids, expected);
         }
     }
     Thing root;
@@ -525,10 +534,7 @@ TEST_F(BinOutStreamerTests, ClassesThatAreNotRegisteredAreNamed) {
         "[zoerror] invalid class (class (anonymous namespace)::Forgotten - Thing). See REGISTER_ZO_BEGIN. | "
         "(instance_pointer->GetOriginalClass(streamer->GetMetaData())->GetName() == instanceClassName) | "
         "cpp/Persistence/ZoMetaData";
-    const struct {
-        const char* name;
-        void (*attach)(Both& root, Thing* target);
-    } cases[] = {
+    const std::pair<const char*, void (*)(Both & root, Thing * target)> cases[] = {
         {"child", [](Both& root, Thing* target) { root.child = target; }},
         {"item of a list", [](Both& root, Thing* target) { root.more.Add(target); }},
         {"key of a map", [](Both& root, Thing* target) { root.map.Append(target, nullptr); }},
@@ -536,15 +542,15 @@ TEST_F(BinOutStreamerTests, ClassesThatAreNotRegisteredAreNamed) {
         {"external", [](Both& root, Thing* target) { root.external = target; }},
         {"external of a list", [](Both& root, Thing* target) { root.externals.Add(target); }},
     };
-    for (const auto& tested : cases) {
-        SCOPED_TRACE(tested.name);
+    for (const auto& [name, attach] : cases) {
+        SCOPED_TRACE(name);
         const pointer<Thing> unknown(new Unknown);
         const pointer<Thing> subclass(new Forgotten);
         Both first;
-        tested.attach(first, unknown.get());
+        attach(first, unknown.get());
         EXPECT_EQ(AssertionIn([&] { Save(schema, &first); }), unregistered);
         Both second;
-        tested.attach(second, subclass.get());
+        attach(second, subclass.get());
         EXPECT_EQ(AssertionIn([&] { Save(schema, &second); }), forgotten);
         TZoMetaData::WritingGenericFile(true);
         EXPECT_EQ(ObjectRows(Save(schema, &second))[1].classId, 1) << "as its registered class";
@@ -639,11 +645,7 @@ TEST_F(BinOutStreamerTests, CountsOfListsAreBounded) {
     const TZoPointerListAccessors pointers{.nItems = claim, .iterateOver = none};
     const TZoPointerListAccessors broken{.nItems = one,
                                          .iterateOver = none}; // its walk does not keep the count
-    const struct {
-        const char* name;
-        std::function<void(TZoClass& on)> declare;
-        const char* expression;
-    } cases[] = {
+    const std::tuple<const char*, std::function<void(TZoClass & on)>, const char*> cases[] = {
         {"strings", [&](TZoClass& on) { on.AddFieldListString("f", values); }, tooMany},
         {"children", [&](TZoClass& on) { on.AddFieldChildPointerList("f", nullptr, pointers); }, tooMany},
         {"references", [&](TZoClass& on) { on.AddFieldPointerList("f", nullptr, pointers); }, tooMany},
@@ -651,14 +653,14 @@ TEST_F(BinOutStreamerTests, CountsOfListsAreBounded) {
          [&](TZoClass& on) { on.AddFieldChildPointerMap("f", nullptr, nullptr, nullptr); }, "key && value"},
         {"another count", [&](TZoClass& on) { on.AddFieldPointerList("f", nullptr, broken); }, another},
     };
-    for (const auto& tested : cases) {
+    for (const auto& [name, declare, expression] : cases) {
         TZoMetaData own;
         Thing::Register(&own);
-        tested.declare(*own.FindClass("Thing"));
+        declare(*own.FindClass("Thing"));
         Thing object;
         const FailedAssertion failed = AssertionOf([&] { Save(own, &object); });
-        EXPECT_EQ(failed.expression, tested.expression) << tested.name;
-        EXPECT_EQ(failed.source, "cpp/Persistence/ZoMetaData") << tested.name;
+        EXPECT_EQ(failed.expression, expression) << name;
+        EXPECT_EQ(failed.source, "cpp/Persistence/ZoMetaData") << name;
     }
 }
 
@@ -735,11 +737,7 @@ TEST_F(FileSchemaTests, HoldsTheClassesThatTheGraphNeeds) {
                                             "Vehicle 6",  "Engine 7",  "Garage 9"};
     std::vector<std::string> withTurbine = declared;
     withTurbine.insert(withTurbine.end() - 1, "Turbine 8");
-    const struct {
-        const char* name;
-        std::function<void(Garage&)> fill;
-        std::vector<std::string> classes;
-    } cases[] = {
+    const std::tuple<const char*, std::function<void(Garage&)>, std::vector<std::string>> cases[] = {
         {"null: the declared classes and all that they declare, generic bases not", [](auto&) {}, declared},
         {"an object brings its own class and its ancestors",
          [](auto& garage) { garage.engine = new Turbine; }, withTurbine},
@@ -748,15 +746,15 @@ TEST_F(FileSchemaTests, HoldsTheClassesThatTheGraphNeeds) {
         {"a map's values that are null", [](auto& garage) { garage.prices.Append(new Wheel, nullptr); },
          declared},
     };
-    for (const auto& tested : cases) {
-        SCOPED_TRACE(tested.name);
+    for (const auto& [name, fill, classes] : cases) {
+        SCOPED_TRACE(name);
         Garage garage;
-        tested.fill(garage);
+        fill(garage);
         const std::string file = Save(schema, &garage);
-        EXPECT_EQ(ClassesIn(file), tested.classes);
+        EXPECT_EQ(ClassesIn(file), classes);
         TDVector<ZoString> names, declaredNames;
         garage.GetOriginalClass(&schema)->GetClassMetaData(&schema, &garage, &names);
-        EXPECT_EQ(names.NItems(), tested.classes.size());
+        EXPECT_EQ(names.NItems(), classes.size());
         schema.FindClass("Garage")->FindField("engine")->GetUninstantiatedFieldMetaData(&schema,
                                                                                         &declaredNames);
         EXPECT_EQ(declaredNames.NItems(), 5U) << "engines, vehicles, and what those and their parents hold";

@@ -249,11 +249,7 @@ TEST_F(ReaderTest, PointersLeadWhereTheyCan) {
     const int greatest = 2'147'483'647, least = -greatest - 1;
     const char* const loose = "Outer, map 3 0 3 0, middle 4, direct 5; Middle, inner 6; Inner, children 3 0; "
                               "Middle, inner 7; Inner; Inner; Inner";
-    const struct {
-        const char* name;
-        std::vector<Row> rows;
-        const char* graph;
-    } cases[] = {
+    const std::tuple<const char*, std::vector<Row>, const char*> cases[] = {
         {"of a member of another type only what it shares is copied; the object goes on as itself",
          {WideAt(1, {}, 2), WideAt(2, {.number = 7}, 0, 3, {3, 3}), InnerAt(3, {})},
          "Wide, base 4; Wide 7, base 5, other 3, others 3 3; Inner; Inner 7; Inner"},
@@ -406,11 +402,11 @@ TEST_F(ReaderTest, PointersLeadWhereTheyCan) {
           InnerAt(3, {.invalid = true, .child = 2})},
          "Outer, middle 3, direct 4; Inner 7; Middle, inner 5; Inner; Inner"},
     };
-    for (const auto& tested : cases) {
-        SCOPED_TRACE(tested.name);
-        Opened opened = Open(tested.rows);
-        EXPECT_EQ(GraphOf(tested.rows), tested.graph);
-        EXPECT_EQ(opened.root == nullptr, tested.graph[0] == '\0');
+    for (const auto& [name, rows, graph] : cases) {
+        SCOPED_TRACE(name);
+        Opened opened = Open(rows);
+        EXPECT_EQ(GraphOf(rows), graph);
+        EXPECT_EQ(opened.root == nullptr, graph[0] == '\0');
     }
 }
 

@@ -299,29 +299,6 @@ TEST(MemoryBinOutStreamTests, CopyOfASinkHoldsHeaderAndOpenRecordOnly) {
     EXPECT_FALSE(copy == memory) << "of one size";
 }
 
-TEST(MemoryBinOutStreamTests, HeaderIsRewrittenOnlyWhereThereIsOne) {
-    TMemoryBinOutStream never, detached(3, 2026), placed(3, 2026);
-    detached.Initialize();
-    unsigned long long size = 0;
-    std::free(detached.Detach(size));
-    EXPECT_EQ(size, 28u);
-    for (TMemoryBinOutStream* stream : {&never, &detached}) {
-        *stream << 1;
-        stream->FlushRecord(1, 1);
-        *stream << 2;
-        stream->RewriteHeader();
-        EXPECT_EQ(stream->GetBufferSize(), 4u);
-        EXPECT_EQ(BytesOf(*stream), RecordBytes(1, 1, LittleEndian(1)));
-    }
-    placed << true; // no header at all
-    placed.Initialize();
-    placed.RewriteHeader();
-    EXPECT_EQ(BytesOf(placed), "\1");
-    placed.SaveHeader();
-    placed.Initialize();
-    EXPECT_EQ(BytesOf(placed), HeaderBytes(3, 2026)) << "one that was there before";
-}
-
 TEST(MemoryBinOutStreamTests, WritesIntoTheCallersBlock) {
     TMemoryBinOutStream stream;
     stream << 5;

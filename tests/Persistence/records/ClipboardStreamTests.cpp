@@ -91,28 +91,6 @@ TEST(ClipboardBinOutStreamTests, WhatFailedToBePutMayBePutLater) {
     }
 }
 
-TEST(ClipboardBinOutStreamTests, TheHeader) {
-    FakeClipboard clipboard;
-    TClipboardBinOutStream out(3, 2026);
-    out.Initialize();
-    PutText(out, 1, "text");
-    const std::string full(DEFAULT_BUFFER_SIZE, '5');
-    out.Append(full.data(), full.size());
-    out.RewriteHeader(); // the open record stays
-    out.FlushRecord(2, 7);
-    out.Finalize();
-    EXPECT_TRUE(clipboard.block == HeaderBytes(3, 2026, 2) + TextRecord(1, "text") + RecordBytes(2, 7, full));
-
-    // One of the caller's, with an extra block, is taken as it is.
-    const std::string own = HeaderBytes(1, 2, 1, 3) + "abc";
-    out.Append(own.data(), own.size());
-    out.Initialize();
-    PutText(out, 1, "text");
-    out.Finalize();
-    EXPECT_EQ(clipboard.block, own + TextRecord(1, "text"));
-    EXPECT_EQ(Pasted(), "1 ");
-}
-
 TEST(ClipboardBinOutStreamTests, Misuse) {
     TClipboardBinOutStream out;
     EXPECT_EQ(FailureOf([&] { out.Reset(); }),
@@ -150,12 +128,8 @@ TEST(ClipboardBinInStreamTests, WhatABlockHolds) {
         return std::string(good).replace(at, 4, LittleEndian(word));
     };
     const std::size_t second = good.size() - 31;
-    const struct {
-        const char* name;
-        std::optional<std::string> block;
-        std::string read;
-        bool padded; // zeros behind the block are no records
-    } rows[] = {
+    // zeros behind the block are no records
+    const std::tuple<const char*, std::optional<std::string>, std::string, bool> rows[] = {
         {"a header of zeros", HeaderBytes(0, 0), "", true},
         {"zeros at the end", HeaderBytes(0, 0, 2) + TextRecord(1, "a") + TextRecord(2, zeros), "1 2 ", true},
         {"nothing but zeros", HeaderBytes(0, 0, 1) + RecordBytes(0, 0, zeros), "0 ", true},
@@ -172,14 +146,14 @@ TEST(ClipboardBinInStreamTests, WhatABlockHolds) {
         {"size beyond the end", changed(second + 4, 8), "1 No error" + RECORD + "3", false},
         {"size beyond the buffer", changed(second + 4, ~0U), "1 skipped ", true},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, block, read, padded] : rows) {
         for (const std::size_t padding : {0U, 1U, 7U, 24U, 70'000U, 20'000'000U}) {
-            if (padding != 0 && !row.padded) break;
-            SCOPED_TRACE(std::string(row.name) + " and " + std::to_string(padding));
+            if (padding != 0 && !padded) break;
+            SCOPED_TRACE(std::string(name) + " and " + std::to_string(padding));
             FakeClipboard clipboard;
-            clipboard.block = row.block;
+            clipboard.block = block;
             clipboard.padding = padding;
-            EXPECT_EQ(Pasted(3), row.read);
+            EXPECT_EQ(Pasted(3), read);
             EXPECT_EQ(clipboard.log, "ogc");
         }
     }

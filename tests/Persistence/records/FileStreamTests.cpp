@@ -495,9 +495,10 @@ TEST_F(FileStreamTests, ACallersFileStaysTheCallers) {
         EXPECT_EQ(in.Seek(-32, 2), PLACE + HEADER + 31);
         EXPECT_EQ(Rest(in), "2:away");
     }
-    EXPECT_EQ(services.Count("CloseFile"), 0);
     EXPECT_THAT(folder.Names(), ElementsAre("plan.zo"));
-    Platform::Current().CloseFile(file);
+    EXPECT_EQ(services.Count("CloseFile"), 0);
+    EXPECT_EQ(FailureOf([&] { TFileBinInStream(file, true).OpenFile(); }), "");
+    EXPECT_EQ(services.OpenHandles(), 0u) << "unless a reader is given it";
 }
 
 // Opening
@@ -784,26 +785,6 @@ TEST_F(FileStreamTests, AFileKeptLockedIsReadAnew) {
     in >> value;
     EXPECT_EQ(value, 0);
     EXPECT_NE(in.GetFile(), nullptr);
-}
-
-TEST_F(FileStreamTests, AStreamOverAnOpenFile) {
-    Save(plan, "text", false);
-    for (const bool owns : {false, true}) {
-        FaultyServices services;
-        const Platform::FileHandle file = Platform::Current().OpenFile(
-            plan.c_str(), Platform::Access::Read, Platform::Share::Read, Platform::Creation::OpenExisting);
-        {
-            TFileBinInStream in(file, owns, 2);
-            EXPECT_EQ(FailureOf([&] { in.Initialize(); }), " @ ");
-            EXPECT_EQ(services.OpenHandles(), owns ? 0u : 1u);
-        }
-        if (owns) continue;
-        TFileBinInStream in(file, owns);
-        in.Initialize();
-        EXPECT_EQ(Rest(in), "2:text");
-        EXPECT_EQ(in.GetFile(), file);
-        Platform::Current().CloseFile(file);
-    }
 }
 
 } // namespace

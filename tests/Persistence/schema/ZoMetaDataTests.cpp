@@ -45,11 +45,7 @@ class OnlyMaps : public NoFields {
 };
 
 TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
-    const struct {
-        const char* name;
-        void (*registerClasses)(TZoMetaData&);
-        std::vector<ClassEntry> entries;
-    } cases[] = {
+    const std::tuple<const char*, void (*)(TZoMetaData&), std::vector<ClassEntry>> cases[] = {
         {"all kinds, maps in a block of their own before the values", app::RegisterEveryKind,
          app::EveryKindEntries()},
         {"no field: five empty blocks; only maps: no value",
@@ -61,11 +57,11 @@ TEST(ZoMetaDataTests, HoldsEveryClassByteByByte) {
           {.id = 2, .name = "OnlyMaps", .parents = {1}, .maps = {{1, -19, "pairs"}}}}},
         {"no class", [](TZoMetaData&) {}, {}},
     };
-    for (const auto& tested : cases) {
-        SCOPED_TRACE(tested.name);
+    for (const auto& [name, registerClasses, entries] : cases) {
+        SCOPED_TRACE(name);
         TZoMetaData schema;
-        tested.registerClasses(schema);
-        const std::vector<Row> expected{{0, 0, SchemaOf(tested.entries)}};
+        registerClasses(schema);
+        const std::vector<Row> expected{{0, 0, SchemaOf(entries)}};
         EXPECT_EQ(WrittenSchema(schema), expected);
         LoadedSchema loaded(expected[0].payload);
         ASSERT_TRUE(loaded.sound);
@@ -262,11 +258,7 @@ TEST(ZoMetaDataTests, CheckTellsWhatIsMissingAndWhatIsLostAlthoughAllIsThere) {
     const auto untyped = [](TZoMetaData* schema) {
         return schema->AddClass(new TZoClass(schema, nullptr, "NoFields", nullptr, false, nullptr));
     };
-    const struct {
-        const char* name;
-        std::vector<TZoClass* (*)(TZoMetaData*)> registered;
-        std::string told;
-    } rows[] = {
+    const std::tuple<const char*, std::vector<TZoClass* (*)(TZoMetaData*)>, std::string> rows[] = {
         {"nothing registered", {}, ""},
         {"neither parent nor target",
          {OnlyMaps::Register<OnlyMaps>},
@@ -287,17 +279,17 @@ TEST(ZoMetaDataTests, CheckTellsWhatIsMissingAndWhatIsLostAlthoughAllIsThere) {
          {none, none, other, other, untyped},
          "[zowarning] two C++ classes are called NoFields: the second one is not registered"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, registered, told] : rows) {
+        SCOPED_TRACE(name);
         TZoMetaData schema;
-        for (const auto registers : row.registered) registers(&schema);
+        for (const auto registers : registered) registers(&schema);
         ZoString missing, warnings;
-        const bool sound = row.told.rfind("[zoerror]", 0) != 0;
+        const bool sound = told.rfind("[zoerror]", 0) != 0;
         EXPECT_TRUE(schema.Check(&missing, &warnings) == sound && schema.Check(nullptr) == sound);
-        EXPECT_EQ(Text(sound ? warnings : missing), row.told);
+        EXPECT_EQ(Text(sound ? warnings : missing), told);
         EXPECT_EQ(Text(sound ? missing : warnings), "");
         EXPECT_EQ(FailureOf([&] { schema.CheckOrThrow(); }),
-                  row.told.empty() ? "" : row.told + " @ TZoMetaData::CheckOrThrow");
+                  told.empty() ? "" : told + " @ TZoMetaData::CheckOrThrow");
         schema.Clear();
         EXPECT_NO_THROW(schema.CheckOrThrow());
     }

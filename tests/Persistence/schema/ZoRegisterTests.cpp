@@ -129,6 +129,20 @@ TEST(ZoRegisterTests, NeverGivesAnIdTwice) {
               "[zoerror] class Leaf has the id 1, as Target has in this schema. See TZoMetaData::AddClass");
     EXPECT_EQ(fourth.FindClass("Leaf"), nullptr);
     EXPECT_NE(other.FindClass("Leaf"), nullptr);
+    // Nothing of a class that was refused waits for others.
+    const std::string file = FileOf({Row{0, 0, ClassEntry{}.Bytes()}});
+    TMemoryBinInStream stream(file.data(), file.size(), 0);
+    stream.Initialize();
+    int uid = 0, classId = 0;
+    stream.LoadRecord(&uid, &classId);
+    const pointer<TZoClass> refused(new TZoClass(&fourth, nullptr, "", nullptr, false, nullptr));
+    refused->LoadMetaFromStream(&stream); // which gives it the id 1
+    auto* waiting = refused->AddFieldPointer("f", nullptr, nullptr, nullptr);
+    waiting->SetFieldClassName("Leaf");
+    fourth.AddToResolveCrossRefs(waiting);
+    EXPECT_NE(AssertionOf([&] { fourth.AddClass(refused.get()); }).message, "");
+    app::Leaf::Register(&fourth);
+    EXPECT_EQ(waiting->GetFieldClass(), nullptr);
 }
 
 TEST(ZoRegisterTests, WhatABorrowerExcludesStaysInTheOwnersClasses) {
@@ -437,35 +451,32 @@ TEST(ZoRegisterTests, HandWrittenAccessorsServeTheListsIntegers) {
 }
 
 TEST(ZoRegisterTests, HandWrittenAccessorsKeepAMapsKeyByAnyPointer) {
-    const struct {
-        const char* name;
-        TZoClassFieldType kind;
-        std::initializer_list<int> uids; // the key's, the object's
-    } cases[] = {
+    // the key's, the object's
+    const std::tuple<const char*, TZoClassFieldType, std::initializer_list<int>> cases[] = {
         {"owned", ftChildPointer, {2, 3}},
         {"a list of owned ones", ftChildPointerList, {1, 2, 3}},
         {"a member", ftChildValue, {2, 3}},
         {"owned elsewhere", ftPointer, {3, 2}}, // by the field behind the map
         {"external", ftPointerEx, {4, 2}},
     };
-    for (const auto& tested : cases) {
-        SCOPED_TRACE(tested.name);
+    for (const auto& [name, kind, uids] : cases) {
+        SCOPED_TRACE(name);
         TZoMetaData schema;
         app::Leaf::Register(&schema);
-        ByHand::Register(&schema, tested.kind);
+        ByHand::Register(&schema, kind);
         ByHand written;
         written.members[1].number = 11;
         written.owned[5] = new app::Leaf(11);
         written.lists[3].Add(written.owned[5].get());
-        if (tested.kind == ftPointer) written.owned[0] = written.owned[5];
+        if (kind == ftPointer) written.owned[0] = written.owned[5];
         written.owned[4] = new app::Leaf(12);
         const std::string file = Save(schema, &written);
-        EXPECT_EQ(RowsOf(file)[1].payload.find(Payload().Ints(tested.uids)), 0U);
+        EXPECT_EQ(RowsOf(file)[1].payload.find(Payload().Ints(uids)), 0U);
         Opened opened(file, schema);
         auto& read = opened.Root<ByHand>();
-        ZoStreamableBase* key = tested.kind == ftChildValue         ? &read.members[1]
-                                : tested.kind == ftChildPointerList ? read.lists[3][1].get()
-                                                                    : read.owned[5].get();
+        ZoStreamableBase* key = kind == ftChildValue         ? &read.members[1]
+                                : kind == ftChildPointerList ? read.lists[3][1].get()
+                                                             : read.owned[5].get();
         EXPECT_EQ(dynamic_cast<app::Leaf&>(*key).number, 11);
         EXPECT_EQ(Save(schema, &read), file);
     }

@@ -1,4 +1,7 @@
 enable_language(RC)
+# The oldest system that has all that the library calls: Windows 8, Windows Server 2012.
+target_compile_definitions(zo_objects PRIVATE _WIN32_WINNT=0x0602)
+
 configure_file(cmake/windows/version.rc.in version.rc @ONLY)
 target_sources(ZoPrimitives PRIVATE ${CMAKE_BINARY_DIR}/version.rc)
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,16 +14,7 @@ std::vector<std::string> Arguments(int count, char** given);
 /// Runs a command of the system's shell; true if it ends well.
 bool RunCommand(const std::string& command);
 
-/// While it lives, the terminal shows what is printed as UTF-8.
-class Utf8Terminal {
-public:
-    Utf8Terminal();
-    Utf8Terminal(const Utf8Terminal&) = delete;
-    Utf8Terminal& operator=(const Utf8Terminal&) = delete;
-    ~Utf8Terminal();
-
-private:
-    unsigned before = 0;
-};
+/// While the result lives, the terminal shows what is printed as UTF-8.
+std::shared_ptr<void> ShowUtf8();
 
 } // namespace Frame

@@ -19,6 +19,7 @@
 #include <functional>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -218,7 +219,7 @@ int Fail(const std::string& sentence) {
 int main(int count, char** arguments) {
     // Most applications do this. The library's files and texts are the same in every locale.
     std::setlocale(LC_ALL, "");
-    const Utf8Terminal terminal;
+    const std::shared_ptr<void> utf8 = ShowUtf8();
     try {
         const std::vector<std::string> words = Arguments(count, arguments);
         return Run(words.at(0), ReadOptions({words.begin() + 1, words.end()}));

@@ -7,8 +7,4 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
-// The oldest system that has all that is called here: Windows 8, Windows Server 2012.
-#ifndef _WIN32_WINNT
-#define _WIN32_WINNT 0x0602
-#endif
 #include <windows.h>

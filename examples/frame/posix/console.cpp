@@ -8,8 +8,6 @@ std::vector<std::string> Arguments(int count, char** given) { return {given, giv
 
 bool RunCommand(const std::string& command) { return std::system(command.c_str()) == 0; }
 
-// It does so already.
-Utf8Terminal::Utf8Terminal() = default;
-Utf8Terminal::~Utf8Terminal() = default;
+std::shared_ptr<void> ShowUtf8() { return nullptr; } // it does so already
 
 } // namespace Frame

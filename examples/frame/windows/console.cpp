@@ -22,9 +22,12 @@ bool RunCommand(const std::string& command) {
     return _wsystem(std::filesystem::u8path(command).c_str()) == 0;
 }
 
-Utf8Terminal::Utf8Terminal() : before(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
-Utf8Terminal::~Utf8Terminal() {
-    if (before != 0) SetConsoleOutputCP(before);
+std::shared_ptr<void> ShowUtf8() {
+    const UINT before = GetConsoleOutputCP(); // 0: no console
+    SetConsoleOutputCP(CP_UTF8);
+    return {nullptr, [before](void*) {
+                if (before != 0) SetConsoleOutputCP(before);
+            }};
 }
 
 } // namespace Frame

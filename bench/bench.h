@@ -107,6 +107,9 @@ std::unique_ptr<Contender> MakeFiltered();
 /// Objects that hold values, in three ways, and texts; see shapes.cpp.
 void RunShapes(int runs);
 
+/// Digest, report and checks; see checks.cpp.
+void RunChecks(int runs);
+
 /// CRC-32 and searches; see micro.cpp.
 void RunMicro(int runs);
 

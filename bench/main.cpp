@@ -288,6 +288,7 @@ int Run(int count, char** arguments) {
     bool large = false;
     bool filtered = false;
     bool shapes = false;
+    bool checks = false;
     int runs = 0;
     std::string only;
     std::string svg;
@@ -303,6 +304,8 @@ int Run(int count, char** arguments) {
             filtered = true;
         } else if (argument == "--shapes") {
             shapes = true;
+        } else if (argument == "--checks") {
+            checks = true;
         } else if (argument == "--svg" && i + 1 < count) {
             svg = arguments[++i];
         } else if (argument == "--cpu") {
@@ -312,10 +315,9 @@ int Run(int count, char** arguments) {
         } else if (argument == "--only" && i + 1 < count) {
             only = arguments[++i];
         } else {
-            std::fprintf(
-                stderr,
-                "usage: zo_bench [--quick | --large | --micro | --filtered | --shapes | --only NAME]\n"
-                "                [--cpu] [--runs N] [--svg FILE]\n");
+            std::fprintf(stderr, "usage: zo_bench [--quick | --large | --micro | --filtered | --shapes | "
+                                 "--checks | --only NAME]\n"
+                                 "                [--cpu] [--runs N] [--svg FILE]\n");
             return 2;
         }
     }
@@ -327,7 +329,8 @@ int Run(int count, char** arguments) {
     if (!micro) TouchFreeMemory();
     if (filtered) RunFiltered(fewRuns);
     if (shapes) RunShapes(fewRuns);
-    if (filtered || shapes) return 0;
+    if (checks) RunChecks(fewRuns);
+    if (filtered || shapes || checks) return 0;
     if (!micro) {
         Chart chart;
         std::vector<std::size_t> sizes{10'000, 100'000};
@@ -344,6 +347,7 @@ int Run(int count, char** arguments) {
             RunFiltered(fewRuns);
         }
         RunShapes(fewRuns);
+        RunChecks(fewRuns);
     }
     RunMicro(fewRuns);
     return 0;

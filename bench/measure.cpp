@@ -39,15 +39,14 @@ std::uint64_t FileSize(const std::string& path) {
 
 bool countsProcessorTime = false;
 
-/// Nanoseconds.
+} // namespace
+
 double Clock() {
     if (!countsProcessorTime) return Now();
     timespec time{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
 }
-
-} // namespace
 
 void TouchFreeMemory() {
     unsigned long long free = 0; // KiB

@@ -32,6 +32,8 @@ struct Result {
 void TouchFreeMemory();
 /// From here on measures the process's processor time instead of wall-clock time.
 void CountProcessorTime();
+/// In nanoseconds.
+double Clock();
 
 /// Runs `work` in a child process and returns the result that it fills; `done` is false if the child died.
 Result InChild(const std::function<void(Result&)>& work);

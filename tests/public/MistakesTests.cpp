@@ -109,6 +109,13 @@ TEST(MistakesTests, AreTold) {
              save(hall, other);
          },
          "parent class of Hall not registered"},
+        {"two classes have one name",
+         [&](std::string&) {
+             TZoMetaData other;
+             Register<Room, later::Room>(other);
+             save(root, other);
+         },
+         "two C++ classes are called Room: the second one is not registered"},
         {"the class of a field is not registered",
          [&](std::string&) {
              TZoMetaData other;

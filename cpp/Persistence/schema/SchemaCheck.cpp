@@ -52,8 +52,28 @@ std::vector<ZoString> SchemaCheck::Warnings() const {
     for (const auto& checked : schema.classes) {
         AddBasesLeftOut(lines, *checked);
         AddEmptyTargets(lines, *checked);
+        AddSharedFormerNames(lines, *checked);
     }
     return lines;
+}
+
+/// Names of which a file's data can only come to one of those that had them.
+void SchemaCheck::AddSharedFormerNames(std::vector<ZoString>& lines, const TZoClass& checked) const {
+    for (const ZoString& former : checked.formerNames) {
+        const TZoClass* first = schema.FindFormerClass(former);
+        if (first == &checked) continue;
+        lines.push_back(
+            ZoString::FormatString("[zowarning] classes %s and %s both had the name %s. See ZO_CLASS_WAS",
+                                   first->GetName().c_str(), checked.GetName().c_str(), former.c_str()));
+    }
+    for (const auto& [former, field] : checked.formerFieldNames) {
+        const TZoClassField* first = checked.FindFormerField(former);
+        if (first == field) continue;
+        lines.push_back(ZoString::FormatString(
+            "[zowarning] fields %s and %s of class %s both had the name %s. See ZO_FIELD_WAS",
+            first->GetFieldName().c_str(), field->GetFieldName().c_str(), checked.GetName().c_str(),
+            former.c_str()));
+    }
 }
 
 void SchemaCheck::AddBasesLeftOut(std::vector<ZoString>& lines, TZoClass& checked) const {

@@ -23,6 +23,7 @@ private:
     void AddMissingClass(std::vector<ZoString>& lines, const TZoClassField& field,
                          const TZoClassField& target) const;
     void AddBasesLeftOut(std::vector<ZoString>& lines, TZoClass& checked) const;
+    void AddSharedFormerNames(std::vector<ZoString>& lines, const TZoClass& checked) const;
     void AddEmptyTargets(std::vector<ZoString>& lines, const TZoClass& checked) const;
     bool IsHere(const TZoClass& named) const { return schema.FindClass(named.GetClassId()) == &named; }
 

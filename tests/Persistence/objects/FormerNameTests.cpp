@@ -123,6 +123,16 @@ TEST_F(FormerNameTests, GiveWayToPresentOnesAndAreFoundByFiltersAndTexts) {
     Opened opened(bytes, later);
     EXPECT_EQ(opened.streamer.GetFileMetaData()->GetClass(1)->GetOriginal(), other);
     EXPECT_EQ(opened.Count(), 0U);
+    // Of two that had one name only the first is found.
+    other->AddFormerName("Joist");
+    TZoClass* beam = later.FindClass("Beam");
+    beam->AddFormerName(beam->FindField("next"), "length");
+    ZoString warnings;
+    EXPECT_TRUE(later.Check(nullptr, &warnings));
+    EXPECT_EQ(Text(warnings),
+              "[zowarning] classes Girder and Beam both had the name Joist. See ZO_CLASS_WAS\n"
+              "[zowarning] fields clearLength and next of class Beam both had the name length. See "
+              "ZO_FIELD_WAS");
 }
 
 } // namespace

@@ -16,7 +16,20 @@ if(MINGW)
                     OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
     list(APPEND runtime ${path})
   endforeach()
-  add_custom_command(TARGET ZoPrimitives POST_BUILD
-                     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${runtime} ${CMAKE_BINARY_DIR}/bin)
-  install(FILES ${runtime} TYPE BIN)
+  # The compiler's carry debug information of ten times their size.
+  set(bin ${CMAKE_BINARY_DIR}/bin)
+  set(beside)
+  foreach(library ${runtime})
+    list(APPEND strip COMMAND ${CMAKE_STRIP} -o ${bin}/$<PATH:GET_FILENAME,${library}> ${library})
+    list(APPEND beside ${bin}/$<PATH:GET_FILENAME,${library}>)
+  endforeach()
+  # What a debugger needs of ours lies in a file of its own, which the DLL names.
+  set(dll $<TARGET_FILE:ZoPrimitives>)
+  add_custom_command(TARGET ZoPrimitives POST_BUILD ${strip}
+                     COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${dll} ${dll}.debug
+                     COMMAND ${CMAKE_STRIP} --strip-debug ${dll}
+                     COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${dll}.debug ${dll})
+  install(FILES ${beside} ${dll}.debug TYPE BIN)
+  install(FILES /usr/share/doc/gcc-mingw-w64-base/copyright DESTINATION share/licenses/ZoPrimitives RENAME gcc.txt)
+  install(FILES /usr/share/doc/mingw-w64-common/copyright DESTINATION share/licenses/ZoPrimitives RENAME mingw-w64.txt)
 endif()

@@ -90,8 +90,8 @@ ZO_API const char* ZoAssertAdvice() noexcept;
 /// The same for a position, from 0, in a text.
 [[noreturn]] ZO_API void ZoFailPosition(const char* condition, const ZoSite& site,
                                         unsigned long long position, unsigned long long length);
-/// Fails the assertion "object" because a `pointer` or `crossRef` is null. `target`: the type of a plain
-/// pointer to its objects.
+/// Fails the assertion "object" because a `pointer` or `crossRef` is null. `target`: the
+/// type of its objects, or of a plain pointer to them.
 [[noreturn]] ZO_API void ZoFailNull(int line, const char* holder, const std::type_info& target);
 
 /// Composes the text, shows it if enabled, and throws `XZoAssertFailed`: with "CrashRpt" if a box was shown,

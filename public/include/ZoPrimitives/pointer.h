@@ -79,7 +79,7 @@ private:
         return nullptr;
     }
     T* Checked() const {
-        if (object == nullptr) ZoFailNull(__LINE__, "pointer", typeid(T*));
+        if (object == nullptr) ZoFailNull(__LINE__, "pointer", typeid(T));
         return object;
     }
 

@@ -206,7 +206,7 @@ public:
     ~ClassicLocale();
 
 private:
-    void* previous;
+    [[maybe_unused]] void* previous;
 };
 
 struct Stack {

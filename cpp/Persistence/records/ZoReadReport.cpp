@@ -19,7 +19,11 @@ class Lines {
 public:
     template <class... Arguments>
     void Add(const char* literal, const Arguments&... arguments) {
-        text += ZoString::FormatString(TTranslatedString(literal).Text().c_str(), arguments...).c_str();
+        const ZoString line = TTranslatedString(literal).Text();
+        if constexpr (sizeof...(arguments) == 0)
+            text += line.c_str();
+        else
+            text += ZoString::FormatString(line.c_str(), arguments...).c_str();
         text += '\n';
     }
     ZoString Whole() const { return WholeText({text}); }

@@ -144,17 +144,17 @@ void TZoClassFieldList<T>::LoadFromStream(TBinInStream* stream, ZoStreamableBase
     FieldCodec::LoadFileField(*stream, *this, object);
 }
 
-template class TZoClassFieldValue<int>;
-template class TZoClassFieldValue<unsigned>;
-template class TZoClassFieldValue<bool>;
-template class TZoClassFieldValue<float>;
-template class TZoClassFieldValue<double>;
-template class TZoClassFieldValue<ZoString>;
-template class TZoClassFieldValue<ZoBlob>;
-template class TZoClassFieldList<int>;
-template class TZoClassFieldList<float>;
-template class TZoClassFieldList<double>;
-template class TZoClassFieldList<ZoString>;
+template class ZO_API_DEFINED TZoClassFieldValue<int>;
+template class ZO_API_DEFINED TZoClassFieldValue<unsigned>;
+template class ZO_API_DEFINED TZoClassFieldValue<bool>;
+template class ZO_API_DEFINED TZoClassFieldValue<float>;
+template class ZO_API_DEFINED TZoClassFieldValue<double>;
+template class ZO_API_DEFINED TZoClassFieldValue<ZoString>;
+template class ZO_API_DEFINED TZoClassFieldValue<ZoBlob>;
+template class ZO_API_DEFINED TZoClassFieldList<int>;
+template class ZO_API_DEFINED TZoClassFieldList<float>;
+template class ZO_API_DEFINED TZoClassFieldList<double>;
+template class ZO_API_DEFINED TZoClassFieldList<ZoString>;
 
 // Pointers
 

@@ -13,3 +13,18 @@
 #else
 #define ZO_API
 #endif
+
+// An instantiation that the library exports is declared in a header and defined in one source. mingw exports
+// it by the declaration, Microsoft's compiler by the definition, and that one refuses the other's form.
+#if defined(_WIN32) && !defined(__MINGW32__) && defined(ZO_BUILDING_LIBRARY) && !defined(ZO_STATIC)
+#define ZO_API_DECLARED
+#define ZO_API_DEFINED ZO_API
+#else
+#define ZO_API_DECLARED ZO_API
+#define ZO_API_DEFINED
+#endif
+
+// All modules use one run-time library (docs/windows.md), so private members and bases of its types are safe.
+#ifdef _MSC_VER
+#pragma warning(disable : 4251 4275)
+#endif

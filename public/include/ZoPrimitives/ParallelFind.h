@@ -80,7 +80,7 @@ public:
     template <class Search>
     void Run(unsigned long long count, unsigned long long step, const Search& search) {
         while (count > 0) {
-            const unsigned long long taken = std::min(count, step);
+            const unsigned long long taken = (std::min)(count, step);
             const unsigned long long first = next.fetch_add(taken, std::memory_order_relaxed);
             if (first >= Lowest()) return;
             const unsigned long long found = search(first, first + taken);
@@ -200,7 +200,7 @@ constexpr unsigned long long ZoSerialFindLimit = 1000;
 /// How many elements of a longer vector are compared before the workers are called, if they are compared
 /// directly: calling them does not pay for a match near the beginning.
 constexpr std::size_t ZoSerialFindPrefix(std::size_t count) {
-    return std::max(static_cast<std::size_t>(ZoSerialFindLimit), count / 256);
+    return (std::max)(static_cast<std::size_t>(ZoSerialFindLimit), count / 256);
 }
 
 /// Destroys all elements and keeps the capacity. The vector is already empty when destructors run, because

@@ -218,17 +218,17 @@ private:
     TZoListAccessors<T> access;
 };
 
-extern template class ZO_API TZoClassFieldValue<int>;
-extern template class ZO_API TZoClassFieldValue<unsigned>;
-extern template class ZO_API TZoClassFieldValue<bool>;
-extern template class ZO_API TZoClassFieldValue<float>;
-extern template class ZO_API TZoClassFieldValue<double>;
-extern template class ZO_API TZoClassFieldValue<ZoString>;
-extern template class ZO_API TZoClassFieldValue<ZoBlob>;
-extern template class ZO_API TZoClassFieldList<int>;
-extern template class ZO_API TZoClassFieldList<float>;
-extern template class ZO_API TZoClassFieldList<double>;
-extern template class ZO_API TZoClassFieldList<ZoString>;
+extern template class ZO_API_DECLARED TZoClassFieldValue<int>;
+extern template class ZO_API_DECLARED TZoClassFieldValue<unsigned>;
+extern template class ZO_API_DECLARED TZoClassFieldValue<bool>;
+extern template class ZO_API_DECLARED TZoClassFieldValue<float>;
+extern template class ZO_API_DECLARED TZoClassFieldValue<double>;
+extern template class ZO_API_DECLARED TZoClassFieldValue<ZoString>;
+extern template class ZO_API_DECLARED TZoClassFieldValue<ZoBlob>;
+extern template class ZO_API_DECLARED TZoClassFieldList<int>;
+extern template class ZO_API_DECLARED TZoClassFieldList<float>;
+extern template class ZO_API_DECLARED TZoClassFieldList<double>;
+extern template class ZO_API_DECLARED TZoClassFieldList<ZoString>;
 
 using TZoClassFieldInt = TZoClassFieldValue<int>;
 using TZoClassFieldUnsigned = TZoClassFieldValue<unsigned>;

@@ -57,7 +57,7 @@ struct ZoFieldIndex {
     static constexpr int value = Index;
 };
 
-constexpr int ZoMostFields = 128;
+inline constexpr int ZoMostFields = 128;
 
 /// Converts to all lower ranks: a call with the highest one picks the overload that was declared last.
 template <int N>

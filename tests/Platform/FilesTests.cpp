@@ -286,24 +286,4 @@ TEST_F(FilesTests, OfRivalsThatOpenAtOnceExactlyOneWins) {
     }
 }
 
-TEST_F(FilesTests, AFileThatIsOpenIsNeverDeletedUnderItsUser) {
-    constexpr int Rounds = 1000;
-    std::atomic<bool> done = false;
-    std::thread deleter([&] {
-        while (!done) Current().DeleteWholeFile(folder.Path("f").c_str());
-    });
-    int opened = 0, lost = 0;
-    for (int round = 0; round < Rounds; ++round) {
-        const FileHandle file = Create(folder.Path("f"));
-        if (file == nullptr) continue;
-        ++opened;
-        if (!folder.Has("f")) ++lost;
-        Current().CloseFile(file);
-    }
-    done = true;
-    deleter.join();
-    EXPECT_GT(opened, 0);
-    EXPECT_EQ(lost, 0);
-}
-
 } // namespace

@@ -1,8 +1,4 @@
-#include "ZoPrimitives/Checksum.h"
-#include "ZoPrimitives/LDPoint.h"
-#include "ZoPrimitives/TTransformation.h"
-#include "ZoPrimitives/TVector2D.h"
-#include "ZoPrimitives/TVector3D.h"
+#include "ZoPrimitives/ZoPrimitives.h"
 
 #include "support/CommaLocale.h"
 #include "support/RoundTrip.h"

@@ -1,4 +1,3 @@
-#include "ZoPrimitives/IList.h"
 #include "ZoPrimitives/pointer.h"
 #include "support/Assertions.h"
 
@@ -69,10 +68,6 @@ TEST_F(PointerTests, MovingLeavesTheSourceEmpty) {
     }
 }
 
-struct Tree : Counted {
-    TIList<Tree> children;
-};
-
 TEST_F(PointerTests, LongChainsAreReleasedWithoutRecursion) {
     pointer<Counted> head;
     for (int i = 0; i < 1000000; ++i) {
@@ -81,17 +76,6 @@ TEST_F(PointerTests, LongChainsAreReleasedWithoutRecursion) {
         head = std::move(link);
     }
     head.reset();
-    EXPECT_EQ(Counted::alive, 0);
-
-    TIList<Tree> roots; // a list at every link
-    roots.Add(new Tree);
-    Tree* deepest = roots[1].get();
-    for (int i = 0; i < 200000; ++i) {
-        deepest->children.Add(new Tree);
-        deepest->children.Add(new Tree);
-        deepest = deepest->children[1].get();
-    }
-    roots.RemoveAll();
     EXPECT_EQ(Counted::alive, 0);
 }
 

@@ -299,7 +299,7 @@ struct Family {
         }
         at[1]->child = at[2];
         at[2]->child = at[3];
-        for (const unsigned i : {4, 5, 6}) at[1]->children.Add(at[i]);
+        for (const unsigned i : {4U, 5U, 6U}) at[1]->children.Add(at[i]);
     }
     Keeper* One(unsigned number) { return number == 9 ? new Keeper : at[number]; } // 9: somebody new
     Keeper* at[9] = {};
@@ -375,7 +375,7 @@ TEST_F(BinOutStreamerTests, LeavesOutWhatHooksLetGoOf) {
             };
             make(tested.before);
             family.at[tested.acts]->act = [&] { make(tested.changes); };
-            for (const unsigned i : {2, 3, 4, 5, 6})
+            for (const unsigned i : {2U, 3U, 4U, 5U, 6U})
                 if (!kept) family.held[i] = nullptr;
             const std::string file = Save(schema, family.at[1]);
             EXPECT_EQ(Numbers(file), kept && !tested.kept.empty() ? tested.kept : tested.written);
@@ -694,7 +694,6 @@ class Machine : public ZoObjectStreamable {
 };
 class Vehicle : public Machine {
     REGISTER_ZO_BEGIN(Vehicle, Machine)
-    DECLARE_ZO_FIELD_CHILD_LIST(Wheel, wheels)
     REGISTER_ZO_END
 };
 class Engine : public ZoObjectStreamable {

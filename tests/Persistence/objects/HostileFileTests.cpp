@@ -158,10 +158,6 @@ std::vector<Hostile> HostileGrowing() {
                  rows.push_back({i, i, "\1\1\1\1"});
              }
          }},
-        {"parents that are many", 40'000,
-         [=](int n, Classes classes, Rows) {
-             classes = {empty, {.id = 2, .name = "Leaf", .parents = std::vector<int>(times(n), 1)}};
-         }},
         {"parents that are repeated, an object of each class", 400,
          [=](int n, Classes classes, Rows rows) {
              classes = {flag};
@@ -183,12 +179,6 @@ std::vector<Hostile> HostileGrowing() {
              classes = {Wide(-10, n), {.id = 2, .name = "Leaf", .parents = std::vector<int>(500, 1)}};
              rows = {{1, 2, std::string(500 * times(n), '\1')}};
          }},
-        {"fields that stand in the wrong block", 40'000,
-         [=](int n, Classes classes, Rows rows) {
-             classes = {empty};
-             for (int i = 0; i < n; ++i) classes[0].values.push_back({0, i % 2 == 0 ? -9 : -10, ""});
-             rows = {{1, 1, ""}};
-         }},
         {"records without content", 40'000,
          [=](int n, Classes classes, Rows rows) {
              classes = {empty};
@@ -206,11 +196,6 @@ std::vector<Hostile> HostileGrowing() {
                  rows.push_back({i, 2, Payload().Int(i + 1)});
                  rows.push_back({i + 1, 1, Payload().Int(7)});
              }
-         }},
-        {"one list of pointers to nothing", 40'000,
-         [=](int n, Classes classes, Rows rows) {
-             classes = {{.id = 1, .name = "EveryKind", .childLists = {{0, -7, "children"}}}};
-             rows = {{1, 1, Payload().Int(n).Add(Payload(std::string(4 * times(n), '\1')))}};
          }},
     };
     for (const int kind : {-4, -6, -7, -8, -9, -10, -14, -19})

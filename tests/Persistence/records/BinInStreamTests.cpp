@@ -7,13 +7,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
-#include <memory>
 #include <random>
 #include <stdexcept>
-#include <utility>
-#include <vector>
 
 using namespace ZoPrimitives;
 using namespace std::string_literals;

@@ -2,7 +2,6 @@
 #include "support/Streaming.h"
 
 #include <cstdlib>
-#include <map>
 #include <memory>
 #include <random>
 
@@ -101,26 +100,6 @@ TEST(BinOutStreamTests, HeaderHoldsVersionReleaseAndCount) {
     EXPECT_EQ(own.bytes, HeaderBytes(3, 2026));
     EXPECT_FALSE(own.PutsDirectly());
     EXPECT_TRUE(OwnSink() == OwnSink(0, 0));
-}
-
-TEST(BinOutStreamTests, ScramblesWithThreeKeysAndSumsThePlainBytes) {
-    const std::string plain = "\0\1\2\3\4\xFF"s;
-    std::map<std::string, int> met;
-    std::srand(1);
-    for (int i = 0; i < 300; ++i) {
-        TMemoryBinOutStream stream;
-        stream.SetUsesSecurity(true);
-        stream.Append(plain.data(), plain.size());
-        stream.FlushRecord(1, 1);
-        const std::string bytes = BytesOf(stream);
-        EXPECT_EQ(Word(bytes, 8), ZlibCrc(plain));
-        ++met[bytes.substr(20)];
-    }
-    EXPECT_EQ(met.size(), 3u);
-    for (const std::string& stored :
-         {"\1\0\0\0\x0B\x0C\x0D\x08\x09\xF0"s, "\2\0\0\0\x16\x1B\x1C\x15\x1E\xE1"s,
-          "\4\0\0\0\x2C\x35\x3E\x2F\x30\xC3"s})
-        EXPECT_GT(met[stored], 60) << "key " << stored[0];
 }
 
 /// Sums are put in late and in batches: whatever is done between, they are right when the bytes are seen.

@@ -116,12 +116,8 @@ TEST(HeadDigestTests, FindsWhatTheSumsOfRecordsMiss) {
     };
     const std::string second = good.substr(SECOND, STEP), third = good.substr(SECOND + STEP, STEP);
     const std::string wrong = "Arquivo corrompido @ TBinInStream::CheckDigest";
-    const struct {
-        const char* name;
-        std::string bytes;
-        std::string said;
-        bool foundBefore; // the records' sums, or the search for them, tell
-    } rows[] = {
+    // The last: the sums of records, or the search for them, tell too.
+    const std::tuple<const char*, std::string, std::string, bool> rows[] = {
         {"good", good, "", false},
         {"class", byte(SECOND + 12, 1), wrong, false},
         {"uid", byte(SECOND + 16, 1), wrong, false},
@@ -143,15 +139,15 @@ TEST(HeadDigestTests, FindsWhatTheSumsOfRecordsMiss) {
         {"block of another kind", byte(BLOCK, 1), "", false},
         {"layout of a later version", byte(BLOCK + 4, 2), "", false},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(EndOf(row.bytes), row.said);
-        EXPECT_EQ(EndOf<IndirectStream>(row.bytes), row.said);
-        if (!row.foundBefore) {
-            EXPECT_EQ(EndOf(row.bytes, true, true), row.said) << "none of a class";
-            EXPECT_EQ(EndOf<IndirectStream>(row.bytes, true, true), row.said);
+    for (const auto& [name, bytes, said, foundBefore] : rows) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(EndOf(bytes), said);
+        EXPECT_EQ(EndOf<IndirectStream>(bytes), said);
+        if (!foundBefore) {
+            EXPECT_EQ(EndOf(bytes, true, true), said) << "none of a class";
+            EXPECT_EQ(EndOf<IndirectStream>(bytes, true, true), said);
         }
-        EXPECT_EQ(EndOf(row.bytes, false), "") << "unless asked";
+        EXPECT_EQ(EndOf(bytes, false), "") << "unless asked";
     }
 }
 

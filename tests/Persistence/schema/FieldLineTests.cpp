@@ -64,48 +64,35 @@ TEST(FieldLineTests, ValuesWithoutAKindAreStoredReadably) {
                             const std::string& when) {
         return Payload().Int(finish).Int(small).Text(least).Text(most).Text(when);
     };
-    const struct {
-        const char* name;
-        Finish finish;
-        Small small;
-        long long least;
-        unsigned long long most;
-        long long ticks;
-        std::string bytes;
-    } rows[] = {
-        {"at first", Finish::Painted, Least, 0, 0, 0,
-         payload(1, 0, "0", "0", "1970-01-01T00:00:00.0000000Z")},
-        {"greatest", Finish::Galvanised, Most, LLONG_MIN, ULLONG_MAX, 12'345'678,
-         payload(2, 255, "-9223372036854775808", "18446744073709551615", "1970-01-01T00:00:01.2345678Z")},
-        {"before 1970", Finish::Raw, Least, -1, 1, -1,
-         payload(0, 0, "-1", "1", "1969-12-31T23:59:59.9999999Z")},
-        {"end of time", Finish::Raw, Least, LLONG_MAX, 1, LLONG_MAX,
-         payload(0, 0, "9223372036854775807", "1", "31197-09-14T02:48:05.4775807Z")},
-        {"first of times", Finish::Raw, Least, 5, 1, LLONG_MIN,
-         payload(0, 0, "5", "1", "-27258-04-19T21:11:54.5224192Z")},
+    const Wide first;
+    EXPECT_TRUE(first.finish == Finish::Painted && first.small == Least && first.least == 0 &&
+                first.most == 0 && first.when.Ticks() == 0);
+    const std::tuple<Finish, Small, long long, unsigned long long, long long, const char*> rows[] = {
+        {Finish::Painted, Least, 0, 0, 0, "1970-01-01T00:00:00.0000000Z"},
+        {Finish::Galvanised, Most, LLONG_MIN, ULLONG_MAX, 12'345'678, "1970-01-01T00:00:01.2345678Z"},
+        {Finish::Raw, Least, -1, 1, -1, "1969-12-31T23:59:59.9999999Z"},
+        {Finish::Raw, Least, LLONG_MAX, 1, LLONG_MAX, "31197-09-14T02:48:05.4775807Z"},
+        {Finish::Raw, Least, 5, 1, LLONG_MIN, "-27258-04-19T21:11:54.5224192Z"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [finish, small, least, most, ticks, when] : rows) {
+        SCOPED_TRACE(when);
         Wide wide;
-        if (&row != rows) {
-            wide.finish = row.finish;
-            wide.small = row.small;
-            wide.least = row.least;
-            wide.most = row.most;
-            wide.when = TTimestamp::FromTicks(row.ticks);
-        }
+        wide.finish = finish;
+        wide.small = small;
+        wide.least = least;
+        wide.most = most;
+        wide.when = TTimestamp::FromTicks(ticks);
         const std::string file = Save(schema, &wide);
-        EXPECT_EQ(RowsOf(file)[1].payload, row.bytes);
+        EXPECT_EQ(RowsOf(file)[1].payload,
+                  std::string(payload(static_cast<int>(finish), small, std::to_string(least),
+                                      std::to_string(most), when)));
         Opened opened(file, schema);
         const Wide& read = opened.Root<Wide>();
-        EXPECT_TRUE(read.finish == row.finish && read.small == row.small && read.least == row.least &&
-                    read.most == row.most && read.when.Ticks() == row.ticks);
+        EXPECT_TRUE(read.finish == finish && read.small == small && read.least == least &&
+                    read.most == most && read.when.Ticks() == ticks);
     }
 
-    const struct {
-        const char* field;
-        std::string bytes;
-    } refused[] = {
+    const std::pair<const char*, std::string> refused[] = {
         {"small", payload(0, 256, "0", "0", "1970-01-01T00:00:00Z")},
         {"small", payload(0, -1, "0", "0", "1970-01-01T00:00:00Z")},
         {"least", payload(0, 0, "9223372036854775808", "0", "1970-01-01T00:00:00Z")},
@@ -117,9 +104,9 @@ TEST(FieldLineTests, ValuesWithoutAKindAreStoredReadably) {
     };
     Wide wide;
     std::vector<Row> sound = RowsOf(Save(schema, &wide));
-    for (const auto& row : refused) {
-        sound[1].payload = row.bytes;
+    for (const auto& [field, bytes] : refused) {
+        sound[1].payload = bytes;
         const std::string told = FailureOf([&] { const Opened opened(FileOf(sound), schema); });
-        EXPECT_NE(told.find(std::string("field ") + row.field), std::string::npos) << told;
+        EXPECT_NE(told.find(std::string("field ") + field), std::string::npos) << told;
     }
 }

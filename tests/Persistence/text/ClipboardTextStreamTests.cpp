@@ -80,26 +80,6 @@ TEST(ClipboardOutputStreamTests, EachValueIsItsLengthAndItsBytes) {
     }
 }
 
-TEST(ClipboardOutputStreamTests, FinalizeTellsOfAFailure) {
-    FakeClipboard clipboard("theirs");
-    clipboard.openError = Platform::ErrorSharingViolation;
-    for (const bool again : {false, true}) {
-        ClipboardOutputStream stream;
-        stream << "a";
-        EXPECT_EQ(FailureOf([&] { stream.Finalize(); }), "Clipboard in use" + PUT);
-        stream << "b"; // the destructor says nothing
-        EXPECT_EQ(clipboard.block, "theirs");
-        if (!again) continue;
-        clipboard.openError = 0;
-        stream.Finalize();
-        EXPECT_EQ(AssertionOf([&] { stream << 1; }).expression,
-                  "!finalized && \"[zoerror] a stream fills the clipboard once\"");
-        clipboard.block = "later";
-    }
-    EXPECT_EQ(clipboard.block, "later");
-    EXPECT_EQ(clipboard.log, "osc");
-}
-
 // Reading
 
 TEST(ClipboardInputStreamTests, TakesNothingThatIsNotThere) {

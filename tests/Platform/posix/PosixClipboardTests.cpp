@@ -126,28 +126,4 @@ TEST_F(PosixClipboardTests, GoesWithNoOneWhoHasItOpen) {
     EXPECT_TRUE(services.OpenClipboard()) << "after a crash";
 }
 
-TEST_F(PosixClipboardTests, WritersAtOnceLeaveOneWholeBlock) {
-    constexpr int Writers = 4, Rounds = 50;
-    std::vector<Child> writers;
-    for (int i = 0; i < Writers; ++i) {
-        writers.emplace_back([this, i] {
-            const std::string block(static_cast<std::size_t>(100'000 + i), static_cast<char>('a' + i));
-            for (int left = Rounds; left > 0;) left -= Copy(format, block);
-            return 0;
-        });
-    }
-    int whole = 0, mixed = 0;
-    const auto look = [&] {
-        const std::optional<std::string> held = Paste(format);
-        if (!held) return;
-        const auto writer = static_cast<std::size_t>(held->front() - 'a');
-        (held == std::string(100'000 + writer, held->front()) ? whole : mixed) += 1;
-    };
-    while (whole < Rounds) look();
-    for (const Child& writer : writers) EXPECT_EQ(writer.Wait(), 0);
-    look();
-    EXPECT_EQ(mixed, 0);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(store), {}), 1);
-}
-
 } // namespace

@@ -177,7 +177,6 @@ TEST_F(FrameTests, ComparisonFindsEveryKindOfDifference) {
         {[](Building& b) { b.storeys[2]->building = nullptr; }, "building"},
         {[](Building& b) { b.storeys[6]->members.RemoveFirst(); }, "members"},
         {[](Building& b) { std::swap(b.legend.ValueAt(1), b.legend.ValueAt(2)); }, "grey"},
-        {[](Building& b) { b.sections[4]->catalogue = nullptr; }, "catalogue"},
         {[&](Building& b) { b.storeys[2]->members.Last() = column; }, "class"},
     };
     for (const auto& [change, field] : cases) {
@@ -299,7 +298,6 @@ TEST_F(FrameTests, BadTablesAreRefusedWithFileAndLine) {
     const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"sections", "area_in2", "area", "frame9-sections.csv, line 1: the headings must be \"name,"},
         {"sections", "75.6", "75,6", "frame9-sections.csv, line 3: 4 fields are expected, 5 are there."},
-        {"sections", "75.6", "inf", "line 3: \"inf\" is not a number above zero."},
         {"sections", "W14x257", "W14x233", "line 3: W14x233 is there already."},
         {"bays", "B-C", "B", "frame9-bays.csv, line 3: \"B\" does not name two column lines"},
         {"bays", "C-D", "D-E", "line 4: bay D-E does not begin where the one before ends."},

@@ -21,42 +21,23 @@ using namespace Frame;
 using testing::HasSubstr;
 using ZoPrimitives::pointer;
 
-/// A building of one column, as docs/text-format.md shows it.
-Model Shed() {
-    Model model;
-    model.building = new Building;
-    model.objects.Add(model.building);
-    Building& shed = *model.building;
-    shed.name = "Galp\xE3o\nde teste";
-    shed.lines.Add("A");
-    shed.site.name = "S\xE3o Paulo";
-    shed.materials.Add(new Material);
-    shed.materials[1]->name = "A\xE7o";
-    shed.materials[1]->density = GPeso(7850, ZoPrimitives::TPeso::kgf_m3);
-    shed.sections.Add(new Section);
-    Section& section = *shed.sections[1];
-    section.name = "W 150";
-    section.depth = GComprimento(15.3);
-    section.area = GArea(16.6);
-    section.inertia = GInercia(685.0);
-    section.material = shed.materials[1];
-    for (int i = 0; i < 2; ++i) shed.nodes.Add(new Node);
-    shed.nodes[1]->support = true;
-    shed.nodes[2]->place.Y(365.76);
-    shed.storeys.Add(new Storey);
-    Storey& storey = *shed.storeys[1];
-    storey.name = "T\xE9rreo";
-    storey.height = GComprimento(365.76);
-    storey.building = &shed;
-    storey.floor.Add(shed.nodes[1].get());
-    Column* column = new Column;
-    column->name = "P1";
-    column->section = &section;
-    column->start = shed.nodes[1];
-    column->end = shed.nodes[2];
-    column->exterior = true;
-    storey.members.Add(column);
-    return model;
+/// The text of a building of one column, as docs/text-format.md shows it: a line holds tokens with ends
+/// between them, and an explanation.
+std::string ShownText() {
+    std::ifstream document(FRAME_DOCS "/text-format.md");
+    std::string shown;
+    bool inside = false;
+    for (std::string line; std::getline(document, line);) {
+        if (line == "```") inside = false;
+        if (inside) {
+            line = line.substr(0, line.find('|'));
+            line.erase(line.find_last_not_of(' ') + 1);
+            shown += (shown.empty() ? "" : "\r\n") + line;
+        }
+        if (line == "```text") inside = true;
+    }
+    return ZoPrimitives::ZoFromUtf8(ZoString(shown.c_str()).ReplaceString(" ↵ ", "\r\n", true).c_str())
+        .c_str();
 }
 
 struct TextTests : testing::Test {
@@ -69,6 +50,7 @@ struct TextTests : testing::Test {
         folder.Write(name, text);
         return ReadText(folder.Path(name));
     }
+    Model Shed() const { return ModelOf(ShownText()); }
     std::string FailureOf(const std::string& text) const {
         return ::FailureOf([&] { ModelOf(text); });
     }
@@ -104,20 +86,17 @@ TEST_F(TextTests, HoldsTheWholeGraph) {
 }
 
 TEST_F(TextTests, IsTheOneInTheDocument) {
-    // A line holds tokens with ends between them, and an explanation.
-    std::ifstream document(FRAME_DOCS "/text-format.md");
-    std::vector<std::string> shown;
-    bool inside = false;
-    for (std::string line; std::getline(document, line);) {
-        if (line == "```") inside = false;
-        if (inside) {
-            line = line.substr(0, line.find('|'));
-            line.erase(line.find_last_not_of(' ') + 1);
-            shown.emplace_back(ZoString(line.c_str()).ReplaceString(" ↵ ", "\r\n", true).c_str());
-        }
-        if (line == "```text") inside = true;
-    }
-    EXPECT_EQ(Joined(shown), ZoPrimitives::ZoToUtf8(TextOf(Shed()).c_str()));
+    const Model model = Shed();
+    const Building& shed = *model.building;
+    const auto& column = dynamic_cast<const Column&>(*shed.storeys[1]->members[1]);
+    EXPECT_EQ(shed.name, "Galp\xE3o\nde teste");
+    EXPECT_EQ(shed.lines[1] + shed.site.name + column.name + column.section->name, "AS\xE3o PauloP1W 150");
+    EXPECT_EQ(shed.materials[1]->density, GPeso(7850, ZoPrimitives::TPeso::kgf_m3));
+    EXPECT_TRUE(column.section->depth == 15.3 && column.section->area == 16.6 &&
+                column.section->inertia == 685.0);
+    EXPECT_TRUE(column.exterior && column.start == shed.nodes[1] && column.end->place.Y() == 365.76);
+    EXPECT_TRUE(shed.nodes[1]->support && shed.storeys[1]->floor[1] == shed.nodes[1].get());
+    EXPECT_EQ(TextOf(model), ShownText());
 }
 
 TEST_F(TextTests, KeepsTextsOfSeveralLines) {

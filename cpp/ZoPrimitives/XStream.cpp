@@ -54,6 +54,19 @@ XNewerVersion::XNewerVersion(unsigned file, unsigned supported)
     : XReadStream("", "", TStreamFailure::TooNew), fileVersion(file), supportedVersion(supported) {}
 XNewerVersion::~XNewerVersion() = default;
 
+XCannotKeep::XCannotKeep(const ZoString& itsClass, const ZoString& itsField, const ZoString& where)
+    : XReadStream(
+          ZoString::FormatString(
+              TTranslatedString("Partes de uma versão mais nova não podem ser preservadas: %s%s%s"_ansi)
+                  .Text()
+                  .c_str(),
+              itsClass.c_str(), itsField.length() != 0 ? "." : "", itsField.c_str()),
+          where, TStreamFailure::TooNew),
+      className(itsClass), field(itsField) {}
+XCannotKeep::XCannotKeep(const XCannotKeep&) = default;
+XCannotKeep& XCannotKeep::operator=(const XCannotKeep&) = default;
+XCannotKeep::~XCannotKeep() = default;
+
 XUnversionableVersion::XUnversionableVersion() : XReadStream("", "", TStreamFailure::TooOld) {}
 XUnversionableVersion::~XUnversionableVersion() = default;
 

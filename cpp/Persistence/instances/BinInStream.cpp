@@ -72,7 +72,7 @@ void TBinInStream::AddExcludedField(TZoClassField* field, unsigned recordPositio
     instances->excluded.Add(field, recordPosition);
 }
 
-void TBinInStream::RemoveExcludedField(TZoClassField* field) { instances->excluded.Remove(field); }
+void TBinInStream::RemoveExcludedField(TZoClassField* field) { instances->excluded.Remove(field, position); }
 
 TZoClassField* TBinInStream::GetFirstExcludedField() {
     const ExcludedFields::Entry* first = instances->excluded.First();

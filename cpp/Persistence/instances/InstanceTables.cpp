@@ -5,11 +5,12 @@
 
 namespace ZoPrimitives {
 
-void ExcludedFields::Remove(TZoClassField* field) {
+void ExcludedFields::Remove(TZoClassField* field, unsigned position) {
     const auto left = entries.begin() + static_cast<std::ptrdiff_t>(first);
     const auto found =
         std::find_if(left, entries.end(), [field](const Entry& entry) { return entry.field == field; });
     if (found == entries.end()) return;
+    if (found->recordPosition != position) taken.push_back(field);
     if (found == left) {
         ++first;
     } else {

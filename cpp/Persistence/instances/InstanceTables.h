@@ -7,6 +7,7 @@
 #include "ZoPrimitives/ZoStreamable.h"
 #include "ZoPrimitives/dvector.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <unordered_set>
@@ -24,17 +25,23 @@ public:
     };
 
     void Add(TZoClassField* field, unsigned recordPosition) { entries.push_back({field, recordPosition}); }
-    void Remove(TZoClassField* field);
+    /// `position`: where the record is read next. The field was taken if that is no longer its beginning.
+    void Remove(TZoClassField* field, unsigned position);
+    bool WasTaken(const TZoClassField* field) const {
+        return std::find(taken.begin(), taken.end(), field) != taken.end();
+    }
     /// The first one left; null when none is left.
     const Entry* First() const { return first == entries.size() ? nullptr : &entries[first]; }
     void Reserve(std::size_t count) { entries.reserve(count); }
     void Clear() noexcept {
         entries.clear();
+        taken.clear();
         first = 0;
     }
 
 private:
     std::vector<Entry> entries;
+    std::vector<const TZoClassField*> taken;
     std::size_t first = 0; // entries before it were removed
 };
 

@@ -2,6 +2,7 @@
 
 #include "Persistence/instances/ClassNames.h"
 #include "Persistence/instances/InstanceTables.h"
+#include "Persistence/instances/KeptParts.h"
 #include "Platform/Platform.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/WholeText.h"
@@ -33,12 +34,14 @@ ZoString PlainClassName(const ZoString& classText) {
     return WholeText({Without(Without(classText.c_str(), "ZoPrimitives::"), "class ")});
 }
 
-ZoStreamableBase::ZoStreamableBase() : handleRun(0), madeFor(0) {}
+ZoStreamableBase::ZoStreamableBase() : handleRun(0), madeFor(0), kept(0) {}
 ZoStreamableBase::ZoStreamableBase(const ZoStreamableBase& other)
-    : ZoObject(other), handleRun(0), madeFor(other.madeFor) {}
-ZoStreamableBase::ZoStreamableBase(StreamableInit) : handleRun(0), madeFor(0) {}
+    : ZoObject(other), handleRun(0), madeFor(other.madeFor), kept(0) {}
+ZoStreamableBase::ZoStreamableBase(StreamableInit) : handleRun(0), madeFor(0), kept(0) {}
 ZoStreamableBase& ZoStreamableBase::operator=(const ZoStreamableBase&) { return *this; }
-ZoStreamableBase::~ZoStreamableBase() = default;
+ZoStreamableBase::~ZoStreamableBase() {
+    if (kept != 0) KeptParts::End(*this);
+}
 
 void ZoStreamableBase::WillWrite() {}
 

@@ -1,6 +1,7 @@
 #include "ZoPrimitives/BinInStreamer.h"
 
 #include "Persistence/instances/InstanceTables.h"
+#include "Persistence/objects/KeptReader.h"
 #include "Persistence/objects/MadeObjects.h"
 #include "Persistence/objects/MemberObjects.h"
 #include "Persistence/objects/ObjectReader.h"
@@ -49,6 +50,7 @@ struct TBinInStreamer::Use {
     bool asked{};        // whether those members may be invalid is known
     unsigned long long read{}; // objects, as an ancestor's
     unsigned long long lost{}; // objects that were not made
+    unsigned long long kept{}; // objects that are kept whole
 
     bool Answers(ZoHooks hook) const { return (hooks & hook) != 0; }
 };
@@ -92,7 +94,8 @@ private:
     std::vector<unsigned> positions; // by id: in `uses`, from 1; 0: none
 };
 
-TBinInStreamer::TBinInStreamer(TBinInStream* stream, TZoMetaData* schema) : stream(stream), schema(schema) {}
+TBinInStreamer::TBinInStreamer(TBinInStream* stream, TZoMetaData* schema)
+    : stream(stream), schema(schema), fileSchema(std::make_shared<TZoMetaData>()) {}
 TBinInStreamer::~TBinInStreamer() = default;
 
 void TBinInStreamer::OnAfterLoadInstance(ZoStreamableBase*) {}
@@ -118,11 +121,18 @@ void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
     ZO_ASSERT(stream->HasHeader() || !stream->GetsDirectly(),
               "stream->HasHeader() && \"[zoerror] call Initialize of the stream before reading\"",
               ZoSources::BIN_IN_STREAMER);
+    ZO_ASSERT(
+        !keepsUnknown || stream->GetsDirectly(),
+        "stream->GetsDirectly() && \"[zoerror] KeepUnknown takes records as they stand: the stream must "
+        "not have operators of its own\"",
+        ZoSources::BIN_IN_STREAMER);
     int uid = 0;
     int classId = 0;
     if (!stream->LoadRecord(&uid, &classId)) Throw("Metadado corrompido", noRecord);
-    if (!fileSchema.LoadFromStream(stream, schema)) Throw("Metadado inválido"_ansi, noSchema);
-    uses = std::make_unique<Uses>(fileSchema);
+    uses = nullptr;
+    if (keepsUnknown) fileSchema = std::make_shared<TZoMetaData>(); // parts of an earlier file may have it
+    if (!fileSchema->LoadFromStream(stream, schema)) Throw("Metadado inválido"_ansi, noSchema);
+    uses = std::make_unique<Uses>(*fileSchema);
     unknown.RemoveAll();
     rootUid = 0;
     wrongDigest = false;
@@ -133,15 +143,20 @@ void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
 void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
     scope = classIds != nullptr ? Scope::SomeClasses : Scope::AllClasses;
     InstanceTables::Of(*stream).lost.Begin(IsFiltered());
+    struct EndKept {
+        std::unique_ptr<KeptReader>& kept;
+        ~EndKept() { kept = nullptr; }
+    } const endKept{kept};
     if (!IsFiltered()) stream->ReserveInstances();
     MadeObjects made(*stream);
     operations = typeid(*this) == typeid(TBinInStreamer) ? Operations::Library : Operations::Overridden;
     // Members that are objects are found through the entries of the objects read for them.
     bool all = IsOverridden();
-    for (int i = 1; i <= fileSchema.GetClassCount() && !all; ++i) {
-        const TZoClass* original = fileSchema.GetClass(i)->GetOriginal();
-        all = original != nullptr && original->HasValueChildren();
+    for (int i = 1; i <= fileSchema->GetClassCount() && !all; ++i) {
+        const TZoClass* original = fileSchema->GetClass(i)->GetOriginal();
+        all = original == nullptr ? keepsUnknown : original->HasValueChildren();
     }
+    kept = keepsUnknown ? std::make_unique<KeptReader>(*stream, fileSchema, *schema) : nullptr;
     const ObjectReader reader(*stream, all ? ObjectReader::Entries::All : ObjectReader::Entries::Waiting,
                               !IsOverridden() ? &made.awaited : nullptr);
     try {
@@ -150,9 +165,26 @@ void TBinInStreamer::ReadRecords(const std::vector<int>* classIds) {
         if ((strict & strictDamage) == 0 && !acceptsDamage) throw;
         wrongDigest = true;
     }
+    if (kept != nullptr) kept->EndRecords();
     made.HandOver();
-    Resolve(made);
+    if (kept != nullptr) {
+        ResolveKept(made);
+    } else {
+        Resolve(made);
+    }
     Validate(made);
+}
+
+/// All of it or nothing.
+void TBinInStreamer::ResolveKept(MadeObjects& made) {
+    try {
+        Resolve(made);
+    } catch (...) {
+        kept->Discard();
+        made.EndHold();
+        ReleaseObjects();
+        throw;
+    }
 }
 
 /// Throws `XWrongDigest` when all are read.
@@ -168,7 +200,7 @@ void TBinInStreamer::ReadAllRecords(const std::vector<int>* classIds, const Obje
     int classId = 0;
     if (IsFiltered()) {
         const int count = static_cast<int>(classIds->size());
-        while (stream->LoadFilteredRecord(&fileSchema, classIds->data(), &classId, &uid, count)) {
+        while (stream->LoadFilteredRecord(fileSchema.get(), classIds->data(), &classId, &uid, count)) {
             ReadRecord(reader, uid, classId, made);
             meter.Step(where);
         }
@@ -210,12 +242,17 @@ void TBinInStreamer::Decide(Use& use) {
 
 /// Of the record of that uid no object is made.
 void TBinInStreamer::Lose(Use& use, int uid) {
+    if (kept != nullptr) {
+        ++use.kept;
+        return kept->TakeObject(*use.fileClass, uid);
+    }
     ++use.lost;
     InstanceTables::Of(*stream).lost.Drop(uid);
 }
 
 void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId, MadeObjects& made) {
     Use& use = UseOf(classId);
+    if (kept != nullptr) kept->Check(*use.fileClass, use.readAs);
     if (use.readAs == nullptr) return Lose(use, uid);
     const AwaitedMembers::Member member = made.awaited.Take(uid);
     if (member.object != nullptr) {
@@ -223,7 +260,7 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
             return ReadMember(reader, use, uid, member.object, member.owner, made);
         made.awaited.LeaveSome();
     }
-    ZoStreamableBase* object = CreateInstance(use.readAs, &fileSchema, schema);
+    ZoStreamableBase* object = CreateInstance(use.readAs, fileSchema.get(), schema);
     if (object == nullptr) return Lose(use, uid);
     made.Begin(object);
     if (use.substituted && !object->CanBeConvertedToBaseClass()) {
@@ -231,6 +268,7 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
         return Lose(use, uid);
     }
     if (use.substituted) ++use.read;
+    if (use.substituted && kept != nullptr) ++use.kept;
     made.hasValues = made.hasValues || use.hasValues;
     made.mayBeInvalid = made.mayBeInvalid || use.Answers(hookGetIsValid);
     if (use.hasValues && !use.asked) {
@@ -242,6 +280,7 @@ void TBinInStreamer::ReadRecord(const ObjectReader& reader, int uid, int classId
     made.Finish();
     if (IsOverridden()) OnAfterLoadInstance(object);
     if (use.Answers(hookCheckForExcludedFields)) object->CheckForExcludedFields(stream);
+    if (kept != nullptr) kept->TakeFields(*use.fileClass, *use.readAs, uid);
 }
 
 void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
@@ -250,6 +289,7 @@ void TBinInStreamer::ReadMember(const ObjectReader& reader, const Use& use, int 
     made.members.Set(uid, member);
     ReadFields(reader, use, uid, member, owner, made);
     if (use.Answers(hookCheckForExcludedFields)) member->CheckForExcludedFields(stream);
+    if (kept != nullptr) kept->TakeFields(*use.fileClass, *use.readAs, uid);
 }
 
 void TBinInStreamer::ReadFields(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* object,
@@ -277,9 +317,12 @@ void TBinInStreamer::Resolve(MadeObjects& made) {
         if (!tells && !ObjectReader::Resolves(*entries[i].fileClass)) continue;
         resolver.Begin(unresolved.Uids() + entries[i].firstUid, tells);
         ObjectReader::Resolve(*entries[i].fileClass, resolver, entries[i].object);
+        if (kept != nullptr && InstanceTables::Of(*stream).lost.TakeMet())
+            kept->TakeReferences(entries[i], unresolved.Uids() + entries[i].firstUid);
         if (IsOverridden()) OnAfterResolveInstance(entries[i].object);
     }
     InstanceTables::Of(*stream).awaited.Call(*stream);
+    if (kept != nullptr) kept->Attach(rootUid);
     InstanceTables::Of(*stream).EndReading();
 }
 
@@ -349,14 +392,16 @@ unsigned long long TBinInStreamer::GetDropped() const {
 }
 
 TZoReadReport TBinInStreamer::Report() const {
-    TZoReadReport report = ReportBuilder(*stream, const_cast<TZoMetaData&>(fileSchema), IsFiltered()).report;
+    TZoReadReport report = ReportBuilder(*stream, *fileSchema, IsFiltered()).report;
+    for (TZoReadReport::Field& field : report.fields)
+        field.kept = keepsUnknown && field.fault != TFieldFault::NotInFile;
     if (uses != nullptr) {
         for (const Use& use : uses->All()) {
-            if (use.read + use.lost == 0) continue;
+            if (use.read + use.lost + use.kept == 0) continue;
             report.lostClasses.Add(
                 {use.fileClass->GetName(), use.fileClass->GetOriginal() != nullptr,
                  use.substituted && use.readAs != nullptr ? use.readAs->GetName() : ZoString(), use.read,
-                 use.lost});
+                 use.lost, use.kept});
         }
     }
     report.removed = removed;

@@ -27,14 +27,18 @@ void TBinOutStreamer::CheckBegun() const {
               ZoSources::BIN_OUT_STREAMER);
 }
 
-void TBinOutStreamer::WriteSchemaOf(const UsedClasses& classes) {
+void TBinOutStreamer::WriteSchemaOf(const UsedClasses& classes, const MergedSchema::Files& keptFiles) {
     CheckBegun();
     // Not counted pointers: threads that save with one schema would share the counts.
     std::vector<TZoClass*> used;
     for (int i = 1; i <= schema->GetClassCount(); ++i) {
         if (classes.Uses(schema->GetClass(i))) used.push_back(schema->GetClass(i));
     }
-    TZoMetaData::SaveClasses(stream, used);
+    if (keptFiles.empty()) {
+        TZoMetaData::SaveClasses(stream, used);
+    } else {
+        writer->Keep(std::make_unique<KeptWriter>(*schema, used, keptFiles)).WriteSchema(stream);
+    }
 }
 
 void TBinOutStreamer::WriteObjectMetaData(ZoStreamableBase* root) {
@@ -47,7 +51,7 @@ void TBinOutStreamer::WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots) {
     SchemaWalk walk(schema);
     for (ZoStreamableBase* root : *roots) walk.Run(root);
     expected = walk.Met() + 1;
-    WriteSchemaOf(walk.Classes());
+    WriteSchemaOf(walk.Classes(), walk.KeptFiles());
 }
 
 void TBinOutStreamer::WriteMetaData() {

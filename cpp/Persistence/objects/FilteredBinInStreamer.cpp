@@ -31,8 +31,8 @@ bool TFilteredBinInStreamer::Read() {
 void TFilteredBinInStreamer::ReadNamed() {
     reader.LoadSchema("TFilteredBinInStreamer::Read #1", "TFilteredBinInStreamer::Read #2");
     std::vector<int> ids;
-    for (int i = 1; i <= reader.fileSchema.GetClassCount(); ++i) {
-        const TZoClass& fileClass = *reader.fileSchema.GetClass(i);
+    for (int i = 1; i <= reader.fileSchema->GetClassCount(); ++i) {
+        const TZoClass& fileClass = *reader.fileSchema->GetClass(i);
         const TZoClass* original = fileClass.GetOriginal();
         for (const ZoString& name : names) {
             // Its own name, or that of the application's class that had this one.

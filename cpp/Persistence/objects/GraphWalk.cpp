@@ -64,9 +64,7 @@ void GraphWalk::Run(ZoStreamableBase* root, TZoClass* rootClass) {
 }
 
 void GraphWalk::Finish() {
-    ZoItemAction collect([this](ZoStreamableBase* item) {
-        if (item != nullptr && knownExternals.insert(item).second) externals.Add(item);
-    });
+    ZoItemAction collect([this](ZoStreamableBase* item) { Collect(item); });
     while (!frames.empty()) {
         Frame& frame = frames.back();
         if (frame.next == frame.end) {
@@ -87,6 +85,7 @@ void GraphWalk::Finish() {
 
 void GraphWalk::Enter(ZoStreamableBase* object, TZoClass* objectClass) {
     order.push_back(object);
+    if (KeptParts::Has(*object)) CollectKept(object);
     if (meter != nullptr) meter->Step([this] { return std::pair(order.size(), std::size_t{0}); });
     if (series.empty() || series.back().objectClass != objectClass) BeginSeries(objectClass);
     series.back().end = order.size();
@@ -96,6 +95,17 @@ void GraphWalk::Enter(ZoStreamableBase* object, TZoClass* objectClass) {
         classes->Ask(object, *used, [](const std::vector<ZoStreamableBase*>&) {});
     }
     if (!plan.targets.empty()) PushTargets(object, plan);
+}
+
+/// What kept parts refer to is written after the main graph.
+void GraphWalk::CollectKept(ZoStreamableBase* object) {
+    keptFiles.Add(*object);
+    ZoItemAction collect([this](ZoStreamableBase* item) { Collect(item); });
+    KeptReferences::ForEachSaved(*object, *schema, collect);
+}
+
+void GraphWalk::Collect(ZoStreamableBase* item) {
+    if (item != nullptr && knownExternals.insert(item).second) externals.Add(item);
 }
 
 void GraphWalk::BeginSeries(TZoClass* objectClass) {

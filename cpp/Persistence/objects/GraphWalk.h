@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Persistence/objects/KeptObject.h"
 #include "Persistence/objects/UsedClasses.h"
 #include "Persistence/schema/WritePlan.h"
 #include "ZoPrimitives/ZoMetaData.h"
@@ -42,6 +43,8 @@ public:
     /// The objects in the order of their records: uids that were given here rise.
     const ZoVector<ZoStreamableBase*>& Order() const { return order; }
     const std::vector<Series>& OrderByClass() const { return series; }
+    /// The opened files of which the objects have kept parts.
+    const MergedSchema::Files& KeptFiles() const { return keptFiles.All(); }
     /// Whether no code of the application runs while the objects are written.
     bool IsSteady() const { return steady; }
 
@@ -61,6 +64,8 @@ private:
     bool Meet(const ZoStreamableBase* object);
     bool MeetGiven(int uid, const ZoStreamableBase* object);
     void Enter(ZoStreamableBase* object, TZoClass* objectClass);
+    void CollectKept(ZoStreamableBase* object);
+    void Collect(ZoStreamableBase* item);
     void BeginSeries(TZoClass* objectClass);
     void PushTargets(ZoStreamableBase* object, WritePlan& plan);
     void Finish();
@@ -80,6 +85,7 @@ private:
     ProgressMeter* meter = nullptr;    // null unless it is used
     UsedClasses::Plan* used = nullptr; // of the latest series
     bool steady = true;
+    FoundKeptFiles keptFiles;
 };
 
 /// Applies the action to the external references of one level of an object, nulls included.

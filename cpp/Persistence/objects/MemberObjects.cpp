@@ -2,6 +2,8 @@
 
 #include "Persistence/objects/ObjectReader.h"
 #include "ZoPrimitives/BinUnresolved.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoMetaData.h"
 
 #include <algorithm>
 #include <iterator>
@@ -36,9 +38,14 @@ void MemberObjects::TakeValue(TZoClassFieldPointer& field, ZoStreamableBase* own
     ZoStreamableBase* value = stream.GetHandle(uid);
     const std::size_t entry = EntryOf(uid);
     if (value == nullptr || entry == NOBODY || !field.Accepts(value)) {
-        if (collecting && uid != 0)
-            InstanceTables::Of(stream).lost.Add(field, uid, value != nullptr && entry != NOBODY);
-        return;
+        if (!collecting || uid == 0) return;
+        LostReferences& lost = InstanceTables::Of(stream).lost;
+        const bool wrongType = value != nullptr && entry != NOBODY;
+        // The member would be saved, too.
+        if (lost.IsKept(uid, wrongType))
+            throw XCannotKeep(field.GetOwnerClass()->GetName(), field.GetFieldName(),
+                              "TBinInStreamer::KeepUnknown");
+        return lost.Add(field, uid, wrongType);
     }
     const bool stands = IsMember(uid, value) && field.Get(owner) == value;
     if (!collecting && stands) {

@@ -6,6 +6,7 @@
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
+#include "ZoPrimitives/XStream.h"
 
 #include <typeinfo>
 #include <utility>
@@ -69,14 +70,22 @@ void PutRecord(TBinOutStream& stream, bool direct, const Fields& fields, ZoStrea
     }
 }
 
+[[noreturn]] void ThrowNotInSchema() {
+    throw XStream("[zoerror] the schema was written without what is kept of opened files. See "
+                  "TBinOutStreamer::WriteObjectMetaData",
+                  "TBinOutStreamer::WriteObjects");
+}
+
 } // namespace
 
 void ObjectWriter::WriteFields(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass) {
+    if (KeptParts::Find(*object) != nullptr) ThrowNotInSchema();
     PutRecord(stream, stream.PutsDirectly(), objectClass, object);
 }
 
 bool ObjectWriter::SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object,
                               TZoClass* objectClass) {
+    if (SaveKept(stream, object, *objectClass)) return true;
     const bool exact = objectClass->GetType() == &typeid(*object);
     WritePlan& plan = plans.Of(*objectClass);
     try {
@@ -95,6 +104,18 @@ bool ObjectWriter::SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBa
     return !(exact && direct && plan.steady);
 }
 
+bool ObjectWriter::SaveKept(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass) {
+    if (kept == nullptr) {
+        if (KeptParts::Find(*object) != nullptr) ThrowNotInSchema();
+        return false;
+    }
+    const TZoClass* recordClass = kept->Put(stream, object, objectClass);
+    if (recordClass == nullptr) return false;
+    Close(stream, object, *recordClass);
+    streamer.OnAfterSaveInstance(object);
+    return true;
+}
+
 void ObjectWriter::Close(TBinOutStream& stream, const ZoStreamableBase* object, const TZoClass& objectClass) {
     const int uid = HandleAccess::Get(stream, object);
     stream.FlushRecord(uid, objectClass.GetClassId());
@@ -111,7 +132,8 @@ void ObjectWriter::WriteGraph(TBinOutStream& stream, const TDList<ZoStreamableBa
                    its == Schema::Missing ? &classes : nullptr);
     walk.Reserve(expected);
     Number(walk, roots, externals);
-    if (its == Schema::Missing) streamer.WriteSchemaOf(classes);
+    if (its == Schema::Missing) streamer.WriteSchemaOf(classes, walk.KeptFiles());
+    if (!walk.KeptFiles().empty() && (kept == nullptr || !kept->Covers(walk.KeptFiles()))) ThrowNotInSchema();
     WriteRecords(stream, roots, walk);
 }
 
@@ -148,6 +170,7 @@ void ObjectWriter::SaveInOrder(TBinOutStream& stream, const GraphWalk& walk) {
                     PrefetchBuffers(*series.plan, object);
                 });
                 if (anySaved && IsSaved(stream, order[i])) continue;
+                if (kept != nullptr && SaveKept(stream, order[i], *objectClass)) continue;
                 if (!series.plan->measured) series.plan->Measure(order[i]);
                 PutRecord(stream, true, *series.plan, order[i]);
                 Close(stream, order[i], *objectClass);

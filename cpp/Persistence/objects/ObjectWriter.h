@@ -2,12 +2,15 @@
 
 #include "Persistence/instances/HandleAccess.h"
 #include "Persistence/objects/GraphWalk.h"
+#include "Persistence/objects/KeptWriter.h"
 #include "Persistence/records/ProgressMeter.h"
 #include "Persistence/schema/WritePlan.h"
 #include "ZoPrimitives/BinOutStreamer.h"
 
 #include <cstdint>
+#include <memory>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -69,6 +72,12 @@ public:
     /// Writes the fields of a class and its ancestors into the open record.
     static void WriteFields(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass);
 
+    /// From here on the file holds what is kept of others.
+    KeptWriter& Keep(std::unique_ptr<KeptWriter> newKept) {
+        kept = std::move(newKept);
+        return *kept;
+    }
+
     /// Between these calls a whole graph's progress is told.
     void BeginProgress();
     void EndProgress();
@@ -82,6 +91,8 @@ private:
 
     /// Returns whether the application's code may have run.
     bool SaveRecord(TBinOutStream& stream, bool direct, ZoStreamableBase* object, TZoClass* objectClass);
+    /// Returns whether the record had to be written with what is kept.
+    bool SaveKept(TBinOutStream& stream, ZoStreamableBase* object, const TZoClass& objectClass);
     void Close(TBinOutStream& stream, const ZoStreamableBase* object, const TZoClass& objectClass);
     void Number(GraphWalk& walk, const TDList<ZoStreamableBase*>& roots,
                 const TDList<ZoStreamableBase*>& externals);
@@ -90,6 +101,7 @@ private:
     void SaveByOwners(TBinOutStream& stream, const TDList<ZoStreamableBase*>& roots, std::size_t numbered);
 
     TBinOutStreamer& streamer;
+    std::unique_ptr<KeptWriter> kept; // null while nothing is kept
     WritePlans plans;
     SavedUids saved;
     ProgressMeter meter;

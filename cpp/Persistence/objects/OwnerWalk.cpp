@@ -79,6 +79,10 @@ void OwnerWalk::Visit(ZoStreamableBase* object, TZoClass* objectClass) {
     const Hold hold(object); // its own hook may take it from its owner
     if (!writer.IsSaved(stream, object) && writer.SaveRecord(stream, direct, object, objectClass)) ++changes;
     if (!ownStreamer) ++changes;
+    if (mode != Mode::ByHand && KeptParts::Has(*object)) {
+        ZoItemAction collect([this](ZoStreamableBase* item) { Collect(item); });
+        KeptReferences::ForEachSaved(*object, *schema, collect);
+    }
     const WritePlan& plan = writer.plans.Of(*objectClass);
     if (!plan.targets.empty()) Push(object, hold, plan.targets);
 }
@@ -138,10 +142,12 @@ bool OwnerWalk::StillHolds(const Frame& frame) const {
 }
 
 void OwnerWalk::CollectExternals(const TZoClass& level, ZoStreamableBase* object) {
-    ZoItemAction collect([this](ZoStreamableBase* item) {
-        if (item != nullptr && knownExternals.insert(item).second) externals.push_back({item, Hold(item)});
-    });
+    ZoItemAction collect([this](ZoStreamableBase* item) { Collect(item); });
     ForEachExternal(level, object, collect);
+}
+
+void OwnerWalk::Collect(ZoStreamableBase* item) {
+    if (item != nullptr && knownExternals.insert(item).second) externals.push_back({item, Hold(item)});
 }
 
 } // namespace ZoPrimitives

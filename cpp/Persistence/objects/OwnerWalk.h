@@ -62,6 +62,7 @@ private:
     void Ask(Frame& frame);
     bool StillHolds(const Frame& frame) const;
     void CollectExternals(const TZoClass& level, ZoStreamableBase* object);
+    void Collect(ZoStreamableBase* item);
 
     ObjectWriter& writer;
     TBinOutStream& stream;

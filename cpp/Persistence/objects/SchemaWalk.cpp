@@ -36,8 +36,14 @@ void SchemaWalk::Finish() {
 void SchemaWalk::Visit(ZoStreamableBase* object, const TZoClass& objectClass) {
     UsedClasses::Plan& plan = classes.PlanOf(objectClass);
     // Objects that lead nowhere need no mark: meeting them again is harmless.
-    if (plan.steps.empty()) return;
+    const bool hasKept = KeptParts::Has(*object);
+    if (plan.steps.empty() && !hasKept) return;
     HandleAccess::Set(visited, object, 1);
+    if (hasKept) {
+        keptFiles.Add(*object);
+        auto push = ZoItemAction([this](ZoStreamableBase* item) { stack.push_back(item); });
+        KeptReferences::ForEachSaved(*object, *schema, push);
+    }
     Ask(object, plan);
 }
 
@@ -51,7 +57,8 @@ void SchemaWalk::Push(const std::vector<ZoStreamableBase*>& targets) {
     for (std::size_t i = 0; i < targets.size(); ++i) {
         FetchAhead(targets, i, targets.size(), [](const void* later) { Prefetch(later); });
         const TZoClass* targetClass = ClassOf(targets[i]);
-        if (targetClass != nullptr && !classes.PlanOf(*targetClass).steps.empty())
+        if (targetClass != nullptr &&
+            (!classes.PlanOf(*targetClass).steps.empty() || KeptParts::Has(*targets[i])))
             stack.push_back(targets[i]);
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Persistence/objects/KeptObject.h"
 #include "Persistence/objects/UsedClasses.h"
 #include "ZoPrimitives/ZoHandleTable.h"
 
@@ -18,6 +19,8 @@ public:
     /// How many objects were met. Shared ones may count more than once.
     std::size_t Met() const { return met; }
     const UsedClasses& Classes() const { return classes; }
+    /// The opened files of which the objects have kept parts.
+    const MergedSchema::Files& KeptFiles() const { return keptFiles.All(); }
 
 private:
     TZoClass* ClassOf(const ZoStreamableBase* object);
@@ -30,6 +33,7 @@ private:
     std::size_t met = 0;
     ZoHandleTable visited;
     std::vector<ZoStreamableBase*> stack;
+    FoundKeptFiles keptFiles;
     UsedClasses classes{UsedClasses::Children::Asked};
 };
 

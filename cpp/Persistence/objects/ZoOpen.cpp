@@ -3,6 +3,7 @@
 #include "Persistence/instances/ClassNames.h"
 #include "Persistence/instances/InstanceTables.h"
 #include "Persistence/objects/GraphWalk.h"
+#include "Persistence/objects/KeptObject.h"
 #include "Persistence/records/NamingFile.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "ZoPrimitives/AnsiLiteral.h"
@@ -35,6 +36,7 @@ void LeaveUnowned(std::unordered_set<const ZoStreamableBase*>& candidates,
         TZoClass* ownerClass = owners[i]->GetOriginalClass(schema);
         if (ownerClass == nullptr) continue;
         ownerClass->ChildsReferences(owners[i], own);
+        KeptReferences::ForEachSaved(*owners[i], *schema, own);
         RecordOrder::ForEachLevel(*ownerClass,
                                   [&](const TZoClass& level) { ForEachExternal(level, owners[i], name); });
     }
@@ -53,6 +55,7 @@ public:
           streamer(&stream, schema) {
         streamer.SetProgress(how.progress);
         streamer.acceptsDamage = true; // until the report is looked at
+        streamer.KeepUnknown(how.keepUnknown);
     }
 
     TDVector<ZoStreamableBase*> Run(TZoOpenedObjects& opened) {

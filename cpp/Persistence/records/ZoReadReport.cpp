@@ -149,10 +149,12 @@ XRefusedData::~XRefusedData() = default;
 unsigned TZoReadReport::Faults() const {
     unsigned faults = strictNothing;
     if (wrongDigest || passedOver.NItems() != 0 || read < expected) faults |= strictDamage;
-    if (lostClasses.NItems() != 0) faults |= strictClasses;
+    for (const LostClass& lost : lostClasses) {
+        if (lost.lost != 0 || lost.read > lost.kept) faults |= strictClasses;
+    }
     if (removed.NItems() != 0) faults |= strictInvalid;
     for (const Field& field : fields) {
-        if (field.fault != TFieldFault::NotInFile) faults |= strictFields;
+        if (field.fault != TFieldFault::NotInFile && !field.kept) faults |= strictFields;
     }
     for (const Reference& reference : references) {
         if (reference.why != TReferenceLoss::NotRead) faults |= strictReferences;
@@ -161,7 +163,8 @@ unsigned TZoReadReport::Faults() const {
 }
 
 bool TZoReadReport::IsClean() const {
-    return Faults() == strictNothing && fields.NItems() == 0 && references.NItems() == 0;
+    return Faults() == strictNothing && lostClasses.NItems() == 0 && fields.NItems() == 0 &&
+           references.NItems() == 0;
 }
 
 ZoString TZoReadReport::Text() const {
@@ -186,9 +189,14 @@ ZoString TZoReadReport::Text() const {
             lines.Add(lost.known ? "Classe %s: %llu objetos não foram criados"_ansi
                                  : "Classe %s desconhecida: %llu objetos perdidos"_ansi,
                       lost.name.c_str(), lost.lost);
+        if (lost.kept != 0)
+            lines.Add("Classe %s: %llu objetos preservados"_ansi, lost.name.c_str(), lost.kept);
     }
     for (const Field& field : fields)
-        lines.Add(Sentence(field.fault), field.className.c_str(), field.name.c_str());
+        lines.Add(field.kept
+                      ? "%s.%s: os valores do campo do arquivo, que é desconhecido, são preservados"_ansi
+                      : Sentence(field.fault),
+                  field.className.c_str(), field.name.c_str());
     for (const Reference& reference : references)
         lines.Add(Sentence(reference.why), reference.className.c_str(), reference.field.c_str(),
                   reference.count);
@@ -211,13 +219,13 @@ ZoString TZoReadReport::Json() const {
     for (const LostClass& lost : lostClasses) {
         json.Open('{').Key("name").Text(lost.name).Key("known").Boolean(lost.known);
         json.Key("readAs").Text(lost.readAs).Key("read").Number(lost.read);
-        json.Key("lost").Number(lost.lost).Close('}');
+        json.Key("lost").Number(lost.lost).Key("kept").Number(lost.kept).Close('}');
     }
     json.Close(']').Key("fields").Open('[');
     for (const Field& field : fields) {
         json.Open('{').Key("class").Text(field.className).Key("name").Text(field.name);
         json.Key("fault").Text(NameOf(field.fault)).Key("fileKind").Integer(field.fileKind);
-        json.Key("classKind").Integer(field.classKind).Close('}');
+        json.Key("classKind").Integer(field.classKind).Key("kept").Boolean(field.kept).Close('}');
     }
     json.Close(']').Key("references").Open('[');
     for (const Reference& reference : references) {

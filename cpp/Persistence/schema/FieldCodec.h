@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Persistence/instances/ClassNames.h"
+#include "Persistence/instances/FieldLayout.h"
 #include "Persistence/instances/HandleAccess.h"
 #include "Persistence/instances/InstanceTables.h"
 #include "Persistence/records/RecordChecks.h"
@@ -21,6 +22,7 @@
 
 #include <array>
 #include <type_traits>
+#include <vector>
 
 namespace ZoPrimitives {
 
@@ -102,6 +104,28 @@ public:
                 SaveUids(put, static_cast<TZoClassFieldPointer&>(*half), object, field);
             }
         }
+    }
+
+    /// Writes a list of pointers that has these uids instead of those of its items.
+    template <class Sink>
+    static void SaveUids(const Sink& put, TZoClassFieldPointerList& field, ZoStreamableBase* object,
+                         const std::vector<int>& uids) {
+        SaveListHead(put, uids.size(), field.access.first, field.access.second, object, field);
+        for (const int uid : uids) put(uid);
+    }
+    /// The uid of an item of a list. Throws `XStream` if it has none.
+    static int UidOf(const TBinOutStream& stream, const TZoClassField& field, const ZoStreamableBase* item) {
+        if (item == nullptr) return 0;
+        const int uid = HandleAccess::Get(stream, item);
+        if (uid == 0) ThrowDanglingItem(field, item);
+        return uid;
+    }
+
+    /// How values of the application's field stand in a record.
+    static FieldLayout LayoutOf(TZoClassField& application) {
+        FieldLayout layout;
+        Dispatch(application, [&](auto& exact) { layout = Layout(exact); });
+        return layout;
     }
 
     /// Writes a field's part of the record: pointers as uids.
@@ -285,6 +309,23 @@ public:
     }
 
 private:
+    template <class Field>
+    static FieldLayout Layout(Field& field) {
+        FieldLayout layout;
+        if constexpr (std::is_same_v<Field, TZoClassFieldPointerMap>) {
+            const Halves halves = HalvesOf(field);
+            for (std::size_t i = 0; i < halves.size(); ++i) {
+                TZoClassFieldPointerList* list = AsList(halves[i]);
+                layout.integers[i] = list == nullptr ? FieldLayout::SINGLE : Layout(*list).integers[0];
+            }
+        } else if constexpr (requires { field.access; }) {
+            const auto& access = field.access;
+            layout.integers[0] =
+                static_cast<signed char>((access.first != nullptr) + (access.second != nullptr));
+        }
+        return layout;
+    }
+
     static constexpr int RESOLVE_AHEAD = 12; // items
 
     using Halves = std::array<TZoClassFieldPointerBase*, 2>;
@@ -414,14 +455,7 @@ private:
     private:
         static constexpr std::size_t LAG = 16;
 
-        void PutUid(const ZoStreamableBase* item) const {
-            int uid = 0;
-            if (item != nullptr) {
-                uid = HandleAccess::Get(put.stream, item);
-                if (uid == 0) ThrowDanglingItem(field, item);
-            }
-            put(uid);
-        }
+        void PutUid(const ZoStreamableBase* item) const { put(UidOf(put.stream, field, item)); }
 
         const Sink& put;
         const TZoClassField& field;

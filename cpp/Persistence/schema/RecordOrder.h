@@ -40,6 +40,8 @@ public:
         action(field);
         ForEachHalf(field, action);
     }
+    /// Whether a file declares fields of the level in kinds that this library does not know.
+    static bool HasUnknownKind(const TZoClass& level) { return level.hasUnknownKind; }
     /// Whether objects of the class get a record.
     static bool HasFields(const TZoClass& objectClass) {
         bool any = false;

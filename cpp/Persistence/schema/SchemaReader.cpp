@@ -12,8 +12,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-// The most class levels that one object may walk; a repeated parent counts each time.
-constexpr unsigned MAX_LEVELS = 1000;
 // The smallest entry of a class: id, name, flag, its one parent, five empty blocks.
 constexpr unsigned SMALLEST_CLASS = 4 + 4 + 1 + 4 + 5 * 4;
 // The smallest entry of a field: class id, kind, name.
@@ -90,6 +88,7 @@ int SchemaReader::ReadBlock(TBinInStream& stream, TZoClass& read) {
         const TZoClassField::Entry entry = TZoClassField::LoadMetaFromStream(&stream);
         kind = entry.kind;
         TZoClassField* field = read.AddField(entry.classId, static_cast<TZoClassFieldType>(kind), entry.name);
+        read.hasUnknownKind = read.hasUnknownKind || field == nullptr;
         if (i == 0 && field != nullptr) read.ReserveLike(*field, static_cast<std::size_t>(count));
     }
     return kind;
@@ -157,16 +156,17 @@ void SchemaReader::LinkParents() {
     }
 }
 
-TZoClass* SchemaReader::ApplicationsClass(const ZoString& name) const {
-    TZoClass* present = application->FindClass(name);
-    return present != nullptr ? present : application->FindFormerClass(name);
+TZoClass* SchemaReader::ApplicationsClass(const TZoMetaData& application, const ZoString& name) {
+    TZoClass* present = application.FindClass(name);
+    return present != nullptr ? present : application.FindFormerClass(name);
 }
 
 /// Returns false if a field names a class that is not there.
 bool SchemaReader::LinkFields() {
     bool known = true;
     for (const auto& linked : schema.classes) {
-        linked->SetOriginal(application == nullptr ? nullptr : ApplicationsClass(linked->GetName()));
+        linked->SetOriginal(application == nullptr ? nullptr
+                                                   : ApplicationsClass(*application, linked->GetName()));
         linked->ForEachPointerField([&](TZoClassField& field) {
             if (field.fieldClassId == 0) return;
             const auto* found = Find(field.fieldClassId);

@@ -12,6 +12,8 @@ class SchemaReader {
 public:
     /// Stands in a class's entry where older files have their one parent.
     static constexpr int PARENTS_FOLLOW = -1;
+    /// The most class levels that one object may walk; a repeated parent counts each time.
+    static constexpr unsigned MAX_LEVELS = 1000;
     /// `application` may be null.
     SchemaReader(TZoMetaData& schema, const TZoMetaData* application)
         : schema(schema), application(application) {}
@@ -20,6 +22,8 @@ public:
     bool Read(TBinInStream& stream);
     /// Reads the entry of one class.
     static void ReadClass(TBinInStream& stream, TZoClass& read);
+    /// The application's class for a file's class of that name; null if there is none.
+    static TZoClass* ApplicationsClass(const TZoMetaData& application, const ZoString& name);
 
 private:
     using Position = unsigned; // of a class in the schema, from 0
@@ -30,8 +34,6 @@ private:
     bool LevelsAreSound() const;
     void LinkParents();
     bool LinkFields();
-    /// The application's class for a file's class of that name; null if there is none.
-    TZoClass* ApplicationsClass(const ZoString& name) const;
     TZoClass* ClassAt(Position position) const { return schema.classes[position + 1ULL].get(); }
     const std::pair<int, Position>* Find(int id) const;
 

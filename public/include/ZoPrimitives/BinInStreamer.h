@@ -11,6 +11,7 @@
 
 namespace ZoPrimitives {
 
+class KeptReader;
 class MadeObjects;
 class ObjectReader;
 class TBinInStream;
@@ -37,7 +38,8 @@ public:
     virtual void OnAfterResolveInstance(ZoStreamableBase* object);
 
 protected:
-    /// Makes the empty object for a record of the file's class `fileClass`. Null drops the record.
+    /// Makes the empty object for a record of the file's class `fileClass`. Null drops the record, or has it
+    /// kept (`KeepUnknown`).
     virtual ZoStreamableBase* CreateInstance(TZoClass* fileClass, TZoMetaData* fileSchema,
                                              TZoMetaData* appSchema);
 
@@ -53,7 +55,7 @@ public:
     }
     /// The file handle of a file stream; null for other streams.
     void* GetFile() const;
-    TZoMetaData* GetFileMetaData() { return &fileSchema; }
+    TZoMetaData* GetFileMetaData() { return fileSchema.get(); }
     /// The classes of the records read that the application does not know.
     TIList<TZoClass, pointer<TZoClass>>* GetUnknowObjects() { return &unknown; }
 
@@ -71,6 +73,14 @@ public:
     /// `TZoStrictness` bits: a reading that meets one of these faults ends in `XRefusedData`, with all
     /// objects released.
     void SetStrict(unsigned faults) { strict = faults; }
+    /// Whether `ReadObjects` keeps what the application does not know, so that an older version of it can
+    /// open, change and save the file of a newer one without loss: objects of unknown classes, fields that a
+    /// class lacks and no `HandleExcludedField` read, and the references of both. All this stays with the
+    /// objects that own it and ends with them; whatever writes these objects to records writes it, too. A
+    /// reference or a value that the application sets itself counts instead. False by default.
+    ///
+    /// What cannot be kept throws `XCannotKeep`, and any failure deletes all objects then.
+    void KeepUnknown(bool keep) { keepsUnknown = keep; }
     /// Deletes the objects that were read, also those that own each other in a circle.
     void ReleaseObjects() noexcept;
 
@@ -115,6 +125,7 @@ private:
     void ReadMember(const ObjectReader& reader, const Use& use, int uid, ZoStreamableBase* member,
                     ZoStreamableBase* owner, MadeObjects& made);
     void Resolve(MadeObjects& made);
+    void ResolveKept(MadeObjects& made);
     void FollowReplaced(MadeObjects& made);
     void Validate(MadeObjects& made);
     void Remove(const TDList<ZoStreamableBase*>& invalid);
@@ -124,9 +135,11 @@ private:
     TBinInStream* stream;
     TZoMetaData* schema;
     pointer<TZoProgress> progress;
-    TZoMetaData fileSchema;
+    std::shared_ptr<TZoMetaData> fileSchema; // kept parts share it
     TIList<TZoClass, pointer<TZoClass>> unknown;
     std::unique_ptr<Uses> uses;
+    bool keepsUnknown = false;
+    std::unique_ptr<KeptReader> kept;               // while records are read, if it is wanted
     Operations operations = Operations::Overridden; // the virtual ones of this streamer
     Scope scope = Scope::AllClasses;                // what is read only in part may be incomplete
     int rootUid = 0;

@@ -8,10 +8,12 @@
 #include <memory>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace ZoPrimitives {
 
 class ObjectWriter;
+struct KeptFile;
 class UsedClasses;
 class TBinOutStream;
 class TZoClass;
@@ -55,11 +57,12 @@ public:
     /// application's order and ids. A null root uses no class.
     void WriteObjectMetaData(ZoStreamableBase* root);
     void WriteObjectsMetaData(TDList<ZoStreamableBase*>* roots);
-    /// Writes the application's complete schema.
+    /// Writes the application's complete schema, without what is kept of opened files.
     void WriteMetaData();
 
     /// Write the records. An object whose class is not registered, or registered only by its base, fails an
-    /// assertion; a reference to an object that is not written throws `XStream`. After any failure the
+    /// assertion; a reference to an object that is not written throws `XStream`, and so does an object with
+    /// kept parts (`TBinInStreamer::KeepUnknown`) that the schema was not written for. After any failure the
     /// stream's resources are freed. An object that already has a uid keeps it.
     ///
     /// Application code that runs meanwhile (`WillWrite`, accessors, `OnAfterSaveInstance`) may change the
@@ -87,7 +90,8 @@ private:
     friend class ObjectWriter;
 
     void CheckBegun() const;
-    void WriteSchemaOf(const UsedClasses& classes);
+    void WriteSchemaOf(const UsedClasses& classes,
+                       const std::vector<std::shared_ptr<const KeptFile>>& keptFiles);
     template <class Action>
     void Write(Action writeAll);
 

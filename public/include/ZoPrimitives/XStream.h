@@ -140,6 +140,23 @@ private:
     unsigned supportedVersion;
 };
 
+/// The data has parts of a newer version that cannot be kept (`TBinInStreamer::KeepUnknown`).
+class ZO_API XCannotKeep : public XReadStream {
+public:
+    /// `field` is empty if it is the class as a whole.
+    XCannotKeep(const ZoString& className, const ZoString& field, const ZoString& location);
+    XCannotKeep(const XCannotKeep&);
+    XCannotKeep& operator=(const XCannotKeep&);
+    ~XCannotKeep() override;
+
+    const ZoString& ClassName() const { return className; }
+    const ZoString& Field() const { return field; }
+
+private:
+    ZoString className;
+    ZoString field;
+};
+
 /// The data's version cannot be converted to the reader's. Both texts are empty.
 class ZO_API XUnversionableVersion : public XReadStream {
 public:

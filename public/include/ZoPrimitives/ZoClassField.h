@@ -149,6 +149,7 @@ protected:
 
 private:
     friend class FieldOffset;
+    friend class MergedSchema;
     friend class SchemaReader;
     friend class UsedClasses;
     friend class TZoClass;

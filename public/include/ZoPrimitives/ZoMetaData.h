@@ -51,7 +51,7 @@ using TZoCreateFunction = ZoStreamableBase* (*)(TZoMetaData* fileSchema, TZoMeta
 
 /// The registration that an object was made for: factories set it, `TZoMetaData::FindClassOf` reads it.
 struct ZoMadeFor {
-    static constexpr unsigned MOST = (1U << 24) - 1; ///< the largest registration number
+    static constexpr unsigned MOST = (1U << 23) - 1; ///< the largest registration number
 
     static void Set(ZoStreamableBase& object, const TZoClass* registered);
     static unsigned Get(const ZoStreamableBase& object) { return static_cast<unsigned>(object.madeFor); }
@@ -205,6 +205,7 @@ private:
     friend class RecordOrder;
     friend class ObjectReader;
     friend class ObjectRemoval;
+    friend class MergedSchema;
     friend class SchemaCheck;
     friend class SchemaReader;
     friend class TZoClassField;
@@ -261,7 +262,8 @@ private:
     std::unique_ptr<ReadPlan> readPlan; // of a class read from a file
     mutable Extent extent;
     unsigned hooks = ~0u;
-    bool loading = false; // fields are put in order at the end
+    bool loading = false;        // fields are put in order at the end
+    bool hasUnknownKind = false; // of a class read from a file: no field was made of some entry
     Parents parents;
     FieldList fields;
     FieldList fieldsChilds;
@@ -385,6 +387,7 @@ private:
     friend class SchemaReader;
     friend class TBinOutStreamer;
     friend class TZoClass;
+    friend class MergedSchema;
     friend class ZoRegistration;
     class TClassNameAndIdMap;
 

@@ -25,6 +25,7 @@ struct TZoOpening {
     /// is opened. The result's report tells of everything else.
     unsigned strict = strictDamage;
     pointer<TZoProgress> progress{}; ///< hears how far it is, and may cancel; null for none
+    bool keepUnknown = false;        ///< what the application does not know is saved again (`KeepUnknown`)
 };
 
 /// All objects that one call has opened. Those that no other object owns live as long as the result.

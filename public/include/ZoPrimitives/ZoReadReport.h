@@ -55,22 +55,25 @@ public:
         ZoString readAs;         ///< the ancestor that stands for an unknown one; empty: none
         unsigned long long read; ///< objects, as that ancestor's
         unsigned long long lost; ///< objects that were not made
+        /// Objects that are saved again as they were (`TBinInStreamer::KeepUnknown`), made or not.
+        unsigned long long kept = 0;
 
         bool operator==(const LostClass& other) const {
             return name == other.name && known == other.known && readAs == other.readAs &&
-                   read == other.read && lost == other.lost;
+                   read == other.read && lost == other.lost && kept == other.kept;
         }
     };
     struct Field {
         ZoString className;
         ZoString name;
         TFieldFault fault;
-        int fileKind;  ///< `TZoClassFieldType`; 0: none
-        int classKind; ///< the same
+        int fileKind;      ///< `TZoClassFieldType`; 0: none
+        int classKind;     ///< the same
+        bool kept = false; ///< the values passed over are saved again
 
         bool operator==(const Field& other) const {
             return className == other.className && name == other.name && fault == other.fault &&
-                   fileKind == other.fileKind && classKind == other.classKind;
+                   fileKind == other.fileKind && classKind == other.classKind && kept == other.kept;
         }
     };
     /// The references of one field that were lost for one reason.
@@ -103,7 +106,8 @@ public:
     TZoReadReport& operator=(TZoReadReport&&) noexcept;
     ~TZoReadReport();
 
-    /// What there is to tell, as `TZoStrictness` bits; fields that the file lacks are no fault.
+    /// What there is to tell, as `TZoStrictness` bits; fields that the file lacks are no fault, nor is what
+    /// is kept.
     unsigned Faults() const;
     /// Nothing at all to tell.
     bool IsClean() const;

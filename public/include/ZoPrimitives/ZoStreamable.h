@@ -82,13 +82,17 @@ protected:
 
 private:
     friend class HandleAccess;
+    friend class KeptParts;
     friend struct ZoMadeFor;
     // The handle that a stream gave to this object, and that stream's run. They belong to the object's
     // address: copying and assignment leave them out.
     mutable std::int32_t handle = 0;
     mutable std::uint64_t handleRun : 40;
     // The registration that the object was made for (`ZoMadeFor`); copies keep it.
-    std::uint64_t madeFor : 24;
+    std::uint64_t madeFor : 23;
+    // Parts of a newer version's file are kept for this object (`TBinInStreamer::KeepUnknown`), or refer to
+    // it. Belongs to its address, too.
+    std::uint64_t kept : 1;
 };
 
 /// The item type of object lists, which own nothing.

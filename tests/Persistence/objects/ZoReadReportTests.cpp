@@ -184,9 +184,11 @@ TEST(ZoReadReportJsonTests, AreWholeAndQuoted) {
         "\"size\":5,\"records\":1}"
         ","
         "{\"offset\":99,\"size\":1,\"records\":0}],\"lostClasses\":[{\"name\":\"A\\\"\\\\\\u000a\xC3\xA7\","
-        "\"known\":false,\"readAs\":\"B\",\"read\":1,\"lost\":2}],\"fields\":[{\"class\":\"C\",\"name\":"
+        "\"known\":false,\"readAs\":\"B\",\"read\":1,\"lost\":2,\"kept\":0}],\"fields\":[{\"class\":\"C\","
+        "\"name\":"
         "\"f\","
-        "\"fault\":\"otherKind\",\"fileKind\":-1,\"classKind\":-5}],\"references\":[{\"class\":\"C\","
+        "\"fault\":\"otherKind\",\"fileKind\":-1,\"classKind\":-5,\"kept\":false}],\"references\":[{"
+        "\"class\":\"C\","
         "\"field\":\"r\",\"why\":\"wrongType\",\"count\":3}],\"removed\":[{\"class\":\"D\",\"invalid\":1,"
         "\"owned\":4}]}");
 }

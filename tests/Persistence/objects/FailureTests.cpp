@@ -116,11 +116,17 @@ TEST_F(FailureTests, TellKindFileAndReason) {
 }
 
 TEST_F(FailureTests, ShowPathsInWindows1252) {
-    const std::tuple<TZoPath, const char*> rows[] = {
+    const struct {
+        TZoPath path;
+        const char* shown;
+    } rows[] = {
         {std::filesystem::path(u8"Σ/pórtico"), "\"?/p\xF3rtico\""},
         {"bytes: \xF3", "\"bytes: \xF3\""},
     };
+    const TZoPath letter("\xF3");
+    const bool western = letter.Utf8() == "\xF3" || letter.Utf8() == "\xC3\xB3"; // the code page
     for (const auto& [path, shown] : rows) {
+        if (!western && path.Text() == rows[1].path.Text()) continue;
         try {
             throw XReadStream("", "", TStreamFailure::NotFound).SetPath(path);
         } catch (const XStream&) {

@@ -166,8 +166,8 @@ public:
     /// if there is none, when a streamer has read all objects and set their references. Objects that call
     /// themselves invalid are removed afterwards. A reading that fails before does not call it.
     template <class Callable>
-    void WhenRead(int uid, Callable action) {
-        AddAwaited(uid, std::make_unique<ZoItemAction<Callable>>(std::move(action)));
+    void WhenRead(int awaited, Callable action) {
+        AddAwaited(awaited, std::make_unique<ZoItemAction<Callable>>(std::move(action)));
     }
     void AddAwaited(int uid, std::unique_ptr<ZoStreamableBaseFunctor> action);
 

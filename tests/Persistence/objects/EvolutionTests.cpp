@@ -26,8 +26,10 @@ class Stamp : public ZoObjectStreamable {
     DECLARE_ZO_FIELD(int, day)
     REGISTER_ZO_END
 };
+enum class Finish { Raw, Painted };
 class Part : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Part)
+    DECLARE_ZO_FIELD(Finish, finish)
     DECLARE_ZO_FIELD(ZoString, mark)
     DECLARE_ZO_FIELD(double, width)
     REGISTER_ZO_END
@@ -77,9 +79,11 @@ class Label : public ZoObjectStreamable { // split off
     Label() = default;
     explicit Label(const ZoString& its) : text(its) {}
 };
+enum class Finish { Raw, Painted, Galvanised };
 class Part : public ZoObjectStreamable {
     REGISTER_ZO_BEGIN(Part)
     DECLARE_ZO_FIELD_CHILD(Label, label)
+    DECLARE_ZO_FIELD(Finish, finish)
     DECLARE_ZO_FIELD(double, depth)
     REGISTER_ZO_END
     void HandleExcludedField(TZoClassField* field, TBinInStream* stream) override {
@@ -165,6 +169,7 @@ struct EvolutionTests : testing::Test {
 TEST_F(EvolutionTests, TheNewVersionOpensWhatTheOldOneSaved) {
     was::Girder old;
     old.mark = "V1";
+    old.finish = was::Finish::Painted;
     old.width = 20;
     old.length = 600;
     old.depth = 50;
@@ -179,6 +184,7 @@ TEST_F(EvolutionTests, TheNewVersionOpensWhatTheOldOneSaved) {
     const auto opened = ZoOpenFromMemory<now::Beam>(ZoSaveInMemory(&old, &before), &after);
     now::Beam& beam = *opened;
     EXPECT_EQ(beam.camber, 1.5) << "a field was added";
+    EXPECT_EQ(beam.finish, now::Finish::Painted) << "put in another place";
     EXPECT_EQ(beam.clearLength, 600) << "class and field were renamed";
     EXPECT_EQ(beam.depth, 50) << "moved to a parent";
     EXPECT_EQ(beam.width, 20) << "moved to a subclass";
@@ -210,12 +216,13 @@ TEST_F(EvolutionTests, TheNewVersionOpensWhatTheOldOneSaved) {
 }
 
 TEST_F(EvolutionTests, TheOldVersionOpensWhatTheNewOneSaved) {
-    was::Girder root;
     now::Part part;
     part.label = new now::Label("V1");
     part.depth = 50;
+    part.finish = now::Finish::Galvanised;
     const auto opened = ZoOpenFromMemory<was::Part>(ZoSaveInMemory(&part, &after), &before);
     EXPECT_EQ(opened->mark, "") << "the class of the label is not known";
+    EXPECT_EQ(static_cast<int>(opened->finish), 2) << "an enumeration got a value";
     EXPECT_THAT(Text(opened.Report().Text()), testing::HasSubstr("Part.depth"));
     now::Truss truss;
     truss.middle.number = 4;

@@ -201,7 +201,8 @@ private:
         return circle;
     }
     newer::Beam* NewBeam(bool full) {
-        newer::Beam* beam = full || Maybe() ? Fill(new newer::Arch) : Fill(new newer::Beam);
+        newer::Beam* beam = full || Maybe() ? new newer::Arch : new newer::Beam;
+        Fill(beam);
         beam->length = Some(1, 50);
         if (full || Maybe()) beam->shape = NewShape(2);
         for (int i = Some(0, 5); i > 0; --i) beam->shapes.Add(NewShape(1));

@@ -88,7 +88,7 @@ def build():
     say("Building build/mutate")
     flags = f"-O0 -w -I{COPY / HERE} -include {COPY / HERE / 'mutants.h'}"
     for command in (["cmake", "-G", "Ninja", "-S", COPY, "-B", BUILT, "-DZO_EXAMPLES=OFF", "-DCMAKE_BUILD_TYPE=None",
-                     f"-DCMAKE_CXX_FLAGS={flags}"],
+                     f"-DCMAKE_PREFIX_PATH={ROOT / 'build/libraries'}", f"-DCMAKE_CXX_FLAGS={flags}"],
                     ["cmake", "--build", BUILT, "-j", str(JOBS), "--target", *PROGRAMS]):
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         if done.returncode != 0:

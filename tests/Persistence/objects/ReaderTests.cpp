@@ -503,6 +503,30 @@ TEST_F(ReaderTest, AFailureEndsWhatWasReadUntilPointersAreSet) {
     }
 }
 
+/// Its references may be set while it is read, but for what it wants to hear.
+class Bolt : public ZoObjectStreamable {
+    REGISTER_ZO_BEGIN(Bolt)
+    DECLARE_ZO_FIELD_REFERENCE(Bolt, next)
+    REGISTER_ZO_END
+    void OnReadPointer(TZoClassField*, ZoStreamableBase* target, unsigned uid) override {
+        told = uid;
+        heard = target;
+    }
+    unsigned told = 0;
+    ZoStreamableBase* heard = nullptr;
+};
+
+TEST(ReaderTests, TellsOfReferencesToWhatWasReadBefore) {
+    TZoMetaData schema;
+    Bolt::Register(&schema);
+    Opened opened(FileOf({{.name = "Bolt", .references = {{1, -8, "next"}}}},
+                         {{1, 1, Payload().Int(2)}, {2, 1, Payload().Int(1)}}),
+                  schema);
+    EXPECT_EQ(opened.At<Bolt>(2).told, 1U);
+    EXPECT_EQ(opened.At<Bolt>(2).heard, &opened.At<Bolt>(1));
+    EXPECT_EQ(opened.At<Bolt>(1).told, 2U);
+}
+
 TEST_F(ReaderTest, CallsTheHooksInOrder) {
     static TBinInStream* from = nullptr;
     struct Special : Middle { // of another type than the class that it is read as

@@ -225,6 +225,11 @@ TEST(ZoMetaDataTests, CheckTellsWhatIsMissingAndWhatIsLostAlthoughAllIsThere) {
     const auto untyped = [](TZoMetaData* schema) {
         return schema->AddClass(new TZoClass(schema, nullptr, "NoFields", nullptr, false, nullptr));
     };
+    const auto typed = [](TZoMetaData* schema) {
+        auto* made = new TZoClass(schema, nullptr, "NoFields", nullptr, false, nullptr);
+        made->SetType(typeid(second::NoFields), 0);
+        return schema->AddClass(made);
+    };
     const std::tuple<const char*, std::vector<TZoClass* (*)(TZoMetaData*)>, std::string> rows[] = {
         {"nothing registered", {}, ""},
         {"neither parent nor target",
@@ -244,6 +249,9 @@ TEST(ZoMetaDataTests, CheckTellsWhatIsMissingAndWhatIsLostAlthoughAllIsThere) {
         {"nor registered", {Unnamed::Register<Unnamed>}, ""},
         {"one name twice",
          {none, none, other, other, untyped},
+         "[zowarning] two C++ classes are called NoFields: the second one is not registered"},
+        {"and by hand",
+         {none, typed},
          "[zowarning] two C++ classes are called NoFields: the second one is not registered"},
     };
     for (const auto& [name, registered, told] : rows) {

@@ -55,10 +55,10 @@ void ZoStreamableBase::HandleExcludedField(TZoClassField*, TBinInStream*) {}
 
 void ZoStreamableBase::CheckForExcludedFields(TBinInStream* stream) {
     while (TZoClassField* field = stream->GetFirstExcludedField()) {
-        const unsigned begin = stream->GetRecordPosition();
         HandleExcludedField(field, stream);
-        if (stream->GetRecordPosition() != begin) InstanceTables::Of(*stream).takenFields.insert(field);
         stream->RemoveExcludedField(field);
+        InstanceTables& tables = InstanceTables::Of(*stream);
+        if (tables.excluded.WasTaken(field)) tables.takenFields.insert(field);
     }
 }
 

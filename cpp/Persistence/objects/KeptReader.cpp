@@ -8,6 +8,7 @@
 #include "Persistence/schema/RecordOrder.h"
 
 #include <algorithm>
+#include <set>
 #include <unordered_set>
 
 namespace ZoPrimitives {
@@ -30,6 +31,14 @@ std::pair<const unsigned char*, const unsigned char*> RecordOf(TBinInStream& str
     const unsigned char* begin = cursor.Take(size);
     stream.SetRecordPosition(position);
     return {begin, begin + size};
+}
+
+/// The pair of that uid in a list of pairs whose uids rise; null if there is none.
+template <class Pairs>
+const typename Pairs::value_type* AtUid(const Pairs& pairs, int uid) {
+    const auto found = std::lower_bound(pairs.begin(), pairs.end(), uid,
+                                        [](const auto& pair, int wanted) { return pair.first < wanted; });
+    return found == pairs.end() || found->first != uid ? nullptr : &*found;
 }
 
 bool HasOpenLayouts(const TZoMetaData& fileSchema) {
@@ -157,9 +166,8 @@ void KeptReader::TakeValues(Plan& plan, const TZoClass& fileClass, KeptPart& par
 }
 
 bool KeptReader::MayMean(const TZoClassField& field, int uid) const {
-    const auto found = std::lower_bound(recordClasses.begin(), recordClasses.end(), uid,
-                                        [](const auto& entry, int wanted) { return entry.first < wanted; });
-    if (found == recordClasses.end() || found->first != uid) return false;
+    const auto* found = AtUid(recordClasses, uid);
+    if (found == nullptr) return false;
     // The class of a map is that of its values.
     const TZoClass* wanted = field.GetFieldType() == ftChildPointerMap ? nullptr : field.GetFieldClass();
     return wanted == nullptr || TZoMetaData::IsGenericBase(wanted->GetName()) ||
@@ -183,19 +191,14 @@ void KeptReader::EndRecords() {
 
 /// What the application's hooks have taken everywhere is not written again, not even as zeros.
 void KeptReader::ForgetHandled() {
-    std::map<const TZoClassField*, bool> kept; // of the handled ones: somewhere
-    for (const bool handled : {true, false}) {
-        for (const auto& [classes, plan] : plans) {
-            for (const RecordStep& step : plan->steps) {
-                if (handled && step.anyHandled) kept[step.field] = false;
-                const auto found = handled || !step.anyKept ? kept.end() : kept.find(step.field);
-                if (found != kept.end()) found->second = true;
-            }
+    std::set<const TZoClassField*> kept; // somewhere
+    for (const auto& [classes, plan] : plans) {
+        for (const RecordStep& step : plan->steps) {
+            if (step.anyHandled) file->handled.insert(step.field);
+            if (step.anyKept) kept.insert(step.field);
         }
     }
-    for (const auto& [field, anyKept] : kept) {
-        if (!anyKept) file->handled.insert(field);
-    }
+    for (const TZoClassField* field : kept) file->handled.erase(field);
 }
 
 // References that fields do not take
@@ -284,10 +287,8 @@ ZoStreamableBase* KeptReader::ObjectOf(int uid) const {
 
 /// Shares in an object's ownership, unless it is the owner itself.
 void KeptReader::Hold(int uid, int owner, KeptPart& part) {
-    const auto found = std::lower_bound(file->objects.begin(), file->objects.end(), uid,
-                                        [](const auto& entry, int wanted) { return entry.first < wanted; });
-    if (uid != owner && found != file->objects.end() && found->first == uid)
-        part.holds.emplace_back(found->second);
+    const auto* found = AtUid(file->objects, uid);
+    if (uid != owner && found != nullptr) part.holds.emplace_back(found->second);
 }
 
 void KeptReader::Attach(int rootUid) {

@@ -87,7 +87,8 @@ def write_copy(sources):
 def build():
     say("Building build/mutate")
     flags = f"-O0 -w -I{COPY / HERE} -include {COPY / HERE / 'mutants.h'}"
-    for command in (["cmake", "-G", "Ninja", "-S", COPY, "-B", BUILT, "-DZO_EXAMPLES=OFF", "-DCMAKE_BUILD_TYPE=None",
+    for command in (["cmake", "-G", "Ninja", "-S", COPY, "-B", BUILT, "-DZO_EXAMPLES=OFF", "-DZO_TOOLS=OFF",
+                     "-DCMAKE_BUILD_TYPE=None",
                      f"-DCMAKE_PREFIX_PATH={ROOT / 'build/libraries'}", f"-DCMAKE_CXX_FLAGS={flags}"],
                     ["cmake", "--build", BUILT, "-j", str(JOBS), "--target", *PROGRAMS]):
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace ZoTool {
+
+class Tool;
+
+// Each adds one subcommand to the command line and sets `Tool::command` when it is chosen.
+void AddInfo(CLI::App& zo, Tool& tool);
+
+} // namespace ZoTool

@@ -10,9 +10,12 @@ if(MINGW)
 
   # The compiler's own libraries are shared: an exception that is thrown in one module and caught in another is
   # then counted by one run-time library. They and TBB lie beside the DLL, where Windows looks for them.
+  if(NOT ZO_MINGW_GXX)
+    set(ZO_MINGW_GXX ${CMAKE_CXX_COMPILER})
+  endif()
   set(runtime $<TARGET_FILE:TBB::tbb>)
   foreach(library libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
-    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
+    execute_process(COMMAND ${ZO_MINGW_GXX} -print-file-name=${library}
                     OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
     list(APPEND runtime ${path})
   endforeach()

@@ -4,7 +4,8 @@ set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
 # The flavour with POSIX threads: the other one's standard library has no std::thread.
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(ZO_MINGW_GXX x86_64-w64-mingw32-g++-posix)
+set(CMAKE_CXX_COMPILER ${ZO_MINGW_GXX})
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine)
 

@@ -46,17 +46,4 @@ TEST(FormatTextTests, LocaleChangesNothingAndStays) {
     EXPECT_STREQ(std::localeconv()->decimal_point, ",");
 }
 
-template <class T>
-class Box {};
-struct Thing {};
-enum class Kind {};
-
-TEST(TypeNameTests, IsWhatOneReads) {
-    EXPECT_EQ(Platform::TypeName(typeid(Platform::Services)), "ZoPrimitives::Platform::Services");
-    EXPECT_EQ(Platform::TypeName(typeid(int)), "int");
-    const std::string box = Platform::TypeName(typeid(Box<Thing>));
-    for (const char* keyword : {"class ", "struct "}) EXPECT_EQ(box.find(keyword), std::string::npos) << box;
-    EXPECT_EQ(Platform::TypeName(typeid(Kind)).find("enum "), std::string::npos);
-}
-
 } // namespace

@@ -3,10 +3,7 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
-#include <cxxabi.h>
 #include <locale.h>
-#include <memory>
 
 namespace ZoPrimitives::Platform {
 
@@ -24,13 +21,6 @@ ClassicLocale::~ClassicLocale() { uselocale(static_cast<locale_t>(previous)); }
 int FormatText(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
     const ClassicLocale classic;
     return std::vsnprintf(buffer, size, format, arguments);
-}
-
-std::string TypeName(const std::type_info& type) {
-    int status = 0;
-    const std::unique_ptr<char, void (*)(void*)> name(
-        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
-    return status == 0 ? name.get() : type.name();
 }
 
 } // namespace ZoPrimitives::Platform

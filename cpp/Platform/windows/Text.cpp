@@ -4,13 +4,8 @@
 
 #include <clocale>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <locale.h>
-#include <memory>
-#ifdef __GNUC__
-#include <cxxabi.h>
-#endif
 
 namespace ZoPrimitives::Platform {
 
@@ -61,29 +56,5 @@ int FormatText(char* buffer, std::size_t size, const char* format, std::va_list 
     const ClassicNumbers classic;
     return std::vsnprintf(buffer, size, format, arguments);
 }
-
-#ifdef __GNUC__
-
-std::string TypeName(const std::type_info& type) {
-    int status = 0;
-    const std::unique_ptr<char, void (*)(void*)> name(
-        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
-    return status == 0 ? name.get() : type.name();
-}
-
-#else
-
-std::string TypeName(const std::type_info& type) {
-    std::string name = type.name();
-    for (const std::string keyword : {"class ", "struct ", "enum ", "union "}) {
-        for (std::size_t at = 0; (at = name.find(keyword, at)) != std::string::npos;) {
-            const bool wholeWord = at == 0 || std::strchr("<, ", name[at - 1]) != nullptr;
-            wholeWord ? name.erase(at, keyword.size()) : (at += keyword.size(), name);
-        }
-    }
-    return name;
-}
-
-#endif
 
 } // namespace ZoPrimitives::Platform

@@ -165,7 +165,7 @@ TEST_F(WindowsFilesTests, NobodyWaitsForWhatStays) {
 }
 
 TEST_F(WindowsFilesTests, AHiddenFileStaysHidden) {
-    for (const DWORD attributes : {FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM}) {
+    for (const DWORD attributes : {DWORD{FILE_ATTRIBUTE_HIDDEN}, DWORD{FILE_ATTRIBUTE_SYSTEM}}) {
         SetFileAttributesW(Wide("target").c_str(), attributes);
         EXPECT_TRUE(Copy());
         EXPECT_EQ(folder.Read("target"), "new");

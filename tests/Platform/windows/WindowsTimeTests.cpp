@@ -9,7 +9,7 @@ namespace {
 
 using namespace ZoPrimitives::Platform;
 
-std::int64_t Utc(int year, unsigned month, unsigned day, int hour, int minute) {
+std::int64_t Utc(int year, int month, int day, int hour, int minute) {
     using namespace std::chrono;
     const sys_days date = std::chrono::year(year) / month / day;
     return (date.time_since_epoch() + hours(hour) + minutes(minute)) / seconds(1);

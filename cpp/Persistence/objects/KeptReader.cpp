@@ -167,11 +167,7 @@ void KeptReader::TakeValues(Plan& plan, const TZoClass& fileClass, KeptPart& par
 
 bool KeptReader::MayMean(const TZoClassField& field, int uid) const {
     const auto* found = AtUid(recordClasses, uid);
-    if (found == nullptr) return false;
-    // The class of a map is that of its values.
-    const TZoClass* wanted = field.GetFieldType() == ftChildPointerMap ? nullptr : field.GetFieldClass();
-    return wanted == nullptr || TZoMetaData::IsGenericBase(wanted->GetName()) ||
-           found->second->IsInherited(wanted);
+    return found != nullptr && LayoutChoices::MayRefer(field, *found->second);
 }
 
 void KeptReader::EndRecords() {

@@ -42,6 +42,10 @@ public:
     }
     /// Whether a file declares fields of the level in kinds that this library does not know.
     static bool HasUnknownKind(const TZoClass& level) { return level.hasUnknownKind; }
+    /// The fewest bytes that a record of the class has.
+    static unsigned long long LeastBytes(const TZoClass& objectClass) {
+        return objectClass.RecordExtent().bytes;
+    }
     /// Whether objects of the class get a record.
     static bool HasFields(const TZoClass& objectClass) {
         bool any = false;

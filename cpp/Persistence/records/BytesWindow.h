@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ZoPrimitives/ZoFrames.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+
+namespace ZoPrimitives {
+
+/// Shows stretches of `TZoBytes` in memory: the bytes themselves where they are there, otherwise a buffer
+/// that moves along. It grows to the longest stretch that was asked for.
+class BytesWindow {
+public:
+    struct Stretch {
+        const unsigned char* begin;
+        std::size_t size;
+    };
+
+    explicit BytesWindow(TZoBytes& shown) : bytes(shown), memory(shown.GetMemory()), end(shown.GetSize()) {}
+
+    unsigned long long End() const { return end; }
+    TZoBytes& Bytes() const { return bytes; }
+    /// The next `wanted` bytes from `offset` on, fewer at the end; until the next call.
+    Stretch At(unsigned long long offset, std::size_t wanted) {
+        const unsigned long long left = offset < end ? end - offset : 0;
+        if (left < wanted) wanted = static_cast<std::size_t>(left);
+        if (memory != nullptr) return {memory + offset, wanted};
+        if (offset < first || offset + wanted > first + count) wanted = Refill(offset, wanted);
+        return {buffer.get() + (offset - first), wanted};
+    }
+
+private:
+    static constexpr std::size_t CHUNK = 256 * 1024;
+
+    /// Makes the buffer begin at `offset`. Returns how many of the wanted bytes are there: all, unless the
+    /// file has become shorter.
+    std::size_t Refill(unsigned long long offset, std::size_t wanted) {
+        std::size_t kept = 0;
+        if (offset >= first && offset < first + count)
+            kept = static_cast<std::size_t>(first + count - offset);
+        const std::size_t room = std::max(wanted, CHUNK);
+        const unsigned char* from = buffer.get() + (count - kept);
+        if (capacity < room) {
+            std::unique_ptr<unsigned char[]> larger(new unsigned char[room]);
+            if (kept != 0) std::memcpy(larger.get(), from, kept);
+            buffer = std::move(larger);
+            capacity = room;
+        } else if (kept != 0) {
+            std::memmove(buffer.get(), from, kept);
+        }
+        first = offset;
+        count = kept;
+        const unsigned long long left = std::min<unsigned long long>(room - kept, end - offset - kept);
+        count += bytes.Read(offset + kept, buffer.get() + kept, static_cast<unsigned>(left));
+        return std::min(wanted, count);
+    }
+
+    TZoBytes& bytes;
+    const unsigned char* memory;
+    unsigned long long end;
+    std::unique_ptr<unsigned char[]> buffer;
+    std::size_t capacity = 0;
+    unsigned long long first = 0; // offset of the buffer's first byte
+    std::size_t count = 0;        // bytes in the buffer
+};
+
+} // namespace ZoPrimitives

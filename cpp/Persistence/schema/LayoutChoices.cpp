@@ -60,7 +60,7 @@ void LayoutChoices::Branch(const Path& path, const unsigned char* end, std::vect
         if (value.Left() == 0) all.push_back(path.choice);
         return;
     }
-    for (std::size_t i = 0; i < layouts[path.nextOpen].size(); ++i) {
+    for (std::size_t i = layouts[path.nextOpen].size(); i-- > 0;) { // the last path is gone on with first
         ValuePasser next(value);
         if (!next.Pass(steps[step].field->GetFieldType(), layouts[path.nextOpen][i])) continue;
         if (next.Left() < least[step + 1]) continue;

@@ -48,7 +48,8 @@ public:
     /// How many integers of an application's the choice assumes; a map of single objects counts as one.
     unsigned CountAssumed(const Choice& choice) const;
 
-    /// Finds all choices that read the record whole. False if that takes too long; some are missing then.
+    /// Finds all choices that read the record whole, in ascending order. False if that takes too long; some
+    /// are missing then.
     bool FindAll(const unsigned char* begin, const unsigned char* end, std::vector<Choice>& all) const;
     /// False if the record cannot be read so.
     bool Read(const Choice& choice, const unsigned char* begin, const unsigned char* end, Marks& marks) const;

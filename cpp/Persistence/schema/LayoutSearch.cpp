@@ -15,7 +15,6 @@ void LayoutSearch::Begin(const unsigned char* begin, const unsigned char* end) {
     ++beginnings;
     std::vector<Choice> all;
     if (!choices.FindAll(begin, end, all) || all.size() > LayoutChoices::MOST_CHOICES) return;
-    std::sort(all.begin(), all.end());
     for (Choice& choice : all) candidates.push_back({std::move(choice)});
 }
 

@@ -2,6 +2,8 @@
 #include "system.h"
 #include "tool.h"
 
+#include "ZoPrimitives/ZoVersion.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>

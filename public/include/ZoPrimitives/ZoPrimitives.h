@@ -71,6 +71,7 @@
 #include "ZoPrimitives/ZoString.h"
 #include "ZoPrimitives/ZoTrace.h"
 #include "ZoPrimitives/ZoUtf8.h"
+#include "ZoPrimitives/ZoVersion.h"
 #include "ZoPrimitives/dvector.h"
 #include "ZoPrimitives/grandeza.h"
 #include "ZoPrimitives/pointer.h"

@@ -1,0 +1,10 @@
+# What `cpack` makes of an installed tree; `./dev package` calls it.
+set(CPACK_PACKAGE_NAME zoprimitives)
+set(CPACK_PACKAGE_VENDOR "${ZO_COMPANY}")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_RESOURCE_FILE_README ${PROJECT_SOURCE_DIR}/README.md)
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_SOURCE_GENERATOR TXZ)
+set(CPACK_SOURCE_IGNORE_FILES "^${PROJECT_SOURCE_DIR}/build/" "/\\\\.(git|cache|ci)/")
+set(CPACK_THREADS 0)
+include(CPack)

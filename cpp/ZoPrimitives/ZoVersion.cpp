@@ -1,0 +1,7 @@
+#include "ZoPrimitives/ZoVersion.h"
+
+namespace ZoPrimitives {
+
+const char* ZoLibraryVersion() noexcept { return ZO_VERSION; }
+
+} // namespace ZoPrimitives

@@ -26,6 +26,9 @@ if(MINGW)
     list(APPEND strip COMMAND ${CMAKE_STRIP} -o ${bin}/$<PATH:GET_FILENAME,${library}> ${library})
     list(APPEND beside ${bin}/$<PATH:GET_FILENAME,${library}>)
   endforeach()
+  add_custom_command(TARGET ZoPrimitives PRE_LINK VERBATIM COMMAND_EXPAND_LISTS
+                     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/cmake/windows/unexport ${CMAKE_OBJCOPY}
+                             ${CMAKE_CURRENT_SOURCE_DIR}/cmake/unexported.txt $<TARGET_OBJECTS:zo_objects>)
   # What a debugger needs of ours lies in a file of its own, which the DLL names.
   set(dll $<TARGET_FILE:ZoPrimitives>)
   add_custom_command(TARGET ZoPrimitives POST_BUILD ${strip}

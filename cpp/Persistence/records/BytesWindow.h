@@ -31,8 +31,24 @@ public:
         return {buffer.get() + (offset - first), wanted};
     }
 
+    /// The same with as many bytes behind those wanted as need not be read.
+    Stretch From(unsigned long long offset, std::size_t wanted) {
+        const Stretch bytes = At(offset, wanted);
+        if (memory != nullptr) return {bytes.begin, static_cast<std::size_t>(end - std::min(offset, end))};
+        return {bytes.begin, std::max(bytes.size, static_cast<std::size_t>(first + count - offset))};
+    }
+    /// Copies a few bytes, which need not be near. Returns how many are there.
+    std::size_t Peek(unsigned long long offset, void* data, unsigned wanted) {
+        if (memory == nullptr && (offset < first || offset + wanted > first + count))
+            return bytes.Read(offset, data, wanted);
+        const Stretch there = At(offset, wanted);
+        std::memcpy(data, there.begin, there.size);
+        return there.size;
+    }
+
 private:
-    static constexpr std::size_t CHUNK = 256 * 1024;
+    static constexpr std::size_t CHUNK = 256 * 1024;    // that is read at least
+    static constexpr std::size_t FAR_CHUNK = 16 * 1024; // the same, elsewhere than where the buffer ends
 
     /// Makes the buffer begin at `offset`. Returns how many of the wanted bytes are there: all, unless the
     /// file has become shorter.
@@ -40,7 +56,7 @@ private:
         std::size_t kept = 0;
         if (offset >= first && offset < first + count)
             kept = static_cast<std::size_t>(first + count - offset);
-        const std::size_t room = std::max(wanted, CHUNK);
+        const std::size_t room = std::max(wanted, kept != 0 || offset == first + count ? CHUNK : FAR_CHUNK);
         const unsigned char* from = buffer.get() + (count - kept);
         if (capacity < room) {
             std::unique_ptr<unsigned char[]> larger(new unsigned char[room]);

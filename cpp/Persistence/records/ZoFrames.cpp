@@ -42,9 +42,8 @@ public:
 private:
     static constexpr Offset ALLOWANCE = 64 * 1024 * 1024;
     static constexpr Offset ALLOWANCE_PER_BYTE = 8;
-    static constexpr std::size_t SCAN = 256 * 1024;
     static constexpr std::size_t NEARBY = 1024 * 1024;
-    static constexpr std::size_t MARKER_SIZE = 4;
+    static constexpr unsigned MARKER_SIZE = 4;
 
     void ReadHeader();
     Offset FirstFrame();
@@ -142,10 +141,8 @@ RecordHead TZoFrameReader::Hunt::HeadAt(Offset offset) {
 /// Whether a frame may end there: the bytes end, too, or another frame begins.
 bool TZoFrameReader::Hunt::EndsWell(Offset offset) {
     if (offset == end) return true;
-    const BytesWindow::Stretch bytes = window.At(offset, MARKER_SIZE);
     std::uint32_t marker = 0;
-    if (bytes.size == MARKER_SIZE) std::memcpy(&marker, bytes.begin, MARKER_SIZE);
-    return RecordFormat::IsMarker(marker);
+    return window.Peek(offset, &marker, MARKER_SIZE) == MARKER_SIZE && RecordFormat::IsMarker(marker);
 }
 
 /// Whether work that may be in vain can be done.
@@ -227,7 +224,7 @@ const unsigned char* TZoFrameReader::Hunt::FindMarker(const unsigned char* from,
 
 Offset TZoFrameReader::Hunt::FindMarker(Offset from) {
     while (from < end) {
-        const BytesWindow::Stretch bytes = window.At(from, SCAN);
+        const BytesWindow::Stretch bytes = window.From(from, MARKER_SIZE);
         if (bytes.size < MARKER_SIZE) break;
         const unsigned char* last = bytes.begin + bytes.size;
         const unsigned char* marker = FindMarker(bytes.begin, last);

@@ -171,4 +171,116 @@ TEST(ZoFramesTests, FindsEveryFrameBehindAnyDamage) {
     }
 }
 
+TEST(ZoFramesTests, WithHeadsOnlyLooksAtPayloadsWhereSomethingIsDamaged) {
+    for (const Damage& damage : DAMAGES) {
+        SCOPED_TRACE(damage.name);
+        TZoMemoryBytes bytes(damage.file.data(), damage.file.size());
+        Pass pass = Read(bytes, true);
+        if (std::string(damage.name) == "a size that ends behind another") continue; // heads do not tell
+        ASSERT_EQ(pass.frames.size(), damage.frames.size());
+        for (std::size_t i = 0; i < pass.frames.size(); ++i) {
+            const Told &told = pass.frames[i], &expected = damage.frames[i];
+            EXPECT_EQ(told.uid, expected.uid);
+            if (told.state == Whole) continue; // what follows is where it should be
+            EXPECT_EQ(told, expected);
+        }
+    }
+    TZoMemoryBytes bytes(DAMAGES[0].file.data(), DAMAGES[0].file.size());
+    EXPECT_EQ(Read(bytes, true).frames[1], (Told{2, Whole, 0, ""}));
+}
+
+TEST(ZoFramesTests, ReadsOneFrameAnywhere) {
+    const std::string file =
+        HEADER + FIRST + "x" + Keyed(2, "second") + Changed(THIRD, 25) + THIRD.substr(0, 27);
+    TZoMemoryBytes bytes(file.data(), file.size());
+    TZoFrameReader reader(bytes);
+    TZoFrame frame;
+    struct {
+        unsigned long long offset;
+        bool found;
+        TZoFrameState state;
+        std::string payload;
+    } rows[] = {{28, true, Whole, "first"}, {57, false, {}, ""},   {58, true, Whole, "second"},
+                {88, true, WrongCrc, ""},   {118, true, Torn, ""}, {9999, false, {}, ""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.offset);
+        ASSERT_EQ(reader.ReadAt(row.offset, frame), row.found);
+        if (!row.found) continue;
+        EXPECT_EQ(frame.offset, row.offset);
+        EXPECT_EQ(frame.state, row.state);
+        const auto* payload = reinterpret_cast<const char*>(reader.GetPayload());
+        EXPECT_EQ(payload == nullptr ? "" : std::string(payload, reader.GetPayloadSize()), row.payload);
+    }
+    ASSERT_TRUE(reader.Next(frame)) << "the pass has not moved";
+    EXPECT_EQ(frame.uid, 1);
+}
+
+TEST(ZoFramesTests, ChecksTheDigest) {
+    const auto withDigest = [](const std::string& records, unsigned layout = 1) {
+        std::string file = HeaderBytes(3, 2026, 2, 12) + "ZoDg" + LittleEndian(layout);
+        std::string heads;
+        for (const std::string& record : {FIRST, SECOND}) heads += record.substr(0, 24);
+        return file + LittleEndian(ZlibCrc(heads + file)) + records;
+    };
+    const std::string sound = withDigest(FIRST + SECOND);
+    struct {
+        const char* name;
+        std::string file;
+        TZoDigestState state;
+    } rows[] = {{"right", sound, TZoDigestState::Right},
+                {"a class", Changed(sound, 52), TZoDigestState::Wrong},
+                {"the header", Changed(sound, 4), TZoDigestState::Wrong},
+                {"the digest", Changed(sound, 36), TZoDigestState::Wrong},
+                {"a payload", Changed(sound, 66), TZoDigestState::Wrong},
+                {"a stray byte", withDigest(FIRST + "x" + SECOND), TZoDigestState::Wrong},
+                {"one at the end", sound + "x", TZoDigestState::Wrong},
+                {"another order", withDigest(SECOND + FIRST), TZoDigestState::Wrong},
+                {"one is missing", withDigest(FIRST), TZoDigestState::Wrong},
+                {"none", withDigest(FIRST, 0), TZoDigestState::None},
+                {"of a later layout", withDigest(FIRST, 2), TZoDigestState::Unknown},
+                {"another block", Changed(sound, 28), TZoDigestState::None}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        TZoMemoryBytes bytes(row.file.data(), row.file.size());
+        EXPECT_EQ(Read(bytes).digest, row.state);
+    }
+    TZoMemoryBytes bytes(sound.data(), sound.size());
+    EXPECT_EQ(TZoFrameReader(bytes).GetDigestState(), TZoDigestState::Open);
+}
+
+/// Bytes that are not in memory, as far as the reader knows, and count what is read of them.
+struct CountedBytes : TZoBytes {
+    explicit CountedBytes(std::string all) : file(std::move(all)) {}
+    unsigned long long GetSize() const override { return file.size(); }
+    unsigned Read(unsigned long long offset, void* data, unsigned size) override {
+        const std::size_t copied = file.copy(static_cast<char*>(data), size, offset);
+        count += copied;
+        return static_cast<unsigned>(copied);
+    }
+    std::string file;
+    unsigned long long count = 0;
+};
+
+TEST(ZoFramesTests, HostileSizesCostNoMoreThanASmallMultiple) {
+    const auto heads = [](unsigned size, unsigned count) { // frames that overlap
+        std::string file = HEADER;
+        for (unsigned i = 0; i < count; ++i)
+            file += LittleEndian(0xABCAABCA) + LittleEndian(size) + std::string(16, 1);
+        return file;
+    };
+    for (const unsigned size : {1U, 9U << 20, 10U << 20, 11U << 20}) {
+        CountedBytes bytes(heads(size, 200'000)); // 5 MB
+        Read(bytes);
+        EXPECT_LT(bytes.count, 16 * bytes.file.size() + (64U << 20)) << size;
+    }
+}
+
+TEST(ZoFramesTests, PassesOverPayloadsThatAreNotAskedFor) {
+    std::string file = HEADER;
+    for (int uid = 1; uid <= 4; ++uid) file += Frame(uid, std::string(2'000'000, 'x'));
+    CountedBytes bytes(file);
+    EXPECT_EQ(Read(bytes, true).frames.size(), 4U);
+    EXPECT_LT(bytes.count, 500'000U);
+}
+
 } // namespace

@@ -1,15 +1,13 @@
 #include "Persistence/instances/KeptParts.h"
 
-#include <algorithm>
 #include <mutex>
 #include <unordered_map>
 
 namespace ZoPrimitives {
 
 ZoStreamableBase* KeptFile::Find(int uid) const {
-    const auto found = std::lower_bound(objects.begin(), objects.end(), uid,
-                                        [](const auto& entry, int wanted) { return entry.first < wanted; });
-    return found == objects.end() || found->first != uid ? nullptr : found->second->object;
+    const auto* found = AtUid(objects, uid);
+    return found == nullptr ? nullptr : found->second->object;
 }
 
 struct KeptParts::Entry {

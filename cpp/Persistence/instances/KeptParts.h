@@ -3,6 +3,7 @@
 #include "Persistence/instances/FieldLayout.h"
 #include "ZoPrimitives/ZoStreamable.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <set>
@@ -10,6 +11,14 @@
 #include <vector>
 
 namespace ZoPrimitives {
+
+/// The pair of that uid in a list of pairs whose uids rise; null if there is none.
+template <class Pairs>
+const typename Pairs::value_type* AtUid(const Pairs& pairs, int uid) {
+    const auto found = std::lower_bound(pairs.begin(), pairs.end(), uid,
+                                        [](const auto& pair, int wanted) { return pair.first < wanted; });
+    return found == pairs.end() || found->first != uid ? nullptr : &*found;
+}
 
 /// Where an object is that kept parts refer to; null once it has ended.
 struct KeptAnchor {

@@ -33,14 +33,6 @@ std::pair<const unsigned char*, const unsigned char*> RecordOf(TBinInStream& str
     return {begin, begin + size};
 }
 
-/// The pair of that uid in a list of pairs whose uids rise; null if there is none.
-template <class Pairs>
-const typename Pairs::value_type* AtUid(const Pairs& pairs, int uid) {
-    const auto found = std::lower_bound(pairs.begin(), pairs.end(), uid,
-                                        [](const auto& pair, int wanted) { return pair.first < wanted; });
-    return found == pairs.end() || found->first != uid ? nullptr : &*found;
-}
-
 bool HasOpenLayouts(const TZoMetaData& fileSchema) {
     for (int i = 1; i <= fileSchema.GetClassCount(); ++i) {
         for (const TZoClassField* field : RecordOrder::FieldsOf(*fileSchema.GetClass(i))) {

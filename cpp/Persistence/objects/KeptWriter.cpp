@@ -62,8 +62,8 @@ private:
         TZoClassFieldPointerList* keys = FieldCodec::AsList(halves[0]);
         TZoClassFieldPointerList* items = FieldCodec::AsList(halves[1]);
         if (keys != nullptr && items != nullptr) {
-            PutList(*keys, kept->second, ItemsOf(*keys), &KeptPart::Reference::uid);
-            PutList(*items, kept->second, ItemsOf(*keys), &KeptPart::Reference::valueUid);
+            PutList(*keys, kept->second, FieldCodec::ItemsOf(*keys, object), &KeptPart::Reference::uid);
+            PutList(*items, kept->second, FieldCodec::ItemsOf(*keys, object), &KeptPart::Reference::valueUid);
         } else {
             PutHalf(*halves[0], kept->second, 0);
             PutHalf(*halves[1], kept->second, 1);
@@ -76,19 +76,12 @@ private:
                      [half](const KeptPart::Reference* reference) { return reference->half == half; });
         if (IsKindOf<TZoClassFieldPointerList>(field.GetFieldType())) {
             auto& list = static_cast<TZoClassFieldPointerList&>(field);
-            return PutList(list, kept, ItemsOf(list), &KeptPart::Reference::uid);
+            return PutList(list, kept, FieldCodec::ItemsOf(list, object), &KeptPart::Reference::uid);
         }
         auto& single = static_cast<TZoClassFieldPointer&>(field);
         if (kept.empty() || single.Get(object) != nullptr) // what the application has set counts
             return FieldCodec::SaveUids(VirtualSink{stream}, single, object);
         PutUid(kept.front()->uid);
-    }
-
-    Items ItemsOf(TZoClassFieldPointerList& list) const {
-        Items items;
-        ZoItemAction append([&items](ZoStreamableBase* item) { items.push_back(item); });
-        list.GetFieldMetaData(object, append);
-        return items;
     }
 
     /// Behind how many of the items a kept one goes back: the one that it followed, or else all.
@@ -111,7 +104,7 @@ private:
                          [](const auto& a, const auto& b) { return a.first < b.first; });
         std::vector<int> uids;
         auto next = added.begin();
-        const Items items = ItemsOf(list);
+        const Items items = FieldCodec::ItemsOf(list, object);
         for (std::size_t i = 0; i <= items.size(); ++i) {
             for (; next != added.end() && (next->first <= i || i == items.size()); ++next)
                 uids.push_back(next->second);

@@ -50,6 +50,9 @@ struct VirtualSource {
 /// Reads and writes each kind of field: the one place that knows how it stands in a record.
 class FieldCodec {
 public:
+    /// Copies all items of a list, null ones included, so that the list may change while they are walked.
+    static std::vector<ZoStreamableBase*> ItemsOf(TZoClassField& field, ZoStreamableBase* object);
+
     // Writing
 
     template <class Sink, class T>

@@ -14,6 +14,13 @@
 
 namespace ZoPrimitives {
 
+std::vector<ZoStreamableBase*> FieldCodec::ItemsOf(TZoClassField& field, ZoStreamableBase* object) {
+    std::vector<ZoStreamableBase*> items;
+    ZoItemAction append([&items](ZoStreamableBase* item) { items.push_back(item); });
+    field.GetFieldMetaData(object, append);
+    return items;
+}
+
 namespace {
 
 /// Checks that the kind belongs to the C++ class: casts by the kind rely on it.
@@ -237,14 +244,6 @@ ZoStreamableBase* TZoClassFieldPointerList::ElementAt(ZoStreamableBase* object, 
 
 namespace {
 
-/// Copies all items of a list, null ones included, so that the list may change while they are walked.
-std::vector<ZoStreamableBase*> ItemsOf(TZoClassField& field, ZoStreamableBase* object) {
-    std::vector<ZoStreamableBase*> items;
-    ZoItemAction append([&items](ZoStreamableBase* item) { items.push_back(item); });
-    field.GetFieldMetaData(object, append);
-    return items;
-}
-
 /// What `DeleteReferences` asks of each item.
 struct RemovedTest {
     bool (*isRemoved)(const void*, const ZoStreamableBase*);
@@ -313,7 +312,7 @@ void TZoClassFieldPointerList::LoadFromStream(TBinInStream* stream, ZoStreamable
 void TZoClassFieldPointerList::DeleteReferences(ZoStreamableBase* object,
                                                 bool (*isRemoved)(const void*, const ZoStreamableBase*),
                                                 const void* context) {
-    const std::vector<ZoStreamableBase*> items = ItemsOf(*this, object);
+    const std::vector<ZoStreamableBase*> items = FieldCodec::ItemsOf(*this, object);
     const RemovedTest removed{isRemoved, context};
     if (std::none_of(items.begin(), items.end(), removed)) return;
     const int first = access.first != nullptr ? access.first(object, this) : 0;
@@ -397,8 +396,8 @@ void TZoClassFieldPointerMap::DeleteReferences(ZoStreamableBase* object,
             half.DeleteReferences(object, isRemoved, context);
         });
     }
-    const std::vector<ZoStreamableBase*> gatheredKeys = ItemsOf(*keys, object);
-    const std::vector<ZoStreamableBase*> gatheredValues = ItemsOf(*values, object);
+    const std::vector<ZoStreamableBase*> gatheredKeys = FieldCodec::ItemsOf(*keys, object);
+    const std::vector<ZoStreamableBase*> gatheredValues = FieldCodec::ItemsOf(*values, object);
     const RemovedTest removed{isRemoved, context};
     std::vector<std::pair<ZoStreamableBase*, ZoStreamableBase*>> kept;
     const std::size_t count = std::min(gatheredKeys.size(), gatheredValues.size());

@@ -5,6 +5,17 @@ target_compile_definitions(zo_objects PRIVATE _WIN32_WINNT=0x0602)
 configure_file(cmake/windows/version.rc.in version.rc @ONLY)
 target_sources(ZoPrimitives PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
 
+# What a debugger needs of ours lies in a file of its own, which the program or DLL names.
+function(zo_part_debug_information target)
+  if(MINGW)
+    set(file $<TARGET_FILE:${target}>)
+    add_custom_command(TARGET ${target} POST_BUILD
+                       COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${file} ${file}.debug
+                       COMMAND ${CMAKE_STRIP} --strip-debug ${file}
+                       COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${file}.debug ${file})
+  endif()
+endfunction()
+
 if(MINGW)
   set_target_properties(ZoPrimitives PROPERTIES PREFIX "")
 
@@ -29,15 +40,11 @@ if(MINGW)
   add_custom_command(TARGET ZoPrimitives PRE_LINK VERBATIM COMMAND_EXPAND_LISTS
                      COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/cmake/windows/unexport ${CMAKE_OBJCOPY}
                              ${CMAKE_CURRENT_SOURCE_DIR}/cmake/unexported.txt $<TARGET_OBJECTS:zo_objects>)
-  # What a debugger needs of ours lies in a file of its own, which the DLL names.
-  set(dll $<TARGET_FILE:ZoPrimitives>)
-  add_custom_command(TARGET ZoPrimitives POST_BUILD ${strip}
-                     COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${dll} ${dll}.debug
-                     COMMAND ${CMAKE_STRIP} --strip-debug ${dll}
-                     COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${dll}.debug ${dll})
+  add_custom_command(TARGET ZoPrimitives POST_BUILD ${strip})
+  zo_part_debug_information(ZoPrimitives)
   if(ZO_INSTALL)
     install(FILES ${beside} TYPE BIN COMPONENT library)
-    install(FILES ${dll}.debug TYPE BIN COMPONENT development)
+    install(FILES $<TARGET_FILE:ZoPrimitives>.debug TYPE BIN COMPONENT development)
     set(licenses share/licenses/ZoPrimitives)
     install(FILES /usr/share/doc/gcc-mingw-w64-base/copyright DESTINATION ${licenses} RENAME gcc.txt COMPONENT library)
     install(FILES /usr/share/doc/mingw-w64-common/copyright DESTINATION ${licenses} RENAME mingw-w64.txt COMPONENT library)

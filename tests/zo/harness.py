@@ -3,10 +3,12 @@
 Each script of this folder ends with `harness.main()`; its arguments are the command that runs the tool.
 """
 import os
+import struct
 import subprocess
 import sys
 import tempfile
 import unittest
+import zlib
 
 DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data")
 GOOD, NEGATIVE, TROUBLE = 0, 1, 2
@@ -21,6 +23,27 @@ def data(name):
 def contents(name):
     with open(os.path.join(DATA, name), "rb") as file:
         return file.read()
+
+
+def records(whole):
+    """The records of a file: where each begins, and where its payload ends."""
+    at = 28 + struct.unpack_from("<I", whole, 24)[0]
+    while at < len(whole):
+        size = struct.unpack_from("<I", whole, at + 4)[0]
+        yield at, at + 24 + size
+        at += 24 + size
+
+
+def patched(whole, form, before, after):
+    """The file with one value of a record exchanged for another of the same size, all checksums right."""
+    before, after = struct.pack(form, before), struct.pack(form, after)
+    for at, end in records(whole):
+        payload = whole[at + 24:end]
+        if before in payload and at > 28:
+            payload = payload.replace(before, after, 1)
+            head = whole[at:at + 8] + struct.pack("<I", zlib.crc32(payload)) + whole[at + 12:at + 24]
+            return whole[:at] + head + payload + whole[end:]
+    raise ValueError(f"no record has {before}")
 
 
 class Result:

@@ -5,9 +5,10 @@ from harness import GOOD, TROUBLE, contents, data
 class Info(harness.ToolTest):
     def test_files(self):
         for file, lines in {
-            "frame9.zo": ("size 17473 bytes", "version 3", "release 2026", "schema 12 classes, 1192 bytes",
-                          "objects 212, 11141 bytes", "Girder 50 2350", "Entity 0 0"),
-            "scrambled.zo": ("size 884 bytes", "objects 8, 172 bytes", "EveryKind 1 144"),
+            "frame9.zo": ("size 17473 bytes", "version 3, release 2026", "records 213, 213 by the header", "digest none", "scrambled no",
+                          "schema 12 classes, 1192 bytes",
+                          "objects 212, 11141 bytes", "Girder 50 2350"),
+            "scrambled.zo": ("size 884 bytes", "objects 8, 172 bytes", "scrambled 9 records", "EveryKind 1 144"),
         }.items():
             with self.subTest(file):
                 self.expect_lines(self.expect(GOOD, "info", data(file)), *lines)

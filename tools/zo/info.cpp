@@ -1,10 +1,12 @@
 #include "commands.h"
+#include "fields.h"
 #include "input.h"
 #include "table.h"
 #include "text.h"
 #include "tool.h"
 
-#include "ZoPrimitives/ZoMetaData.h"
+#include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoRecords.h"
 
 #include <CLI/CLI.hpp>
 
@@ -16,44 +18,116 @@ using namespace ZoPrimitives;
 
 namespace {
 
-struct Sum {
-    unsigned long long objects = 0;
-    unsigned long long bytes = 0;
+/// What the heads of a file's records tell.
+struct Counts {
+    struct Sum {
+        unsigned long long objects = 0;
+        unsigned long long bytes = 0;
+    };
+    std::map<int, Sum> classes; // by id
+    Sum all;
+    unsigned long long records = 0;
+    unsigned long long scrambled = 0; // records
+    unsigned long long damaged = 0;   // records
+    unsigned long long strayed = 0;   // bytes
+    unsigned schemaSize = 0;
 };
 
-Exit Info(Tool& tool, const Input& input) {
-    const std::unique_ptr<TBinInStream> stream = input.OpenStream();
-    TZoMetaData none, schema;
-    std::map<int, Sum> classes;
-    int uid = 0;
-    int classId = 0;
-    Sum all;
-    unsigned schemaSize = 0;
-    while (stream->LoadRecord(&uid, &classId)) {
-        if (uid == 0 && classId == 0) {
-            schemaSize = stream->GetRecordSize();
-            if (!schema.LoadFromStream(stream.get(), &none))
-                throw Trouble("its schema contradicts itself; \"zo verify\" tells more");
-            continue;
-        }
-        for (Sum* sum : {&classes[classId], &all}) {
-            ++sum->objects;
-            sum->bytes += stream->GetRecordSize();
+Counts Count(TZoFrameReader& frames) {
+    Counts counts;
+    frames.SetHeadsOnly(true);
+    TZoFrame frame;
+    while (frames.Next(frame)) {
+        ++counts.records;
+        counts.strayed += frame.gap;
+        if (frame.key != 0) ++counts.scrambled;
+        if (frame.state != TZoFrameState::Whole) {
+            ++counts.damaged;
+        } else if (frame.classId == 0 && frame.uid == 0) {
+            counts.schemaSize = frame.size;
+        } else {
+            for (Counts::Sum* const sum : {&counts.classes[frame.classId], &counts.all}) {
+                ++sum->objects;
+                sum->bytes += frame.size;
+            }
         }
     }
-    Output& out = tool.out;
-    out.Print("{}\n", out.Paint(Style::Heading, input.Name()));
-    out.Print("  size      {} bytes\n", input.Size());
-    out.Print("  version   {}\n  release   {}\n", stream->GetVersion(), stream->GetRelease());
-    out.Print("  schema    {} classes, {} bytes\n", schema.GetClassCount(), schemaSize);
-    out.Print("  objects   {}, {} bytes\n\n", all.objects, all.bytes);
+    counts.strayed += frame.gap;
+    return counts;
+}
+
+std::string DigestText(TZoFrameReader& frames) {
+    switch (frames.GetDigestState()) {
+    case TZoDigestState::None:
+        return "none";
+    case TZoDigestState::Unknown:
+        return "of a later layout";
+    case TZoDigestState::Open:
+        return "not read to its end";
+    case TZoDigestState::Right:
+        return fmt::format("{:08X}, right", frames.GetWantedDigest());
+    case TZoDigestState::Wrong:
+        return fmt::format("{:08X}, wrong: the records give {:08X}", frames.GetWantedDigest(),
+                           frames.GetFoundDigest());
+    }
+    return "";
+}
+
+std::shared_ptr<TZoMetaData> SchemaOf(Tool& tool, const Input& input) {
+    try {
+        return TZoRecordReader(input.Bytes()).ShareSchema();
+    } catch (const XStream&) {
+        tool.Warn(input.Name(), "its schema cannot be read; \"zo verify\" tells why");
+        return std::make_shared<TZoMetaData>();
+    }
+}
+
+std::string CountedClasses(int count) { return fmt::format("{} class{}", count, count == 1 ? "" : "es"); }
+
+void PrintClasses(Output& out, const TZoMetaData& schema, Counts& counts) {
     Table table({{"class", Align::Left}, {"objects", Align::Right}, {"bytes", Align::Right}});
-    for (int i = 1; i <= schema.GetClassCount(); ++i) {
-        TZoClass* const type = schema.GetClass(i);
-        const Sum& sum = classes[type->GetClassId()];
-        table.Add({ClassName(*type), std::to_string(sum.objects), std::to_string(sum.bytes)});
+    const auto add = [&](const std::string& name, const Counts::Sum& sum) {
+        table.Add({name, std::to_string(sum.objects), std::to_string(sum.bytes)});
+    };
+    for (const TZoClass* const type : ClassesOf(schema)) {
+        const auto sum = counts.classes.extract(type->GetClassId());
+        if (sum) {
+            add(ClassName(*type), sum.mapped());
+        } else if (!type->GetAbstract()) {
+            add(ClassName(*type), {});
+        }
     }
+    for (const auto& [id, sum] : counts.classes) add(fmt::format("(unknown class {})", id), sum);
     table.Print(out, "  ");
+}
+
+Exit Info(Tool& tool, const Input& input) {
+    TZoFrameReader frames(input.Bytes());
+    if (frames.GetHeaderState() != TZoHeaderState::Right)
+        throw Trouble("it is no object file, or its header is damaged; \"zo verify\" tells more");
+    Counts counts = Count(frames);
+    const std::shared_ptr<TZoMetaData> schema = SchemaOf(tool, input);
+
+    Output& out = tool.out;
+    const TBinHeader& header = frames.GetHeader();
+    const auto line = [&](std::string_view what, const std::string& text) {
+        out.Print("  {}{}\n", out.Paint(Style::Faint, fmt::format("{:<11}", what)), text);
+    };
+    out.Print("{}\n", out.Paint(Style::Heading, input.Name()));
+    line("size", Counted(input.Bytes().GetSize(), "byte"));
+    line("version", fmt::format("{}, release {}", header.version, header.release));
+    line("records", fmt::format("{}, {} by the header", counts.records, header.recordCount));
+    line("schema",
+         fmt::format("{}, {}", CountedClasses(schema->GetClassCount()), Counted(counts.schemaSize, "byte")));
+    line("objects", fmt::format("{}, {}", counts.all.objects, Counted(counts.all.bytes, "byte")));
+    line("digest", DigestText(frames));
+    line("scrambled", counts.scrambled == 0 ? "no" : fmt::format("{} records", counts.scrambled));
+    if (counts.damaged + counts.strayed != 0) {
+        line("damage", fmt::format("{}, {} that belong to none: \"zo verify\" tells more",
+                                   Counted(counts.damaged, "record"), Counted(counts.strayed, "byte")));
+    }
+    out.Write("\n");
+    PrintClasses(out, *schema, counts);
     return Exit::Good;
 }
 
@@ -63,11 +137,12 @@ void AddInfo(CLI::App& zo, Tool& tool) {
     CLI::App* const command =
         zo.add_subcommand("info", "what a file holds: header, sizes, objects and bytes per class");
     const auto files = std::make_shared<std::vector<std::string>>();
-    command->add_option("FILE", *files, "object files, or - for standard input")->required();
-    command->footer("Example:\n  zo info model.zo");
+    command->add_option("FILE", *files, "object files, folders of them, or - for standard input")->required();
+    command->footer("Only the heads of records are read: \"zo verify\" checks what is in them.\n\n"
+                    "Examples:\n  zo info model.zo\n  zo info models/");
     command->callback([&tool, files] {
         tool.command = [&tool, files] {
-            return ForEach(tool, *files, [&](const Input& input) { return Info(tool, input); });
+            return ForEach(tool, FilesOf(*files), [&](const Input& input) { return Info(tool, input); });
         };
     });
 }

@@ -1,14 +1,15 @@
 #include "input.h"
 
-#include "ZoPrimitives/FileBinInStream.h"
-#include "ZoPrimitives/MemoryBinInStream.h"
+#include "ZoPrimitives/XStream.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 
 namespace ZoTool {
 
 using namespace ZoPrimitives;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -17,47 +18,77 @@ std::string ReadStandardInput() {
     std::array<char, 1 << 16> block;
     while (const std::size_t size = std::fread(block.data(), 1, block.size(), stdin))
         bytes.append(block.data(), size);
-    if (std::ferror(stdin) != 0) throw Trouble("standard input cannot be read");
+    if (std::ferror(stdin) != 0) throw Trouble("it cannot be read");
     return bytes;
 }
 
-unsigned long long SizeOf(const std::string& path) {
-    const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-    std::error_code error;
-    if (std::filesystem::is_directory(file, error)) throw Trouble("it is a folder; name a file in it");
-    const auto size = std::filesystem::file_size(file, error);
-    if (error == std::errc::no_such_file_or_directory)
-        throw Trouble("there is no such file; look at its name and its folder");
-    if (error) throw Trouble("it cannot be opened: " + error.message());
-    return size;
+fs::path PathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
+
+std::string Utf8(const fs::path& path) {
+    const std::u8string utf8 = path.u8string();
+    return {utf8.begin(), utf8.end()};
+}
+
+bool LooksLikeAnObjectFile(const fs::path& path) {
+    if (path.extension() == ".zo") return true;
+    try {
+        TZoFileBytes bytes(path);
+        unsigned marker = 0;
+        TZoFrameReader frames(bytes);
+        return frames.GetHeaderState() == TZoHeaderState::Right &&
+               bytes.Read(frames.GetFirstOffset(), &marker, sizeof marker) == sizeof marker &&
+               (marker == 0xABCAABCA || marker == 0xABCDABCD);
+    } catch (const XReadStream&) { // not a file that can be read
+        return false;
+    }
+}
+
+std::vector<std::string> FilesIn(const fs::path& folder) {
+    std::vector<std::string> files;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+        if (entry.is_regular_file() && LooksLikeAnObjectFile(entry.path()))
+            files.push_back(Utf8(entry.path()));
+    }
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
 } // namespace
 
-Input::Input(const std::string& given)
-    : path(given == "-" ? "" : given), name(given == "-" ? "standard input" : given) {
-    if (path.empty()) bytes = ReadStandardInput();
-    size = path.empty() ? bytes.size() : SizeOf(path);
+std::string NameOf(const std::string& word) { return word == "-" ? "standard input" : word; }
+
+Input::Input(const std::string& given) : name(NameOf(given)) {
+    std::error_code error;
+    if (given == "-") {
+        standardInput = ReadStandardInput();
+        bytes = std::make_unique<TZoMemoryBytes>(standardInput.data(), standardInput.size());
+    } else if (fs::is_directory(PathOf(given), error)) {
+        throw Trouble("it is a folder, or one without object files; name a file");
+    } else {
+        bytes = std::make_unique<TZoFileBytes>(TZoPath::FromUtf8(given.c_str()));
+    }
 }
 
-std::unique_ptr<TBinInStream> Input::OpenStream() const {
-    if (path.empty()) {
-        auto stream =
-            std::make_unique<TMemoryBinInStream>(bytes.data(), bytes.size(), TFileBinInStream::ANY_VERSION);
-        stream->Initialize();
-        return stream;
+std::vector<std::string> FilesOf(const std::vector<std::string>& words) {
+    std::vector<std::string> files;
+    for (const std::string& word : words) {
+        std::error_code error;
+        if (word != "-" && fs::is_directory(PathOf(word), error)) {
+            const std::vector<std::string> found = FilesIn(PathOf(word));
+            files.insert(files.end(), found.begin(), found.end());
+            if (found.empty()) files.push_back(word); // which opening it tells
+        } else {
+            files.push_back(word);
+        }
     }
-    auto stream = std::make_unique<TFileBinInStream>(TZoPath::FromUtf8(path.c_str()), TFileReading::Viewing);
-    stream->Initialize();
-    return stream;
+    return files;
 }
 
 Exit ForEach(Tool& tool, const std::vector<std::string>& files,
              const std::function<Exit(const Input&)>& body) {
     Exit worst = Exit::Good;
     for (const std::string& file : files) {
-        worst =
-            Worse(worst, tool.Try(file == "-" ? "standard input" : file, [&] { return body(Input(file)); }));
+        worst = Worse(worst, tool.Try(NameOf(file), [&] { return body(Input(file)); }));
     }
     return worst;
 }

@@ -2,7 +2,7 @@
 
 #include "tool.h"
 
-#include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/ZoFrames.h"
 
 #include <functional>
 #include <memory>
@@ -11,6 +11,9 @@
 
 namespace ZoTool {
 
+/// A word of the command line that names a file, as messages show it.
+std::string NameOf(const std::string& word);
+
 /// One file of the command line, or standard input where its name is "-".
 class Input {
 public:
@@ -18,17 +21,17 @@ public:
 
     /// As messages and the column `file` show it.
     const std::string& Name() const { return name; }
-    /// The size in bytes.
-    unsigned long long Size() const { return size; }
-    /// A stream that has read the file's header.
-    std::unique_ptr<ZoPrimitives::TBinInStream> OpenStream() const;
+    ZoPrimitives::TZoBytes& Bytes() const { return *bytes; }
 
 private:
-    std::string path; // empty: standard input
     std::string name;
-    std::string bytes; // of standard input
-    unsigned long long size;
+    std::string standardInput;
+    std::unique_ptr<ZoPrimitives::TZoBytes> bytes;
 };
+
+/// The files that words of a command line name: a folder stands for the object files in it and below, sorted
+/// by name. Those are the files that end in ".zo", and others that begin as an object file does.
+std::vector<std::string> FilesOf(const std::vector<std::string>& words);
 
 /// Runs `body` on each file. What one throws is told, and the others follow: the worst end is the result.
 Exit ForEach(Tool& tool, const std::vector<std::string>& files,

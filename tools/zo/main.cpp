@@ -4,6 +4,8 @@
 
 #include "ZoPrimitives/ZoVersion.h"
 
+#include "ZoPrimitives/ZoVersion.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -46,6 +48,10 @@ Exit Run(Tool& tool, std::vector<std::string> words) {
     Looks looks;
     AddCommonOptions(zo, looks);
     AddInfo(zo, tool);
+    AddLs(zo, tool);
+    AddSchema(zo, tool);
+    AddDump(zo, tool);
+    AddSql(zo, tool);
     // The parser takes them from the back.
     std::reverse(words.begin(), words.end());
     try {

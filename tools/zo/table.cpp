@@ -6,12 +6,12 @@
 
 namespace ZoTool {
 
-void Table::Print(Output& out, std::string_view indent) const {
-    std::vector<std::size_t> widths;
+void Table::Print(Output& out, std::string_view indent) {
+    const bool isFirst = widths.empty();
+    widths.resize(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        std::size_t width = Width(columns[i].heading);
-        for (const auto& row : rows) width = std::max(width, Width(row[i]));
-        widths.push_back(width);
+        widths[i] = std::max(widths[i], Width(columns[i].heading));
+        for (const auto& row : rows) widths[i] = std::max(widths[i], Width(row[i]));
     }
     const auto line = [&](const auto& cell, Style style) {
         std::string text(indent);
@@ -24,9 +24,11 @@ void Table::Print(Output& out, std::string_view indent) const {
         }
         out.Print("{}\n", text);
     };
-    line([&](std::size_t i) -> const std::string& { return columns[i].heading; }, Style::Heading);
+    if (isFirst)
+        line([&](std::size_t i) -> const std::string& { return columns[i].heading; }, Style::Heading);
     for (const auto& row : rows)
         line([&](std::size_t i) -> const std::string& { return row[i]; }, Style::Plain);
+    rows.clear();
 }
 
 } // namespace ZoTool

@@ -4,13 +4,14 @@
 # LIBRARIES: the folder with TBB's, cctz's and mimalloc's headers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+cmake/messages/library build/texts
 # Where mingw's headers are; the compiler's own come from clang.
 includes=$(x86_64-w64-mingw32-g++-posix -E -v -x c++ /dev/null 2>&1 |
     sed -n '/^#include </,/^End/s/^ \(.*\)/\1/p' | grep -vE '/lib/gcc/[^/]*/[^/]*/include(-fixed)?$' | sed 's/^/-isystem /' | tr '\n' ' ')
 compiler="clang++ --target=x86_64-pc-windows-msvc -fno-ms-compatibility -fmsc-version=0 -fms-extensions -fsyntax-only
     -Wall -Wextra -Wpedantic -Werror -Werror=gnu -Wmicrosoft -Wnon-virtual-dtor -Wno-pragma-once-outside-header
     -D__declspec=__declspec -D__GCC_DESTRUCTIVE_SIZE=64 -D__GCC_CONSTRUCTIVE_SIZE=64
-    -nostdinc++ $includes -isystem $1/include -isystem $1/include/mimalloc-2.0 -Ipublic/include -Icpp"
+    -nostdinc++ $includes -isystem $1/include -isystem $1/include/mimalloc-2.0 -Ipublic/include -Icpp -Ibuild/texts"
 
 # As an application sees them behind <windows.h>, which defines min and max.
 {

@@ -181,6 +181,10 @@ inline bool NotFound(unsigned long error) { return error == ErrorFileNotFound ||
 std::string PathFromText(const char* text);
 std::string TextOfPath(const char* path);
 
+/// The folder of the process's program as a path for the services, with a separator at its end; empty if the
+/// system does not tell.
+std::string ApplicationFolder();
+
 /// These belong to the calling thread.
 unsigned long LastError();
 void SetLastError(unsigned long error);

@@ -1,7 +1,6 @@
 #include "ZoPrimitives/ECustomPropertyValueType.h"
 
-#include "ZoPrimitives/AnsiLiteral.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 
 #include <iterator>
 
@@ -10,14 +9,15 @@ namespace ZoPrimitives {
 namespace {
 
 struct KindRow {
-    const char* name;
+    UserText name;
     bool real;
 };
 
 constexpr KindRow KINDS[] = {
-    {"Texto", false},         {"Número"_ansi, true}, {"Sim/Não"_ansi, false}, {"Volume", true},
-    {"Área"_ansi, true},      {"Comprimento", true}, {"Massa", true},         {"Potência"_ansi, true},
-    {"Fluxo luminoso", true}, {"Corrente", true},    {"Ângulo"_ansi, true},   {"Inteiro", false},
+    {UserText("Texto"), false},   {UserText("Número"), true},   {UserText("Sim/Não"), false},
+    {UserText("Volume"), true},   {UserText("Área"), true},     {UserText("Comprimento"), true},
+    {UserText("Massa"), true},    {UserText("Potência"), true}, {UserText("Fluxo luminoso"), true},
+    {UserText("Corrente"), true}, {UserText("Ângulo"), true},   {UserText("Inteiro"), false},
 };
 static_assert(std::size(KINDS) == ECustomPropertyValueType::Inteiro + 1);
 
@@ -35,7 +35,7 @@ ECustomPropertyValueType&
 ECustomPropertyValueType::operator=(const ECustomPropertyValueType& other) = default;
 
 ZoString ECustomPropertyValueType::Nome(ECustomPropertyValueType kind) {
-    return TTranslatedString(RowOf(kind).name).ToZoString();
+    return Translated(RowOf(kind).name);
 }
 
 ECustomPropertyValueType ECustomPropertyValueType::PrimeiroValor() { return Texto; }

@@ -8,7 +8,7 @@
 namespace ZoPrimitives {
 
 /// A capital M is mega, never milli or metre, unless the whole name is in capitals.
-enum class UnitLetters { AsTheyAre, AnyCaseButM, AnyCase };
+enum class UnitLetters { AnyCaseButM, AnyCase };
 
 constexpr bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\xA0'; }
 
@@ -65,8 +65,7 @@ private:
             break;
         }
         const bool capital = (byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7);
-        const bool folded =
-            compared == UnitLetters::AnyCase || (compared == UnitLetters::AnyCaseButM && c != 'M');
+        const bool folded = compared == UnitLetters::AnyCase || c != 'M';
         return capital && folded ? static_cast<unsigned char>(byte + 0x20) : byte;
     }
 
@@ -89,11 +88,15 @@ constexpr bool IsUnitName(std::string_view text, std::string_view name, UnitLett
     }
 }
 
-/// Whether `is` returns true for one of the unit's own names.
+/// Whether `is` returns true for one of the unit's names, in any language.
 template <class Is>
 constexpr bool HasName(const UnitRow& row, Is is) {
     const std::string_view name(row.name);
     if (is(std::string_view(row.accessor)) || (!name.empty() && is(name))) return true;
+    for (const Language language : {Language::Portuguese, Language::English, Language::Spanish}) {
+        const std::string_view translated(row.NameIn(language));
+        if (translated != name && is(translated)) return true;
+    }
     const std::string_view others(row.others);
     for (std::size_t begin = 0, end = 0; begin < others.size(); begin = end + 1) {
         // Not `find`, which sanitizers make unusable in constant expressions here.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZoPrimitives/UserText.h"
+
 #include <cstddef>
 #include <span>
 
@@ -50,21 +52,26 @@ constexpr UnitConversion Over(double k) { return {{UnitStep::Divide, k}, {}}; }
 constexpr UnitConversion Plus(double k) { return {{UnitStep::Add, k}, {}}; }
 constexpr UnitConversion Minus(double k) { return {{UnitStep::Subtract, k}, {}}; }
 
-/// A unit of a quantity: its number, its accessor's name, its Windows-1252 name ("" for none), the
-/// conversions to and from the storage unit, and other spellings: "a|b".
+/// A unit of a quantity: its number, its accessor's name, its Windows-1252 name ("" for none) and that in
+/// each language, the conversions to and from the storage unit, and other spellings: "a|b".
 struct UnitRow {
     template <class Unit>
     constexpr UnitRow(Unit enumerator, const char* accessorName, const char* shownName, UnitConversion store,
                       UnitConversion read, const char* otherNames = "")
-        : unit(static_cast<int>(enumerator)), accessor(accessorName), name(shownName), others(otherNames),
-          stored(store), reading(read) {}
+        : unit(static_cast<int>(enumerator)), accessor(accessorName), name(shownName),
+          names(FindText(shownName)), others(otherNames), stored(store), reading(read) {}
 
     int unit;
     const char* accessor;
     const char* name;
+    const TZoText* names; // null: the name is the same in all
     const char* others;
     UnitConversion stored;
     UnitConversion reading;
+
+    constexpr const char* NameIn(Language language) const {
+        return names != nullptr ? names->languages[static_cast<int>(language)] : name;
+    }
 };
 
 /// The units of one class, indexed by their numbers.
@@ -76,6 +83,13 @@ inline const UnitRow* FindUnit(UnitTable table, int unit) {
 }
 
 // Compile-time checks of the tables.
+
+constexpr bool UnitsAreTranslated(UnitTable table) {
+    for (const UnitRow& row : table) {
+        if (row.names == nullptr && *row.name != '\0') return false;
+    }
+    return true;
+}
 
 constexpr bool UnitsAreInOrder(UnitTable table) {
     for (std::size_t i = 0; i < table.size(); ++i) {

@@ -3,13 +3,12 @@
 #include "Values/UnitName.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/Math2.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string>
-#include <vector>
 
 namespace ZoPrimitives {
 
@@ -32,12 +31,8 @@ bool IsSeparator(char c) {
 /// there.
 class QuantityParser {
 public:
-    QuantityParser(const ZoString& source, char decimalSeparator, UnitTable units, ShownName shown)
-        : text(source.c_str()), separator(decimalSeparator), table(units) {
-        for (const UnitRow& row : table) {
-            shownNames.push_back(*row.name != '\0' ? shown(row.name) : ZoString());
-        }
-    }
+    QuantityParser(const ZoString& source, char decimalSeparator, UnitTable units)
+        : text(source.c_str()), separator(decimalSeparator), table(units) {}
 
     bool Number(double& value) {
         SkipBlanks();
@@ -139,59 +134,43 @@ private:
         return pointed ? digits > 0 : digits == 3 && (next == '.' || next == ',' || next == separator);
     }
 
-    /// Null if no unit, or more than one, has the name.
-    const UnitRow* FindNamed(std::string_view name) const {
-        const bool capitals = std::none_of(name.begin(), name.end(), IsSmall);
-        for (const Likeness likeness : {Shown, Own, AnyCase, Capitals}) {
-            if (likeness == Capitals && !capitals) break;
-            const UnitRow* found = nullptr;
-            for (std::size_t i = 0; i < table.size(); ++i) {
-                if (!IsNamed(i, name, likeness)) continue;
-                if (found != nullptr) return nullptr;
-                found = &table[i];
-            }
-            if (found != nullptr) return found;
-        }
-        return nullptr;
-    }
-    /// The displayed names come first, then the library's own, then either in another case.
-    enum Likeness { Shown, Own, AnyCase, Capitals };
-    bool IsNamed(std::size_t i, std::string_view typed, Likeness likeness) const {
-        const UnitLetters letters = likeness == Capitals  ? UnitLetters::AnyCase
-                                    : likeness == AnyCase ? UnitLetters::AnyCaseButM
-                                                          : UnitLetters::AsTheyAre;
+    /// Null if no unit has the name. No two have the same, not even in capitals (`UnitNamesReadApart`).
+    const UnitRow* FindNamed(std::string_view typed) const {
+        const bool capitals = std::none_of(typed.begin(), typed.end(), IsSmall);
+        const UnitLetters letters = capitals ? UnitLetters::AnyCase : UnitLetters::AnyCaseButM;
         const auto isTyped = [&](std::string_view name) { return IsUnitName(typed, name, letters); };
-        const ZoString& shown = shownNames[i];
-        return (likeness != Own && shown.length() != 0 && isTyped(shown.c_str())) ||
-               (likeness != Shown && HasName(table[i], isTyped));
+        const auto found = std::find_if(table.begin(), table.end(),
+                                        [&](const UnitRow& row) { return HasName(row, isTyped); });
+        return found != table.end() ? &*found : nullptr;
     }
 
     ZoString Description() const {
-        const auto words = [](const char* literal) { return TTranslatedString(literal).ToZoString(); };
+        const auto words = [this](UserText what) { return ZoString(Translated(what, language)); };
         switch (missing) {
         case Expected::Nada:
             break;
         case Expected::Numero:
-            return words("um número"_ansi);
+            return words(UserText("um número"));
         case Expected::Algarismo:
-            return words("um algarismo");
+            return words(UserText("um algarismo"));
         case Expected::Separador:
-            return words("o separador decimal") + " " + separator;
+            return words(UserText("o separador decimal")) + " " + separator;
         case Expected::Representavel:
-            return words("um número nem grande nem pequeno demais"_ansi);
+            return words(UserText("um número nem grande nem pequeno demais"));
         case Expected::Unidade:
-            return words("uma unidade") + Names();
+            return words(UserText("uma unidade")) + Names();
         case Expected::Fim:
-            return words("o fim do texto");
+            return words(UserText("o fim do texto"));
         case Expected::MilharesJuntos:
-            return words("os milhares juntos, sem separador");
+            return words(UserText("os milhares juntos, sem separador"));
         }
         return ZoString();
     }
     ZoString Names() const {
         ZoString list;
-        for (const ZoString& name : shownNames) {
-            if (name.length() != 0) list += ZoString(list.length() == 0 ? ": " : ", ") + name;
+        for (const UnitRow& row : table) {
+            const char* const name = row.NameIn(language);
+            if (*name != '\0') list += ZoString(list.length() == 0 ? ": " : ", ") + name;
         }
         return list;
     }
@@ -199,7 +178,7 @@ private:
     std::string_view text;
     char separator;
     UnitTable table;
-    std::vector<ZoString> shownNames;
+    const Language language = CurrentLanguage();
     std::size_t at = 0;
     std::size_t start = 0; // where the number starts
     Expected missing = Expected::Nada;
@@ -207,22 +186,23 @@ private:
 
 } // namespace
 
-ZoString TranslatedName(const char* name) { return TTranslatedString(name).ToZoString(); }
-
 ZoString WriteQuantity(UnitTable table, int unit, double valor, unsigned decimals, bool keepZeros,
                        char separator) {
     ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", ZoSources::UNIT_TEXT);
     const UnitRow* row = FindUnit(table, unit);
     if (row == nullptr) return ZoString();
     ZoString text = FormatFloat(row->reading(valor), decimals, keepZeros, separator);
-    if (*row->name != '\0') text += " " + TranslatedName(row->name);
+    if (*row->name != '\0') {
+        text += " ";
+        text += row->NameIn(CurrentLanguage());
+    }
     return text;
 }
 
 TLeituraDeGrandeza ReadQuantity(UnitTable table, const ZoString& text, char separator, int unitWhenNone,
-                                double& valor, ShownName shown) {
+                                double& valor) {
     ZO_ASSERT(IsSeparator(separator), "IsSeparator(separator)", ZoSources::UNIT_TEXT);
-    QuantityParser parser(text, separator, table, shown);
+    QuantityParser parser(text, separator, table);
     double value = 0;
     if (!parser.Number(value)) return parser.Refused();
     const UnitRow* row = parser.Unit(unitWhenNone);

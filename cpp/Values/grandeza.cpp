@@ -46,15 +46,15 @@ double ValueIn(UnitTable table, int unit, double valor) {
 
 ZoString UnitName(UnitTable table, int unit) {
     const UnitRow* row = FindUnit(table, unit);
-    if (row == nullptr || *row->name == '\0') return ZoString();
-    return TranslatedName(row->name);
+    return row != nullptr ? row->NameIn(CurrentLanguage()) : ZoString();
 }
 
 /// The first unit with this name, trying `TRIED_FIRST` before table order; null if there is none.
 template <class Unit>
 const UnitRow* FindUnitByName(const ZoString& name) {
     const UnitTable table = Units<Unit>::rows;
-    const auto named = [&](const UnitRow& row) { return UnitName(table, row.unit) == name; };
+    const Language language = CurrentLanguage();
+    const auto named = [&](const UnitRow& row) { return name == row.NameIn(language); };
     for (const Unit unit : TRIED_FIRST<Unit>) {
         if (const UnitRow* row = FindUnit(table, static_cast<int>(unit)); named(*row)) return row;
     }
@@ -182,6 +182,7 @@ bool Grandeza::ReadData(int code, InputStreamer& streamer) {
     }                                                                                                        \
     ZoString Class::StreamableClassName() const { return #Class; }                                           \
     static_assert(UnitsAreInOrder(Units<Unit>::rows), "one row for each enumerator, in their order");        \
+    static_assert(UnitsAreTranslated(Units<Unit>::rows), "po/ lacks a unit's name: ./dev messages");         \
     static_assert(UnitNamesReadApart(Units<Unit>::rows), "two units' names read alike");                     \
     static_assert(HasStorageUnit(Units<Unit>::rows), "the storage unit is stored and read as it is");        \
     static_assert(UnitsConvertBack(Units<Unit>::rows, LOOSE_UNIT<Unit>), "reading must undo storing");       \

@@ -1,7 +1,6 @@
 #include "ZoPrimitives/XStream.h"
 
-#include "ZoPrimitives/AnsiLiteral.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 
 namespace ZoPrimitives {
 
@@ -25,7 +24,7 @@ XWriteStream::XWriteStream(const ZoString& what, const ZoString& where, TStreamC
 XWriteStream::~XWriteStream() = default;
 
 XWriteStreamOutOfSpace::XWriteStreamOutOfSpace(const ZoString& where, unsigned systemCode)
-    : XWriteStream(TTranslatedString("Espaço em disco insuficiente."_ansi).Text(), where,
+    : XWriteStream(Translated("Espaço em disco insuficiente."), where,
                    {TStreamFailure::DiskFull, systemCode}) {}
 XWriteStreamOutOfSpace::~XWriteStreamOutOfSpace() = default;
 
@@ -36,11 +35,11 @@ XNotReplaced& XNotReplaced::operator=(const XNotReplaced&) = default;
 XNotReplaced::~XNotReplaced() = default;
 
 XWrongDigest::XWrongDigest(const ZoString& where)
-    : XReadStream(TTranslatedString("Arquivo corrompido").Text(), where, TStreamFailure::Damaged) {}
+    : XReadStream(Translated("Arquivo corrompido"), where, TStreamFailure::Damaged) {}
 XWrongDigest::~XWrongDigest() = default;
 
 XCancelled::XCancelled(const ZoString& where)
-    : XStream(TTranslatedString("Operação cancelada"_ansi).Text(), where, TStreamFailure::Cancelled) {}
+    : XStream(Translated("Operação cancelada"), where, TStreamFailure::Cancelled) {}
 XCancelled::~XCancelled() = default;
 
 XEndOfStream::XEndOfStream() : XStream("End-of-file", "", TStreamFailure::Truncated) {}
@@ -55,13 +54,10 @@ XNewerVersion::XNewerVersion(unsigned file, unsigned supported)
 XNewerVersion::~XNewerVersion() = default;
 
 XCannotKeep::XCannotKeep(const ZoString& itsClass, const ZoString& itsField, const ZoString& where)
-    : XReadStream(
-          ZoString::FormatString(
-              TTranslatedString("Partes de uma versão mais nova não podem ser preservadas: %s%s%s"_ansi)
-                  .Text()
-                  .c_str(),
-              itsClass.c_str(), itsField.length() != 0 ? "." : "", itsField.c_str()),
-          where, TStreamFailure::TooNew),
+    : XReadStream(ZoString::FormatString(
+                      Translated("Partes de uma versão mais nova não podem ser preservadas: %s%s%s"),
+                      itsClass.c_str(), itsField.length() != 0 ? "." : "", itsField.c_str()),
+                  where, TStreamFailure::TooNew),
       className(itsClass), field(itsField) {}
 XCannotKeep::XCannotKeep(const XCannotKeep&) = default;
 XCannotKeep& XCannotKeep::operator=(const XCannotKeep&) = default;
@@ -78,6 +74,10 @@ XInvalidFileType::XInvalidFileType() : XReadStream("", "", TStreamFailure::Wrong
 XInvalidFileType::~XInvalidFileType() = default;
 
 XInvalidLanguage::XInvalidLanguage() : XReadStream("", "") {}
+XInvalidLanguage::XInvalidLanguage(const ZoString& name, const ZoString& where)
+    : XReadStream(ZoString::FormatString(
+                      Translated("O idioma \"%s\" é desconhecido. Use pt-BR, en-US ou es-MX."), name.c_str()),
+                  where) {}
 XInvalidLanguage::~XInvalidLanguage() = default;
 
 XInvalidVersion::XInvalidVersion() : XReadStream("", "") {}

@@ -42,7 +42,7 @@ def includes(libraries):
 
 def dump(model, source, libraries):
     command = ["clang++", *MODELS[model], "-w", "-std=c++20", "-D__GCC_DESTRUCTIVE_SIZE=64",
-               "-D__GCC_CONSTRUCTIVE_SIZE=64", "-nostdinc++", *includes(libraries), "-Ipublic/include", "-Icpp",
+               "-D__GCC_CONSTRUCTIVE_SIZE=64", "-nostdinc++", *includes(libraries), "-Ipublic/include", "-Icpp", "-Ibuild/texts",
                "-DZO_BUILDING_LIBRARY", "-S", "-emit-llvm", "-o", "/dev/null", "-Xclang", "-fdump-vtable-layouts",
                "-Xclang", "-fdump-record-layouts", source]
     return subprocess.run(command, capture_output=True, text=True, check=True, cwd=ROOT).stdout
@@ -73,6 +73,7 @@ def layouts(model, libraries):
 
 def main():
     libraries = pathlib.Path(sys.argv[1]).resolve()
+    subprocess.run([ROOT / "cmake/messages/library", "build/texts"], check=True)
     same = True
     for model in MODELS:
         file = HERE / f"{model}.txt"

@@ -2,9 +2,8 @@
 
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "Platform/Platform.h"
-#include "ZoPrimitives/AnsiLiteral.h"
-#include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/TZoPath.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <cstddef>
@@ -17,8 +16,7 @@ namespace {
 constexpr std::size_t largestBlock = 256 * 1024;
 
 [[noreturn]] void ThrowUnreadable() {
-    throw XReadStream(TTranslatedString("Não foi possível ler o arquivo"_ansi).Text(),
-                      "CRC32::generateCRCFromFile");
+    throw XReadStream(Translated("Não foi possível ler o arquivo"), "CRC32::generateCRCFromFile");
 }
 
 class InputFile {

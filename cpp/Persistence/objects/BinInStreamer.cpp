@@ -12,10 +12,9 @@
 #include "Persistence/schema/FieldCodec.h"
 #include "Persistence/schema/RecordOrder.h"
 #include "Platform/Compiler.h"
-#include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
 #include "ZoPrimitives/BinUnresolved.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
@@ -31,8 +30,8 @@ namespace ZoPrimitives {
 
 namespace {
 
-[[noreturn]] void Throw(const char* literal, const char* location) {
-    throw XStream(TTranslatedString(literal).Text(), location, TStreamFailure::Damaged);
+[[noreturn]] void Throw(UserText message, const char* location) {
+    throw XStream(Translated(message), location, TStreamFailure::Damaged);
 }
 
 } // namespace
@@ -128,10 +127,10 @@ void TBinInStreamer::LoadSchema(const char* noRecord, const char* noSchema) {
         ZoSources::BIN_IN_STREAMER);
     int uid = 0;
     int classId = 0;
-    if (!stream->LoadRecord(&uid, &classId)) Throw("Metadado corrompido", noRecord);
+    if (!stream->LoadRecord(&uid, &classId)) Throw(UserText("Metadado corrompido"), noRecord);
     uses = nullptr;
     if (keepsUnknown) fileSchema = std::make_shared<TZoMetaData>(); // parts of an earlier file may have it
-    if (!fileSchema->LoadFromStream(stream, schema)) Throw("Metadado inválido"_ansi, noSchema);
+    if (!fileSchema->LoadFromStream(stream, schema)) Throw(UserText("Metadado inválido"), noSchema);
     uses = std::make_unique<Uses>(*fileSchema);
     unknown.RemoveAll();
     rootUid = 0;
@@ -215,7 +214,7 @@ void TBinInStreamer::ReadAllRecords(const std::vector<int>* classIds, const Obje
 
 TBinInStreamer::Use& TBinInStreamer::UseOf(int classId) {
     Use* use = uses->Find(classId);
-    if (use == nullptr) Throw("Metadado inválido"_ansi, "TBinInStreamer::ReadObjects #3");
+    if (use == nullptr) Throw(UserText("Metadado inválido"), "TBinInStreamer::ReadObjects #3");
     if (!use->decided) Decide(*use);
     return *use;
 }

@@ -1,9 +1,8 @@
 #include "ZoPrimitives/FilteredBinInStreamer.h"
 
 #include "Persistence/records/NamingFile.h"
-#include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStream.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 
@@ -42,9 +41,8 @@ void TFilteredBinInStreamer::ReadNamed() {
         }
     }
     if (ids.empty()) {
-        throw XStream(
-            TTranslatedString("Não existem classes com os nomes da filtragem no metadado"_ansi).Text(),
-            "TFilteredBinInStreamer::Read #3");
+        throw XStream(Translated("Não existem classes com os nomes da filtragem no metadado"),
+                      "TFilteredBinInStreamer::Read #3");
     }
     std::sort(ids.begin(), ids.end());
     try {

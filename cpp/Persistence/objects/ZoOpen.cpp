@@ -6,12 +6,11 @@
 #include "Persistence/objects/KeptObject.h"
 #include "Persistence/records/NamingFile.h"
 #include "Persistence/schema/RecordOrder.h"
-#include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/BinInStreamer.h"
 #include "ZoPrimitives/ClipboardBinInStream.h"
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/XStream.h"
 
 #include <unordered_set>
@@ -78,17 +77,15 @@ public:
 
 private:
     void FindRoots() {
-        if (streamer.GetRootUid() == 0)
-            ThrowInvalid(TTranslatedString("O arquivo não contém objetos"_ansi).Text());
+        if (streamer.GetRootUid() == 0) ThrowInvalid(Translated("O arquivo não contém objetos"));
         ZoStreamableBase* first = stream.GetInstance(streamer.GetRootUid());
-        if (first == nullptr)
-            ThrowInvalid(TTranslatedString("O objeto principal do arquivo não pôde ser lido"_ansi).Text());
+        if (first == nullptr) ThrowInvalid(Translated("O objeto principal do arquivo não pôde ser lido"));
         roots.Add(first);
         // What belonged to an object that was dropped, or read as an ancestor's, cannot be told from a root.
         const bool whole = streamer.GetDropped() == 0 && streamer.unknown.NItems() == 0;
         if (how.severalRoots || whole) AddFurtherRoots(first, whole);
         if (roots.NItems() != 1 && !how.severalRoots)
-            ThrowInvalid(TTranslatedString("O arquivo contém mais de um objeto principal"_ansi).Text());
+            ThrowInvalid(Translated("O arquivo contém mais de um objeto principal"));
         for (const ZoStreamableBase* root : roots) CheckType(*root);
     }
 
@@ -114,7 +111,7 @@ private:
         if (rootType.test(&root)) return;
         const ZoString found = PlainClassName(ClassText(typeid(root)));
         const ZoString wanted = PlainClassName(ClassText(rootType.type));
-        ThrowInvalid(TTranslatedString("O objeto principal do arquivo é de outra classe"_ansi).Text() +
+        ThrowInvalid(Translated("O objeto principal do arquivo é de outra classe") +
                      ZoString::FormatString(": %s (%s)", found.c_str(), wanted.c_str()));
     }
 

@@ -6,8 +6,7 @@
 #include "Persistence/records/NamingFile.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Persistence/records/RecordHunt.h"
-#include "ZoPrimitives/AnsiLiteral.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoBlob.h"
@@ -91,8 +90,7 @@ const unsigned char* TBinInStream::TakeBlock(unsigned& size, const char* locatio
     } else {
         position = std::min<unsigned>(position + sizeof size, DEFAULT_BUFFER_SIZE);
     }
-    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location,
-                      TStreamFailure::Damaged);
+    throw XReadStream(Translated("Tamanho de registro corrompido"), location, TStreamFailure::Damaged);
 }
 
 void TBinInStream::Get(ZoBlob& value) {
@@ -171,8 +169,8 @@ TBinInStream& TBinInStream::operator>>(bool& value) {
 
 void TBinInStream::TakePastEnd(void* value, unsigned size) {
     if (size > DEFAULT_BUFFER_SIZE - std::min(position, DEFAULT_BUFFER_SIZE)) {
-        throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(),
-                          "TBinInStream::operator>>", TStreamFailure::Damaged);
+        throw XReadStream(Translated("Tamanho de registro corrompido"), "TBinInStream::operator>>",
+                          TStreamFailure::Damaged);
     }
     std::memset(value, 0, size);
     const unsigned inside = GetRemaining();
@@ -259,8 +257,8 @@ void TBinInStream::ReadUnnamedHeader(const char* location) {
     }
     if (!LoadHeader()) {
         if (readError != 0) ThrowReadError(location);
-        throw XReadStream(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
-                          "TBinInStream::LoadHeader", TStreamFailure::WrongFile);
+        throw XReadStream(Translated("Header de arquivo inválido"), "TBinInStream::LoadHeader",
+                          TStreamFailure::WrongFile);
     }
     hasHeader = true;
     UseBuffer(0);
@@ -444,7 +442,7 @@ TBinInStream::Found TBinInStream::Search(const FailurePoints& points, const Reco
             window = (static_cast<std::uint32_t>(byte) << 8) | ((window >> 8) & 0x00FF00FFu) | (window << 24);
         }
     }
-    throw XReadStream(TTranslatedString("Arquivo corrompido").Text(), points.key, TStreamFailure::Damaged);
+    throw XReadStream(Translated("Arquivo corrompido"), points.key, TStreamFailure::Damaged);
 }
 
 } // namespace ZoPrimitives

@@ -1,8 +1,7 @@
 #include "Persistence/records/FileAccess.h"
 
 #include "Persistence/records/ErrorText.h"
-#include "ZoPrimitives/AnsiLiteral.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/XStream.h"
 
 namespace ZoPrimitives {
@@ -39,8 +38,7 @@ void RefuseReadOnly(const TZoPath& name, const char* location) {
 
 void ThrowUnreadable(const TZoPath& name, const char* location) {
     const TStreamCause cause = CauseOf(Platform::LastError());
-    XReadStream failure(TTranslatedString("Não foi possível ler o arquivo "_ansi).Text() + name.Text(),
-                        location, cause);
+    XReadStream failure(Translated("Não foi possível ler o arquivo ") + name.Text(), location, cause);
     failure.SetPath(name);
     throw failure;
 }

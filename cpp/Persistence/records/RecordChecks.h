@@ -1,13 +1,12 @@
 #pragma once
 
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/XStream.h"
 
 namespace ZoPrimitives {
 
 [[noreturn]] inline void ThrowRecordEnds(const char* location = "TZoClass::LoadFromStreamPre") {
-    throw XReadStream(TTranslatedString("Tamanho de registro corrompido").Text(), location,
-                      TStreamFailure::Damaged);
+    throw XReadStream(Translated("Tamanho de registro corrompido"), location, TStreamFailure::Damaged);
 }
 
 /// Throws unless the record still holds that many bytes.

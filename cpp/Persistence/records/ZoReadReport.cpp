@@ -1,7 +1,6 @@
 #include "ZoPrimitives/ZoReadReport.h"
 
-#include "ZoPrimitives/AnsiLiteral.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/ZoUtf8.h"
 
@@ -18,17 +17,18 @@ constexpr unsigned long long MOST_TOLD = 20; // stretches of a text
 class Lines {
 public:
     template <class... Arguments>
-    void Add(const char* literal, const Arguments&... arguments) {
-        const ZoString line = TTranslatedString(literal).Text();
+    void Add(UserText sentence, const Arguments&... arguments) {
+        const char* const line = Translated(sentence, language);
         if constexpr (sizeof...(arguments) == 0)
-            text += line.c_str();
+            text += line;
         else
-            text += ZoString::FormatString(line.c_str(), arguments...).c_str();
+            text += ZoString::FormatString(line, arguments...).c_str();
         text += '\n';
     }
     ZoString Whole() const { return WholeText({text}); }
 
 private:
+    const Language language = CurrentLanguage();
     std::string text;
 };
 
@@ -105,30 +105,30 @@ const char* NameOf(TFieldFault fault) {
     return "";
 }
 
-const char* Sentence(TReferenceLoss why) {
+UserText Sentence(TReferenceLoss why) {
     switch (why) {
     case TReferenceLoss::Dropped:
-        return "%s.%s: %llu referências perdidas: os objetos do arquivo não foram criados"_ansi;
+        return UserText("%s.%s: %llu referências perdidas: os objetos do arquivo não foram criados");
     case TReferenceLoss::Missing:
-        return "%s.%s: %llu referências perdidas: os objetos não estão no arquivo"_ansi;
+        return UserText("%s.%s: %llu referências perdidas: os objetos não estão no arquivo");
     case TReferenceLoss::WrongType:
-        return "%s.%s: %llu referências perdidas: os objetos são de outra classe"_ansi;
+        return UserText("%s.%s: %llu referências perdidas: os objetos são de outra classe");
     case TReferenceLoss::NotRead:
-        return "%s.%s: %llu referências a objetos que não foram lidos"_ansi;
+        return UserText("%s.%s: %llu referências a objetos que não foram lidos");
     }
-    return "";
+    return {};
 }
 
-const char* Sentence(TFieldFault fault) {
+UserText Sentence(TFieldFault fault) {
     switch (fault) {
     case TFieldFault::NotInClass:
-        return "%s.%s: o campo do arquivo não existe mais; seus valores não foram lidos"_ansi;
+        return UserText("%s.%s: o campo do arquivo não existe mais; seus valores não foram lidos");
     case TFieldFault::NotInFile:
-        return "%s.%s: o arquivo não tem o campo, que fica com o valor inicial"_ansi;
+        return UserText("%s.%s: o arquivo não tem o campo, que fica com o valor inicial");
     case TFieldFault::OtherKind:
-        return "%s.%s: o campo do arquivo é de outro tipo; seus valores não foram lidos"_ansi;
+        return UserText("%s.%s: o campo do arquivo é de outro tipo; seus valores não foram lidos");
     }
-    return "";
+    return {};
 }
 
 } // namespace
@@ -170,38 +170,38 @@ bool TZoReadReport::IsClean() const {
 ZoString TZoReadReport::Text() const {
     Lines lines;
     if (wrongDigest)
-        lines.Add(
-            "O conteúdo não é o que foi salvo: registros faltam, sobram ou trocaram de lugar, classe ou número"_ansi);
-    if (read < expected) lines.Add("Faltam %llu de %llu registros"_ansi, expected - read, expected);
+        lines.Add(UserText("O conteúdo não é o que foi salvo: registros faltam, sobram ou trocaram de lugar, "
+                           "classe ou número"));
+    if (read < expected) lines.Add(UserText("Faltam %llu de %llu registros"), expected - read, expected);
     unsigned long long told = 0;
     for (const TZoPassedOver& stretch : passedOver) {
         if (++told > MOST_TOLD) break;
-        lines.Add("%llu bytes ilegíveis a partir do byte %llu (%u registros danificados)"_ansi, stretch.size,
-                  stretch.offset, stretch.records);
+        lines.Add(UserText("%llu bytes ilegíveis a partir do byte %llu (%u registros danificados)"),
+                  stretch.size, stretch.offset, stretch.records);
     }
     if (told > MOST_TOLD)
-        lines.Add("... e mais %llu trechos ilegíveis"_ansi, passedOver.NItems() - MOST_TOLD);
+        lines.Add(UserText("... e mais %llu trechos ilegíveis"), passedOver.NItems() - MOST_TOLD);
     for (const LostClass& lost : lostClasses) {
         if (lost.read != 0)
-            lines.Add("Classe %s desconhecida: %llu objetos lidos como %s"_ansi, lost.name.c_str(), lost.read,
-                      lost.readAs.c_str());
+            lines.Add(UserText("Classe %s desconhecida: %llu objetos lidos como %s"), lost.name.c_str(),
+                      lost.read, lost.readAs.c_str());
         if (lost.lost != 0)
-            lines.Add(lost.known ? "Classe %s: %llu objetos não foram criados"_ansi
-                                 : "Classe %s desconhecida: %llu objetos perdidos"_ansi,
+            lines.Add(lost.known ? UserText("Classe %s: %llu objetos não foram criados")
+                                 : UserText("Classe %s desconhecida: %llu objetos perdidos"),
                       lost.name.c_str(), lost.lost);
         if (lost.kept != 0)
-            lines.Add("Classe %s: %llu objetos preservados"_ansi, lost.name.c_str(), lost.kept);
+            lines.Add(UserText("Classe %s: %llu objetos preservados"), lost.name.c_str(), lost.kept);
     }
     for (const Field& field : fields)
         lines.Add(field.kept
-                      ? "%s.%s: os valores do campo do arquivo, que é desconhecido, são preservados"_ansi
+                      ? UserText("%s.%s: os valores do campo do arquivo, que é desconhecido, são preservados")
                       : Sentence(field.fault),
                   field.className.c_str(), field.name.c_str());
     for (const Reference& reference : references)
         lines.Add(Sentence(reference.why), reference.className.c_str(), reference.field.c_str(),
                   reference.count);
     for (const Removed& gone : removed)
-        lines.Add("Classe %s: %llu objetos inválidos retirados, e %llu que só eles possuíam"_ansi,
+        lines.Add(UserText("Classe %s: %llu objetos inválidos retirados, e %llu que só eles possuíam"),
                   gone.className.c_str(), gone.invalid, gone.owned);
     return lines.Whole();
 }

@@ -3,9 +3,8 @@
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "Persistence/records/RecordFormat.h"
 #include "Persistence/schema/RecordPlan.h"
-#include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/MemoryBinInStream.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -135,14 +134,14 @@ void TZoRecordReader::Body::ReadSchema() {
     };
     if (frames.GetHeaderState() != TZoHeaderState::Right) {
         const bool isShort = frames.GetHeaderState() == TZoHeaderState::Short;
-        fail(TTranslatedString("Header de arquivo inválido"_ansi).Text(),
+        fail(Translated("Header de arquivo inválido"),
              isShort ? TStreamFailure::Truncated : TStreamFailure::WrongFile);
     }
     bool found = false;
     while (!found && frames.Next(schemaFrame)) found = frames.GetPayload() != nullptr;
-    if (!found) fail(TTranslatedString("Metadado corrompido").Text(), TStreamFailure::Damaged);
+    if (!found) fail(Translated("Metadado corrompido"), TStreamFailure::Damaged);
     schema = TZoRecordReader::ReadSchema(frames.GetPayload(), frames.GetPayloadSize());
-    if (schema == nullptr) fail(TTranslatedString("Metadado inválido"_ansi).Text(), TStreamFailure::Damaged);
+    if (schema == nullptr) fail(Translated("Metadado inválido"), TStreamFailure::Damaged);
     frames.Restart();
 }
 

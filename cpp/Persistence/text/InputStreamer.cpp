@@ -6,7 +6,7 @@
 #include "Platform/Platform.h"
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/NumberText.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/xContainer.h"
@@ -25,8 +25,7 @@ void RefuseTerminator(const ZoString& token, unsigned count) {
 }
 
 [[noreturn]] void ThrowTooDeep() {
-    throw XReadStream(TTranslatedString(TextCodes::TOO_DEEP).Text(), "InputStreamer::Read",
-                      TStreamFailure::Damaged);
+    throw XReadStream(Translated(TextCodes::TOO_DEEP), "InputStreamer::Read", TStreamFailure::Damaged);
 }
 
 /// Classes decide how deep objects nest. The code that runs between two tokens, and the exception, need the

@@ -2,7 +2,7 @@
 
 #include "Persistence/text/TextCodes.h"
 #include "ZoPrimitives/FileOutputStream.h"
-#include "ZoPrimitives/TTranslatedString.h"
+#include "ZoPrimitives/UserText.h"
 #include "ZoPrimitives/WholeText.h"
 #include "ZoPrimitives/XStream.h"
 
@@ -17,8 +17,8 @@ namespace ZoPrimitives {
 
 namespace {
 
-[[noreturn]] void Throw(const char* literal) {
-    throw XWriteStream(TTranslatedString(literal).Text(), "OutputStreamer::operator<<");
+[[noreturn]] void Throw(UserText message) {
+    throw XWriteStream(Translated(message), "OutputStreamer::operator<<");
 }
 
 } // namespace
@@ -77,7 +77,7 @@ OutputStreamer& OutputStreamer::operator<<(ZoStreamableBase* object) {
 }
 
 void OutputStreamer::Number(ZoStreamableBase* object) {
-    if (nextHandle == INT_MAX) Throw("Objetos demais");
+    if (nextHandle == INT_MAX) Throw(UserText("Objetos demais"));
     written.Add(object);
     try {
         stream->SetHandle(object, nextHandle);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZoPrimitives/UserText.h"
+
 namespace ZoPrimitives::TextCodes {
 
 // Group codes.
@@ -15,6 +17,6 @@ inline constexpr const char* TERMINATORS[] = {
 inline constexpr unsigned TERMINATORS_OF_OBJECTS = 5;
 inline constexpr unsigned TERMINATORS_OF_POINTERS = 6;
 
-inline constexpr const char* TOO_DEEP = "Objetos aninhados demais";
+inline constexpr UserText TOO_DEEP = UserText("Objetos aninhados demais");
 
 } // namespace ZoPrimitives::TextCodes

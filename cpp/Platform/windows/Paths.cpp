@@ -58,6 +58,21 @@ bool StartsWith(std::wstring_view text, std::wstring_view start) {
 std::string PathFromText(const char* text) { return Narrowed(CP_UTF8, Widened(CodePageOfFiles(), text)); }
 std::string TextOfPath(const char* path) { return Narrowed(CodePageOfFiles(), Widened(CP_UTF8, path)); }
 
+std::string ApplicationFolder() {
+    constexpr std::size_t LONGEST_PATH = 32768;
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD size = ::GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (size == 0) return {};
+        if (size < path.size()) {
+            path.resize(size);
+            return Narrowed(CP_UTF8, FolderOf(path));
+        }
+        if (path.size() > LONGEST_PATH) return {};
+        path.resize(2 * path.size());
+    }
+}
+
 SystemPath::SystemPath(const char* path) {
     if (path == nullptr) path = "";
     const int size = ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path, -1, nullptr, 0);

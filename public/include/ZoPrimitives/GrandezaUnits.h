@@ -153,11 +153,11 @@
     UNIT(GTemperatura, f, "ºF"_ansi, Minus(32).Then(Over(FAHRENHEIT)), Times(FAHRENHEIT).Then(Plus(32))) \
     UNIT(GTemperatura, k, "ºK"_ansi, Minus(273.15),                    Plus(273.15))
 
-#define ZO_UNITS_TTempo(UNIT)                                      \
-    UNIT(GTempo, s,      "s",   AsIs,         AsIs)                \
-    UNIT(GTempo, minuto, "min", Times(60),    Over(60))            \
-    UNIT(GTempo, h,      "h",   Times(3600),  Over(3600))          \
-    UNIT(GTempo, dia,    "dia", Times(86400), Over(86400), "dias") \
+#define ZO_UNITS_TTempo(UNIT)                                                       \
+    UNIT(GTempo, s,      "s",   AsIs,         AsIs)                                 \
+    UNIT(GTempo, minuto, "min", Times(60),    Over(60))                             \
+    UNIT(GTempo, h,      "h",   Times(3600),  Over(3600))                           \
+    UNIT(GTempo, dia,    "dia", Times(86400), Over(86400), "d|dias|days|días"_ansi) \
     UNIT(GTempo, ms,     "ms",  Times(0.001), Times(1000))
 
 #define ZO_UNITS_TVazao(UNIT)                                                      \

@@ -4,18 +4,21 @@
 
 namespace ZoPrimitives {
 
-/// A user-visible text in the current language. The Portuguese literal (Windows-1252) is the key and the
-/// default text; no other language is installed, so the text is the literal.
+struct TZoText;
+
+/// A text for the user, of the library or of an application (`ZoAddTexts`), named by its literal
+/// (Windows-1252), which is also the text in a language that has no other.
 class ZO_API TTranslatedString {
 public:
     explicit TTranslatedString(const char* literal);
     ~TTranslatedString();
 
-    const ZoString& Text() const { return text; }
-    ZoString ToZoString() const { return text; }
+    /// The text in the current language.
+    ZoString ToZoString() const;
 
 private:
-    ZoString text;
+    ZoString literal;
+    const TZoText* row; // null if the literal is in no table
 };
 
 } // namespace ZoPrimitives

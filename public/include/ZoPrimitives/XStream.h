@@ -171,18 +171,20 @@ public:
     ~XInvalidRoot() override;
 };
 
+/// The library has no language of that name. The message is translated, and empty if no name was given.
+class ZO_API XInvalidLanguage : public XReadStream {
+public:
+    XInvalidLanguage();
+    XInvalidLanguage(const ZoString& name, const ZoString& location);
+    ~XInvalidLanguage() override;
+};
+
 // For the applications, which throw them. Both texts are empty.
 
 class ZO_API XInvalidFileType : public XReadStream {
 public:
     XInvalidFileType();
     ~XInvalidFileType() override;
-};
-
-class ZO_API XInvalidLanguage : public XReadStream {
-public:
-    XInvalidLanguage();
-    ~XInvalidLanguage() override;
 };
 
 class ZO_API XInvalidVersion : public XReadStream {

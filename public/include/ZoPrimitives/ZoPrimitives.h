@@ -58,6 +58,7 @@
 #include "ZoPrimitives/ZoClipboardFormat.h"
 #include "ZoPrimitives/ZoExplain.h"
 #include "ZoPrimitives/ZoFrames.h"
+#include "ZoPrimitives/ZoLanguage.h"
 #include "ZoPrimitives/ZoMemory.h"
 #include "ZoPrimitives/ZoMetaData.h"
 #include "ZoPrimitives/ZoOpen.h"

@@ -107,8 +107,8 @@ struct TLeituraDeGrandeza {
 // unit: "-1e-3m", "2 kgf/cm2", "3. ft". `semUnidade` applies if no unit is written; if it is not a unit, one
 // must be written. Thousands must not be grouped. If the text is refused, the value is unchanged.
 //
-// A unit is written in the language in use, by the library's own name or by its accessor's; "2" and "^2" also
-// mean "²", and the degree sign means "º". Its parts may be joined by a point, a middle dot, a hyphen, an
+// A unit is written by its name in any language or by its accessor's; "2" and "^2" also mean "²", and the
+// degree sign means "º". Its parts may be joined by a point, a middle dot, a hyphen, an
 // asterisk, blanks or nothing ("kN.m", "kNm", "sqin"); blanks may surround "/", and a point may end the name.
 // Case is ignored except for M, because mega is neither milli nor metre; a name entirely in capitals is read
 // too: "12 MM".

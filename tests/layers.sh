@@ -3,7 +3,7 @@
 # header belongs to the first layer that has a source of its name.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-layers=(cpp/Platform cpp/ZoPrimitives cpp/Persistence/{checksums,records,instances,schema,objects,text} cpp/Values)
+layers=(cpp/Platform cpp/ZoPrimitives cpp/Persistence/{checksums,records,instances,schema,objects,text} cpp/Values cpp/Geometry)
 declare -A home # rank of a header's layer
 for rank in "${!layers[@]}"; do
     while IFS= read -r file; do

@@ -1,0 +1,102 @@
+#include "ZoPrimitives/TLine2D.h"
+
+#include "Geometry/Predicates.h"
+#include "Values/PointClass.h"
+#include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/OutputStreamer.h"
+#include "ZoPrimitives/TArc2D.h"
+#include "ZoPrimitives/TCircle2D.h"
+#include "ZoPrimitives/TRegion.h"
+#include "ZoPrimitives/TSegment2D.h"
+#include "ZoPrimitives/ZoAssert.h"
+
+namespace ZoPrimitives {
+
+ZO_POINT_BODY(TLine2D)
+
+TZoClass* TLine2D::Register(TZoMetaData* schema) {
+    return RegisterPoint<TLine2D>(schema, "TLine2D", "NULL",
+                                  {{Getfieldclassfor_x, Addfieldfor_x},
+                                   {Getfieldclassfor_y, Addfieldfor_y},
+                                   {Getfieldclassfor_dx, Addfieldfor_dx},
+                                   {Getfieldclassfor_dy, Addfieldfor_dy}});
+}
+
+namespace {
+
+LDPoint Of(const Point2D& point) { return {point.X(), point.Y()}; }
+
+} // namespace
+
+int Orientation(const Point2D& a, const Point2D& b, const Point2D& c) { return SideOf(Of(a), Of(b), Of(c)); }
+
+TLine2D::TLine2D() : dxValue(1) {}
+TLine2D::TLine2D(const Point2D& point, const TVector2D& direction)
+    : xValue(point.X()), yValue(point.Y()), dxValue(direction.X()), dyValue(direction.Y()) {}
+TLine2D::TLine2D(StreamableInit) : TLine2D() {}
+TLine2D::TLine2D(const TLine2D&) = default;
+TLine2D& TLine2D::operator=(const TLine2D&) = default;
+
+TLine2D TLine2D::Through(const Point2D& a, const Point2D& b) { return {a, TVector2D(a, b)}; }
+
+double TLine2D::SignedDistance(const Point2D& point) const {
+    const TVector2D unit = Direction().Normalized();
+    ZO_ASSERT(unit.Magnitude() > 0, "a direction", "cpp/Geometry/TLine2D");
+    return unit.CrossProduct(point - Point());
+}
+
+Point2D TLine2D::Project(const Point2D& point) const {
+    const TVector2D unit = Direction().Normalized();
+    ZO_ASSERT(unit.Magnitude() > 0, "a direction", "cpp/Geometry/TLine2D");
+    return Point() + unit * unit.DotProduct(point - Point());
+}
+
+bool TLine2D::IsParallelTo(const TLine2D& other) const {
+    return CrossSign({0, 0}, {dxValue, dyValue}, {0, 0}, {other.dxValue, other.dyValue}) == 0;
+}
+
+bool TLine2D::Intersection(const TLine2D& other, Point2D& point) const {
+    if (IsParallelTo(other)) return false;
+    const LDPoint crossing = CrossingPoint({xValue, yValue}, {dxValue, dyValue}, {other.xValue, other.yValue},
+                                           {other.dxValue, other.dyValue});
+    point = Point2D(crossing.x, crossing.y);
+    return true;
+}
+
+bool TLine2D::operator==(const TLine2D& other) const {
+    return xValue == other.xValue && yValue == other.yValue && dxValue == other.dxValue &&
+           dyValue == other.dyValue;
+}
+bool TLine2D::operator==(const ZoObject& other) const {
+    const auto* line = dynamic_cast<const TLine2D*>(&other);
+    return line != nullptr && *this == *line;
+}
+
+void TLine2D::Write(OutputStreamer& streamer) {
+    ZoObjectStreamable::Write(streamer);
+    streamer << 10 << xValue << 20 << yValue << 11 << dxValue << 21 << dyValue;
+}
+
+bool TLine2D::ReadData(int code, InputStreamer& streamer) {
+    double* const value = code == 10   ? &xValue
+                          : code == 20 ? &yValue
+                          : code == 11 ? &dxValue
+                          : code == 21 ? &dyValue
+                                       : nullptr;
+    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
+    streamer >> *value;
+    return true;
+}
+
+void ZoRegisterGeometry(TZoMetaData* schema) {
+    RRect::Register(schema);
+    TLine2D::Register(schema);
+    TSegment2D::Register(schema);
+    TArc2D::Register(schema);
+    TCircle2D::Register(schema);
+    TPolyline2D::Register(schema);
+    TContour::Register(schema);
+    TRegion::Register(schema);
+}
+
+} // namespace ZoPrimitives

@@ -1,5 +1,7 @@
 #include "compare.h"
 
+#include "words.h"
+
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <typeinfo>
@@ -27,8 +29,8 @@ public:
 private:
     void Differs(const char* field) {
         if (!result.difference.empty()) return;
-        result.difference = std::string(owner->Kind()) + " " + ZoPrimitives::ZoToUtf8(owner->name) +
-                            " differs in \"" + field + "\"";
+        result.difference =
+            Words("{1} {2} differs in \"{3}\"", {owner->Kind(), ZoPrimitives::ZoToUtf8(owner->name), field});
     }
 
     template <class Value>

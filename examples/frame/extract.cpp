@@ -1,6 +1,7 @@
 #include "extract.h"
 
 #include "failure.h"
+#include "words.h"
 
 #include "ZoPrimitives/ZoUtf8.h"
 
@@ -19,7 +20,7 @@ const Storey& FindStorey(const Building& building, const std::string& mark) {
         if (found == mark) return *storey;
         marks += (marks.empty() ? "" : ", ") + found;
     }
-    throw Failure("There is no storey \"" + mark + "\": there are " + marks + ".");
+    throw Failure(Words("There is no storey \"{1}\": there are {2}.", {mark, marks}));
 }
 
 /// Copies each object once, even if several refer to it.

@@ -1,5 +1,7 @@
 #include "failure.h"
 
+#include "words.h"
+
 #include "ZoPrimitives/ZoUtf8.h"
 
 namespace Frame {
@@ -13,15 +15,15 @@ std::string Detail(const XStream& error) {
 std::string Remedy(const XStream& error) {
     switch (error.Kind()) {
     case TStreamFailure::NotFound:
-        return "look whether it is there, and its folder.";
+        return Words("look whether it is there, and its folder.");
     case TStreamFailure::Denied:
-        return "look whether it is read-only, and whether you may use its folder.";
+        return Words("look whether it is read-only, and whether you may use its folder.");
     case TStreamFailure::InUse:
-        return "another program has it open.";
+        return Words("another program has it open.");
     case TStreamFailure::DiskFull:
-        return "the disk is full.";
+        return Words("the disk is full.");
     default:
-        return "look whether its name and its disk are in order.";
+        return Words("look whether its name and its disk are in order.");
     }
 }
 

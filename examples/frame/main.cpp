@@ -7,9 +7,13 @@
 #include "storage.h"
 #include "tables.h"
 #include "text.h"
+#include "words.h"
 
 #include "ZoPrimitives/ZoExplain.h"
+#include "ZoPrimitives/ZoLanguage.h"
 #include "ZoPrimitives/ZoUtf8.h"
+
+#include "messages/frame.h"
 
 #include <algorithm>
 #include <chrono>
@@ -27,22 +31,25 @@ using namespace Frame;
 
 namespace {
 
-const char* const USAGE =
-    "usage: frame FILE                      open a building and print it\n"
-    "       frame demo TABLES FOLDER        build one from tables, save it in the folder as\n"
-    "                                       frame9.zo, and check it in a second process\n"
-    "       frame check TABLES FILE         open a building, compare it with the tables and\n"
-    "                                       print it\n"
-    "       frame sections FILE             print its sections and read nothing else\n"
-    "       frame copy FILE STOREY          put a storey on the clipboard, as a frame of its own\n"
-    "       frame paste                     print the building that is on the clipboard\n"
-    "       frame text FILE OUT             open a building and write it as text\n"
-    "       frame read-text IN              read a text and print its building\n"
-    "       frame picture FILE OUT.svg      open a building and draw its elevation\n"
-    "\n"
-    "options: --units metric|technical|imperial   what is printed and drawn is in these units\n"
-    "         --separator .|,                     stands before their decimals\n"
-    "         --by load|area                      what the colours of a picture tell\n";
+std::string Usage() {
+    return Words(
+        "usage: frame FILE                      open a building and print it\n"
+        "       frame demo TABLES FOLDER        build one from tables, save it in the folder as\n"
+        "                                       frame9.zo, and check it in a second process\n"
+        "       frame check TABLES FILE         open a building, compare it with the tables and\n"
+        "                                       print it\n"
+        "       frame sections FILE             print its sections and read nothing else\n"
+        "       frame copy FILE STOREY          put a storey on the clipboard, as a frame of its own\n"
+        "       frame paste                     print the building that is on the clipboard\n"
+        "       frame text FILE OUT             open a building and write it as text\n"
+        "       frame read-text IN              read a text and print its building\n"
+        "       frame picture FILE OUT.svg      open a building and draw its elevation\n"
+        "\n"
+        "options: --units metric|technical|imperial   what is printed and drawn is in these units\n"
+        "         --separator .|,                     stands before their decimals\n"
+        "         --by load|area                      what the colours of a picture tell\n"
+        "         --language pt-BR|en-US|es-MX        what is printed and drawn is in this language\n");
+}
 
 constexpr int OK = 0;
 constexpr int DIFFERENT = 1;
@@ -56,7 +63,11 @@ std::string Milliseconds(std::chrono::steady_clock::time_point since) {
 std::filesystem::path PathOf(const std::string& utf8) { return std::filesystem::u8path(utf8); }
 std::string NameOf(const std::string& path) { return PathOf(path).filename().u8string(); }
 std::string SizeOf(const std::string& path) {
-    return std::to_string(std::filesystem::file_size(PathOf(path))) + " bytes";
+    return Words("{1} bytes", {std::to_string(std::filesystem::file_size(PathOf(path)))});
+}
+
+std::string TimedFile(const std::string& path, const std::string& time) {
+    return Words("{1}, {2}, in {3}", {NameOf(path), SizeOf(path), time});
 }
 
 /// Opens and prints a building; given tables, compares it with them first.
@@ -69,15 +80,19 @@ int Show(const std::string& path, const std::string* tables, const Units& units)
         const Model expected = ReadTables(*tables);
         comparison = Compare(*expected.building, *model.building);
         if (!comparison.difference.empty()) {
-            std::cerr << "frame: what was opened is not what was saved: " << comparison.difference << ".\n";
+            std::cerr << "frame: "
+                      << Words("what was opened is not what was saved: {1}.", {comparison.difference})
+                      << '\n';
             return DIFFERENT;
         }
     }
     Print(*model.building, units, std::cout);
-    std::cout << "\n  Opened:      " << NameOf(path) << ", " << SizeOf(path) << ", in " << time << '\n';
+    std::cout << '\n' << Label(Words("Opened:")) << TimedFile(path, time) << '\n';
     if (tables != nullptr) {
-        std::cout << "  Compared:    " << comparison.objects << " objects, " << comparison.values
-                  << " values and every pointer between them are as they were saved\n";
+        std::cout << Label(Words("Compared:"))
+                  << Words("{1} objects, {2} values and every pointer between them are as they were saved",
+                           {std::to_string(comparison.objects), std::to_string(comparison.values)})
+                  << '\n';
     }
     return OK;
 }
@@ -90,15 +105,18 @@ int ShowSections(const std::string& path, const Units& units) {
 int CopyStorey(const std::string& path, const std::string& mark) {
     const Model part = ExtractStorey(*Open(path).building, mark);
     Copy(part);
-    std::cout << "  On the clipboard: storey " << mark << ", " << Count(*part.building).objects
-              << " objects\n";
+    std::cout << Label(Words("On the clipboard:"))
+              << Words("storey {1}, {2} objects", {mark, std::to_string(Count(*part.building).objects)})
+              << '\n';
     return OK;
 }
 
 int PrintPasted(const Units& units) {
     const Model model = Paste();
     Print(*model.building, units, std::cout);
-    std::cout << "\n  Pasted:      " << Count(*model.building).objects << " objects\n";
+    std::cout << '\n'
+              << Label(Words("Pasted:"))
+              << Words("{1} objects", {std::to_string(Count(*model.building).objects)}) << '\n';
     return OK;
 }
 
@@ -106,13 +124,13 @@ int PrintPasted(const Units& units) {
 void RefuseOverItself(const std::string& from, const std::string& to) {
     std::error_code none;
     if (std::filesystem::equivalent(PathOf(from), PathOf(to), none))
-        throw Failure("\"" + to + "\" is the building itself: name another file.");
+        throw Failure(Words("\"{1}\" is the building itself: name another file.", {to}));
 }
 
 int WriteAsText(const std::string& path, const std::string& out) {
     RefuseOverItself(path, out);
     WriteText(Open(path), out);
-    std::cout << "  Written:     " << NameOf(out) << ", " << SizeOf(out) << '\n';
+    std::cout << Label(Words("Written:")) << NameOf(out) << ", " << SizeOf(out) << '\n';
     return OK;
 }
 
@@ -121,15 +139,15 @@ int ShowText(const std::string& path, const Units& units) {
     const Model model = ReadText(path);
     const std::string time = Milliseconds(start);
     Print(*model.building, units, std::cout);
-    std::cout << "\n  Read:        " << NameOf(path) << ", " << SizeOf(path) << ", in " << time << '\n';
+    std::cout << '\n' << Label(Words("Read:")) << TimedFile(path, time) << '\n';
     return OK;
 }
 
 /// An argument quoted for the shell of any system. Refuses characters that a shell would interpret.
 std::string Argument(const std::string& text) {
     if (text.find_first_of("\"$`%\r\n") != std::string::npos) {
-        throw Failure("The path " + text +
-                      " holds a character that a second process cannot be told: use another one.");
+        throw Failure(Words(
+            "The path {1} holds a character that a second process cannot be told: use another one.", {text}));
     }
     return " \"" + text + '"';
 }
@@ -152,16 +170,16 @@ int Demo(const std::string& program, const Options& options) {
     std::error_code error;
     std::filesystem::create_directories(PathOf(folder), error);
     if (!std::filesystem::is_directory(PathOf(folder), error))
-        throw Failure("The folder \"" + folder + "\" cannot be made.");
-    for (const char* word : {"Saved:       ", "Saved again: "}) {
+        throw Failure(Words("The folder \"{1}\" cannot be made.", {folder}));
+    for (const std::string& word : {Words("Saved:"), Words("Saved again:")}) {
         const bool hadFile = std::filesystem::exists(PathOf(path), error);
         const auto start = std::chrono::steady_clock::now();
         Save(model, path);
-        std::cout << "  " << word << NameOf(path) << ", " << SizeOf(path) << ", in " << Milliseconds(start);
-        if (hadFile) std::cout << "; the version before it is " << NameOf(path) << "-bak";
+        std::cout << Label(word) << TimedFile(path, Milliseconds(start));
+        if (hadFile) std::cout << Words("; the version before it is {1}", {NameOf(path) + "-bak"});
         std::cout << '\n';
     }
-    std::cout << "\n  A second process opens it:\n\n" << std::flush;
+    std::cout << "\n  " << Words("A second process opens it:") << "\n\n" << std::flush;
     return RunCommand(command) ? OK : DIFFERENT;
 }
 
@@ -173,8 +191,9 @@ int Draw(const Options& options) {
     std::ofstream file(PathOf(path), std::ios::binary);
     file << picture;
     file.close();
-    if (!file) throw Failure("\"" + path + "\" cannot be written: look whether you may write to its folder.");
-    std::cout << "  Drawn:       " << NameOf(path) << ", " << SizeOf(path) << '\n';
+    if (!file)
+        throw Failure(Words("\"{1}\" cannot be written: look whether you may write to its folder.", {path}));
+    std::cout << Label(Words("Drawn:")) << NameOf(path) << ", " << SizeOf(path) << '\n';
     return OK;
 }
 
@@ -183,7 +202,7 @@ int Run(const std::string& program, const Options& options) {
     const Units& units = options.units;
     const std::string command = words.empty() ? "" : words[0];
     if (command == "--help" || command == "-h") {
-        std::cout << USAGE;
+        std::cout << Usage();
         return OK;
     }
     const struct {
@@ -204,7 +223,7 @@ int Run(const std::string& program, const Options& options) {
                                     [&](const auto& c) { return command == c.name; });
     if (named != std::end(commands) && named->count == words.size()) return named->run();
     if (named == std::end(commands) && words.size() == 1) return Show(command, nullptr, units);
-    std::cerr << USAGE;
+    std::cerr << Usage();
     return BAD_INPUT;
 }
 
@@ -220,7 +239,10 @@ int main(int count, char** arguments) {
     // Most applications do this. The library's files and texts are the same in every locale.
     std::setlocale(LC_ALL, "");
     const std::shared_ptr<void> utf8 = ShowUtf8();
+    ZoPrimitives::ZoAddTexts(TEXTS);
     try {
+        ZoPrimitives::ZoSetLanguage("en-US");
+        ZoPrimitives::ZoLoadLanguage();
         const std::vector<std::string> words = Arguments(count, arguments);
         return Run(words.at(0), ReadOptions({words.begin() + 1, words.end()}));
     } catch (const Failure& error) {

@@ -1,6 +1,7 @@
 #include "model.h"
 
 #include "ZoPrimitives/BinInStream.h"
+#include "ZoPrimitives/ZoUtf8.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,8 +15,9 @@ namespace {
 
 constexpr const char* TIME_FORMAT = "%Y-%m-%dT%H:%M:%E7SZ";
 
-ZoString Lacks(const Entity& entity, const char* what) {
-    return ZoString(entity.Kind()) + " " + entity.name + " has no " + what;
+/// `sentence` has the entity's kind and name as {1}.
+ZoString Lacks(const Entity& entity, const char* sentence) {
+    return ZoFromUtf8(Words(sentence, {entity.Kind() + " " + ZoToUtf8(entity.name)}).c_str());
 }
 
 /// A greyscale image; rows run downward.
@@ -62,22 +64,22 @@ void Building::SavedAt(const TTimestamp& when) { saved = when.InUTCTime(TIME_FOR
 
 ZoString Building::FindFault() const {
     for (const auto& section : sections) {
-        if (!section) return Lacks(*this, "section where one should be");
-        if (!section->material) return Lacks(*section, "material");
+        if (!section) return Lacks(*this, "{1} has no section where one should be");
+        if (!section->material) return Lacks(*section, "{1} has no material");
     }
-    if (storeys.NItems() == 0) return Lacks(*this, "storeys");
+    if (storeys.NItems() == 0) return Lacks(*this, "{1} has no storeys");
     for (const auto& storey : storeys) {
-        if (!storey) return Lacks(*this, "storey where one should be");
-        if (storey->building.get() != this) return Lacks(*storey, "way back to its building");
+        if (!storey) return Lacks(*this, "{1} has no storey where one should be");
+        if (storey->building.get() != this) return Lacks(*storey, "{1} has no way back to its building");
         for (const auto& member : storey->members) {
-            if (!member) return Lacks(*storey, "member where one should be");
-            if (!member->section) return Lacks(*member, "section");
-            if (!member->section->material) return Lacks(*member->section, "material");
-            if (!member->start || !member->end) return Lacks(*member, "node at one of its ends");
+            if (!member) return Lacks(*storey, "{1} has no member where one should be");
+            if (!member->section) return Lacks(*member, "{1} has no section");
+            if (!member->section->material) return Lacks(*member->section, "{1} has no material");
+            if (!member->start || !member->end) return Lacks(*member, "{1} has no node at one of its ends");
             const auto* girder = dynamic_cast<const Girder*>(member.get());
             if (girder == nullptr) continue;
             for (const auto& load : girder->loads) {
-                if (!load) return Lacks(*girder, "load where one should be");
+                if (!load) return Lacks(*girder, "{1} has no load where one should be");
             }
         }
     }

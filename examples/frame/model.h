@@ -6,6 +6,8 @@
 // intermediate results are plain numbers in these units: cm times kgf/cm is kgf. Points are in cm; X runs to
 // the right and Y upward from the ground. Texts are Windows-1252.
 
+#include "words.h"
+
 #include "ZoPrimitives/ConvertionHelper.h"
 #include "ZoPrimitives/Point3D.h"
 #include "ZoPrimitives/TTimestamp.h"
@@ -38,8 +40,8 @@ class Entity : public ZoPrimitives::ZoObjectStreamable {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    /// The kind of thing, in a word.
-    virtual const char* Kind() const = 0;
+    /// The kind of thing, in a word of the current language, in UTF-8.
+    virtual std::string Kind() const = 0;
 };
 
 /// A manufacturer's table of sections. Buildings refer to it, but none owns it.
@@ -51,7 +53,7 @@ class Catalogue : public Entity {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    const char* Kind() const override { return "catalogue"; }
+    std::string Kind() const override { return Words("catalogue"); }
 };
 
 /// The saved form of a `Metal`.
@@ -64,7 +66,7 @@ class Material : public Entity {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
     void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
-    const char* Kind() const override { return "material"; }
+    std::string Kind() const override { return Words("material"); }
     ZoPrimitives::ZoObject* CreateBusinessObject() override;
     void FillBusinessObject(ZoPrimitives::ZoObject* object, ToBusiness* helper) override;
     void FillFromBusinessObject(ZoPrimitives::ZoObject* object, FromBusiness* helper) override;
@@ -84,7 +86,7 @@ class Section : public Entity {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
     void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
-    const char* Kind() const override { return "section"; }
+    std::string Kind() const override { return Words("section"); }
     ZoPrimitives::ZoObject* CreateBusinessObject() override;
     void FillBusinessObject(ZoPrimitives::ZoObject* object, ToBusiness* helper) override;
     void FillFromBusinessObject(ZoPrimitives::ZoObject* object, FromBusiness* helper) override;
@@ -101,7 +103,7 @@ class LegendEntry : public Entity {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    const char* Kind() const override { return "legend entry"; }
+    std::string Kind() const override { return Words("legend entry"); }
 };
 
 /// The building's location.
@@ -113,7 +115,7 @@ class Site : public Entity {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    const char* Kind() const override { return "site"; }
+    std::string Kind() const override { return Words("site"); }
 };
 
 class Node : public Entity {
@@ -126,7 +128,7 @@ class Node : public Entity {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
     void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
-    const char* Kind() const override { return "node"; }
+    std::string Kind() const override { return Words("node"); }
 };
 
 /// A straight bar between two nodes. The building owns nodes and section.
@@ -152,7 +154,7 @@ class Column : public Member {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    const char* Kind() const override { return "column"; }
+    std::string Kind() const override { return Words("column"); }
 };
 
 class Girder : public Member {
@@ -164,7 +166,7 @@ class Girder : public Member {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
     void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
-    const char* Kind() const override { return "girder"; }
+    std::string Kind() const override { return Words("girder"); }
     /// The sum of its loads.
     GForcaLinear LineLoad() const;
     GForcaConcentrada TotalLoad() const;
@@ -186,7 +188,7 @@ class Storey : public Entity {
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
     void HandleExcludedField(ZoPrimitives::TZoClassField* field, ZoPrimitives::TBinInStream* stream) override;
 
-    const char* Kind() const override { return "storey"; }
+    std::string Kind() const override { return Words("storey"); }
 };
 
 /// The root; owns everything except the catalogue. Storeys are listed from the lowest upward.
@@ -207,7 +209,7 @@ class Building : public Entity {
     void Write(ZoPrimitives::OutputStreamer& text) override;
     bool ReadData(int code, ZoPrimitives::InputStreamer& text) override;
 
-    const char* Kind() const override { return "building"; }
+    std::string Kind() const override { return Words("building"); }
     /// The first thing that is missing from the building, such as "column A3 has no section"; empty if it is
     /// complete.
     ZoString FindFault() const;

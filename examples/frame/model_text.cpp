@@ -2,9 +2,11 @@
 
 #include "grammar.h"
 #include "model.h"
+#include "words.h"
 
 #include "ZoPrimitives/TBase64.h"
 #include "ZoPrimitives/XStream.h"
+#include "ZoPrimitives/ZoUtf8.h"
 
 #include <cstdlib>
 #include <memory>
@@ -36,7 +38,8 @@ ZoBlob Decoded(ZoString text) {
     if (length == 0) return ZoBlob();
     const std::unique_ptr<unsigned char, void (*)(void*)> bytes(
         TBase64::DecodeBlock(reinterpret_cast<unsigned char*>(&text[0]), length, size), std::free);
-    if (bytes == nullptr) throw XReadStream("The picture is no Base64", "Frame::Building");
+    if (bytes == nullptr)
+        throw XReadStream(ZoFromUtf8(Words("The picture is no Base64").c_str()), "Frame::Building");
     return ZoBlob(bytes.get(), size);
 }
 

@@ -1,21 +1,29 @@
 #include "options.h"
 
 #include "failure.h"
+#include "words.h"
+
+#include "ZoPrimitives/ZoLanguage.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace Frame {
 
 Options ReadOptions(const std::vector<std::string>& arguments) {
     std::string units = "metric";
-    std::string separator = ".";
+    std::string separator;
     std::string property = "load";
+    std::string language;
     const struct {
         const char* name;
         std::string* value;
-        const char* what;
+        std::string what;
     } options[] = {
-        {"--units", &units, "metric, technical or imperial"},
-        {"--separator", &separator, "a point or a comma"},
-        {"--by", &property, "load or area"},
+        {"--units", &units, Words("metric, technical or imperial")},
+        {"--separator", &separator, Words("a point or a comma")},
+        {"--by", &property, Words("load or area")},
+        {"--language", &language, "pt-BR, en-US, es-MX"},
     };
 
     std::vector<std::string> words;
@@ -30,13 +38,19 @@ Options ReadOptions(const std::vector<std::string>& arguments) {
         for (const auto& option : options) {
             if (word != option.name) continue;
             known = true;
-            if (i + 1 == arguments.size()) throw Failure(word + " needs a value: " + option.what + ".");
+            if (i + 1 == arguments.size())
+                throw Failure(Words("{1} needs a value: {2}.", {word, option.what}));
             *option.value = arguments[++i];
             given.push_back(word);
             given.push_back(arguments[i]);
         }
-        if (!known) throw Failure("There is no option " + word + ": use --units, --separator or --by.");
+        if (!known)
+            throw Failure(
+                Words("There is no option {1}: use --units, --separator, --by or --language.", {word}));
     }
+    if (!language.empty()) ZoPrimitives::ZoSetLanguage(language.c_str());
+    if (std::find(given.begin(), given.end(), "--separator") == given.end())
+        separator = std::strcmp(ZoPrimitives::ZoLanguage(), "pt-BR") == 0 ? "," : ".";
     return {words, given, Units::Named(units, separator), PropertyNamed(property)};
 }
 

@@ -163,7 +163,7 @@ public:
         DrawScale();
         DrawFoot();
         return drawing.Svg(LEFT + width + RIGHT, TOP + height + BELOW,
-                           Printable(building.name) + ", elevation");
+                           Words("{1}, elevation", {Printable(building.name)}));
     }
 
 private:
@@ -174,7 +174,7 @@ private:
             const double x = place.X();
             const double y = place.Y();
             if (!std::isfinite(x) || !std::isfinite(y)) {
-                throw Failure("The building cannot be drawn: it is of no finite size.");
+                throw Failure(Words("The building cannot be drawn: it is of no finite size."));
             }
             if (first) {
                 left = right = x;
@@ -190,7 +190,7 @@ private:
             include(member.start->place);
             include(member.end->place);
         });
-        if (first) throw Failure("The building cannot be drawn: it has no members.");
+        if (first) throw Failure(Words("The building cannot be drawn: it has no members."));
         // Half of each, because the difference of two doubles may overflow.
         const double wide = right / 2 - left / 2;
         const double high = top / 2 - bottom / 2;
@@ -247,13 +247,11 @@ private:
         const double all = LEFT + width + RIGHT - 2 * MARGIN;
         drawing.Text(MARGIN, 42, Fitted(Printable(building.name), all, 26),
                      "font-size=\"24\" font-weight=\"bold\"");
-        const char* const what =
-            property == Property::Area ? "areas of the sections" : "loads along the girders";
+        const std::string what = property == Property::Area ? Words("elevation, areas of the sections")
+                                                            : Words("elevation, loads along the girders");
         const std::string place = Printable(building.site.name);
-        drawing.Text(
-            MARGIN, 66,
-            Fitted((place.empty() ? "" : place + " · ") + std::string("elevation, ") + what, all, 15),
-            "font-size=\"15\" fill=\"" + std::string(PALE) + "\"");
+        drawing.Text(MARGIN, 66, Fitted((place.empty() ? "" : place + " · ") + what, all, 15),
+                     "font-size=\"15\" fill=\"" + std::string(PALE) + "\"");
     }
 
     /// Labels each floor with name and level, and the roof with its level.
@@ -273,9 +271,9 @@ private:
             roof = storey->level;
             roof += storey->height;
         }
-        level(roof, "Top");
-        drawing.Text(MARGIN, TOP - 14 + (height - frameHeight) / 2 - 14, "Level, " + units.Name(units.length),
-                     "fill=\"" + std::string(PALE) + "\"");
+        level(roof, Words("Top"));
+        drawing.Text(MARGIN, TOP - 14 + (height - frameHeight) / 2 - 14,
+                     Words("Level, {1}", {units.Name(units.length)}), "fill=\"" + std::string(PALE) + "\"");
     }
 
     /// The positions of the column lines, from left to right.
@@ -341,8 +339,8 @@ private:
             const std::string y2 = Coordinate(Y(*member.end));
             double value = 0;
             const bool valued = ValueOf(member, value);
-            std::string about = std::string(member.Kind()) + " " + Printable(member.name) + ", " +
-                                Printable(member.section->name);
+            std::string about =
+                member.Kind() + " " + Printable(member.name) + ", " + Printable(member.section->name);
             if (valued) about += ", " + Number(value) + " " + UnitName();
             casing += "M" + x1 + " " + y1 + "L" + x2 + " " + y2;
             (dynamic_cast<const Column*>(&member) == nullptr ? girders : columns) +=
@@ -415,17 +413,17 @@ private:
             const std::string to = Number(*high);
             drawing.Text(x, y - 4,
                          sections.size() == 1 ? Fitted(sections[0], 76)
-                                              : std::to_string(sections.size()) + " sections");
+                                              : Words("{1} sections", {std::to_string(sections.size())}));
             drawing.Text(x + 130, y - 4, from == to ? from : from + "–" + to, "text-anchor=\"end\"");
         }
-        drawing.Text(x, TOP - 14 + (height - frameHeight) / 2 - 14, "Girders, " + UnitName(),
+        drawing.Text(x, TOP - 14 + (height - frameHeight) / 2 - 14, Words("Girders, {1}", {UnitName()}),
                      "fill=\"" + std::string(PALE) + "\"");
     }
 
     void DrawFoot() {
-        std::string text = "Steel " + units.Text(units.steel, TotalSteel(building));
+        std::string text = Words("Steel {1}", {units.Text(units.steel, TotalSteel(building))});
         if (!building.saved.IsNull())
-            text += std::string(" · saved ") + building.SavedAt().InUTCTime("%Y-%m-%d %H:%M UTC").c_str();
+            text += " · " + Words("saved {1}", {building.SavedAt().InUTCTime("%Y-%m-%d %H:%M UTC").c_str()});
         drawing.Text(LEFT + width + RIGHT - MARGIN, TOP + height + BELOW - 18,
                      Fitted(text, LEFT + width + RIGHT - 2 * MARGIN),
                      "text-anchor=\"end\" fill=\"" + std::string(PALE) + "\"");
@@ -435,7 +433,9 @@ private:
         if (!hasValues) return;
         const double x = LEFT + width + 216;
         const double y = TOP + (height - SCALE_HEIGHT) / 2;
-        drawing.Text(x, y - 18, (property == Property::Area ? "Area, " : "Load, ") + UnitName(),
+        drawing.Text(x, y - 18,
+                     property == Property::Area ? Words("Area, {1}", {UnitName()})
+                                                : Words("Load, {1}", {UnitName()}),
                      "font-weight=\"bold\"");
         constexpr int steps = 16; // colours change linearly within a quarter
         constexpr int ticks = 4;
@@ -460,7 +460,7 @@ private:
         if (property == Property::Load) {
             drawing.Line(x, y + shown + 34, x + 20, y + shown + 34, CASING);
             drawing.Line(x, y + shown + 34, x + 20, y + shown + 34, COLUMN);
-            drawing.Text(x + 32, y + shown + 38.5, "columns");
+            drawing.Text(x + 32, y + shown + 38.5, Words("columns"));
         }
     }
     double Between(int step, int steps) const {
@@ -504,7 +504,7 @@ private:
 Property PropertyNamed(const std::string& name) {
     if (name == "load") return Property::Load;
     if (name == "area") return Property::Area;
-    throw Failure("Members cannot be coloured by \"" + name + "\": use load or area.");
+    throw Failure(Words("Members cannot be coloured by \"{1}\": use load or area.", {name}));
 }
 
 std::string DrawElevation(const Building& building, Property property, const Units& units) {

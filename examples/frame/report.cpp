@@ -89,8 +89,10 @@ Sums SumsOf(const Building& building) {
 
 void PrintStoreys(const Building& building, const Units& units, std::ostream& out) {
     const std::string length = units.Name(units.length);
-    Grid grid({"Storey", "Name", ">Floor at " + length, ">Height " + length, ">Columns", ">Girders",
-               ">Load " + units.Name(units.load), ">Steel " + units.Name(units.steel)});
+    Grid grid({Words("Storey"), Words("Name"), ">" + Words("Floor at {1}", {length}),
+               ">" + Words("Height {1}", {length}), ">" + Words("Columns"), ">" + Words("Girders"),
+               ">" + Words("Load {1}", {units.Name(units.load)}),
+               ">" + Words("Steel {1}", {units.Name(units.steel)})});
     GComprimento height(0.0);
     for (auto i = building.storeys.NItems(); i >= 1; --i) {
         const Storey& storey = *building.storeys[i];
@@ -103,16 +105,18 @@ void PrintStoreys(const Building& building, const Units& units, std::ostream& ou
     }
     const Sums all = SumsOf(building);
     grid.AddRule();
-    grid.Add({"Total", "", "", units.Number(units.length, height), std::to_string(all.columns),
+    grid.Add({Words("Total"), "", "", units.Number(units.length, height), std::to_string(all.columns),
               std::to_string(all.girders), units.Number(units.load, all.load),
               units.Number(units.steel, all.steel)});
     grid.Print(out);
 }
 
 void PrintSections(const Building& building, const Units& units, std::ostream& out) {
-    Grid grid({"Section", "Use", ">Depth " + units.Name(units.depth), ">Area " + units.Name(units.area),
-               ">Inertia " + units.Name(units.inertia), ">Members", ">Length " + units.Name(units.total),
-               ">Steel " + units.Name(units.steel)});
+    Grid grid({Words("Section"), Words("Use"), ">" + Words("Depth {1}", {units.Name(units.depth)}),
+               ">" + Words("Area {1}", {units.Name(units.area)}),
+               ">" + Words("Inertia {1}", {units.Name(units.inertia)}), ">" + Words("Members"),
+               ">" + Words("Length {1}", {units.Name(units.total)}),
+               ">" + Words("Steel {1}", {units.Name(units.steel)})});
     for (const auto& section : building.sections) {
         const Sums sums =
             SumsOf(building, [&](const Storey&, const Member& of) { return of.section == section.get(); });
@@ -124,7 +128,7 @@ void PrintSections(const Building& building, const Units& units, std::ostream& o
     }
     const Sums all = SumsOf(building);
     grid.AddRule();
-    grid.Add({"Total", "", "", "", "", std::to_string(all.columns + all.girders),
+    grid.Add({Words("Total"), "", "", "", "", std::to_string(all.columns + all.girders),
               units.Number(units.total, all.length), units.Number(units.steel, all.steel)});
     grid.Print(out);
 }
@@ -132,9 +136,11 @@ void PrintSections(const Building& building, const Units& units, std::ostream& o
 } // namespace
 
 void Print(const Profiles& profiles, const Units& units, std::ostream& out) {
-    Grid grid({"Section", ">Depth " + units.Name(units.depth), ">Area " + units.Name(units.area),
-               ">Inertia " + units.Name(units.inertia), ">Modulus " + units.Name(units.modulus),
-               ">Steel " + units.Name(units.steelLine), "Material"});
+    Grid grid({Words("Section"), ">" + Words("Depth {1}", {units.Name(units.depth)}),
+               ">" + Words("Area {1}", {units.Name(units.area)}),
+               ">" + Words("Inertia {1}", {units.Name(units.inertia)}),
+               ">" + Words("Modulus {1}", {units.Name(units.modulus)}),
+               ">" + Words("Steel {1}", {units.Name(units.steelLine)}), Words("Material")});
     for (const auto& profile : profiles) {
         const Metal* metal = profile->metal.get();
         grid.Add({Printable(profile->name), units.Number(units.depth, profile->depth),
@@ -150,24 +156,29 @@ GForcaConcentrada TotalSteel(const Building& building) { return SumsOf(building)
 
 void Print(const Building& building, const Units& units, std::ostream& out) {
     out << Printable(building.name) << ", " << Printable(building.site.name)
-        << (building.site.seismic ? " (seismic zone)" : "") << "\n\n";
+        << (building.site.seismic ? " (" + Words("seismic zone") + ")" : "") << "\n\n";
     PrintStoreys(building, units, out);
     out << '\n';
     PrintSections(building, units, out);
-    out << "\n  Total steel: " << units.Text(units.steel, TotalSteel(building));
+    out << '\n' << Label(Words("Total steel:")) << units.Text(units.steel, TotalSteel(building));
     for (const auto& material : building.materials) {
         if (material) {
-            out << " of " << Printable(material->name) << ", "
-                << units.Text(units.density, material->density);
+            out << Words(" of {1}, {2}",
+                         {Printable(material->name), units.Text(units.density, material->density)});
         }
     }
     if (building.catalogue) {
-        out << "\n  Sections:    " << Printable(building.catalogue->name) << ", edition "
-            << building.catalogue->edition;
+        out << '\n'
+            << Label(Words("Sections:"))
+            << Words("{1}, edition {2}",
+                     {Printable(building.catalogue->name), std::to_string(building.catalogue->edition)});
     }
     if (!building.saved.IsNull())
-        out << "\n  Saved:       " << building.SavedAt().InUTCTime("%Y-%m-%d %H:%M:%S UTC").c_str();
-    out << "\n  Thumbnail:   " << building.thumbnail.Size() << " bytes\n";
+        out << '\n'
+            << Label(Words("Saved:")) << building.SavedAt().InUTCTime("%Y-%m-%d %H:%M:%S UTC").c_str();
+    out << '\n'
+        << Label(Words("Thumbnail:")) << Words("{1} bytes", {std::to_string(building.thumbnail.Size())})
+        << '\n';
 }
 
 } // namespace Frame

@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "progress.h"
+#include "words.h"
 
 #include "ZoPrimitives/FileBinInStream.h"
 #include "ZoPrimitives/FilteredBinInStreamer.h"
@@ -42,45 +43,46 @@ struct Source {
 
 Source FileSource(const std::string& path) {
     const std::string backup = path + "-bak";
-    return {Quoted(path),
-            Exists(backup) ? "open the version before it, " + Quoted(backup) : "use a copy of it"};
+    return {Quoted(path), Exists(backup) ? Words("open the version before it, {1}", {Quoted(backup)})
+                                         : Words("use a copy of it")};
 }
 
 Failure Damaged(const Source& source, const std::string& why) {
-    return Failure(source.name + " is damaged: " + source.remedy + ". (" + why + ")");
+    return Failure(Words("{1} is damaged: {2}. ({3})", {source.name, source.remedy, why}));
 }
 
 /// Says in a sentence why a building could not be read. Called where the exception is caught.
 [[noreturn]] void ThrowUnread(const Source& source, const XStream& error) {
     if (dynamic_cast<const XNewerVersion*>(&error) != nullptr) {
-        throw Failure(source.name + " was saved by a newer version of this program: update the program to " +
-                      "open it.");
+        throw Failure(
+            Words("{1} was saved by a newer version of this program: update the program to open it.",
+                  {source.name}));
     }
     if (const auto* refused = dynamic_cast<const XRefusedData*>(&error)) {
         std::string found = ZoToUtf8(refused->Report().Text());
         found.pop_back(); // the last line's end
-        throw Failure(source.name + " is damaged: " + source.remedy + ".\n" + found);
+        throw Failure(Words("{1} is damaged: {2}.", {source.name, source.remedy}) + '\n' + found);
     }
     const std::string location = error.Location().c_str();
     if (location == "TFileBinInStream::OpenFile") {
-        throw Failure(source.name + " cannot be opened: " + Remedy(error));
+        throw Failure(Words("{1} cannot be opened: {2}", {source.name, Remedy(error)}));
     }
     if (location == "TFileBinInStream::TFileBinInStream" || location == "TBinInStream::LoadHeader")
-        throw Failure(source.name + " is not a file of this program.");
+        throw Failure(Words("{1} is not a file of this program.", {source.name}));
     throw Damaged(source, Detail(error));
 }
 
 void CheckFile(const std::string& path) {
     std::error_code ignored;
-    if (!Exists(path)) throw Failure("There is no file " + Quoted(path) + ".");
+    if (!Exists(path)) throw Failure(Words("There is no file {1}.", {Quoted(path)}));
     if (std::filesystem::is_directory(std::filesystem::u8path(path), ignored)) {
-        throw Failure(Quoted(path) + " is a folder: name a file in it.");
+        throw Failure(Words("{1} is a folder: name a file in it.", {Quoted(path)}));
     }
 }
 
 Model ModelOf(const TZoOpened<Building>& opened, const Source& source) {
     if (opened.Report().Faults() != strictNothing)
-        std::cerr << "frame: of " << source.name << ":\n" << ZoToUtf8(opened.Report().Text());
+        std::cerr << "frame: " << Words("of {1}:", {source.name}) << '\n' << ZoToUtf8(opened.Report().Text());
     const ZoString fault = opened->FindFault();
     if (!fault.IsNull()) throw Damaged(source, ZoToUtf8(fault));
     return {opened.GetObjects(), opened.GetRoot().get()};
@@ -94,12 +96,12 @@ void Save(const Model& model, const std::string& path, const TTimestamp& now) {
     try {
         ZoSave(TZoPath::FromUtf8(path.c_str()), model.building, &Schema(), {VERSION, RELEASE});
     } catch (const XNotReplaced& error) {
-        throw Failure(Quoted(path) + " cannot be replaced: what was to be saved is in " +
-                      Quoted(error.WrittenFilePath().Utf8().c_str()) + ". (" + Detail(error) + ")");
+        throw Failure(Words("{1} cannot be replaced: what was to be saved is in {2}. ({3})",
+                            {Quoted(path), Quoted(error.WrittenFilePath().Utf8().c_str()), Detail(error)}));
     } catch (const XStream& error) {
         model.building->saved = before;
-        throw Failure(Quoted(path) + " cannot be saved and is as it was: " + Remedy(error) + " (" +
-                      Detail(error) + ")");
+        throw Failure(Words("{1} cannot be saved and is as it was: {2} ({3})",
+                            {Quoted(path), Remedy(error), Detail(error)}));
     }
 }
 
@@ -151,22 +153,23 @@ void Copy(const Model& model) {
     try {
         ZoSaveOnClipboard(model.building, &Schema(), {VERSION, RELEASE});
     } catch (const XWriteStream& error) {
-        throw Failure("Nothing can be put on the clipboard. (" + Detail(error) + ")");
+        throw Failure(Words("Nothing can be put on the clipboard. ({1})", {Detail(error)}));
     }
 }
 
 Model Paste() {
-    const Source source{"What is on the clipboard", "copy it again"};
+    const Source source{Words("What is on the clipboard"), Words("copy it again")};
     try {
         return ModelOf(ZoOpenFromClipboard<Building>(&Schema(), {VERSION}), source);
     } catch (const XNewerVersion&) {
-        throw Failure("What is on the clipboard was copied by a newer version of this program: update the "
-                      "program to paste it.");
+        throw Failure(
+            Words("What is on the clipboard was copied by a newer version of this program: update the "
+                  "program to paste it."));
     } catch (const XStream& error) {
         const std::string location = error.Location().c_str();
         if (location.rfind("TClipboardBinInStream", 0) != 0 && location != "TBinInStream::LoadHeader")
             throw Damaged(source, Detail(error));
-        throw Failure("There is no building on the clipboard: copy one first. (" + Detail(error) + ")");
+        throw Failure(Words("There is no building on the clipboard: copy one first. ({1})", {Detail(error)}));
     }
 }
 

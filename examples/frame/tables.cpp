@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "profile.h"
+#include "words.h"
 
 #include "ZoPrimitives/ZoUtf8.h"
 
@@ -36,27 +37,27 @@ public:
             if (text.empty()) continue;
             Row row{line, Split(text)};
             if (row.fields.size() != headings.size()) {
-                Fail(row, std::to_string(headings.size()) + " fields are expected, " +
-                              std::to_string(row.fields.size()) + " are there");
+                Fail(row, Words("{1} fields are expected, {2} are there",
+                                {std::to_string(headings.size()), std::to_string(row.fields.size())}));
             }
             if (hasHeadings) {
                 rows.push_back(row);
             } else if (row.fields != headings) {
-                Fail(row, "the headings must be \"" + Join(headings) + "\"");
+                Fail(row, Words("the headings must be \"{1}\"", {Join(headings)}));
             }
             hasHeadings = true;
         }
         if (line == 0) {
-            throw Failure("The table " + name + " cannot be read: look whether it is in the folder \"" +
-                          folder + "\".");
+            throw Failure(Words("The table {1} cannot be read: look whether it is in the folder \"{2}\".",
+                                {name, folder}));
         }
-        if (rows.empty()) throw Failure("The table " + name + " holds nothing below its headings.");
+        if (rows.empty()) throw Failure(Words("The table {1} holds nothing below its headings.", {name}));
     }
 
     const std::vector<Row>& Rows() const { return rows; }
 
     [[noreturn]] void Fail(const Row& row, const std::string& what) const {
-        throw Failure(name + ", line " + std::to_string(row.line) + ": " + what + ".");
+        throw Failure(Words("{1}, line {2}: {3}.", {name, std::to_string(row.line), what}));
     }
 
     /// A positive value with a decimal point; in `unit` if the text names none.
@@ -68,9 +69,9 @@ public:
             std::string names;
             for (int i = 0; !Quantity::NomeDaUnidade(Unit(i)).IsNull(); ++i)
                 names += (i == 0 ? "" : ", ") + ZoToUtf8(Quantity::NomeDaUnidade(Unit(i)));
-            Fail(row, "\"" + text + "\" has no unit that is known here: use " + names);
+            Fail(row, Words("\"{1}\" has no unit that is known here: use {2}", {text, names}));
         }
-        if (!read || !(value > 0)) Fail(row, "\"" + text + "\" is not a number above zero");
+        if (!read || !(value > 0)) Fail(row, Words("\"{1}\" is not a number above zero", {text}));
         return value;
     }
 
@@ -147,7 +148,7 @@ private:
         const Table table(folder, "frame9-sections.csv", {"name", "depth_in", "area_in2", "inertia_in4"});
         for (const auto& row : table.Rows()) {
             const ZoString name = ZoFromUtf8(row.fields[0].c_str());
-            if (FindSection(name) != nullptr) table.Fail(row, row.fields[0] + " is there already");
+            if (FindSection(name) != nullptr) table.Fail(row, Words("{1} is there already", {row.fields[0]}));
             auto* profile = new Profile;
             profiles.Add(profile); // keeps it alive as long as the helper
             profile->name = name;
@@ -168,14 +169,14 @@ private:
             const std::string& bay = row.fields[0];
             const std::size_t dash = bay.find('-');
             if (dash == std::string::npos || dash == 0 || dash + 1 == bay.size()) {
-                table.Fail(row, "\"" + bay + "\" does not name two column lines, as \"A-B\" does");
+                table.Fail(row, Words("\"{1}\" does not name two column lines, as \"A-B\" does", {bay}));
             }
             const ZoString from = ZoFromUtf8(bay.substr(0, dash).c_str());
             if (places.empty()) {
                 building().lines.Add(from);
                 places.emplace_back(0.0);
             } else if (building().lines.Last() != from) {
-                table.Fail(row, "bay " + bay + " does not begin where the one before ends");
+                table.Fail(row, Words("bay {1} does not begin where the one before ends", {bay}));
             }
             building().lines.Add(ZoFromUtf8(bay.substr(dash + 1).c_str()));
             GComprimento place = places.back();
@@ -199,7 +200,8 @@ private:
         for (Node* node : below) node->support = true;
 
         for (const auto& row : table.Rows()) {
-            if (isBasement(row) && !wasUnderground) table.Fail(row, "a basement cannot lie above the ground");
+            if (isBasement(row) && !wasUnderground)
+                table.Fail(row, Words("a basement cannot lie above the ground"));
             auto* storey = new Storey;
             building().storeys.Add(storey);
             storey->building = model.building;
@@ -298,7 +300,7 @@ private:
     Section* SectionOf(const Table& table, const Table::Row& row, std::size_t field) {
         Section* section = FindSection(ZoFromUtf8(row.fields[field].c_str()));
         if (section == nullptr) {
-            table.Fail(row, "section \"" + row.fields[field] + "\" is not in frame9-sections.csv");
+            table.Fail(row, Words("section \"{1}\" is not in frame9-sections.csv", {row.fields[field]}));
         }
         return section;
     }

@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "grammar.h"
+#include "words.h"
 
 #include "ZoPrimitives/FileInputStream.h"
 #include "ZoPrimitives/FileOutputStream.h"
@@ -48,22 +49,22 @@ Model ReadModel(const std::string& path, InputStream* stream) {
         reader >> keyword >> version;
         if (keyword == KEYWORD && version == VERSION) model.building = ReadBuilding(reader);
     } catch (const XEndOfStream&) {
-        if (keyword == KEYWORD) throw Failure(quoted + " is damaged: it ends too early.");
+        if (keyword == KEYWORD) throw Failure(Words("{1} is damaged: it ends too early.", {quoted}));
     } catch (const XStream& error) {
-        throw Failure(quoted + " is damaged. (" + Detail(error) + ")");
+        throw Failure(Words("{1} is damaged. ({2})", {quoted, Detail(error)}));
     } catch (const XStreamer&) {
-        throw Failure(quoted + " is damaged: a section ends too early.");
+        throw Failure(Words("{1} is damaged: a section ends too early.", {quoted}));
     } catch (const xInvalidConversion&) {
-        throw Failure(quoted + " is damaged: there is no handle where one should be.");
+        throw Failure(Words("{1} is damaged: there is no handle where one should be.", {quoted}));
     }
-    if (keyword != KEYWORD) throw Failure(quoted + " is not a text of this program.");
+    if (keyword != KEYWORD) throw Failure(Words("{1} is not a text of this program.", {quoted}));
     if (version > VERSION) {
-        throw Failure(quoted +
-                      " was written by a newer version of this program: update the program to read it.");
+        throw Failure(Words(
+            "{1} was written by a newer version of this program: update the program to read it.", {quoted}));
     }
-    if (model.building == nullptr) throw Failure(quoted + " holds no building.");
+    if (model.building == nullptr) throw Failure(Words("{1} holds no building.", {quoted}));
     const ZoString fault = model.building->FindFault();
-    if (!fault.IsNull()) throw Failure(quoted + " is damaged. (" + ZoToUtf8(fault) + ")");
+    if (!fault.IsNull()) throw Failure(Words("{1} is damaged. ({2})", {quoted, ZoToUtf8(fault)}));
     // From here on the model keeps the reader's objects alive.
     for (ZoStreamableBase* object : reader.Objects()) model.objects.Add(object);
     return model;
@@ -81,7 +82,8 @@ void WriteText(const Model& model, const std::string& path) {
         text << END_OF_SECTION << END_OF_FILE;
         file->Finalize();
     } catch (const XStream& error) {
-        throw Failure('"' + path + "\" cannot be written: " + Remedy(error) + " (" + Detail(error) + ")");
+        throw Failure(
+            Words("{1} cannot be written: {2} ({3})", {'"' + path + '"', Remedy(error), Detail(error)}));
     }
 }
 
@@ -90,9 +92,9 @@ Model ReadText(const std::string& path) {
     try {
         file = new FileInputStream(TZoPath::FromUtf8(path.c_str()));
     } catch (const XReadStream& error) {
-        throw Failure('"' + path + "\" cannot be opened: " + Remedy(error));
+        throw Failure(Words("{1} cannot be opened: {2}", {'"' + path + '"', Remedy(error)}));
     }
-    if (!file->GetIsWhole()) throw Failure('"' + path + "\" cannot be read to its end.");
+    if (!file->GetIsWhole()) throw Failure(Words("{1} cannot be read to its end.", {'"' + path + '"'}));
     return ReadModel(path, file.get());
 }
 

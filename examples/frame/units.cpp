@@ -1,6 +1,7 @@
 #include "units.h"
 
 #include "failure.h"
+#include "words.h"
 
 #include "ZoPrimitives/Math2.h"
 #include "ZoPrimitives/ZoUtf8.h"
@@ -64,7 +65,7 @@ const struct {
 
 Units Units::Named(const std::string& name, const std::string& separator) {
     if (separator != "." && separator != ",") {
-        throw Failure("\"" + separator + "\" does not separate decimals here: use a point or a comma.");
+        throw Failure(Words("\"{1}\" does not separate decimals here: use a point or a comma.", {separator}));
     }
     for (const auto& system : SYSTEMS) {
         if (name != system.name) continue;
@@ -72,7 +73,7 @@ Units Units::Named(const std::string& name, const std::string& separator) {
         units.separator = separator[0];
         return units;
     }
-    throw Failure("There are no units \"" + name + "\": use metric, technical or imperial.");
+    throw Failure(Words("There are no units \"{1}\": use metric, technical or imperial.", {name}));
 }
 
 std::string Units::Decimal(double value, unsigned decimals) const {

@@ -1,5 +1,6 @@
 #include "words.h"
 
+#include "ZoPrimitives/TTranslatedString.h"
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <algorithm>
@@ -7,6 +8,28 @@
 namespace Frame {
 
 using ZoPrimitives::ZoString;
+
+std::string Words(const char* english, const std::vector<std::string>& values) {
+    const std::string text = ZoPrimitives::ZoToUtf8(ZoPrimitives::TTranslatedString(english).ToZoString());
+    std::string filled;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool holds = text[i] == '{' && i + 2 < text.size() && text[i + 2] == '}';
+        const std::size_t value = holds ? static_cast<std::size_t>(text[i + 1] - '1') : values.size();
+        if (value < values.size()) {
+            filled += values[value];
+            i += 2;
+        } else {
+            filled += text[i];
+        }
+    }
+    return filled;
+}
+
+std::string Label(const std::string& words) {
+    constexpr std::size_t room = 13;
+    const std::size_t width = Width(words);
+    return "  " + words + std::string(width < room ? room - width : 1, ' ');
+}
 
 std::string Printable(const ZoString& text) {
     ZoString shown(text);

@@ -1,0 +1,16 @@
+# Runs a copy of PROGRAM in FOLDER, with a Language.ini beside it.
+file(REMOVE_RECURSE "${FOLDER}")
+file(COPY "${PROGRAM}" DESTINATION "${FOLDER}")
+get_filename_component(name "${PROGRAM}" NAME)
+foreach(row "none;There is no file" "Language=es-MX;No existe el archivo" "pt-BR;Não existe o arquivo"
+            "fr-FR;The language \"fr-FR\" is unknown.*Language.ini")
+  list(GET row 0 text)
+  list(GET row 1 says)
+  if(NOT text STREQUAL none)
+    file(WRITE "${FOLDER}/Language.ini" "${text}\n")
+  endif()
+  execute_process(COMMAND ${EMULATOR} "${FOLDER}/${name}" none.zo RESULT_VARIABLE code ERROR_VARIABLE said)
+  if(NOT code STREQUAL 2 OR NOT said MATCHES "${says}")
+    message(FATAL_ERROR "With \"${text}\" it ends with ${code} and says:\n${said}")
+  endif()
+endforeach()

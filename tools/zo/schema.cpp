@@ -1,6 +1,8 @@
 #include "commands.h"
+#include "diagram.h"
 #include "fields.h"
 #include "input.h"
+#include "save.h"
 #include "text.h"
 #include "tool.h"
 
@@ -22,6 +24,7 @@ namespace {
 struct SchemaOptions {
     std::string file;
     bool json = false;
+    std::string svg;
 };
 
 /// Classes under their first parents, each with its own fields.
@@ -107,7 +110,9 @@ Exit Schema(Tool& tool, const SchemaOptions& options) {
     const Input input(options.file);
     TZoRecordReader reader(input.Bytes());
     const TZoMetaData& schema = reader.GetSchema();
-    if (options.json) {
+    if (!options.svg.empty()) {
+        SaveResult(tool, options.svg, ClassDiagram(schema), options.file);
+    } else if (options.json) {
         PrintJson(schema, tool.out);
     } else {
         SchemaTree(schema, tool.out).Print();
@@ -121,8 +126,14 @@ void AddSchema(CLI::App& zo, Tool& tool) {
     CLI::App* const command = zo.add_subcommand("schema", "the classes of a file, their parents and fields");
     const auto options = std::make_shared<SchemaOptions>();
     command->add_option("FILE", options->file, "an object file, or - for standard input")->required();
-    command->add_flag("--json", options->json, "as JSON");
-    command->footer("Examples:\n  zo schema model.zo\n  zo schema --json model.zo");
+    CLI::Option* const json = command->add_flag("--json", options->json, "as JSON");
+    command
+        ->add_option("--svg", options->svg,
+                     "as a class diagram: the picture to write, or - for standard output")
+        ->type_name("OUT.svg")
+        ->excludes(json);
+    command->footer("Examples:\n  zo schema model.zo\n  zo schema --json model.zo\n  zo schema model.zo "
+                    "--svg classes.svg");
     command->callback([&tool, options] {
         tool.command = [&tool, options] {
             return tool.Try(NameOf(options->file), [&] { return Schema(tool, *options); });

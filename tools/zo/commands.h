@@ -14,5 +14,6 @@ void AddLs(CLI::App& zo, Tool& tool);
 void AddSchema(CLI::App& zo, Tool& tool);
 void AddDump(CLI::App& zo, Tool& tool);
 void AddSql(CLI::App& zo, Tool& tool);
+void AddReport(CLI::App& zo, Tool& tool);
 
 } // namespace ZoTool

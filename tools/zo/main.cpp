@@ -52,6 +52,7 @@ Exit Run(Tool& tool, std::vector<std::string> words) {
     AddSchema(zo, tool);
     AddDump(zo, tool);
     AddSql(zo, tool);
+    AddReport(zo, tool);
     // The parser takes them from the back.
     std::reverse(words.begin(), words.end());
     try {

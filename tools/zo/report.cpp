@@ -1,0 +1,83 @@
+#include "commands.h"
+#include "input.h"
+#include "report_data.h"
+#include "report_page.h"
+#include "save.h"
+#include "text.h"
+#include "tool.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+
+namespace ZoTool {
+
+using namespace ZoPrimitives;
+
+namespace {
+
+struct ReportOptions {
+    std::string file, out;
+    unsigned long long objects = ReportLimits().objects;
+};
+
+/// The page with its parts in their places.
+std::string PageOf(const ReportData& data) {
+    std::string page;
+    std::string_view rest = PageHtml();
+    while (!rest.empty()) {
+        const std::size_t begin = rest.find('@');
+        page += rest.substr(0, begin);
+        if (begin == std::string_view::npos) break;
+        const std::size_t end = rest.find('@', begin + 1);
+        const std::string_view part = rest.substr(begin + 1, end - begin - 1);
+        if (part == "style") page += PageCss();
+        if (part == "script") page += PageJs();
+        if (part == "diagram") page += data.diagram;
+        if (part == "data") page += data.json;
+        rest.remove_prefix(end + 1);
+    }
+    return page;
+}
+
+/// A file's name without its folders.
+std::string LastOf(const std::string& name) {
+    const std::u8string last =
+        std::filesystem::path(std::u8string(name.begin(), name.end())).filename().u8string();
+    return {last.begin(), last.end()};
+}
+
+Exit MakeReport(Tool& tool, const ReportOptions& options) {
+    const Input input(options.file);
+    ReportLimits limits;
+    limits.objects = options.objects;
+    const ReportData data = ReadReport(input.Bytes(), LastOf(input.Name()), {}, limits);
+    SaveResult(tool, options.out, PageOf(data), options.file);
+    for (const std::string& cut : data.cuts) tool.Warn(input.Name(), cut);
+    return Exit::Good;
+}
+
+} // namespace
+
+void AddReport(CLI::App& zo, Tool& tool) {
+    CLI::App* const command = zo.add_subcommand("report", "a page about a file, for a browser");
+    const auto options = std::make_shared<ReportOptions>();
+    command->add_option("FILE", options->file, "an object file, or - for standard input")->required();
+    command->add_option("-o,--output", options->out, "the page to write, or - for standard output")
+        ->type_name("OUT.html")
+        ->required();
+    command->add_option("--objects", options->objects, "how many objects the page lists at most")
+        ->type_name("N")
+        ->capture_default_str();
+    command->footer(
+        "The page is one file that needs no other and no network: summary, findings, a map of the file's\n"
+        "bytes, bytes per class, a class diagram, and the objects with links along their pointers.\n\n"
+        "Examples:\n  zo report model.zo -o model.html\n  zo report --objects 1000000 city.zo -o city.html");
+    command->callback([&tool, options] {
+        tool.command = [&tool, options] {
+            return tool.Try(NameOf(options->file), [&] { return MakeReport(tool, *options); });
+        };
+    });
+}
+
+} // namespace ZoTool

@@ -33,17 +33,17 @@ public:
 
     /// The same with as many bytes behind those wanted as need not be read.
     Stretch From(unsigned long long offset, std::size_t wanted) {
-        const Stretch bytes = At(offset, wanted);
-        if (memory != nullptr) return {bytes.begin, static_cast<std::size_t>(end - std::min(offset, end))};
-        return {bytes.begin, std::max(bytes.size, static_cast<std::size_t>(first + count - offset))};
+        const Stretch asked = At(offset, wanted);
+        if (memory != nullptr) return {asked.begin, static_cast<std::size_t>(end - std::min(offset, end))};
+        return {asked.begin, std::max(asked.size, static_cast<std::size_t>(first + count - offset))};
     }
     /// Copies a few bytes, which need not be near. Returns how many are there.
     std::size_t Peek(unsigned long long offset, void* data, unsigned wanted) {
         if (memory == nullptr && (offset < first || offset + wanted > first + count))
             return bytes.Read(offset, data, wanted);
-        const Stretch there = At(offset, wanted);
-        std::memcpy(data, there.begin, there.size);
-        return there.size;
+        const Stretch near = At(offset, wanted);
+        std::memcpy(data, near.begin, near.size);
+        return near.size;
     }
 
 private:

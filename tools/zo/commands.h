@@ -15,5 +15,7 @@ void AddSchema(CLI::App& zo, Tool& tool);
 void AddDump(CLI::App& zo, Tool& tool);
 void AddSql(CLI::App& zo, Tool& tool);
 void AddReport(CLI::App& zo, Tool& tool);
+void AddVerify(CLI::App& zo, Tool& tool);
+void AddSalvage(CLI::App& zo, Tool& tool);
 
 } // namespace ZoTool

@@ -53,6 +53,8 @@ Exit Run(Tool& tool, std::vector<std::string> words) {
     AddDump(zo, tool);
     AddSql(zo, tool);
     AddReport(zo, tool);
+    AddVerify(zo, tool);
+    AddSalvage(zo, tool);
     // The parser takes them from the back.
     std::reverse(words.begin(), words.end());
     try {

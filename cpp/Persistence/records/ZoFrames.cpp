@@ -3,6 +3,7 @@
 #include "Persistence/checksums/Crc32Kernel.h"
 #include "Persistence/records/BytesWindow.h"
 #include "Persistence/records/HeadDigest.h"
+#include "Persistence/records/RecordCursors.h"
 #include "Persistence/records/RecordFormat.h"
 
 #include <algorithm>
@@ -367,5 +368,12 @@ bool TZoFrameReader::ReadAt(unsigned long long offset, TZoFrame& frame) {
 const unsigned char* TZoFrameReader::GetPayload() const { return hunt->payload; }
 unsigned TZoFrameReader::GetPayloadSize() const { return hunt->payloadSize; }
 TZoBytes& TZoFrameReader::GetBytes() const { return hunt->window.Bytes(); }
+
+void ZoWriteRecord(TBinOutStream& stream, int uid, int classId, const void* payload, unsigned size) {
+    const WriteCursor record(stream);
+    if (size != 0) std::memcpy(record.Take(size), payload, size);
+    record.Commit();
+    stream.FlushRecord(uid, classId);
+}
 
 } // namespace ZoPrimitives

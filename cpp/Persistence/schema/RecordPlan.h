@@ -10,11 +10,10 @@ namespace ZoPrimitives {
 
 /// How the records of a class are taken apart.
 struct RecordPlan {
-    explicit RecordPlan(TZoClass& itsClass) : recordClass(itsClass), steps(StepsOf(itsClass)), search(steps) {
+    explicit RecordPlan(TZoClass& itsClass)
+        : recordClass(itsClass), hasUnknownKind(!TZoRecordReader::KnowsAllKinds(itsClass)),
+          steps(StepsOf(itsClass)), search(steps) {
         ends.resize(steps.size());
-        RecordOrder::ForEachLevel(itsClass, [&](const TZoClass& level) {
-            hasUnknownKind = hasUnknownKind || RecordOrder::HasUnknownKind(level);
-        });
     }
     static std::vector<RecordStep> StepsOf(const TZoClass& recordClass) {
         std::vector<RecordStep> steps;
@@ -36,7 +35,7 @@ struct RecordPlan {
     }
 
     TZoClass& recordClass;
-    bool hasUnknownKind = false;
+    bool hasUnknownKind;
     std::vector<RecordStep> steps;
     LayoutSearch search;
     std::vector<unsigned> ends; // of the values of the record at hand, in its payload

@@ -214,8 +214,8 @@ RecordPlan* TZoRecordReader::Body::PlanOf(int classId, unsigned size, TZoRecordS
     Place* place = PlaceOf(classId);
     state = TZoRecordState::UnknownClass;
     if (place == nullptr) return nullptr;
-    state = TZoRecordState::PastEnd;
     if (place->plan == nullptr) {
+        state = KnowsAllKinds(*place->listed) ? TZoRecordState::PastEnd : TZoRecordState::UnknownKind;
         if (RecordOrder::LeastBytes(*place->listed) > size) return nullptr;
         place->plan = std::make_unique<RecordPlan>(*place->listed);
     }
@@ -303,6 +303,13 @@ TZoRecordReader::TZoRecordReader(TZoBytes& bytes, std::shared_ptr<TZoMetaData> s
     : body(std::make_unique<Body>(nullptr, bytes, std::move(schema))) {}
 
 TZoRecordReader::~TZoRecordReader() = default;
+
+bool TZoRecordReader::KnowsAllKinds(const TZoClass& of) {
+    bool knows = true;
+    RecordOrder::ForEachLevel(
+        of, [&](const TZoClass& level) { knows = knows && !RecordOrder::HasUnknownKind(level); });
+    return knows;
+}
 
 const TZoMetaData& TZoRecordReader::GetSchema() const { return *body->schema; }
 std::shared_ptr<TZoMetaData> TZoRecordReader::ShareSchema() const { return body->schema; }

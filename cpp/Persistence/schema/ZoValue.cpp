@@ -142,9 +142,11 @@ std::string_view TZoValue::StringItemBytes(int index) const {
 
 ZoString TZoValue::StringItem(int index) const { return WholeText({StringItemBytes(index)}); }
 
-int TZoValue::Uid(int index, int half) const {
+const unsigned char* TZoValue::UidBytes(int index, int half) const {
     ZO_ASSERT(field->IsPointerKind(), "field->IsPointerKind()", SOURCE);
-    return At<std::int32_t>(Item(index, half, 4));
+    return Item(index, half, 4);
 }
+
+int TZoValue::Uid(int index, int half) const { return At<std::int32_t>(UidBytes(index, half)); }
 
 } // namespace ZoPrimitives

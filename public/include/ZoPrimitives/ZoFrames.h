@@ -8,6 +8,8 @@
 
 namespace ZoPrimitives {
 
+class TBinOutStream;
+
 /// Bytes that are read at any position. One thread at a time uses them.
 class ZO_API TZoBytes {
 public:
@@ -148,5 +150,9 @@ private:
     class Hunt;
     std::unique_ptr<Hunt> hunt;
 };
+
+/// Writes a record as it is: for those who copy records from one file to another. `payload` is plain; one
+/// without bytes is counted and not written, as by `FlushRecord`.
+ZO_API void ZoWriteRecord(TBinOutStream& stream, int uid, int classId, const void* payload, unsigned size);
 
 } // namespace ZoPrimitives

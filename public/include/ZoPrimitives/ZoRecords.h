@@ -47,6 +47,8 @@ public:
     std::string_view StringItemBytes(int index) const;
     /// The uid of the object that the field, or the item, refers to; 0: null.
     int Uid(int index = 1, int half = 1) const;
+    /// Where that uid stands in the record: 4 bytes, not aligned.
+    const unsigned char* UidBytes(int index = 1, int half = 1) const;
     /// Whether the field, or half the map, is a list; otherwise it holds one object or value.
     bool IsList(int half = 1) const;
     /// The application's integers that stand with a list, 0 to 2 of them.
@@ -145,6 +147,9 @@ public:
 
     /// The schema in the payload of a schema record; null if it contradicts itself.
     static std::shared_ptr<TZoMetaData> ReadSchema(const void* payload, unsigned size);
+    /// Whether the class and its ancestors have fields of known kinds alone; others hide how the rest of a
+    /// record stands.
+    static bool KnowsAllKinds(const TZoClass& of);
     const TZoMetaData& GetSchema() const;
     std::shared_ptr<TZoMetaData> ShareSchema() const;
     /// The frame that holds the schema; its number is 0 if the schema is another file's.

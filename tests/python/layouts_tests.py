@@ -15,6 +15,7 @@ def cls(maps=(), values=(), lists=()):
 
 NUMBERS = cls(values=[INTS, field("j", Kind.INT_LIST)])
 LISTS = cls(lists=[LIST, field("k", Kind.CHILD_LIST)])
+MIXED = entry(1, "A", [], [], [LIST], [field("p", Kind.REFERENCE)], [field("r", Kind.REFERENCE_LIST)])
 LEAVES = cls(lists=[field("l", Kind.CHILD_LIST, 2), field("k", Kind.CHILD_LIST, 2)])
 
 
@@ -45,6 +46,7 @@ class Search(unittest.TestCase):
                 ("a map of single pointers", cls(maps=[MAP]), ints(2, 1), {"m": ((2,), (1,), True)}),
                 ("the plainer one", NUMBERS, ints(1, 8, 1, 0), {"i": (8,), "j": (0,)}),
                 ("objects that exist", LISTS, ints(1, 99, 1, 0), {"l": ((99,), (1,)), "k": ()}),
+                ("a pointer that is wrong", MIXED, ints(1, 99, 99, 2, 1, 1), {"l": ((99,), (99,)), "p": 2, "r": (1,)}),
                 ("objects of the class", LEAVES, ints(1, 1, 2, 1, 2), {"l": ((1,), (2,)), "k": (2,)})):
             self.check(name, made, [payload], expected)
 

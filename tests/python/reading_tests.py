@@ -58,6 +58,18 @@ class Values(unittest.TestCase):
             zo.open(bytes(data)).root.name
 
 
+    def test_uids_with_gaps_and_in_any_order(self):
+        a = simple(field("n", Kind.INT))
+        for uids in ((2, 3, 7), (7, 2, 3), (3, 1, 2)):
+            file = zo.open(file_of([a], *((1, uid, ints(10 * uid)) for uid in uids)))
+            with self.subTest(uids):
+                self.assertEqual([record.uid for record in file], list(uids))
+                self.assertEqual([file[uid].n for uid in uids], [10 * uid for uid in uids])
+                for missing in (0, -1, 4, 8):
+                    with self.assertRaises(KeyError):
+                        file[missing]
+
+
 class Names(unittest.TestCase):
     def test_slips_are_told(self):
         file = zo.open(house().to_bytes(), check=True)

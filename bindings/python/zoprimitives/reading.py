@@ -239,10 +239,11 @@ class File:
                 if isinstance(value, Uids):
                     uids = value
                 elif isinstance(value, UidMap):
-                    uids = (*value.keys, *value.values)
+                    pairs = RecordMap(record, slot.field.name, value)
+                    uids = (*pairs.keys().uids, *pairs.values().uids)
                 for uid in uids:
                     if uid and self._find(uid) is None:
-                        self._follow(uid, record, slot.field.name)
+                        raise self._missing(uid, record, slot.field.name)
 
     # Objects
 
@@ -385,9 +386,12 @@ class File:
             return None
         position = self._find(uid)
         if position is None:
-            raise MissingObjectError(f"{owner!r}.{name} leads to the object {uid}, which the file does not hold",
-                                     path=self.path, offset=self._offsets[owner._position])
+            raise self._missing(uid, owner, name)
         return Record(self, position)
+
+    def _missing(self, uid: int, owner: Record, name: str) -> MissingObjectError:
+        return MissingObjectError(f"{owner!r}.{name} leads to the object {uid}, which the file does not hold",
+                                  path=self.path, offset=self._offsets[owner._position])
 
     def _payload(self, position: int, cls: Class) -> bytes:
         """Of an object of the class; long enough for its fields."""

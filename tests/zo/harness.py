@@ -8,7 +8,8 @@ import subprocess
 import sys
 import tempfile
 import unittest
-import zlib
+
+import objectfile
 
 DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data")
 GOOD, NEGATIVE, TROUBLE = 0, 1, 2
@@ -25,25 +26,23 @@ def contents(name):
         return file.read()
 
 
-def records(whole):
-    """The records of a file: where each begins, and where its payload ends."""
-    at = 28 + struct.unpack_from("<I", whole, 24)[0]
-    while at < len(whole):
-        size = struct.unpack_from("<I", whole, at + 4)[0]
-        yield at, at + 24 + size
-        at += 24 + size
-
-
 def patched(whole, form, before, after):
     """The file with one value of a record exchanged for another of the same size, all checksums right."""
-    before, after = struct.pack(form, before), struct.pack(form, after)
-    for at, end in records(whole):
-        payload = whole[at + 24:end]
-        if before in payload and at > 28:
-            payload = payload.replace(before, after, 1)
-            head = whole[at:at + 8] + struct.pack("<I", zlib.crc32(payload)) + whole[at + 12:at + 24]
-            return whole[:at] + head + payload + whole[end:]
+    before, after = (struct.pack(form, *(value if isinstance(value, tuple) else (value,))) for value in (before, after))
+    for at, size, class_id, uid in objectfile.frames(whole):
+        payload = whole[at + 24:at + size]
+        if uid != 0 and before in payload:
+            return whole[:at] + objectfile.record(class_id, uid, payload.replace(before, after, 1)) + whole[at + size:]
     raise ValueError(f"no record has {before}")
+
+
+def made(classes, objects):
+    """A file. Classes, whose ids count from 1: (name, abstract, ids of parents, fields as `objectfile.Schema` has them);
+    objects, whose uids count from 1: (id of the class, the bytes of its values)."""
+    schema = objectfile.Schema()
+    for name, abstract, parents, fields in classes:
+        schema.add(name, parents, fields, abstract)
+    return objectfile.whole(schema, [(class_id, uid, values) for uid, (class_id, values) in enumerate(objects, 1)])
 
 
 class Result:

@@ -14,6 +14,8 @@ void AddLs(CLI::App& zo, Tool& tool);
 void AddSchema(CLI::App& zo, Tool& tool);
 void AddDump(CLI::App& zo, Tool& tool);
 void AddSql(CLI::App& zo, Tool& tool);
+void AddExport(CLI::App& zo, Tool& tool);
+void AddDiff(CLI::App& zo, Tool& tool);
 void AddReport(CLI::App& zo, Tool& tool);
 void AddVerify(CLI::App& zo, Tool& tool);
 void AddSalvage(CLI::App& zo, Tool& tool);

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 namespace ZoTool {
 
@@ -12,6 +11,9 @@ using namespace ZoPrimitives;
 namespace fs = std::filesystem;
 
 namespace {
+
+/// Header, and a schema without classes.
+const unsigned EMPTY[] = {0, 0, 0, 1, 0, 0, 0, 0xABCAABCA, 4, 0x2144DF1C, 0, 0, 0, 0};
 
 std::string ReadStandardInput() {
     std::string bytes;
@@ -21,8 +23,6 @@ std::string ReadStandardInput() {
     if (std::ferror(stdin) != 0) throw Trouble("it cannot be read");
     return bytes;
 }
-
-fs::path PathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
 
 std::string Utf8(const fs::path& path) {
     const std::u8string utf8 = path.u8string();
@@ -55,13 +55,17 @@ std::vector<std::string> FilesIn(const fs::path& folder) {
 
 } // namespace
 
+fs::path PathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
+
 std::string NameOf(const std::string& word) { return word == "-" ? "standard input" : word; }
 
-Input::Input(const std::string& given) : name(NameOf(given)) {
+Input::Input(const std::string& given, Null null) : name(NameOf(given)) {
     std::error_code error;
     if (given == "-") {
         standardInput = ReadStandardInput();
         bytes = std::make_unique<TZoMemoryBytes>(standardInput.data(), standardInput.size());
+    } else if (null == Null::IsEmpty && (given == "/dev/null" || given == "nul")) {
+        bytes = std::make_unique<TZoMemoryBytes>(EMPTY, sizeof EMPTY);
     } else if (fs::is_directory(PathOf(given), error)) {
         throw Trouble("it is a folder, or one without object files; name a file");
     } else {

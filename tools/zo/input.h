@@ -4,6 +4,7 @@
 
 #include "ZoPrimitives/ZoFrames.h"
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -14,10 +15,15 @@ namespace ZoTool {
 /// A word of the command line that names a file, as messages show it.
 std::string NameOf(const std::string& word);
 
+std::filesystem::path PathOf(const std::string& utf8);
+
 /// One file of the command line, or standard input where its name is "-".
 class Input {
 public:
-    explicit Input(const std::string& given);
+    /// What the null device is: nothing that can be read, or, as where git compares with no file, a file
+    /// without objects.
+    enum class Null { Nothing, IsEmpty };
+    explicit Input(const std::string& given, Null null = Null::Nothing);
 
     /// As messages and the column `file` show it.
     const std::string& Name() const { return name; }

@@ -52,6 +52,8 @@ Exit Run(Tool& tool, std::vector<std::string> words) {
     AddSchema(zo, tool);
     AddDump(zo, tool);
     AddSql(zo, tool);
+    AddExport(zo, tool);
+    AddDiff(zo, tool);
     AddReport(zo, tool);
     AddVerify(zo, tool);
     AddSalvage(zo, tool);

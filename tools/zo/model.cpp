@@ -26,11 +26,13 @@ std::unordered_set<int> Model::Family(const std::string& className) const {
 
 void Model::Begin(bool headsOnly) {
     damaged = strayed = unknown = misshapen = 0;
+    stopped = false;
     reader.GetFrames().Restart();
     reader.GetFrames().SetHeadsOnly(headsOnly);
 }
 
 bool Model::NextFrame(TZoFrame& frame) {
+    if (stopped) return false;
     const bool found = reader.GetFrames().Next(frame);
     strayed += frame.gap;
     return found;

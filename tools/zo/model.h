@@ -30,6 +30,8 @@ public:
     /// by their heads.
     void Each(const Visit& visit, const std::unordered_set<int>* classes = nullptr);
 
+    /// Ends the pass: its visit was the last.
+    void Stop() { stopped = true; }
     /// The head of each object that is whole as far as heads tell, in file order.
     void EachHead(const std::function<void(const ZoPrimitives::TZoFrame&)>& visit);
 
@@ -52,6 +54,7 @@ private:
     const Input& input;
     ZoPrimitives::TZoRecordReader reader;
     std::unordered_map<const ZoPrimitives::TZoClass*, std::vector<std::string>> names;
+    bool stopped = false;
     bool decoded = false;             // a record's values
     unsigned long long damaged = 0;   // records
     unsigned long long strayed = 0;   // bytes

@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "database.h"
 #include "fields.h"
+#include "input.h"
 #include "table.h"
 #include "tables.h"
 #include "text.h"
@@ -40,7 +41,7 @@ bool IsQuery(const std::string& word) {
     const bool writes = end != std::string::npos && word[end] == ' ' &&
                         std::find(std::begin(verbs), std::end(verbs), first) != std::end(verbs);
     std::error_code none;
-    return (reads || writes) && !std::filesystem::exists(std::u8string(word.begin(), word.end()), none);
+    return (reads || writes) && !std::filesystem::exists(PathOf(word), none);
 }
 
 std::string CsvCell(const std::string& text) {

@@ -19,6 +19,9 @@ std::shared_ptr<void> PrepareStreams();
 /// Whether the stream is a terminal that shows colours.
 bool IsTerminal(std::FILE* stream);
 
+/// A new file, by its path in UTF-8; null if it cannot be made.
+std::FILE* OpenForWriting(const std::string& path);
+
 /// An environment variable; empty if there is none.
 std::string Environment(const char* name);
 

@@ -53,6 +53,8 @@ public:
     /// `Exit::Trouble` if a file could not be read as a whole, which has been told.
     Exit GetEnd() const { return end; }
 
+    /// Whether no file could be read.
+    bool HasNothing() const { return classes.empty(); }
     /// Fills those of the tables that are named; once.
     void Fill(const Names& names);
 

@@ -45,6 +45,10 @@ bool IsTerminal(std::FILE* stream) {
            SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
+std::FILE* OpenForWriting(const std::string& path) {
+    return _wfopen(std::filesystem::path(std::u8string(path.begin(), path.end())).c_str(), L"wb");
+}
+
 std::string Environment(const char* name) {
     const std::wstring wide = std::filesystem::path(name).wstring();
     const wchar_t* const value = _wgetenv(wide.c_str());

@@ -27,13 +27,8 @@ if(ZO_INSTALL)
   install(FILES ${PROJECT_BINARY_DIR}/debuggers/ZoPrimitives.natvis
           DESTINATION ${CMAKE_INSTALL_DATADIR}/ZoPrimitives COMPONENT development)
 endif()
-# gdb loads what lies beside a library under its name and, of what the system has, what lies below its own folder.
+# gdb loads by itself what lies beside a library under its name.
 if(ZO_INSTALL AND NOT WIN32)
-  set(script $<TARGET_FILE_NAME:ZoPrimitives>-gdb.py)
-  install(CODE "set(folder \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}\")
-if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")
-  set(folder \"/usr/share/gdb/auto-load\${folder}\")
-endif()
-file(INSTALL \"${PROJECT_BINARY_DIR}/debuggers/gdb.py\" DESTINATION \"\${folder}\" RENAME \"${script}\")"
-          COMPONENT development)
+  install(FILES ${PROJECT_BINARY_DIR}/debuggers/gdb.py DESTINATION ${CMAKE_INSTALL_LIBDIR}
+          RENAME $<TARGET_FILE_NAME:ZoPrimitives>-gdb.py COMPONENT development)
 endif()

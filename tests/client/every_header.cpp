@@ -241,7 +241,7 @@ const struct {
      }},
     {"TTimestamp", [] { return TTimestamp("1970", "%Y") == TTimestamp::MinValue(); }},
     {"TTransformation", [] { return TTransformation::Scaling(2, 2, 2).Element(1, 1) == 2; }},
-    {"TTranslatedString", [] { return !TTranslatedString("Arquivo corrompido").Text().IsNull(); }},
+    {"TTranslatedString", [] { return !TTranslatedString("Arquivo corrompido").ToZoString().IsNull(); }},
     {"TVector2D", [] { return TVector2D(3, 4).Magnitude() == 5; }},
     {"TVector3D", [] { return TVector3D(1, 2, 2).Magnitude() == 3; }},
     {"TZoColor", [] { return TZoColor(0, 0, 0, 255).IsBlack(); }},
@@ -259,6 +259,7 @@ const struct {
     {"ZoExplain", [] { return ZoExplain().IsNull() || true; }},
     {"ZoFrames", ReadsFrames},
     {"ZoHandleTable", Handles},
+    {"ZoLanguage", [] { return ZoString(ZoLanguage()) == "pt-BR"; }},
     {"ZoMemory",
      [] {
          void* block = ZoAllocate(16);

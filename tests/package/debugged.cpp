@@ -60,5 +60,5 @@ int main() {
     Look(storey);
     return field == nullptr || numbers[1] != 17 || text.IsNull() || blob.Size() == 0 || none || !reference ||
            map.NItems() != 1 || length == load || point.X() == point3.X() + vector.X() + plain.x ||
-           start == before || colour.IsBlack() || message.Text().IsNull();
+           start == before || colour.IsBlack() || message.ToZoString().IsNull();
 }

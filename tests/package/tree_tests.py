@@ -12,7 +12,7 @@ message(STATUS "found: ${{ZoPrimitives_FOUND}} ${{ZoPrimitives_VERSION}}")
 
 
 class Tree(unittest.TestCase):
-    def test_holds_what_users_need(self):
+    def test_has_what_users_need(self):
         tree = installed()
         for file in ("include/ZoPrimitives/ZoVersion.h", "lib/libZoPrimitives.so", f"lib/{SONAME}", "bin/zo",
                      "lib/cmake/ZoPrimitives/ZoPrimitivesConfig.cmake", "lib/pkgconfig/zoprimitives.pc",

@@ -110,6 +110,9 @@ void RunShapes(int runs);
 /// Digest, report and checks; see checks.cpp.
 void RunChecks(int runs);
 
+/// Closed regions of drawings; see geometry.cpp.
+void RunDrawings(int runs, bool quick);
+
 /// CRC-32 and searches; see micro.cpp.
 void RunMicro(int runs);
 

@@ -2,12 +2,13 @@
 // process of its own, and prints the costs.
 //
 //     zo_bench              10,000, 100,000 and 1,000,000 objects, the chain, objects that hold values,
-//                           reading a part, CRC-32 and searches
+//                           reading a part, closed regions, CRC-32 and searches
 //     zo_bench --quick      10,000 and 100,000 objects, no chain and no part
 //     zo_bench --large      10,000,000 objects too, by this library and by hand
 //     zo_bench --micro      only CRC-32 and searches
 //     zo_bench --filtered   only reading a part of a file
 //     zo_bench --shapes     only objects that hold values and texts
+//     zo_bench --drawings   only the closed regions of drawings
 //     zo_bench --runs N     warm runs of each case (5; 3 from 1,000,000 objects on)
 //     zo_bench --svg FILE   draws the frame of 1,000,000 objects (or the largest measured) as a bar chart
 //     zo_bench --cpu        counts processor time, see below
@@ -289,6 +290,7 @@ int Run(int count, char** arguments) {
     bool filtered = false;
     bool shapes = false;
     bool checks = false;
+    bool drawings = false;
     int runs = 0;
     std::string only;
     std::string svg;
@@ -306,6 +308,8 @@ int Run(int count, char** arguments) {
             shapes = true;
         } else if (argument == "--checks") {
             checks = true;
+        } else if (argument == "--drawings") {
+            drawings = true;
         } else if (argument == "--svg" && i + 1 < count) {
             svg = arguments[++i];
         } else if (argument == "--cpu") {
@@ -316,7 +320,7 @@ int Run(int count, char** arguments) {
             only = arguments[++i];
         } else {
             std::fprintf(stderr, "usage: zo_bench [--quick | --large | --micro | --filtered | --shapes | "
-                                 "--checks | --only NAME]\n"
+                                 "--checks | --drawings | --only NAME]\n"
                                  "                [--cpu] [--runs N] [--svg FILE]\n");
             return 2;
         }
@@ -330,7 +334,8 @@ int Run(int count, char** arguments) {
     if (filtered) RunFiltered(fewRuns);
     if (shapes) RunShapes(fewRuns);
     if (checks) RunChecks(fewRuns);
-    if (filtered || shapes || checks) return 0;
+    if (drawings) RunDrawings(fewRuns, quick);
+    if (filtered || shapes || checks || drawings) return 0;
     if (!micro) {
         Chart chart;
         std::vector<std::size_t> sizes{10'000, 100'000};
@@ -348,6 +353,7 @@ int Run(int count, char** arguments) {
         }
         RunShapes(fewRuns);
         RunChecks(fewRuns);
+        RunDrawings(fewRuns, quick);
     }
     RunMicro(fewRuns);
     return 0;

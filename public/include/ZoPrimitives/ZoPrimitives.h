@@ -48,6 +48,7 @@
 #include "ZoPrimitives/TAreaProperties.h"
 #include "ZoPrimitives/TBase64.h"
 #include "ZoPrimitives/TCircle2D.h"
+#include "ZoPrimitives/TDrawingGraph.h"
 #include "ZoPrimitives/TEnum.h"
 #include "ZoPrimitives/TLine2D.h"
 #include "ZoPrimitives/TPath2D.h"

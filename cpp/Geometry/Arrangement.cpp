@@ -1,0 +1,444 @@
+#include "Geometry/Arrangement.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numeric>
+#include <utility>
+
+namespace ZoPrimitives {
+
+namespace {
+
+using Pair = std::pair<unsigned, unsigned>;
+
+void SortUnique(std::vector<Pair>& pairs) {
+    std::sort(pairs.begin(), pairs.end());
+    pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
+}
+
+/// Joins numbers into sets, each known by its least number.
+class Sets {
+public:
+    explicit Sets(std::size_t count) : parents(count) { std::iota(parents.begin(), parents.end(), 0u); }
+    unsigned Find(unsigned i) {
+        while (parents[i] != i) i = parents[i] = parents[parents[i]];
+        return i;
+    }
+    void Join(unsigned a, unsigned b) {
+        a = Find(a);
+        b = Find(b);
+        parents[std::max(a, b)] = std::min(a, b);
+    }
+
+private:
+    std::vector<unsigned> parents;
+};
+
+bool InBox(const Stretch& s, const LDPoint& p) {
+    return s.a.x <= p.x && p.x <= s.b.x && std::min(s.a.y, s.b.y) <= p.y && p.y <= std::max(s.a.y, s.b.y);
+}
+
+bool BoxesTouch(const Stretch& s, const Stretch& t) {
+    return s.a.x <= t.b.x && t.a.x <= s.b.x && std::min(s.a.y, s.b.y) <= std::max(t.a.y, t.b.y) &&
+           std::min(t.a.y, t.b.y) <= std::max(s.a.y, s.b.y);
+}
+
+} // namespace
+
+/// Where stretches meet.
+struct Arrangement::Meetings {
+    std::vector<Pair> crossings;   // of two stretches, away from their ends; the lesser one first
+    std::vector<Pair> touches;     // of a stretch, between its ends, with a node
+    std::vector<bool> overlapping; // stretches that have more than a point in common with another
+
+    void Add(const Arrangement& arrangement, unsigned i, unsigned j);
+};
+
+Arrangement::Arrangement(std::vector<Stretch> given, Ranges givenLabels)
+    : labels(std::move(givenLabels)), stretches(std::move(given)) {
+    std::vector<LDPoint> points;
+    points.reserve(2 * stretches.size());
+    for (Stretch& s : stretches) {
+        if (LexicographicallyLess(s.b, s.a)) std::swap(s.a, s.b);
+        points.push_back(s.a);
+        points.push_back(s.b);
+    }
+    std::vector<unsigned> order(points.size());
+    std::iota(order.begin(), order.end(), 0u);
+    std::sort(order.begin(), order.end(),
+              [&](unsigned a, unsigned b) { return LexicographicallyLess(points[a], points[b]); });
+    ends.resize(points.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i == 0 || points[order[i]] != points[order[i - 1]]) nodes.push_back({points[order[i]]});
+        ends[order[i]] = static_cast<unsigned>(nodes.size()) - 1;
+    }
+    tree.Build(stretches);
+    Meetings meetings;
+    FindMeetings(meetings);
+    MakeNodesAndEdges(meetings);
+    MergeOverlapping(meetings.overlapping);
+    SortAround();
+    TraceCycles();
+    FindBridges();
+}
+
+void Arrangement::Meetings::Add(const Arrangement& arrangement, unsigned i, unsigned j) {
+    const Stretch& s = arrangement.stretches[i];
+    const Stretch& t = arrangement.stretches[j];
+    if (!BoxesTouch(s, t)) return;
+    const int ta = SideOf(s, t.a), tb = SideOf(s, t.b);
+    if (ta * tb > 0) return;
+    const int sa = SideOf(t, s.a), sb = SideOf(t, s.b);
+    if (sa * sb > 0) return;
+    if (ta != 0 && tb != 0 && sa != 0 && sb != 0) {
+        crossings.emplace_back(std::min(i, j), std::max(i, j));
+        return;
+    }
+    const auto touch = [&](unsigned stretch, unsigned node) {
+        if (node != arrangement.ends[2 * stretch] && node != arrangement.ends[2 * stretch + 1])
+            touches.emplace_back(stretch, node);
+    };
+    if (ta == 0 && InBox(s, t.a)) touch(i, arrangement.ends[2 * j]);
+    if (tb == 0 && InBox(s, t.b)) touch(i, arrangement.ends[2 * j + 1]);
+    if (sa == 0 && InBox(t, s.a)) touch(j, arrangement.ends[2 * i]);
+    if (sb == 0 && InBox(t, s.b)) touch(j, arrangement.ends[2 * i + 1]);
+    if (ta == 0 && tb == 0) overlapping[i] = overlapping[j] = true;
+}
+
+void Arrangement::FindMeetings(Meetings& meetings) const {
+    meetings.overlapping.resize(stretches.size());
+    constexpr std::ptrdiff_t MANY = 64;
+    tree.ForEachCell([&](const unsigned* begin, const unsigned* end) {
+        if (end - begin > MANY && FindAcross(begin, end, meetings)) return;
+        for (const unsigned* i = begin; i != end; ++i) {
+            for (const unsigned* j = i + 1; j != end; ++j) meetings.Add(*this, *i, *j);
+        }
+    });
+    SortUnique(meetings.crossings);
+    SortUnique(meetings.touches);
+}
+
+/// Many stretches are left in a cell where long ones lie side by side, as hatches do: only those meet whose
+/// ranges across the direction of a long one do. False if ranges overflow.
+bool Arrangement::FindAcross(const unsigned* begin, const unsigned* end, Meetings& meetings) const {
+    struct Range {
+        double low;
+        double high;
+        unsigned stretch;
+    };
+    const auto size = [&](unsigned i) {
+        return std::abs(stretches[i].b.x - stretches[i].a.x) + std::abs(stretches[i].b.y - stretches[i].a.y);
+    };
+    const Stretch& longest =
+        stretches[*std::max_element(begin, end, [&](unsigned i, unsigned j) { return size(i) < size(j); })];
+    const double dx = longest.b.x - longest.a.x, dy = longest.b.y - longest.a.y;
+    std::vector<Range> ranges;
+    for (const unsigned* i = begin; i != end; ++i) {
+        Range range{HUGE_VAL, -HUGE_VAL, *i};
+        for (const LDPoint& p : {stretches[*i].a, stretches[*i].b}) {
+            const double left = dx * (p.y - longest.a.y), right = dy * (p.x - longest.a.x);
+            const double error = 1e-15 * (std::abs(left) + std::abs(right)) + 1e-290;
+            if (!(error < 1e290)) return false;
+            range.low = std::min(range.low, left - right - error);
+            range.high = std::max(range.high, left - right + error);
+        }
+        ranges.push_back(range);
+    }
+    std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) {
+        return a.low != b.low ? a.low < b.low : a.stretch < b.stretch;
+    });
+    for (auto i = ranges.begin(); i != ranges.end(); ++i) {
+        for (auto j = i + 1; j != ranges.end() && j->low <= i->high; ++j)
+            meetings.Add(*this, i->stretch, j->stretch);
+    }
+    return true;
+}
+
+void Arrangement::MakeNodesAndEdges(Meetings& meetings) {
+    /// A node on a stretch.
+    struct Stop {
+        unsigned node;
+        unsigned other; // the stretch that crosses there; NONE where another one ends
+        Crossing crossing;
+    };
+    const std::size_t endNodes = nodes.size();
+    std::vector<std::size_t> first(stretches.size() + 1);
+    for (const auto& [i, j] : meetings.crossings) ++first[i + 1], ++first[j + 1];
+    for (const auto& [stretch, node] : meetings.touches) ++first[stretch + 1];
+    std::partial_sum(first.begin(), first.end(), first.begin());
+    std::vector<Stop> stops(first.back());
+    std::vector<std::size_t> free(first.begin(), first.end() - 1);
+    const auto addCrossing = [&](unsigned stretch, unsigned other, unsigned node) {
+        stops[free[stretch]++] = {node, other, CrossingOf(stretches[stretch], stretches[other])};
+    };
+    for (std::size_t k = 0; k < meetings.crossings.size(); ++k) {
+        const auto [i, j] = meetings.crossings[k];
+        const auto node = static_cast<unsigned>(endNodes + k);
+        addCrossing(i, j, node);
+        addCrossing(j, i, node);
+    }
+    for (const auto& [stretch, node] : meetings.touches) stops[free[stretch]++] = {node, NONE, {}};
+
+    Sets same(endNodes + meetings.crossings.size());
+    for (std::size_t i = 0; i < stretches.size(); ++i) {
+        const Stretch& s = stretches[i];
+        const auto compare = [&](const Stop& p, const Stop& q) {
+            if (p.other == NONE && q.other == NONE) {
+                const LDPoint &a = nodes[p.node].point, &b = nodes[q.node].point;
+                return LexicographicallyLess(a, b) ? -1 : LexicographicallyLess(b, a) ? 1 : 0;
+            }
+            if (p.other == NONE) // on the start's side of the line that crosses, it comes before
+                return -SideOf(stretches[q.other], nodes[p.node].point) * SideOf(stretches[q.other], s.a);
+            if (q.other == NONE)
+                return SideOf(stretches[p.other], nodes[q.node].point) * SideOf(stretches[p.other], s.a);
+            return CompareCrossings(s, stretches[p.other], p.crossing, stretches[q.other], q.crossing);
+        };
+        const auto begin = stops.begin() + static_cast<std::ptrdiff_t>(first[i]);
+        const auto end = stops.begin() + static_cast<std::ptrdiff_t>(first[i + 1]);
+        std::sort(begin, end, [&](const Stop& p, const Stop& q) { return compare(p, q) < 0; });
+        for (auto stop = begin; stop != end && stop + 1 != end; ++stop) {
+            if (compare(*stop, *(stop + 1)) == 0) same.Join(stop->node, (stop + 1)->node);
+        }
+    }
+    // Joined sets are known by the node of an end, if there is one.
+    std::vector<unsigned> number(endNodes + meetings.crossings.size());
+    std::iota(number.begin(), number.begin() + static_cast<std::ptrdiff_t>(endNodes), 0u);
+    for (std::size_t k = 0; k < meetings.crossings.size(); ++k) {
+        const unsigned node = static_cast<unsigned>(endNodes + k);
+        const unsigned known = same.Find(node);
+        if (known != node) {
+            number[node] = number[known];
+            continue;
+        }
+        const auto [i, j] = meetings.crossings[k];
+        number[node] = static_cast<unsigned>(nodes.size());
+        nodes.push_back({CrossingPoint(stretches[i], stretches[j]), i, j});
+    }
+    edges.reserve(stretches.size() + stops.size());
+    for (std::size_t i = 0; i < stretches.size(); ++i) {
+        unsigned from = ends[2 * i];
+        const auto addEdge = [&](unsigned to) {
+            if (to == from) return;
+            along.values.push_back(static_cast<unsigned>(edges.size()));
+            edges.push_back({from, to, static_cast<unsigned>(i), static_cast<unsigned>(i)});
+            from = to;
+        };
+        for (std::size_t stop = first[i]; stop < first[i + 1]; ++stop) addEdge(number[stops[stop].node]);
+        addEdge(ends[2 * i + 1]);
+        along.EndRange();
+    }
+}
+
+/// Stretches that overlap have edges in common: these get the labels of all.
+void Arrangement::MergeOverlapping(const std::vector<bool>& overlapping) {
+    std::vector<unsigned> several;
+    for (unsigned e = 0; e < edges.size(); ++e) {
+        if (overlapping[edges[e].stretch]) several.push_back(e);
+    }
+    const auto between = [&](unsigned e) { return Pair(edges[e].from, edges[e].to); };
+    std::sort(several.begin(), several.end(), [&](unsigned d, unsigned e) {
+        return between(d) != between(e) ? between(d) < between(e) : d < e;
+    });
+    std::vector<unsigned> keeper(edges.size());
+    std::iota(keeper.begin(), keeper.end(), 0u);
+    for (std::size_t i = 0; i < several.size();) {
+        std::size_t end = i + 1;
+        while (end < several.size() && between(several[end]) == between(several[i])) ++end;
+        if (end - i > 1) {
+            std::vector<unsigned> all;
+            for (std::size_t k = i; k < end; ++k) {
+                keeper[several[k]] = several[i];
+                const unsigned label = edges[several[k]].label;
+                all.insert(all.end(), labels.Begin(label), labels.End(label));
+            }
+            std::sort(all.begin(), all.end());
+            all.erase(std::unique(all.begin(), all.end()), all.end());
+            edges[several[i]].label = static_cast<unsigned>(labels.Count());
+            labels.values.insert(labels.values.end(), all.begin(), all.end());
+            labels.EndRange();
+        }
+        i = end;
+    }
+    std::vector<unsigned> number(edges.size());
+    unsigned kept = 0;
+    for (unsigned e = 0; e < edges.size(); ++e) {
+        if (keeper[e] != e) continue;
+        number[e] = kept;
+        edges[kept++] = edges[e];
+    }
+    edges.resize(kept);
+    for (unsigned& e : along.values) e = number[keeper[e]];
+}
+
+void Arrangement::SortAround() {
+    std::vector<std::size_t> first(nodes.size() + 1);
+    for (const Edge& edge : edges) ++first[edge.from + 1], ++first[edge.to + 1];
+    std::partial_sum(first.begin(), first.end(), first.begin());
+    around.starts = first;
+    around.values.resize(2 * edges.size());
+    // From a node, edges of greater nodes come first: they point to the right, or straight up.
+    for (unsigned e = 0; e < edges.size(); ++e) around.values[first[edges[e].from]++] = 2 * e;
+    for (unsigned e = 0; e < edges.size(); ++e) around.values[first[edges[e].to]++] = 2 * e + 1;
+    next.resize(2 * edges.size());
+    for (std::size_t node = 0; node < nodes.size(); ++node) {
+        const auto begin = around.values.begin() + static_cast<std::ptrdiff_t>(around.starts[node]);
+        const auto end = around.values.begin() + static_cast<std::ptrdiff_t>(around.starts[node + 1]);
+        const auto count = static_cast<std::size_t>(end - begin);
+        if (count > 2) {
+            std::sort(begin, end, [&](unsigned g, unsigned h) {
+                return g % 2 != h % 2 ? g % 2 < h % 2 : Turn(g, h) > 0;
+            });
+        } else if (count == 2 && *begin % 2 == *(begin + 1) % 2 && Turn(*begin, *(begin + 1)) < 0) {
+            std::swap(*begin, *(begin + 1));
+        }
+        for (std::size_t k = 0; k < count; ++k)
+            next[begin[static_cast<std::ptrdiff_t>(k)] ^ 1] =
+                begin[static_cast<std::ptrdiff_t>((k + count - 1) % count)];
+    }
+}
+
+int Arrangement::Turn(unsigned half, unsigned following) const {
+    const Stretch& s = stretches[edges[half / 2].stretch];
+    const Stretch& t = stretches[edges[following / 2].stretch];
+    const int sign = CrossSign(s.a, s.b, t.a, t.b);
+    return half % 2 == following % 2 ? sign : -sign;
+}
+
+int Arrangement::CompareNodes(unsigned a, unsigned b) const {
+    if (a == b) return 0;
+    const Node &p = nodes[a], &q = nodes[b];
+    if (p.point.x != q.point.x) return p.point.x < q.point.x ? -1 : 1; // rounding keeps the order
+    const auto through = [&](const Node& node) -> std::pair<Stretch, Stretch> {
+        if (node.one != NONE) return {stretches[node.one], stretches[node.other]};
+        const double x = node.point.x, y = node.point.y;
+        const auto beside = [](double value) { return std::abs(value) < 1 ? value + 1 : value / 2; };
+        return {{node.point, {beside(x), y}}, {node.point, {x, beside(y)}}};
+    };
+    if (p.one == NONE && q.one == NONE) return p.point.y < q.point.y ? -1 : 1;
+    const auto [a1, a2] = through(p);
+    const auto [b1, b2] = through(q);
+    return CompareCrossingPoints(a1, a2, b1, b2);
+}
+
+void Arrangement::TraceCycles() {
+    constexpr unsigned UNKNOWN = NONE;
+    cycleOf.assign(next.size(), UNKNOWN);
+    std::vector<unsigned> halves; // one of each cycle
+    for (unsigned half = 0; half < next.size(); ++half) {
+        if (cycleOf[half] != UNKNOWN) continue;
+        const auto cycle = static_cast<unsigned>(halves.size());
+        halves.push_back(half);
+        for (unsigned h = half; cycleOf[h] == UNKNOWN; h = next[h]) cycleOf[h] = cycle;
+    }
+    cycles = halves.size();
+
+    // The part of the drawing that a node belongs to, and its least node: the end of a stretch. Ends are
+    // sorted.
+    Sets parts(nodes.size());
+    for (const Edge& edge : edges) parts.Join(edge.from, edge.to);
+    std::vector<unsigned> leasts;
+    std::vector<unsigned> faceOfCycle(halves.size(), UNKNOWN);
+    for (unsigned node = 0; node < nodes.size(); ++node) {
+        if (parts.Find(node) == node && around.Size(node) != 0) leasts.push_back(node);
+    }
+    components = leasts.size();
+    // What lies straight to the left of it is outside this part.
+    std::vector<bool> outer(halves.size());
+    const auto outerHalf = [&](unsigned least) { return *(around.End(least) - 1); };
+    for (const unsigned least : leasts) outer[cycleOf[outerHalf(least)]] = true;
+
+    faces.push_back({NONE, {}});
+    for (unsigned cycle = 0; cycle < halves.size(); ++cycle) {
+        if (outer[cycle]) continue;
+        faceOfCycle[cycle] = static_cast<unsigned>(faces.size());
+        faces.push_back({halves[cycle], {}});
+    }
+    // A part that lies below another's least node, or around it, has a lesser one: its face is known.
+    faceOf.assign(next.size(), UNKNOWN);
+    for (const unsigned least : leasts) {
+        const unsigned half = outerHalf(least);
+        unsigned face = 0;
+        const std::size_t below = tree.Below(nodes[least].point);
+        if (below != StretchTree::NONE) face = faceOfCycle[cycleOf[2 * EdgeAt(below, nodes[least].point)]];
+        faceOfCycle[cycleOf[half]] = face;
+        faces[face].holes.push_back(half);
+    }
+    for (std::size_t h = 0; h < next.size(); ++h) faceOf[h] = faceOfCycle[cycleOf[h]];
+}
+
+/// -1, 0 or 1: where a node of a stretch lies beside the upright line at x.
+int Arrangement::CompareX(unsigned node, std::size_t stretch, double x) const {
+    const Node& at = nodes[node];
+    if (at.point.x != x) return at.point.x < x ? -1 : 1; // rounding keeps the order
+    if (at.one == NONE) return 0;
+    const double y = at.point.y;
+    const Stretch upright{{x, y}, {x, std::abs(y) < 1 ? y + 1 : y / 2}};
+    return CompareCrossings(stretches[stretch], Crosser(at, stretch), upright);
+}
+
+/// A stretch that crosses another one at a node of it.
+const Stretch& Arrangement::Crosser(const Node& node, std::size_t stretch) const {
+    const Stretch &s = stretches[stretch], &one = stretches[node.one];
+    return CrossSign(s.a, s.b, one.a, one.b) != 0 ? one : stretches[node.other];
+}
+
+/// The edge of a stretch just to the left of a point above it.
+unsigned Arrangement::EdgeAt(std::size_t stretch, const LDPoint& p) const {
+    const unsigned* const found =
+        std::partition_point(along.Begin(stretch), along.End(stretch) - 1,
+                             [&](unsigned e) { return CompareX(edges[e].to, stretch, p.x) < 0; });
+    return *found;
+}
+
+void Arrangement::FindBridges() {
+    bridge.resize(edges.size());
+    dangle.resize(edges.size());
+    for (std::size_t e = 0; e < edges.size(); ++e) bridge[e] = cycleOf[2 * e] == cycleOf[2 * e + 1];
+    std::vector<std::size_t> degree(nodes.size());
+    std::vector<unsigned> loose;
+    for (unsigned node = 0; node < nodes.size(); ++node) {
+        degree[node] = around.Size(node);
+        if (degree[node] == 1) loose.push_back(node);
+    }
+    while (!loose.empty()) {
+        const unsigned node = loose.back();
+        loose.pop_back();
+        for (const unsigned* half = around.Begin(node); half != around.End(node); ++half) {
+            if (dangle[*half / 2]) continue;
+            dangle[*half / 2] = true;
+            if (--degree[Target(*half)] == 1) loose.push_back(Target(*half));
+        }
+    }
+}
+
+Arrangement::Place Arrangement::Locate(const LDPoint& p) const {
+    Place place;
+    std::size_t on = StretchTree::NONE;
+    tree.ForEachNear(p, 0, [&](unsigned i) {
+        if (on == StretchTree::NONE && InBox(stretches[i], p) && SideOf(stretches[i], p) == 0) on = i;
+    });
+    if (on == StretchTree::NONE) {
+        const std::size_t below = tree.Below(p);
+        place.face = below == StretchTree::NONE ? 0 : faceOf[2 * EdgeAt(below, p)];
+        return place;
+    }
+    // Along a stretch, an upright one too, the order is that of the nodes.
+    const auto before = [&](unsigned node) {
+        const Node& at = nodes[node];
+        if (at.one == NONE) return at.point == p ? 0 : LexicographicallyLess(at.point, p) ? -1 : 1;
+        const Stretch& crosser = Crosser(at, on);
+        return SideOf(crosser, p) * SideOf(crosser, stretches[on].a);
+    };
+    const unsigned* const found = std::partition_point(along.Begin(on), along.End(on) - 1,
+                                                       [&](unsigned e) { return before(edges[e].to) < 0; });
+    if (before(edges[*found].from) == 0)
+        place.node = edges[*found].from;
+    else if (before(edges[*found].to) == 0)
+        place.node = edges[*found].to;
+    else
+        place.edge = *found;
+    return place;
+}
+
+} // namespace ZoPrimitives

@@ -1,0 +1,377 @@
+#include "ZoPrimitives/TDrawingGraph.h"
+
+#include "Geometry/GapClosing.h"
+#include "Geometry/Pieces.h"
+#include "Values/FullTurn.h"
+#include "ZoPrimitives/Math2.h"
+#include "ZoPrimitives/TPolyline2D.h"
+#include "ZoPrimitives/ZoAssert.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+namespace ZoPrimitives {
+
+namespace {
+
+constexpr const char* SOURCE = "cpp/Geometry/TDrawingGraph";
+constexpr int MOST_ROUNDS = 20;
+constexpr unsigned FIRST_WITHOUT_TOLERANCE = 21;
+
+Point2D PointOf(const LDPoint& p) { return {p.x, p.y}; }
+
+bool IsFinite(const LDPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+} // namespace
+
+/// What was added: a range of stretches each.
+class TDrawingGraph::Things {
+public:
+    unsigned Begin() {
+        starts.push_back(stretches.size());
+        return static_cast<unsigned>(starts.size());
+    }
+    /// Asserts that all coordinates are finite.
+    static void Check(const TPath2D& path) {
+        const unsigned long long count = path.NPieces();
+        for (unsigned long long i = 1; i <= count; ++i) {
+            const TPathPiece piece = path.Piece(i);
+            ZO_ASSERT(IsFinite(piece.from) && IsFinite(piece.to) && std::isfinite(piece.bulge),
+                      "finite coordinates", SOURCE);
+        }
+    }
+    void Add(const TPath2D& path, double error) {
+        const unsigned long long count = path.NPieces();
+        for (unsigned long long i = 1; i <= count; ++i) {
+            const TPathPiece piece = path.Piece(i);
+            LDPoint from = piece.from;
+            const auto lead = [&](const LDPoint& to) {
+                if (from == to || !IsFinite(to)) return;
+                stretches.push_back({from, to});
+                from = to;
+            };
+            for (const LDPoint& p : PointsOf(piece, PartsOf(piece, error))) lead(p);
+            lead(piece.to);
+        }
+    }
+    /// False if there is nothing under the number.
+    bool Remove(unsigned thing) {
+        if (thing - 1 >= starts.size()) return false;
+        const std::size_t begin = starts[thing - 1];
+        const std::size_t end = thing < starts.size() ? starts[thing] : stretches.size();
+        if (removed.size() < thing) removed.resize(starts.size());
+        if (removed[thing - 1]) return false;
+        removed[thing - 1] = true;
+        std::fill(stretches.begin() + static_cast<std::ptrdiff_t>(begin),
+                  stretches.begin() + static_cast<std::ptrdiff_t>(end), Stretch{});
+        return true;
+    }
+    /// All that has not been removed, in an order that does not depend on that of adding.
+    void Collect(std::vector<Stretch>& all, Ranges& labels) const {
+        struct Labelled {
+            Stretch stretch;
+            unsigned thing;
+        };
+        std::vector<Labelled> found;
+        found.reserve(stretches.size());
+        for (std::size_t thing = 0; thing < starts.size(); ++thing) {
+            const std::size_t end = thing + 1 < starts.size() ? starts[thing + 1] : stretches.size();
+            for (std::size_t i = starts[thing]; i < end; ++i) {
+                const auto& [a, b] = stretches[i];
+                if (a != b)
+                    found.push_back({LexicographicallyLess(a, b) ? Stretch{a, b} : Stretch{b, a},
+                                     static_cast<unsigned>(thing) + 1});
+            }
+        }
+        std::sort(found.begin(), found.end(), [](const Labelled& p, const Labelled& q) {
+            if (p.stretch.a != q.stretch.a) return LexicographicallyLess(p.stretch.a, q.stretch.a);
+            if (p.stretch.b != q.stretch.b) return LexicographicallyLess(p.stretch.b, q.stretch.b);
+            return p.thing < q.thing;
+        });
+        for (const auto& [stretch, thing] : found) {
+            all.push_back(stretch);
+            labels.values.push_back(thing);
+            labels.EndRange();
+        }
+    }
+
+private:
+    std::vector<std::size_t> starts;
+    std::vector<Stretch> stretches; // without length where removed
+    std::vector<bool> removed;
+};
+
+class TDrawingGraph::Result {
+public:
+    Result(const Things& added, unsigned decimals) {
+        std::vector<Stretch> stretches;
+        Ranges labels;
+        added.Collect(stretches, labels);
+        arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
+        if (decimals >= FIRST_WITHOUT_TOLERANCE) return;
+        for (int round = 0;; ++round) {
+            GapClosing gaps(*arrangement, decimals);
+            settled = !gaps.Moves();
+            if (settled || round == MOST_ROUNDS) return;
+            gaps.Apply(stretches, labels, moves);
+            arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
+        }
+    }
+
+    /// Of the region that a closed walk goes around, counted from `origin`.
+    double SignedArea(unsigned half, const LDPoint& origin) const {
+        double area = 0;
+        unsigned h = half;
+        do {
+            const LDPoint a = arrangement->nodes[arrangement->Origin(h)].point - origin;
+            const LDPoint b = arrangement->nodes[arrangement->Target(h)].point - origin;
+            area += (a.x * b.y - b.x * a.y) / 2;
+            h = arrangement->next[h];
+        } while (h != half);
+        return area;
+    }
+    std::vector<unsigned> Borders(unsigned face) const {
+        const Arrangement::Face& found = arrangement->faces[face];
+        std::vector<unsigned> halves;
+        if (found.half != Arrangement::NONE) halves.push_back(found.half);
+        halves.insert(halves.end(), found.holes.begin(), found.holes.end());
+        return halves;
+    }
+    TRegion Region(unsigned face) const;
+
+    std::unique_ptr<Arrangement> arrangement;
+    std::vector<GapClosing::Move> moves;
+    bool settled = true;
+
+private:
+    unsigned NextOfRing(unsigned half) const;
+    void AddRing(TRegion& region, const std::vector<unsigned>& ring) const;
+};
+
+/// The next half-edge around the face that is no bridge.
+unsigned TDrawingGraph::Result::NextOfRing(unsigned half) const {
+    unsigned h = arrangement->next[half];
+    while (arrangement->bridge[h / 2]) h = arrangement->next[h ^ 1];
+    return h;
+}
+
+/// A closed walk that meets no node twice: at its least node it turns left if it goes around the region.
+void TDrawingGraph::Result::AddRing(TRegion& region, const std::vector<unsigned>& ring) const {
+    const std::size_t count = ring.size();
+    std::size_t least = 0;
+    for (std::size_t i = 1; i < count; ++i) {
+        if (arrangement->CompareNodes(arrangement->Origin(ring[i]), arrangement->Origin(ring[least])) < 0)
+            least = i;
+    }
+    TContour contour;
+    contour.Reserve(count);
+    for (const unsigned half : ring)
+        contour.Add(PointOf(arrangement->nodes[arrangement->Origin(half)].point));
+    if (arrangement->Turn(ring[(least + count - 1) % count], ring[least]) > 0)
+        region.AddContour(contour);
+    else
+        region.AddHole(contour);
+}
+
+TRegion TDrawingGraph::Result::Region(unsigned face) const {
+    TRegion region;
+    std::vector<unsigned> halves;
+    for (const unsigned border : Borders(face)) {
+        unsigned h = border;
+        do {
+            if (!arrangement->bridge[h / 2]) halves.push_back(h);
+            h = arrangement->next[h];
+        } while (h != border);
+    }
+    std::sort(halves.begin(), halves.end());
+    std::vector<bool> seen(halves.size());
+    const auto isSeen = [&](unsigned half) -> std::vector<bool>::reference {
+        return seen[static_cast<std::size_t>(std::lower_bound(halves.begin(), halves.end(), half) -
+                                             halves.begin())];
+    };
+    // Where a walk comes back to a node, it has closed a ring.
+    std::vector<unsigned> walk;
+    std::unordered_map<unsigned, std::size_t> places; // of nodes in the walk
+    for (const unsigned start : halves) {
+        for (unsigned h = start; !isSeen(h); h = NextOfRing(h)) {
+            isSeen(h) = true;
+            places[arrangement->Origin(h)] = walk.size();
+            walk.push_back(h);
+            const auto met = places.find(arrangement->Target(h));
+            if (met == places.end()) continue;
+            const std::vector<unsigned> ring(walk.begin() + static_cast<std::ptrdiff_t>(met->second),
+                                             walk.end());
+            for (const unsigned closed : ring) places.erase(arrangement->Origin(closed));
+            walk.resize(walk.size() - ring.size());
+            AddRing(region, ring);
+        }
+    }
+    return region;
+}
+
+TDrawingGraph::TDrawingGraph(unsigned newPrecision, double newChordError)
+    : precision(newPrecision), chordError(newChordError), things(std::make_unique<Things>()) {
+    Equal(0, 0, precision); // asserts the precision
+    ZO_ASSERT(chordError > 0, "chordError > 0", SOURCE);
+}
+
+TDrawingGraph::~TDrawingGraph() = default;
+
+unsigned TDrawingGraph::Add(const TPath2D& path) {
+    things->Check(path);
+    result.reset();
+    const unsigned thing = things->Begin();
+    things->Add(path, chordError);
+    return thing;
+}
+
+unsigned TDrawingGraph::Add(const TRegion& region) {
+    std::vector<TContour> contours;
+    for (unsigned long long i = 1; i <= region.NContours(); ++i) contours.push_back(region.Contour(i));
+    for (const TContour& contour : contours) things->Check(contour);
+    result.reset();
+    const unsigned thing = things->Begin();
+    for (const TContour& contour : contours) things->Add(contour, chordError);
+    return thing;
+}
+
+bool TDrawingGraph::Remove(unsigned thing) {
+    if (!things->Remove(thing)) return false;
+    result.reset();
+    return true;
+}
+
+void TDrawingGraph::RemoveAll() {
+    things = std::make_unique<Things>();
+    result.reset();
+}
+
+const TDrawingGraph::Result& TDrawingGraph::Found() const {
+    if (result == nullptr) result = std::make_unique<Result>(*things, precision);
+    return *result;
+}
+
+unsigned TDrawingGraph::NNodes() const { return static_cast<unsigned>(Found().arrangement->nodes.size()); }
+unsigned TDrawingGraph::NEdges() const { return static_cast<unsigned>(Found().arrangement->edges.size()); }
+unsigned TDrawingGraph::NFaces() const {
+    return static_cast<unsigned>(Found().arrangement->faces.size()) - 1;
+}
+unsigned TDrawingGraph::NComponents() const { return static_cast<unsigned>(Found().arrangement->components); }
+
+TPointNode TDrawingGraph::Node(unsigned number) const {
+    ZO_ASSERT(number - 1 < NNodes(), "number >= 1 && number <= NNodes()", SOURCE);
+    return {this, number};
+}
+
+TLineEdge TDrawingGraph::Edge(unsigned number) const {
+    ZO_ASSERT(number - 1 < NEdges(), "number >= 1 && number <= NEdges()", SOURCE);
+    return {this, number};
+}
+
+TGraphFace TDrawingGraph::Face(unsigned number) const {
+    ZO_ASSERT(number <= NFaces(), "number <= NFaces()", SOURCE);
+    return {this, number};
+}
+
+bool TDrawingGraph::IsConsistent() const {
+    const Arrangement& a = *Found().arrangement;
+    // Each part of the drawing has a closed walk around it, which is a hole of a face.
+    return a.nodes.size() + a.faces.size() == a.edges.size() + 1 + a.components &&
+           a.cycles == a.faces.size() - 1 + a.components;
+}
+
+unsigned TDrawingGraph::NMoves() const { return static_cast<unsigned>(Found().moves.size()); }
+
+TGraphMove TDrawingGraph::Move(unsigned index) const {
+    ZO_ASSERT(index - 1 < NMoves(), "index >= 1 && index <= NMoves()", SOURCE);
+    const GapClosing::Move& move = Found().moves[index - 1];
+    return {PointOf(move.from), PointOf(move.to)};
+}
+
+bool TDrawingGraph::IsSettled() const { return Found().settled; }
+
+TGraphPlace TDrawingGraph::Locate(const Point2D& point) const {
+    const LDPoint p(point.X(), point.Y());
+    ZO_ASSERT(IsFinite(p), "finite coordinates", SOURCE);
+    const Arrangement::Place place = Found().arrangement->Locate(p);
+    const auto number = [](unsigned index) { return index == Arrangement::NONE ? 0 : index + 1; };
+    return {number(place.node), number(place.edge), place.face == Arrangement::NONE ? 0 : place.face};
+}
+
+Point2D TPointNode::Point() const { return PointOf(graph->Found().arrangement->nodes[number - 1].point); }
+
+unsigned TPointNode::NEdges() const {
+    return static_cast<unsigned>(graph->Found().arrangement->around.Size(number - 1));
+}
+
+TSortedEdge TPointNode::Edge(unsigned index) const {
+    ZO_ASSERT(index - 1 < NEdges(), "index >= 1 && index <= NEdges()", SOURCE);
+    return {graph, graph->Found().arrangement->around.Begin(number - 1)[index - 1]};
+}
+
+TPointNode TLineEdge::Start() const {
+    return {graph, graph->Found().arrangement->edges[number - 1].from + 1};
+}
+TPointNode TLineEdge::End() const { return {graph, graph->Found().arrangement->edges[number - 1].to + 1}; }
+TSegment2D TLineEdge::Segment() const { return {Start().Point(), End().Point()}; }
+unsigned TLineEdge::LeftFace() const { return graph->Found().arrangement->faceOf[2 * (number - 1)]; }
+unsigned TLineEdge::RightFace() const { return graph->Found().arrangement->faceOf[2 * (number - 1) + 1]; }
+
+unsigned TLineEdge::NThings() const {
+    const Arrangement& a = *graph->Found().arrangement;
+    return static_cast<unsigned>(a.labels.Size(a.edges[number - 1].label));
+}
+
+unsigned TLineEdge::Thing(unsigned index) const {
+    ZO_ASSERT(index - 1 < NThings(), "index >= 1 && index <= NThings()", SOURCE);
+    const Arrangement& a = *graph->Found().arrangement;
+    return a.labels.Begin(a.edges[number - 1].label)[index - 1];
+}
+
+bool TLineEdge::IsBridge() const { return graph->Found().arrangement->bridge[number - 1]; }
+bool TLineEdge::IsDangle() const { return graph->Found().arrangement->dangle[number - 1]; }
+
+TPointNode TSortedEdge::From() const { return {graph, graph->Found().arrangement->Origin(half) + 1}; }
+TPointNode TSortedEdge::To() const { return {graph, graph->Found().arrangement->Target(half) + 1}; }
+TLineEdge TSortedEdge::Edge() const { return {graph, half / 2 + 1}; }
+
+double TSortedEdge::Angle() const {
+    const Arrangement& a = *graph->Found().arrangement;
+    const Stretch& s = a.stretches[a.edges[half / 2].stretch];
+    const double forward = std::atan2(s.b.y / 2 - s.a.y / 2, s.b.x / 2 - s.a.x / 2);
+    return half % 2 == 0 ? forward : forward + FULL_TURN / 2;
+}
+
+unsigned TSortedEdge::Face() const { return graph->Found().arrangement->faceOf[half]; }
+TSortedEdge TSortedEdge::Opposite() const { return {graph, half ^ 1}; }
+
+TSortedEdge TSortedEdge::NextAroundNode() const {
+    const Arrangement& a = *graph->Found().arrangement;
+    const unsigned node = a.Origin(half);
+    const unsigned* const found = std::find(a.around.Begin(node), a.around.End(node), half) + 1;
+    return {graph, found == a.around.End(node) ? *a.around.Begin(node) : *found};
+}
+
+TSortedEdge TSortedEdge::NextAroundFace() const { return {graph, graph->Found().arrangement->next[half]}; }
+
+double TGraphFace::Area() const {
+    if (number == 0) return 0;
+    const TDrawingGraph::Result& found = graph->Found();
+    const std::vector<unsigned> borders = found.Borders(number);
+    const LDPoint origin = found.arrangement->nodes[found.arrangement->Origin(borders[0])].point;
+    double area = 0;
+    for (const unsigned border : borders) area += found.SignedArea(border, origin);
+    return area;
+}
+
+TRegion TGraphFace::Region() const { return graph->Found().Region(number); }
+
+unsigned TGraphFace::NBorders() const { return static_cast<unsigned>(graph->Found().Borders(number).size()); }
+
+TSortedEdge TGraphFace::Border(unsigned index) const {
+    ZO_ASSERT(index - 1 < NBorders(), "index >= 1 && index <= NBorders()", SOURCE);
+    return {graph, graph->Found().Borders(number)[index - 1]};
+}
+
+} // namespace ZoPrimitives

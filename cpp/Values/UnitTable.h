@@ -59,18 +59,19 @@ struct UnitRow {
     constexpr UnitRow(Unit enumerator, const char* accessorName, const char* shownName, UnitConversion store,
                       UnitConversion read, const char* otherNames = "")
         : unit(static_cast<int>(enumerator)), accessor(accessorName), name(shownName),
-          names(FindText(shownName)), others(otherNames), stored(store), reading(read) {}
+          names(RowOfText(shownName)), others(otherNames), stored(store), reading(read) {}
 
     int unit;
     const char* accessor;
     const char* name;
-    const TZoText* names; // null: the name is the same in all
+    std::size_t names; // its row in the texts; the number of rows: the name is the same in all
     const char* others;
     UnitConversion stored;
     UnitConversion reading;
 
     constexpr const char* NameIn(Language language) const {
-        return names != nullptr ? names->languages[static_cast<int>(language)] : name;
+        if (names == std::size(LIBRARY_TEXTS)) return name;
+        return LIBRARY_TEXTS[names].languages[static_cast<int>(language)];
     }
 };
 
@@ -86,7 +87,7 @@ inline const UnitRow* FindUnit(UnitTable table, int unit) {
 
 constexpr bool UnitsAreTranslated(UnitTable table) {
     for (const UnitRow& row : table) {
-        if (row.names == nullptr && *row.name != '\0') return false;
+        if (row.names == std::size(LIBRARY_TEXTS) && *row.name != '\0') return false;
     }
     return true;
 }

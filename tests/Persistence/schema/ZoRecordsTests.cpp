@@ -93,7 +93,8 @@ public:
     SavedValues(Opened& opened, TZoRecordReader& itsReader) : reader(itsReader) {
         for (int uid = 1; uid <= static_cast<int>(itsReader.NObjects()); ++uid)
             uids[opened.stream.GetInstance(uid)] = uid;
-        for (const auto& object : opened.Root<StreamableList>().GetList()) { // members have no handle any more
+        for (const auto& object :
+             opened.Root<StreamableList>().GetList()) { // members have no handle any more
             reader.Find(UidOf(object.get()), record);
             uids[&dynamic_cast<app::EveryKind&>(*object).member] = At("member").Uid();
         }

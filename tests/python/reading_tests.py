@@ -114,10 +114,14 @@ class Names(unittest.TestCase):
         old = [ints(1) + text("A") + b"\0" + ints(0) + ints(1) + field("n", Kind.INT) + ints(0, 0, 0, 0),
                ints(2) + text("B") + b"\0" + ints(1) + ints(0, 0, 0, 0, 0)]
         self.assertEqual(zo.open(file_of(old, (2, 1, ints(9)))).root.n, 9)
+        smallest = ints(1) + text("") + b"\0" + ints(0, 0, 0, 0, 0, 0)
+        self.assertEqual(list(zo.open(file_of([smallest])).schema), [""])
 
 
 class Tables(unittest.TestCase):
     def test_rows(self):
+        self.assertEqual([(row["map"], row["children"], row["ints"], row["member.number"])
+                          for row in zo.open(DATA / "every-kind.zo").rows("EveryKind")], [([[2, 3]], [6, 7], [7, -8], 13)])
         file = zo.open(house().to_bytes(), check=True)
         self.assertEqual(list(file.rows("Room")), [
             {"uid": 2, "class": "Room", "name": "Casa 1", "area": 11.0, "place.x": 1.0, "place.y": 0.0, "beside": None},

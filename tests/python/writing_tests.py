@@ -161,6 +161,14 @@ class Saving(FolderTest):
         self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o640)
         self.assertEqual(len(list(self.folder.iterdir())), 2)
 
+    def test_links_are_followed(self):
+        path = self.folder / "plan.zo"
+        house(name="old").save(path)
+        (self.folder / "link.zo").symlink_to(path)
+        house(name="new").save(self.folder / "link.zo")
+        self.assertTrue((self.folder / "link.zo").is_symlink())
+        self.assertEqual(zo.open(path).root.name, "new")
+
     def test_what_fails_leaves_all_as_it_was(self):
         path = self.folder / "plan.zo"
         house(name="old").save(path)

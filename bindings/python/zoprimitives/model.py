@@ -177,7 +177,7 @@ class Model:
         With `backup` the version before it is kept under the name with "-bak" behind. Raises ModelError for what cannot be
         saved, FileExistsError while the file with "-new" behind shows that a program is saving, or was interrupted.
         """
-        target = os.path.abspath(os.fspath(path))
+        target = os.path.realpath(path)  # what a link leads to is replaced, not the link
         if os.path.exists(target + "-new"):
             raise FileExistsError(f'"{target}-new" exists: a program is saving the file, or was interrupted, and '
                                   "then that is the newest version. Look at it, then rename or delete it")

@@ -9,7 +9,7 @@ import harness
 from harness import GOOD, data
 
 TOOL = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools", "zo")
-COMMON = {"-h", "--help", "--version", "--color"}
+COMMON = {"-h", "--help", "--version", "--color", "--language"}
 
 
 def source(name):
@@ -43,8 +43,8 @@ class InStep(harness.ToolTest):
 
     @unittest.skipUnless(shutil.which("bash") and os.name == "posix", "there is no bash")
     def test_completing(self):
-        for words, expected in ((["zo", "sc"], ["schema"]), (["zo", "dump", "--js"], ["--json", "--jsonl"]), (["zo", "--color", "al"], ["always"]),
-                                (["zo", "info", "--"], ["--color", "--help"])):
+        for words, expected in ((["zo", "sc"], ["schema"]), (["zo", "dump", "--js"], ["--json", "--jsonl"]), (["zo", "--color", "al"], ["always"]), (["zo", "--language", "e"], ["en-US", "es-MX"]),
+                                (["zo", "info", "--"], ["--color", "--help", "--language"])):
             with self.subTest(words):
                 script = (f'. "{os.path.join(TOOL, "zo.bash")}"; COMP_WORDS=({" ".join(words)}); COMP_CWORD={len(words) - 1}; _zo; '
                           'printf "%s\\n" "${COMPREPLY[@]}"')

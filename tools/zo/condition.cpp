@@ -4,6 +4,7 @@
 #include "values.h"
 
 #include "fields.h"
+#include "words.h"
 
 #include <charconv>
 #include <iterator>
@@ -43,8 +44,8 @@ Condition::Condition(const std::string& given) {
         number = NumberOf(text);
         return;
     }
-    throw Trouble(fmt::format(
-        "\"{}\" is no condition; one is FIELD=VALUE, with = != < <= > >= or ~ (contains)", given));
+    throw Trouble(
+        Words("\"{}\" is no condition; one is FIELD=VALUE, with = != < <= > >= or ~ (contains)", given));
 }
 
 void Condition::Prepare(Model& model, const std::vector<TZoClass*>& classes) {
@@ -57,16 +58,16 @@ void Condition::Prepare(Model& model, const std::vector<TZoClass*>& classes) {
         positions[type] = static_cast<int>(index) + 1;
     }
     if (positions.empty())
-        throw Trouble(fmt::format("no class asked for has a field \"{}\"; \"zo schema\" lists them", field));
+        throw Trouble(Words("no class asked for has a field \"{}\"; \"zo schema\" lists them", field));
 }
 
 void Condition::CheckFits(const TZoClassField& wanted) const {
     const TZoClassFieldType kind = wanted.GetFieldType();
-    if (kind == ftBlob) throw Trouble(fmt::format("\"{}\" is a blob, which cannot be compared", field));
+    if (kind == ftBlob) throw Trouble(Words("\"{}\" is a blob, which cannot be compared", field));
     const bool isText = kind == ftString || kind == ftListString;
     if (isText || number) return;
-    throw Trouble(fmt::format("\"{}\" is no value of \"{}\", which is a field of kind {}", text, field,
-                              TypeOf(wanted)));
+    throw Trouble(
+        Words("\"{}\" is no value of \"{}\", which is a field of kind {}", text, field, TypeOf(wanted)));
 }
 
 template <class T>

@@ -1,6 +1,7 @@
 #include "database.h"
 
 #include "tool.h"
+#include "words.h"
 
 #include <sqlite3.h>
 
@@ -8,7 +9,7 @@ namespace ZoTool {
 
 namespace {
 
-const char* const ONLY_READS = "a query only reads the tables: it is a SELECT";
+const char* const ONLY_READS = Marked("a query only reads the tables: it is a SELECT");
 
 std::string QuotedBy(char mark, std::string_view text) {
     std::string quoted(1, mark);
@@ -37,7 +38,7 @@ Database::Database(const std::string& path) {
     if (sqlite3_open(path.c_str(), &handle) != SQLITE_OK) {
         const std::string why = handle == nullptr ? "no memory" : sqlite3_errmsg(handle);
         sqlite3_close(handle);
-        throw Trouble(fmt::format("the database cannot be made: {}", why));
+        throw Trouble(Words("the database cannot be made: {}", why));
     }
     // It is made anew each time: nothing is lost with it.
     Run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA cache_size = -262144; PRAGMA temp_store "
@@ -84,20 +85,20 @@ Statement::Statement(Database& itsDatabase, const std::string& sql) : database(i
     const char* rest = nullptr;
     const int result =
         sqlite3_prepare_v2(database.handle, sql.data(), static_cast<int>(sql.size()), &handle, &rest);
-    if (result == SQLITE_AUTH) throw Trouble(ONLY_READS);
+    if (result == SQLITE_AUTH) throw Trouble(Translation(ONLY_READS));
     if (result != SQLITE_OK) Fail();
     const bool alone = IsBlank(std::string_view(rest, sql.data() + sql.size()));
     if (handle != nullptr && alone) return;
     sqlite3_finalize(handle);
-    throw Trouble(alone ? "the query is empty"
-                        : fmt::format("one query at a time: what follows is \"{}\"", rest));
+    throw Trouble(alone ? Words("the query is empty")
+                        : Words("one query at a time: what follows is \"{}\"", rest));
 }
 
 Statement::~Statement() { sqlite3_finalize(handle); }
 
 void Statement::Fail() const {
     const std::string why = sqlite3_errmsg(database.handle);
-    throw Trouble(why == "not authorized" ? ONLY_READS : why);
+    throw Trouble(why == "not authorized" ? Translation(ONLY_READS) : why);
 }
 
 void Statement::Check(int result) const {

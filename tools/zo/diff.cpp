@@ -5,6 +5,7 @@
 #include "schemadiff.h"
 #include "text.h"
 #include "values.h"
+#include "words.h"
 
 #include <CLI/CLI.hpp>
 
@@ -188,8 +189,8 @@ public:
     Exit Run() {
         if (options.schema) return RunSchema();
         if (!options.by.empty() && !a.keys.HasField() && !b.keys.HasField())
-            throw Trouble(fmt::format(
-                "no class of the two files has a field \"{}\"; \"zo schema\" lists them", options.by));
+            throw Trouble(
+                Words("no class of the two files has a field \"{}\"; \"zo schema\" lists them", options.by));
         for (const std::string& line : SchemaChanges(a.model.Schema(), b.model.Schema())) {
             isDifferent = true;
             if (!options.quiet) tool.out.Print("{}\n", Painted(line));
@@ -216,10 +217,9 @@ private:
     void PrintLosses(Side& reader, Side& file) {
         const std::vector<std::string> losses = SchemaLosses(reader.model.Schema(), file.model.Schema());
         if (losses.empty()) return;
-        tool.out.Print(
-            "\n{}\n",
-            tool.out.Paint(Style::Heading, fmt::format("An application with the classes of {} loses of {}:",
-                                                       reader.model.Name(), file.model.Name())));
+        tool.out.Print("\n{}\n", tool.out.Paint(Style::Heading,
+                                                Words("An application with the classes of {} loses of {}:",
+                                                      reader.model.Name(), file.model.Name())));
         for (const std::string& line : losses) tool.out.Print("  {}\n", line);
     }
 
@@ -278,10 +278,9 @@ private:
 
     void Summarise() {
         if (options.quiet || added + removed + changed == 0) return;
-        tool.Tell(
-            Style::Note, "",
-            fmt::format("{} added, {} removed, {} changed{}", Counted(added, "object"), removed, changed,
-                        printed > options.most ? fmt::format("; the first {} are shown", options.most) : ""));
+        tool.Tell(Style::Note, "",
+                  Words("{} added, {} removed, {} changed{}", Counted(added, "object"), removed, changed,
+                        printed > options.most ? Words("; the first {} are shown", options.most) : ""));
     }
 
     Tool& tool;

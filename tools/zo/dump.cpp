@@ -4,6 +4,7 @@
 #include "model.h"
 #include "text.h"
 #include "values.h"
+#include "words.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -56,9 +57,9 @@ private:
         TZoClass* const type = record.GetClass();
         const std::string state = Model::StateOf(record);
         out.Print("{} {}{}\n", out.Paint(Style::Number, fmt::format("#{}", record.GetUid())),
-                  out.Paint(Style::Heading, type == nullptr ? fmt::format("(class {})", record.GetClassId())
-                                                            : ClassName(*type)),
-                  state.empty() ? "" : out.Paint(Style::Bad, " " + state));
+                  out.Paint(Style::Heading,
+                            type == nullptr ? Words("(class {})", record.GetClassId()) : ClassName(*type)),
+                  state.empty() ? "" : out.Paint(Style::Bad, " " + Translation(state)));
         if (type == nullptr) return;
         const std::vector<std::string>& names = model.NamesOf(*type);
         std::size_t widest = 0;
@@ -100,13 +101,14 @@ Exit DumpAround(Tool& tool, Model& model, Dump& dump, int start, int depth) {
         std::vector<int> next;
         for (const int uid : now) {
             if (!model.Reader().Find(uid, record)) {
-                if (uid == start)
-                    throw Trouble(fmt::format("it has no object #{}; \"zo ls\" lists them", uid));
+                if (uid == start) throw Trouble(Words("it has no object #{}; \"zo ls\" lists them", uid));
                 const bool isDamaged = model.Reader().ClassOf(uid) != nullptr;
                 if (isDamaged) end = Exit::Trouble;
-                tool.Warn(model.Name(),
-                          fmt::format("a pointer leads to #{}, which {}", uid,
-                                      isDamaged ? "is damaged: \"zo verify\" tells more" : "is not there"));
+                tool.Warn(
+                    model.Name(),
+                    isDamaged
+                        ? Words("a pointer leads to #{}, which is damaged: \"zo verify\" tells more", uid)
+                        : Words("a pointer leads to #{}, which is not there", uid));
                 continue;
             }
             dump.Add(record);

@@ -4,6 +4,7 @@
 #include "model.h"
 #include "system.h"
 #include "tables.h"
+#include "words.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -35,9 +36,10 @@ public:
         std::error_code none;
         for (const std::string& source : sources) {
             if (source != "-" && fs::equivalent(PathOf(source), place, none))
-                throw Trouble(name + ": it is the file to be exported; name another");
+                throw Trouble(name + ": " + Words("it is the file to be exported; name another"));
         }
-        if (!replaces && fs::exists(place, none)) throw Trouble(name + ": it exists; --force replaces it");
+        if (!replaces && fs::exists(place, none))
+            throw Trouble(name + ": " + Words("it exists; --force replaces it"));
         fs::remove(Part(), none);
     }
     ~NewFile() {
@@ -52,7 +54,7 @@ public:
     void Complete() {
         std::error_code error;
         fs::rename(Part(), place, error);
-        if (error) throw Trouble(fmt::format("{}: it cannot be written: {}", name, error.message()));
+        if (error) throw Trouble(Words("{}: it cannot be written: {}", name, error.message()));
         isComplete = true;
     }
 
@@ -99,7 +101,8 @@ Exit ExportLines(Tool& tool, const ExportOptions& options, const std::vector<std
     {
         const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenForWriting(made.PartName()),
                                                                    std::fclose);
-        if (file == nullptr) throw Trouble(options.lines + ": it cannot be written; look at its folder");
+        if (file == nullptr)
+            throw Trouble(options.lines + ": " + Words("it cannot be written; look at its folder"));
         Output out(file.get());
         bool isRead = false;
         end = ForEach(tool, files, [&](const Input& input) {

@@ -1,5 +1,6 @@
 #include "faults.h"
 #include "text.h"
+#include "words.h"
 
 #include "ZoPrimitives/ZoRecords.h"
 
@@ -100,7 +101,7 @@ public:
     void Run() {
         ReadFrames();
         if (schema == nullptr) {
-            Tell({FaultKind::Schema, "no schema can be read: its objects cannot be checked", 0});
+            Tell({FaultKind::Schema, Words("no schema can be read: its objects cannot be checked"), 0});
             return;
         }
         CheckSchema();
@@ -186,7 +187,7 @@ void Search::ReadFrames() {
     TZoFrame frame;
     while (frames.Next(frame)) {
         if (frame.gap != 0) {
-            Tell({FaultKind::Garbage, fmt::format("{} bytes belong to no record", frame.gap),
+            Tell({FaultKind::Garbage, Words("{} bytes belong to no record", frame.gap),
                   frame.offset - frame.gap});
         }
         TakeFrame(frames, frame);
@@ -198,15 +199,15 @@ void Search::ReadFrames() {
 void Search::CheckHeader(TZoFrameReader& frames) {
     const TBinHeader& header = frames.GetHeader();
     if (frames.GetHeaderState() == TZoHeaderState::Short) {
-        Tell({FaultKind::Header, "the file ends before its header does", bytes.GetSize()});
+        Tell({FaultKind::Header, Words("the file ends before its header does"), bytes.GetSize()});
     } else if (frames.GetHeaderState() == TZoHeaderState::Wrong) {
         Tell({FaultKind::Header,
-              fmt::format("this is no header of an object file: version {}, release {}, extra length {}",
-                          header.version, header.release, header.extraLength)});
+              Words("this is no header of an object file: version {}, release {}, extra length {}",
+                    header.version, header.release, header.extraLength)});
     } else if (frames.GetDigestState() == TZoDigestState::Unknown) {
-        Tell({FaultKind::Extra, "the digest has a later layout: it was not checked", 28});
+        Tell({FaultKind::Extra, Words("the digest has a later layout: it was not checked"), 28});
     } else if (header.extraLength != 0 && !BeginsWithDigest(bytes)) {
-        Tell({FaultKind::Extra, "the extra block is none that this program knows", 28});
+        Tell({FaultKind::Extra, Words("the extra block is none that this program knows"), 28});
     }
 }
 
@@ -235,10 +236,10 @@ bool Search::TakeSchema(TZoFrameReader& frames, const TZoFrame& frame) {
     if (schema == nullptr && !isNamed) return false;
     schemaOffset = frame.offset;
     if (schema == nullptr) {
-        Tell(At(frame, FaultKind::Schema, "the schema contradicts itself"));
+        Tell(At(frame, FaultKind::Schema, Words("the schema contradicts itself")));
     } else if (!isNamed) {
         Tell(At(frame, FaultKind::Schema,
-                fmt::format("the schema's record has class {} and uid {}, not 0", frame.classId, frame.uid)));
+                Words("the schema's record has class {} and uid {}, not 0", frame.classId, frame.uid)));
     }
     return true;
 }
@@ -248,35 +249,34 @@ void Search::TakeObject(const TZoFrame& frame) {
     if (frame.uid <= latestUid && unordered++ == 0) firstUnordered = frame;
     latestUid = frame.uid;
     if (frame.uid <= 0)
-        Tell(At(frame, FaultKind::Uid, fmt::format("no object can refer to the uid {}", frame.uid)));
+        Tell(At(frame, FaultKind::Uid, Words("no object can refer to the uid {}", frame.uid)));
     if (schema != nullptr && schema->FindClass(frame.classId) == nullptr)
-        Tell(At(frame, FaultKind::Class, fmt::format("the schema has no class {}", frame.classId)));
+        Tell(At(frame, FaultKind::Class, Words("the schema has no class {}", frame.classId)));
 }
 
 /// `frame`: what the reader tells of the end.
 void Search::CheckEnd(TZoFrameReader& frames, const TZoFrame& frame) {
     if (frame.gap != 0) {
-        Tell({FaultKind::Garbage, fmt::format("{} bytes behind the last record belong to none", frame.gap),
+        Tell({FaultKind::Garbage, Words("{} bytes behind the last record belong to none", frame.gap),
               frame.offset - frame.gap});
     }
     if (frames.GetDigestState() == TZoDigestState::Wrong) {
-        Tell({FaultKind::Digest,
-              fmt::format(
-                  "the digest 0x{:08X} is not that of the records, 0x{:08X}: one is missing, comes twice or "
-                  "is damaged, or a head or the header has changed",
-                  frames.GetWantedDigest(), frames.GetFoundDigest()),
-              36});
+        Tell(
+            {FaultKind::Digest,
+             Words("the digest 0x{:08X} is not that of the records, 0x{:08X}: one is missing, comes twice or "
+                   "is damaged, or a head or the header has changed",
+                   frames.GetWantedDigest(), frames.GetFoundDigest()),
+             36});
     }
     if (unordered != 0) {
-        Tell(
-            At(firstUnordered, FaultKind::Order,
-               fmt::format("uids do not rise here; records with a uid below the one before: {}", unordered)));
+        Tell(At(firstUnordered, FaultKind::Order,
+                Words("uids do not rise here; records with a uid below the one before: {}", unordered)));
     }
     const unsigned told = frames.GetHeader().recordCount;
     if (frames.GetHeaderState() == TZoHeaderState::Right && told != frameCount) {
         Tell({FaultKind::Count,
-              fmt::format("the header counts {} records, there are {}{}", told, frameCount,
-                          told > frameCount ? "; objects without fields count, too, and have none" : ""),
+              Words("the header counts {} records, there are {}{}", told, frameCount,
+                    told > frameCount ? Words("; objects without fields count, too, and have none") : ""),
               12});
     }
 }
@@ -291,8 +291,7 @@ void Search::TellShared(const std::set<int>& shared) {
             continue;
         const auto [first, isNew] = numbers.emplace(frame.uid, frame.number);
         if (!isNew)
-            Tell(At(frame, FaultKind::Uid,
-                    fmt::format("record {} has the uid {}, too", first->second, frame.uid)));
+            Tell(At(frame, FaultKind::Uid, Words("record {} has the uid {}, too", first->second, frame.uid)));
     }
 }
 
@@ -304,13 +303,12 @@ void Search::CheckSchema() {
         TZoClass& checked = *schema->GetClass(i);
         const std::string name = ClassName(checked);
         if (!names.insert(name).second)
-            Tell({FaultKind::Schema, fmt::format("two classes have the name '{}'", name), schemaOffset});
+            Tell({FaultKind::Schema, Words("two classes have the name '{}'", name), schemaOffset});
         if (!TZoRecordReader::KnowsAllKinds(checked)) {
             Tell({FaultKind::Schema,
-                  fmt::format(
-                      "class '{}' has fields of a kind that this program does not know: its objects cannot "
-                      "be checked",
-                      name),
+                  Words("class '{}' has fields of a kind that this program does not know: its objects cannot "
+                        "be checked",
+                        name),
                   schemaOffset});
         }
         CheckClass(checked);
@@ -323,7 +321,7 @@ void Search::CheckClass(TZoClass& checked) {
         const std::string name = Utf8(checked.GetField(i)->GetFieldName());
         if (!names.insert(name).second) {
             Tell({FaultKind::Schema,
-                  fmt::format("class '{}' has two fields '{}'", ClassName(checked), OnOneLine(name)),
+                  Words("class '{}' has two fields '{}'", ClassName(checked), OnOneLine(name)),
                   schemaOffset});
         }
     }
@@ -336,8 +334,8 @@ void Search::ReadRecords() {
     for (const TZoRecordReader::Undecided& one : records->GetUndecided()) {
         undecided.emplace(one.recordClass, one.field);
         Tell({FaultKind::Undecided,
-              fmt::format("the records of '{}' do not tell how the field {} stands in them",
-                          ClassName(*one.recordClass), Quoted(one.field->GetFieldName())),
+              Words("the records of '{}' do not tell how the field {} stands in them",
+                    ClassName(*one.recordClass), Quoted(one.field->GetFieldName())),
               schemaOffset});
     }
     if (objects.Count() != 0) objects.Set(objects.Find(objects.Root()), Objects::Reached);
@@ -368,13 +366,13 @@ void Search::CheckPayload(const TZoRecord& record) {
         unsigned used = 0;
         for (int i = 1; i <= record.NValues(); ++i) used += record.Value(i).GetSize();
         return Tell(At(frame, FaultKind::Payload,
-                       fmt::format("{} of its {} bytes are left behind its last field",
-                                   record.GetSize() - used, record.GetSize())));
+                       Words("{} of its {} bytes are left behind its last field", record.GetSize() - used,
+                             record.GetSize())));
     }
     case TZoRecordState::PastEnd:
         return Tell(At(frame, FaultKind::Payload,
-                       fmt::format("its fields need more than its {} bytes, from the {}. field on",
-                                   record.GetSize(), record.NValues() + 1)));
+                       Words("its fields need more than its {} bytes, from the {}. field on",
+                             record.GetSize(), record.NValues() + 1)));
     case TZoRecordState::Whole:
     case TZoRecordState::UnknownClass: // is told already
     case TZoRecordState::UnknownKind:
@@ -424,12 +422,13 @@ void Search::CheckReference(const TZoRecord& record, const Reference& reference,
     const std::string field = Quoted(record.Value(reference.value).GetField().GetFieldName());
     if (isWrong) {
         return Tell(At(record.GetFrame(), FaultKind::WrongClass,
-                       fmt::format("its field {} wants a '{}' and refers to uid {}, which is a '{}'", field,
-                                   ClassName(*reference.wanted), uid, NameOf(objects.ClassAt(place)))));
+                       Words("its field {} wants a '{}' and refers to uid {}, which is a '{}'", field,
+                             ClassName(*reference.wanted), uid, NameOf(objects.ClassAt(place)))));
     }
-    const char* why = damaged.count(uid) != 0 ? "whose record is damaged" : "which is not in the file";
+    const std::string why =
+        damaged.count(uid) != 0 ? Words("whose record is damaged") : Words("which is not in the file");
     Tell(At(record.GetFrame(), FaultKind::Dangling,
-            fmt::format("its field {} refers to uid {}, {}", field, uid, why)));
+            Words("its field {} refers to uid {}, {}", field, uid, why)));
 }
 
 bool Search::Fits(const Reference& reference, int classId) {
@@ -475,8 +474,8 @@ void Search::TellUnreachable() {
             TZoRecord record;
             if (records->Find(objects.UidAt(place), record)) {
                 Tell(At(record.GetFrame(), FaultKind::Unreachable,
-                        isReferred ? "the root does not lead to it, nor to those that refer to it"
-                                   : "nothing refers to it, and it is not the root"));
+                        isReferred ? Words("the root does not lead to it, nor to those that refer to it")
+                                   : Words("nothing refers to it, and it is not the root")));
             }
             Reach(place);
             FollowReached();
@@ -487,16 +486,16 @@ void Search::TellUnreachable() {
 } // namespace
 
 std::string PlaceOf(const Fault& fault) {
-    std::string place = fmt::format("offset {}", fault.offset);
-    if (fault.number != 0) place += fmt::format(", record {}", fault.number);
-    if (fault.number != 0 || fault.uid != 0) place += fmt::format(", uid {}", fault.uid);
+    std::string place = Words("offset {}", fault.offset);
+    if (fault.number != 0) place += Words(", record {}", fault.number);
+    if (fault.number != 0 || fault.uid != 0) place += Words(", uid {}", fault.uid);
     if (!fault.className.empty()) place += fmt::format(" ({})", fault.className);
     return place;
 }
 
 Fault FrameFault(const TZoFrame& frame, bool hasPayload, std::string className) {
-    const char* whole = hasPayload ? "its payload is whole" : "its payload is lost";
-    Fault fault{FaultKind::Torn, fmt::format("the file ends after {} bytes of it", frame.length),
+    const std::string whole = hasPayload ? Words("its payload is whole") : Words("its payload is lost");
+    Fault fault{FaultKind::Torn, Words("the file ends after {} bytes of it", frame.length),
                 frame.offset,    frame.number,
                 frame.uid,       std::move(className)};
     switch (frame.state) {
@@ -505,16 +504,16 @@ Fault FrameFault(const TZoFrame& frame, bool hasPayload, std::string className) 
         break;
     case TZoFrameState::WrongCrc:
         fault.kind = FaultKind::Checksum;
-        fault.text = fmt::format("the checksum 0x{:08X} is not that of its {} bytes", frame.crc, frame.size);
+        fault.text = Words("the checksum 0x{:08X} is not that of its {} bytes", frame.crc, frame.size);
         break;
     case TZoFrameState::WrongMarker:
         fault.kind = FaultKind::Marker;
-        fault.text = fmt::format("the marker is 0x{:08X}; {}", frame.marker, whole);
+        fault.text = Words("the marker is 0x{:08X}; {}", frame.marker, whole);
         break;
     case TZoFrameState::WrongSize:
         fault.kind = FaultKind::Size;
-        fault.text = fmt::format("the size {} is wrong: the record ends after {} bytes; {}", frame.size,
-                                 frame.length, whole);
+        fault.text = Words("the size {} is wrong: the record ends after {} bytes; {}", frame.size,
+                           frame.length, whole);
         break;
     }
     return fault;

@@ -3,6 +3,7 @@
 #include "fields.h"
 #include "text.h"
 #include "values.h"
+#include "words.h"
 
 #include <algorithm>
 #include <cmath>
@@ -132,9 +133,8 @@ Exit Filling::Run() {
     }
     const Exit end = model.TellLosses();
     if (repeated == 0) return end;
-    tool.Warn(
-        model.Name(),
-        fmt::format("{} with a uid that an object before has: not in the tables; \"zo verify\" tells which",
+    tool.Warn(model.Name(),
+              Words("{} with a uid that an object before has: not in the tables; \"zo verify\" tells which",
                     Counted(repeated, "object")));
     return Exit::Trouble;
 }

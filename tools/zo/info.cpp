@@ -4,6 +4,7 @@
 #include "table.h"
 #include "text.h"
 #include "tool.h"
+#include "words.h"
 
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoRecords.h"
@@ -59,16 +60,16 @@ Counts Count(TZoFrameReader& frames) {
 std::string DigestText(TZoFrameReader& frames) {
     switch (frames.GetDigestState()) {
     case TZoDigestState::None:
-        return "none";
+        return Words("none");
     case TZoDigestState::Unknown:
-        return "of a later layout";
+        return Words("of a later layout");
     case TZoDigestState::Open:
-        return "not read to its end";
+        return Words("not read to its end");
     case TZoDigestState::Right:
-        return fmt::format("{:08X}, right", frames.GetWantedDigest());
+        return Words("{:08X}, right", frames.GetWantedDigest());
     case TZoDigestState::Wrong:
-        return fmt::format("{:08X}, wrong: the records give {:08X}", frames.GetWantedDigest(),
-                           frames.GetFoundDigest());
+        return Words("{:08X}, wrong: the records give {:08X}", frames.GetWantedDigest(),
+                     frames.GetFoundDigest());
     }
     return "";
 }
@@ -77,15 +78,18 @@ std::shared_ptr<TZoMetaData> SchemaOf(Tool& tool, const Input& input) {
     try {
         return TZoRecordReader(input.Bytes()).ShareSchema();
     } catch (const XStream&) {
-        tool.Warn(input.Name(), "its schema cannot be read; \"zo verify\" tells why");
+        tool.Warn(input.Name(), Words("its schema cannot be read; \"zo verify\" tells why"));
         return std::make_shared<TZoMetaData>();
     }
 }
 
-std::string CountedClasses(int count) { return fmt::format("{} class{}", count, count == 1 ? "" : "es"); }
+std::string CountedClasses(int count) {
+    return count == 1 ? Words("{} class", count) : Words("{} classes", count);
+}
 
 void PrintClasses(Output& out, const TZoMetaData& schema, Counts& counts) {
-    Table table({{"class", Align::Left}, {"objects", Align::Right}, {"bytes", Align::Right}});
+    Table table(
+        {{Words("class"), Align::Left}, {Words("objects"), Align::Right}, {Words("bytes"), Align::Right}});
     const auto add = [&](const std::string& name, const Counts::Sum& sum) {
         table.Add({name, std::to_string(sum.objects), std::to_string(sum.bytes)});
     };
@@ -97,14 +101,14 @@ void PrintClasses(Output& out, const TZoMetaData& schema, Counts& counts) {
             add(ClassName(*type), {});
         }
     }
-    for (const auto& [id, sum] : counts.classes) add(fmt::format("(unknown class {})", id), sum);
+    for (const auto& [id, sum] : counts.classes) add(Words("(unknown class {})", id), sum);
     table.Print(out, "  ");
 }
 
 Exit Info(Tool& tool, const Input& input) {
     TZoFrameReader frames(input.Bytes());
     if (frames.GetHeaderState() != TZoHeaderState::Right)
-        throw Trouble("it is no object file, or its header is damaged; \"zo verify\" tells more");
+        throw Trouble(Words("it is no object file, or its header is damaged; \"zo verify\" tells more"));
     Counts counts = Count(frames);
     const std::shared_ptr<TZoMetaData> schema = SchemaOf(tool, input);
 
@@ -114,17 +118,17 @@ Exit Info(Tool& tool, const Input& input) {
         out.Print("  {}{}\n", out.Paint(Style::Faint, fmt::format("{:<11}", what)), text);
     };
     out.Print("{}\n", out.Paint(Style::Heading, input.Name()));
-    line("size", Counted(input.Bytes().GetSize(), "byte"));
-    line("version", fmt::format("{}, release {}", header.version, header.release));
-    line("records", fmt::format("{}, {} by the header", counts.records, header.recordCount));
-    line("schema",
+    line(Words("size"), Counted(input.Bytes().GetSize(), "byte"));
+    line(Words("version"), Words("{}, release {}", header.version, header.release));
+    line(Words("records"), Words("{}, {} by the header", counts.records, header.recordCount));
+    line(Words("schema"),
          fmt::format("{}, {}", CountedClasses(schema->GetClassCount()), Counted(counts.schemaSize, "byte")));
-    line("objects", fmt::format("{}, {}", counts.all.objects, Counted(counts.all.bytes, "byte")));
-    line("digest", DigestText(frames));
-    line("scrambled", counts.scrambled == 0 ? "no" : fmt::format("{} records", counts.scrambled));
+    line(Words("objects"), fmt::format("{}, {}", counts.all.objects, Counted(counts.all.bytes, "byte")));
+    line(Words("digest"), DigestText(frames));
+    line(Words("scrambled"), counts.scrambled == 0 ? Words("no") : Words("{} records", counts.scrambled));
     if (counts.damaged + counts.strayed != 0) {
-        line("damage", fmt::format("{}, {} that belong to none: \"zo verify\" tells more",
-                                   Counted(counts.damaged, "record"), Counted(counts.strayed, "byte")));
+        line(Words("damage"), Words("{}, {} that belong to none: \"zo verify\" tells more",
+                                    Counted(counts.damaged, "record"), Counted(counts.strayed, "byte")));
     }
     out.Write("\n");
     PrintClasses(out, *schema, counts);

@@ -1,4 +1,5 @@
 #include "input.h"
+#include "words.h"
 
 #include "ZoPrimitives/XStream.h"
 
@@ -20,7 +21,7 @@ std::string ReadStandardInput() {
     std::array<char, 1 << 16> block;
     while (const std::size_t size = std::fread(block.data(), 1, block.size(), stdin))
         bytes.append(block.data(), size);
-    if (std::ferror(stdin) != 0) throw Trouble("it cannot be read");
+    if (std::ferror(stdin) != 0) throw Trouble(Words("it cannot be read"));
     return bytes;
 }
 
@@ -57,7 +58,7 @@ std::vector<std::string> FilesIn(const fs::path& folder) {
 
 fs::path PathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
 
-std::string NameOf(const std::string& word) { return word == "-" ? "standard input" : word; }
+std::string NameOf(const std::string& word) { return word == "-" ? Words("standard input") : word; }
 
 Input::Input(const std::string& given, Null null) : name(NameOf(given)) {
     std::error_code error;
@@ -67,7 +68,7 @@ Input::Input(const std::string& given, Null null) : name(NameOf(given)) {
     } else if (null == Null::IsEmpty && (given == "/dev/null" || given == "nul")) {
         bytes = std::make_unique<TZoMemoryBytes>(EMPTY, sizeof EMPTY);
     } else if (fs::is_directory(PathOf(given), error)) {
-        throw Trouble("it is a folder, or one without object files; name a file");
+        throw Trouble(Words("it is a folder, or one without object files; name a file"));
     } else {
         bytes = std::make_unique<TZoFileBytes>(TZoPath::FromUtf8(given.c_str()));
     }

@@ -4,6 +4,7 @@
 #include "model.h"
 #include "text.h"
 #include "values.h"
+#include "words.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,7 +24,7 @@ struct LsOptions {
 
 std::string Line(const TZoRecord& record, Model& model, const Output& out) {
     TZoClass* const type = record.GetClass();
-    if (type == nullptr) return fmt::format("#{} (class {})", record.GetUid(), record.GetClassId());
+    if (type == nullptr) return Words("#{} (class {})", record.GetUid(), record.GetClassId());
     std::string line = fmt::format("{} {}", out.Paint(Style::Number, fmt::format("#{}", record.GetUid())),
                                    out.Paint(Style::Heading, ClassName(*type)));
     const std::vector<std::string>& names = model.NamesOf(*type);

@@ -1,9 +1,9 @@
 #include "commands.h"
 #include "system.h"
 #include "tool.h"
+#include "words.h"
 
-#include "ZoPrimitives/ZoVersion.h"
-
+#include "ZoPrimitives/ZoLanguage.h"
 #include "ZoPrimitives/ZoVersion.h"
 
 #include <CLI/CLI.hpp>
@@ -19,6 +19,7 @@ namespace {
 
 struct Looks {
     std::string colour = "auto";
+    std::string language; // of `ChooseLanguage`
 };
 
 void AddCommonOptions(CLI::App& zo, Looks& looks) {
@@ -29,6 +30,9 @@ void AddCommonOptions(CLI::App& zo, Looks& looks) {
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->type_name("WHEN")
         ->default_str("auto");
+    zo.add_option("--language", looks.language,
+                  "of what is told: pt-BR, en-US or es-MX; also in Language.ini")
+        ->type_name("NAME");
     zo.require_subcommand(1);
     zo.fallthrough();
     zo.allow_windows_style_options(false);
@@ -43,8 +47,14 @@ bool Colours(const Looks& looks, std::FILE* stream) {
     return Environment("NO_COLOR").empty() && IsTerminal(stream);
 }
 
+/// The parser knows English alone.
+std::string WhatIsWrong(const CLI::ParseError& error) {
+    const std::string words = Words("the command line is not understood ({})", error.what());
+    return ZoPrimitives::ZoLanguage() == std::string("en-US") ? error.what() : words;
+}
+
 Exit Run(Tool& tool, std::vector<std::string> words) {
-    CLI::App zo{"Looks into object files, whatever application wrote them.", "zo"};
+    CLI::App zo{Marked("Looks into object files, whatever application wrote them."), "zo"};
     Looks looks;
     AddCommonOptions(zo, looks);
     AddInfo(zo, tool);
@@ -57,6 +67,7 @@ Exit Run(Tool& tool, std::vector<std::string> words) {
     AddReport(zo, tool);
     AddVerify(zo, tool);
     AddSalvage(zo, tool);
+    TranslateHelp(zo);
     // The parser takes them from the back.
     std::reverse(words.begin(), words.end());
     try {
@@ -66,8 +77,8 @@ Exit Run(Tool& tool, std::vector<std::string> words) {
         return Exit::Good;
     } catch (const CLI::ParseError& error) {
         const auto chosen = zo.get_subcommands();
-        tool.Fail("", fmt::format("{}; \"zo {}--help\" tells what can be asked", error.what(),
-                                  chosen.empty() ? "" : chosen.front()->get_name() + " "));
+        tool.Fail("", Words("{}; \"zo {}--help\" tells what can be asked", WhatIsWrong(error),
+                            chosen.empty() ? "" : chosen.front()->get_name() + " "));
         return Exit::Trouble;
     }
     tool.out.SetColour(Colours(looks, stdout));
@@ -86,6 +97,7 @@ int main(int count, char** given) {
     return static_cast<int>(tool.Try("", [&] {
         std::vector<std::string> words = Arguments(count, given);
         words.erase(words.begin());
+        ChooseLanguage(words);
         return Run(tool, std::move(words));
     }));
 }

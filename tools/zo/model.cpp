@@ -2,6 +2,7 @@
 
 #include "fields.h"
 #include "text.h"
+#include "words.h"
 
 namespace ZoTool {
 
@@ -16,7 +17,7 @@ std::unordered_set<int> Model::Family(const std::string& className) const {
         if (Utf8(type->GetName()) == className) wanted = type;
     }
     if (wanted == nullptr)
-        throw Trouble(fmt::format("it has no class \"{}\"; \"zo schema\" lists them", className));
+        throw Trouble(Words("it has no class \"{}\"; \"zo schema\" lists them", className));
     std::unordered_set<int> family;
     for (const TZoClass* const type : classes) {
         if (type->IsInherited(wanted)) family.insert(type->GetClassId());
@@ -54,7 +55,7 @@ void Model::Each(const Visit& visit, const std::unordered_set<int>* classes) {
     Begin(classes != nullptr);
     decoded = true;
     TZoFrameReader& frames = reader.GetFrames();
-    Progress progress(tool, "reading " + Name(), input.Bytes().GetSize());
+    Progress progress(tool, Words("reading {}", Name()), input.Bytes().GetSize());
     TZoRecord record;
     for (TZoFrame frame; NextFrame(frame);) {
         progress.Show(frame.offset);
@@ -93,22 +94,22 @@ const char* Model::StateOf(const TZoRecord& record) {
     case TZoRecordState::Whole:
         return "";
     case TZoRecordState::UnknownClass:
-        return "of a class that the schema does not have";
+        return Marked("of a class that the schema does not have");
     case TZoRecordState::UnknownKind:
-        return "of a class with fields of unknown kinds";
+        return Marked("of a class with fields of unknown kinds");
     case TZoRecordState::NotConsumed:
-        return "with bytes behind its last value";
+        return Marked("with bytes behind its last value");
     case TZoRecordState::PastEnd:
-        return "ending before its last value";
+        return Marked("ending before its last value");
     }
     return "";
 }
 
 Exit Model::TellLosses() {
     Exit end = Exit::Good;
-    const auto tell = [&](unsigned long long count, std::string_view what, std::string_view how) {
+    const auto tell = [&](unsigned long long count, std::string_view what, const char* how) {
         if (count == 0) return;
-        tool.Warn(Name(), fmt::format("{} {}; \"zo verify\" tells where", Counted(count, what), how));
+        tool.Warn(Name(), Words("{} {}; \"zo verify\" tells where", Counted(count, what), Translation(how)));
         end = Exit::Trouble;
     };
     tell(damaged, "record", "damaged and left out");
@@ -117,9 +118,8 @@ Exit Model::TellLosses() {
     tell(misshapen, "object", "not as the class says: the values are those that could be read");
     if (!decoded) return end;
     for (const TZoRecordReader::Undecided& field : reader.GetUndecided()) {
-        tool.Warn(
-            Name(),
-            fmt::format("the records of {} do not tell whether {} stands with integers of the application's; "
+        tool.Warn(Name(),
+                  Words("the records of {} do not tell whether {} stands with integers of the application's; "
                         "it is read without",
                         ClassName(*field.recordClass), FieldName(*field.field)));
     }

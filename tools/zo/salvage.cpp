@@ -1,7 +1,9 @@
 #include "commands.h"
 #include "input.h"
 #include "salvaging.h"
+#include "text.h"
 #include "tool.h"
+#include "words.h"
 
 #include "ZoPrimitives/FileBinOutStream.h"
 #include "ZoPrimitives/pointer.h"
@@ -34,8 +36,8 @@ void CheckWritten(const TZoPath& path, unsigned long long objects) {
     });
     TZoRecordReader reader(written);
     if (faults.empty() && reader.NObjects() != objects)
-        faults = fmt::format("{} objects were written and {} are there", objects, reader.NObjects());
-    if (!faults.empty()) throw Trouble("what was written cannot be read back: " + faults);
+        faults = Words("{} objects were written and {} are there", objects, reader.NObjects());
+    if (!faults.empty()) throw Trouble(Words("what was written cannot be read back: {}", faults));
 }
 
 /// Writes beside the target, reads that back, and then replaces the target.
@@ -66,17 +68,17 @@ Exit SalvageFile(Tool& tool, const Salvaging& how) {
     for (const std::string& read : {how.file, how.good}) {
         if (std::filesystem::equivalent(std::filesystem::u8path(how.target), std::filesystem::u8path(read),
                                         ignored))
-            throw Trouble("the new file would replace one that is read; give -o another name");
+            throw Trouble(Words("the new file would replace one that is read; give -o another name"));
     }
     Salvage salvage(source.Bytes(), good == nullptr ? nullptr : &good->Bytes(), [&](const Fault& loss) {
         tool.out.Print("{}: {}: {}\n", tool.out.Paint(Style::Name, source.Name()), PlaceOf(loss), loss.text);
     });
     const std::size_t objects = salvage.Choose();
-    if (objects == 0) throw Trouble("no object can be had of it; no file was written");
+    if (objects == 0) throw Trouble(Words("no object can be had of it; no file was written"));
     WriteTo(TZoPath::FromUtf8(how.target.c_str()), salvage);
     const bool isWhole = salvage.Losses() == 0;
-    const std::string end = isWhole ? "nothing lost" : fmt::format("{} losses", salvage.Losses());
-    tool.out.Print("{}: {} objects, {}\n", tool.out.Paint(Style::Name, how.target), objects,
+    const std::string end = isWhole ? Words("nothing lost") : Words("{} losses", salvage.Losses());
+    tool.out.Print("{}: {}, {}\n", tool.out.Paint(Style::Name, how.target), Counted(objects, "object"),
                    tool.out.Paint(isWhole ? Style::Good : Style::Note, end));
     return isWhole ? Exit::Good : Exit::Negative;
 }

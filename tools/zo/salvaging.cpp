@@ -1,6 +1,7 @@
 #include "salvaging.h"
 #include "text.h"
 #include "tool.h"
+#include "words.h"
 
 #include <fmt/format.h>
 
@@ -43,9 +44,9 @@ void Salvage::TakeHeader(TZoFrameReader& frames) {
     const TBinHeader& header = (isRight ? frames : others).GetHeader();
     if (!isRight) {
         const bool isOthers = good != nullptr && others.GetHeaderState() == TZoHeaderState::Right;
-        Lose({FaultKind::Header, isOthers
-                                     ? "the header is damaged; version and release are those of the good file"
-                                     : "the header is damaged; version and release become 0"});
+        Lose({FaultKind::Header,
+              isOthers ? Words("the header is damaged; version and release are those of the good file")
+                       : Words("the header is damaged; version and release become 0")});
         if (!isOthers) return;
     }
     version = header.version;
@@ -75,7 +76,7 @@ void Salvage::TakeFrames() {
     TZoFrame frame;
     const auto loseGap = [&] {
         if (frame.gap != 0)
-            Lose({FaultKind::Garbage, fmt::format("{} bytes belong to no record", frame.gap),
+            Lose({FaultKind::Garbage, Words("{} bytes belong to no record", frame.gap),
                   frame.offset - frame.gap});
     };
     while (frames.Next(frame)) {
@@ -85,7 +86,8 @@ void Salvage::TakeFrames() {
             Lose(FrameFault(frame, false, NameOf(frame.classId)));
             continue;
         }
-        if (frame.state != TZoFrameState::Whole) tell(FrameFault(frame, true, NameOf(frame.classId))); // mended
+        if (frame.state != TZoFrameState::Whole)
+            tell(FrameFault(frame, true, NameOf(frame.classId))); // mended
         isScrambled = isScrambled || frame.key != 0;
         const bool isSchema = frame.classId == 0 && frame.uid == 0;
         if (isSchema && found.empty() && schemaOffset == 0) {
@@ -101,7 +103,7 @@ void Salvage::TakeFrames() {
     isAsWritten = frames.GetDigestState() == TZoDigestState::Right;
     if (frames.GetDigestState() == TZoDigestState::Wrong)
         Lose({FaultKind::Digest,
-              "the digest is wrong: a record may be missing, or a head or the header changed", 36});
+              Words("the digest is wrong: a record may be missing, or a head or the header changed"), 36});
 }
 
 /// A further schema is that of a file inside a payload whose record is lost: those of its records that were
@@ -121,7 +123,7 @@ void Salvage::LoseInnerFile(std::size_t first) {
         ++count;
     }
     Lose(found[first], FaultKind::Schema,
-         fmt::format("a file inside a payload whose record is lost, with {} records", count));
+         Words("a file inside a payload whose record is lost, with {} records", count));
 }
 
 void Salvage::LoseInnerFiles() {
@@ -135,7 +137,7 @@ void Salvage::PutInOrder() {
     std::vector<std::uint32_t> rest;
     for (std::uint32_t i = 0; i < found.size(); ++i) {
         if (!found[i].Has(Lost) && found[i].uid <= 0)
-            Lose(found[i], FaultKind::Uid, fmt::format("no object can have the uid {}", found[i].uid));
+            Lose(found[i], FaultKind::Uid, Words("no object can have the uid {}", found[i].uid));
         if (!found[i].Has(Lost)) rest.push_back(i);
     }
     for (std::size_t i = 1; i < rest.size(); ++i) {
@@ -223,16 +225,15 @@ void Salvage::CheckRecords() {
     ForEachRecord([&](Found& at, const TZoRecord& record) {
         switch (record.GetState()) {
         case TZoRecordState::UnknownClass:
-            return Lose(at, FaultKind::Class, fmt::format("the schema has no class {}", at.classId));
+            return Lose(at, FaultKind::Class, Words("the schema has no class {}", at.classId));
         case TZoRecordState::NotConsumed:
         case TZoRecordState::PastEnd:
-            return Lose(at, FaultKind::Payload, "its payload is not one of its class");
+            return Lose(at, FaultKind::Payload, Words("its payload is not one of its class"));
         case TZoRecordState::Whole:
         case TZoRecordState::UnknownKind: // it cannot be checked
             break;
         }
-        if (at.uid <= 0)
-            return Lose(at, FaultKind::Uid, fmt::format("no object can have the uid {}", at.uid));
+        if (at.uid <= 0) return Lose(at, FaultKind::Uid, Words("no object can have the uid {}", at.uid));
         CheckReferences(record);
     });
 }
@@ -267,8 +268,7 @@ void Salvage::ChooseAmongSameUids() {
         for (; i != behind; ++i) {
             Found& one = found[byUid[i]];
             if (&one != best && !one.Has(Lost))
-                Lose(one, FaultKind::Uid,
-                     fmt::format("record {} has its uid, too, and is kept", best->number));
+                Lose(one, FaultKind::Uid, Words("record {} has its uid, too, and is kept", best->number));
         }
     }
 }
@@ -290,9 +290,10 @@ void Salvage::LoseStrangers() {
         if (one.Has(Lost)) continue;
         if (losesMoved && isMoved(one))
             Lose(one, FaultKind::Uid,
-                 "its uid is not its own: it stands elsewhere, and nothing refers to it");
+                 Words("its uid is not its own: it stands elsewhere, and nothing refers to it"));
         else if (losesUnwanted && isUnwanted(one))
-            Lose(one, FaultKind::WrongClass, "its class is not its own: all that refers to it wants another");
+            Lose(one, FaultKind::WrongClass,
+                 Words("its class is not its own: all that refers to it wants another"));
     }
 }
 
@@ -300,9 +301,9 @@ std::size_t Salvage::Choose() {
     if (good != nullptr) BorrowSchema();
     TakeFrames();
     if (schema == nullptr) {
-        throw Trouble(
+        throw Trouble(Words(
             "its schema is lost, without which its records tell nothing; --schema-from takes it from another "
-            "file of the same version of the application");
+            "file of the same version of the application"));
     }
     records = std::make_unique<TZoRecordReader>(source, schema);
     for (const TZoRecordReader::Undecided& one : records->GetUndecided()) undecided.push_back(one.field);
@@ -327,8 +328,8 @@ unsigned long long Salvage::Write(TBinOutStream& target) {
             if (IsKept(uid)) return;
             std::memset(payload.data() + (place - record.GetPayload()), 0, 4);
             Lose({FaultKind::Dangling,
-                  fmt::format("its field '{}' becomes null: it refers to uid {}, which is lost",
-                              OnOneLine(Utf8(value.GetField().GetFieldName())), uid),
+                  Words("its field '{}' becomes null: it refers to uid {}, which is lost",
+                        OnOneLine(Utf8(value.GetField().GetFieldName())), uid),
                   at.offset, at.number, at.uid, NameOf(at.classId)});
         });
         ZoWriteRecord(target, at.uid, at.classId, payload.data(), static_cast<unsigned>(payload.size()));

@@ -1,6 +1,7 @@
 #include "save.h"
 
 #include "tool.h"
+#include "words.h"
 
 #include <filesystem>
 #include <fstream>
@@ -26,21 +27,21 @@ void SaveFile(const std::string& path, std::string_view contents) {
     file.close();
     if (!file) {
         fs::remove(beside, error);
-        throw Trouble(path +
-                      ": cannot be written; is there such a folder, may you write there, is there room?");
+        throw Trouble(Words(
+            "{}: cannot be written; is there such a folder, may you write there, is there room?", path));
     }
     fs::rename(beside, target, error);
     if (!error) return;
     const std::string why = error.message();
     fs::remove(beside, error);
-    throw Trouble(path + ": cannot be replaced: " + why);
+    throw Trouble(Words("{}: cannot be replaced: {}", path, why));
 }
 
 void SaveResult(Tool& tool, const std::string& path, std::string_view contents, const std::string& source) {
     if (path == "-") return tool.out.Write(contents);
     std::error_code error;
     if (fs::equivalent(PathOf(path), PathOf(source), error)) {
-        throw Trouble("the result would replace the file itself; give it another name");
+        throw Trouble(Words("the result would replace the file itself; give it another name"));
     }
     SaveFile(path, contents);
 }

@@ -5,6 +5,7 @@
 #include "save.h"
 #include "text.h"
 #include "tool.h"
+#include "words.h"
 
 #include "ZoPrimitives/ZoRecords.h"
 
@@ -53,10 +54,11 @@ private:
     }
 
     std::string Remarks(const TZoClass& type) const {
-        std::string remarks = type.GetAbstract() ? " (abstract)" : "";
+        std::string remarks = type.GetAbstract() ? " (" + Words("abstract") + ")" : "";
         const std::vector<TZoClass*> parents = ParentsOf(type);
         for (std::size_t i = 1; i < parents.size(); ++i) {
-            remarks += fmt::format("{} {}", i == 1 ? ", also a" : " and", ClassName(*parents[i]));
+            remarks += (i == 1 ? Words(", also a {}", ClassName(*parents[i]))
+                               : Words(" and {}", ClassName(*parents[i])));
         }
         return out.Paint(Style::Faint, remarks);
     }

@@ -2,6 +2,7 @@
 
 #include "fields.h"
 #include "text.h"
+#include "words.h"
 
 #include <fmt/format.h>
 
@@ -117,12 +118,12 @@ std::vector<std::string> SchemaLosses(const TZoMetaData& reader, const TZoMetaDa
         if (type->GetAbstract()) continue;
         TZoClass* const made = MadeOf(reader, *type);
         if (made == nullptr) {
-            lines.push_back(fmt::format("objects of {}: none is made, and references to them become null",
-                                        ClassName(*type)));
+            lines.push_back(
+                Words("objects of {}: none is made, and references to them become null", ClassName(*type)));
             continue;
         }
         if (made->GetName() != type->GetName())
-            lines.push_back(fmt::format("objects of {}: read as {}", ClassName(*type), ClassName(*made)));
+            lines.push_back(Words("objects of {}: read as {}", ClassName(*type), ClassName(*made)));
         for (const TZoClassField* const field : AllFields(*type)) {
             const TZoClassField* const same = made->FindField(field->GetFieldName());
             if (same != nullptr && EncodingOf(same->GetFieldType()) == EncodingOf(field->GetFieldType()))
@@ -132,9 +133,8 @@ std::vector<std::string> SchemaLosses(const TZoMetaData& reader, const TZoMetaDa
         }
     }
     for (const TZoClassField* const field : order) {
-        lines.push_back(fmt::format("values of {}.{} ({}) in objects of {}",
-                                    ClassName(*field->GetOwnerClass()), FieldName(*field), TypeOf(*field),
-                                    fmt::join(lost[field], ", ")));
+        lines.push_back(Words("values of {}.{} ({}) in objects of {}", ClassName(*field->GetOwnerClass()),
+                              FieldName(*field), TypeOf(*field), fmt::join(lost[field], ", ")));
     }
     return lines;
 }

@@ -6,6 +6,7 @@
 #include "tables.h"
 #include "text.h"
 #include "values.h"
+#include "words.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -124,7 +125,8 @@ void PrintJson(Statement& query, Output& out, bool lines) {
 }
 
 void List(const Tables& tables, Output& out) {
-    Table list({{"table", Align::Left}, {"columns", Align::Left}, {"holds", Align::Left}});
+    Table list(
+        {{Words("table"), Align::Left}, {Words("columns"), Align::Left}, {Words("holds"), Align::Left}});
     for (const auto& table : tables.All()) {
         std::string columns = tables.HasFileColumn() ? "file" : "";
         for (const Tables::Column& column : table->columns)
@@ -161,7 +163,7 @@ Exit Sql(Tool& tool, const SqlOptions& options) {
         query = words.back();
         words.pop_back();
     }
-    if (words.empty()) throw Trouble("name a file before the query");
+    if (words.empty()) throw Trouble(Words("name a file before the query"));
     Database database("");
     Tables tables(tool, database, FilesOf(words));
     if (!query.empty()) return Ask(tool, database, tables, query, options);

@@ -3,6 +3,7 @@
 #include "fields.h"
 #include "filling.h"
 #include "text.h"
+#include "words.h"
 
 #include <algorithm>
 
@@ -168,7 +169,7 @@ void Tables::AddTables() {
         if (!type.isMade) continue;
         Columns columns{{"uid", "INTEGER"}};
         columns.insert(columns.end(), type.columns.begin(), type.columns.end());
-        classTables[name] = Add({Kind::Class, FreeName(name), columns, "class " + name});
+        classTables[name] = Add({Kind::Class, FreeName(name), columns, Words("class {}", name)});
     }
     for (const auto& [name, type] : classes) {
         if (!type.isMade || type.made.size() > 1) AddView(name, type);
@@ -177,8 +178,8 @@ void Tables::AddTables() {
         for (const auto& [field, columns] : type.lists) {
             Columns all{{"uid", "INTEGER"}};
             all.insert(all.end(), columns.begin(), columns.end());
-            listTables[{name, field}] = Add(
-                {Kind::List, FreeName(name + "_" + field), all, fmt::format("list {} of {}", field, name)});
+            listTables[{name, field}] =
+                Add({Kind::List, FreeName(name + "_" + field), all, Words("list {} of {}", field, name)});
         }
     }
     Add({Kind::Objects,
@@ -188,7 +189,7 @@ void Tables::AddTables() {
           {"record", "INTEGER"},
           {"offset", "INTEGER"},
           {"bytes", "INTEGER"}},
-         "every object"});
+         Words("every object")});
     Add({Kind::Links,
          "links",
          {{"source", "INTEGER"},
@@ -196,11 +197,11 @@ void Tables::AddTables() {
           {"position", "INTEGER"},
           {"target", "INTEGER"},
           {"owned", "INTEGER"}},
-         "every pointer that is not null"});
+         Words("every pointer that is not null")});
     Add({Kind::Integers,
          "list_integers",
          {{"uid", "INTEGER"}, {"field", "TEXT"}, {"position", "INTEGER"}, {"value", "INTEGER"}},
-         "integers that the application stores with lists"});
+         Words("integers that the application stores with lists")});
 }
 
 void Tables::AddView(const std::string& name, const Declared& type) {
@@ -225,8 +226,7 @@ void Tables::AddView(const std::string& name, const Declared& type) {
         selects.push_back(fmt::format("SELECT {} WHERE 0", list));
     }
     Add({Kind::View, FreeName(type.isMade ? name + "_all" : name), columns,
-         fmt::format("{} and what derives from it", name),
-         fmt::format("{}", fmt::join(selects, " UNION ALL "))});
+         Words("{} and what derives from it", name), fmt::format("{}", fmt::join(selects, " UNION ALL "))});
 }
 
 std::string Tables::FreeName(const std::string& wanted) {
@@ -240,7 +240,7 @@ std::string Tables::FreeName(const std::string& wanted) {
 const Tables::Table* Tables::Add(Table table) {
     std::string why;
     if (!database.TryRun(Create(table, HasFileColumn()), why)) {
-        tool.Warn("", fmt::format("there is no table {}: {}", table.name, why));
+        tool.Warn("", Words("there is no table {}: {}", table.name, why));
         end = Exit::Trouble;
         return nullptr;
     }

@@ -1,5 +1,7 @@
 #include "text.h"
 
+#include "words.h"
+
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <fmt/format.h>
@@ -81,7 +83,7 @@ std::string ClassName(const TZoClass& type) { return OnOneLine(Utf8(type.GetName
 std::string FieldName(const TZoClassField& field) { return OnOneLine(Utf8(field.GetFieldName())); }
 
 std::string Counted(unsigned long long count, std::string_view what) {
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+    return fmt::format("{} {}{}", count, Translation(std::string(what)), count == 1 ? "" : "s");
 }
 
 } // namespace ZoTool

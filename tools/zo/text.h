@@ -26,7 +26,7 @@ std::string Quoted(std::string_view utf8);
 std::string ClassName(const ZoPrimitives::TZoClass& type);
 std::string FieldName(const ZoPrimitives::TZoClassField& field);
 
-/// "1 object", "2 objects".
+/// "1 object", "2 objects", in the current language, all of which add an s.
 std::string Counted(unsigned long long count, std::string_view what);
 
 } // namespace ZoTool

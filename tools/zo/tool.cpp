@@ -1,7 +1,9 @@
 #include "tool.h"
+#include "words.h"
 
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
+#include "ZoPrimitives/ZoExplain.h"
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <new>
@@ -16,22 +18,22 @@ namespace {
 std::string ExplainStream(const XStream& error) {
     switch (error.Kind()) {
     case TStreamFailure::NotFound:
-        return "there is no such file; look at its name and its folder";
+        return Words("there is no such file; look at its name and its folder");
     case TStreamFailure::Denied:
-        return "you may not use it; look at its rights, and whether it is a folder";
+        return Words("you may not use it; look at its rights, and whether it is a folder");
     case TStreamFailure::InUse:
-        return "another program has it open; close it there";
+        return Words("another program has it open; close it there");
     case TStreamFailure::DiskFull:
-        return "the disk is full; make room on it";
+        return Words("the disk is full; make room on it");
     case TStreamFailure::Truncated:
-        return "it ends too soon; \"zo verify\" tells where, \"zo salvage\" saves the rest";
+        return Words("it ends too soon; \"zo verify\" tells where, \"zo salvage\" saves the rest");
     case TStreamFailure::Damaged:
-        return "it is damaged; \"zo verify\" tells where, \"zo salvage\" saves the rest";
+        return Words("it is damaged; \"zo verify\" tells where, \"zo salvage\" saves the rest");
     case TStreamFailure::WrongFile:
-        return "it is no object file; look whether it is the file that you mean";
+        return Words("it is no object file; look whether it is the file that you mean");
     default:
-        return fmt::format("it cannot be used ({}: {}); look whether its disk is in order",
-                           ZoToUtf8(error.Location()), ZoToUtf8(error.Message()));
+        return Words("it cannot be used ({}: {}); look whether its disk is in order",
+                     ZoToUtf8(error.Location()), ZoToUtf8(error.Message()));
     }
 }
 
@@ -64,12 +66,14 @@ std::string Explain(const std::exception_ptr& error) {
         std::rethrow_exception(error);
     } catch (const Trouble& trouble) {
         return trouble.what();
+    } catch (const XInvalidLanguage&) {
+        return ZoToUtf8(ZoExplain());
     } catch (const XStream& stream) {
         return ExplainStream(stream);
     } catch (const XZoAssert& assertion) {
-        return fmt::format("an error of this program: {}", ZoToUtf8(assertion.Message()));
+        return Words("an error of this program: {}", ZoToUtf8(assertion.Message()));
     } catch (const std::bad_alloc&) {
-        return "there is not enough memory; close other programs";
+        return Words("there is not enough memory; close other programs");
     } catch (const std::exception& other) {
         return other.what();
     }
@@ -85,8 +89,8 @@ void Output::Flush() {
     const bool whole = std::fwrite(gathered.data(), 1, gathered.size(), stream) == gathered.size();
     gathered.clear();
     if (!whole || std::fflush(stream) != 0) {
-        throw Trouble(
-            "what was asked for cannot be written; look whether the disk is full or the reader has gone");
+        throw Trouble(Words(
+            "what was asked for cannot be written; look whether the disk is full or the reader has gone"));
     }
 }
 

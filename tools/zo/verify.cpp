@@ -2,6 +2,7 @@
 #include "faults.h"
 #include "input.h"
 #include "tool.h"
+#include "words.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,21 +37,23 @@ public:
     Exit End() {
         for (const auto& [kind, count] : counts) {
             if (most != 0 && count > most)
-                Line(kind, fmt::format("and {} more of this kind; -n 0 shows all", count - most));
+                Line(kind, Words("and {} more of this kind; -n 0 shows all", count - most));
         }
         if (faults != 0) return Exit::Negative;
         const std::string ok = tool.out.Paint(Style::Good, "ok");
         if (notes == 0)
             tool.out.Print("{}: {}\n", Name(), ok);
         else
-            tool.out.Print("{}: {}, with {} {}\n", Name(), ok, notes, notes == 1 ? "note" : "notes");
+            tool.out.Print("{}: {}\n", Name(),
+                           notes == 1 ? Words("{}, with {} note", ok, notes)
+                                      : Words("{}, with {} notes", ok, notes));
         return Exit::Good;
     }
 
 private:
     std::string Name() const { return tool.out.Paint(Style::Name, name); }
     void Line(FaultKind kind, const std::string& text) {
-        const std::string note = IsNote(kind) ? tool.out.Paint(Style::Note, "note") + ": " : "";
+        const std::string note = IsNote(kind) ? tool.out.Paint(Style::Note, Words("note")) + ": " : "";
         tool.out.Print("{}: {}{}\n", Name(), note, text);
     }
 
@@ -67,7 +70,7 @@ Exit VerifyFile(Tool& tool, const std::string& file, const Verifying& how) {
         const Input input(file);
         FaultFinder finder(input.Bytes(), how.quick);
         Findings findings(tool, input.Name(), how.most);
-        Progress progress(tool, "verifying " + input.Name(), finder.Work());
+        Progress progress(tool, Words("verifying {}", input.Name()), finder.Work());
         finder.Find([&](const Fault& fault) { findings.Take(fault); },
                     [&](unsigned long long done) { progress.Show(done); });
         return findings.End();

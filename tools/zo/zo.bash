@@ -26,6 +26,10 @@ _zo() {
         mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$current")
         return
         ;;
+    --language)
+        mapfile -t COMPREPLY < <(compgen -W "pt-BR en-US es-MX" -- "$current")
+        return
+        ;;
     --class | --by)
         # The classes of the file that is named already, or all names of their fields.
         local file names='"name":"[^"]*","abstract"'
@@ -38,9 +42,9 @@ _zo() {
     --where | --uid | --follow | --abs | --rel | --objects | -n | --most) return ;;
     esac
     if [ -z "$command" ]; then
-        mapfile -t COMPREPLY < <(compgen -W "${!options[*]} --help --version --color" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "${!options[*]} --help --version --color --language" -- "$current")
     elif [[ $current == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "${options[$command]} --help --color" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "${options[$command]} --help --color --language" -- "$current")
     else
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

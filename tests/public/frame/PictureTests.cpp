@@ -81,7 +81,8 @@ TEST(PictureTests, OptionsStandAnywhereAndAreRefusedWithASentence) {
     EXPECT_EQ(options.units.length.unit, TComprimento::m);
 
     const std::pair<std::vector<std::string>, const char*> rows[] = {
-        {{"a.zo", "--unit", "metric"}, "There is no option --unit: use --units, --separator, --by or --language."},
+        {{"a.zo", "--unit", "metric"},
+         "There is no option --unit: use --units, --separator, --by or --language."},
         {{"a.zo", "--units"}, "--units needs a value: metric, technical or imperial."},
         {{"a.zo", "--units", "Metric"}, "There are no units \"Metric\": use metric, technical or imperial."},
         {{"--separator", ";"}, "\";\" does not separate decimals here: use a point or a comma."},

@@ -17,6 +17,7 @@ class Tree(unittest.TestCase):
         for file in ("include/ZoPrimitives/ZoVersion.h", "lib/libZoPrimitives.so", f"lib/{SONAME}", "bin/zo",
                      "lib/cmake/ZoPrimitives/ZoPrimitivesConfig.cmake", "lib/pkgconfig/zoprimitives.pc",
                      f"lib/libZoPrimitives.so.{VERSION}-gdb.py", "share/ZoPrimitives/ZoPrimitives.natvis",
+                     "share/man/man1/zo.1", "share/bash-completion/completions/zo",
                      "share/doc/ZoPrimitives/CHANGELOG.md", "share/licenses/ZoPrimitives/LICENSE"):
             with self.subTest(file):
                 self.assertTrue((tree / file).exists())

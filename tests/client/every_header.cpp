@@ -227,6 +227,12 @@ const struct {
      [] {
          return TCircle2D({1, 2}, 3).NPieces() > 0;
      }},
+    {"TDrawingGraph",
+     [] {
+         TDrawingGraph graph;
+         graph.Add(Square());
+         return graph.NEdges() == 4;
+     }},
     {"TEnum", [] { return static_cast<void>(TEnum()), true; }},
     {"TLine2D",
      [] {

@@ -26,7 +26,7 @@ std::string ReadStandardInput() {
 }
 
 std::string Utf8(const fs::path& path) {
-    const std::u8string utf8 = path.u8string();
+    const std::u8string utf8 = path.generic_u8string();
     return {utf8.begin(), utf8.end()};
 }
 

@@ -126,4 +126,87 @@ TEST_F(DamageTests, EveryCutIsFoundAndCostsNoRecordBeforeIt) {
     }
 }
 
+// Heads, which checksums do not cover
+
+struct SalvageRow {
+    const char* name;
+    std::string file;
+    std::map<int, std::string> left; // payloads by uid
+    std::string losses;              // without the places
+};
+
+// Class 1 owns a list of objects of class 2 and refers to one; class 3 has the same fields as class 2.
+const std::vector<ClassEntry> CLASSES{
+    {.id = 1, .name = "Owner", .childLists = {{2, -7, "items"}}, .references = {{2, -8, "one"}}},
+    {.id = 2, .name = "Item", .values = {{0, -1, "n"}}},
+    {.id = 3, .name = "Twin", .values = {{0, -1, "n"}}},
+};
+Payload Owner(std::initializer_list<int> items, int one) {
+    return Payload().Int(static_cast<long long>(items.size())).Ints(items).Int(one);
+}
+Row Item(int uid, int number, int classId = 2) { return {uid, classId, Payload().Int(number)}; }
+std::string Number(int number) { return Payload().Int(number); }
+const Row ROOT{1, 1, Owner({2, 3}, 4)};
+const std::string INNER = FileOf(CLASSES, {{1, 1, Owner({2}, 2)}, Item(2, 99)});
+/// A record with another file in it, of which the head is lost.
+const std::string OPENED = std::string(24, 'x') + std::string(Payload().Text(INNER));
+
+const SalvageRow HEADS[] = {
+    {"nothing",
+     FileOf(CLASSES, {ROOT, Item(2, 7), Item(3, 8), Item(4, 9)}),
+     {{1, Owner({2, 3}, 4)}, {2, Number(7)}, {3, Number(8)}, {4, Number(9)}},
+     ""},
+    {"the uid of the next one",
+     FileOf(CLASSES, {ROOT, Item(3, 7), Item(3, 8), Item(4, 9)}),
+     {{1, Owner({0, 3}, 4)}, {3, Number(8)}, {4, Number(9)}},
+     "record 4 has its uid, too, and is kept\nits field 'items' becomes null: it refers to uid 2, which is "
+     "lost\n"},
+    {"the uid of the one before",
+     FileOf(CLASSES, {ROOT, Item(2, 7), Item(2, 8), Item(4, 9)}),
+     {{1, Owner({2, 0}, 4)}, {2, Number(7)}, {4, Number(9)}},
+     "record 3 has its uid, too, and is kept\nits field 'items' becomes null: it refers to uid 3, which is "
+     "lost\n"},
+    {"a uid of none",
+     FileOf(CLASSES, {ROOT, Item(2, 7), Item(1005, 8), Item(4, 9), Item(5, 0)}),
+     {{1, Owner({2, 0}, 4)}, {2, Number(7)}, {4, Number(9)}, {5, Number(0)}},
+     "its uid is not its own: it stands elsewhere, and nothing refers to it\n"
+     "its field 'items' becomes null: it refers to uid 3, which is lost\n"},
+    {"a class with other fields",
+     FileOf(CLASSES, {ROOT, Item(2, 7), Item(3, 8, 1), Item(4, 9)}),
+     {{1, Owner({2, 0}, 4)}, {2, Number(7)}, {4, Number(9)}},
+     "its payload is not one of its class\nits field 'items' becomes null: it refers to uid 3, which is "
+     "lost\n"},
+    {"a class with the same fields",
+     FileOf(CLASSES, {ROOT, Item(2, 7), Item(3, 8), Item(4, 9, 3)}),
+     {{1, Owner({2, 3}, 0)}, {2, Number(7)}, {3, Number(8)}},
+     "its class is not its own: all that refers to it wants another\n"
+     "its field 'one' becomes null: it refers to uid 4, which is lost\n"},
+    {"a file inside a record without its head",
+     FileOf(CLASSES, {ROOT, Item(2, 7), Item(3, 8)}) + OPENED + RecordBytes(5, 2, Number(0)),
+     {{1, Owner({2, 3}, 0)}, {2, Number(7)}, {3, Number(8)}, {5, Number(0)}},
+     "56 bytes belong to no record\na file inside a payload whose record is lost, with 2 records\n"
+     "its field 'one' becomes null: it refers to uid 4, which is lost\n"},
+    {"a file behind a torn record",
+     FileOf(CLASSES, {ROOT, Item(2, 7), Item(3, 8)}) + RecordBytes(4, 2, Number(0x01020304)).substr(0, 26) +
+         INNER,
+     {{1, Owner({2, 3}, 0)}, {2, Number(7)}, {3, Number(8)}},
+     "the checksum 0xE951A406 is not that of its 4 bytes\n26 bytes belong to no record\n"
+     "a file inside a payload whose record is lost, with 2 records\n"
+     "its field 'one' becomes null: it refers to uid 4, which is lost\n"},
+};
+
+TEST(SalvageTests, BelievesNoHeadThatDoesNotAgreeWithTheRest) {
+    for (const SalvageRow& row : HEADS) {
+        SCOPED_TRACE(row.name);
+        const Salvaged salvaged = SalvageOf(row.file);
+        std::map<int, std::string> left;
+        for (const auto& [uid, one] : RowsByUid(salvaged.file)) left[uid] = one.payload;
+        EXPECT_EQ(left, row.left);
+        std::string losses;
+        for (const Fault& loss : salvaged.losses) losses += loss.text + "\n";
+        EXPECT_EQ(losses, row.losses);
+        EXPECT_EQ(TextOf(FaultsOf(salvaged.file), false), "");
+    }
+}
+
 } // namespace

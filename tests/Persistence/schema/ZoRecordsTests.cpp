@@ -246,6 +246,11 @@ std::string ValuesText(const TZoRecord& record) {
 const ClassEntry ONE_LIST{.childLists = {{2, -7, "a"}}};
 const ClassEntry TWO_LISTS{.childLists = {{2, -7, "a"}, {2, -7, "b"}}};
 const ClassEntry MAP{.maps = {{2, -19, "m"}}};
+const ClassEntry MANY_LISTS = [] {
+    ClassEntry lists;
+    for (char name = 'a'; name <= 'l'; ++name) lists.childLists.push_back({2, -7, std::string(1, name)});
+    return lists;
+}();
 Payload Ints(std::initializer_list<int> values) { return Payload().Ints(values); }
 
 const LayoutRow LAYOUTS[] = {
@@ -266,6 +271,11 @@ const LayoutRow LAYOUTS[] = {
     {"a map of lists with integers", MAP, {Ints({1, 70, 5, 1, 71, 6})}, "70 : 5 / 71 : 6"},
     {"an odd record decides nothing", ONE_LIST, {Ints({1, 77, 6}), Ints({1}), Ints({1, 78, 5})}, "77 : 6"},
     {"nor if it is the first", ONE_LIST, {Ints({1, 77, 78, 6}), Ints({2, 5, 6}), Ints({1, 5})}, ": 77"},
+    {"more readings than can be tried",
+     MANY_LISTS,
+     {Payload(std::string(80, '\0'))},
+     ":, :, :, :, :, :, :, :, :, :, :, :",
+     {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"}},
     {"no reading fits", ONE_LIST, {Ints({9})}, "", {"a"}},
 };
 

@@ -98,8 +98,8 @@ void RunDrawing(std::size_t count, bool withPeer, int runs) {
             std::printf("   tolerance %8.0f", Median(times));
         if (precision == EXACT && withPeer) {
             unsigned theirs = 0;
-            std::printf("   GEOS %8.0f%s", TimePeer(lines, theirs),
-                        theirs == faces ? "" : "   DIFFERENT FACES");
+            const double time = TimePeer(lines, theirs);
+            std::printf("   GEOS %8.0f%s", time, theirs == faces ? "" : "   DIFFERENT FACES");
         }
     }
     std::printf("\n");

@@ -98,6 +98,19 @@ class Data(Report):
                 self.assertEqual(sum(parts["lengths"]), len(bad))
                 self.assertEqual(what == "header alone", all(part not in (-3, -4) for part in parts["what"]))
 
+    def test_findings(self):
+        for name, faults in {
+            "whole": [], "flipped-byte": ["Wrong checksum", "Wrong digest", "Pointer to nothing"], "missing": ["Wrong digest", "Pointer to nothing"],
+            "wrong-reference": ["Pointer to nothing", "Pointer to another class"], "schema": ["Schema", "Wrong checksum", "Wrong digest"],
+        }.items():
+            with self.subTest(name):
+                findings = self.page(data(f"damaged/{name}.zo")).data["findings"]
+                self.assertEqual(sorted(kind for kind, count, fault in findings["kinds"].values() if fault), sorted(faults))
+                self.assertEqual(len(findings["rows"]), findings["faults"] + findings["notes"])
+                wrong = [(offset, uid) for _, kind, offset, _, uid, _, _ in findings["rows"]
+                         if findings["kinds"][str(kind)][0] == "Wrong checksum" and name != "schema"]
+                self.assertEqual(wrong, [(6672, 22)] if name == "flipped-byte" else [])
+
     def test_limits_are_told(self):
         self.page(data("frame9.zo"), "--objects", 50, says="the first 50 of 212 objects")
 
@@ -173,6 +186,16 @@ class InBrowser(Report):
         browser.wait("document.getElementById('detail-title').textContent.startsWith('Model 1 ')")
         browser.click("#detail .where a")
         browser.wait("document.getElementById('bytes-place').textContent.includes('Model 1,')")
+
+    def test_findings_lead_to_their_places(self):
+        browser = self.browse(data("damaged/several.zo"))
+        self.assertIn("33 faults", self.text(browser, "verdict"))
+        browser.click("#findings-list a[href='#b6672']")
+        browser.wait("document.getElementById('bytes-place').textContent.includes('damaged record')")
+        kind = browser.run("[...document.querySelectorAll('#findings-kind option')].find(one => one.textContent.startsWith('Pointer to nothing')).value")
+        browser.run(f"(() => {{ const s = document.getElementById('findings-kind'); s.value = {kind}; s.dispatchEvent(new Event('change')); }})()")
+        browser.click("#findings-list a[href='#o1']")
+        browser.wait("document.getElementById('detail').textContent.includes('22 (no such object)')")
 
     def test_a_keyboard_suffices(self):
         browser = self.browse(self.file("small.zo", frame(300)))

@@ -47,11 +47,24 @@ std::string LastOf(const std::string& name) {
     return {last.begin(), last.end()};
 }
 
+ReportFindings Find(Tool& tool, const Input& input, const ReportLimits& limits) {
+    ReportFindings findings;
+    FaultFinder finder(input.Bytes(), false);
+    Progress progress(tool, "verifying " + input.Name(), finder.Work());
+    finder.Find(
+        [&](const Fault& fault) {
+            if (++findings.counts[fault.kind] <= limits.findings) findings.first.push_back(fault);
+        },
+        [&](unsigned long long done) { progress.Show(done); });
+    return findings;
+}
+
 Exit MakeReport(Tool& tool, const ReportOptions& options) {
     const Input input(options.file);
     ReportLimits limits;
     limits.objects = options.objects;
-    const ReportData data = ReadReport(input.Bytes(), LastOf(input.Name()), {}, limits);
+    const ReportFindings findings = Find(tool, input, limits);
+    const ReportData data = ReadReport(input.Bytes(), LastOf(input.Name()), findings, limits);
     SaveResult(tool, options.out, PageOf(data), options.file);
     for (const std::string& cut : data.cuts) tool.Warn(input.Name(), cut);
     return Exit::Good;
@@ -69,10 +82,12 @@ void AddReport(CLI::App& zo, Tool& tool) {
     command->add_option("--objects", options->objects, "how many objects the page lists at most")
         ->type_name("N")
         ->capture_default_str();
-    command->footer(
-        "The page is one file that needs no other and no network: summary, findings, a map of the file's\n"
-        "bytes, bytes per class, a class diagram, and the objects with links along their pointers.\n\n"
-        "Examples:\n  zo report model.zo -o model.html\n  zo report --objects 1000000 city.zo -o city.html");
+    command->footer("The page is one file that needs no other and no network: "
+                    "summary, findings, a map of the file's\n"
+                    "bytes, bytes per class, a class diagram, and the objects "
+                    "with links along their pointers.\n\n"
+                    "Examples:\n  zo report model.zo -o model.html\n  zo report "
+                    "--objects 1000000 city.zo -o city.html");
     command->callback([&tool, options] {
         tool.command = [&tool, options] {
             return tool.Try(NameOf(options->file), [&] { return MakeReport(tool, *options); });

@@ -119,7 +119,8 @@ public:
             lengths.push_back(length);
         }
     }
-    /// Where there are too many stretches, neighbours become one; damage stays by itself.
+    /// Where there are too many stretches, neighbours become one; damage stays by
+    /// itself.
     void Put(Json& json, std::size_t most) {
         const auto isDamage = [](int part) { return part <= Damaged && part >= Unknown; };
         for (unsigned long long width = 256; parts.size() > most && width < (1ULL << 60); width *= 2) {
@@ -150,6 +151,48 @@ private:
     std::vector<unsigned long long> lengths;
 };
 
+const char* NameOf(FaultKind kind) {
+    switch (kind) {
+    case FaultKind::Header:
+        return "Header";
+    case FaultKind::Schema:
+        return "Schema";
+    case FaultKind::Garbage:
+        return "Bytes of no record";
+    case FaultKind::Checksum:
+        return "Wrong checksum";
+    case FaultKind::Marker:
+        return "Wrong marker";
+    case FaultKind::Size:
+        return "Wrong size";
+    case FaultKind::Torn:
+        return "Torn record";
+    case FaultKind::Digest:
+        return "Wrong digest";
+    case FaultKind::Uid:
+        return "Wrong uid";
+    case FaultKind::Class:
+        return "Unknown class";
+    case FaultKind::Payload:
+        return "Values that do not fit";
+    case FaultKind::Dangling:
+        return "Pointer to nothing";
+    case FaultKind::WrongClass:
+        return "Pointer to another class";
+    case FaultKind::Unreachable:
+        return "Unreachable object";
+    case FaultKind::Order:
+        return "Uids out of order";
+    case FaultKind::Count:
+        return "Count of records";
+    case FaultKind::Undecided:
+        return "Undecided field";
+    case FaultKind::Extra:
+        return "Extra block";
+    }
+    return "Finding";
+}
+
 class Report {
 public:
     Report(TZoBytes& bytes, const ReportLimits& limits) : bytes(bytes), limits(limits) {
@@ -163,7 +206,7 @@ public:
         sums.resize(classes.size());
     }
 
-    ReportData Read(const std::string& name, const std::vector<ReportFinding>& findings) {
+    ReportData Read(const std::string& name, const ReportFindings& findings) {
         ReadFrames();
         ReportData data;
         Json json;
@@ -186,9 +229,10 @@ public:
             data.cuts.push_back(
                 fmt::format("the page lists the first {} of {} objects", uids.size(), objects));
         }
-        if (findings.size() > limits.findings) {
+        const unsigned long long found = Total(findings, false) + Total(findings, true);
+        if (findings.first.size() < found) {
             data.cuts.push_back(
-                fmt::format("the page lists the first {} of {} findings", limits.findings, findings.size()));
+                fmt::format("the page lists {} of {} findings", findings.first.size(), found));
         }
         return data;
     }
@@ -203,7 +247,8 @@ private:
         return found == places.end() ? -1 : found->second;
     }
 
-    // ------------------------------------------------------------------------------------- the file, once
+    // -------------------------------------------------------------------------------------
+    // the file, once
 
     void ReadFrames() {
         TZoFrameReader& frames = records->GetFrames();
@@ -272,7 +317,8 @@ private:
         values.Raw("]");
     }
 
-    // --------------------------------------------------------------------------------------------- values
+    // ---------------------------------------------------------------------------------------------
+    // values
 
     void PutValue(const TZoValue& value) {
         switch (value.GetKind()) {
@@ -319,7 +365,8 @@ private:
         values.Raw("null");
     }
 
-    /// The text's place among the texts; of a text that is cut, that and its length.
+    /// The text's place among the texts; of a text that is cut, that and its
+    /// length.
     void PutString(std::string_view text) {
         const int index = texts.IndexOf(text.substr(0, limits.characters));
         if (text.size() <= limits.characters) {
@@ -344,7 +391,8 @@ private:
             static_cast<int>(std::min<std::size_t>(limits.items, std::numeric_limits<int>::max()));
         PutList(value, 1, std::min(value.NItems(), most), item);
     }
-    /// The items alone; with the number of all, or the application's integers, where there is more to tell.
+    /// The items alone; with the number of all, or the application's integers,
+    /// where there is more to tell.
     template <class Action>
     void PutList(const TZoValue& value, int half, int count, Action item) {
         const int integers = value.NIntegers(half);
@@ -364,7 +412,8 @@ private:
         values.Raw(plain ? "]" : "]}");
     }
 
-    // ------------------------------------------------------------------------------------- parts of the page
+    // -------------------------------------------------------------------------------------
+    // parts of the page
 
     const char* DigestName() const {
         switch (records->GetFrames().GetDigestState()) {
@@ -459,40 +508,43 @@ private:
         json.Raw("]");
     }
 
-    void PutFindings(Json& json, const std::vector<ReportFinding>& findings) {
-        const auto faults = static_cast<std::size_t>(std::count_if(
-            findings.begin(), findings.end(), [](const ReportFinding& one) { return one.fault; }));
+    /// How many of the findings are notes, or how many are not.
+    static unsigned long long Total(const ReportFindings& findings, bool notes) {
+        unsigned long long sum = 0;
+        for (const auto& [kind, count] : findings.counts) sum += IsNote(kind) == notes ? count : 0;
+        return sum;
+    }
+
+    void PutFindings(Json& json, const ReportFindings& findings) {
         json.Key("findings");
-        json.Raw(fmt::format("{{\"faults\":{},\"notes\":{},\"all\":{}", faults, findings.size() - faults,
-                             findings.size()));
-        std::unordered_map<std::string, std::size_t> kinds;
-        std::vector<std::string> names;
+        json.Raw(fmt::format("{{\"faults\":{},\"notes\":{}", Total(findings, false), Total(findings, true)));
+        json.Key("kinds"); // by number: name, count and whether it is a fault
+        json.Raw("{");
+        for (const auto& [kind, count] : findings.counts) {
+            json.Key(std::to_string(static_cast<int>(kind)));
+            json.Raw("[");
+            json.PutText(NameOf(kind));
+            json.Raw(fmt::format(",{},{}]", count, IsNote(kind) ? 0 : 1));
+        }
+        json.Raw("}");
         json.Key("rows");
-        json.Raw("[");
-        for (std::size_t i = 0; i < findings.size() && i < limits.findings; ++i) {
-            const ReportFinding& one = findings[i];
-            const auto [kind, isNew] = kinds.try_emplace(one.kind, kinds.size());
-            if (isNew) names.push_back(one.kind);
-            json.Comma();
-            json.Raw(fmt::format("[{},{},{},{},{},", one.fault ? 1 : 0, kind->second,
-                                 one.hasOffset ? fmt::format("{}", one.offset) : "-1", one.number, one.uid));
+        json.List(findings.first, [&](const Fault& one) {
+            json.Raw(fmt::format("[{},{},{},{},{},", IsNote(one.kind) ? 0 : 1, static_cast<int>(one.kind),
+                                 one.offset, one.number, one.uid));
             json.PutText(one.className);
             json.Raw(",");
             json.PutText(one.text);
             json.Raw("]");
-        }
-        json.Raw("]");
-        json.Key("kinds");
-        json.List(names, [&](const std::string& kind) { json.PutText(kind); });
+        });
         json.Raw("}");
     }
 
     std::string Diagram() const {
         if (classes.empty()) return "";
         if (classes.size() > MOST_CLASSES_DRAWN) {
-            return fmt::format(
-                "The {} classes of this file are too many for a page; zo schema --svg draws them.",
-                classes.size());
+            return fmt::format("The {} classes of this file are too many for a page; "
+                               "zo schema --svg draws them.",
+                               classes.size());
         }
         DiagramStyle style;
         style.inPage = true;
@@ -511,7 +563,8 @@ private:
     Json values;
     unsigned long long frameCount = 0, wholeFrames = 0, objects = 0, scrambled = 0, schemaSize = 0;
 
-    // The objects that are listed: what differs from the one before takes few digits.
+    // The objects that are listed: what differs from the one before takes few
+    // digits.
     std::vector<int> uids, ofClasses;
     std::vector<unsigned long long> sizes, gaps, steps;
     unsigned long long end = 0, number = 0;
@@ -519,7 +572,7 @@ private:
 
 } // namespace
 
-ReportData ReadReport(TZoBytes& bytes, const std::string& name, const std::vector<ReportFinding>& findings,
+ReportData ReadReport(TZoBytes& bytes, const std::string& name, const ReportFindings& findings,
                       const ReportLimits& limits) {
     return Report(bytes, limits).Read(name, findings);
 }

@@ -1,22 +1,19 @@
 #pragma once
 
+#include "faults.h"
+
 #include "ZoPrimitives/ZoFrames.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
 namespace ZoTool {
 
-/// What was found wrong, or worth noting, in a file.
-struct ReportFinding {
-    bool fault = true; ///< otherwise a note
-    std::string kind;  ///< in a few words
-    unsigned long long offset = 0;
-    bool hasOffset = false;
-    unsigned long long number = 0; ///< of the record; 0: none
-    int uid = 0;                   ///< 0: none
-    std::string className;         ///< empty: none
-    std::string text;              ///< a sentence
+/// What `FaultFinder` finds.
+struct ReportFindings {
+    std::vector<Fault> first; ///< as many as the page lists
+    std::map<FaultKind, unsigned long long> counts;
 };
 
 struct ReportLimits {
@@ -25,8 +22,8 @@ struct ReportLimits {
     std::size_t items = 1'000;            ///< of a list of values; pointers are there without exception
     std::size_t characters = 10'000;      ///< of a text
     std::size_t blob = 64;                ///< bytes of a blob
-    std::size_t findings = 20'000;
-    std::size_t stretches = 50'000; ///< of the map of the file's bytes
+    std::size_t findings = 5'000;         ///< of a kind
+    std::size_t stretches = 50'000;       ///< of the map of the file's bytes
 };
 
 /// What the page shows, in the parts that it is made of.
@@ -36,9 +33,9 @@ struct ReportData {
     std::vector<std::string> cuts; ///< what the page leaves out, in sentences
 };
 
-/// Reads a file once, whatever is damaged in it. `name` and the texts of findings are UTF-8. Throws `Trouble`
-/// for bytes that have nothing of an object file.
-ReportData ReadReport(ZoPrimitives::TZoBytes& bytes, const std::string& name,
-                      const std::vector<ReportFinding>& findings, const ReportLimits& limits = {});
+/// Reads a file once, whatever is damaged in it. `name` is UTF-8. Throws
+/// `Trouble` for bytes that have nothing of an object file.
+ReportData ReadReport(ZoPrimitives::TZoBytes& bytes, const std::string& name, const ReportFindings& findings,
+                      const ReportLimits& limits = {});
 
 } // namespace ZoTool

@@ -310,11 +310,10 @@ function showSummary() {
   document.title = `${file.name} · report`;
   byId('title').textContent = byId('bar-name').textContent = file.name;
   const verdict = byId('verdict');
-  const kinds = new Map();
-  for (const [fault, kind] of findings.rows) if (fault) kinds.set(kind, (kinds.get(kind) || 0) + 1);
-  const most = [...kinds].sort((a, b) => b[1] - a[1]).slice(0, 4).map(([kind, number]) => `${count(number)} × ${findings.kinds[kind]}`);
-  verdict.textContent = faults === 0 ? `Nothing is wrong with this file${notes > 0 ? `; there ${notes === 1 ? 'is a note' : `are ${count(notes)} notes`}` : ''}.`
-    : `${several(faults, 'fault')} in this file: ${most.join(', ')}${kinds.size > 4 ? ' …' : ''}.`;
+  const most = Object.values(findings.kinds).filter(([,, fault]) => fault).sort((a, b) => b[1] - a[1]).slice(0, 5)
+    .map(([name, number]) => `${name.toLowerCase()} ${count(number)}`);
+  verdict.textContent = faults > 0 ? `${several(faults, 'fault')} in this file: ${most.join(', ')}.`
+    : `Nothing is wrong with this file${notes === 0 ? '' : notes === 1 ? '; there is a note' : `; there are ${count(notes)} notes`}.`;
   verdict.classList.add(faults > 0 ? 'bad' : 'good');
   byId('bar-findings').textContent = faults > 0 ? count(faults) : '';
   const facts = [
@@ -363,16 +362,16 @@ function showFindings() {
     return;
   }
   let shown = all;
-  const rows = new Rows(list, 52, index => {
+  const HEIGHT = 68;
+  const rows = new Rows(list, HEIGHT, index => {
     const [fault, kind, offset, number, uid, of, text] = shown[index];
     const places = [
-      offset < 0 ? null : el('a', { href: `#b${offset}` }, `byte ${count(offset)}`),
-      number > 0 ? `record ${count(number)}` : null,
-    ].filter(part => part !== null).flatMap((part, i) => i ? [' · ', part] : [part]);
+      el('a', { href: `#b${offset}` }, `byte ${count(offset)}`), number > 0 ? ` · record ${count(number)}` : '',
+    ];
     const who = uid === 0 ? of : rowOf.has(uid) ? linkTo(uid) : `${of} ${uid}`.trim();
     return el('div', { class: `row finding ${fault ? 'fault' : 'note-row'}`, role: 'listitem', 'aria-setsize': shown.length, 'aria-posinset': index + 1 },
       el('span', { class: 'mark' }, fault ? '▲ ' : '○ ', el('span', { class: 'word' }, fault ? 'Fault' : 'Note')),
-      el('span', { class: 'text' }, el('span', {}, findings.kinds[kind]), el('span', { class: 'muted', title: text }, text)),
+      el('span', { class: 'text' }, el('span', {}, findings.kinds[kind][0]), el('span', { class: 'muted', title: text }, text)),
       el('span', { class: 'place' }, el('span', {}, ...places), el('span', {}, who)));
   });
   list.setAttribute('role', 'list');
@@ -380,19 +379,18 @@ function showFindings() {
   list.setAttribute('aria-labelledby', 'findings-title');
   const show = kind => {
     shown = kind < 0 ? all : all.filter(one => one[1] === kind);
-    list.style.height = `${Math.min(shown.length, 8) * 52 + 2}px`;
+    list.style.height = `${Math.min(shown.length, 6.5) * HEIGHT + 2}px`;
     rows.show(shown.length);
   };
-  const kinds = [...new Set(all.map(one => one[1]))];
+  const kinds = Object.entries(findings.kinds);
   if (kinds.length > 1) {
-    const number = kind => all.filter(one => one[1] === kind).length;
     byId('findings-choice').hidden = false;
-    byId('findings-kind').append(el('option', { value: -1 }, `all (${count(all.length)})`),
-      ...kinds.map(kind => el('option', { value: kind }, `${findings.kinds[kind]} (${count(number(kind))})`)));
+    byId('findings-kind').append(el('option', { value: -1 }, `all (${count(findings.faults + findings.notes)})`),
+      ...kinds.map(([kind, [name, number]]) => el('option', { value: kind }, `${name} (${count(number)})`)));
     byId('findings-kind').addEventListener('change', event => show(Number(event.target.value)));
   }
-  if (findings.all > all.length) {
-    list.after(el('p', { class: 'note' }, `These are the first ${count(all.length)} of ${count(findings.all)} findings.`));
+  if (all.length < findings.faults + findings.notes) {
+    list.after(el('p', { class: 'note' }, `These are ${count(all.length)} of ${count(findings.faults + findings.notes)} findings.`));
   }
   show(-1);
 }

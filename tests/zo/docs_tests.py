@@ -1,0 +1,52 @@
+"""The commands in docs/zo.md answer as the page says."""
+import os
+import re
+import shlex
+import subprocess
+import sys
+import unittest
+
+import harness
+
+ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+
+
+def examples():
+    """(words, answer) of each command with files that are there; "..." in an answer stands for any lines."""
+    with open(os.path.join(ROOT, "docs", "zo.md"), encoding="utf-8") as page:
+        blocks = re.findall(r"^```(\w*)\n(.*?)^```$", page.read(), re.M | re.S)
+    for block in (text for language, text in blocks if language == ""):
+        for example in re.split(r"^\$ zo ", block, flags=re.M)[1:]:
+            lines = example.splitlines()
+            count = 1
+            while "\n".join(lines[:count]).count("'") % 2:
+                count += 1
+            words = shlex.split("\n".join(lines[:count]))
+            if any("tests/data" in word or word == "saved.zo" for word in words):
+                yield words, lines[count:]
+
+
+class Examples(harness.ToolTest):
+    def test_examples(self):
+        files = os.path.relpath(os.path.join(ROOT, "tests", "data"), self.folder).replace(os.sep, "/")
+        told = 0
+        for words, answer in examples():
+            with self.subTest(" ".join(words)[:100]):
+                done = subprocess.run(harness._command + [word.replace("tests/data", files) for word in words], cwd=self.folder,
+                                      capture_output=True, timeout=120)
+                said = (done.stdout + done.stderr).decode("utf-8").replace("\r\n", "\n").replace(files, "tests/data")
+                wanted = "".join(".*" if line == "..." else re.escape(line) + "\n" for line in answer)
+                self.assertTrue(re.fullmatch(wanted, said, re.S), f"\n{said}\n--- instead of\n" + "\n".join(answer))
+                told += 1
+        self.assertGreater(told, 12)
+
+    def test_damaged_files_are_those_of_the_program(self):
+        script = os.path.join(ROOT, "tests", "data", "damage.py")
+        subprocess.run([sys.executable, "-B", script, self.folder], check=True)
+        for name in os.listdir(os.path.join(ROOT, "tests", "data", "damaged")):
+            with open(os.path.join(self.folder, name), "rb") as made:
+                self.assertEqual(made.read(), harness.contents(f"damaged/{name}"), name)
+
+
+if __name__ == "__main__":
+    harness.main()

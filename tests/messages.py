@@ -46,8 +46,7 @@ class Messages(unittest.TestCase):
             return done.returncode, done.stderr if done.returncode else (folder / "t.h").read_text(encoding="ascii")
 
     def test_templates_hold_the_texts_of_the_sources(self):
-        # Not yet those of zo: what it cannot say in another language it says in English.
-        templates = [path for folder in ("po", "examples") for path in (ROOT / folder).rglob("*.pot")]
+        templates = [path for folder in ("po", "examples", "tools") for path in (ROOT / folder).rglob("*.pot")]
         self.assertGreater(len(templates), 0)
         for path in templates:
             made = subprocess.run([ROOT / "cmake/messages/extract", path.relative_to(ROOT)], capture_output=True, check=True)

@@ -3,7 +3,7 @@ import os
 import struct
 
 import harness
-from harness import GOOD, NEGATIVE, TROUBLE, contents, data, made, patched
+from harness import GOOD, NEGATIVE, TROUBLE, contents, data, made, patched, shortened
 from objectfile import text
 
 KINDS = data("every-kind.zo")
@@ -93,6 +93,9 @@ An application with the classes of {b} loses of {a}:
         self.assertEqual(len(self.expect(NEGATIVE, "diff", "/dev/null", KINDS, says="8 objects added").out.splitlines()), 8 + 2)
         torn = self.file("torn.zo", contents("every-kind.zo")[:-1])
         self.expect(TROUBLE, "diff", KINDS, torn, says=("1 removed", "1 record damaged"))
+        short = self.file("short.zo", shortened(contents("every-kind.zo"), 8, 1))
+        for files in ((KINDS, short), (short, KINDS)):
+            self.expect(TROUBLE, "diff", *files, says="1 object not as the class says")
         for words, says in (([KINDS, "none.zo"], "none.zo: there is no such file"), ([KINDS], "B is required"),
                             ([KINDS, KINDS, "--by", "nope"], 'field "nope"'), ([KINDS, KINDS, "--abs", "-1"], "--abs")):
             with self.subTest(words):

@@ -2,7 +2,7 @@
 import json
 
 import harness
-from harness import GOOD, TROUBLE, contents, data, patched
+from harness import GOOD, TROUBLE, contents, data, patched, shortened
 
 FRAME, KINDS = data("frame9.zo"), data("every-kind.zo")
 LEAF = {"uid": 2, "class": "Leaf"}
@@ -100,6 +100,7 @@ class Dump(harness.ToolTest):
                 ("torn", whole[:-1], [], "1 record damaged", '"external":{"uid":8,"class":null}'),
                 ("lost", bytes(lost), [], "1 record damaged", '"external":{"uid":8,"class":"Leaf"}'),
                 ("stray", whole + b"abcd", [], "4 bytes between records", '"number":99'),
+                ("short", shortened(whole, 8, 1), ["--uid", 8], "1 object not as the class says", '"uid":8'),
                 ("lost, following", bytes(lost), ["--uid", 1, "--follow", 1], "leads to #8, which is damaged", '"number":10')):
             with self.subTest(name):
                 result = self.expect(TROUBLE, "dump", "--jsonl", *words, self.file("damaged.zo", bytes_), says=says)

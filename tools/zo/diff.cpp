@@ -227,7 +227,7 @@ private:
         const int uid = b.keys.Find(a.keys.Of(record.GetUid()));
         TZoRecord other;
         if (record.GetClass() == nullptr) return;
-        if (uid == 0 || !b.model.Reader().Find(uid, other) || other.GetClass() == nullptr) {
+        if (uid == 0 || !b.model.Find(uid, other) || other.GetClass() == nullptr) {
             ++removed;
             Print(Style::Bad, fmt::format("- {}", Named(record)), {});
             return;
@@ -247,7 +247,7 @@ private:
         if (seen.count(frame.uid) != 0 || (options.quiet && isDifferent)) return;
         ++added;
         TZoRecord record;
-        const bool found = b.model.Reader().Find(frame.uid, record) && record.GetClass() != nullptr;
+        const bool found = b.model.Find(frame.uid, record) && record.GetClass() != nullptr;
         Print(Style::Good, "+ " + (found ? Named(record) : fmt::format("#{}", frame.uid)), {});
     }
 

@@ -100,7 +100,7 @@ Exit DumpAround(Tool& tool, Model& model, Dump& dump, int start, int depth) {
     for (; !now.empty(); --depth) {
         std::vector<int> next;
         for (const int uid : now) {
-            if (!model.Reader().Find(uid, record)) {
+            if (!model.Find(uid, record)) {
                 if (uid == start) throw Trouble(Words("it has no object #{}; \"zo ls\" lists them", uid));
                 const bool isDamaged = model.Reader().ClassOf(uid) != nullptr;
                 if (isDamaged) end = Exit::Trouble;

@@ -26,7 +26,7 @@ std::unordered_set<int> Model::Family(const std::string& className) const {
 }
 
 void Model::Begin(bool headsOnly) {
-    damaged = strayed = unknown = misshapen = 0;
+    damaged = strayed = 0;
     stopped = false;
     reader.GetFrames().Restart();
     reader.GetFrames().SetHeadsOnly(headsOnly);
@@ -53,6 +53,7 @@ void Model::EachHead(const std::function<void(const TZoFrame&)>& visit) {
 void Model::Each(const Visit& visit, const std::unordered_set<int>* classes) {
     reader.GetUndecided(); // it looks through the file itself
     Begin(classes != nullptr);
+    unknown = misshapen = 0;
     decoded = true;
     TZoFrameReader& frames = reader.GetFrames();
     Progress progress(tool, Words("reading {}", Name()), input.Bytes().GetSize());
@@ -72,6 +73,12 @@ void Model::Each(const Visit& visit, const std::unordered_set<int>* classes) {
         Count(record);
         visit(record);
     }
+}
+
+bool Model::Find(int uid, TZoRecord& record) {
+    const bool found = reader.Find(uid, record);
+    if (found) Count(record);
+    return found;
 }
 
 void Model::Count(const TZoRecord& record) {

@@ -35,6 +35,9 @@ public:
     /// The head of each object that is whole as far as heads tell, in file order.
     void EachHead(const std::function<void(const ZoPrimitives::TZoFrame&)>& visit);
 
+    /// The object of a uid, wherever it stands; what does not fit its class counts as met by the pass.
+    bool Find(int uid, ZoPrimitives::TZoRecord& record);
+
     /// Tells what the latest pass met that is damaged, unknown or undecided: data is missing then, and the
     /// end is `Exit::Trouble`.
     Exit TellLosses();

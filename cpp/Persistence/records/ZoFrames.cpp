@@ -88,7 +88,7 @@ private:
 void TZoFrameReader::Hunt::ReadHeader() {
     const BytesWindow::Stretch bytes = window.At(0, sizeof whole);
     whole.block = {0, 0, 0};
-    std::memcpy(&whole, bytes.begin, bytes.size);
+    if (bytes.size != 0) std::memcpy(&whole, bytes.begin, bytes.size);
     const TBinHeader& header = whole.header;
     const bool isInRange = header.version < RecordFormat::VERSION_LIMIT &&
                            header.release < RecordFormat::RELEASE_LIMIT &&

@@ -1,5 +1,6 @@
 """The commands in docs/zo.md answer as the page says."""
 import os
+import pathlib
 import re
 import shlex
 import subprocess
@@ -8,22 +9,22 @@ import unittest
 
 import harness
 
-ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+ROOT = os.path.abspath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
+sys.path.append(os.path.join(ROOT, "tests", "docs"))
+import blocks
 
 
 def examples():
-    """(words, answer) of each command with files that are there; "..." in an answer stands for any lines."""
-    with open(os.path.join(ROOT, "docs", "zo.md"), encoding="utf-8") as page:
-        blocks = re.findall(r"^```(\w*)\n(.*?)^```$", page.read(), re.M | re.S)
-    for block in (text for language, text in blocks if language == ""):
-        for example in re.split(r"^\$ zo ", block, flags=re.M)[1:]:
+    """(words, answer) of each command; "..." in an answer stands for any lines."""
+    for block in blocks.blocks(pathlib.Path(ROOT, "docs", "zo.md")):
+        if "not run" in block.notes:
+            continue
+        for example in re.split(r"^\$ zo ", block.code, flags=re.M)[1:]:
             lines = example.splitlines()
             count = 1
             while "\n".join(lines[:count]).count("'") % 2:
                 count += 1
-            words = shlex.split("\n".join(lines[:count]))
-            if any("tests/data" in word or word == "saved.zo" for word in words):
-                yield words, lines[count:]
+            yield shlex.split("\n".join(lines[:count])), lines[count:]
 
 
 class Examples(harness.ToolTest):

@@ -1,0 +1,1 @@
+static const TZoText TEXTS[] = {{"Beam", {"Viga", "Beam", "Trabe"}}};

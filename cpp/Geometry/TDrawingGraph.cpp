@@ -102,7 +102,7 @@ private:
     std::vector<bool> removed;
 };
 
-class TDrawingGraph::Result {
+class ZO_HIDDEN TDrawingGraph::Result {
 public:
     Result(const Things& added, unsigned decimals) {
         std::vector<Stretch> stretches;

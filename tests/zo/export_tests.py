@@ -57,7 +57,7 @@ class Export(harness.ToolTest):
             with self.subTest(words):
                 self.expect(TROUBLE, "export", FRAME, *words, says=says)
         own = self.file("own.zo", contents("every-kind.zo"))
-        self.expect(TROUBLE, "export", own, "--force", "--sqlite", own, says="it is the file to be exported")
+        self.expect(TROUBLE, "export", own, "--force", "--sqlite", own, says="would replace a file that is read")
         self.expect(TROUBLE, "export", self.file("bad.zo", b"bad"), "--sqlite", self.out("bad.db"), says="bad.zo: ")
         with open(there, "rb") as file:
             self.assertEqual(file.read(), b"mine")

@@ -115,7 +115,7 @@ class Data(Report):
         self.page(data("frame9.zo"), "--objects", 50, says="the first 50 of 212 objects")
 
     def test_slips(self):
-        for words, says in (([data("frame9.zo"), "-o", data("frame9.zo")], "would replace the file itself"),
+        for words, says in (([data("frame9.zo"), "-o", data("frame9.zo")], "would replace a file that is read"),
                             ([data("frame9.zo"), "-o", os.path.join(self.folder, "none", "x.html")], "cannot be written"),
                             (["none.zo", "-o", os.path.join(self.folder, "x.html")], "there is no such file"),
                             ([data("README.md"), "-o", os.path.join(self.folder, "x.html")], "it is no object file")):

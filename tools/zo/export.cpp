@@ -2,21 +2,18 @@
 #include "database.h"
 #include "dump.h"
 #include "model.h"
-#include "system.h"
+#include "save.h"
 #include "tables.h"
 #include "words.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <cstdio>
-#include <filesystem>
 #include <memory>
 
 namespace ZoTool {
 
 using namespace ZoPrimitives;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -25,43 +22,6 @@ struct ExportOptions {
     std::string database;
     std::string lines;
     bool force = false;
-};
-
-/// A file that is made beside its place, and takes it when it is complete. Throws `Trouble` if something is
-/// there that may not be replaced.
-class NewFile {
-public:
-    NewFile(const std::string& utf8, const std::vector<std::string>& sources, bool replaces)
-        : name(utf8), place(PathOf(utf8)) {
-        std::error_code none;
-        for (const std::string& source : sources) {
-            if (source != "-" && fs::equivalent(PathOf(source), place, none))
-                throw Trouble(name + ": " + Words("it is the file to be exported; name another"));
-        }
-        if (!replaces && fs::exists(place, none))
-            throw Trouble(name + ": " + Words("it exists; --force replaces it"));
-        fs::remove(Part(), none);
-    }
-    ~NewFile() {
-        std::error_code none;
-        if (!isComplete) fs::remove(Part(), none);
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-
-    fs::path Part() const { return PathOf(name + "~part"); }
-    std::string PartName() const { return name + "~part"; }
-    void Complete() {
-        std::error_code error;
-        fs::rename(Part(), place, error);
-        if (error) throw Trouble(Words("{}: it cannot be written: {}", name, error.message()));
-        isComplete = true;
-    }
-
-private:
-    std::string name;
-    fs::path place;
-    bool isComplete = false;
 };
 
 Exit ExportDatabase(Tool& tool, const ExportOptions& options, const std::vector<std::string>& files) {
@@ -98,19 +58,13 @@ Exit ExportLines(Tool& tool, const Input& input, bool namesFile, Output& out, bo
 Exit ExportLines(Tool& tool, const ExportOptions& options, const std::vector<std::string>& files) {
     NewFile made(options.lines, files, options.force);
     Exit end = Exit::Good;
-    {
-        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenForWriting(made.PartName()),
-                                                                   std::fclose);
-        if (file == nullptr)
-            throw Trouble(options.lines + ": " + Words("it cannot be written; look at its folder"));
-        Output out(file.get());
-        bool isRead = false;
+    bool isRead = false;
+    made.Write([&](Output& out) {
         end = ForEach(tool, files, [&](const Input& input) {
             return ExportLines(tool, input, files.size() > 1, out, isRead);
         });
-        out.Flush();
-        if (!isRead) return end;
-    }
+    });
+    if (!isRead) return end;
     made.Complete();
     return end;
 }

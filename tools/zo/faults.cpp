@@ -260,9 +260,7 @@ void Search::CheckEnd(TZoFrameReader& frames, const TZoFrame& frame) {
         Tell({FaultKind::Garbage, Words("{} bytes behind the last record belong to none", frame.gap),
               frame.offset - frame.gap});
     }
-    // Bytes between the records make it wrong, too, and are told already.
-    if (frames.GetDigestState() == TZoDigestState::Wrong &&
-        frames.GetWantedDigest() != frames.GetFoundDigest()) {
+    if (frames.GetDigestState() == TZoDigestState::Wrong) {
         Tell(
             {FaultKind::Digest,
              Words("the digest 0x{:08X} is not that of the records, 0x{:08X}: one is missing, comes twice or "

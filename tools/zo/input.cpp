@@ -1,4 +1,5 @@
 #include "input.h"
+#include "paths.h"
 #include "words.h"
 
 #include "ZoPrimitives/XStream.h"
@@ -25,11 +26,6 @@ std::string ReadStandardInput() {
     return bytes;
 }
 
-std::string Utf8(const fs::path& path) {
-    const std::u8string utf8 = path.generic_u8string();
-    return {utf8.begin(), utf8.end()};
-}
-
 bool LooksLikeAnObjectFile(const fs::path& path) {
     if (path.extension() == ".zo") return true;
     try {
@@ -48,15 +44,13 @@ std::vector<std::string> FilesIn(const fs::path& folder) {
     std::vector<std::string> files;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
         if (entry.is_regular_file() && LooksLikeAnObjectFile(entry.path()))
-            files.push_back(Utf8(entry.path()));
+            files.push_back(Utf8Of(entry.path().generic_u8string())); // with "/" on every system
     }
     std::sort(files.begin(), files.end());
     return files;
 }
 
 } // namespace
-
-fs::path PathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
 
 std::string NameOf(const std::string& word) { return word == "-" ? Words("standard input") : word; }
 

@@ -4,7 +4,6 @@
 
 #include "ZoPrimitives/ZoFrames.h"
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -14,8 +13,6 @@ namespace ZoTool {
 
 /// A word of the command line that names a file, as messages show it.
 std::string NameOf(const std::string& word);
-
-std::filesystem::path PathOf(const std::string& utf8);
 
 /// One file of the command line, or standard input where its name is "-".
 class Input {

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "input.h"
+#include "paths.h"
 #include "report_data.h"
 #include "report_page.h"
 #include "save.h"
@@ -7,8 +8,6 @@
 #include "tool.h"
 
 #include <CLI/CLI.hpp>
-
-#include <filesystem>
 
 namespace ZoTool {
 
@@ -40,13 +39,6 @@ std::string PageOf(const ReportData& data) {
     return page;
 }
 
-/// A file's name without its folders.
-std::string LastOf(const std::string& name) {
-    const std::u8string last =
-        std::filesystem::path(std::u8string(name.begin(), name.end())).filename().u8string();
-    return {last.begin(), last.end()};
-}
-
 ReportFindings Find(Tool& tool, const Input& input, const ReportLimits& limits) {
     ReportFindings findings;
     FaultFinder finder(input.Bytes(), false);
@@ -64,7 +56,8 @@ Exit MakeReport(Tool& tool, const ReportOptions& options) {
     ReportLimits limits;
     limits.objects = options.objects;
     const ReportFindings findings = Find(tool, input, limits);
-    const ReportData data = ReadReport(input.Bytes(), LastOf(input.Name()), findings, limits);
+    const ReportData data =
+        ReadReport(input.Bytes(), Utf8Of(PathOf(input.Name()).filename()), findings, limits);
     SaveResult(tool, options.out, PageOf(data), options.file);
     for (const std::string& cut : data.cuts) tool.Warn(input.Name(), cut);
     return Exit::Good;

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "input.h"
+#include "paths.h"
 #include "salvaging.h"
 #include "text.h"
 #include "tool.h"
@@ -10,7 +11,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <memory>
 
 namespace ZoTool {
@@ -64,12 +64,7 @@ Exit SalvageFile(Tool& tool, const Salvaging& how) {
     const Input source(how.file);
     std::unique_ptr<Input> good;
     if (!how.good.empty()) good = std::make_unique<Input>(how.good);
-    std::error_code ignored;
-    for (const std::string& read : {how.file, how.good}) {
-        if (std::filesystem::equivalent(std::filesystem::u8path(how.target), std::filesystem::u8path(read),
-                                        ignored))
-            throw Trouble(Words("the new file would replace one that is read; give -o another name"));
-    }
+    RequireAnother(how.target, {how.file, how.good});
     Salvage salvage(source.Bytes(), good == nullptr ? nullptr : &good->Bytes(), [&](const Fault& loss) {
         tool.out.Print("{}: {}: {}\n", tool.out.Paint(Style::Name, source.Name()), PlaceOf(loss), loss.text);
     });

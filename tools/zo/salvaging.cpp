@@ -101,8 +101,7 @@ void Salvage::TakeFrames() {
     }
     loseGap();
     isAsWritten = frames.GetDigestState() == TZoDigestState::Right;
-    if (frames.GetDigestState() == TZoDigestState::Wrong &&
-        frames.GetWantedDigest() != frames.GetFoundDigest())
+    if (frames.GetDigestState() == TZoDigestState::Wrong)
         Lose({FaultKind::Digest,
               Words("the digest is wrong: a record may be missing, or a head or the header changed"), 36});
 }

@@ -1,49 +1,57 @@
 #include "save.h"
 
+#include "paths.h"
+#include "system.h"
 #include "tool.h"
 #include "words.h"
 
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <system_error>
+#include <memory>
 
 namespace ZoTool {
 
 namespace fs = std::filesystem;
 
-namespace {
+NewFile::NewFile(const std::string& utf8, const std::vector<std::string>& sources, bool replaces)
+    : name(utf8) {
+    RequireAnother(name, sources);
+    std::error_code none;
+    if (!replaces && fs::exists(PathOf(name), none))
+        throw Trouble(name + ": " + Words("it exists; --force replaces it"));
+    fs::remove(PathOf(PartName()), none);
+}
 
-fs::path PathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
+NewFile::~NewFile() {
+    std::error_code none;
+    if (!isComplete) fs::remove(PathOf(PartName()), none);
+}
 
-} // namespace
+std::string NewFile::PartName() const { return name + "~part"; }
 
-void SaveFile(const std::string& path, std::string_view contents) {
-    const fs::path target = PathOf(path);
-    fs::path beside = target;
-    beside += ".part";
+void NewFile::Write(const std::function<void(Output&)>& body) {
+    const std::string failure =
+        Words("{}: cannot be written; is there such a folder, may you write there, is there room?", name);
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenForWriting(PartName()), std::fclose);
+    if (file == nullptr) throw Trouble(failure);
+    Output out(file.get());
+    body(out);
+    out.Flush();
+    if (std::fclose(file.release()) != 0) throw Trouble(failure);
+}
+
+void NewFile::Complete() {
     std::error_code error;
-    std::ofstream file(beside, std::ios::binary | std::ios::trunc);
-    file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-    file.close();
-    if (!file) {
-        fs::remove(beside, error);
-        throw Trouble(Words(
-            "{}: cannot be written; is there such a folder, may you write there, is there room?", path));
-    }
-    fs::rename(beside, target, error);
-    if (!error) return;
-    const std::string why = error.message();
-    fs::remove(beside, error);
-    throw Trouble(Words("{}: cannot be replaced: {}", path, why));
+    fs::rename(PathOf(PartName()), PathOf(name), error);
+    if (error) throw Trouble(Words("{}: cannot be replaced: {}", name, error.message()));
+    isComplete = true;
 }
 
 void SaveResult(Tool& tool, const std::string& path, std::string_view contents, const std::string& source) {
     if (path == "-") return tool.out.Write(contents);
-    std::error_code error;
-    if (fs::equivalent(PathOf(path), PathOf(source), error)) {
-        throw Trouble(Words("the result would replace the file itself; give it another name"));
-    }
-    SaveFile(path, contents);
+    NewFile made(path, {source}, true);
+    made.Write([&](Output& out) { out.Write(contents); });
+    made.Complete();
 }
 
 } // namespace ZoTool

@@ -2,6 +2,7 @@
 #include "database.h"
 #include "fields.h"
 #include "input.h"
+#include "paths.h"
 #include "table.h"
 #include "tables.h"
 #include "text.h"

@@ -12,6 +12,7 @@ from collections.abc import Iterable, Iterator, Mapping, Sequence
 from typing import Any, BinaryIO
 
 from . import _frames
+from ._fields import Fields
 from ._records import Encoder, UidMap, Uids, Values
 from .errors import ModelError, UnknownNameError
 from .reading import File, Source
@@ -40,15 +41,14 @@ class ObjectMap(list[tuple["Object | None", "Object | None"]]):
     single = False
 
 
-class Object:
+class Object(Fields):
     """An object of a model. Its fields are its items and, where the name allows, its attributes.
 
     A list is there from the beginning, empty; giving it another value changes its items. A map takes a dictionary, too.
     Values are checked when they are given (ModelError), and those in lists when the model is saved.
     """
 
-    __slots__ = ("cls", "_model", "_values")
-    cls: Class
+    __slots__ = ("_model", "_values")
     _model: Model
     _values: list[Any]
 
@@ -56,16 +56,6 @@ class Object:
         object.__setattr__(self, "cls", cls)
         object.__setattr__(self, "_model", model)
         object.__setattr__(self, "_values", [])
-
-    def keys(self) -> Iterable[str]:
-        """The names of the fields, inherited ones included; see `Class.positions`."""
-        return self.cls.positions.keys()
-
-    def __iter__(self) -> Iterator[str]:
-        return iter(self.cls.positions)
-
-    def __contains__(self, name: object) -> bool:
-        return name in self.cls.positions
 
     def __getitem__(self, name: str) -> Any:
         return self._values[self.cls.position(name)]
@@ -85,14 +75,6 @@ class Object:
             raise _complaint(self, field, error) from None
         for same in self.cls.twins(position):
             self._values[same] = value
-
-    def __getattr__(self, name: str) -> Any:
-        if name.startswith("_"):
-            raise AttributeError(name)
-        try:
-            return self[name]
-        except UnknownNameError as error:
-            raise AttributeError(str(error)) from None
 
     def __setattr__(self, name: str, value: Any) -> None:
         try:

@@ -12,6 +12,7 @@ from collections.abc import Iterable, Iterator, Mapping, Sequence
 from typing import Any, overload
 
 from . import _frames
+from ._fields import Fields
 from ._layouts import LayoutSearch, Reading, known_layouts
 from ._pandas import dataframe_of
 from ._records import Decoder, ShortRecord, UidMap, Uids
@@ -23,7 +24,7 @@ Source = str | os.PathLike[str] | bytes
 """A path, or the bytes of a file."""
 
 
-class Record:
+class Record(Fields):
     """An object of a file, for reading. Its fields are its items and, where the name allows, its attributes.
 
     `record["name"]` and `record.name` give a number, a text (str), a blob (bytes) or a flag as such, a pointer as the
@@ -32,7 +33,7 @@ class Record:
     same `File`.
     """
 
-    __slots__ = ("_file", "_position", "_values", "cls")
+    __slots__ = ("_file", "_position", "_values")
 
     def __init__(self, file: File, position: int) -> None:
         self._file = file
@@ -52,16 +53,6 @@ class Record:
             self._values = self._file._decode(self._position)
         return self._values
 
-    def keys(self) -> Iterable[str]:
-        """The names of the fields, inherited ones included; see `Class.positions`."""
-        return self.cls.positions.keys()
-
-    def __iter__(self) -> Iterator[str]:
-        return iter(self.cls.positions)
-
-    def __contains__(self, name: object) -> bool:
-        return name in self.cls.positions
-
     def __getitem__(self, name: str) -> Any:
         raw = self.raw
         position = self.cls.position(name)
@@ -74,14 +65,6 @@ class Record:
         if isinstance(value, UidMap):
             return RecordMap(self, name, value)
         return value
-
-    def __getattr__(self, name: str) -> Any:
-        if name.startswith("_"):
-            raise AttributeError(name)
-        try:
-            return self[name]
-        except UnknownNameError as error:
-            raise AttributeError(str(error)) from None
 
     def __eq__(self, other: object) -> bool:
         return isinstance(other, Record) and self._file is other._file and self._position == other._position

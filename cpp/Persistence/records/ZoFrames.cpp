@@ -19,7 +19,7 @@ using Offset = unsigned long long;
 
 /// Looks for frames. What it does in vain is charged to an allowance that grows with what is read, so that no
 /// file makes it work much longer than its size tells.
-class TZoFrameReader::Hunt {
+class ZO_HIDDEN TZoFrameReader::Hunt {
 public:
     explicit Hunt(TZoBytes& bytes) : window(bytes), end(window.End()) {
         ReadHeader();
@@ -75,7 +75,6 @@ private:
     Offset at = 0;
     Offset number = 0;
     Offset spent = 0;
-    bool isDamaged = false; // something so far
     HeadDigest digest;
     std::vector<unsigned char> plain; // a payload that was scrambled
     // No frame between these two is to be believed; one begins at the second, unless it is the end.
@@ -113,7 +112,6 @@ TZoDigestState TZoFrameReader::Hunt::DigestState() {
     if (headerState != TZoHeaderState::Right || !HasDigestBlock() || whole.block.layout == DigestBlock::NONE)
         return TZoDigestState::None;
     if (whole.block.layout != DigestBlock::LAYOUT) return TZoDigestState::Unknown;
-    if (isDamaged) return TZoDigestState::Wrong;
     if (at != end) return TZoDigestState::Open;
     return FoundDigest() == whole.block.digest ? TZoDigestState::Right : TZoDigestState::Wrong;
 }
@@ -122,7 +120,6 @@ void TZoFrameReader::Hunt::Restart() {
     at = first;
     number = 0;
     spent = 0;
-    isDamaged = false;
     digest = HeadDigest();
     payload = nullptr;
     payloadSize = 0;
@@ -249,10 +246,11 @@ Offset TZoFrameReader::Hunt::NextBelievable(Offset from) {
 
 // Frames
 
-bool TZoFrameReader::Hunt::Fill(TZoFrame& frame, const RecordHead& head, Offset length, TZoFrameState state) {
-    frame.offset = at;
+namespace {
+
+void Describe(TZoFrame& frame, const RecordHead& head, Offset offset, Offset length, TZoFrameState state) {
+    frame.offset = offset;
     frame.length = length;
-    frame.number = ++number;
     frame.marker = head.marker;
     frame.size = head.size;
     frame.crc = head.crc;
@@ -260,11 +258,15 @@ bool TZoFrameReader::Hunt::Fill(TZoFrame& frame, const RecordHead& head, Offset 
     frame.uid = head.uid;
     frame.key = head.key;
     frame.state = state;
+}
+
+} // namespace
+
+bool TZoFrameReader::Hunt::Fill(TZoFrame& frame, const RecordHead& head, Offset length, TZoFrameState state) {
+    Describe(frame, head, at, length, state);
+    frame.number = ++number;
     at += length;
-    if (state != TZoFrameState::Whole) {
-        isDamaged = true;
-        return true;
-    }
+    if (state != TZoFrameState::Whole) return true;
     unsigned char bytes[HEAD_SIZE];
     RecordFormat::WriteHead(bytes, head);
     digest.Add(bytes);
@@ -313,7 +315,6 @@ bool TZoFrameReader::Hunt::Next(TZoFrame& frame) {
     if (at != end) {
         const Offset next = NextBelievable(at + 1);
         frame.gap = next - at;
-        isDamaged = true;
         at = next;
         if (at != end && TakeHere(frame)) return true;
     }
@@ -336,15 +337,7 @@ bool TZoFrameReader::Hunt::ReadAt(Offset offset, TZoFrame& frame) {
                           : fits                          ? TZoFrameState::WrongCrc
                                                           : TZoFrameState::Torn;
     if (fits && Verify(offset, head)) state = TZoFrameState::Whole;
-    frame.offset = offset;
-    frame.length = fits ? HEAD_SIZE + head.size : end - offset;
-    frame.marker = head.marker;
-    frame.size = head.size;
-    frame.crc = head.crc;
-    frame.classId = head.classId;
-    frame.uid = head.uid;
-    frame.key = head.key;
-    frame.state = state;
+    Describe(frame, head, offset, fits ? HEAD_SIZE + head.size : end - offset, state);
     return true;
 }
 

@@ -70,7 +70,7 @@ private:
 
 } // namespace
 
-class TZoRecordReader::Body {
+class ZO_HIDDEN TZoRecordReader::Body {
 public:
     Body(std::unique_ptr<TZoBytes> own, TZoBytes& bytes, std::shared_ptr<TZoMetaData> itsSchema)
         : owned(std::move(own)), frames(bytes), apart(bytes), schema(std::move(itsSchema)) {

@@ -14,6 +14,13 @@
 #define ZO_API
 #endif
 
+// ZO_HIDDEN: a class that only the library's sources define, inside one that it exports.
+#if defined(__GNUC__) && !defined(_WIN32)
+#define ZO_HIDDEN __attribute__((visibility("hidden")))
+#else
+#define ZO_HIDDEN
+#endif
+
 // An instantiation that the library exports is declared in a header and defined in one source. mingw exports
 // it by the declaration, Microsoft's compiler by the definition, and that one refuses the other's form.
 #if defined(_WIN32) && !defined(__MINGW32__) && defined(ZO_BUILDING_LIBRARY) && !defined(ZO_STATIC)

@@ -1,30 +1,22 @@
 #include "system.h"
 
+#include "paths.h"
+
 #include <windows.h>
 
 #include <fcntl.h>
-#include <filesystem>
 #include <io.h>
 #include <shellapi.h>
 #include <stdlib.h>
 
 namespace ZoTool {
 
-namespace {
-
-std::string Utf8(const wchar_t* text) {
-    const std::u8string utf8 = std::filesystem::path(text).u8string();
-    return {utf8.begin(), utf8.end()};
-}
-
-} // namespace
-
 // Those that `main` is given lost what the code page lacks.
 std::vector<std::string> Arguments(int, char**) {
     int count = 0;
     wchar_t** const given = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::string> words;
-    for (int i = 0; i < count; ++i) words.push_back(Utf8(given[i]));
+    for (int i = 0; i < count; ++i) words.push_back(Utf8Of(given[i]));
     LocalFree(given);
     return words;
 }
@@ -45,14 +37,11 @@ bool IsTerminal(std::FILE* stream) {
            SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
-std::FILE* OpenForWriting(const std::string& path) {
-    return _wfopen(std::filesystem::path(std::u8string(path.begin(), path.end())).c_str(), L"wb");
-}
+std::FILE* OpenForWriting(const std::string& path) { return _wfopen(PathOf(path).c_str(), L"wb"); }
 
 std::string Environment(const char* name) {
-    const std::wstring wide = std::filesystem::path(name).wstring();
-    const wchar_t* const value = _wgetenv(wide.c_str());
-    return value == nullptr ? "" : Utf8(value);
+    const wchar_t* const value = _wgetenv(PathOf(name).c_str());
+    return value == nullptr ? "" : Utf8Of(value);
 }
 
 } // namespace ZoTool

@@ -65,7 +65,7 @@ class SalvageTests(harness.ToolTest):
     def test_refuses_to_write_over_what_it_reads(self):
         path = self.file("a.zo", FRAME)
         for words in ((path, "-o", path), (data("frame9-version4.zo"), "--schema-from", path, "-o", path)):
-            self.expect(TROUBLE, "salvage", *words, says="give -o another name")
+            self.expect(TROUBLE, "salvage", *words, says="would replace a file that is read")
         with open(path, "rb") as file:
             self.assertEqual(file.read(), FRAME)
 

@@ -127,7 +127,7 @@ Exit Model::TellLosses() {
     for (const TZoRecordReader::Undecided& field : reader.GetUndecided()) {
         tool.Warn(Name(),
                   Words("the records of {} do not tell whether {} stands with integers of the application's; "
-                        "it is read without",
+                        "it is read in the plainest way",
                         ClassName(*field.recordClass), FieldName(*field.field)));
     }
     return end;

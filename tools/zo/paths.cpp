@@ -16,8 +16,7 @@ void RequireAnother(const std::string& target, const std::vector<std::string>& s
     std::error_code none; // of a file that is not there
     for (const std::string& source : sources) {
         if (source != "-" && std::filesystem::equivalent(PathOf(source), PathOf(target), none))
-            throw Trouble(
-                Words("{}: the result would replace a file that is read; give it another name", target));
+            throw Trouble(Words("the result would replace a file that is read; give it another name"));
     }
 }
 

@@ -72,7 +72,9 @@ Exit SalvageFile(Tool& tool, const Salvaging& how) {
     if (objects == 0) throw Trouble(Words("no object can be had of it; no file was written"));
     WriteTo(TZoPath::FromUtf8(how.target.c_str()), salvage);
     const bool isWhole = salvage.Losses() == 0;
-    const std::string end = isWhole ? Words("nothing lost") : Words("{} losses", salvage.Losses());
+    const std::string end = isWhole                 ? Words("nothing lost")
+                            : salvage.Losses() == 1 ? Words("1 loss")
+                                                    : Words("{} losses", salvage.Losses());
     tool.out.Print("{}: {}, {}\n", tool.out.Paint(Style::Name, how.target), Counted(objects, "object"),
                    tool.out.Paint(isWhole ? Style::Good : Style::Note, end));
     return isWhole ? Exit::Good : Exit::Negative;

@@ -80,7 +80,7 @@ enum class TZoRecordState {
     PastEnd       ///< a value reaches beyond the end; it and those behind it are not there
 };
 
-/// One object of a file: a view, valid until its reader's next call.
+/// One object of a file: a view, valid until its reader's next `Next`, `Find` or `Read`.
 class ZO_API TZoRecord {
 public:
     int GetUid() const { return frame.uid; }

@@ -23,6 +23,8 @@ DAMAGES = (
     ("a torn record before others", FRAME[:RECORDS[5] + 30] + FRAME[RECORDS[6]:], OBJECTS - 1, ["its payload is lost"]),
     ("a payload", changed(LAST + 26), OBJECTS - 1, [f"offset {LAST}, record {OBJECTS + 1}, uid {OBJECTS} ("]),
     ("the end", FRAME[:-1], OBJECTS - 1, ["the file ends after"]),
+    ("a reference to another class", contents("damaged/wrong-reference.zo"), 482,
+     ["its field 'start' becomes null: it wants a 'Node' and refers to uid 192, which is a 'Storey'", "2 losses"]),
     ("the version", changed(1, 100), OBJECTS, ["the header is damaged; version and release become 0"]),
 )
 

@@ -5,6 +5,7 @@
 #include "values.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace ZoTool {
 
@@ -46,8 +47,20 @@ Keys::Keys(Model& itsModel, const std::string& field) : byUid(field.empty()), mo
         hasField = hasField || std::find(names.begin(), names.end(), field) != names.end();
     }
     itsModel.Each([&](const TZoRecord& record) { Add(itsModel, field, record); });
-    owned.clear();
-    counts.clear();
+    owned = {};
+    counts = {};
+    Sort();
+}
+
+/// Of several objects with one uid the last is that of the uid; of several with one key, too.
+void Keys::Sort() {
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const Entry& one, const Entry& other) { return one.uid < other.uid; });
+    byKey.resize(entries.size());
+    std::iota(byKey.begin(), byKey.end(), std::size_t{0});
+    std::sort(byKey.begin(), byKey.end(), [this](std::size_t one, std::size_t other) {
+        return std::pair(entries[one].key, one) < std::pair(entries[other].key, other);
+    });
 }
 
 void Keys::Add(Model& from, const std::string& field, const TZoRecord& record) {
@@ -68,8 +81,8 @@ void Keys::Add(Model& from, const std::string& field, const TZoRecord& record) {
     }
     const Key base = hash.Value();
     const Key key = hash.Add(counts[base]++).Value();
-    keys[record.GetUid()] = key;
-    uids[key] = record.GetUid();
+    entries.push_back({record.GetUid(), key});
+    if (owner != owned.end()) owned.erase(owner);
     AddOwned(key, from, record);
 }
 
@@ -89,14 +102,19 @@ void Keys::AddOwned(Key owner, Model& from, const TZoRecord& record) {
 
 Keys::Key Keys::Of(int uid) const {
     if (byUid || uid == 0) return static_cast<Key>(static_cast<unsigned>(uid));
-    const auto found = keys.find(uid);
-    return found == keys.end() ? Hash().Add(4).Add(static_cast<unsigned>(uid)).Value() : found->second;
+    const auto behind = std::upper_bound(entries.begin(), entries.end(), uid,
+                                         [](int wanted, const Entry& entry) { return wanted < entry.uid; });
+    const bool isThere = behind != entries.begin() && behind[-1].uid == uid;
+    return isThere ? behind[-1].key : Hash().Add(4).Add(static_cast<unsigned>(uid)).Value();
 }
 
 int Keys::Find(Key key) const {
     if (byUid) return model->Reader().ClassOf(static_cast<int>(key)) == nullptr ? 0 : static_cast<int>(key);
-    const auto found = uids.find(key);
-    return found == uids.end() ? 0 : found->second;
+    const auto behind =
+        std::upper_bound(byKey.begin(), byKey.end(), key,
+                         [this](Key wanted, std::size_t place) { return wanted < entries[place].key; });
+    const bool isThere = behind != byKey.begin() && entries[behind[-1]].key == key;
+    return isThere ? entries[behind[-1]].uid : 0;
 }
 
 } // namespace ZoTool

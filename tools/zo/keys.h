@@ -6,6 +6,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace ZoTool {
 
@@ -30,14 +31,20 @@ public:
 
 private:
     void Add(Model& model, const std::string& field, const ZoPrimitives::TZoRecord& record);
+    void Sort();
     void AddOwned(Key owner, Model& model, const ZoPrimitives::TZoRecord& record);
 
     bool byUid;
     bool hasField = false;
     Model* model;
-    std::unordered_map<int, Key> keys;
-    std::unordered_map<Key, int> uids;
-    std::unordered_map<int, Key> owned; // objects that are yet to come, by their owners
+    struct Entry {
+        int uid;
+        Key key;
+    };
+    std::vector<Entry> entries;     // by uid
+    std::vector<std::size_t> byKey; // their places
+    // While the file is read: the objects that are yet to come, by their owners, and how often a key was had.
+    std::unordered_map<int, Key> owned;
     std::unordered_map<Key, unsigned> counts;
 };
 

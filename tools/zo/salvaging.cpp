@@ -179,9 +179,20 @@ std::vector<std::uint32_t>::const_iterator Salvage::FirstOf(int uid) const {
                             [&](std::uint32_t i, int wanted) { return found[i].uid < wanted; });
 }
 
-bool Salvage::IsKept(int uid) const {
+const Salvage::Found* Salvage::Kept(int uid) const {
     const auto place = FirstOf(uid);
-    return place != byUid.end() && found[*place].uid == uid;
+    return place != byUid.end() && found[*place].uid == uid ? &found[*place] : nullptr;
+}
+
+/// Why a field cannot refer to that uid; empty if it can.
+std::string Salvage::WhyNull(const TZoClassField& field, int uid) const {
+    const Found* const target = Kept(uid);
+    if (target == nullptr) return Words("it refers to uid {}, which is lost", uid);
+    const TZoClass* const wanted = WantedClass(field);
+    const TZoClass* const itsClass = schema->FindClass(target->classId);
+    if (wanted == nullptr || itsClass == nullptr || itsClass->IsInherited(wanted)) return "";
+    return Words("it wants a '{}' and refers to uid {}, which is a '{}'", ClassName(*wanted), uid,
+                 NameOf(target->classId));
 }
 
 // What can be believed
@@ -208,9 +219,7 @@ void Salvage::ForEachReference(const TZoRecord& record, const Action& action) co
     for (int i = 1; i <= record.NValues(); ++i) {
         const TZoValue value = record.Value(i);
         const TZoClassField& field = value.GetField();
-        if (!field.IsPointerKind() ||
-            std::find(undecided.begin(), undecided.end(), &field) != undecided.end())
-            continue;
+        if (!field.IsPointerKind() || undecided.count({record.GetClass(), &field}) != 0) continue;
         const int halves = value.GetKind() == ftChildPointerMap ? 2 : 1;
         for (int half = 1; half <= halves; ++half) {
             for (int item = 1, count = value.NItems(half); item <= count; ++item) {
@@ -306,7 +315,8 @@ std::size_t Salvage::Choose() {
             "file of the same version of the application"));
     }
     records = std::make_unique<TZoRecordReader>(source, schema);
-    for (const TZoRecordReader::Undecided& one : records->GetUndecided()) undecided.push_back(one.field);
+    for (const TZoRecordReader::Undecided& one : records->GetUndecided())
+        undecided.emplace(one.recordClass, one.field);
     LoseInnerFiles();
     PutInOrder();
     Index();
@@ -325,11 +335,12 @@ unsigned long long Salvage::Write(TBinOutStream& target) {
     ForEachRecord([&](const Found& at, const TZoRecord& record) {
         payload.assign(record.GetPayload(), record.GetPayload() + record.GetSize());
         ForEachReference(record, [&](const TZoValue& value, int uid, const unsigned char* place) {
-            if (IsKept(uid)) return;
+            const std::string why = WhyNull(value.GetField(), uid);
+            if (why.empty()) return;
             std::memset(payload.data() + (place - record.GetPayload()), 0, 4);
             Lose({FaultKind::Dangling,
-                  Words("its field '{}' becomes null: it refers to uid {}, which is lost",
-                        OnOneLine(Utf8(value.GetField().GetFieldName())), uid),
+                  Words("its field '{}' becomes null: {}", OnOneLine(Utf8(value.GetField().GetFieldName())),
+                        why),
                   at.offset, at.number, at.uid, NameOf(at.classId)});
         });
         ZoWriteRecord(target, at.uid, at.classId, payload.data(), static_cast<unsigned>(payload.size()));

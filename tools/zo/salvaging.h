@@ -8,7 +8,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ZoTool {
@@ -74,7 +76,8 @@ private:
     void ChooseAmongSameUids();
     void LoseStrangers();
     std::vector<std::uint32_t>::const_iterator FirstOf(int uid) const;
-    bool IsKept(int uid) const;
+    const Found* Kept(int uid) const;
+    std::string WhyNull(const ZoPrimitives::TZoClassField& field, int uid) const;
     template <class Action>
     void ForEachRecord(const Action& action);
     template <class Action>
@@ -95,7 +98,7 @@ private:
     std::unique_ptr<ZoPrimitives::TZoRecordReader> records;
     std::vector<Found> found;         // in file order
     std::vector<std::uint32_t> byUid; // of those not lost
-    std::vector<const ZoPrimitives::TZoClassField*> undecided;
+    std::set<std::pair<const ZoPrimitives::TZoClass*, const ZoPrimitives::TZoClassField*>> undecided;
 };
 
 } // namespace ZoTool

@@ -25,9 +25,16 @@ LIBRARY = next(path.parent for path in PREFIX.glob("lib*/**/libZoPrimitives.so")
 COMPILE = [os.environ.get("CXX", "c++"), "-std=c++17", "-O0", "-Wall", "-Wextra", "-Werror", "-Wno-unused",
            "-isystem", PREFIX / "include"]
 LINK = ["-L", LIBRARY, "-lZoPrimitives", f"-Wl,-rpath,{LIBRARY}", "-pthread"]
-OTHERS = {"boost": ["-lboost_serialization"], "protobuf": ["-lprotobuf"]}  # libraries that programs include
+OTHERS = {"boost/": ["-lboost_serialization"]}  # libraries that programs include
 # Blocks that other tests run.
 ELSEWHERE = {("docs/zo.md", ""): "zo/docs_tests.py", ("docs/python.md", "pycon"): "python/package_tests.py"}
+
+
+NOW = {}  # where "cd" has led in the folder of a page
+
+
+def here(folder):
+    return NOW.get(folder, folder)
 
 
 def run(command, folder, given=None):
@@ -64,6 +71,14 @@ def agrees(shown, printed):
     wanted = "".join(r"(?:.*\n)*" if line.strip() == "..." else re.escape(line.rstrip()) + r" *\n"
                      for line in shown[:-1].split("\n"))
     return re.fullmatch(wanted, printed) is not None
+
+
+def says(comment, printed):
+    """Several lines are shown as "a, b and c" or "a; b"; "..." stands for anything."""
+    lines = "\n".join(line.strip() for line in printed.strip().split("\n"))
+    wanted = re.sub(r"(,\\ |\\ and\\ |;\\ )", r"(?:\1|\n)", re.escape(comment)).replace(r"\ \.\.\.", r"\s.*")
+    wanted = wanted.replace(r"\.\.\.", ".*")
+    return re.fullmatch(wanted, lines, re.S) is not None
 
 
 def errors(said):
@@ -155,8 +170,7 @@ class Notebook(Program):
         found = []
         for block in self.blocks:
             for line, shown in prints(block).items():
-                lines = by_line.get(line, "").strip().split("\n")
-                if not re.fullmatch("(?:, | and |; )".join(re.escape(text.strip()) for text in lines), shown):
+                if not says(shown, by_line.get(line, "")):
                     found.append(differ(f"{block.page}:{line}", by_line.get(line, ""), shown))
         return found
 
@@ -173,7 +187,9 @@ class Commands:
         for part in re.split(r"^(?=\$ )", self.block.code, flags=re.M):
             if part.startswith("$ "):
                 command, shown = self.divided(part[2:])
-                done = run(["bash", "-c", command], folder)
+                if move := re.fullmatch(r"cd (\S+)", command):
+                    NOW[folder] = here(folder) / move[1]
+                done = run(["bash", "-c", command if not move else "true"], here(folder))
                 printed = decoded(done.stdout)
                 if not agrees(shown, printed) or not shown and done.returncode != 0:
                     found.append(differ(f"{self.block.page}:{line}", printed, shown))
@@ -201,7 +217,7 @@ class Script:
         self.block = block
 
     def check(self, folder):
-        done = run([sys.executable, "-c", textwrap.dedent(self.block.code)], folder)
+        done = run([sys.executable, "-c", textwrap.dedent(self.block.code)], here(folder))
         printed = decoded(done.stdout)
         if done.returncode != 0:
             return [f"{self.block.place}: this ends with {done.returncode}:\n{printed}"]
@@ -230,10 +246,10 @@ def steps(found):
     """What is to be done for the blocks of one page, one after another."""
     program = notebook = None
     for block in found:
-        if "not run" in block.notes or (block.page, block.language) in ELSEWHERE:
-            continue
         if "file" in block.notes:
             yield File(block)
+        if "not run" in block.notes or (block.page, block.language) in ELSEWHERE:
+            continue
         if block.language == "cpp" and block.program:
             program, notebook = block, None
             yield Program(block)

@@ -1,8 +1,10 @@
-// The closed regions of drawings, compared with GEOS, which nodes and polygonizes the same lines.
+// The closed regions of drawings and overlays of regions, compared with GEOS, which nodes and polygonizes the
+// same lines, and overlays the same polygons.
 
 #include "bench.h"
 
 #include "ZoPrimitives/TDrawingGraph.h"
+#include "ZoPrimitives/TRegion.h"
 
 #include <geos_c.h>
 
@@ -16,7 +18,9 @@ namespace bench {
 namespace {
 
 using ZoPrimitives::Point2D;
+using ZoPrimitives::TContour;
 using ZoPrimitives::TDrawingGraph;
+using ZoPrimitives::TRegion;
 using ZoPrimitives::TSegment2D;
 using Line = std::array<double, 4>;
 
@@ -105,6 +109,81 @@ void RunDrawing(std::size_t count, bool withPeer, int runs) {
     std::printf("\n");
 }
 
+/// A star with a rough border, about the middle.
+std::vector<Point2D> RoughStar(std::size_t vertices, unsigned seed, double x, double y) {
+    constexpr double PI = 3.141592653589793;
+    std::mt19937 engine(seed);
+    std::vector<Point2D> points;
+    for (std::size_t i = 0; i < vertices; ++i) {
+        const double angle = 2 * PI * static_cast<double>(i) / static_cast<double>(vertices);
+        const double rough = static_cast<double>(engine() & 0xFFFF) / 0x10000;
+        const double r = 400 + 10 * std::sin(37 * angle + seed) + rough;
+        points.emplace_back(x + r * std::cos(angle), y + r * std::sin(angle));
+    }
+    return points;
+}
+
+TRegion RegionOf(const std::vector<Point2D>& points) {
+    TContour contour;
+    contour.Reserve(points.size());
+    for (const Point2D& point : points) contour.Add(point);
+    return TRegion(contour);
+}
+
+GEOSGeometry* PolygonOf(GEOSContextHandle_t handle, const std::vector<Point2D>& points) {
+    GEOSCoordSequence* ring = GEOSCoordSeq_create_r(handle, static_cast<unsigned>(points.size()) + 1, 2);
+    for (unsigned i = 0; i <= points.size(); ++i) {
+        const Point2D& point = points[i % points.size()];
+        GEOSCoordSeq_setXY_r(handle, ring, i, point.X(), point.Y());
+    }
+    return GEOSGeom_createPolygon_r(handle, GEOSGeom_createLinearRing_r(handle, ring), nullptr, 0);
+}
+
+/// Overlays of two regions whose borders cross some hundred times.
+void RunOverlays(unsigned vertices, int runs) {
+    using Ours = TRegion (TRegion::*)(const TRegion&, unsigned) const;
+    using Theirs = GEOSGeometry* (*)(GEOSContextHandle_t, const GEOSGeometry*, const GEOSGeometry*);
+    struct Overlay {
+        const char* name;
+        Ours ours;
+        Theirs theirs;
+    };
+    const Overlay overlays[] = {{"union", &TRegion::Union, GEOSUnion_r},
+                                {"intersection", &TRegion::Intersection, GEOSIntersection_r},
+                                {"difference", &TRegion::Difference, GEOSDifference_r},
+                                {"exclusive or", &TRegion::ExclusiveOr, GEOSSymDifference_r}};
+    const auto first = RoughStar(vertices, 1, 500, 500), second = RoughStar(vertices, 2, 520, 510);
+    const TRegion a = RegionOf(first), b = RegionOf(second);
+    const auto handle = GEOS_init_r();
+    GEOSGeometry *p = PolygonOf(handle, first), *q = PolygonOf(handle, second);
+    for (const auto& [name, ours, theirs] : overlays) {
+        std::printf("  %7u vertices each   %-12s", vertices, name);
+        double area = 0, theirArea = 0;
+        for (const unsigned precision : {EXACT, 6u}) {
+            std::vector<double> times;
+            for (int run = 0; run < runs; ++run) {
+                const double start = Now();
+                const TRegion found = (a.*ours)(b, precision);
+                times.push_back((Now() - start) / 1e6);
+                area = found.Area();
+            }
+            std::printf("   %s %6.0f", precision == EXACT ? "exact" : "tolerance", Median(times));
+        }
+        std::vector<double> times;
+        for (int run = 0; run < runs; ++run) {
+            const double start = Now();
+            GEOSGeometry* found = theirs(handle, p, q);
+            times.push_back((Now() - start) / 1e6);
+            GEOSArea_r(handle, found, &theirArea);
+            GEOSGeom_destroy_r(handle, found);
+        }
+        const bool same = std::abs(area - theirArea) < 1e-6 * area;
+        std::printf("   GEOS %6.0f%s\n", Median(times), same ? "" : "   DIFFERENT AREAS");
+    }
+    for (GEOSGeometry* geometry : {p, q}) GEOSGeom_destroy_r(handle, geometry);
+    GEOS_finish_r(handle);
+}
+
 } // namespace
 
 void RunDrawings(int runs, bool quick) {
@@ -113,6 +192,8 @@ void RunDrawings(int runs, bool quick) {
                 "among 100,000 faces in less than 2000 ns), ms\n");
     for (const unsigned count : {10'000u, 25'000u, 100'000u}) RunDrawing(count, true, runs);
     if (!quick) RunDrawing(1'000'000, false, 1);
+    std::printf("\nOverlays of two regions (no slower than GEOS), ms\n");
+    for (const unsigned vertices : {10'000u, 100'000u}) RunOverlays(vertices, runs);
 }
 
 } // namespace bench

@@ -253,7 +253,6 @@ void Arrangement::MergeOverlapping(const std::vector<bool>& overlapping) {
                 all.insert(all.end(), labels.Begin(label), labels.End(label));
             }
             std::sort(all.begin(), all.end());
-            all.erase(std::unique(all.begin(), all.end()), all.end());
             edges[several[i]].label = static_cast<unsigned>(labels.Count());
             labels.values.insert(labels.values.end(), all.begin(), all.end());
             labels.EndRange();

@@ -50,7 +50,7 @@ public:
 
     std::vector<Node> nodes;
     std::vector<Edge> edges;
-    Ranges labels;                // of an edge: range `label`
+    Ranges labels;                // of an edge: range `label`, sorted; one for each time that it was drawn
     Ranges around;                // half-edges that leave a node, counter-clockwise from straight down
     std::vector<unsigned> next;   // half-edge around the same face
     std::vector<Face> faces;      // 0 is the outer one

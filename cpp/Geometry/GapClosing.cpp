@@ -11,6 +11,8 @@ namespace ZoPrimitives {
 
 namespace {
 
+constexpr int MOST_ROUNDS = 20;
+
 double Along(const LDPoint& from, const LDPoint& to, const LDPoint& p) {
     return (p.x - from.x) * (to.x - from.x) + (p.y - from.y) * (to.y - from.y);
 }
@@ -201,6 +203,22 @@ void GapClosing::Apply(std::vector<Stretch>& stretches, Ranges& labels, std::vec
             labels.EndRange();
             from = to;
         }
+    }
+}
+
+std::unique_ptr<Arrangement> CloseGaps(std::vector<Stretch> stretches, Ranges labels, unsigned precision,
+                                       std::vector<GapClosing::Move>& moves, bool& settled) {
+    auto arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
+    settled = true;
+    if (precision >= FIRST_WITHOUT_TOLERANCE) return arrangement;
+    for (int round = 0;; ++round) {
+        GapClosing gaps(*arrangement, precision);
+        settled = !gaps.Moves();
+        if (settled || round == MOST_ROUNDS) return arrangement;
+        std::vector<Stretch> moved;
+        Ranges movedLabels;
+        gaps.Apply(moved, movedLabels, moves);
+        arrangement = std::make_unique<Arrangement>(std::move(moved), std::move(movedLabels));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Geometry/Arrangement.h"
 
+#include <memory>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -44,5 +45,13 @@ private:
     std::vector<unsigned> target; // of a node: itself, or the node that it moves to
     std::vector<LDPoint> places;  // of nodes, moved
 };
+
+/// At precisions from this one on, nothing is near enough to be moved.
+constexpr unsigned FIRST_WITHOUT_TOLERANCE = 21;
+
+/// The arrangement of stretches, with everything moved onto what it is near to; `moves` get what was moved,
+/// and `settled` becomes false if something was near still after 20 rounds.
+std::unique_ptr<Arrangement> CloseGaps(std::vector<Stretch> stretches, Ranges labels, unsigned precision,
+                                       std::vector<GapClosing::Move>& moves, bool& settled);
 
 } // namespace ZoPrimitives

@@ -1,5 +1,6 @@
 #include "Geometry/Pieces.h"
 
+#include "Geometry/ChordFrame.h"
 #include "Geometry/Predicates.h"
 
 #include <algorithm>
@@ -11,45 +12,6 @@ namespace {
 
 constexpr double PI = 3.141592653589793;
 constexpr unsigned MOST_PARTS = 1 << 20;
-
-/// A circular piece in the frame of its chord: the origin in the middle, x along the chord, y to the arc's
-/// side.
-struct Frame {
-    LDPoint middle;
-    LDPoint along;
-    LDPoint beside;
-    double chord;
-    double bulge; // not negative
-
-    explicit Frame(const TPathPiece& piece)
-        : middle(piece.from + (piece.to - piece.from) * 0.5), bulge(std::abs(piece.bulge)) {
-        const LDPoint step = piece.to - piece.from;
-        chord = std::hypot(step.x, step.y);
-        along = chord > 0 ? step * (1 / chord) : LDPoint(1, 0);
-        beside = piece.bulge > 0 ? LDPoint(along.y, -along.x) : LDPoint(-along.y, along.x);
-    }
-
-    double HalfAngle() const { return 2 * std::atan(bulge); }
-    double Radius() const { return chord * (1 + bulge * bulge) / (4 * bulge); }
-    LDPoint ToFrame(const LDPoint& p) const {
-        const LDPoint from = p - middle;
-        return {from.x * along.x + from.y * along.y, from.x * beside.x + from.y * beside.y};
-    }
-    LDPoint FromFrame(const LDPoint& p) const { return middle + along * p.x + beside * p.y; }
-    /// The point of the circle at an angle from the middle of the arc.
-    LDPoint OnCircle(double angle) const {
-        const double half = HalfAngle();
-        const double radius = Radius();
-        return {radius * std::sin(angle),
-                2 * radius * std::sin((half + angle) / 2) * std::sin((half - angle) / 2)};
-    }
-    /// The centre lies so far below the chord, times the bulge; finite for a straight piece too.
-    double DepthTimesBulge() const { return chord * (1 - bulge * bulge) / 4; }
-    /// The power of a point with regard to the circle, times the bulge: negative inside.
-    double PowerTimesBulge(const LDPoint& p) const {
-        return bulge * (p.x * p.x + p.y * p.y - chord * chord / 4) + 2 * p.y * DepthTimesBulge();
-    }
-};
 
 LDPoint NearestOnChord(const TPathPiece& piece, const LDPoint& point) {
     const LDPoint step = piece.to - piece.from;
@@ -94,7 +56,7 @@ void AddSegment(Integrals& sum, const TPathPiece& piece) {
                                 0.7699026741943047, 0.9041172563704749, 0.9815606342467192};
     constexpr double WEIGHTS[] = {0.2491470458134028, 0.2334925365383548, 0.2031674267230659,
                                   0.1600783285433462, 0.1069393259953184, 0.0471753363865118};
-    const Frame frame(piece);
+    const ChordFrame frame(piece);
     const double half = frame.HalfAngle();
     const double radius = frame.Radius();
     double area = 0, first = 0, across = 0, along = 0; // of 1, y, y^2 and x^2 in the frame
@@ -147,7 +109,7 @@ double LengthOf(const TPathPiece& piece) {
 void AddBounds(RRect& box, const TPathPiece& piece) {
     box.Add(Point2D(piece.from.x, piece.from.y)).Add(Point2D(piece.to.x, piece.to.y));
     if (piece.bulge == 0 || piece.from == piece.to) return;
-    const Frame frame(piece);
+    const ChordFrame frame(piece);
     const double cosine = (1 - frame.bulge * frame.bulge) / (1 + frame.bulge * frame.bulge);
     for (const LDPoint& axis : {LDPoint(1, 0), LDPoint(0, 1), LDPoint(-1, 0), LDPoint(0, -1)}) {
         const double towards = axis.x * frame.beside.x + axis.y * frame.beside.y;
@@ -160,7 +122,7 @@ void AddBounds(RRect& box, const TPathPiece& piece) {
 
 LDPoint NearestPointOf(const TPathPiece& piece, const LDPoint& point) {
     if (piece.bulge == 0 || piece.from == piece.to) return NearestOnChord(piece, point);
-    const Frame frame(piece);
+    const ChordFrame frame(piece);
     const LDPoint p = frame.ToFrame(point);
     const double depth = frame.DepthTimesBulge();
     const LDPoint fromCentre(frame.bulge * p.x, frame.bulge * p.y + depth);
@@ -174,14 +136,14 @@ LDPoint NearestPointOf(const TPathPiece& piece, const LDPoint& point) {
 
 unsigned PartsOf(const TPathPiece& piece, double chordError) {
     if (piece.bulge == 0 || piece.from == piece.to) return 1;
-    const Frame frame(piece);
+    const ChordFrame frame(piece);
     const double reach = std::sqrt(std::min(1.0, chordError / (2 * frame.Radius())));
     const double parts = std::ceil(frame.HalfAngle() / std::min(2 * std::asin(reach), PI / 4) - 1e-9);
     return static_cast<unsigned>(std::clamp(parts, 1.0, static_cast<double>(MOST_PARTS)));
 }
 
 std::vector<LDPoint> PointsOf(const TPathPiece& piece, unsigned parts) {
-    const Frame frame(piece);
+    const ChordFrame frame(piece);
     const double half = frame.HalfAngle();
     std::vector<LDPoint> points;
     points.reserve(parts - 1);
@@ -219,7 +181,7 @@ bool Encloses(const std::vector<TPathPiece>& pieces, const LDPoint& point) {
         if (side == 0) side = level ? (piece.to.x > piece.from.x ? 1 : -1) : (upward ? -1 : 1);
         if ((piece.from.y > point.y) != (piece.to.y > point.y) && (side > 0) == upward) inside = !inside;
         if (piece.bulge == 0 || side != (piece.bulge > 0 ? -1 : 1)) continue;
-        const Frame frame(piece);
+        const ChordFrame frame(piece);
         if (frame.PowerTimesBulge(frame.ToFrame(point)) < 0) inside = !inside;
     }
     return inside;

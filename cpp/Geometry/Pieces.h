@@ -2,6 +2,7 @@
 
 #include "ZoPrimitives/TPath2D.h"
 
+#include <cmath>
 #include <vector>
 
 namespace ZoPrimitives {
@@ -10,6 +11,11 @@ namespace ZoPrimitives {
 // flattest ones are as good as any.
 
 inline LDPoint operator+(const LDPoint& a, const LDPoint& b) { return a.OffsetBy(b); }
+
+inline bool IsFinite(const LDPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+inline bool IsFinite(const TPathPiece& piece) {
+    return IsFinite(piece.from) && IsFinite(piece.to) && std::isfinite(piece.bulge);
+}
 
 double LengthOf(const TPathPiece& piece);
 void AddBounds(RRect& box, const TPathPiece& piece);

@@ -2,6 +2,7 @@
 
 #include "Geometry/GapClosing.h"
 #include "Geometry/Pieces.h"
+#include "Geometry/Rings.h"
 #include "Values/FullTurn.h"
 #include "ZoPrimitives/Math2.h"
 #include "ZoPrimitives/TPolyline2D.h"
@@ -9,19 +10,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
 
 namespace ZoPrimitives {
 
 namespace {
 
 constexpr const char* SOURCE = "cpp/Geometry/TDrawingGraph";
-constexpr int MOST_ROUNDS = 20;
-constexpr unsigned FIRST_WITHOUT_TOLERANCE = 21;
 
 Point2D PointOf(const LDPoint& p) { return {p.x, p.y}; }
-
-bool IsFinite(const LDPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
 } // namespace
 
@@ -36,9 +32,7 @@ public:
     static void Check(const TPath2D& path) {
         const unsigned long long count = path.NPieces();
         for (unsigned long long i = 1; i <= count; ++i) {
-            const TPathPiece piece = path.Piece(i);
-            ZO_ASSERT(IsFinite(piece.from) && IsFinite(piece.to) && std::isfinite(piece.bulge),
-                      "finite coordinates", SOURCE);
+            ZO_ASSERT(IsFinite(path.Piece(i)), "finite coordinates", SOURCE);
         }
     }
     void Add(const TPath2D& path, double error) {
@@ -108,15 +102,7 @@ public:
         std::vector<Stretch> stretches;
         Ranges labels;
         added.Collect(stretches, labels);
-        arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
-        if (decimals >= FIRST_WITHOUT_TOLERANCE) return;
-        for (int round = 0;; ++round) {
-            GapClosing gaps(*arrangement, decimals);
-            settled = !gaps.Moves();
-            if (settled || round == MOST_ROUNDS) return;
-            gaps.Apply(stretches, labels, moves);
-            arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
-        }
+        arrangement = CloseGaps(std::move(stretches), std::move(labels), decimals, moves, settled);
     }
 
     /// Of the region that a closed walk goes around, counted from `origin`.
@@ -138,41 +124,19 @@ public:
         halves.insert(halves.end(), found.holes.begin(), found.holes.end());
         return halves;
     }
+    /// Without repetition.
+    std::vector<unsigned> ThingsOf(unsigned edge) const {
+        const unsigned label = arrangement->edges[edge].label;
+        std::vector<unsigned> numbers(arrangement->labels.Begin(label), arrangement->labels.End(label));
+        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+        return numbers;
+    }
     TRegion Region(unsigned face) const;
 
     std::unique_ptr<Arrangement> arrangement;
     std::vector<GapClosing::Move> moves;
     bool settled = true;
-
-private:
-    unsigned NextOfRing(unsigned half) const;
-    void AddRing(TRegion& region, const std::vector<unsigned>& ring) const;
 };
-
-/// The next half-edge around the face that is no bridge.
-unsigned TDrawingGraph::Result::NextOfRing(unsigned half) const {
-    unsigned h = arrangement->next[half];
-    while (arrangement->bridge[h / 2]) h = arrangement->next[h ^ 1];
-    return h;
-}
-
-/// A closed walk that meets no node twice: at its least node it turns left if it goes around the region.
-void TDrawingGraph::Result::AddRing(TRegion& region, const std::vector<unsigned>& ring) const {
-    const std::size_t count = ring.size();
-    std::size_t least = 0;
-    for (std::size_t i = 1; i < count; ++i) {
-        if (arrangement->CompareNodes(arrangement->Origin(ring[i]), arrangement->Origin(ring[least])) < 0)
-            least = i;
-    }
-    TContour contour;
-    contour.Reserve(count);
-    for (const unsigned half : ring)
-        contour.Add(PointOf(arrangement->nodes[arrangement->Origin(half)].point));
-    if (arrangement->Turn(ring[(least + count - 1) % count], ring[least]) > 0)
-        region.AddContour(contour);
-    else
-        region.AddHole(contour);
-}
 
 TRegion TDrawingGraph::Result::Region(unsigned face) const {
     TRegion region;
@@ -185,28 +149,18 @@ TRegion TDrawingGraph::Result::Region(unsigned face) const {
         } while (h != border);
     }
     std::sort(halves.begin(), halves.end());
-    std::vector<bool> seen(halves.size());
-    const auto isSeen = [&](unsigned half) -> std::vector<bool>::reference {
-        return seen[static_cast<std::size_t>(std::lower_bound(halves.begin(), halves.end(), half) -
-                                             halves.begin())];
-    };
-    // Where a walk comes back to a node, it has closed a ring.
-    std::vector<unsigned> walk;
-    std::unordered_map<unsigned, std::size_t> places; // of nodes in the walk
-    for (const unsigned start : halves) {
-        for (unsigned h = start; !isSeen(h); h = NextOfRing(h)) {
-            isSeen(h) = true;
-            places[arrangement->Origin(h)] = walk.size();
-            walk.push_back(h);
-            const auto met = places.find(arrangement->Target(h));
-            if (met == places.end()) continue;
-            const std::vector<unsigned> ring(walk.begin() + static_cast<std::ptrdiff_t>(met->second),
-                                             walk.end());
-            for (const unsigned closed : ring) places.erase(arrangement->Origin(closed));
-            walk.resize(walk.size() - ring.size());
-            AddRing(region, ring);
-        }
-    }
+    ForEachRing(
+        *arrangement, halves, [&](unsigned half) { return !arrangement->bridge[half / 2]; },
+        [&](const std::vector<unsigned>& ring) {
+            TContour contour;
+            contour.Reserve(ring.size());
+            for (const unsigned half : ring)
+                contour.Add(PointOf(arrangement->nodes[arrangement->Origin(half)].point));
+            if (IsOuterRing(*arrangement, ring))
+                region.AddContour(contour);
+            else
+                region.AddHole(contour);
+        });
     return region;
 }
 
@@ -319,14 +273,13 @@ unsigned TLineEdge::LeftFace() const { return graph->Found().arrangement->faceOf
 unsigned TLineEdge::RightFace() const { return graph->Found().arrangement->faceOf[2 * (number - 1) + 1]; }
 
 unsigned TLineEdge::NThings() const {
-    const Arrangement& a = *graph->Found().arrangement;
-    return static_cast<unsigned>(a.labels.Size(a.edges[number - 1].label));
+    return static_cast<unsigned>(graph->Found().ThingsOf(number - 1).size());
 }
 
 unsigned TLineEdge::Thing(unsigned index) const {
-    ZO_ASSERT(index - 1 < NThings(), "index >= 1 && index <= NThings()", SOURCE);
-    const Arrangement& a = *graph->Found().arrangement;
-    return a.labels.Begin(a.edges[number - 1].label)[index - 1];
+    const std::vector<unsigned> things = graph->Found().ThingsOf(number - 1);
+    ZO_ASSERT(index - 1 < things.size(), "index >= 1 && index <= NThings()", SOURCE);
+    return things[index - 1];
 }
 
 bool TLineEdge::IsBridge() const { return graph->Found().arrangement->bridge[number - 1]; }

@@ -1,9 +1,11 @@
 #include "ZoPrimitives/TRegion.h"
 
+#include "Geometry/Overlay.h"
 #include "Geometry/Pieces.h"
 #include "Geometry/VertexNumbers.h"
 #include "Values/PointClass.h"
 #include "ZoPrimitives/InputStreamer.h"
+#include "ZoPrimitives/Math2.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -101,17 +103,43 @@ RRect TRegion::BoundingBox() const {
 
 TLocation TRegion::Locate(const Point2D& point, unsigned precision) const {
     const LDPoint p(point.X(), point.Y());
-    bool inside = false;
-    bool inHole = false;
+    int within = 0;
     for (unsigned long long i = 1; i <= NContours(); ++i) {
         const std::vector<TPathPiece> pieces = PiecesOf(i);
         for (const TPathPiece& piece : pieces) {
             const LDPoint nearest = NearestPointOf(piece, p);
             if (nearest == p || Point2D(nearest.x, nearest.y).Equal(point, precision)) return OnBorder;
         }
-        if (Encloses(pieces, p)) (IsHole(i) ? inHole : inside) = true;
+        if (Encloses(pieces, p)) within += IsHole(i) ? -1 : 1;
     }
-    return inside && !inHole ? InsideRegion : OutsideRegion;
+    return within > 0 ? InsideRegion : OutsideRegion;
+}
+
+TRegion TRegion::Union(const TRegion& other, unsigned precision) const {
+    return Overlaid(other, static_cast<int>(OverlayKind::UNION), precision);
+}
+TRegion TRegion::Intersection(const TRegion& other, unsigned precision) const {
+    return Overlaid(other, static_cast<int>(OverlayKind::INTERSECTION), precision);
+}
+TRegion TRegion::Difference(const TRegion& other, unsigned precision) const {
+    return Overlaid(other, static_cast<int>(OverlayKind::DIFFERENCE), precision);
+}
+TRegion TRegion::ExclusiveOr(const TRegion& other, unsigned precision) const {
+    return Overlaid(other, static_cast<int>(OverlayKind::EXCLUSIVE_OR), precision);
+}
+
+TRegion TRegion::Overlaid(const TRegion& other, int kind, unsigned precision) const {
+    Equal(0, 0, precision); // asserts the precision
+    std::vector<OverlayBorder> borders;
+    for (const unsigned operand : {0u, 1u}) {
+        const TRegion& region = operand == 0 ? *this : other;
+        for (unsigned long long i = 1; i <= region.NContours(); ++i) {
+            borders.push_back({region.PiecesOf(i), operand, region.IsHole(i)});
+            for (const TPathPiece& piece : borders.back().pieces)
+                ZO_ASSERT(IsFinite(piece), "finite coordinates", SOURCE);
+        }
+    }
+    return Overlay(borders, static_cast<OverlayKind>(kind), precision);
 }
 
 bool TRegion::operator==(const TRegion& other) const {

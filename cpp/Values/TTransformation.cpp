@@ -1,9 +1,10 @@
 #include "ZoPrimitives/TTransformation.h"
 
 #include "Values/PointClass.h"
+#include "ZoPrimitives/FloatMatrix.h"
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
-#include "ZoPrimitives/TVector3D.h"
+#include "ZoPrimitives/TTransformationParts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +13,50 @@
 namespace ZoPrimitives {
 
 ZO_POINT_BODY(TTransformation)
+
+namespace {
+
+/// The first rows and columns.
+FloatMatrix CornerOf(const TTransformation& transformation, unsigned size) {
+    FloatMatrix corner(size, size);
+    for (unsigned row = 1; row <= size; ++row) {
+        for (unsigned column = 1; column <= size; ++column)
+            corner.Element(row, column, transformation.Element(row, column));
+    }
+    return corner;
+}
+
+bool IsAffine(const TTransformation& t) {
+    return t.Element(4, 1) == 0 && t.Element(4, 2) == 0 && t.Element(4, 3) == 0 && t.Element(4, 4) == 1;
+}
+
+TVector3D ColumnOf(const TTransformation& t, unsigned column) {
+    return {t.Element(1, column), t.Element(2, column), t.Element(3, column)};
+}
+
+void SetColumn(TTransformation& t, unsigned column, const TVector3D& v) {
+    t.Element(1, column, v.X());
+    t.Element(2, column, v.Y());
+    t.Element(3, column, v.Z());
+}
+
+/// Sets axis and angle of a rotation from its quaternion, whose largest part is found first: the others
+/// follow without loss.
+void SetAxisAndAngle(TTransformationParts& parts) {
+    const auto e = [&](unsigned row, unsigned column) { return parts.rotation.Element(row, column); };
+    const double squares[] = {1 + e(1, 1) + e(2, 2) + e(3, 3), 1 + e(1, 1) - e(2, 2) - e(3, 3),
+                              1 - e(1, 1) + e(2, 2) - e(3, 3), 1 - e(1, 1) - e(2, 2) + e(3, 3)};
+    const double x = e(3, 2) - e(2, 3), y = e(1, 3) - e(3, 1), z = e(2, 1) - e(1, 2);
+    const double xy = e(2, 1) + e(1, 2), xz = e(1, 3) + e(3, 1), yz = e(3, 2) + e(2, 3);
+    const double rows[4][4] = {
+        {squares[0], x, y, z}, {x, squares[1], xy, xz}, {y, xy, squares[2], yz}, {z, xz, yz, squares[3]}};
+    const double* q = rows[std::max_element(std::begin(squares), std::end(squares)) - std::begin(squares)];
+    const TVector3D part(q[1], q[2], q[3]);
+    parts.angle = 2 * std::atan2(part.Magnitude(), std::abs(q[0]));
+    if (part.Magnitude() > 0) parts.axis = part.Normalized() * (q[0] < 0 ? -1 : 1);
+}
+
+} // namespace
 
 TZoClass* TTransformation::Register(TZoMetaData* schema) {
     return RegisterPoint<TTransformation>(schema, "TTransformation", "NULL",
@@ -76,6 +121,65 @@ TTransformation TTransformation::operator*(const TTransformation& right) const {
         }
     }
     return product;
+}
+
+double TTransformation::Determinant() const { return CornerOf(*this, IsAffine(*this) ? 3 : 4).Determinant(); }
+
+bool TTransformation::Invert(TTransformation& inverse) const {
+    const unsigned size = IsAffine(*this) ? 3 : 4;
+    FloatMatrix inverted;
+    if (!CornerOf(*this, size).Invert(inverted)) return false;
+    TTransformation result;
+    for (unsigned row = 1; row <= size; ++row) {
+        for (unsigned column = 1; column <= size; ++column)
+            result.Element(row, column, inverted.Element(row, column));
+    }
+    if (size == 3) {
+        TVector3D back = -ColumnOf(*this, 4);
+        SetColumn(result, 4, back.Transform(result));
+    }
+    inverse = result;
+    return true;
+}
+
+bool TTransformation::Decompose(TTransformationParts& parts) const {
+    FloatMatrix unused;
+    if (!IsAffine(*this) || !CornerOf(*this, 3).Invert(unused)) return false;
+    // Orthogonalises the columns, each twice, which is enough for the remainder of a cancellation.
+    TTransformationParts found;
+    TVector3D axes[3];
+    double along[3][3] = {};
+    for (unsigned column = 0; column < 3; ++column) {
+        const TVector3D image = ColumnOf(*this, column + 1);
+        TVector3D rest = image;
+        for (int pass = 0; pass < 2; ++pass) {
+            for (unsigned i = 0; i < column; ++i) {
+                const double part = axes[i].DotProduct(rest);
+                along[i][column] += part;
+                rest = rest - axes[i] * part;
+            }
+        }
+        along[column][column] = rest.Magnitude();
+        axes[column] = rest.Normalized();
+    }
+    if (axes[0].CrossProduct(axes[1]).DotProduct(axes[2]) < 0) {
+        const double diagonal[] = {axes[0].X(), axes[1].Y(), axes[2].Z()};
+        const auto mirrored =
+            std::min_element(std::begin(diagonal), std::end(diagonal)) - std::begin(diagonal);
+        axes[mirrored] = -axes[mirrored];
+        for (double& element : along[mirrored]) element = -element;
+    }
+    for (unsigned column = 1; column <= 3; ++column) {
+        SetColumn(found.rotation, column, axes[column - 1]);
+        const double factor = along[column - 1][column - 1];
+        found.scaling.Element(column, column, factor);
+        for (unsigned row = 1; row < column; ++row)
+            found.shear.Element(row, column, along[row - 1][column - 1] / factor);
+    }
+    SetColumn(found.translation, 4, ColumnOf(*this, 4));
+    SetAxisAndAngle(found);
+    parts = found;
+    return true;
 }
 
 void TTransformation::TransformPoint(double& x, double& y, double& z) const {

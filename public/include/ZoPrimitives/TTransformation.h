@@ -4,6 +4,8 @@
 
 namespace ZoPrimitives {
 
+struct TTransformationParts;
+
 /// A transformation of space: a 4x4 matrix M that maps a point, as the column (x, y, z, 1), to M (x, y, z,
 /// 1). The translation is in the last column. If the fourth coordinate w of a result is neither 1 nor 0, the
 /// others are divided by it.
@@ -30,6 +32,14 @@ public:
     void Element(unsigned row, unsigned column, double value);
     /// Applies `right` first, then this transformation.
     TTransformation operator*(const TTransformation& right) const;
+    /// Negative for a mirror image.
+    double Determinant() const;
+    /// False, with `inverse` unchanged, for a transformation that flattens space: whose matrix is singular,
+    /// as `FloatMatrix` says.
+    [[nodiscard]] bool Invert(TTransformation& inverse) const;
+    /// False, with `parts` unchanged, for a transformation that flattens space, or whose last row is not (0,
+    /// 0, 0, 1).
+    [[nodiscard]] bool Decompose(TTransformationParts& parts) const;
 
     void TransformPoint(double& x, double& y, double& z) const;
     /// Applies no translation.

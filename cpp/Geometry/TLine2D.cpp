@@ -2,10 +2,15 @@
 
 #include "Geometry/Predicates.h"
 #include "Values/PointClass.h"
+#include "ZoPrimitives/FloatMatrix.h"
 #include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
+#include "ZoPrimitives/T3DCylinder.h"
+#include "ZoPrimitives/T3DMesh.h"
 #include "ZoPrimitives/TArc2D.h"
 #include "ZoPrimitives/TCircle2D.h"
+#include "ZoPrimitives/TExtrusionPath.h"
+#include "ZoPrimitives/TPlane3D.h"
 #include "ZoPrimitives/TRegion.h"
 #include "ZoPrimitives/TSegment2D.h"
 #include "ZoPrimitives/ZoAssert.h"
@@ -97,6 +102,13 @@ void ZoRegisterGeometry(TZoMetaData* schema) {
     TPolyline2D::Register(schema);
     TContour::Register(schema);
     TRegion::Register(schema);
+    FloatMatrix::Register(schema);
+    T3DBox::Register(schema);
+    TPlane3D::Register(schema);
+    T3DSegment::Register(schema);
+    T3DCylinder::Register(schema);
+    T3DMesh::Register(schema);
+    TExtrusionPath::Register(schema);
 }
 
 } // namespace ZoPrimitives

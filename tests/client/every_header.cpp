@@ -194,7 +194,12 @@ const struct {
     {"FileOutputStream", StreamsText},
     {"FileReading", [] { return TFileReading::Locking != TFileReading::Viewing; }},
     {"FilteredBinInStreamer", ReadsFiltered},
+    {"FloatMatrix", [] { return FloatMatrix::Identity(3).Determinant() == 1; }},
     {"GrandezaUnits", [] { return GArea(1, TArea::m2).cm2() == 10000; }},
+    {"I3DShape",
+     [] {
+         return T3DSegment().Locate({0, 0, 0}) == OnBorder;
+     }},
     {"IContainer", [] { return Holds<TIList<Plan>>(new Plan); }},
     {"IList", [] { return Holds<TIList<Plan>>(new Plan); }},
     {"IMap", Maps},
@@ -217,6 +222,16 @@ const struct {
     {"SDList", [] { return Holds<TSDList<int>>(1) && Holds<TSIList<ZoInteger>>(new ZoInteger(1)); }},
     {"StreamableFactory",
      [] { return Throws<XUnknownObject>([] { StreamableFactory().CreateObject("unheard of"); }); }},
+    {"T3DBox", [] { return T3DBox().IsEmpty(); }},
+    {"T3DCylinder",
+     [] {
+         return T3DCylinder({0, 0, 0}, {0, 0, 2}, 1).Length() == 2;
+     }},
+    {"T3DMesh", [] { return T3DMesh().IsClosed(); }},
+    {"T3DSegment",
+     [] {
+         return T3DSegment({0, 0, 0}, {1, 2, 2}).Length() == 3;
+     }},
     {"TArc2D",
      [] {
          return Equal(TArc2D({1, 0}, {-1, 0}, 1).Radius(), 1, 9);
@@ -234,11 +249,16 @@ const struct {
          return graph.NEdges() == 4;
      }},
     {"TEnum", [] { return static_cast<void>(TEnum()), true; }},
+    {"TExtrusionPath", [] { return TExtrusionPath().FindFault() == EmptySection; }},
     {"TLine2D",
      [] {
          return TLine2D::Through({0, 0}, {1, 0}).Dx() != 0;
      }},
     {"TPath2D", [] { return Square().Length() == 8; }},
+    {"TPlane3D",
+     [] {
+         return TPlane3D().SignedDistance({1, 2, 3}) == 3;
+     }},
     {"TPolyline2D", [] { return Square().NVertices() == 4; }},
     {"TRegion", [] { return TRegion(Square()).Area() == 4; }},
     {"TSegment2D",
@@ -247,6 +267,11 @@ const struct {
      }},
     {"TTimestamp", [] { return TTimestamp("1970", "%Y") == TTimestamp::MinValue(); }},
     {"TTransformation", [] { return TTransformation::Scaling(2, 2, 2).Element(1, 1) == 2; }},
+    {"TTransformationParts",
+     [] {
+         TTransformationParts parts;
+         return TTransformation::Scaling(1, 2, 3).Decompose(parts) && parts.angle == 0;
+     }},
     {"TTranslatedString", [] { return !TTranslatedString("Arquivo corrompido").ToZoString().IsNull(); }},
     {"TVector2D", [] { return TVector2D(3, 4).Magnitude() == 5; }},
     {"TVector3D", [] { return TVector3D(1, 2, 2).Magnitude() == 3; }},

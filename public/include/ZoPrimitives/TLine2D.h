@@ -58,8 +58,9 @@ protected:
     bool ReadData(int code, InputStreamer& streamer) override;
 };
 
-/// Registers the values of plane geometry: `RRect`, `TLine2D`, `TSegment2D`, `TArc2D`, `TCircle2D`,
-/// `TPolyline2D`, `TContour` and `TRegion`.
+/// Registers the values of geometry. Of the plane: `RRect`, `TLine2D`, `TSegment2D`, `TArc2D`, `TCircle2D`,
+/// `TPolyline2D`, `TContour` and `TRegion`. Of space: `FloatMatrix`, `T3DBox`, `TPlane3D`, `T3DSegment`,
+/// `T3DCylinder`, `T3DMesh` and `TExtrusionPath`. Points, vectors and transformations register on their own.
 ZO_API void ZoRegisterGeometry(TZoMetaData* schema);
 
 } // namespace ZoPrimitives

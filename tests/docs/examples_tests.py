@@ -38,7 +38,7 @@ def here(folder):
 
 
 def run(command, folder, given=None):
-    return subprocess.run([str(word) for word in command], cwd=folder, env=environment(), timeout=120, input=given,
+    return subprocess.run([str(word) for word in command], cwd=folder, env=environment(), timeout=300, input=given,
                           stdin=subprocess.DEVNULL if given is None else None, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT)
 

@@ -10,9 +10,9 @@ namespace ZoPrimitives {
 /// Times operations and appends a line for each to the trace file, which the first line of a process empties.
 /// The file is closed between lines. Errors are not reported: without a file there is no trace.
 ///
-/// On Windows the file is Trace.txt in c:/temp (the folder must exist). Elsewhere it is Trace.txt in the folder
-/// named by the environment variable ZO_TRACE_FOLDER, otherwise in that of TMPDIR, otherwise in /tmp; a
-/// symbolic link or another user's file there is left alone.
+/// On Windows the file is Trace.txt in c:/temp (the folder must exist). Elsewhere it is Trace.txt in the
+/// folder named by the environment variable ZO_TRACE_FOLDER, otherwise in that of TMPDIR, otherwise in /tmp;
+/// a symbolic link or another user's file there is left alone.
 ///
 /// Threads share one start time; lines are written one at a time.
 class TZoTrace {

@@ -3,6 +3,7 @@
 #include "Values/UnitName.h"
 #include "ZoPrimitives/AnsiLiteral.h"
 #include "ZoPrimitives/Math2.h"
+#include "ZoPrimitives/NumberText.h"
 #include "ZoPrimitives/UserText.h"
 
 #include <algorithm>
@@ -18,7 +19,6 @@ constexpr int MOST_WORDS = 6; // in a unit's name: "lb / cu . ft"
 
 using Expected = TLeituraDeGrandeza::TEsperado;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsSign(char c) { return c == '+' || c == '-'; }
 bool IsSmall(char c) {
     return (c >= 'a' && c <= 'z') || (static_cast<unsigned char>(c) >= 0xDF && c != '\xF7');

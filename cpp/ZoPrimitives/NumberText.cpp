@@ -15,7 +15,6 @@ namespace {
 constexpr int SIGNIFICANT_DIGITS = 15;
 constexpr std::size_t EXPONENT_DIGITS = 3;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 

@@ -8,6 +8,8 @@ namespace ZoPrimitives {
 // Numbers in text, identical on every system and in every locale. Unreadable text gives 0; characters after
 // the number are ignored.
 
+constexpr bool IsDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+
 /// Parses blanks, a sign and digits at the start; beyond 64 bits the result is only guaranteed not to fit 32
 /// bits.
 long long IntegerOf(std::string_view text) noexcept;

@@ -18,7 +18,6 @@ namespace {
 constexpr std::size_t FORMAT_SIZE = 10'000;
 constexpr std::size_t NUMBER_SIZE = 512; // "%f" of the largest double takes 317
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
 /// A copy of `count` bytes with a terminator; when memory is short the empty string, or null if even that

@@ -33,8 +33,8 @@ struct DiffOptions {
 };
 
 /// One of the two files.
-struct Side {
-    Side(Tool& tool, const std::string& word, const std::string& by)
+struct OneFile {
+    OneFile(Tool& tool, const std::string& word, const std::string& by)
         : input(word, Input::Null::IsEmpty), model(tool, input), keys(model, by) {}
 
     Input input;
@@ -45,7 +45,7 @@ struct Side {
 /// Compares the values of two objects that stand for each other; what differs becomes lines.
 class Comparison {
 public:
-    Comparison(const DiffOptions& itsOptions, Side& itsA, Side& itsB)
+    Comparison(const DiffOptions& itsOptions, OneFile& itsA, OneFile& itsB)
         : options(itsOptions), a(itsA), b(itsB) {}
 
     std::vector<std::string> Compare(const TZoRecord& first, const TZoRecord& second) {
@@ -157,23 +157,23 @@ private:
     void AddChange(const std::string& place, const std::string& before, const std::string& after) {
         lines.push_back(fmt::format("  {}: {} -> {}", place, before, after));
     }
-    static std::string TextOf(const Scalar& scalar, Side& side) {
+    static std::string TextOf(const Scalar& scalar, OneFile& side) {
         return ScalarText(scalar, side.model.Reader());
     }
-    static std::string TextOf(const TZoValue& value, Side& side) {
+    static std::string TextOf(const TZoValue& value, OneFile& side) {
         return ValueText(value, side.model.Reader());
     }
 
     const DiffOptions& options;
-    Side& a;
-    Side& b;
+    OneFile& a;
+    OneFile& b;
     std::map<std::pair<TZoClass*, TZoClass*>, Pairs> pairs;
     std::vector<std::string> lines;
 };
 
-std::unique_ptr<Side> Open(Tool& tool, const std::string& word, const std::string& by) {
+std::unique_ptr<OneFile> Open(Tool& tool, const std::string& word, const std::string& by) {
     try {
-        return std::make_unique<Side>(tool, word, by);
+        return std::make_unique<OneFile>(tool, word, by);
     } catch (...) {
         throw Trouble(fmt::format("{}: {}", NameOf(word), Explain(std::current_exception())));
     }
@@ -214,7 +214,7 @@ private:
         return changes.empty() ? Exit::Good : Exit::Negative;
     }
 
-    void PrintLosses(Side& reader, Side& file) {
+    void PrintLosses(OneFile& reader, OneFile& file) {
         const std::vector<std::string> losses = SchemaLosses(reader.model.Schema(), file.model.Schema());
         if (losses.empty()) return;
         tool.out.Print("\n{}\n", tool.out.Paint(Style::Heading,
@@ -285,10 +285,10 @@ private:
 
     Tool& tool;
     const DiffOptions& options;
-    std::unique_ptr<Side> first;
-    std::unique_ptr<Side> second;
-    Side& a;
-    Side& b;
+    std::unique_ptr<OneFile> first;
+    std::unique_ptr<OneFile> second;
+    OneFile& a;
+    OneFile& b;
     Comparison comparison;
     std::unordered_set<int> seen; // uids of the second file
     bool isDifferent = false;

@@ -11,8 +11,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-Platform::Services& System() { return Platform::Current(); }
-
 // These are the system's error numbers; the C run-time has texts for its own numbers only.
 const char* Reason(unsigned long error) {
     constexpr unsigned long NOT_ENOUGH_SPACE = 12;
@@ -36,7 +34,7 @@ struct Closing {
     Closing() = default;
     Closing(const Closing&) = delete;
     Closing& operator=(const Closing&) = delete;
-    ~Closing() { System().CloseClipboard(); }
+    ~Closing() { Platform::Current().CloseClipboard(); }
 };
 
 } // namespace
@@ -45,33 +43,33 @@ unsigned IdZoClipboardFormat() {
     static std::atomic<unsigned> registered = 0;
     unsigned format = registered.load(std::memory_order_relaxed);
     if (format == 0) {
-        format = System().ClipboardFormat("ZoCad");
+        format = Platform::Current().ClipboardFormat("ZoCad");
         registered.store(format, std::memory_order_relaxed);
     }
     return format;
 }
 
 OpenedClipboard::OpenedClipboard(const char* operation) : location(operation) {
-    if (System().OpenClipboard()) return;
+    if (Platform::Current().OpenClipboard()) return;
     const unsigned long error = Platform::LastError();
     throw XReadStream(Reason(error), location, CauseOf(error));
 }
 
-OpenedClipboard::~OpenedClipboard() { System().CloseClipboard(); }
+OpenedClipboard::~OpenedClipboard() { Platform::Current().CloseClipboard(); }
 
 const unsigned char* OpenedClipboard::Data(std::size_t& size) const {
-    const void* data = System().ClipboardData(IdZoClipboardFormat(), size);
+    const void* data = Platform::Current().ClipboardData(IdZoClipboardFormat(), size);
     if (data == nullptr) throw XReadStream("Invalid data handle", location, TStreamFailure::WrongFile);
     return static_cast<const unsigned char*>(data);
 }
 
 void PutOnClipboard(const void* data, std::size_t size, const char* location) {
     const unsigned format = IdZoClipboardFormat();
-    bool put = format != 0 && System().OpenClipboard();
+    bool put = format != 0 && Platform::Current().OpenClipboard();
     unsigned long error = Platform::LastError();
     if (put) {
         const Closing closing;
-        put = System().SetClipboardData(format, data, size);
+        put = Platform::Current().SetClipboardData(format, data, size);
         error = Platform::LastError();
     }
     if (put) return;

@@ -18,8 +18,6 @@ namespace {
 constexpr const char* HEADER = "TFileBinInStream::TFileBinInStream";
 constexpr unsigned long INVALID_SEEK = 29; // the C run-time's number
 
-Platform::Services& System() { return Platform::Current(); }
-
 } // namespace
 
 TFileBinInStream::TFileBinInStream(const char* name, bool ownsSource)
@@ -81,14 +79,14 @@ void TFileBinInStream::LoadOnce() {
     Unload();
     unsigned long long size = 0;
     unsigned long long position = 0;
-    const bool sized = System().FileSize(file, size);
-    const bool rewound = System().SeekFile(file, 0, Platform::Origin::Begin, position);
+    const bool sized = Platform::Current().FileSize(file, size);
+    const bool rewound = Platform::Current().SeekFile(file, 0, Platform::Origin::Begin, position);
     if (sized && rewound && size < SIZE_MAX) {
         const auto wanted = static_cast<std::size_t>(size);
         std::size_t done = 0;
         copy = static_cast<unsigned char*>(std::malloc(wanted + 1)); // never of 0 bytes
         if (copy != nullptr) {
-            if (System().ReadFile(file, copy, wanted, done) && done == wanted) {
+            if (Platform::Current().ReadFile(file, copy, wanted, done) && done == wanted) {
                 SetWindow(copy, copy + wanted);
                 SetAsksRead(!TFileBinInStream::GetsDirectly());
                 return;
@@ -106,13 +104,14 @@ void TFileBinInStream::Unload() {
 
 void TFileBinInStream::Close() {
     Unload();
-    if (file != nullptr && (named || GetOwnsSource())) System().CloseFile(std::exchange(file, nullptr));
+    if (file != nullptr && (named || GetOwnsSource()))
+        Platform::Current().CloseFile(std::exchange(file, nullptr));
 }
 
 bool TFileBinInStream::Read(void* data, unsigned size, unsigned& done) {
     if (HasWindow()) return ReadWindow(data, size, done);
     std::size_t count = 0;
-    const bool read = System().ReadFile(file, data, size, count);
+    const bool read = Platform::Current().ReadFile(file, data, size, count);
     SetReadError(read ? 0 : DEVICE_ERROR, static_cast<unsigned>(Platform::LastError()));
     done = static_cast<unsigned>(count);
     return done != 0 || (read && size == 0);
@@ -138,7 +137,7 @@ unsigned long long TFileBinInStream::SeekFar(long long offset, int origin) {
     } else if (valid) {
         const Platform::Origin origins[] = {Platform::Origin::Begin, Platform::Origin::Current,
                                             Platform::Origin::End};
-        valid = System().SeekFile(file, offset, origins[origin], position);
+        valid = Platform::Current().SeekFile(file, offset, origins[origin], position);
     }
     if (!valid) throw XReadStream(ErrorText(INVALID_SEEK), "TFileBinInStream::Seek", TStreamFailure::Device);
     return position;

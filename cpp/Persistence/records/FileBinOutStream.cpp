@@ -19,9 +19,6 @@ namespace ZoPrimitives {
 namespace {
 
 constexpr const char* WRITE = "TFileBinOutStream::WriteToFile";
-constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
-
-Platform::Services& System() { return Platform::Current(); }
 
 } // namespace
 
@@ -69,14 +66,15 @@ void TFileBinOutStream::Initialize() {
     plainHeader = GetBufferSize() == HeaderSize();
     headerCount = GetNInstances();
     if (file == nullptr) {
-        throughTemporary = backup || asksTemporary || System().NetworkFile(GetFilePath().Utf8().c_str());
+        throughTemporary =
+            backup || asksTemporary || Platform::Current().NetworkFile(GetFilePath().Utf8().c_str());
         writtenPath = &names->Target();
         if (throughTemporary) {
             names->CheckNames(backup);
             MakeTemporary();
         }
         OpenFile(*writtenPath);
-    } else if (System().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
+    } else if (Platform::Current().SeekFile(file, 0, Platform::Origin::Current, headerStart)) {
         isWhole = headerStart == 0;
     } else {
         headerStart = 0;
@@ -87,21 +85,21 @@ void TFileBinOutStream::Initialize() {
 }
 
 void TFileBinOutStream::MakeTemporary() {
-    const std::string name = System().TemporaryFileName(GetFilePath().Utf8().c_str());
+    const std::string name = Platform::Current().TemporaryFileName(GetFilePath().Utf8().c_str());
     if (name.empty()) ThrowUnwritten(Platform::LastError(), "TFileBinOutStream::Initialize", GetFilePath());
     try {
         temporary = TZoPath::FromUtf8(name.c_str());
     } catch (...) {
-        System().DeleteWholeFile(name.c_str()); // empty still
+        Platform::Current().DeleteWholeFile(name.c_str()); // empty still
         throw;
     }
     writtenPath = &temporary;
 }
 
 void TFileBinOutStream::OpenFile(const TZoPath& path) {
-    file = System().OpenFile(path.Utf8().c_str(), Platform::Access::ReadWrite, Platform::Share::Read,
-                             throughTemporary ? Platform::Creation::FillTemporary
-                                              : Platform::Creation::CreateAlways);
+    file = Platform::Current().OpenFile(
+        path.Utf8().c_str(), Platform::Access::ReadWrite, Platform::Share::Read,
+        throughTemporary ? Platform::Creation::FillTemporary : Platform::Creation::CreateAlways);
     if (file != nullptr) {
         ownsFile = true;
         return;
@@ -109,7 +107,7 @@ void TFileBinOutStream::OpenFile(const TZoPath& path) {
     const unsigned long error = Platform::LastError();
     if (throughTemporary) {
         // It is still empty.
-        System().DeleteWholeFile(path.Utf8().c_str());
+        Platform::Current().DeleteWholeFile(path.Utf8().c_str());
         writtenPath = &names->Target();
     }
     ThrowUnwritten(error, "TFileBinOutStream::Initialize", GetFilePath());
@@ -149,7 +147,7 @@ void TFileBinOutStream::WriteToFile(const unsigned char* data, unsigned size) {
 }
 
 void TFileBinOutStream::WriteBytes(const unsigned char* data, unsigned size) {
-    if (System().WriteFile(file, data, size)) return NoteEnd();
+    if (Platform::Current().WriteFile(file, data, size)) return NoteEnd();
     const unsigned long error = Platform::LastError();
     Abandon();
     ThrowUnwritten(error, WRITE, GetFilePath());
@@ -158,14 +156,15 @@ void TFileBinOutStream::WriteBytes(const unsigned char* data, unsigned size) {
 /// Notes how far the file was written: the stream, or the caller by the handle, may go back before it ends.
 void TFileBinOutStream::NoteEnd() {
     unsigned long long position = 0;
-    if (isWhole && System().SeekFile(file, 0, Platform::Origin::Current, position)) {
+    if (isWhole && Platform::Current().SeekFile(file, 0, Platform::Origin::Current, position)) {
         writtenEnd = std::max(writtenEnd, position);
     }
 }
 
 void TFileBinOutStream::SeekTo(unsigned long long offset, const char* location) {
     unsigned long long reached = 0;
-    if (System().SeekFile(file, static_cast<long long>(offset), Platform::Origin::Begin, reached)) return;
+    if (Platform::Current().SeekFile(file, static_cast<long long>(offset), Platform::Origin::Begin, reached))
+        return;
     const unsigned long error = Platform::LastError();
     Abandon();
     ThrowUnwritten(error, location, GetFilePath());
@@ -175,7 +174,7 @@ unsigned long long TFileBinOutStream::GetPosition() {
     CheckWriting();
     WriteGathered();
     unsigned long long position = 0;
-    if (System().SeekFile(file, 0, Platform::Origin::Current, position)) return position;
+    if (Platform::Current().SeekFile(file, 0, Platform::Origin::Current, position)) return position;
     const unsigned long error = Platform::LastError();
     Abandon();
     ThrowUnwritten(error, "TFileBinOutStream::GetPosition", GetFilePath());
@@ -220,21 +219,21 @@ void TFileBinOutStream::SetFile(void* openFile) {
 void TFileBinOutStream::Abandon() {
     state = State::Ended;
     Records().DropFrames();
-    if (ownsFile && file != nullptr) System().CloseFile(std::exchange(file, nullptr));
+    if (ownsFile && file != nullptr) Platform::Current().CloseFile(std::exchange(file, nullptr));
 }
 
 void TFileBinOutStream::FreeResourses() {
     if (state != State::Writing) return;
     unsigned long long size = 0;
     const unsigned char* data = Records().Frames(size);
-    if (size != 0) System().WriteFile(file, data, static_cast<std::size_t>(size));
+    if (size != 0) Platform::Current().WriteFile(file, data, static_cast<std::size_t>(size));
     Abandon();
 }
 
 void TFileBinOutStream::Discard() {
     Abandon();
     if (writtenPath != &temporary) return;
-    System().DeleteWholeFile(temporary.Utf8().c_str());
+    Platform::Current().DeleteWholeFile(temporary.Utf8().c_str());
     writtenPath = &names->Target();
 }
 
@@ -256,18 +255,18 @@ void TFileBinOutStream::Finalize() {
 void TFileBinOutStream::EndFile() {
     NoteEnd();
     unsigned long long size = 0;
-    const bool known = System().FileSize(file, size);
+    const bool known = Platform::Current().FileSize(file, size);
     if (!known && Platform::LastError() == Platform::ErrorInvalidFunction) return; // a device
-    if (known && (size <= writtenEnd || System().TruncateFile(file, writtenEnd))) return;
+    if (known && (size <= writtenEnd || Platform::Current().TruncateFile(file, writtenEnd))) return;
     const unsigned long error = Platform::LastError();
     Abandon();
     ThrowUnwritten(error, FINALIZE, GetFilePath());
 }
 
 void TFileBinOutStream::CloseWritten() {
-    const bool synchronised = !throughTemporary || System().SynchroniseFile(file);
+    const bool synchronised = !throughTemporary || Platform::Current().SynchroniseFile(file);
     const unsigned long error = Platform::LastError();
-    const bool closed = System().CloseFile(std::exchange(file, nullptr));
+    const bool closed = Platform::Current().CloseFile(std::exchange(file, nullptr));
     if (!synchronised) ThrowUnwritten(error, FINALIZE, GetFilePath());
     if (!closed) ThrowUnwritten(Platform::LastError(), FINALIZE, GetFilePath());
     complete = true;

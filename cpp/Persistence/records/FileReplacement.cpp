@@ -12,14 +12,11 @@ namespace ZoPrimitives {
 
 namespace {
 
-constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
-
-Platform::Services& System() { return Platform::Current(); }
-
 const char* Name(const TZoPath& path) { return path.Utf8().c_str(); }
 
 void Copy(const TZoPath& from, const TZoPath& to) {
-    if (!System().CopyWholeFile(Name(from), Name(to))) ThrowUnwritten(Platform::LastError(), FINALIZE, to);
+    if (!Platform::Current().CopyWholeFile(Name(from), Name(to)))
+        ThrowUnwritten(Platform::LastError(), FINALIZE, to);
 }
 
 /// Reads a file block by block, also while others have it open.
@@ -29,21 +26,21 @@ public:
 
     explicit Blocks(const TZoPath& fileName)
         : name(fileName),
-          file(System().OpenFile(Name(name), Platform::Access::Read, Platform::Share::ReadWrite,
-                                 Platform::Creation::OpenExisting)) {
+          file(Platform::Current().OpenFile(Name(name), Platform::Access::Read, Platform::Share::ReadWrite,
+                                            Platform::Creation::OpenExisting)) {
         if (file == nullptr && FileIsThere(name, FINALIZE))
             ThrowUnwritten(Platform::LastError(), FINALIZE, name);
     }
     Blocks(const Blocks&) = delete;
     Blocks& operator=(const Blocks&) = delete;
     ~Blocks() {
-        if (file != nullptr) System().CloseFile(file);
+        if (file != nullptr) Platform::Current().CloseFile(file);
     }
 
     /// Empty at the end, and for a file that does not exist.
     void Next() {
         count = 0;
-        if (file != nullptr && !System().ReadFile(file, bytes.data(), SIZE, count))
+        if (file != nullptr && !Platform::Current().ReadFile(file, bytes.data(), SIZE, count))
             ThrowUnwritten(Platform::LastError(), FINALIZE, name);
     }
     std::size_t Count() const { return count; }
@@ -84,7 +81,7 @@ Comparison Compare(const TZoPath& name, const TZoPath& firstName, const TZoPath&
 
 /// Whether the file holds records of which some do not verify.
 bool RecordsAreDamaged(const TZoPath& name) {
-    const Platform::FileHandle file = System().OpenFile(
+    const Platform::FileHandle file = Platform::Current().OpenFile(
         Name(name), Platform::Access::Read, Platform::Share::ReadWrite, Platform::Creation::OpenExisting);
     if (file == nullptr) ThrowUnwritten(Platform::LastError(), FINALIZE, name);
     TFileBinInStream in(file, true);
@@ -116,7 +113,7 @@ void FileReplacement::MakeBackup() const {
     if (!FileIsThere(target, FINALIZE)) return;
     if (TargetIsTorn()) Copy(fresh, target);
     // A backup that cannot be deleted may still be overwritten.
-    if (FileIsThere(backup, FINALIZE)) System().DeleteWholeFile(Name(backup));
+    if (FileIsThere(backup, FINALIZE)) Platform::Current().DeleteWholeFile(Name(backup));
     Copy(target, backup);
 }
 
@@ -131,18 +128,19 @@ bool FileReplacement::TargetIsTorn() const {
 }
 
 void FileReplacement::Announce(const TZoPath& written) const {
-    if (System().MoveWholeFile(Name(written), Name(fresh))) return;
+    if (Platform::Current().MoveWholeFile(Name(written), Name(fresh))) return;
     const unsigned long error = Platform::LastError();
     if (CauseOf(error).kind != TStreamFailure::InUse) ThrowUnwritten(error, FINALIZE, fresh);
     // Who reads the file keeps it from being renamed, not from being copied.
     Copy(written, fresh);
-    System().DeleteWholeFile(Name(written));
+    Platform::Current().DeleteWholeFile(Name(written));
 }
 
 void FileReplacement::Perform() const { Copy(fresh, target); }
 
 void FileReplacement::Conclude() const {
-    if (System().FileExists(Name(fresh), nullptr)) System().DeleteWholeFile(Name(fresh));
+    if (Platform::Current().FileExists(Name(fresh), nullptr))
+        Platform::Current().DeleteWholeFile(Name(fresh));
 }
 
 } // namespace ZoPrimitives

@@ -4,6 +4,9 @@
 
 namespace ZoPrimitives {
 
+/// The call that fails when a file cannot take the place of the one before.
+inline constexpr const char* FINALIZE = "TFileBinOutStream::Finalize";
+
 /// Puts a whole new version of a file in the place of the version before.
 ///
 /// The new version is first renamed, in one step, to the target's name with "-new" added; then it is copied

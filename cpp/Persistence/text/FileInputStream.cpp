@@ -16,8 +16,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-Platform::Services& System() { return Platform::Current(); }
-
 void Copy(std::string_view token, char* buffer) {
     if (!token.empty()) std::memcpy(buffer, token.data(), token.size());
     buffer[token.size()] = '\0';
@@ -37,14 +35,14 @@ FileInputStream::FileInputStream(const TZoPath& name, bool callersFlag, TFileRea
         LoadFromFile();
     } catch (...) {
         delete[] buffer;
-        System().CloseFile(file);
+        Platform::Current().CloseFile(file);
         throw;
     }
 }
 
 FileInputStream::~FileInputStream() {
     delete[] buffer;
-    System().CloseFile(file);
+    Platform::Current().CloseFile(file);
 }
 
 void FileInputStream::OpenFile(const TZoPath& name) {
@@ -62,14 +60,15 @@ void FileInputStream::LoadOnce() {
     constexpr const char* location = "FileInputStream::LoadFromFile";
     unsigned long long length = 0;
     unsigned long long start = 0;
-    const bool sized = System().FileSize(file, length);
+    const bool sized = Platform::Current().FileSize(file, length);
     if (!sized) length = 0;
     if (length >= UINT32_MAX) ThrowUnreadable(path, location);
     char* fresh = new char[static_cast<std::size_t>(length) + 1];
     delete[] std::exchange(buffer, fresh);
     std::size_t done = 0;
-    whole = sized && System().SeekFile(file, 0, Platform::Origin::Begin, start) &&
-            System().ReadFile(file, buffer, static_cast<std::size_t>(length), done) && done == length;
+    whole = sized && Platform::Current().SeekFile(file, 0, Platform::Origin::Begin, start) &&
+            Platform::Current().ReadFile(file, buffer, static_cast<std::size_t>(length), done) &&
+            done == length;
     size = static_cast<std::uint32_t>(done);
     buffer[size] = '\0';
     position = 0;

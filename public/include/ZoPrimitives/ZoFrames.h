@@ -99,8 +99,8 @@ enum class TZoDigestState {
     None,    ///< the file has no digest
     Unknown, ///< it has one of a later layout
     Open,    ///< the frames have not been read to the end
-    Right, ///< all records are there; bytes that belong to none may stand between them
-    Wrong  ///< a record is missing or comes twice, or a head or the header has changed
+    Right,   ///< all records are there; bytes that belong to none may stand between them
+    Wrong    ///< a record is missing or comes twice, or a head or the header has changed
 };
 
 /// Finds every frame of a file, at any alignment, in one pass and in bounded memory (some 25 MiB at most).

@@ -3,6 +3,7 @@
 #include "extract.h"
 #include "failure.h"
 #include "options.h"
+#include "plan.h"
 #include "report.h"
 #include "storage.h"
 #include "tables.h"
@@ -44,6 +45,8 @@ std::string Usage() {
         "       frame text FILE OUT             open a building and write it as text\n"
         "       frame read-text IN              read a text and print its building\n"
         "       frame picture FILE OUT.svg      open a building and draw its elevation\n"
+        "       frame plan TABLE OUT.svg        find the panels of a plan and what its girders carry,\n"
+        "                                       print and draw them\n"
         "\n"
         "options: --units metric|technical|imperial   what is printed and drawn is in these units\n"
         "         --separator .|,                     stands before their decimals\n"
@@ -183,17 +186,30 @@ int Demo(const std::string& program, const Options& options) {
     return RunCommand(command) ? OK : DIFFERENT;
 }
 
-int Draw(const Options& options) {
-    const std::string& path = options.words[2];
-    RefuseOverItself(options.words[1], path);
-    const Model model = Open(options.words[1]);
-    const std::string picture = DrawElevation(*model.building, options.property, options.units);
+void WritePicture(const std::string& picture, const std::string& path) {
     std::ofstream file(PathOf(path), std::ios::binary);
     file << picture;
     file.close();
     if (!file)
         throw Failure(Words("\"{1}\" cannot be written: look whether you may write to its folder.", {path}));
     std::cout << Label(Words("Drawn:")) << NameOf(path) << ", " << SizeOf(path) << '\n';
+}
+
+int Draw(const Options& options) {
+    const std::string& path = options.words[2];
+    RefuseOverItself(options.words[1], path);
+    const Model model = Open(options.words[1]);
+    WritePicture(DrawElevation(*model.building, options.property, options.units), path);
+    return OK;
+}
+
+int ShowPlan(const Options& options) {
+    const std::string& path = options.words[2];
+    if (std::error_code none; std::filesystem::equivalent(PathOf(options.words[1]), PathOf(path), none))
+        throw Failure(Words("\"{1}\" is the plan itself: name another file.", {path}));
+    const Plan plan = ReadPlan(options.words[1]);
+    Print(plan, options.units, std::cout);
+    WritePicture(DrawPlan(plan, options.units), path);
     return OK;
 }
 
@@ -218,6 +234,7 @@ int Run(const std::string& program, const Options& options) {
         {"text", 3, [&] { return WriteAsText(words[1], words[2]); }},
         {"read-text", 2, [&] { return ShowText(words[1], units); }},
         {"picture", 3, [&] { return Draw(options); }},
+        {"plan", 3, [&] { return ShowPlan(options); }},
     };
     const auto named = std::find_if(std::begin(commands), std::end(commands),
                                     [&](const auto& c) { return command == c.name; });

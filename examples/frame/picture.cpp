@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "report.h"
+#include "svg.h"
 #include "words.h"
 
 #include "ZoPrimitives/ColorScale.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <map>
 #include <vector>
 
@@ -19,7 +19,6 @@ using namespace ZoPrimitives;
 
 namespace {
 
-// In SVG units: one pixel on most screens.
 constexpr double FRAME_WIDTH = 720;  // at most
 constexpr double FRAME_HEIGHT = 640; // at most
 constexpr double LEFT = 190;         // left of the frame: names and levels of storeys
@@ -27,121 +26,7 @@ constexpr double RIGHT = 310;        // right of it: sections and loads of store
 constexpr double TOP = 132;          // above it: title
 constexpr double BELOW = 150;        // below it: supports, spans, names of lines, total steel
 constexpr double SCALE_HEIGHT = 240;
-constexpr double TEXT_HEIGHT = 13;
-
-const char* const INK = "#222222";
-const char* const PALE = "#767676";
 const char* const NEUTRAL = "#a8a8a8"; // for a member without a value
-
-std::string Coordinate(double value) { return FormatFloat(value, 2, false, '.').c_str(); }
-
-std::string Escaped(const std::string& text) {
-    std::string escaped;
-    for (char c : text) {
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += c;
-        }
-    }
-    return escaped;
-}
-
-std::string Hex(const TZoColor& color) {
-    const char* const digits = "0123456789abcdef";
-    std::string text = "#";
-    for (const unsigned component : {color.GetRed(), color.GetGreen(), color.GetBlue()}) {
-        text += digits[component / 16];
-        text += digits[component % 16];
-    }
-    return text;
-}
-
-/// Builds an SVG text.
-class Drawing {
-public:
-    void Line(double x1, double y1, double x2, double y2, const char* style) {
-        body += "<line x1=\"" + Coordinate(x1) + "\" y1=\"" + Coordinate(y1) + "\" x2=\"" + Coordinate(x2) +
-                "\" y2=\"" + Coordinate(y2) + "\" " + style + "/>\n";
-    }
-    /// `style`: SVG attributes.
-    void Text(double x, double y, const std::string& text, const std::string& style = "") {
-        body += "<text x=\"" + Coordinate(x) + "\" y=\"" + Coordinate(y) + "\"" +
-                (style.empty() ? "" : " " + style) + ">" + Escaped(text) + "</text>\n";
-    }
-    void Add(const std::string& elements) { body += elements; }
-
-    std::string Svg(double width, double height, const std::string& title) const {
-        const std::string size = Coordinate(width) + "\" height=\"" + Coordinate(height);
-        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-               "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
-               size + "\" viewBox=\"0 0 " + Coordinate(width) + " " + Coordinate(height) +
-               "\" font-family=\"Helvetica, Arial, 'Liberation Sans', sans-serif\" font-size=\"" +
-               Coordinate(TEXT_HEIGHT) + "\" fill=\"" + INK + "\">\n<title>" + Escaped(title) +
-               "</title>\n<rect width=\"" + size + "\" fill=\"#ffffff\"/>\n" + body + "</svg>\n";
-    }
-
-private:
-    std::string body;
-};
-
-/// The width of a character of a sans-serif font of height 1, overestimated rather than underestimated.
-double CharacterWidth(char c) {
-    const auto among = [c](const char* characters) { return std::strchr(characters, c) != nullptr; };
-    if ((static_cast<unsigned char>(c) & 0xC0) == 0x80) return 0; // counted with the first byte
-    if (among("WM@%")) return 0.95;
-    if (among("mw")) return 0.85;
-    if (among("iIjl.,;:'|!()[] ")) return 0.35;
-    if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) return 0.57;
-    return 0.78;
-}
-
-double TextWidth(const std::string& text, double height = TEXT_HEIGHT) {
-    double width = 0;
-    for (char c : text) width += CharacterWidth(c) * height;
-    return width;
-}
-
-/// The text, shortened with an ellipsis if it does not fit into `room`.
-std::string Fitted(const std::string& text, double room, double height = TEXT_HEIGHT) {
-    if (TextWidth(text, height) <= room) return text;
-    double width = height; // of the ellipsis
-    std::string part;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        width += CharacterWidth(text[i]) * height;
-        if (width > room) break;
-        part += text[i];
-    }
-    return part + "…";
-}
-
-/// Positions of labels along an axis; skips those too close to an earlier one.
-class Places {
-public:
-    explicit Places(double smallestDistance) : distance(smallestDistance) {}
-    bool Take(double at) {
-        for (double taken : all) {
-            if (std::abs(taken - at) < distance) return false;
-        }
-        all.push_back(at);
-        return true;
-    }
-
-private:
-    double distance;
-    std::vector<double> all;
-};
 
 class Elevation {
 public:
@@ -437,40 +322,16 @@ private:
                      property == Property::Area ? Words("Area, {1}", {UnitName()})
                                                 : Words("Load, {1}", {UnitName()}),
                      "font-weight=\"bold\"");
-        constexpr int steps = 16; // colours change linearly within a quarter
-        constexpr int ticks = 4;
-        const bool one = Number(least) == Number(most);
-        if (!one) {
-            drawing.Add("<linearGradient id=\"scale\" x1=\"0\" y1=\"1\" x2=\"0\" y2=\"0\">\n");
-            for (int i = 0; i <= steps; ++i) {
-                drawing.Add("<stop offset=\"" + Coordinate(static_cast<double>(i) / steps) +
-                            "\" stop-color=\"" + Hex(colours.GetColor(Between(i, steps))) + "\"/>\n");
-            }
-            drawing.Add("</linearGradient>\n");
-        }
-        const double shown = one ? 20 : SCALE_HEIGHT;
-        drawing.Add("<rect x=\"" + Coordinate(x) + "\" y=\"" + Coordinate(y) + "\" width=\"20\" height=\"" +
-                    Coordinate(shown) + "\" stroke=\"" + INK + "\" fill=\"" +
-                    (one ? Hex(colours.GetColor(least)) : std::string("url(#scale)")) + "\"/>\n");
-        for (int i = 0; i <= (one ? 0 : ticks); ++i) {
-            const double at = one ? y + shown / 2 : y + shown * (1 - static_cast<double>(i) / ticks);
-            drawing.Line(x + 20, at, x + 26, at, THIN);
-            drawing.Text(x + 32, at + 4.5, Number(Between(i, ticks)));
-        }
+        const double shown = Number(least) == Number(most) ? 20 : SCALE_HEIGHT;
+        drawing.Scale("scale", colours, x, y, shown, [&](double value) { return Number(value); });
         if (property == Property::Load) {
             drawing.Line(x, y + shown + 34, x + 20, y + shown + 34, CASING);
             drawing.Line(x, y + shown + 34, x + 20, y + shown + 34, COLUMN);
             drawing.Text(x + 32, y + shown + 38.5, Words("columns"));
         }
     }
-    double Between(int step, int steps) const {
-        const double part = static_cast<double>(step) / steps;
-        return least * (1 - part) + most * part;
-    }
-
     static constexpr double MARGIN = 28;
     static constexpr double FLOOR_END = 172;
-    static constexpr const char* THIN = "stroke=\"#222222\" stroke-width=\"1\"";
     static constexpr const char* LEVEL_LINE = "stroke=\"#d0d0d0\" stroke-width=\"1\"";
     static constexpr const char* AXIS = "stroke=\"#767676\" stroke-width=\"1\" stroke-dasharray=\"12 3 2 3\"";
     static constexpr const char* GROUND = "stroke=\"#222222\" stroke-width=\"2\"";

@@ -2,107 +2,24 @@
 
 #include "failure.h"
 #include "profile.h"
+#include "table.h"
 #include "words.h"
 
 #include "ZoPrimitives/ZoUtf8.h"
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <vector>
 
 namespace Frame {
 
-namespace {
-
 using namespace ZoPrimitives;
 
-/// A comma-separated table with a line of headings and without quotes.
-class Table {
-public:
-    struct Row {
-        int line;
-        std::vector<std::string> fields;
-    };
+namespace {
 
-    Table(const std::string& folder, const char* fileName, const std::vector<std::string>& headings)
-        : name(fileName) {
-        std::ifstream file(std::filesystem::u8path(folder) / fileName, std::ios::binary);
-        std::string text;
-        int line = 0;
-        while (std::getline(file, text)) {
-            ++line;
-            if (!text.empty() && text.back() == '\r') text.pop_back();
-            if (text.empty()) continue;
-            Row row{line, Split(text)};
-            if (row.fields.size() != headings.size()) {
-                Fail(row, Words("{1} fields are expected, {2} are there",
-                                {std::to_string(headings.size()), std::to_string(row.fields.size())}));
-            }
-            if (hasHeadings) {
-                rows.push_back(row);
-            } else if (row.fields != headings) {
-                Fail(row, Words("the headings must be \"{1}\"", {Join(headings)}));
-            }
-            hasHeadings = true;
-        }
-        if (line == 0) {
-            throw Failure(Words("The table {1} cannot be read: look whether it is in the folder \"{2}\".",
-                                {name, folder}));
-        }
-        if (rows.empty()) throw Failure(Words("The table {1} holds nothing below its headings.", {name}));
-    }
-
-    const std::vector<Row>& Rows() const { return rows; }
-
-    [[noreturn]] void Fail(const Row& row, const std::string& what) const {
-        throw Failure(Words("{1}, line {2}: {3}.", {name, std::to_string(row.line), what}));
-    }
-
-    /// A positive value with a decimal point; in `unit` if the text names none.
-    template <class Quantity, class Unit>
-    Quantity Value(const Row& row, const std::string& text, Unit unit) const {
-        Quantity value(0.0);
-        const TLeituraDeGrandeza read = value.LeTexto(ZoFromUtf8(text.c_str()), '.', unit);
-        if (read.esperado == TLeituraDeGrandeza::TEsperado::Unidade) {
-            std::string names;
-            for (int i = 0; !Quantity::NomeDaUnidade(Unit(i)).IsNull(); ++i)
-                names += (i == 0 ? "" : ", ") + ZoToUtf8(Quantity::NomeDaUnidade(Unit(i)));
-            Fail(row, Words("\"{1}\" has no unit that is known here: use {2}", {text, names}));
-        }
-        if (!read || !(value > 0)) Fail(row, Words("\"{1}\" is not a number above zero", {text}));
-        return value;
-    }
-
-    /// A length whose unit is in the next field; fields count from 0.
-    GComprimento Length(const Row& row, std::size_t field) const {
-        constexpr auto none = static_cast<TComprimento>(-1);
-        return Value<GComprimento>(row, row.fields[field] + " " + row.fields[field + 1], none);
-    }
-
-private:
-    static std::vector<std::string> Split(const std::string& text) {
-        std::vector<std::string> fields(1);
-        for (char c : text) {
-            if (c == ',') {
-                fields.emplace_back();
-            } else {
-                fields.back() += c;
-            }
-        }
-        return fields;
-    }
-    static std::string Join(const std::vector<std::string>& fields) {
-        std::string text;
-        for (const std::string& field : fields) text += (text.empty() ? "" : ",") + field;
-        return text;
-    }
-
-    std::string name;
-    std::vector<Row> rows;
-    bool hasHeadings = false;
-};
+// Not in the tables: usual assumptions for an office building of this kind.
+const GForcaArea deadLoad{4.6, TForcaArea::kN_m2};
+const GForcaArea liveLoad{2.4, TForcaArea::kN_m2};
 
 /// Assembles a building from its tables.
 class Builder {
@@ -309,15 +226,15 @@ private:
     Model model;
     std::vector<GComprimento> places; // positions of the column lines
 
-    // Not in the tables: usual assumptions for an office building of this kind.
+    // More of the assumptions.
     const GPeso steelDensity{7850, TPeso::kgf_m3};
-    const GForcaArea deadLoad{4.6, TForcaArea::kN_m2};
-    const GForcaArea liveLoad{2.4, TForcaArea::kN_m2};
     const GForcaArea roofLiveLoad{1.0, TForcaArea::kN_m2};
     const GComprimento tributaryWidth{15, TComprimento::ft}; // half a bay
 };
 
 } // namespace
+
+GForcaArea FloorLoad() { return GForcaArea(deadLoad + liveLoad); }
 
 Model ReadTables(const std::string& folder) { return Builder(folder).Build(); }
 

@@ -10,4 +10,7 @@ namespace Frame {
 /// Throws `Failure` with file and line.
 Model ReadTables(const std::string& folder);
 
+/// The load of a floor, dead and live.
+ZoPrimitives::GForcaArea FloorLoad();
+
 } // namespace Frame

@@ -39,7 +39,9 @@ struct Units {
     Shown<ZoPrimitives::GComprimento, ZoPrimitives::TComprimento> length; ///< levels, heights, spans
     Shown<ZoPrimitives::GComprimento, ZoPrimitives::TComprimento> total;  ///< of many members
     Shown<ZoPrimitives::GComprimento, ZoPrimitives::TComprimento> depth;  ///< of a section
-    Shown<ZoPrimitives::GArea, ZoPrimitives::TArea> area;
+    Shown<ZoPrimitives::GArea, ZoPrimitives::TArea> area;                 ///< of a section
+    Shown<ZoPrimitives::GArea, ZoPrimitives::TArea> floor;                ///< of panels
+    Shown<ZoPrimitives::GForcaArea, ZoPrimitives::TForcaArea> floorLoad;
     Shown<ZoPrimitives::GInercia, ZoPrimitives::TInercia> inertia;
     Shown<ZoPrimitives::GVolume, ZoPrimitives::TVolume> modulus; ///< of a section in bending
     Shown<ZoPrimitives::GForcaConcentrada, ZoPrimitives::TForcaConcentrada> load;

@@ -10,6 +10,7 @@ class Language(harness.ToolTest):
                 (["ls", "--help"], GOOD, "Várias condições", "Varias condiciones"),
                 (["info", data("frame9.zo")], GOOD, "\n  tamanho    17473 bytes\n", "\n  tamaño     17473 bytes\n"),
                 (["sql", data("frame9.zo")], GOOD, "todos os ponteiros", "todos los punteros"),
+                (["schema", data("frame9.zo"), "--svg", "-"], GOOD, "refere-se a</text>", "se refiere a</text>"),
                 (["info", "none.zo"], TROUBLE, "não existe esse arquivo", "no existe ese archivo"),
                 (["dump", "--uid", "9999", data("frame9.zo")], TROUBLE, "não tem o objeto #9999", "no tiene el objeto #9999"),
                 (["inof"], TROUBLE, "a linha de comando não foi entendida", "no se entendió la línea de comandos")):

@@ -2,6 +2,7 @@
 import html.parser
 import json
 import os
+import re
 import unittest
 
 import chromium
@@ -39,17 +40,19 @@ class Page(html.parser.HTMLParser):
 
     def __init__(self, text):
         super().__init__()
-        self.tags, self.json, self.inside = [], "", None
+        self.tags, self.json, self.inside = [], {"data": "", "translations": ""}, None
         self.feed(text)
-        self.data = json.loads(self.json)
+        self.data, self.translations = (json.loads(text) for text in self.json.values())
 
     def handle_starttag(self, tag, attributes):
         self.tags.append(tag)
         self.inside = dict(attributes).get("id")
+        if tag == "html":
+            self.language = dict(attributes)["lang"]
 
     def handle_data(self, text):
-        if self.inside == "data":
-            self.json += text
+        if self.inside in self.json:
+            self.json[self.inside] += text
 
     def handle_endtag(self, tag):
         self.inside = None
@@ -81,7 +84,7 @@ class Data(Report):
 
     def test_what_a_file_says_is_no_markup(self):
         page = self.page(self.file("hostile.zo", hostile()))
-        self.assertEqual(page.tags.count("script"), 2)
+        self.assertEqual(page.tags.count("script"), 3)
         self.assertNotIn("img", page.tags)
         self.assertEqual(page.data["strings"], [MARKUP, "<!-- & <b>"])
         self.assertEqual(page.data["classes"][0]["name"], "<script>alert(1)</script>")
@@ -111,8 +114,21 @@ class Data(Report):
                          if findings["kinds"][str(kind)][0] == "Wrong checksum" and name != "schema"]
                 self.assertEqual(wrong, [(6672, 22)] if name == "flipped-byte" else [])
 
+    def test_texts_have_translations(self):
+        with open(os.path.join(harness.DATA, "..", "..", "tools", "zo", "po", "zo.pot"), encoding="utf-8") as template:
+            texts = set(re.findall(r'^msgid "(.+)"$', template.read(), re.M))
+        for language, objects, class_name in (("en-US", "{} objects", "Unknown class"), ("pt-BR", "{} objetos", "Classe desconhecida"),
+                                              ("es-MX", "{} objetos", "Clase desconocida")):
+            with self.subTest(language):
+                page = self.page(self.file("unknown.zo", of.whole(of.Schema(), [(7, 1, b"")])), "--language", language)
+                self.assertEqual(page.language, language)
+                self.assertEqual(page.translations["{} objects"], objects)
+                self.assertEqual(set(page.translations) - texts, set())
+                self.assertIn(class_name, [name for name, _, _ in page.data["findings"]["kinds"].values()])
+
     def test_limits_are_told(self):
         self.page(data("frame9.zo"), "--objects", 50, says="the first 50 of 212 objects")
+        self.page(data("frame9.zo"), "--objects", 50, "--language", "pt-BR", says="os primeiros 50 de 212 objetos")
 
     def test_slips(self):
         for words, says in (([data("frame9.zo"), "-o", data("frame9.zo")], "would replace a file that is read"),
@@ -131,9 +147,9 @@ class InBrowser(Report):
         cls.browser = chromium.Chromium()
         cls.addClassCleanup(cls.browser.close)
 
-    def browse(self, file, dark=False):
+    def browse(self, file, dark=False, language="en-US"):
         self.browser.set_dark(dark)
-        self.browser.open(self.report(file))
+        self.browser.open(self.report(file, "--language", language))
         return self.browser
 
     def text(self, browser, name):
@@ -149,13 +165,50 @@ class InBrowser(Report):
         for what, file in {"good": good, "markup": hostile(), "torn": good[:20000], "no schema": good[:300],
                            "header alone": good[:28], "every kind": contents("every-kind.zo"),
                            "no object": of.whole(of.Schema(), [])}.items():
-            for dark in (False, True):
-                with self.subTest(what, dark=dark):
-                    browser = self.browse(self.file(f"{what}.zo", file), dark=dark)
+            for dark, language in ((False, "en-US"), (True, "pt-BR"), (False, "es-MX")):
+                with self.subTest(what, dark=dark, language=language):
+                    browser = self.browse(self.file(f"{what}.zo", file), dark, language)
                     self.assertEqual(self.text(browser, "title"), f"{what}.zo")
                     self.assertEqual(browser.run("document.documentElement.dataset.theme"), "dark" if dark else "light")
                     browser.run("document.querySelectorAll('section').forEach(one => one.scrollIntoView())")
                     self.expect_quiet(browser)
+
+    def test_no_text_stays_english(self):
+        for file in (data("damaged/several.zo"), data("every-kind.zo"), self.file("hostile.zo", hostile()), self.file("none.zo", of.whole(of.Schema(), []))):
+            english = self.texts(self.browse(file))
+            self.assertGreater(len(english), 40)
+            for language in ("pt-BR", "es-MX"):
+                with self.subTest(file, language=language):
+                    self.assertEqual(english & self.texts(self.browse(file, language=language)), set())
+
+    ALIKE = set("byte bytes Bytes Uid Classes classes Enter Esc Home End Page Up Down Alt int float double string blob bool unsigned true null".split())
+
+    def texts(self, browser):
+        """What the page says, without numbers and what the file or every language says."""
+        told, held = browser.run("""(() => {
+            const texts = [];
+            const walk = document.createTreeWalker(document.documentElement, NodeFilter.SHOW_TEXT,
+                node => node.parentElement.closest('script, style, pre') ? NodeFilter.FILTER_REJECT : NodeFilter.FILTER_ACCEPT);
+            while (walk.nextNode()) texts.push(walk.currentNode.data);
+            for (const name of ['aria-label', 'title', 'placeholder', 'aria-valuetext']) {
+                for (const one of document.querySelectorAll(`[${name}]`)) texts.push(one.getAttribute(name));
+            }
+            const { strings, classes, file, tool } = JSON.parse(document.getElementById('data').textContent);
+            return [texts, JSON.stringify([strings, classes, file.name, tool])];
+        })()""")
+        words = lambda text: re.findall(r"[^\W\d_]+", text)
+        held = self.ALIKE | set(words(held))
+        return {" ".join(word for word in words(text) if word not in held) for text in told} - {""}
+
+    def test_numbers_are_those_of_the_language(self):
+        for language, objects, few, value in (("en-US", "1,200 objects", "599 of 1,200 objects", "4.5"),
+                                              ("pt-BR", "1.200 objetos", "599 de 1.200 objetos", "4,5"), ("es-MX", "1,200 objetos", "599 de 1,200 objetos", "4.5")):
+            with self.subTest(language):
+                browser = self.browse(self.file("small.zo", frame(1200)), language=language)
+                self.assertEqual(self.text(browser, "objects-count"), objects)
+                browser.press("/", "x>=" + value, "Enter")
+                self.assertEqual(self.text(browser, "objects-count"), few)
+                self.assertIn(f"x {value}", self.text(browser, "grid"))
 
     def test_a_hundred_thousand_objects(self):
         browser = self.browse(self.file("big.zo", frame()))

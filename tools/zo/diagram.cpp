@@ -4,6 +4,7 @@
 #include "font.h"
 #include "markup.h"
 #include "routes.h"
+#include "words.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -163,7 +164,8 @@ public:
             "aria-label=\"{0}\" width=\"{1}\" height=\"{2}\" viewBox=\"0 0 {1} {2}\" "
             "font-family=\"'Segoe UI', Helvetica, Arial, 'Liberation Sans', 'DejaVu Sans', sans-serif\" "
             "font-size=\"12\">\n<style>{3}</style>\n",
-            fmt::format("Class diagram of {} class{}", boxes.size(), boxes.size() == 1 ? "" : "es"),
+            Escaped(boxes.size() == 1 ? Words("Class diagram of {} class", 1)
+                                      : Words("Class diagram of {} classes", boxes.size())),
             Number(width), Number(height), StyleSheet(style.inPage));
         if (!style.inPage) svg += "<rect class=\"s\" width=\"100%\" height=\"100%\"/>\n";
         Legend();
@@ -193,15 +195,16 @@ private:
         };
         Path(fmt::format("M{} {}h18", Number(x + 10), Number(y)), "l");
         Triangle(x, y, Side::Left);
-        next("derives from");
+        next(Words("derives from"));
         for (const bool owns : {true, false}) {
             Mark(owns ? Sign::Owns : Sign::Refers, x, y);
             Path(fmt::format("M{} {}h16", Number(x + 12), Number(y)), owns ? "l o" : "l r");
             Arrow(x + 28, y, Side::Left, owns ? "oo" : "ro");
-            next(owns ? "owns" : "refers to");
+            next(owns ? Words("owns") : Words("refers to"));
         }
         if (boxes.size() > MOST_CLASSES_WITH_LINES) {
-            Text(x, y + 4, "Owned and referred to: by name only, in a schema of this size", " class=\"m\"");
+            Text(x, y + 4, Words("Owned and referred to: by name only, in a schema of this size"),
+                 " class=\"m\"");
         }
         svg += '\n';
     }
@@ -287,7 +290,7 @@ private:
         }
         if (box.linesLeftOut > 0) {
             const double at = y + LineMiddle(box.lines.size());
-            Text(x + 20, at + 4, fmt::format("and {} more", box.linesLeftOut), " class=\"m\"");
+            Text(x + 20, at + 4, Words("and {} more", box.linesLeftOut), " class=\"m\"");
         }
         svg += "</g>\n";
     }
@@ -302,7 +305,8 @@ private:
         const std::string name = Fitted(box.name, room, BOX_NAME, Weight::Bold);
         if (style.inPage) svg += fmt::format("<a href=\"#c{}\" tabindex=\"-1\">", index);
         if (name != box.name || box.abstract) {
-            svg += fmt::format("<title>{}{}</title>", Escaped(box.name), box.abstract ? " (abstract)" : "");
+            const std::string abstract = box.abstract ? fmt::format(" ({})", Words("abstract")) : "";
+            svg += fmt::format("<title>{}</title>", Escaped(box.name + abstract));
         }
         Text(x + 10, y + 18, name, box.abstract ? " class=\"n a\"" : " class=\"n\"");
         if (style.inPage) svg += "</a>";

@@ -3,6 +3,7 @@
 #include "fields.h"
 #include "font.h"
 #include "text.h"
+#include "words.h"
 
 #include <algorithm>
 #include <cmath>
@@ -63,7 +64,7 @@ std::string ShortType(const TZoClassField& field) {
     case ftPointerListEx:
         return target + "[ ]";
     case ftChildPointerMap:
-        return "map of " + target;
+        return Words("map of {}", target);
     case ftListInt:
         return "int[ ]";
     case ftListFloat:

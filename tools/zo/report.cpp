@@ -1,13 +1,20 @@
 #include "commands.h"
 #include "input.h"
+#include "markup.h"
 #include "paths.h"
 #include "report_data.h"
 #include "report_page.h"
 #include "save.h"
 #include "text.h"
 #include "tool.h"
+#include "words.h"
+
+#include "ZoPrimitives/ZoLanguage.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <cctype>
 
 namespace ZoTool {
 
@@ -20,7 +27,41 @@ struct ReportOptions {
     unsigned long long objects = ReportLimits().objects;
 };
 
-/// The page with its parts in their places.
+/// What the script's texts are in the current language, as JSON that can stand in a page.
+std::string Translations() {
+    const std::string_view script = PageJs(), call = "t('";
+    nlohmann::json all = nlohmann::json::object();
+    for (std::size_t at = script.find(call); at != std::string_view::npos; at = script.find(call, at)) {
+        const bool isCall = std::isalnum(static_cast<unsigned char>(script[at - 1])) == 0;
+        at += call.size();
+        if (!isCall) continue; // of another function, whose name ends alike
+        const std::string english(script.substr(at, script.find('\'', at) - at));
+        all[english] = Translation(english);
+    }
+    std::string json = all.dump();
+    for (std::size_t at = json.find('<'); at != std::string::npos; at = json.find('<', at))
+        json.replace(at, 1, "\\u003c");
+    return json;
+}
+
+/// Adds what "@part@" stands for.
+void AddPart(std::string& page, std::string_view part, const ReportData& data) {
+    if (part == "style")
+        page += PageCss();
+    else if (part == "script")
+        page += PageJs();
+    else if (part == "diagram")
+        page += data.diagram;
+    else if (part == "data")
+        page += data.json;
+    else if (part == "language")
+        page += ZoLanguage();
+    else if (part == "translations")
+        page += Translations();
+    else // a text, in quotes
+        page += Escaped(Translation(std::string(part.substr(1, part.size() - 2))));
+}
+
 std::string PageOf(const ReportData& data) {
     std::string page;
     std::string_view rest = PageHtml();
@@ -29,11 +70,7 @@ std::string PageOf(const ReportData& data) {
         page += rest.substr(0, begin);
         if (begin == std::string_view::npos) break;
         const std::size_t end = rest.find('@', begin + 1);
-        const std::string_view part = rest.substr(begin + 1, end - begin - 1);
-        if (part == "style") page += PageCss();
-        if (part == "script") page += PageJs();
-        if (part == "diagram") page += data.diagram;
-        if (part == "data") page += data.json;
+        AddPart(page, rest.substr(begin + 1, end - begin - 1), data);
         rest.remove_prefix(end + 1);
     }
     return page;
@@ -42,7 +79,7 @@ std::string PageOf(const ReportData& data) {
 ReportFindings Find(Tool& tool, const Input& input, const ReportLimits& limits) {
     ReportFindings findings;
     FaultFinder finder(input.Bytes(), false);
-    Progress progress(tool, "verifying " + input.Name(), finder.Work());
+    Progress progress(tool, Words("verifying {}", input.Name()), finder.Work());
     finder.Find(
         [&](const Fault& fault) {
             if (++findings.counts[fault.kind] <= limits.findings) findings.first.push_back(fault);

@@ -5,6 +5,7 @@
 #include "markup.h"
 #include "text.h"
 #include "tool.h"
+#include "words.h"
 
 #include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoRecords.h"
@@ -151,46 +152,46 @@ private:
     std::vector<unsigned long long> lengths;
 };
 
-const char* NameOf(FaultKind kind) {
+std::string NameOf(FaultKind kind) {
     switch (kind) {
     case FaultKind::Header:
-        return "Header";
+        return Words("Header");
     case FaultKind::Schema:
-        return "Schema";
+        return Words("Schema");
     case FaultKind::Garbage:
-        return "Bytes of no record";
+        return Words("Bytes of no record");
     case FaultKind::Checksum:
-        return "Wrong checksum";
+        return Words("Wrong checksum");
     case FaultKind::Marker:
-        return "Wrong marker";
+        return Words("Wrong marker");
     case FaultKind::Size:
-        return "Wrong size";
+        return Words("Wrong size");
     case FaultKind::Torn:
-        return "Torn record";
+        return Words("Torn record");
     case FaultKind::Digest:
-        return "Wrong digest";
+        return Words("Wrong digest");
     case FaultKind::Uid:
-        return "Wrong uid";
+        return Words("Wrong uid");
     case FaultKind::Class:
-        return "Unknown class";
+        return Words("Unknown class");
     case FaultKind::Payload:
-        return "Values that do not fit";
+        return Words("Values that do not fit");
     case FaultKind::Dangling:
-        return "Pointer to nothing";
+        return Words("Pointer to nothing");
     case FaultKind::WrongClass:
-        return "Pointer to another class";
+        return Words("Pointer to another class");
     case FaultKind::Unreachable:
-        return "Unreachable object";
+        return Words("Unreachable object");
     case FaultKind::Order:
-        return "Uids out of order";
+        return Words("Uids out of order");
     case FaultKind::Count:
-        return "Count of records";
+        return Words("Count of records");
     case FaultKind::Undecided:
-        return "Undecided field";
+        return Words("Undecided field");
     case FaultKind::Extra:
-        return "Extra block";
+        return Words("Extra block");
     }
-    return "Finding";
+    return Words("Finding");
 }
 
 class Report {
@@ -226,13 +227,11 @@ public:
         data.json = json.Take();
         data.diagram = Diagram();
         if (objects > uids.size()) {
-            data.cuts.push_back(
-                fmt::format("the page lists the first {} of {} objects", uids.size(), objects));
+            data.cuts.push_back(Words("the page lists the first {} of {} objects", uids.size(), objects));
         }
         const unsigned long long found = Total(findings, false) + Total(findings, true);
         if (findings.first.size() < found) {
-            data.cuts.push_back(
-                fmt::format("the page lists {} of {} findings", findings.first.size(), found));
+            data.cuts.push_back(Words("the page lists {} of {} findings", findings.first.size(), found));
         }
         return data;
     }
@@ -265,7 +264,7 @@ private:
         }
         map.Add(ByteMap::Stray, frame.gap);
         if (frames.GetHeaderState() != TZoHeaderState::Right && wholeFrames == 0) {
-            throw Trouble("it is no object file, and no record of one is in it");
+            throw Trouble(Words("it is no object file, and no record of one is in it"));
         }
     }
 
@@ -415,14 +414,15 @@ private:
     // -------------------------------------------------------------------------------------
     // parts of the page
 
+    /// As the page's script knows it.
     const char* DigestName() const {
         switch (records->GetFrames().GetDigestState()) {
         case TZoDigestState::None:
             return "none";
         case TZoDigestState::Unknown:
-            return "later layout";
+            return "later";
         case TZoDigestState::Open:
-            return "not read";
+            return "open";
         case TZoDigestState::Right:
             return "right";
         case TZoDigestState::Wrong:
@@ -542,9 +542,9 @@ private:
     std::string Diagram() const {
         if (classes.empty()) return "";
         if (classes.size() > MOST_CLASSES_DRAWN) {
-            return fmt::format("The {} classes of this file are too many for a page; "
-                               "zo schema --svg draws them.",
-                               classes.size());
+            return Escaped(
+                Words("The {} classes of this file are too many for a page; zo schema --svg draws them.",
+                      classes.size()));
         }
         DiagramStyle style;
         style.inPage = true;

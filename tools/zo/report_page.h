@@ -5,7 +5,9 @@
 namespace ZoTool {
 
 // The sources of the report's page (the folder report), which the build puts into the program. In the page,
-// "@style@", "@script@", "@diagram@" and "@data@" stand for what belongs there.
+// "@style@", "@script@", "@diagram@", "@data@", "@language@" and "@translations@" stand for what belongs
+// there, and "@'Summary'@" for a text in the current language. The script's texts, such as t('no items'), are
+// in the translations.
 std::string_view PageHtml();
 std::string_view PageCss();
 std::string_view PageJs();

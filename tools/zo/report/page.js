@@ -6,6 +6,34 @@ const data = JSON.parse(document.getElementById('data').textContent);
 const { file, strings, classes, findings } = data;
 const byId = id => document.getElementById(id);
 
+// ---------------------------------------------------------------------------------------------------- language
+
+const language = document.documentElement.lang;
+const translations = JSON.parse(byId('translations').textContent); // by the English text
+
+const fill = (text, ...values) => text.replace(/\{\}/g, () => values.shift());
+/** A text in the page's language. With values, each takes the place of a `{}`. The texts of all calls are in the page's
+ *  translations: they stand in the call itself, in single quotes, and have neither these nor backslashes. */
+const t = (text, ...values) => {
+  const translated = translations[text] ?? text;
+  return values.length > 0 ? fill(translated, ...values) : translated;
+};
+
+const counted = new Intl.NumberFormat(language);
+const count = number => counted.format(number);
+const tenths = new Intl.NumberFormat(language, { minimumFractionDigits: 1, maximumFractionDigits: 1 });
+const percent = part => part === 0 ? '0 %' : part < 0.001 ? `< ${tenths.format(0.1)} %` : `${tenths.format(100 * part)} %`;
+const POINT = tenths.formatToParts(0.5).find(part => part.type === 'decimal').value;
+/** A number of the file, with all of its digits. */
+const exactly = number => String(number).replace('.', POINT);
+const BETWEEN = POINT === ',' ? '; ' : ', ';
+
+/** The first text for one, the second for any other number; their first `{}` is the number. */
+const several = (number, one, many, ...values) => fill(number === 1 ? one : many, count(number), ...values);
+const bytes = number => several(number, t('{} byte'), t('{} bytes'));
+const items = number => several(number, t('{} item'), t('{} items'));
+const objects = number => several(number, t('{} object'), t('{} objects'));
+
 // ---------------------------------------------------------------------------------------------------- elements
 
 /** An element; children are elements, or texts. */
@@ -18,10 +46,6 @@ function el(tag, attributes = {}, ...children) {
   return element;
 }
 
-const counted = new Intl.NumberFormat('en-US');
-const count = number => counted.format(number);
-const several = (number, one, many = one + 's') => `${count(number)} ${number === 1 ? one : many}`;
-const percent = part => part === 0 ? '0 %' : part < 0.001 ? '< 0.1 %' : `${(100 * part).toFixed(1)} %`;
 const shortened = (text, most) => text.length > most ? text.slice(0, most - 1) + '…' : text;
 
 /** A list of which only the rows on the screen are in the document. */
@@ -87,23 +111,23 @@ class Rows {
 
 const KINDS = new Map([
   [-1, ['int', 'number']], [-2, ['float', 'number']], [-3, ['double', 'number']], [-4, ['string', 'text']],
-  [-5, ['blob', 'blob']], [-6, ['owned', 'pointer']], [-7, ['owned list', 'pointers']],
-  [-8, ['reference', 'pointer']], [-9, ['list of references', 'pointers']], [-10, ['bool', 'bool']],
-  [-11, ['list of int', 'numbers']], [-12, ['list of float', 'numbers']], [-13, ['list of double', 'numbers']],
-  [-14, ['list of string', 'texts']], [-15, ['external reference', 'pointer']],
-  [-16, ['list of external references', 'pointers']], [-17, ['unsigned', 'number']],
-  [-18, ['member', 'pointer']], [-19, ['owned map', 'map']],
+  [-5, ['blob', 'blob']], [-6, [t('owned'), 'pointer']], [-7, [t('owned list'), 'pointers']],
+  [-8, [t('reference'), 'pointer']], [-9, [t('list of references'), 'pointers']], [-10, ['bool', 'bool']],
+  [-11, [t('list of int'), 'numbers']], [-12, [t('list of float'), 'numbers']], [-13, [t('list of double'), 'numbers']],
+  [-14, [t('list of string'), 'texts']], [-15, [t('external reference'), 'pointer']],
+  [-16, [t('list of external references'), 'pointers']], [-17, ['unsigned', 'number']],
+  [-18, [t('member'), 'pointer']], [-19, [t('owned map'), 'map']],
 ]);
 const OWNING = new Set([-6, -7, -18, -19]);
 
 classes.forEach((one, index) => {
   one.index = index;
   one.fields = one.fields.map(([name, kind, of], place) => {
-    const [kindName, shape] = KINDS.get(kind) || ['unknown', 'unknown'];
+    const [kindName, shape] = KINDS.get(kind) || [t('unknown kind'), 'unknown'];
     return { name, kind, kindName, shape, of, from: index, key: `${index}/${place}` };
   });
 });
-const nameOf = index => index < 0 ? '(unknown class)' : classes[index].name;
+const nameOf = index => index < 0 ? t('(unknown class)') : classes[index].name;
 
 /** The fields of a class's records in their order: those of the parents first. */
 function fieldsOf(index) {
@@ -229,7 +253,9 @@ function titleOf(row) {
 function linkTo(uid, withTitle = true) {
   if (uid === 0) return el('span', { class: 'muted' }, 'null');
   const row = rowOf.get(uid);
-  if (row === undefined) return el('span', { class: whole ? 'broken' : 'muted' }, `${uid} (${whole ? 'no such object' : 'not in this page'})`);
+  if (row === undefined) {
+    return el('span', { class: whole ? 'broken' : 'muted' }, whole ? t('{} (no such object)', uid) : t('{} (not in this page)', uid));
+  }
   const title = withTitle ? shortened(titleOf(row), 60) : '';
   return el('a', { href: `#o${uid}` }, `${nameOf(classAt[row])} ${uid}`, title ? ` “${title}”` : '');
 }
@@ -242,24 +268,24 @@ function inLine(value, field) {
   switch (field.shape) {
     case 'bool': return value ? 'true' : 'false';
     case 'text': return shortened(textAt(value), 200);
-    case 'blob': return several(value[0], 'byte');
+    case 'blob': return bytes(value[0]);
     case 'pointer': return value === 0 ? 'null' : String(value);
-    case 'map': return several(itemsOf(value[1]).length, 'pair');
-    case 'numbers': return shortened(itemsOf(value).slice(0, 20).join(', '), 80);
+    case 'map': return several(itemsOf(value[1]).length, t('{} pair'), t('{} pairs'));
+    case 'numbers': return shortened(itemsOf(value).slice(0, 20).map(exactly).join(BETWEEN), 80);
     case 'texts': return shortened(itemsOf(value).slice(0, 20).map(textAt).join(', '), 80);
-    case 'pointers': return several(itemsOf(value).length, 'item');
-    default: return String(value);
+    case 'pointers': return items(itemsOf(value).length);
+    default: return exactly(value);
   }
 }
 
 const hexOf = text => text.replace(/../g, '$& ').trim();
 
 function listNode(length, make, kind = '') {
-  if (length === 0) return el('span', { class: 'muted' }, 'empty');
+  if (length === 0) return el('span', { class: 'muted' }, t('no items'));
   if (length <= 8) {
     return el('ul', {}, ...Array.from({ length }, (_, index) => el('li', {}, ...make(index).flatMap((part, i) => i ? [' → ', part] : [part]))));
   }
-  const box = el('div', { class: kind, tabindex: 0, role: 'list', 'aria-label': several(length, 'item'),
+  const box = el('div', { class: kind, tabindex: 0, role: 'list', 'aria-label': items(length),
     style: `height: ${Math.min(length, 9) * 26 + 2}px` });
   const rows = new Rows(box, 26, index => el('div', { class: 'row', role: 'listitem', 'aria-setsize': length, 'aria-posinset': index + 1 },
     el('span', { class: 'muted number' }, count(index + 1)), ...make(index).map(part => el('span', {}, part))));
@@ -268,36 +294,36 @@ function listNode(length, make, kind = '') {
 }
 
 function integersNote(value) {
-  return value.i ? el('div', { class: 'muted' }, `with ${value.i.join(', ')} before the items`) : null;
+  return value.i ? el('div', { class: 'muted' }, t('with {} before the items', value.i.join(', '))) : null;
 }
 
 /** What there is to see of a value: one or more nodes. */
 function valueNodes(value, field) {
-  if (value === null || value === undefined) return [el('span', { class: 'muted' }, 'not known')];
-  const cut = (left, all, what) => left < all ? el('div', { class: 'muted' }, `the first ${count(left)} of ${count(all)} ${what}`) : null;
+  if (value === null || value === undefined) return [el('span', { class: 'muted' }, t('not known'))];
+  const cut = (left, all, text) => left < all ? el('div', { class: 'muted' }, fill(text, count(left), count(all))) : null;
   switch (field.shape) {
     case 'text': {
       const text = textAt(value);
-      if (text === '') return [el('span', { class: 'muted' }, 'empty')];
-      return [el('span', { class: 'text' }, text), typeof value === 'number' ? null : cut(text.length, value[1], 'characters')];
+      if (text === '') return [el('span', { class: 'muted' }, t('empty'))];
+      return [el('span', { class: 'text' }, text), typeof value === 'number' ? null : cut(text.length, value[1], t('the first {} of {} characters'))];
     }
     case 'blob':
-      return [several(value[0], 'byte'), value[1] === '' ? null : el('pre', {}, hexOf(value[1]) + (value[1].length / 2 < value[0] ? ' …' : ''))];
+      return [bytes(value[0]), value[1] === '' ? null : el('pre', {}, hexOf(value[1]) + (value[1].length / 2 < value[0] ? ' …' : ''))];
     case 'pointer': return [linkTo(value)];
     case 'pointers': {
-      const items = itemsOf(value);
-      return [integersNote(value), listNode(items.length, index => [linkTo(items[index])])];
+      const held = itemsOf(value);
+      return [integersNote(value), listNode(held.length, index => [linkTo(held[index])])];
     }
     case 'map': {
       const [keys, held] = value.map(itemsOf);
       const length = Math.max(keys.length, held.length);
-      const half = (list, index) => index < list.length ? linkTo(list[index]) : el('span', { class: 'broken' }, 'missing');
+      const half = (list, index) => index < list.length ? linkTo(list[index]) : el('span', { class: 'broken' }, t('missing'));
       return [listNode(length, index => [half(keys, index), half(held, index)], 'pairs')];
     }
     case 'numbers': case 'texts': {
-      const items = itemsOf(value);
-      return [integersNote(value), listNode(items.length, index => [field.shape === 'texts' ? textAt(items[index]) : String(items[index])]),
-        cut(items.length, value.n ?? items.length, 'items')];
+      const held = itemsOf(value);
+      return [integersNote(value), listNode(held.length, index => [field.shape === 'texts' ? textAt(held[index]) : exactly(held[index])]),
+        cut(held.length, value.n ?? held.length, t('the first {} of {} items'))];
     }
     default: return [inLine(value, field)];
   }
@@ -307,32 +333,35 @@ function valueNodes(value, field) {
 
 function showSummary() {
   const { faults, notes } = findings;
-  document.title = `${file.name} · report`;
+  document.title = `${file.name} · ${t('report')}`;
   byId('title').textContent = byId('bar-name').textContent = file.name;
   const verdict = byId('verdict');
   const most = Object.values(findings.kinds).filter(([,, fault]) => fault).sort((a, b) => b[1] - a[1]).slice(0, 5)
-    .map(([name, number]) => `${name.toLowerCase()} ${count(number)}`);
-  verdict.textContent = faults > 0 ? `${several(faults, 'fault')} in this file: ${most.join(', ')}.`
-    : `Nothing is wrong with this file${notes === 0 ? '' : notes === 1 ? '; there is a note' : `; there are ${count(notes)} notes`}.`;
+    .map(([name, number]) => `${name.toLocaleLowerCase(language)}\u00A0${count(number)}`);
+  verdict.textContent = faults > 0 ? several(faults, t('{} fault in this file: {}.'), t('{} faults in this file: {}.'), most.join(', '))
+    : notes === 0 ? t('Nothing is wrong with this file.')
+      : several(notes, t('Nothing is wrong with this file; there is {} note.'), t('Nothing is wrong with this file; there are {} notes.'));
   verdict.classList.add(faults > 0 ? 'bad' : 'good');
   byId('bar-findings').textContent = faults > 0 ? count(faults) : '';
+  const DIGESTS = { none: t('none'), later: t('later layout'), open: t('not read'), right: t('right'), wrong: t('wrong') };
+  const used = classes.filter(one => one.objects > 0).length;
   const facts = [
-    ['Size', count(file.bytes), 'bytes'],
-    ['Objects', count(file.objects), `of ${several(classes.filter(one => one.objects > 0).length, 'class', 'classes')}`],
-    ['Records', count(file.records), file.counted === file.records ? 'as the header counts' : `the header counts ${count(file.counted)}`],
-    ['Version', String(file.version), `release ${file.release}`],
-    ['Schema', count(file.schema), `bytes, ${several(classes.length, 'class', 'classes')}`],
-    ['Digest', file.digest, 'of heads and order', file.digest === 'wrong'],
-    ['Scrambled', file.scrambled === 0 ? 'none' : count(file.scrambled), 'of the records'],
-    ['Findings', faults === 0 ? 'none' : several(faults, 'fault'), several(notes, 'note'), faults > 0],
+    [t('Size'), count(file.bytes), t('bytes')],
+    [t('Objects'), count(file.objects), several(used, t('of {} class'), t('of {} classes'))],
+    [t('Records'), count(file.records), file.counted === file.records ? t('as the header counts') : t('the header counts {}', count(file.counted))],
+    [t('Version'), String(file.version), t('release {}', file.release)],
+    [t('Schema'), count(file.schema), several(classes.length, t('bytes, {} class'), t('bytes, {} classes'))],
+    [t('Digest'), DIGESTS[file.digest], t('of heads and order'), file.digest === 'wrong'],
+    [t('Scrambled'), file.scrambled === 0 ? t('none') : count(file.scrambled), t('of the records')],
+    [t('Findings'), faults === 0 ? t('none') : several(faults, t('{} fault'), t('{} faults')), several(notes, t('{} note'), t('{} notes')), faults > 0],
   ];
   byId('facts').append(...facts.map(([name, value, more, bad]) =>
     el('div', { class: bad ? 'bad' : null }, el('dt', {}, name), el('dd', {}, value, el('small', {}, more)))));
-  byId('footer').textContent = `Made by ${data.tool}.`;
+  byId('footer').textContent = t('Made by {}.', data.tool);
 }
 
 function setUpTheme() {
-  const NAMES = { auto: 'Theme: system', light: 'Theme: light', dark: 'Theme: dark' };
+  const NAMES = { auto: t('Theme: system'), light: t('Theme: light'), dark: t('Theme: dark') };
   const system = matchMedia('(prefers-color-scheme: dark)');
   let chosen = 'auto';
   try { chosen = localStorage.getItem('zo-theme') || 'auto'; } catch { /* a file's page may have no storage */ }
@@ -358,7 +387,7 @@ function showFindings() {
   const list = byId('findings-list');
   const all = findings.rows;
   if (all.length === 0) {
-    list.append(el('p', { class: 'none' }, 'Nothing was found.'));
+    list.append(el('p', { class: 'none' }, t('Nothing was found.')));
     return;
   }
   let shown = all;
@@ -366,11 +395,11 @@ function showFindings() {
   const rows = new Rows(list, HEIGHT, index => {
     const [fault, kind, offset, number, uid, of, text] = shown[index];
     const places = [
-      el('a', { href: `#b${offset}` }, `byte ${count(offset)}`), number > 0 ? ` · record ${count(number)}` : '',
+      el('a', { href: `#b${offset}` }, t('byte {}', count(offset))), number > 0 ? ` · ${t('record {}', count(number))}` : '',
     ];
     const who = uid === 0 ? of : rowOf.has(uid) ? linkTo(uid) : `${of} ${uid}`.trim();
     return el('div', { class: `row finding ${fault ? 'fault' : 'note-row'}`, role: 'listitem', 'aria-setsize': shown.length, 'aria-posinset': index + 1 },
-      el('span', { class: 'mark' }, fault ? '▲ ' : '○ ', el('span', { class: 'word' }, fault ? 'Fault' : 'Note')),
+      el('span', { class: 'mark' }, fault ? '▲ ' : '○ ', el('span', { class: 'word' }, fault ? t('Fault') : t('Note'))),
       el('span', { class: 'text' }, el('span', {}, findings.kinds[kind][0]), el('span', { class: 'muted', title: text }, text)),
       el('span', { class: 'place' }, el('span', {}, ...places), el('span', {}, who)));
   });
@@ -385,12 +414,12 @@ function showFindings() {
   const kinds = Object.entries(findings.kinds);
   if (kinds.length > 1) {
     byId('findings-choice').hidden = false;
-    byId('findings-kind').append(el('option', { value: -1 }, `all (${count(findings.faults + findings.notes)})`),
+    byId('findings-kind').append(el('option', { value: -1 }, t('all ({})', count(findings.faults + findings.notes))),
       ...kinds.map(([kind, [name, number]]) => el('option', { value: kind }, `${name} (${count(number)})`)));
     byId('findings-kind').addEventListener('change', event => show(Number(event.target.value)));
   }
   if (all.length < findings.faults + findings.notes) {
-    list.after(el('p', { class: 'note' }, `These are ${count(all.length)} of ${count(findings.faults + findings.notes)} findings.`));
+    list.after(el('p', { class: 'note' }, t('These are {} of {} findings.', count(all.length), count(findings.faults + findings.notes))));
   }
   show(-1);
 }
@@ -403,8 +432,8 @@ ranked.slice(0, 8).forEach((one, rank) => { one.colour = `--class-${rank + 1}`; 
 const colourOf = index => (index >= 0 && classes[index].colour) || '--other';
 
 const PARTS = new Map([
-  [-1, ['header', '--head']], [-2, ['schema', '--schema']], [-3, ['damaged record', '--fault']],
-  [-4, ['bytes of no record', '--fault']], [-5, ['record of an unknown class', '--fault']], [-6, ['several classes', '--other']],
+  [-1, [t('header'), '--head']], [-2, [t('schema'), '--schema']], [-3, [t('damaged record'), '--fault']],
+  [-4, [t('bytes of no record'), '--fault']], [-5, [t('record of an unknown class'), '--fault']], [-6, [t('several classes'), '--other']],
 ]);
 const isDamage = what => what <= -3 && what >= -5;
 
@@ -481,11 +510,11 @@ const map = (() => {
   function describe(byte) {
     const row = rowAt(byte), run = runAt(byte);
     if (row >= 0) {
-      return `Bytes ${count(offsets[row])} to ${count(offsets[row] + 23 + sizes[row])}: ` +
-        `${nameOf(classAt[row])} ${uids[row]}, record ${count(numbers[row])}`;
+      return t('Bytes {} to {}: {}, record {}', count(offsets[row]), count(offsets[row] + 23 + sizes[row]),
+        `${nameOf(classAt[row])} ${uids[row]}`, count(numbers[row]));
     }
-    const name = what[run] >= 0 ? `${nameOf(what[run])}` : PARTS.get(what[run])[0];
-    return `Bytes ${count(starts[run])} to ${count(starts[run + 1] - 1)}: ${name}`;
+    const name = what[run] >= 0 ? nameOf(what[run]) : PARTS.get(what[run])[0];
+    return t('Bytes {} to {}: {}', count(starts[run]), count(starts[run + 1] - 1), name);
   }
 
   function point(byte) {
@@ -542,17 +571,17 @@ const map = (() => {
     bytesOf.set(key, (bytesOf.get(key) || 0) + lengths[run]);
   });
   const legend = [];
-  const entry = (name, colour, bytes) => legend.push(el('li', {},
-    el('span', { class: 'swatch', style: `background: var(${colour})` }), name, el('span', { class: 'muted' }, ` ${count(bytes)}`)));
+  const entry = (name, colour, length) => legend.push(el('li', {},
+    el('span', { class: 'swatch', style: `background: var(${colour})` }), name, el('span', { class: 'muted' }, ` ${count(length)}`)));
   for (const part of [-3, -4, -5, -1, -2]) {
     if (bytesOf.has(part)) entry(PARTS.get(part)[0], PARTS.get(part)[1], bytesOf.get(part));
   }
   for (const one of ranked.slice(0, 8)) if (bytesOf.has(one.index)) entry(shortened(one.name, 40), one.colour, bytesOf.get(one.index));
   const rest = (bytesOf.get('other') || 0) + (bytesOf.get(-6) || 0);
-  if (rest > 0) entry('other classes', '--other', rest);
+  if (rest > 0) entry(t('other classes'), '--other', rest);
   byId('bytes-legend').append(...legend);
-  byId('bytes-note').textContent = `${several(total, 'byte')} from the first to the last, in ${lines} lines; ` +
-    `${several(Math.max(1, Math.round(total / lines)), 'byte')} a line.`;
+  byId('bytes-note').textContent =
+    t('{} from the first to the last, in {} lines; {} a line.', bytes(total), lines, bytes(Math.max(1, Math.round(total / lines))));
   return { draw, point };
 })();
 
@@ -563,8 +592,8 @@ function showClasses() {
   const most = ranked.length > 0 ? ranked[0].bytes : 1;
   const all = ranked.reduce((sum, one) => sum + one.bytes, 0) || 1;
   const title = (text, number) => el('span', { role: 'columnheader', class: number ? 'number' : null }, text);
-  const titles = el('div', { class: 'row class-row titles', role: 'row' }, title('Class'), title('Objects', true), title('Bytes', true),
-    title(''), title('Share', true), title('Bytes each', true));
+  const titles = el('div', { class: 'row class-row titles', role: 'row' }, title(t('Class')), title(t('Objects'), true), title(t('Bytes'), true),
+    title(''), title(t('Share'), true), title(t('Bytes each'), true));
   const rows = new Rows(box, 30, index => {
     const one = ranked[index];
     const cell = (text, number) => el('span', { role: 'cell', class: number ? 'number' : null }, text);
@@ -584,7 +613,8 @@ function showClasses() {
   const empty = classes.filter(one => one.objects === 0);
   if (empty.length > 0) {
     const names = empty.slice(0, 60).map(one => one.name).join(', ');
-    byId('classes-note').textContent = `Without objects of their own: ${names}${empty.length > 60 ? `, and ${count(empty.length - 60)} more` : ''}.`;
+    byId('classes-note').textContent = empty.length <= 60 ? t('Without objects of their own: {}.', names)
+      : t('Without objects of their own: {}, and {} more.', names, count(empty.length - 60));
   }
 }
 
@@ -593,7 +623,7 @@ function setUpDiagram() {
   const button = byId('diagram-size');
   const svg = drawing.querySelector('svg');
   if (!svg) {
-    if (!drawing.textContent.trim()) drawing.textContent = 'There is no schema to draw.';
+    if (!drawing.textContent.trim()) drawing.textContent = t('There is no schema to draw.');
     button.hidden = true;
     return;
   }
@@ -647,7 +677,7 @@ function conditionOf(word) {
   const parts = /^([^\s=<>!]+)(=|!=|<=|>=|<|>)(.*)$/.exec(word);
   if (!parts) return null;
   const [, name, sign, text] = parts;
-  const number = text === '' ? NaN : Number(text);
+  const number = text === '' ? NaN : Number(text.replace(POINT, '.'));
   const compare = (value, wanted) => {
     if (typeof value === 'number') return !Number.isNaN(number) && ORDERS[sign](value - number);
     return ORDERS[sign](value < wanted ? -1 : value > wanted ? 1 : 0);
@@ -714,15 +744,15 @@ const browser = (() => {
       const text = inLine(value, field);
       if (text !== '') rest.push(`${field.name} ${field.shape === 'pointer' && value !== 0 ? '→ ' : ''}${shortened(text, 30)}`);
     }
-    return [title ? `“${shortened(title, 60)}”` : '', rest.join(', ')].filter(Boolean).join('  ');
+    return [title ? `“${shortened(title, 60)}”` : '', rest.join(BETWEEN)].filter(Boolean).join('  ');
   };
   const swatch = row => el('span', { class: 'swatch', style: `background: var(${colourOf(classAt[row])})` });
   const plainColumns = () => [
-    { name: 'Uid', width: '72px', number: true, key: row => uids[row], make: row => [String(uids[row])] },
-    { name: 'Class', width: 'minmax(90px, 180px)', key: row => nameOf(classAt[row]), make: row => [swatch(row), nameOf(classAt[row])] },
-    { name: 'Values', width: 'minmax(140px, 1fr)', key: row => titleOf(row), make: row => [preview(row)] },
-    { name: 'Bytes', width: '64px', number: true, key: row => sizes[row], make: row => [count(sizes[row])] },
-    { name: 'At byte', width: '96px', number: true, key: row => offsets[row], make: row => [count(offsets[row])] },
+    { name: t('Uid'), width: '72px', number: true, key: row => uids[row], make: row => [String(uids[row])] },
+    { name: t('Class'), width: 'minmax(90px, 180px)', key: row => nameOf(classAt[row]), make: row => [swatch(row), nameOf(classAt[row])] },
+    { name: t('Values'), width: 'minmax(140px, 1fr)', key: row => titleOf(row), make: row => [preview(row)] },
+    { name: t('Bytes'), width: '64px', number: true, key: row => sizes[row], make: row => [count(sizes[row])] },
+    { name: t('At byte'), width: '96px', number: true, key: row => offsets[row], make: row => [count(offsets[row])] },
   ];
   const widthOf = { number: '104px', bool: '64px', text: '180px', pointer: '190px', texts: '200px', numbers: '180px' };
   const classColumns = of => {
@@ -768,7 +798,7 @@ const browser = (() => {
     const sign = sorted.down ? -1 : 1;
     rows.sort((a, b) => {
       const x = keys.get(a), y = keys.get(b);
-      if (typeof x === 'string' || typeof y === 'string') return sign * String(x).localeCompare(String(y)) || a - b;
+      if (typeof x === 'string' || typeof y === 'string') return sign * String(x).localeCompare(String(y), language) || a - b;
       return sign * (x - y) || a - b;
     });
   }
@@ -781,7 +811,7 @@ const browser = (() => {
     const layout = `grid-template-columns: ${columns.map(column => column.width).join(' ')};` + (fixed ? '' : 'width: max(100%, 540px)');
     const titles = el('div', { class: 'row titles', role: 'row', 'aria-rowindex': 1, style: layout },
       ...columns.map(column => {
-        const button = el('button', { type: 'button', title: `Sort by ${column.name}` }, column.name);
+        const button = el('button', { type: 'button', title: t('Sort by {}', column.name) }, column.name);
         button.addEventListener('click', () => sortBy(column));
         column.title = el('span', { role: 'columnheader', class: column.number ? 'number' : null }, button);
         return column.title;
@@ -794,11 +824,14 @@ const browser = (() => {
     grid.setAttribute('aria-colcount', columns.length);
     const fields = chosen < 0 ? 0 : fieldsOf(chosen).length;
     const notes = [];
-    if (fields > MOST_COLUMNS) notes.push(`The table shows ${MOST_COLUMNS} of ${count(fields)} fields; an object shows them all.`);
+    if (fields > MOST_COLUMNS) notes.push(t('The table shows {} of {} fields; an object shows them all.', MOST_COLUMNS, count(fields)));
     if (data.undecided.length > 0) {
-      notes.push(`The file does not tell how these fields stand in their records, and they are read in the plainest way: ${shortened(data.undecided.join(', '), 400)}.`);
+      notes.push(t('The file does not tell how these fields stand in their records, and they are read in the plainest way: {}.',
+        shortened(data.undecided.join(', '), 400)));
     }
-    if (!whole) notes.push(`This page holds the first ${count(uids.length)} of ${count(file.objects)} objects; zo ls and zo dump have them all.`);
+    if (!whole) {
+      notes.push(t('This page holds the first {} of {} objects; zo ls and zo dump have them all.', count(uids.length), count(file.objects)));
+    }
     byId('objects-note').textContent = notes.join(' ');
     byId('objects-note').hidden = notes.length === 0;
   }
@@ -818,7 +851,7 @@ const browser = (() => {
     grid.scrollTop = 0;
     if (cursor >= 0) list.reveal(cursor);
     mark();
-    byId('objects-count').textContent = rows.length === uids.length ? several(uids.length, 'object') : `${count(rows.length)} of ${several(uids.length, 'object')}`;
+    byId('objects-count').textContent = rows.length === uids.length ? objects(uids.length) : t('{} of {}', count(rows.length), objects(uids.length));
   }
 
   const shownRow = () => {
@@ -910,8 +943,8 @@ const browser = (() => {
   for (const { one, index } of listed) {
     if (one.objects > 0) for (const ancestor of ancestorsOf(index)) listed[ancestor].objects += one.objects;
   }
-  byId('objects-class').append(el('option', { value: -1 }, 'All classes'), ...listed.filter(({ objects }) => objects > 0)
-    .sort((a, b) => a.one.name.localeCompare(b.one.name))
+  byId('objects-class').append(el('option', { value: -1 }, t('All classes')), ...listed.filter(({ objects }) => objects > 0)
+    .sort((a, b) => a.one.name.localeCompare(b.one.name, language))
     .map(({ one, index, objects }) => el('option', { value: index }, `${shortened(one.name, 60)} (${count(objects)})`)));
   byId('objects-class').addEventListener('change', event => choose(Number(event.target.value)));
   return { choose, show };
@@ -939,17 +972,17 @@ function detail(row) {
   const panel = byId('detail');
   const owners = ownersOf(row);
   const shownOwners = owners.length > 8 ? [...owners.slice(0, 2), null, ...owners.slice(-5)] : owners;
-  const trail = shownOwners.flatMap(owner => [owner === null ? `… ${count(owners.length - 7)} more …` : linkTo(uids[owner]), ' › ']);
+  const trail = shownOwners.flatMap(owner => [owner === null ? `… ${t('{} more', count(owners.length - 7))} …` : linkTo(uids[owner]), ' › ']);
   const title = titleOf(row);
   const parents = of < 0 ? [] : [...ancestorsOf(of)].filter(one => one !== of).map(nameOf);
   const head = [
-    el('p', { class: 'trail' }, ...(trail.length > 0 ? trail : ['Owned by no other object'])),
+    el('p', { class: 'trail' }, ...(trail.length > 0 ? trail : [t('Owned by no other object')])),
     el('h3', { id: 'detail-title', tabindex: -1 }, `${nameOf(of)} ${uids[row]}`, title ? ` “${shortened(title, 120)}”` : ''),
-    el('p', { class: 'where' }, parents.length > 0 ? `derives from ${shortened(parents.join(', '), 120)}; ` : '',
-      `record ${count(numbers[row])}, ${several(sizes[row], 'byte')} at `, el('a', { href: `#b${offsets[row]}` }, `byte ${count(offsets[row])}`)),
+    el('p', { class: 'where' }, parents.length > 0 ? `${t('derives from {}', shortened(parents.join(', '), 120))}; ` : '',
+      `${t('record {}', count(numbers[row]))}, ${bytes(sizes[row])} `, el('a', { href: `#b${offsets[row]}` }, t('at byte {}', count(offsets[row])))),
   ];
   const body = [];
-  if (!values[row]) body.push(el('p', { class: 'broken' }, 'The values of this record could not be read.'));
+  if (!values[row]) body.push(el('p', { class: 'broken' }, t('The values of this record could not be read.')));
   else if (fieldsOf(of).length > 0) {
     const line = place => {
       const field = fieldsOf(of)[place];
@@ -957,16 +990,16 @@ function detail(row) {
       const nodes = valueNodes(values[row][place], field).filter(node => node !== null);
       const wide = nodes.some(node => node instanceof Element && node.classList.contains('rows'));
       return el('tr', { class: wide ? 'wide' : null },
-        el('th', { scope: 'row' }, field.name, el('small', {}, kind, field.from === of ? '' : ` · of ${nameOf(field.from)}`)),
+        el('th', { scope: 'row' }, field.name, el('small', {}, kind, field.from === of ? '' : ` · ${t('of {}', nameOf(field.from))}`)),
         el('td', {}, ...nodes));
     };
-    const table = el('table', { 'aria-label': 'Fields' });
+    const table = el('table', { 'aria-label': t('Fields') });
     let next = 0;
     const more = el('button', { type: 'button', class: 'quiet' }, '');
     const extend = () => {
       const end = Math.min(next + 200, fieldsOf(of).length);
       for (; next < end; ++next) table.append(line(next));
-      more.textContent = `${count(fieldsOf(of).length - next)} more fields`;
+      more.textContent = several(fieldsOf(of).length - next, t('{} more field'), t('{} more fields'));
       more.hidden = next === fieldsOf(of).length;
     };
     more.addEventListener('click', extend);
@@ -975,7 +1008,7 @@ function detail(row) {
   }
   const { starts, sources, fields } = pointers();
   const from = starts[row], number = starts[row + 1] - from;
-  body.push(el('h4', {}, number === 0 ? 'No object points to it' : `${several(number, 'pointer')} to it`));
+  body.push(el('h4', {}, number === 0 ? t('No object points to it') : several(number, t('{} pointer to it'), t('{} pointers to it'))));
   if (number > 0) body.push(listNode(number, index => [el('span', {}, linkTo(uids[sources[from + index]]), ` · ${fields[from + index].name}`)]));
   panel.replaceChildren(...head, ...body);
   panel.scrollTop = 0;
@@ -1014,7 +1047,7 @@ showClasses();
 setUpDiagram();
 browser.choose(-1);
 if (uids.length > 0) detail(0);
-else byId('detail').append(el('p', { class: 'none', id: 'detail-title' }, 'There is no object.'));
+else byId('detail').append(el('p', { class: 'none', id: 'detail-title' }, t('There is no object.')));
 applyTheme();
 addEventListener('hashchange', route);
 route();

@@ -3,7 +3,6 @@
 #include "tool.h"
 #include "words.h"
 
-#include "ZoPrimitives/ZoLanguage.h"
 #include "ZoPrimitives/ZoVersion.h"
 
 #include <CLI/CLI.hpp>
@@ -45,12 +44,6 @@ void AddCommonOptions(CLI::App& zo, Looks& looks) {
 bool Colours(const Looks& looks, std::FILE* stream) {
     if (looks.colour != "auto") return looks.colour == "always";
     return Environment("NO_COLOR").empty() && IsTerminal(stream);
-}
-
-/// The parser knows English alone.
-std::string WhatIsWrong(const CLI::ParseError& error) {
-    const std::string words = Words("the command line is not understood ({})", error.what());
-    return ZoPrimitives::ZoLanguage() == std::string("en-US") ? error.what() : words;
 }
 
 Exit Run(Tool& tool, std::vector<std::string> words) {

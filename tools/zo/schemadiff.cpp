@@ -34,7 +34,7 @@ std::string ParentNames(const TZoClass& type) {
     std::string names;
     for (const TZoClass* const parent : ParentsOf(type))
         names += (names.empty() ? "" : ", ") + ClassName(*parent);
-    return names.empty() ? "none" : names;
+    return names.empty() ? Words("none") : names;
 }
 
 TZoClassField* OwnField(TZoClass& type, const ZoString& name) {
@@ -50,19 +50,20 @@ std::string Declaration(TZoClass& type) {
     for (const TZoClassField* const field : OwnFields(type)) {
         fields += fmt::format("{}{} {}", fields.empty() ? "" : ", ", FieldName(*field), TypeOf(*field));
     }
-    return fmt::format("class {}{}{} ({})", ClassName(type), type.GetAbstract() ? ", abstract" : "", parents,
-                       fields.empty() ? "no fields" : fields);
+    return fmt::format("{} {}{}{} ({})", Words("class"), ClassName(type),
+                       type.GetAbstract() ? ", " + Words("abstract") : "", parents,
+                       fields.empty() ? Words("no fields") : fields);
 }
 
 void CompareClass(TZoClass& a, TZoClass& b, std::vector<std::string>& lines) {
     const std::string name = ClassName(a);
     if (ParentNames(a) != ParentNames(b))
-        lines.push_back(fmt::format("~ class {}: parents {} -> {}", name, ParentNames(a), ParentNames(b)));
+        lines.push_back(Words("~ class {}: parents {} -> {}", name, ParentNames(a), ParentNames(b)));
     if (a.GetAbstract() != b.GetAbstract()) {
         const auto word = [](const TZoClass& type) {
-            return type.GetAbstract() ? "abstract" : "not abstract";
+            return type.GetAbstract() ? Words("abstract") : Words("not abstract");
         };
-        lines.push_back(fmt::format("~ class {}: {} -> {}", name, word(a), word(b)));
+        lines.push_back(Words("~ class {}: {} -> {}", name, word(a), word(b)));
     }
     for (const TZoClassField* const field : OwnFields(a)) {
         const TZoClassField* const other = OwnField(b, field->GetFieldName());

@@ -1,6 +1,7 @@
 #include "values.h"
 
 #include "text.h"
+#include "words.h"
 
 #include "ZoPrimitives/TBase64.h"
 
@@ -148,7 +149,7 @@ std::string NumberText(double value) {
 std::string PointerText(int uid, TZoRecordReader& reader) {
     if (uid == 0) return "null";
     const TZoClass* const type = reader.ClassOf(uid);
-    return fmt::format("#{} {}", uid, type == nullptr ? "(no such object)" : ClassName(*type));
+    return fmt::format("#{} {}", uid, type == nullptr ? Words("(no such object)") : ClassName(*type));
 }
 
 std::string ScalarText(const Scalar& scalar, TZoRecordReader& reader) {

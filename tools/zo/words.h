@@ -7,7 +7,8 @@
 
 namespace CLI {
 class App;
-}
+class ParseError;
+} // namespace CLI
 
 namespace ZoTool {
 
@@ -28,5 +29,8 @@ void ChooseLanguage(const std::vector<std::string>& commandLine);
 
 /// Puts all that `--help` tells into the current language.
 void TranslateHelp(CLI::App& app);
+
+/// What the parser of the command line, which knows English alone, says of a slip.
+std::string WhatIsWrong(const CLI::ParseError& slip);
 
 } // namespace ZoTool

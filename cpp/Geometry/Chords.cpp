@@ -149,7 +149,7 @@ private:
     };
 
     void DivideWherePiecesMeet();
-    void AddParts(std::size_t piece, std::vector<LDPoint> stops);
+    void AddParts(std::size_t piece, std::vector<LDPoint> points);
     void AddPart(std::size_t piece, const TPathPiece& part);
     void HalveArcs();
     void Separate(std::size_t a, std::size_t b);
@@ -201,38 +201,22 @@ void Chords::DivideWherePiecesMeet() {
     for (std::size_t i = 0; i < pieces.size(); ++i) AddParts(i, std::move(stops[i]));
 }
 
-void Chords::AddParts(std::size_t index, std::vector<LDPoint> stops) {
+void Chords::AddParts(std::size_t index, std::vector<LDPoint> points) {
     const TPathPiece& piece = pieces[index];
-    const ChordFrame frame(piece);
-    if (!IsArc(piece)) {
-        std::sort(stops.begin(), stops.end(), [&](const LDPoint& p, const LDPoint& q) {
-            return frame.ToFrame(p).x < frame.ToFrame(q).x;
-        });
-        stops.push_back(piece.to);
-        LDPoint from = piece.from;
-        for (const LDPoint& to : stops) {
-            AddPart(index, {from, to, 0});
-            from = to;
-        }
-        return;
-    }
     struct Stop {
-        double angle;
+        double at;
         LDPoint point;
     };
-    const double half = frame.HalfAngle();
-    std::vector<Stop> ordered{{-half, piece.from}, {half, piece.to}};
-    for (const LDPoint& p : stops) ordered.push_back({std::clamp(frame.AngleOf(p), -half, half), p});
-    std::sort(ordered.begin() + 1, ordered.end(),
-              [&](const Stop& a, const Stop& b) { return a.angle < b.angle; });
-    // A stop may have come behind the end by rounding.
-    for (std::size_t k = 1; k < ordered.size(); ++k) {
-        if (ordered[k].point == piece.to) std::swap(ordered[k], ordered.back());
-    }
-    for (std::size_t k = 1; k < ordered.size(); ++k) {
-        const Stop &start = ordered[k - 1], &end = ordered[k];
-        const double angle = std::max(0.0, end.angle - start.angle);
-        AddPart(index, {start.point, end.point, std::copysign(std::tan(angle / 4), piece.bulge)});
+    std::vector<Stop> stops;
+    for (const LDPoint& p : points) stops.push_back({ParameterOf(piece, p), p});
+    std::sort(stops.begin(), stops.end(), [](const Stop& a, const Stop& b) { return a.at < b.at; });
+    stops.push_back({1, piece.to});
+    const double angle = 4 * std::atan(piece.bulge);
+    Stop start{0, piece.from};
+    for (const Stop& end : stops) {
+        const double bulge = IsArc(piece) ? std::tan(angle * (end.at - start.at) / 4) : 0;
+        AddPart(index, {start.point, end.point, bulge});
+        start = end;
     }
 }
 

@@ -215,18 +215,40 @@ TContour Overlaying::ContourOf(std::vector<unsigned> ring) const {
 /// Of the part of a piece between two points of it.
 double Overlaying::BulgeOf(const TPathPiece& piece, const LDPoint& from, const LDPoint& to) {
     if (piece.bulge == 0) return 0;
-    const ChordFrame frame(piece);
-    const double half = frame.HalfAngle();
-    const auto angle = [&](const LDPoint& p) {
-        return p == piece.from ? -half : p == piece.to ? half : std::clamp(frame.AngleOf(p), -half, half);
-    };
     if (from == piece.from && to == piece.to) return piece.bulge;
     if (from == piece.to && to == piece.from) return -piece.bulge;
-    const double bulge = std::tan((angle(to) - angle(from)) / 4);
-    return piece.bulge > 0 ? bulge : -bulge;
+    return std::tan(std::atan(piece.bulge) * (ParameterOf(piece, to) - ParameterOf(piece, from)));
 }
 
 } // namespace
+
+void AppendAround(const TPathPiece& piece, double distance, std::vector<OverlayBorder>& borders) {
+    if (piece.from == piece.to) return;
+    const auto add = [&](std::vector<TPathPiece> pieces) {
+        borders.push_back({std::move(pieces), 1, false});
+    };
+    const ChordFrame frame(piece);
+    const double turn = piece.bulge > 0 ? 1 : -1;
+    const double half = turn * frame.HalfAngle();
+    // To the right of the piece, where it begins and where it ends.
+    const LDPoint right(frame.along.y, -frame.along.x);
+    const LDPoint atFrom = (right * std::cos(half) - frame.along * std::sin(half)) * distance;
+    const LDPoint atTo = (right * std::cos(half) + frame.along * std::sin(half)) * distance;
+    const double radius = piece.bulge == 0 ? HUGE_VAL : frame.Radius();
+    if (distance < radius) {
+        add({{piece.from + atFrom, piece.to + atTo, piece.bulge},
+             {piece.to + atTo, piece.to - atTo, 1},
+             {piece.to - atTo, piece.from - atFrom, -piece.bulge},
+             {piece.from - atFrom, piece.from + atFrom, 1}});
+        return;
+    }
+    // All of the arc's sector, and what is around its ends.
+    const LDPoint centre = piece.from - atFrom * (turn * radius / distance);
+    const LDPoint start = piece.from + atFrom * turn, end = piece.to + atTo * turn;
+    add({{centre, start, 0}, {start, end, piece.bulge}, {end, centre, 0}});
+    add({{piece.from + atFrom, piece.from - atFrom, 1}, {piece.from - atFrom, piece.from + atFrom, 1}});
+    add({{piece.to + atTo, piece.to - atTo, 1}, {piece.to - atTo, piece.to + atTo, 1}});
+}
 
 TRegion Overlay(const std::vector<OverlayBorder>& borders, OverlayKind kind, unsigned precision) {
     return Overlaying(borders, kind, precision).Region();

@@ -15,6 +15,9 @@ struct OverlayBorder {
 
 enum class OverlayKind { UNION, INTERSECTION, DIFFERENCE, EXCLUSIVE_OR };
 
+/// Appends borders of the second operand around all that lies within a distance of a piece.
+void AppendAround(const TPathPiece& piece, double distance, std::vector<OverlayBorder>& borders);
+
 /// The region in which a point lies according to whether it lies in each operand: within more of its outer
 /// borders than holes. A border encloses what an odd number of its turns leads around.
 TRegion Overlay(const std::vector<OverlayBorder>& borders, OverlayKind kind, unsigned precision);

@@ -98,6 +98,31 @@ Integrals IntegralsOf(const std::vector<TPathPiece>& pieces, const LDPoint& orig
 
 } // namespace
 
+std::vector<TPathPiece> PiecesOf(const TPath2D& path) {
+    const unsigned long long count = path.NPieces();
+    std::vector<TPathPiece> pieces;
+    pieces.reserve(count);
+    for (unsigned long long i = 1; i <= count; ++i) pieces.push_back(path.Piece(i));
+    return pieces;
+}
+
+LDPoint PointAt(const TPathPiece& piece, double fraction) {
+    if (fraction <= 0) return piece.from;
+    if (fraction >= 1) return piece.to;
+    const ChordFrame frame(piece);
+    if (piece.bulge == 0) return frame.FromFrame({frame.chord * (fraction - 0.5), 0});
+    return frame.FromFrame(frame.OnCircle(frame.HalfAngle() * (2 * fraction - 1)));
+}
+
+double ParameterOf(const TPathPiece& piece, const LDPoint& point) {
+    if (point == piece.from || piece.from == piece.to) return 0;
+    if (point == piece.to) return 1;
+    const ChordFrame frame(piece);
+    const double fraction = piece.bulge == 0 ? frame.ToFrame(point).x / frame.chord + 0.5
+                                             : frame.AngleOf(point) / frame.HalfAngle() / 2 + 0.5;
+    return std::clamp(fraction, 0.0, 1.0);
+}
+
 double LengthOf(const TPathPiece& piece) {
     const LDPoint step = piece.to - piece.from;
     const double chord = std::hypot(step.x, step.y);

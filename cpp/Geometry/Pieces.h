@@ -17,7 +17,13 @@ inline bool IsFinite(const TPathPiece& piece) {
     return IsFinite(piece.from) && IsFinite(piece.to) && std::isfinite(piece.bulge);
 }
 
+std::vector<TPathPiece> PiecesOf(const TPath2D& path);
+
 double LengthOf(const TPathPiece& piece);
+/// The point at a fraction of the length, from 0 to 1.
+LDPoint PointAt(const TPathPiece& piece, double fraction);
+/// The fraction at which a point of the piece lies, or the one nearest to it.
+double ParameterOf(const TPathPiece& piece, const LDPoint& point);
 void AddBounds(RRect& box, const TPathPiece& piece);
 LDPoint NearestPointOf(const TPathPiece& piece, const LDPoint& point);
 /// The points of a circular piece that divide it into `parts` equal ones, without its ends.

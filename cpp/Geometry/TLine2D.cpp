@@ -8,12 +8,19 @@
 #include "ZoPrimitives/T3DCylinder.h"
 #include "ZoPrimitives/T3DMesh.h"
 #include "ZoPrimitives/TArc2D.h"
+#include "ZoPrimitives/TBezier2D.h"
 #include "ZoPrimitives/TCircle2D.h"
 #include "ZoPrimitives/TExtrusionPath.h"
 #include "ZoPrimitives/TPlane3D.h"
+#include "ZoPrimitives/TRay2D.h"
 #include "ZoPrimitives/TRegion.h"
 #include "ZoPrimitives/TSegment2D.h"
+#include "ZoPrimitives/TTriangle2D.h"
 #include "ZoPrimitives/ZoAssert.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace ZoPrimitives {
 
@@ -68,6 +75,22 @@ bool TLine2D::Intersection(const TLine2D& other, Point2D& point) const {
     return true;
 }
 
+TSegment2D TLine2D::Beside(const RRect& rectangle) const {
+    const TVector2D unit = Direction().Normalized();
+    ZO_ASSERT(unit.Magnitude() > 0, "a direction", "cpp/Geometry/TLine2D");
+    if (rectangle.IsEmpty()) return {Point(), Point()};
+    double low = std::numeric_limits<double>::infinity(), high = -low;
+    for (const double x : {rectangle.X1(), rectangle.X2()}) {
+        for (const double y : {rectangle.Y1(), rectangle.Y2()}) {
+            const double at = unit.DotProduct(Point2D(x, y) - Point());
+            low = std::min(low, at);
+            high = std::max(high, at);
+        }
+    }
+    const double more = 1e-6 * (high - low) + 1e-12 * std::max(std::abs(low), std::abs(high));
+    return {Point() + unit * (low - more), Point() + unit * (high + more)};
+}
+
 bool TLine2D::operator==(const TLine2D& other) const {
     return xValue == other.xValue && yValue == other.yValue && dxValue == other.dxValue &&
            dyValue == other.dyValue;
@@ -96,9 +119,12 @@ bool TLine2D::ReadData(int code, InputStreamer& streamer) {
 void ZoRegisterGeometry(TZoMetaData* schema) {
     RRect::Register(schema);
     TLine2D::Register(schema);
+    TRay2D::Register(schema);
     TSegment2D::Register(schema);
     TArc2D::Register(schema);
     TCircle2D::Register(schema);
+    TTriangle2D::Register(schema);
+    TBezier2D::Register(schema);
     TPolyline2D::Register(schema);
     TContour::Register(schema);
     TRegion::Register(schema);

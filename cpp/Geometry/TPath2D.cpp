@@ -13,14 +13,6 @@ namespace {
 
 constexpr const char* SOURCE = "cpp/Geometry/TPath2D";
 
-std::vector<TPathPiece> PiecesOf(const TPath2D& path) {
-    const unsigned long long count = path.NPieces();
-    std::vector<TPathPiece> pieces;
-    pieces.reserve(count);
-    for (unsigned long long i = 1; i <= count; ++i) pieces.push_back(path.Piece(i));
-    return pieces;
-}
-
 std::vector<TPathPiece> ClosedPiecesOf(const TPath2D& path) {
     ZO_ASSERT(path.IsClosed(), "closed path", SOURCE);
     return PiecesOf(path);

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/TPolyline2D.h"
 
+#include "Geometry/Pieces.h"
 #include "Geometry/Predicates.h"
 #include "Geometry/VertexNumbers.h"
 #include "Values/PointClass.h"
@@ -56,6 +57,47 @@ void TPolyline2D::Reverse() {
     const auto count = vertices.size();
     for (std::size_t i = 0; i < count; ++i)
         vertices[i].bulge = closed ? bulges[(i + 1) % count] : i + 1 < count ? bulges[i + 1] : bulges[0];
+}
+
+TPolyline2D TPolyline2D::Simplified(double tolerance) const {
+    ZO_ASSERT(tolerance >= 0, "tolerance >= 0", SOURCE);
+    const std::size_t count = vertices.size();
+    std::vector<bool> kept(count);
+    const auto point = [&](std::size_t i) { return vertices[i % count].point; };
+    // Ranges of straight pieces; the vertex farthest from the piece between a range's ends divides it.
+    std::vector<std::pair<std::size_t, std::size_t>> ranges;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < NPieces(); ++i) {
+        if (vertices[i].bulge != 0) {
+            ranges.emplace_back(begin, i);
+            begin = i + 1;
+        }
+    }
+    if (count != 0) ranges.emplace_back(begin, static_cast<std::size_t>(NPieces()));
+    while (!ranges.empty()) {
+        const auto [first, last] = ranges.back();
+        ranges.pop_back();
+        kept[first % count] = kept[last % count] = true;
+        std::size_t farthest = first;
+        double most = tolerance * tolerance;
+        for (std::size_t i = first + 1; i < last; ++i) {
+            const double distance =
+                NearestPointOf({point(first), point(last), 0}, point(i)).DistFrom2(point(i));
+            if (distance > most) {
+                most = distance;
+                farthest = i;
+            }
+        }
+        if (farthest == first) continue;
+        ranges.emplace_back(first, farthest);
+        ranges.emplace_back(farthest, last);
+    }
+    TPolyline2D result;
+    result.closed = closed;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (kept[i]) result.vertices.push_back(vertices[i]);
+    }
+    return result;
 }
 
 unsigned long long TPolyline2D::NPieces() const {

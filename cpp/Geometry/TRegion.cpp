@@ -19,6 +19,23 @@ namespace {
 
 constexpr const char* SOURCE = "cpp/Geometry/TRegion";
 
+/// Asserts that all coordinates are finite.
+void AppendBorders(const TRegion& region, unsigned operand, std::vector<OverlayBorder>& borders) {
+    for (unsigned long long i = 1; i <= region.NContours(); ++i) {
+        borders.push_back({PiecesOf(region.Contour(i)), operand, region.IsHole(i)});
+        for (const TPathPiece& piece : borders.back().pieces)
+            ZO_ASSERT(IsFinite(piece), "finite coordinates", SOURCE);
+    }
+}
+
+TRegion Overlaid(const TRegion& a, const TRegion& b, OverlayKind kind, unsigned precision) {
+    Equal(0, 0, precision); // asserts the precision
+    std::vector<OverlayBorder> borders;
+    AppendBorders(a, 0, borders);
+    AppendBorders(b, 1, borders);
+    return Overlay(borders, kind, precision);
+}
+
 } // namespace
 
 ZO_POINT_BODY(TRegion)
@@ -116,30 +133,29 @@ TLocation TRegion::Locate(const Point2D& point, unsigned precision) const {
 }
 
 TRegion TRegion::Union(const TRegion& other, unsigned precision) const {
-    return Overlaid(other, static_cast<int>(OverlayKind::UNION), precision);
+    return Overlaid(*this, other, OverlayKind::UNION, precision);
 }
 TRegion TRegion::Intersection(const TRegion& other, unsigned precision) const {
-    return Overlaid(other, static_cast<int>(OverlayKind::INTERSECTION), precision);
+    return Overlaid(*this, other, OverlayKind::INTERSECTION, precision);
 }
 TRegion TRegion::Difference(const TRegion& other, unsigned precision) const {
-    return Overlaid(other, static_cast<int>(OverlayKind::DIFFERENCE), precision);
+    return Overlaid(*this, other, OverlayKind::DIFFERENCE, precision);
 }
 TRegion TRegion::ExclusiveOr(const TRegion& other, unsigned precision) const {
-    return Overlaid(other, static_cast<int>(OverlayKind::EXCLUSIVE_OR), precision);
+    return Overlaid(*this, other, OverlayKind::EXCLUSIVE_OR, precision);
 }
 
-TRegion TRegion::Overlaid(const TRegion& other, int kind, unsigned precision) const {
+TRegion TRegion::Offset(double distance, unsigned precision) const {
     Equal(0, 0, precision); // asserts the precision
+    ZO_ASSERT(std::isfinite(distance), "finite coordinates", SOURCE);
     std::vector<OverlayBorder> borders;
-    for (const unsigned operand : {0u, 1u}) {
-        const TRegion& region = operand == 0 ? *this : other;
-        for (unsigned long long i = 1; i <= region.NContours(); ++i) {
-            borders.push_back({region.PiecesOf(i), operand, region.IsHole(i)});
-            for (const TPathPiece& piece : borders.back().pieces)
-                ZO_ASSERT(IsFinite(piece), "finite coordinates", SOURCE);
-        }
+    AppendBorders(*this, 0, borders);
+    const std::size_t count = borders.size();
+    for (std::size_t i = 0; distance != 0 && i < count; ++i) {
+        const std::vector<TPathPiece> pieces = borders[i].pieces;
+        for (const TPathPiece& piece : pieces) AppendAround(piece, std::abs(distance), borders);
     }
-    return Overlay(borders, static_cast<OverlayKind>(kind), precision);
+    return Overlay(borders, distance < 0 ? OverlayKind::DIFFERENCE : OverlayKind::UNION, precision);
 }
 
 bool TRegion::operator==(const TRegion& other) const {

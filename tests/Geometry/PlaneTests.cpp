@@ -1,8 +1,11 @@
 #include "ZoPrimitives/TArc2D.h"
+#include "ZoPrimitives/TBezier2D.h"
 #include "ZoPrimitives/TCircle2D.h"
 #include "ZoPrimitives/TLine2D.h"
+#include "ZoPrimitives/TRay2D.h"
 #include "ZoPrimitives/TRegion.h"
 #include "ZoPrimitives/TSegment2D.h"
+#include "ZoPrimitives/TTriangle2D.h"
 
 #include "Geometry/Random.h"
 #include "support/Assertions.h"
@@ -304,6 +307,109 @@ TEST(PlaneTests, Lines) {
     EXPECT_EQ(AssertionOf([] { TLine2D({1, 1}, {0, 0}).Project({2, 2}); }).expression, "a direction");
 }
 
+TEST(PlaneTests, BezierCurves) {
+    const double k = 4 * (std::sqrt(2.0) - 1) / 3; // nearly a quarter of a circle
+    const double parabola = std::sqrt(5.0) / 2 + std::asinh(2.0) / 4;
+    const std::tuple<const char*, TBezier2D, double, RRect> cases[] = {
+        {"straight", {{0, 0}, {1, 0}, {2, 0}, {3, 0}}, 3, RRect({0, 0}, {3, 0})},
+        {"straight, beyond its ends", {{0, 0}, {3, 0}, {-2, 0}, {1, 0}}, 0, RRect()},
+        {"a parabola", TBezier2D::Quadratic({0, 0}, {0.5, 0}, {1, 1}), parabola, RRect({0, 0}, {1, 1})},
+        {"an arch", TBezier2D::Quadratic({-1, 0}, {0, 4}, {1, 0}), 0, RRect({-1, 0}, {1, 2})},
+        {"a quarter", {{1, 0}, {1, k}, {k, 1}, {0, 1}}, 0, RRect({0, 0}, {1, 1})},
+        {"a loop", {{0, 0}, {3, 2}, {-2, 2}, {1, 0}}, 0, RRect()},
+        {"a cusp", {{0, 0}, {2, 2}, {-1, 2}, {1, 0}}, 0, RRect()},
+        {"a point", {{2, 3}, {2, 3}, {2, 3}, {2, 3}}, 0, RRect({2, 3}, {2, 3})},
+    };
+    Random random(13);
+    for (const auto& [name, curve, length, box] : cases) {
+        EXPECT_TRUE(length == 0 || std::abs(curve.Length() - length) < 1e-14) << name << curve.Length();
+        if (!box.IsEmpty()) {
+            const RRect found = curve.BoundingBox();
+            EXPECT_TRUE(Point2D(found.X1(), found.Y1()).Equal({box.X1(), box.Y1()}, 14)) << name;
+            EXPECT_TRUE(Point2D(found.X2(), found.Y2()).Equal({box.X2(), box.Y2()}, 14)) << name;
+        }
+        const TPolyline2D fine = curve.Flattened(1e-9);
+        EXPECT_NEAR(fine.Length(), curve.Length(), 2e-8) << name;
+        EXPECT_TRUE(RRect(curve.BoundingBox())
+                        .Inflate(1e-12)
+                        .Contains({fine.BoundingBox().X1(), fine.BoundingBox().Y2()}))
+            << name;
+        EXPECT_NEAR(fine.BoundingBox().Width(), curve.BoundingBox().Width(), 3e-9) << name;
+        EXPECT_NEAR(fine.BoundingBox().Height(), curve.BoundingBox().Height(), 3e-9) << name;
+        for (int i = 0; i < 12; ++i) {
+            const Point2D p(random.Uniform(-2, 4), random.Uniform(-2, 4));
+            EXPECT_NEAR(curve.Distance(p), fine.Distance(p), 2e-9) << name;
+            EXPECT_LE(fine.Distance(curve.NearestPoint(p)), 2e-9) << name;
+        }
+        for (const double error : {0.3, 1e-3}) {
+            const TPolyline2D chords = curve.Flattened(error);
+            double most = 0;
+            for (unsigned long long i = 1; i <= fine.NVertices(); i += 1 + fine.NVertices() / 200)
+                most = std::max(most, chords.Distance(fine.Vertex(i)));
+            EXPECT_LE(most, error) << name;
+        }
+    }
+    EXPECT_EQ(TBezier2D().NearestPoint({1, 1}), Point2D(0, 0));
+    EXPECT_EQ(AssertionOf([] { TBezier2D().Flattened(0); }).expression, "chordError > 0");
+    EXPECT_EQ(AssertionOf([] { TBezier2D().ControlPoint(5); }).expression, "index >= 1 && index <= 4");
+}
+
+TEST(PlaneTests, TrianglesAndRays) {
+    const TTriangle2D triangle({0, 0}, {4, 0}, {0, 3});
+    EXPECT_TRUE(triangle.Area() == 6 && triangle.Length() == 12 && triangle.IsCounterClockwise());
+    EXPECT_TRUE(triangle.Circumcircle() == TCircle2D({2, 1.5}, 2.5) &&
+                triangle.Incircle() == TCircle2D({1, 1}, 1));
+    EXPECT_TRUE(triangle.Locate({1, 1}) == InsideRegion && triangle.Locate({3, 3}) == OutsideRegion);
+    EXPECT_EQ(AssertionOf([] {
+                  TTriangle2D({0, 0}, {1, 1}, {3, 3}).Incircle();
+              }).expression,
+              "corners that lie on no line");
+    const TRay2D ray({1, 1}, {2, 0});
+    EXPECT_TRUE(ray.NearestPoint({4, 5}) == Point2D(4, 1) && ray.NearestPoint({-4, 5}) == Point2D(1, 1));
+    EXPECT_EQ(ray.Distance({-2, 5}), 5);
+    EXPECT_TRUE(ray.Beside(RRect({-9, -9}, {-8, 9})) == TSegment2D({1, 1}, {1, 1}));
+    EXPECT_TRUE(ray.Beside(RRect({3, 3}, {5, 9})).End().Equal({5, 1}, 4));
+    EXPECT_EQ(AssertionOf([] { TRay2D({1, 1}, {0, 0}).Beside(RRect()); }).expression, "a direction");
+}
+
+TEST(PlaneTests, Simplifies) {
+    TPolyline2D arched({{0, 0}, {1, 0.05}, {2, 0}});
+    arched.Add({3, 0.05}, 0.5);
+    arched.Add({4, 0.05});
+    arched.Add({5, 0});
+    TPolyline2D archedLess({{0, 0}});
+    archedLess.Add({3, 0.05}, 0.5);
+    archedLess.Add({4, 0.05});
+    archedLess.Add({5, 0});
+    const std::tuple<const char*, TPolyline2D, double, TPolyline2D> cases[] = {
+        {"nothing", {}, 1, {}},
+        {"a vertex", {{1, 2}}, 1, {{1, 2}}},
+        {"on a line", {{0, 0}, {1, 1}, {2, 2}}, 0, {{0, 0}, {2, 2}}},
+        {"beside it", {{0, 0}, {1, 1.1}, {2, 2}}, 0.07, {{0, 0}, {1, 1.1}, {2, 2}}},
+        {"beside it, within", {{0, 0}, {1, 1.1}, {2, 2}}, 0.072, {{0, 0}, {2, 2}}},
+        {"forth and back", {{0, 0}, {5, 0}, {1, 0}}, 0.5, {{0, 0}, {5, 0}, {1, 0}}},
+        {"closed",
+         {{{0, 0}, {2, 0}, {4, 0}, {4, 4}, {2, 4}, {0, 4}, {0, 2}}, true},
+         0.1,
+         {{{0, 0}, {4, 0}, {4, 4}, {0, 4}}, true}},
+        {"with an arc", arched, 0.1, archedLess},
+    };
+    for (const auto& [name, path, tolerance, expected] : cases)
+        EXPECT_EQ(path.Simplified(tolerance), expected) << name;
+    Random random(19);
+    for (int i = 0; i < 50; ++i) {
+        TPolyline2D path;
+        for (int k = 0; k < 60; ++k) path.Add({k * 0.2 + random.Uniform(0, 0.1), random.Uniform(0, 1)});
+        path.Close(i % 2 == 0);
+        const double tolerance = random.Uniform(0, 1);
+        const TPolyline2D less = path.Simplified(tolerance);
+        EXPECT_LE(less.NVertices(), path.NVertices());
+        for (unsigned long long k = 1; k <= path.NVertices(); ++k)
+            EXPECT_LE(less.Distance(path.Vertex(k)), tolerance) << i;
+    }
+    EXPECT_EQ(AssertionOf([&] { arched.Simplified(-1); }).expression, "tolerance >= 0");
+}
+
 TEST(PlaneTests, Rectangles) {
     RRect box;
     EXPECT_TRUE(box.IsEmpty() && box.Area() == 0 && !box.Contains({0, 0}) && box == RRect().Inflate(5));
@@ -326,6 +432,9 @@ TEST(PlaneTests, EachIsSavedAndOpened) {
     ZoRegisterGeometry(&schema);
     RRect box({1, 2}, {3, 4}), nothing;
     TLine2D line({1, 2}, {3, 4});
+    TRay2D ray({1, 2}, {3, 4});
+    TTriangle2D triangle({1, 2}, {3, 4}, {5, 6});
+    TBezier2D bezier({1, 2}, {3, 4}, {5, 6}, {7, 8});
     TSegment2D segment({1, 2}, {3, 4});
     TArc2D arc({1, 2}, {3, 4}, 0.5);
     TCircle2D circle({1, 2}, 3);
@@ -338,6 +447,9 @@ TEST(PlaneTests, EachIsSavedAndOpened) {
         {&box, "RRect", "10|1.|20|2.|11|3.|21|4.|"},
         {&nothing, "RRect", "10|inf|20|inf|11|-inf|21|-inf|"},
         {&line, "TLine2D", "10|1.|20|2.|11|3.|21|4.|"},
+        {&ray, "TRay2D", "10|1.|20|2.|11|3.|21|4.|"},
+        {&triangle, "TTriangle2D", "10|1.|20|2.|11|3.|21|4.|12|5.|22|6.|"},
+        {&bezier, "TBezier2D", "10|1.|20|2.|11|3.|21|4.|12|5.|22|6.|13|7.|23|8.|"},
         {&segment, "TSegment2D", "10|1.|20|2.|11|3.|21|4.|"},
         {&arc, "TArc2D", "10|1.|20|2.|11|3.|21|4.|42|0.5|"},
         {&circle, "TCircle2D", "10|1.|20|2.|40|3.|"},

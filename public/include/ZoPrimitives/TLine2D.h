@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZoPrimitives/TSegment2D.h"
 #include "ZoPrimitives/TVector2D.h"
 
 namespace ZoPrimitives {
@@ -39,6 +40,9 @@ public:
     /// The point that both have in common, in the nearest doubles; false, and nothing set, for parallel
     /// lines.
     bool Intersection(const TLine2D& other, Point2D& point) const;
+    /// The part somewhat longer than what lies beside the rectangle: for pairs with what lies within that,
+    /// the line itself. Without length for an empty rectangle.
+    TSegment2D Beside(const RRect& rectangle) const;
 
     bool operator==(const TLine2D& other) const;
     bool operator!=(const TLine2D& other) const { return !(*this == other); }
@@ -58,9 +62,10 @@ protected:
     bool ReadData(int code, InputStreamer& streamer) override;
 };
 
-/// Registers the values of geometry. Of the plane: `RRect`, `TLine2D`, `TSegment2D`, `TArc2D`, `TCircle2D`,
-/// `TPolyline2D`, `TContour` and `TRegion`. Of space: `FloatMatrix`, `T3DBox`, `TPlane3D`, `T3DSegment`,
-/// `T3DCylinder`, `T3DMesh` and `TExtrusionPath`. Points, vectors and transformations register on their own.
+/// Registers the values of geometry. Of the plane: `RRect`, `TLine2D`, `TRay2D`, `TSegment2D`, `TArc2D`,
+/// `TCircle2D`, `TTriangle2D`, `TBezier2D`, `TPolyline2D`, `TContour` and `TRegion`. Of space: `FloatMatrix`,
+/// `T3DBox`, `TPlane3D`, `T3DSegment`, `T3DCylinder`, `T3DMesh` and `TExtrusionPath`. Points, vectors and
+/// transformations register on their own.
 ZO_API void ZoRegisterGeometry(TZoMetaData* schema);
 
 } // namespace ZoPrimitives

@@ -37,6 +37,11 @@ public:
     double Bulge(unsigned long long index) const;
     /// Makes a piece lead from the last vertex to the first one, or not.
     virtual void Close(bool close);
+    /// The same path with fewer vertices, each of them one of its own: no vertex that is left out lies
+    /// farther than `tolerance` from the straight piece that replaces it. Arcs and their ends stay, and so do
+    /// the first vertex and the last. The result may cross itself where parts of the path are as near to each
+    /// other as that. The tolerance is asserted not to be negative.
+    TPolyline2D Simplified(double tolerance) const;
     /// The same path the other way round; the first vertex stays where it is if the path is closed.
     void Reverse();
 

@@ -47,6 +47,10 @@ public:
     /// What lies in one of both.
     TRegion ExclusiveOr(const TRegion& other, unsigned precision = 6) const;
 
+    /// What lies within `distance` of the region, or, for a negative one, within the region and no nearer to
+    /// its border: corners become arcs. As an overlay, the result is sound for any contours.
+    TRegion Offset(double distance, unsigned precision = 6) const;
+
     bool operator==(const TRegion& other) const;
     bool operator!=(const TRegion& other) const { return !(*this == other); }
     using ZoObject::operator!=;
@@ -74,7 +78,6 @@ private:
     void Append(const TContour& contour, int sign);
     bool Count();
     std::vector<TPathPiece> PiecesOf(unsigned long long index) const;
-    TRegion Overlaid(const TRegion& other, int kind, unsigned precision) const;
 
     std::vector<TPathVertex> vertices;    // of all contours
     std::vector<int> counts;              // of each contour's vertices, negative for a hole

@@ -41,6 +41,8 @@ def line_of(path, line, first):
         return f"{heading[1]} {heading[2]} {{#{name}}}"
     if line.startswith("<!--"):
         return ""
+    # An apostrophe would end the code.
+    line = re.sub(r"`([^`]*'[^`]*)`", lambda match: "<tt>" + re.sub("([@<>&])", r"\\\1", match[1]) + "</tt>", line)
     return re.sub(r"(!?)\[((?:[^\[\]]|\[\])*)\]\(([^)\s]+)\)", lambda match: linked(path, match), line)
 
 

@@ -22,7 +22,8 @@ class Language(harness.ToolTest):
 
     def test_slips_of_the_command_line(self):
         for words, *told in (
-                (["inof"], "A subcommand is required", "falta um comando", "falta un comando"),
+                ([], "A subcommand is required", "falta um comando", "falta un comando"),
+                (["inof"], 'there is no command "inof"', 'não há o comando "inof"', 'no existe el comando "inof"'),
                 (["info"], "FILE is required", "FILE é obrigatório", "FILE es obligatorio"),
                 (["export", "x"], "Exactly 1 option from [--sqlite,--jsonl] is required", "é obrigatória exatamente 1 opção de [--sqlite,--jsonl]",
                  "se requiere exactamente 1 opción de [--sqlite,--jsonl]"),

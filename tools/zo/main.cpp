@@ -70,7 +70,11 @@ Exit Run(Tool& tool, std::vector<std::string> words) {
         return Exit::Good;
     } catch (const CLI::ParseError& error) {
         const auto chosen = zo.get_subcommands();
-        tool.Fail("", Words("{}; \"zo {}--help\" tells what can be asked", WhatIsWrong(error),
+        const std::vector<std::string> rest = zo.remaining();
+        const bool isNoCommand = chosen.empty() && !rest.empty() && rest.front()[0] != '-';
+        const std::string wrong =
+            isNoCommand ? Words("there is no command \"{}\"", rest.front()) : WhatIsWrong(error);
+        tool.Fail("", Words("{}; \"zo {}--help\" tells what can be asked", wrong,
                             chosen.empty() ? "" : chosen.front()->get_name() + " "));
         return Exit::Trouble;
     }

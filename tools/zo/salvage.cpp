@@ -88,7 +88,7 @@ void AddSalvage(CLI::App& zo, Tool& tool) {
     const auto how = std::make_shared<Salvaging>();
     command->add_option("FILE", how->file, "an object file, or - for standard input; never changed")
         ->required();
-    command->add_option("-o,--output", how->target, "the new file")->required();
+    command->add_option("-o,--output", how->target, "the new file")->type_name("NEW")->required();
     command->add_option("--schema-from", how->good,
                         "a good file of the same version of the application: its schema is used");
     command->footer(

@@ -215,6 +215,10 @@ const struct {
     {"OutputStream", StreamsText},
     {"OutputStreamer", StreamsText},
     {"ParallelFind", Parallel},
+    {"PathPairs",
+     [] {
+         return Distance(Square(), TSegment2D({5, 0}, {5, 1})) == 3;
+     }},
     {"Point2D", [] { return Point2D(3, 4).Distance(Point2D()) == 5; }},
     {"Point3D", [] { return Point3D(1, 2, 2).Distance(Point3D()) == 3; }},
     {"RRect", [] { return RRect(Point2D(0, 0), Point2D(3, 4)).Width() == 3; }},
@@ -238,6 +242,10 @@ const struct {
      }},
     {"TAreaProperties", [] { return Square().AreaProperties().Area() == 4; }},
     {"TBase64", Encodes},
+    {"TBezier2D",
+     [] {
+         return TBezier2D({0, 0}, {1, 0}, {2, 0}, {3, 0}).ControlPoint(4) == Point2D(3, 0);
+     }},
     {"TCircle2D",
      [] {
          return TCircle2D({1, 2}, 3).NPieces() > 0;
@@ -260,6 +268,10 @@ const struct {
          return TPlane3D().SignedDistance({1, 2, 3}) == 3;
      }},
     {"TPolyline2D", [] { return Square().NVertices() == 4; }},
+    {"TRay2D",
+     [] {
+         return TRay2D({0, 0}, {0, 1}) != TRay2D({0, 0}, {1, 0});
+     }},
     {"TRegion", [] { return TRegion(Square()).Area() == 4; }},
     {"TSegment2D",
      [] {
@@ -267,6 +279,10 @@ const struct {
      }},
     {"TTimestamp", [] { return TTimestamp("1970", "%Y") == TTimestamp::MinValue(); }},
     {"TTransformation", [] { return TTransformation::Scaling(2, 2, 2).Element(1, 1) == 2; }},
+    {"TTriangle2D",
+     [] {
+         return TTriangle2D({0, 0}, {1, 0}, {0, 1}).Area() == 0.5;
+     }},
     {"TTransformationParts",
      [] {
          TTransformationParts parts;

@@ -266,7 +266,8 @@ class InBrowser(Report):
         while active() != "#o2":
             browser.press("Tab")
         browser.press("Enter")
-        browser.wait("document.activeElement.textContent.startsWith('Node 2 ')")
+        # Not the link, which has that name, too.
+        browser.wait("document.activeElement.id === 'detail-title' && document.activeElement.textContent.startsWith('Node 2 ')")
         browser.press("Escape")
         self.assertEqual(active(), "grid")
         browser.run("document.getElementById('map').focus()")

@@ -14,7 +14,7 @@ esac | c++filt |
     # The compiler's own affair: guards, static variables of inline functions, what it makes of templates.
     grep -vE '^guard variable for |\)::[a-z]|^[a-zA-Z:]+[*&]? ZoPrimitives::|^typeinfo name for |^typeinfo for (std::|tbb::|.*[<{])' |
     # What one system alone exports: classes of local variables, their bases, and template members.
-    grep -vE '::Conversion$|::EndInstances::|^typeinfo for ZoPrimitives::(RecordFilter|MemberObjects|ValueTaker)$|::Adopt<|::TRIED_FIRST<' |
+    grep -vE '::Conversion$|::EndInstances::|^typeinfo for ZoPrimitives::(RecordFilter|MemberObjects|ValueTaker|KeptObjects::Action)$|::Adopt<|::TRIED_FIRST<' |
     # The systems spell the same sizes and counts of ticks differently.
     sed -E 's/long long/long/g; s/1ll/1l/g' |
     LC_ALL=C sort -u |

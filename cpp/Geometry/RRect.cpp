@@ -1,7 +1,7 @@
 #include "ZoPrimitives/RRect.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 
 #include <algorithm>
@@ -92,14 +92,8 @@ void RRect::Write(OutputStreamer& streamer) {
 }
 
 bool RRect::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &x1Value
-                          : code == 20 ? &y1Value
-                          : code == 11 ? &x2Value
-                          : code == 21 ? &y2Value
-                                       : nullptr;
-    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer, {{10, &x1Value}, {20, &y1Value}, {11, &x2Value}, {21, &y2Value}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

@@ -1,7 +1,7 @@
 #include "ZoPrimitives/T3DBox.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 
 #include <algorithm>
@@ -86,16 +86,14 @@ void T3DBox::Write(OutputStreamer& streamer) {
 }
 
 bool T3DBox::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &x1Value
-                          : code == 20 ? &y1Value
-                          : code == 30 ? &z1Value
-                          : code == 11 ? &x2Value
-                          : code == 21 ? &y2Value
-                          : code == 31 ? &z2Value
-                                       : nullptr;
-    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer,
+                      {{10, &x1Value},
+                       {20, &y1Value},
+                       {30, &z1Value},
+                       {11, &x2Value},
+                       {21, &y2Value},
+                       {31, &z2Value}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

@@ -1,10 +1,10 @@
 #include "ZoPrimitives/T3DCylinder.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Geometry/Space.h"
 #include "Geometry/SweptMesh.h"
 #include "Values/FullTurn.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/T3DMesh.h"
 #include "ZoPrimitives/TCircle2D.h"
@@ -141,17 +141,15 @@ void T3DCylinder::Write(OutputStreamer& streamer) {
 }
 
 bool T3DCylinder::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &x1Value
-                          : code == 20 ? &y1Value
-                          : code == 30 ? &z1Value
-                          : code == 11 ? &x2Value
-                          : code == 21 ? &y2Value
-                          : code == 31 ? &z2Value
-                          : code == 40 ? &radiusValue
-                                       : nullptr;
-    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer,
+                      {{10, &x1Value},
+                       {20, &y1Value},
+                       {30, &z1Value},
+                       {11, &x2Value},
+                       {21, &y2Value},
+                       {31, &z2Value},
+                       {40, &radiusValue}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

@@ -1,8 +1,8 @@
 #include "ZoPrimitives/T3DSegment.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Geometry/Space.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/T3DMesh.h"
 #include "ZoPrimitives/ZoAssert.h"
@@ -88,16 +88,14 @@ void T3DSegment::Write(OutputStreamer& streamer) {
 }
 
 bool T3DSegment::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &x1Value
-                          : code == 20 ? &y1Value
-                          : code == 30 ? &z1Value
-                          : code == 11 ? &x2Value
-                          : code == 21 ? &y2Value
-                          : code == 31 ? &z2Value
-                                       : nullptr;
-    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer,
+                      {{10, &x1Value},
+                       {20, &y1Value},
+                       {30, &z1Value},
+                       {11, &x2Value},
+                       {21, &y2Value},
+                       {31, &z2Value}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

@@ -1,9 +1,9 @@
 #include "ZoPrimitives/TArc2D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Geometry/Predicates.h"
 #include "Values/FullTurn.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -89,15 +89,9 @@ void TArc2D::Write(OutputStreamer& streamer) {
 }
 
 bool TArc2D::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &x1Value
-                          : code == 20 ? &y1Value
-                          : code == 11 ? &x2Value
-                          : code == 21 ? &y2Value
-                          : code == 42 ? &bulgeValue
-                                       : nullptr;
-    if (value == nullptr) return TPath2D::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer,
+                      {{10, &x1Value}, {20, &y1Value}, {11, &x2Value}, {21, &y2Value}, {42, &bulgeValue}}) ||
+           TPath2D::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

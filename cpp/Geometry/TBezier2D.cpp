@@ -1,8 +1,8 @@
 #include "ZoPrimitives/TBezier2D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Geometry/Pieces.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -223,11 +223,16 @@ void TBezier2D::Write(OutputStreamer& streamer) {
 }
 
 bool TBezier2D::ReadData(int code, InputStreamer& streamer) {
-    double* const values[] = {&x1Value, &x2Value, &x3Value, &x4Value, &y1Value, &y2Value, &y3Value, &y4Value};
-    const int coordinate = code / 10 - 1, point = code % 10;
-    if (coordinate < 0 || coordinate > 1 || point > 3) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *values[coordinate * 4 + point];
-    return true;
+    return ReadNumber(code, streamer,
+                      {{10, &x1Value},
+                       {20, &y1Value},
+                       {11, &x2Value},
+                       {21, &y2Value},
+                       {12, &x3Value},
+                       {22, &y3Value},
+                       {13, &x4Value},
+                       {23, &y4Value}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

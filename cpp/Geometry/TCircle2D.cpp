@@ -1,7 +1,7 @@
 #include "ZoPrimitives/TCircle2D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -47,10 +47,8 @@ void TCircle2D::Write(OutputStreamer& streamer) {
 }
 
 bool TCircle2D::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10 ? &xValue : code == 20 ? &yValue : code == 40 ? &radiusValue : nullptr;
-    if (value == nullptr) return TPath2D::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer, {{10, &xValue}, {20, &yValue}, {40, &radiusValue}}) ||
+           TPath2D::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

@@ -1,21 +1,10 @@
 #include "ZoPrimitives/TLine2D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Geometry/Predicates.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/FloatMatrix.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
-#include "ZoPrimitives/T3DCylinder.h"
-#include "ZoPrimitives/T3DMesh.h"
-#include "ZoPrimitives/TArc2D.h"
-#include "ZoPrimitives/TBezier2D.h"
-#include "ZoPrimitives/TCircle2D.h"
-#include "ZoPrimitives/TExtrusionPath.h"
-#include "ZoPrimitives/TPlane3D.h"
-#include "ZoPrimitives/TRay2D.h"
-#include "ZoPrimitives/TRegion.h"
 #include "ZoPrimitives/TSegment2D.h"
-#include "ZoPrimitives/TTriangle2D.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <algorithm>
@@ -106,35 +95,8 @@ void TLine2D::Write(OutputStreamer& streamer) {
 }
 
 bool TLine2D::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &xValue
-                          : code == 20 ? &yValue
-                          : code == 11 ? &dxValue
-                          : code == 21 ? &dyValue
-                                       : nullptr;
-    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
-}
-
-void ZoRegisterGeometry(TZoMetaData* schema) {
-    RRect::Register(schema);
-    TLine2D::Register(schema);
-    TRay2D::Register(schema);
-    TSegment2D::Register(schema);
-    TArc2D::Register(schema);
-    TCircle2D::Register(schema);
-    TTriangle2D::Register(schema);
-    TBezier2D::Register(schema);
-    TPolyline2D::Register(schema);
-    TContour::Register(schema);
-    TRegion::Register(schema);
-    FloatMatrix::Register(schema);
-    T3DBox::Register(schema);
-    TPlane3D::Register(schema);
-    T3DSegment::Register(schema);
-    T3DCylinder::Register(schema);
-    T3DMesh::Register(schema);
-    TExtrusionPath::Register(schema);
+    return ReadNumber(code, streamer, {{10, &xValue}, {20, &yValue}, {11, &dxValue}, {21, &dyValue}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

@@ -1,8 +1,8 @@
 #include "ZoPrimitives/TPlane3D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Geometry/Space.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -119,16 +119,14 @@ void TPlane3D::Write(OutputStreamer& streamer) {
 }
 
 bool TPlane3D::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10    ? &xValue
-                          : code == 20  ? &yValue
-                          : code == 30  ? &zValue
-                          : code == 210 ? &dxValue
-                          : code == 220 ? &dyValue
-                          : code == 230 ? &dzValue
-                                        : nullptr;
-    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer,
+                      {{10, &xValue},
+                       {20, &yValue},
+                       {30, &zValue},
+                       {210, &dxValue},
+                       {220, &dyValue},
+                       {230, &dzValue}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

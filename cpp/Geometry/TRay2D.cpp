@@ -1,7 +1,7 @@
 #include "ZoPrimitives/TRay2D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/TLine2D.h"
 #include "ZoPrimitives/ZoAssert.h"
@@ -53,14 +53,8 @@ void TRay2D::Write(OutputStreamer& streamer) {
 }
 
 bool TRay2D::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &xValue
-                          : code == 20 ? &yValue
-                          : code == 11 ? &dxValue
-                          : code == 21 ? &dyValue
-                                       : nullptr;
-    if (value == nullptr) return ZoObjectStreamable::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer, {{10, &xValue}, {20, &yValue}, {11, &dxValue}, {21, &dyValue}}) ||
+           ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

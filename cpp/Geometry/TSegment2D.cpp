@@ -1,7 +1,7 @@
 #include "ZoPrimitives/TSegment2D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -46,14 +46,8 @@ void TSegment2D::Write(OutputStreamer& streamer) {
 }
 
 bool TSegment2D::ReadData(int code, InputStreamer& streamer) {
-    double* const value = code == 10   ? &x1Value
-                          : code == 20 ? &y1Value
-                          : code == 11 ? &x2Value
-                          : code == 21 ? &y2Value
-                                       : nullptr;
-    if (value == nullptr) return TPath2D::ReadData(code, streamer);
-    streamer >> *value;
-    return true;
+    return ReadNumber(code, streamer, {{10, &x1Value}, {20, &y1Value}, {11, &x2Value}, {21, &y2Value}}) ||
+           TPath2D::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

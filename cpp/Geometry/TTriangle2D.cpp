@@ -1,8 +1,8 @@
 #include "ZoPrimitives/TTriangle2D.h"
 
+#include "Geometry/CodedNumbers.h"
 #include "Geometry/Predicates.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -83,11 +83,14 @@ void TTriangle2D::Write(OutputStreamer& streamer) {
 }
 
 bool TTriangle2D::ReadData(int code, InputStreamer& streamer) {
-    double* const values[] = {&x1Value, &x2Value, &x3Value, &y1Value, &y2Value, &y3Value};
-    const int coordinate = code / 10 - 1, corner = code % 10;
-    if (coordinate < 0 || coordinate > 1 || corner > 2) return TPath2D::ReadData(code, streamer);
-    streamer >> *values[coordinate * 3 + corner];
-    return true;
+    return ReadNumber(code, streamer,
+                      {{10, &x1Value},
+                       {20, &y1Value},
+                       {11, &x2Value},
+                       {21, &y2Value},
+                       {12, &x3Value},
+                       {22, &y3Value}}) ||
+           TPath2D::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

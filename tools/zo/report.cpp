@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "input.h"
 #include "markup.h"
+#include "page_json.h"
 #include "paths.h"
 #include "report_data.h"
 #include "report_page.h"
@@ -12,9 +13,9 @@
 #include "ZoPrimitives/ZoLanguage.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <cctype>
+#include <set>
 
 namespace ZoTool {
 
@@ -27,21 +28,24 @@ struct ReportOptions {
     unsigned long long objects = ReportLimits().objects;
 };
 
-/// What the script's texts are in the current language, as JSON that can stand in a page.
+/// What the script's texts are in the current language, as JSON.
 std::string Translations() {
     const std::string_view script = PageJs(), call = "t('";
-    nlohmann::json all = nlohmann::json::object();
+    std::set<std::string> texts;
     for (std::size_t at = script.find(call); at != std::string_view::npos; at = script.find(call, at)) {
         const bool isCall = std::isalnum(static_cast<unsigned char>(script[at - 1])) == 0;
         at += call.size();
         if (!isCall) continue; // of another function, whose name ends alike
-        const std::string english(script.substr(at, script.find('\'', at) - at));
-        all[english] = Translation(english);
+        texts.emplace(script.substr(at, script.find('\'', at) - at));
     }
-    std::string json = all.dump();
-    for (std::size_t at = json.find('<'); at != std::string::npos; at = json.find('<', at))
-        json.replace(at, 1, "\\u003c");
-    return json;
+    Json json;
+    json.Raw("{");
+    for (const std::string& english : texts) {
+        json.Key(english);
+        json.PutText(Translation(english));
+    }
+    json.Raw("}");
+    return json.Take();
 }
 
 /// Adds what "@part@" stands for.

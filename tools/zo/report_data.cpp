@@ -3,6 +3,7 @@
 #include "diagram.h"
 #include "fields.h"
 #include "markup.h"
+#include "page_json.h"
 #include "text.h"
 #include "tool.h"
 #include "words.h"
@@ -14,7 +15,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <unordered_map>
@@ -26,66 +26,6 @@ using namespace ZoPrimitives;
 namespace {
 
 constexpr std::size_t MOST_CLASSES_DRAWN = 400;
-
-/// Text of JSON without "<".
-class Json {
-public:
-    void Raw(std::string_view part) { text += part; }
-    template <class Number>
-    void Put(Number number) {
-        fmt::format_to(std::back_inserter(text), "{}", number);
-    }
-    /// JSON has no numbers for these: they are texts.
-    template <class Float>
-    void PutFloat(Float number) {
-        if (std::isfinite(number)) {
-            Put(number);
-        } else {
-            Raw(std::isnan(number) ? "\"NaN\"" : number < 0 ? "\"-Infinity\"" : "\"Infinity\"");
-        }
-    }
-    void PutText(std::string_view utf8) {
-        text += '"';
-        for (const char c : utf8) {
-            if (c == '"' || c == '\\') {
-                text += '\\';
-                text += c;
-            } else if (static_cast<unsigned char>(c) < 0x20 || c == '<') {
-                fmt::format_to(std::back_inserter(text), "\\u{:04x}", static_cast<unsigned>(c));
-            } else {
-                text += c;
-            }
-        }
-        text += '"';
-    }
-    void Key(std::string_view name) {
-        Comma();
-        PutText(name);
-        text += ':';
-    }
-    /// Between items: none after an opening bracket, or a key.
-    void Comma() {
-        if (!text.empty() && text.back() != '[' && text.back() != '{' && text.back() != ':') text += ',';
-    }
-    template <class Item, class Action>
-    void List(const std::vector<Item>& items, Action action) {
-        text += '[';
-        for (const Item& item : items) {
-            Comma();
-            action(item);
-        }
-        text += ']';
-    }
-    template <class Number>
-    void Numbers(const std::vector<Number>& items) {
-        List(items, [this](Number item) { Put(item); });
-    }
-    std::size_t Size() const { return text.size(); }
-    std::string Take() { return std::move(text); }
-
-private:
-    std::string text;
-};
 
 /// Texts of files, each once.
 class Texts {

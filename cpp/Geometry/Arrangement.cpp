@@ -73,7 +73,7 @@ Arrangement::Arrangement(std::vector<Stretch> given, Ranges givenLabels)
         if (i == 0 || points[order[i]] != points[order[i - 1]]) nodes.push_back({points[order[i]]});
         ends[order[i]] = static_cast<unsigned>(nodes.size()) - 1;
     }
-    tree.Build(stretches);
+    forest.Build(stretches);
     Meetings meetings;
     FindMeetings(meetings);
     MakeNodesAndEdges(meetings);
@@ -109,7 +109,7 @@ void Arrangement::Meetings::Add(const Arrangement& arrangement, unsigned i, unsi
 void Arrangement::FindMeetings(Meetings& meetings) const {
     meetings.overlapping.resize(stretches.size());
     constexpr std::ptrdiff_t MANY = 64;
-    tree.ForEachCell([&](const unsigned* begin, const unsigned* end) {
+    forest.Whole().ForEachCell([&](const unsigned* begin, const unsigned* end) {
         if (end - begin > MANY && FindAcross(begin, end, meetings)) return;
         for (const unsigned* i = begin; i != end; ++i) {
             for (const unsigned* j = i + 1; j != end; ++j) meetings.Add(*this, *i, *j);
@@ -358,7 +358,7 @@ void Arrangement::TraceCycles() {
     for (const unsigned least : leasts) {
         const unsigned half = outerHalf(least);
         unsigned face = 0;
-        const std::size_t below = tree.Below(nodes[least].point);
+        const std::size_t below = forest.Below(nodes[least].point);
         if (below != StretchTree::NONE) face = faceOfCycle[cycleOf[2 * EdgeAt(below, nodes[least].point)]];
         faceOfCycle[cycleOf[half]] = face;
         faces[face].holes.push_back(half);
@@ -414,11 +414,11 @@ void Arrangement::FindBridges() {
 Arrangement::Place Arrangement::Locate(const LDPoint& p) const {
     Place place;
     std::size_t on = StretchTree::NONE;
-    tree.ForEachNear(p, 0, [&](unsigned i) {
+    forest.ForEachNear(p, 0, [&](unsigned i) {
         if (on == StretchTree::NONE && InBox(stretches[i], p) && SideOf(stretches[i], p) == 0) on = i;
     });
     if (on == StretchTree::NONE) {
-        const std::size_t below = tree.Below(p);
+        const std::size_t below = forest.Below(p);
         place.face = below == StretchTree::NONE ? 0 : faceOf[2 * EdgeAt(below, p)];
         return place;
     }

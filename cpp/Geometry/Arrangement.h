@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Geometry/StretchTree.h"
+#include "Geometry/StretchForest.h"
 
 #include <cstddef>
 #include <vector>
@@ -62,7 +62,7 @@ public:
 
     std::vector<Stretch> stretches;
     Ranges along; // edges of each stretch, in order
-    StretchTree tree;
+    StretchForest forest;
 
     unsigned Origin(unsigned half) const { return half % 2 == 0 ? edges[half / 2].from : edges[half / 2].to; }
     unsigned Target(unsigned half) const { return Origin(half ^ 1); }

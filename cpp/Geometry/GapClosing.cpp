@@ -39,7 +39,7 @@ bool GapClosing::IsEqual(const LDPoint& a, const LDPoint& b) const {
 
 void GapClosing::FindNear(unsigned node) {
     const LDPoint& p = arrangement.nodes[node].point;
-    arrangement.tree.ForEachNear(p, reach, [&](unsigned stretch) {
+    arrangement.forest.ForEachNear(p, reach, [&](unsigned stretch) {
         const Stretch& s = arrangement.stretches[stretch];
         if (p.x < s.a.x - reach || p.x > s.b.x + reach || p.y < std::min(s.a.y, s.b.y) - reach ||
             p.y > std::max(s.a.y, s.b.y) + reach)

@@ -55,14 +55,20 @@ private:
 
 } // namespace
 
-void StretchTree::Build(const std::vector<Stretch>& all) {
+void StretchTree::Build(const std::vector<Stretch>& all, std::vector<unsigned> contents) {
     stretches = &all;
     cells.clear();
     items.clear();
+    mostItems = MOST_COPIES * contents.size();
     constexpr double INF = std::numeric_limits<double>::infinity();
-    std::vector<unsigned> contents(all.size());
-    for (std::size_t i = 0; i < all.size(); ++i) contents[i] = static_cast<unsigned>(i);
-    if (!all.empty()) Divide(contents, {-INF, -INF}, {INF, INF}, 0);
+    if (!contents.empty()) Divide(contents, {-INF, -INF}, {INF, INF}, 0);
+}
+
+std::vector<unsigned> StretchTree::Contents() const {
+    std::vector<unsigned> contents = items;
+    std::sort(contents.begin(), contents.end());
+    contents.erase(std::unique(contents.begin(), contents.end()), contents.end());
+    return contents;
 }
 
 /// False only if they do not touch.
@@ -95,7 +101,7 @@ void StretchTree::Divide(std::vector<unsigned>& contents, LDPoint low, LDPoint h
     const std::size_t index = cells.size();
     cells.push_back({low, high, items.size(), items.size(), 0});
     if (contents.size() > FEW && level < MOST_LEVELS) {
-        const double growth = items.size() > MOST_COPIES * stretches->size() ? 1.05 : MOST_GROWTH;
+        const double growth = items.size() > mostItems ? 1.05 : MOST_GROWTH;
         const bool wide = high.x / 2 - low.x / 2 >= high.y / 2 - low.y / 2;
         for (const bool across : {wide, !wide}) {
             const double middle = across ? low.x / 2 + high.x / 2 : low.y / 2 + high.y / 2;
@@ -121,9 +127,10 @@ void StretchTree::Divide(std::vector<unsigned>& contents, LDPoint low, LDPoint h
     cells[index].end = items.size();
 }
 
-std::size_t StretchTree::Below(const LDPoint& p) const {
-    if (cells.empty()) return NONE;
+std::size_t StretchTree::Below(const LDPoint& p, std::size_t best) const {
+    if (cells.empty()) return best;
     Highest highest(*stretches, p);
+    if (best != NONE) highest.Try(best);
     std::size_t stack[MOST_LEVELS + 2];
     std::size_t depth = 0;
     stack[depth++] = 0;

@@ -1,5 +1,6 @@
 #include "ZoPrimitives/TDrawingGraph.h"
 
+#include "Geometry/DrawnThings.h"
 #include "Geometry/GapClosing.h"
 #include "Geometry/Pieces.h"
 #include "Geometry/Rings.h"
@@ -21,84 +22,9 @@ Point2D PointOf(const LDPoint& p) { return {p.x, p.y}; }
 
 } // namespace
 
-/// What was added: a range of stretches each.
-class TDrawingGraph::Things {
-public:
-    unsigned Begin() {
-        starts.push_back(stretches.size());
-        return static_cast<unsigned>(starts.size());
-    }
-    /// Asserts that all coordinates are finite.
-    static void Check(const TPath2D& path) {
-        const unsigned long long count = path.NPieces();
-        for (unsigned long long i = 1; i <= count; ++i) {
-            ZO_ASSERT(IsFinite(path.Piece(i)), "finite coordinates", SOURCE);
-        }
-    }
-    void Add(const TPath2D& path, double error) {
-        const unsigned long long count = path.NPieces();
-        for (unsigned long long i = 1; i <= count; ++i) {
-            const TPathPiece piece = path.Piece(i);
-            LDPoint from = piece.from;
-            const auto lead = [&](const LDPoint& to) {
-                if (from == to || !IsFinite(to)) return;
-                stretches.push_back({from, to});
-                from = to;
-            };
-            for (const LDPoint& p : PointsOf(piece, PartsOf(piece, error))) lead(p);
-            lead(piece.to);
-        }
-    }
-    /// False if there is nothing under the number.
-    bool Remove(unsigned thing) {
-        if (thing - 1 >= starts.size()) return false;
-        const std::size_t begin = starts[thing - 1];
-        const std::size_t end = thing < starts.size() ? starts[thing] : stretches.size();
-        if (removed.size() < thing) removed.resize(starts.size());
-        if (removed[thing - 1]) return false;
-        removed[thing - 1] = true;
-        std::fill(stretches.begin() + static_cast<std::ptrdiff_t>(begin),
-                  stretches.begin() + static_cast<std::ptrdiff_t>(end), Stretch{});
-        return true;
-    }
-    /// All that has not been removed, in an order that does not depend on that of adding.
-    void Collect(std::vector<Stretch>& all, Ranges& labels) const {
-        struct Labelled {
-            Stretch stretch;
-            unsigned thing;
-        };
-        std::vector<Labelled> found;
-        found.reserve(stretches.size());
-        for (std::size_t thing = 0; thing < starts.size(); ++thing) {
-            const std::size_t end = thing + 1 < starts.size() ? starts[thing + 1] : stretches.size();
-            for (std::size_t i = starts[thing]; i < end; ++i) {
-                const auto& [a, b] = stretches[i];
-                if (a != b)
-                    found.push_back({LexicographicallyLess(a, b) ? Stretch{a, b} : Stretch{b, a},
-                                     static_cast<unsigned>(thing) + 1});
-            }
-        }
-        std::sort(found.begin(), found.end(), [](const Labelled& p, const Labelled& q) {
-            if (p.stretch.a != q.stretch.a) return LexicographicallyLess(p.stretch.a, q.stretch.a);
-            if (p.stretch.b != q.stretch.b) return LexicographicallyLess(p.stretch.b, q.stretch.b);
-            return p.thing < q.thing;
-        });
-        for (const auto& [stretch, thing] : found) {
-            all.push_back(stretch);
-            labels.values.push_back(thing);
-            labels.EndRange();
-        }
-    }
-
-private:
-    std::vector<std::size_t> starts;
-    std::vector<Stretch> stretches; // without length where removed
-    std::vector<bool> removed;
-};
-
 class ZO_HIDDEN TDrawingGraph::Result {
 public:
-    Result(const Things& added, unsigned decimals) {
+    Result(const DrawnThings& added, unsigned decimals) {
         std::vector<Stretch> stretches;
         Ranges labels;
         added.Collect(stretches, labels);
@@ -165,7 +91,7 @@ TRegion TDrawingGraph::Result::Region(unsigned face) const {
 }
 
 TDrawingGraph::TDrawingGraph(unsigned newPrecision, double newChordError)
-    : precision(newPrecision), chordError(newChordError), things(std::make_unique<Things>()) {
+    : precision(newPrecision), chordError(newChordError), things(std::make_unique<DrawnThings>(chordError)) {
     Equal(0, 0, precision); // asserts the precision
     ZO_ASSERT(chordError > 0, "chordError > 0", SOURCE);
 }
@@ -176,7 +102,7 @@ unsigned TDrawingGraph::Add(const TPath2D& path) {
     things->Check(path);
     result.reset();
     const unsigned thing = things->Begin();
-    things->Add(path, chordError);
+    things->Add(path);
     return thing;
 }
 
@@ -186,7 +112,7 @@ unsigned TDrawingGraph::Add(const TRegion& region) {
     for (const TContour& contour : contours) things->Check(contour);
     result.reset();
     const unsigned thing = things->Begin();
-    for (const TContour& contour : contours) things->Add(contour, chordError);
+    for (const TContour& contour : contours) things->Add(contour);
     return thing;
 }
 
@@ -197,7 +123,7 @@ bool TDrawingGraph::Remove(unsigned thing) {
 }
 
 void TDrawingGraph::RemoveAll() {
-    things = std::make_unique<Things>();
+    things = std::make_unique<DrawnThings>(chordError);
     result.reset();
 }
 

@@ -7,6 +7,7 @@
 
 namespace ZoPrimitives {
 
+class DrawnThings;
 class TDrawingGraph;
 class TLineEdge;
 class TSortedEdge;
@@ -177,13 +178,12 @@ private:
     friend class TLineEdge;
     friend class TPointNode;
     friend class TSortedEdge;
-    class Things;
     class Result;
     const Result& Found() const;
 
     unsigned precision;
     double chordError;
-    std::unique_ptr<Things> things;
+    std::unique_ptr<DrawnThings> things;
     mutable std::unique_ptr<Result> result; // null: not found yet
 };
 

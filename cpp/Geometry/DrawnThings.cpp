@@ -3,6 +3,7 @@
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ZoPrimitives {
 
@@ -13,7 +14,7 @@ void DrawnThings::Check(const TPath2D& path) {
 }
 
 unsigned DrawnThings::Begin() {
-    things.push_back({pieces.size(), 0, false});
+    things.push_back({pieces.size(), 0});
     return static_cast<unsigned>(things.size());
 }
 
@@ -28,9 +29,9 @@ void DrawnThings::Add(const TPath2D& path) {
 }
 
 bool DrawnThings::Remove(unsigned thing) {
-    if (thing - 1 >= things.size() || things[thing - 1].removed) return false;
-    things[thing - 1].removed = true;
-    removedPieces += things[thing - 1].count;
+    if (thing - 1 >= things.size() || things[thing - 1].count == REMOVED) return false;
+    removedPieces += static_cast<std::size_t>(things[thing - 1].count);
+    things[thing - 1].count = REMOVED;
     if (2 * removedPieces > pieces.size()) Compact();
     return true;
 }
@@ -38,13 +39,8 @@ bool DrawnThings::Remove(unsigned thing) {
 void DrawnThings::Compact() {
     std::size_t kept = 0;
     for (Thing& thing : things) {
-        const auto first = pieces.begin() + static_cast<std::ptrdiff_t>(thing.begin);
-        if (thing.removed) thing.count = 0;
-        if (kept != thing.begin)
-            std::copy(first, first + static_cast<std::ptrdiff_t>(thing.count),
-                      pieces.begin() + static_cast<std::ptrdiff_t>(kept));
-        thing.begin = kept;
-        kept += thing.count;
+        const std::size_t begin = std::exchange(thing.begin, kept);
+        for (int i = 0; i < thing.count; ++i) pieces[kept++] = pieces[begin + static_cast<std::size_t>(i)];
     }
     pieces.resize(kept);
     removedPieces = 0;
@@ -52,19 +48,19 @@ void DrawnThings::Compact() {
 
 template <class Visit>
 void DrawnThings::ForEachStretch(const Thing& thing, Visit visit) const {
-    if (thing.removed) return;
-    for (std::size_t i = thing.begin; i < thing.begin + thing.count; ++i) {
-        LDPoint from = pieces[i].from;
+    for (int i = 0; i < thing.count; ++i) {
+        const TPathPiece& piece = pieces[thing.begin + static_cast<std::size_t>(i)];
+        LDPoint from = piece.from;
         const auto lead = [&](const LDPoint& to) {
             if (from == to || !IsFinite(to)) return;
             visit(LexicographicallyLess(from, to) ? Stretch{from, to} : Stretch{to, from});
             from = to;
         };
-        const unsigned parts = PartsOf(pieces[i], chordError);
+        const unsigned parts = PartsOf(piece, chordError);
         if (parts > 1) {
-            for (const LDPoint& p : PointsOf(pieces[i], parts)) lead(p);
+            for (const LDPoint& p : PointsOf(piece, parts)) lead(p);
         }
-        lead(pieces[i].to);
+        lead(piece.to);
     }
 }
 
@@ -97,6 +93,60 @@ void DrawnThings::Collect(std::vector<Stretch>& all, Ranges& labels) const {
         labels.values.push_back(thing);
         labels.EndRange();
     }
+}
+
+bool DrawnThings::operator==(const DrawnThings& other) const {
+    if (chordError != other.chordError || things.size() != other.things.size()) return false;
+    for (std::size_t i = 0; i < things.size(); ++i) {
+        const int count = things[i].count;
+        if (count != other.things[i].count) return false;
+        for (std::size_t k = 0; k < static_cast<std::size_t>(std::max(count, 0)); ++k) {
+            const TPathPiece &a = pieces[things[i].begin + k], &b = other.pieces[other.things[i].begin + k];
+            if (a.from != b.from || a.to != b.to || a.bulge != b.bulge) return false;
+        }
+    }
+    return true;
+}
+
+std::size_t DrawnThings::NNumbers() {
+    if (removedPieces != 0) Compact();
+    return PIECE_NUMBERS * pieces.size();
+}
+
+double DrawnThings::Number(std::size_t index) const {
+    const TPathPiece& piece = pieces[index / PIECE_NUMBERS];
+    const double numbers[] = {piece.from.x, piece.from.y, piece.to.x, piece.to.y, piece.bulge};
+    return numbers[index % PIECE_NUMBERS];
+}
+
+void DrawnThings::ClearNumbers() {
+    pieces.clear();
+    pending = 0;
+}
+
+void DrawnThings::AddNumber(double number) {
+    if (pending == 0) pieces.emplace_back();
+    TPathPiece& piece = pieces.back();
+    double* const numbers[] = {&piece.from.x, &piece.from.y, &piece.to.x, &piece.to.y, &piece.bulge};
+    *numbers[pending] = number;
+    pending = (pending + 1) % PIECE_NUMBERS;
+}
+
+bool DrawnThings::AddPiece() {
+    if (things.empty() || things.back().count == REMOVED) return false;
+    ++things.back().count;
+    return true;
+}
+
+bool DrawnThings::Complete() {
+    std::size_t begin = 0;
+    for (Thing& thing : things) {
+        if (thing.count < REMOVED) return false;
+        thing.begin = begin;
+        begin += static_cast<std::size_t>(std::max(thing.count, 0));
+    }
+    return begin == pieces.size() && pending == 0 &&
+           std::all_of(pieces.begin(), pieces.end(), [](const TPathPiece& piece) { return IsFinite(piece); });
 }
 
 } // namespace ZoPrimitives

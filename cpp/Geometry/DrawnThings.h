@@ -14,6 +14,8 @@ class DrawnThings {
 public:
     /// Stretches leave arcs by at most `chordError`.
     explicit DrawnThings(double newChordError) : chordError(newChordError) {}
+    double ChordError() const { return chordError; }
+    void ChordError(double value) { chordError = value; }
 
     /// Asserts that all coordinates are finite.
     static void Check(const TPath2D& path);
@@ -29,11 +31,37 @@ public:
     /// Those of all things, in an order that does not depend on that of adding; the label is the thing.
     void Collect(std::vector<Stretch>& all, Ranges& labels) const;
 
+    /// Whether the same is under the same numbers.
+    bool operator==(const DrawnThings& other) const;
+
+    // How things are streamed: as a list of numbers, x1, y1, x2, y2 and bulge of each piece, and a list of
+    // how many pieces each thing has, REMOVED for one that was removed.
+
+    static constexpr int REMOVED = -1;
+    static constexpr unsigned PIECE_NUMBERS = 5;
+    /// Of all numbers; forgets what was removed.
+    std::size_t NNumbers();
+    /// `index` counts from 0, as `thing` does.
+    double Number(std::size_t index) const;
+    std::size_t NThings() const { return things.size(); }
+    int NPieces(std::size_t thing) const { return things[thing].count; }
+
+    void ClearNumbers();
+    void ClearThings() { things.clear(); }
+    void AddNumber(double number);
+    /// How many numbers the last piece has got; 0 if it has all.
+    unsigned NPending() const { return pending; }
+    void AddThing(int count) { things.push_back({0, count}); }
+    /// Gives the last thing one more piece; false if there is none to give it to.
+    bool AddPiece();
+    /// To be called when everything is read. False if the lists do not fit each other or a number is not
+    /// finite.
+    bool Complete();
+
 private:
     struct Thing {
         std::size_t begin; // its pieces
-        std::size_t count;
-        bool removed;
+        int count;
     };
     /// Forgets the pieces of things that were removed.
     void Compact();
@@ -44,6 +72,7 @@ private:
     std::vector<TPathPiece> pieces; // of things removed, too, until they are more than half of all
     std::vector<Thing> things;
     std::size_t removedPieces = 0;
+    unsigned pending = 0;
 };
 
 } // namespace ZoPrimitives

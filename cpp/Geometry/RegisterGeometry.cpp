@@ -9,6 +9,7 @@
 #include "ZoPrimitives/TArc2D.h"
 #include "ZoPrimitives/TBezier2D.h"
 #include "ZoPrimitives/TCircle2D.h"
+#include "ZoPrimitives/TDrawingGraph.h"
 #include "ZoPrimitives/TExtrusionPath.h"
 #include "ZoPrimitives/TPlane3D.h"
 #include "ZoPrimitives/TPolyline2D.h"
@@ -31,6 +32,7 @@ void ZoRegisterGeometry(TZoMetaData* schema) {
     TPolyline2D::Register(schema);
     TContour::Register(schema);
     TRegion::Register(schema);
+    TDrawingGraph::Register(schema);
     FloatMatrix::Register(schema);
     T3DBox::Register(schema);
     TPlane3D::Register(schema);

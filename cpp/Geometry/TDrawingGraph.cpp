@@ -5,18 +5,30 @@
 #include "Geometry/Pieces.h"
 #include "Geometry/Rings.h"
 #include "Values/FullTurn.h"
+#include "Values/NumberFields.h"
+#include "Values/PointClass.h"
+#include "ZoPrimitives/InputStreamer.h"
 #include "ZoPrimitives/Math2.h"
+#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/TPolyline2D.h"
+#include "ZoPrimitives/XStream.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <utility>
 
 namespace ZoPrimitives {
 
 namespace {
 
 constexpr const char* SOURCE = "cpp/Geometry/TDrawingGraph";
+constexpr unsigned MOST_PRECISION = 22; // that Math2 takes
+
+// Of the numbers of a piece, in a text.
+constexpr int PIECE_CODES[] = {10, 20, 11, 21, 42};
+static_assert(std::size(PIECE_CODES) == DrawnThings::PIECE_NUMBERS);
 
 Point2D PointOf(const LDPoint& p) { return {p.x, p.y}; }
 
@@ -90,13 +102,93 @@ TRegion TDrawingGraph::Result::Region(unsigned face) const {
     return region;
 }
 
-TDrawingGraph::TDrawingGraph(unsigned newPrecision, double newChordError)
-    : precision(newPrecision), chordError(newChordError), things(std::make_unique<DrawnThings>(chordError)) {
+ZO_POINT_BODY(TDrawingGraph)
+
+TZoClass* TDrawingGraph::Register(TZoMetaData* schema) {
+    const auto addPrecision = [](TZoClass* owner, TZoClass*, const ZoString&) -> TZoClassField* {
+        return owner->AddFieldUnsigned(
+            "precision",
+            [](ZoStreamableBase* object, TZoClassField*, unsigned value) {
+                ZoSelf<TDrawingGraph>(object).Incoming().precision = value;
+            },
+            [](ZoStreamableBase* object, TZoClassField*) { return ZoSelf<TDrawingGraph>(object).precision; });
+    };
+    const auto addChordError = [](TZoClass* owner, TZoClass*, const ZoString&) -> TZoClassField* {
+        return owner->AddFieldDouble(
+            "chordError",
+            [](ZoStreamableBase* object, TZoClassField*, double value) {
+                ZoSelf<TDrawingGraph>(object).Incoming().things->ChordError(value);
+            },
+            [](ZoStreamableBase* object, TZoClassField*) {
+                return ZoSelf<TDrawingGraph>(object).ChordError();
+            });
+    };
+    const auto addPieces = [](TZoClass* owner, TZoClass*, const ZoString&) -> TZoClassField* {
+        const auto add = [](ZoStreamableBase* object, TZoClassField*, double value) {
+            ZoSelf<TDrawingGraph>(object).Incoming().things->AddNumber(value);
+        };
+        const auto elementAt = [](ZoStreamableBase* object, TZoClassField*, int index) {
+            return ZoSelf<TDrawingGraph>(object).things->Number(static_cast<std::size_t>(index) - 1);
+        };
+        const auto count = [](ZoStreamableBase* object, TZoClassField*) -> unsigned long long {
+            return ZoSelf<TDrawingGraph>(object).things->NNumbers();
+        };
+        const auto create = [](ZoStreamableBase* object, int, int, int) {
+            ZoSelf<TDrawingGraph>(object).Incoming().things->ClearNumbers();
+        };
+        return owner->AddFieldListDouble("pieces", {add, elementAt, count, create, nullptr, nullptr});
+    };
+    const auto addThings = [](TZoClass* owner, TZoClass*, const ZoString&) -> TZoClassField* {
+        const auto add = [](ZoStreamableBase* object, TZoClassField*, int value) {
+            ZoSelf<TDrawingGraph>(object).Incoming().things->AddThing(value);
+        };
+        const auto elementAt = [](ZoStreamableBase* object, TZoClassField*, int index) {
+            return ZoSelf<TDrawingGraph>(object).things->NPieces(static_cast<std::size_t>(index) - 1);
+        };
+        const auto count = [](ZoStreamableBase* object, TZoClassField*) -> unsigned long long {
+            return ZoSelf<TDrawingGraph>(object).things->NThings();
+        };
+        const auto create = [](ZoStreamableBase* object, int, int, int) {
+            ZoSelf<TDrawingGraph>(object).Incoming().things->ClearThings();
+        };
+        return owner->AddFieldListInt("things", {add, elementAt, count, create, nullptr, nullptr});
+    };
+    return RegisterPoint<TDrawingGraph>(schema, "TDrawingGraph", "NULL",
+                                        {{NumberFieldClass<ftUnsigned>, addPrecision},
+                                         {NumberFieldClass<ftDouble>, addChordError},
+                                         {NumberFieldClass<ftListDouble>, addPieces},
+                                         {NumberFieldClass<ftListInt>, addThings}});
+}
+
+TDrawingGraph::TDrawingGraph(unsigned newPrecision, double chordError)
+    : precision(newPrecision), things(std::make_unique<DrawnThings>(chordError)) {
     Equal(0, 0, precision); // asserts the precision
     ZO_ASSERT(chordError > 0, "chordError > 0", SOURCE);
 }
 
-TDrawingGraph::~TDrawingGraph() = default;
+TDrawingGraph::TDrawingGraph(StreamableInit) : TDrawingGraph() {}
+
+TDrawingGraph::TDrawingGraph(const TDrawingGraph& other)
+    : ZoObjectStreamable(other), precision(other.precision),
+      things(std::make_unique<DrawnThings>(*other.things)) {}
+
+TDrawingGraph& TDrawingGraph::operator=(const TDrawingGraph& other) {
+    things = std::make_unique<DrawnThings>(*other.things);
+    precision = other.precision;
+    result.reset();
+    ZoObjectStreamable::operator=(other);
+    return *this;
+}
+
+double TDrawingGraph::ChordError() const { return things->ChordError(); }
+
+bool TDrawingGraph::operator==(const TDrawingGraph& other) const {
+    return precision == other.precision && *things == *other.things;
+}
+bool TDrawingGraph::operator==(const ZoObject& other) const {
+    const auto* graph = dynamic_cast<const TDrawingGraph*>(&other);
+    return graph != nullptr && *this == *graph;
+}
 
 unsigned TDrawingGraph::Add(const TPath2D& path) {
     things->Check(path);
@@ -123,7 +215,7 @@ bool TDrawingGraph::Remove(unsigned thing) {
 }
 
 void TDrawingGraph::RemoveAll() {
-    things = std::make_unique<DrawnThings>(chordError);
+    things = std::make_unique<DrawnThings>(ChordError());
     result.reset();
 }
 
@@ -170,6 +262,75 @@ TGraphMove TDrawingGraph::Move(unsigned index) const {
 }
 
 bool TDrawingGraph::IsSettled() const { return Found().settled; }
+
+TDrawingGraph& TDrawingGraph::Incoming() {
+    if (incoming == nullptr) incoming = std::make_unique<TDrawingGraph>();
+    return *incoming;
+}
+
+bool TDrawingGraph::TakeIncoming() {
+    const std::unique_ptr<TDrawingGraph> read = std::move(incoming);
+    if (read == nullptr) return true;
+    if (read->precision > MOST_PRECISION || !(read->ChordError() > 0) || !read->things->Complete())
+        return false;
+    precision = read->precision;
+    things = std::move(read->things);
+    result.reset();
+    return true;
+}
+
+bool TDrawingGraph::OnRead(TBinInStream* stream, bool substituted) {
+    return ZoObjectStreamable::OnRead(stream, substituted) && TakeIncoming();
+}
+
+void TDrawingGraph::Write(OutputStreamer& streamer) {
+    ZoObjectStreamable::Write(streamer);
+    streamer << 70 << precision << 40 << ChordError();
+    things->NNumbers(); // forgets what was removed
+    std::size_t next = 0;
+    for (std::size_t thing = 0; thing < things->NThings(); ++thing) {
+        const int count = things->NPieces(thing);
+        streamer << 71 << (count == DrawnThings::REMOVED ? 2 : 1);
+        for (int i = 0; i < count; ++i)
+            for (const int code : PIECE_CODES) streamer << code << things->Number(next++);
+    }
+}
+
+void TDrawingGraph::Read(InputStreamer& streamer) {
+    incoming = std::make_unique<TDrawingGraph>();
+    try {
+        ZoObjectStreamable::Read(streamer);
+    } catch (...) {
+        incoming.reset();
+        throw;
+    }
+    if (!TakeIncoming()) throw XInvalidObject();
+}
+
+bool TDrawingGraph::ReadData(int code, InputStreamer& streamer) {
+    DrawnThings& read = *Incoming().things;
+    double value = 0;
+    if (code == PIECE_CODES[read.NPending()]) { // each in its turn
+        if (read.NPending() == 0 && !read.AddPiece()) throw XInvalidObject();
+        streamer >> value;
+        read.AddNumber(value);
+    } else if (std::find(std::begin(PIECE_CODES), std::end(PIECE_CODES), code) != std::end(PIECE_CODES)) {
+        throw XInvalidObject(); // a number is missing
+    } else if (code == 71) {
+        int kind = 0;
+        streamer >> kind;
+        if (read.NPending() != 0 || (kind != 1 && kind != 2)) throw XInvalidObject();
+        read.AddThing(kind == 1 ? 0 : DrawnThings::REMOVED);
+    } else if (code == 70) {
+        streamer >> incoming->precision;
+    } else if (code == 40) {
+        streamer >> value;
+        read.ChordError(value);
+    } else {
+        return ZoObjectStreamable::ReadData(code, streamer);
+    }
+    return true;
+}
 
 TGraphPlace TDrawingGraph::Locate(const Point2D& point) const {
     const LDPoint p(point.X(), point.Y());

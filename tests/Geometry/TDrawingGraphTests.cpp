@@ -1,10 +1,12 @@
 #include "ZoPrimitives/TArc2D.h"
 #include "ZoPrimitives/TCircle2D.h"
 #include "ZoPrimitives/TDrawingGraph.h"
+#include "ZoPrimitives/TLine2D.h"
 #include "ZoPrimitives/TVector2D.h"
 
 #include "Geometry/Random.h"
 #include "support/Assertions.h"
+#include "support/RoundTrip.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +14,7 @@
 #include <functional>
 #include <numeric>
 #include <set>
+#include <sstream>
 #include <vector>
 
 #ifdef ZO_TEST_GEOS
@@ -92,52 +95,38 @@ TEST(TDrawingGraphTests, FindsTheFacesOfDrawings) {
     struct Row {
         const char* name;
         Drawing drawing;
-        unsigned nodes, edges;
         std::vector<double> areas;
-        unsigned holes, bridges, dangles, components;
+        struct {
+            unsigned nodes, edges, holes, bridges, dangles, components;
+        } expected;
     };
     const Row rows[] = {
-        {"nothing", {}, 0, 0, {}, 0, 0, 0, 0},
-        {"a line", {{0, 0, 1, 1}}, 2, 1, {}, 0, 1, 1, 1},
-        {"a square", square, 4, 4, {16}, 0, 0, 0, 1},
-        {"a doubled side", with({{4, 0, 0, 0}}), 4, 4, {16}, 0, 0, 0, 1},
-        {"an overlapping side", with({{-1, 0, 3, 0}}), 6, 6, {16}, 0, 1, 1, 1},
-        {"a side within a side", with({{1, 0, 3, 0}}), 6, 6, {16}, 0, 0, 0, 1},
-        {"crossing lines", {{0, 0, 4, 4}, {0, 4, 4, 0}}, 5, 4, {}, 0, 4, 4, 1},
-        {"diagonals", with({{0, 0, 4, 4}, {0, 4, 4, 0}}), 5, 8, {4, 4, 4, 4}, 0, 0, 0, 1},
-        {"a touching line", with({{2, 0, 2, 4}}), 6, 7, {8, 8}, 0, 0, 0, 1},
-        {"an overshoot", with({{2, 0, 2, 5}}), 7, 8, {8, 8}, 0, 1, 1, 1},
-        {"a dangling line inside", with({{2, 0, 2, 2}}), 6, 6, {16}, 0, 1, 1, 1},
-        {"a tree inside", with({{2, 0, 2, 2}, {1, 1, 3, 1}}), 9, 9, {16}, 0, 4, 4, 1},
-        {"a hole", with({{1, 1, 2, 1}, {2, 1, 2, 2}, {2, 2, 1, 1}}), 7, 7, {0.5, 15.5}, 1, 0, 0, 2},
+        {"nothing", {}, {}, {0, 0, 0, 0, 0, 0}},
+        {"a line", {{0, 0, 1, 1}}, {}, {2, 1, 0, 1, 1, 1}},
+        {"a square", square, {16}, {4, 4, 0, 0, 0, 1}},
+        {"a doubled side", with({{4, 0, 0, 0}}), {16}, {4, 4, 0, 0, 0, 1}},
+        {"an overlapping side", with({{-1, 0, 3, 0}}), {16}, {6, 6, 0, 1, 1, 1}},
+        {"a side within a side", with({{1, 0, 3, 0}}), {16}, {6, 6, 0, 0, 0, 1}},
+        {"crossing lines", {{0, 0, 4, 4}, {0, 4, 4, 0}}, {}, {5, 4, 0, 4, 4, 1}},
+        {"diagonals", with({{0, 0, 4, 4}, {0, 4, 4, 0}}), {4, 4, 4, 4}, {5, 8, 0, 0, 0, 1}},
+        {"a touching line", with({{2, 0, 2, 4}}), {8, 8}, {6, 7, 0, 0, 0, 1}},
+        {"an overshoot", with({{2, 0, 2, 5}}), {8, 8}, {7, 8, 0, 1, 1, 1}},
+        {"a dangling line inside", with({{2, 0, 2, 2}}), {16}, {6, 6, 0, 1, 1, 1}},
+        {"a tree inside", with({{2, 0, 2, 2}, {1, 1, 3, 1}}), {16}, {9, 9, 0, 4, 4, 1}},
+        {"a hole", with({{1, 1, 2, 1}, {2, 1, 2, 2}, {2, 2, 1, 1}}), {0.5, 15.5}, {7, 7, 1, 0, 0, 2}},
         {"a hole with a bridge",
          with({{1, 1, 2, 1}, {2, 1, 2, 2}, {2, 2, 1, 1}, {0, 0, 1, 1}}),
-         7,
-         8,
          {0.5, 15.5},
-         1,
-         1,
-         0,
-         1},
+         {7, 8, 1, 1, 0, 1}},
         {"a hole that touches",
          with({{0, 0, 2, 1}, {2, 1, 1, 2}, {1, 2, 0, 0}}),
-         6,
-         7,
          {1.5, 14.5},
-         1,
-         0,
-         0,
-         1},
+         {6, 7, 1, 0, 0, 1}},
         {"two that touch at a node",
          with({{4, 4, 6, 4}, {6, 4, 6, 6}, {6, 6, 4, 4}}),
-         6,
-         7,
          {2, 16},
-         0,
-         0,
-         0,
-         1},
-        {"a loose line inside", with({{1, 1, 2, 2}}), 6, 5, {16}, 0, 1, 1, 2},
+         {6, 7, 0, 0, 0, 1}},
+        {"a loose line inside", with({{1, 1, 2, 2}}), {16}, {6, 5, 0, 1, 1, 2}},
         {"a hole in a hole's island",
          with({{1, 1, 3, 1},
                {3, 1, 3, 3},
@@ -146,23 +135,16 @@ TEST(TDrawingGraphTests, FindsTheFacesOfDrawings) {
                {1.5, 1.5, 2, 1.5},
                {2, 1.5, 2, 2},
                {2, 2, 1.5, 1.5}}),
-         11,
-         11,
          {0.125, 3.875, 12},
-         2,
-         0,
-         0,
-         3},
-        {"beside each other", with({{5, 1, 6, 1}, {6, 1, 6, 2}, {6, 2, 5, 1}}), 7, 7, {0.5, 16}, 0, 0, 0, 2},
+         {11, 11, 2, 0, 0, 3}},
+        {"beside each other",
+         with({{5, 1, 6, 1}, {6, 1, 6, 2}, {6, 2, 5, 1}}),
+         {0.5, 16},
+         {7, 7, 0, 0, 0, 2}},
         {"three through a point that is no double",
          with({{0, 0, 3, 1}, {0, 1, 3, 0}, {1.5, 0, 1.5, 4}, {1.5, 0, 0, 1}}),
-         0,
-         0,
          {},
-         0,
-         0,
-         0,
-         1},
+         {0, 0, 0, 0, 0, 1}},
     };
     for (const Row& row : rows) {
         for (const unsigned precision : {EXACT, 6u}) {
@@ -178,10 +160,10 @@ TEST(TDrawingGraphTests, FindsTheFacesOfDrawings) {
                     row.name + (" " + std::to_string(precision)) + " " + std::to_string(size);
                 ASSERT_TRUE(graph.IsConsistent()) << name;
                 if (size == 1) ExpectSound(graph, name);
-                if (row.areas.empty() && row.nodes == 0 && !drawing.empty()) continue;
-                EXPECT_EQ(graph.NNodes(), row.nodes) << name;
-                EXPECT_EQ(graph.NEdges(), row.edges) << name;
-                EXPECT_EQ(graph.NComponents(), row.components) << name;
+                if (row.areas.empty() && row.expected.nodes == 0 && !drawing.empty()) continue;
+                EXPECT_EQ(graph.NNodes(), row.expected.nodes) << name;
+                EXPECT_EQ(graph.NEdges(), row.expected.edges) << name;
+                EXPECT_EQ(graph.NComponents(), row.expected.components) << name;
                 EXPECT_EQ(graph.NMoves(), 0u) << name;
                 ASSERT_EQ(graph.NFaces(), row.areas.size()) << name;
                 const std::vector<double> areas = AreasOf(graph);
@@ -194,9 +176,9 @@ TEST(TDrawingGraphTests, FindsTheFacesOfDrawings) {
                     bridges += graph.Edge(i).IsBridge();
                     dangles += graph.Edge(i).IsDangle();
                 }
-                EXPECT_EQ(holes, row.holes) << name;
-                EXPECT_EQ(bridges, row.bridges) << name;
-                EXPECT_EQ(dangles, row.dangles) << name;
+                EXPECT_EQ(holes, row.expected.holes) << name;
+                EXPECT_EQ(bridges, row.expected.bridges) << name;
+                EXPECT_EQ(dangles, row.expected.dangles) << name;
             }
         }
     }
@@ -313,6 +295,119 @@ TEST(TDrawingGraphTests, TellsThingsNeighboursAndPlaces) {
         {"chordError > 0", [] { TDrawingGraph(3, 0); }},
     };
     for (const auto& [text, call] : refused) EXPECT_EQ(AssertionOf(call).expression, text);
+}
+
+/// All that is found, to the last bit.
+std::string DumpOf(const TDrawingGraph& graph) {
+    std::ostringstream text;
+    text << std::hexfloat;
+    for (unsigned i = 1; i <= graph.NNodes(); ++i)
+        text << graph.Node(i).Point().X() << ' ' << graph.Node(i).Point().Y() << '\n';
+    for (unsigned i = 1; i <= graph.NEdges(); ++i) {
+        const TLineEdge edge = graph.Edge(i);
+        text << edge.Start().Number() << ' ' << edge.End().Number() << ' ' << edge.LeftFace();
+        for (unsigned k = 1; k <= edge.NThings(); ++k) text << ' ' << edge.Thing(k);
+        text << '\n';
+    }
+    for (unsigned i = 1; i <= graph.NMoves(); ++i)
+        text << graph.Move(i).from.X() << ' ' << graph.Move(i).to.Y() << '\n';
+    return text.str();
+}
+
+TEST(TDrawingGraphTests, IsSavedAndOpenedAsItWasDrawn) {
+    TZoMetaData schema;
+    ZoRegisterGeometry(&schema);
+    TDrawingGraph graph(2, 0.03), small(3, 0.5), empty;
+    graph.Add(TCircle2D({1, 1}, 2.7));
+    const unsigned gone = graph.Add(TContour::Rectangle(RRect({-9, -9}, {9, 9})));
+    graph.Add(TArc2D({-1, 0.001}, {1.0 / 3, 3}, -0.4));
+    TRegion frame(TContour::Rectangle(RRect({0, 0}, {7, 7})));
+    frame.AddHole(TContour(TCircle2D({3, 3}, 1)));
+    graph.Add(frame);
+    graph.Add(TPolyline2D());
+    const unsigned last = graph.Add(TSegment2D({0.004, -3}, {0, 7.1}));
+    graph.Remove(gone);
+    graph.Remove(last);
+    graph.Add(TSegment2D({0, 3}, {7, 3.002}));
+    Opened opened(ExpectOpened(schema, graph), schema);
+    auto& read = dynamic_cast<TDrawingGraph&>(*opened.root);
+    EXPECT_EQ(DumpOf(read), DumpOf(graph));
+    EXPECT_FALSE(read.Remove(gone));
+    EXPECT_EQ(read.Add(TSegment2D({0, 0}, {1, 0})), 8u);
+
+    small.Add(TArc2D({1, 2}, {3, 4}, 0.5));
+    EXPECT_TRUE(small.Remove(small.Add(TSegment2D({0, 0}, {1, 0}))));
+    small.Add(TPolyline2D());
+    EXPECT_EQ(ExpectReadAsText(schema, small), "70|3|40|0.5|71|1|10|1.|20|2.|11|3.|21|4.|42|0.5|71|2|71|1|");
+    ExpectOpened(schema, empty);
+    EXPECT_EQ(ExpectReadAsText(schema, empty), "70|6|40|1.e-002|");
+
+    TDrawingGraph copy(graph);
+    EXPECT_TRUE(copy == graph && DumpOf(copy) == DumpOf(graph));
+    EXPECT_TRUE(copy.Remove(1) && copy != graph && graph.Remove(1) && copy == graph);
+    copy = small;
+    EXPECT_TRUE(copy == small && copy.NFaces() == 0 && copy != TDrawingGraph(3, 0.5) &&
+                TDrawingGraph(3) != TDrawingGraph(3, 0.5) && TDrawingGraph(3) != TDrawingGraph(4));
+}
+
+TEST(TDrawingGraphTests, RefusesDrawingsThatAreNone) {
+    TZoMetaData schema;
+    ZoRegisterGeometry(&schema);
+    const ClassEntry entry{.name = "TDrawingGraph",
+                           .values = {{0, ftUnsigned, "precision"},
+                                      {0, ftDouble, "chordError"},
+                                      {0, ftListDouble, "pieces"},
+                                      {0, ftListInt, "things"}}};
+    const double endless = HUGE_VAL, none = std::nan("");
+    const int most = 2147483647;
+    struct Row {
+        const char* name;
+        std::vector<double> pieces;
+        std::vector<int> things;
+        std::string text;
+        bool accepted = false;
+        unsigned precision = 22;
+        double chordError = 0.5;
+    };
+    const Row rows[] = {
+        {"a piece", {0, 0, 1, 0, 0}, {1}, "70 22 40 0.5 71 1 10 0 20 0 11 1 21 0 42 0", true},
+        {"nothing", {}, {}, "", true},
+        {"of no precision there is", {}, {}, "70 23", false, 23},
+        {"without a chord error", {}, {}, "40 0", false, 3, 0},
+        {"a chord error that is no number", {}, {}, "40 nan", false, 3, none},
+        {"an endless coordinate", {0, endless, 1, 0, 0}, {1}, "71 1 10 0 20 inf 11 1 21 0 42 0"},
+        {"a bulge that is no number", {0, 0, 1, 0, none}, {1}, "71 1 10 0 20 0 11 1 21 0 42 nan"},
+        {"half a piece", {0, 0, 1}, {1}, "71 1 10 0 20 0 11 1"},
+        {"half a piece, then a thing", {0, 0, 1, 0, 0, 0}, {1, 1}, "71 1 10 0 20 0 11 1 71 1"},
+        {"a number out of turn", {}, {1}, "71 1 10 0 11 1"},
+        {"a piece of nothing", {0, 0, 1, 0, 0}, {}, "10 0 20 0 11 1 21 0 42 0"},
+        {"a piece of what was removed", {0, 0, 1, 0, 0}, {-1}, "71 2 10 0 20 0 11 1 21 0 42 0"},
+        {"less than removed", {}, {-2}, "71 0"},
+        {"the least count", {}, {-most - 1}, "71 3"},
+        {"counts that sum to 1", {0, 0, 1, 0, 0}, {most, most, 3}, "71 -1"},
+    };
+    for (const Row& row : rows) {
+        Payload payload;
+        payload.Int(row.precision).Double(row.chordError).Int(static_cast<long long>(row.pieces.size()));
+        for (const double number : row.pieces) payload.Double(number);
+        payload.Int(static_cast<long long>(row.things.size()));
+        for (const int count : row.things) payload.Int(count);
+        Opened opened(FileOf({entry}, {::Row{1, 1, payload}}), schema);
+        EXPECT_EQ(opened.root != nullptr, row.accepted) << row.name;
+        std::string text = row.text + (row.text.empty() ? "0\n" : "\n0\n");
+        std::replace(text.begin(), text.end(), ' ', '\n');
+        const Testing::TemporaryFolder folder;
+        folder.Write("text", text);
+        InputStreamer reader(new FileInputStream(folder.Path("text").c_str()), nullptr);
+        TDrawingGraph graph(5, 7);
+        graph.Add(TSegment2D({0, 0}, {1, 0}));
+        const TDrawingGraph before(graph);
+        EXPECT_EQ(FailureOf([&] { graph.Read(reader); }),
+                  row.accepted ? "" : "Invalid object : data still incomplete after read. @ ")
+            << row.name;
+        EXPECT_EQ(graph == before, !row.accepted) << row.name << ": stays as it was";
+        EXPECT_EQ(graph.NEdges(), row.accepted ? unsigned(row.pieces.size() / 5) : 1) << row.name;
+    }
 }
 
 /// Drawings at random, each sort difficult in a way of its own.

@@ -134,13 +134,22 @@ struct TGraphPlace {
 ///
 /// The graph is found when it is first asked for, and after a change the whole of it anew; numbers do not
 /// depend on the order of adding. Use it on one thread at a time, as any operation may find it.
-class ZO_API TDrawingGraph {
+///
+/// Streamed is the drawing: opened, it gives the same graph, and the next thing gets the number that it would
+/// have got. Arcs stay arcs; their chords are found anew, to the last bit by the same C runtime's sine and
+/// cosine. A text holds 15 digits of each number. The fields are "precision", "chordError", "pieces", a list
+/// of doubles that holds x1, y1, x2, y2 and bulge of each piece drawn, and "things", a list of ints that
+/// holds how many pieces each thing has, -1 if it was removed. What `Add` and the constructor would not take
+/// is refused, and so are lists that do not fit each other; a graph that reading fails for stays as it was.
+/// Copies, and compares exactly, the drawing.
+class ZO_API TDrawingGraph : public ZoObjectStreamable {
 public:
     /// Arcs become straight edges that leave them by at most `chordError`.
     explicit TDrawingGraph(unsigned precision = 6, double chordError = 0.01);
-    ~TDrawingGraph();
-    TDrawingGraph(const TDrawingGraph& other) = delete;
-    TDrawingGraph& operator=(const TDrawingGraph& other) = delete;
+    ZO_POINT_CLASS_(TDrawingGraph)
+
+    unsigned Precision() const { return precision; }
+    double ChordError() const;
 
     /// Adds a path and returns its number, from 1. That its coordinates are finite is asserted. A piece
     /// without length leaves no trace.
@@ -173,6 +182,23 @@ public:
     /// Exactly, among the edges where they are drawn; a point beside one is not on it.
     TGraphPlace Locate(const Point2D& point) const;
 
+    bool operator==(const TDrawingGraph& other) const;
+    bool operator!=(const TDrawingGraph& other) const { return !(*this == other); }
+    using ZoObject::operator!=;
+    /// False when `other` is not a graph.
+    bool operator==(const ZoObject& other) const override;
+
+    /// False when what was read is refused.
+    bool OnRead(TBinInStream* stream, bool substituted) override;
+    /// Writes the codes 70 before the precision and 40 before the chord error; before each thing 71 with 1,
+    /// or with 2 if it was removed; and 10, 20, 11, 21 and 42 before the numbers of each piece.
+    void Write(OutputStreamer& streamer) override;
+    /// Throws `XInvalidObject` for what is refused, and where a number is missing.
+    void Read(InputStreamer& streamer) override;
+
+protected:
+    bool ReadData(int code, InputStreamer& streamer) override;
+
 private:
     friend class TGraphFace;
     friend class TLineEdge;
@@ -180,11 +206,13 @@ private:
     friend class TSortedEdge;
     class Result;
     const Result& Found() const;
+    TDrawingGraph& Incoming();
+    bool TakeIncoming();
 
     unsigned precision;
-    double chordError;
     std::unique_ptr<DrawnThings> things;
-    mutable std::unique_ptr<Result> result; // null: not found yet
+    mutable std::unique_ptr<Result> result;  // null: not found yet
+    std::unique_ptr<TDrawingGraph> incoming; // while it is read
 };
 
 } // namespace ZoPrimitives

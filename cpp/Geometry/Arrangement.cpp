@@ -56,7 +56,7 @@ struct Arrangement::Meetings {
 };
 
 Arrangement::Arrangement(std::vector<Stretch> given, Ranges givenLabels)
-    : labels(std::move(givenLabels)), stretches(std::move(given)) {
+    : stretches(std::move(given)), labels(std::move(givenLabels)) {
     std::vector<LDPoint> points;
     points.reserve(2 * stretches.size());
     for (Stretch& s : stretches) {
@@ -83,27 +83,39 @@ Arrangement::Arrangement(std::vector<Stretch> given, Ranges givenLabels)
     FindBridges();
 }
 
+Meeting Meeting::Of(const Stretch& first, const Stretch& second) {
+    Meeting meeting;
+    if (!BoxesTouch(first, second)) return meeting;
+    const int sa = SideOf(first, second.a), sb = SideOf(first, second.b);
+    if (sa * sb > 0) return meeting;
+    const int fa = SideOf(second, first.a), fb = SideOf(second, first.b);
+    if (fa * fb > 0) return meeting;
+    meeting.crosses = sa != 0 && sb != 0 && fa != 0 && fb != 0;
+    if (meeting.crosses) return meeting;
+    meeting.firstOn[0] = fa == 0 && InBox(second, first.a);
+    meeting.firstOn[1] = fb == 0 && InBox(second, first.b);
+    meeting.secondOn[0] = sa == 0 && InBox(first, second.a);
+    meeting.secondOn[1] = sb == 0 && InBox(first, second.b);
+    meeting.overlaps = sa == 0 && sb == 0;
+    return meeting;
+}
+
 void Arrangement::Meetings::Add(const Arrangement& arrangement, unsigned i, unsigned j) {
-    const Stretch& s = arrangement.stretches[i];
-    const Stretch& t = arrangement.stretches[j];
-    if (!BoxesTouch(s, t)) return;
-    const int ta = SideOf(s, t.a), tb = SideOf(s, t.b);
-    if (ta * tb > 0) return;
-    const int sa = SideOf(t, s.a), sb = SideOf(t, s.b);
-    if (sa * sb > 0) return;
-    if (ta != 0 && tb != 0 && sa != 0 && sb != 0) {
+    const Meeting meeting = Meeting::Of(arrangement.stretches[i], arrangement.stretches[j]);
+    if (meeting.crosses) {
         crossings.emplace_back(std::min(i, j), std::max(i, j));
         return;
     }
-    const auto touch = [&](unsigned stretch, unsigned node) {
+    const auto touch = [&](unsigned stretch, unsigned other, unsigned end) {
+        const unsigned node = arrangement.ends[2 * other + end];
         if (node != arrangement.ends[2 * stretch] && node != arrangement.ends[2 * stretch + 1])
             touches.emplace_back(stretch, node);
     };
-    if (ta == 0 && InBox(s, t.a)) touch(i, arrangement.ends[2 * j]);
-    if (tb == 0 && InBox(s, t.b)) touch(i, arrangement.ends[2 * j + 1]);
-    if (sa == 0 && InBox(t, s.a)) touch(j, arrangement.ends[2 * i]);
-    if (sb == 0 && InBox(t, s.b)) touch(j, arrangement.ends[2 * i + 1]);
-    if (ta == 0 && tb == 0) overlapping[i] = overlapping[j] = true;
+    for (unsigned end = 0; end < 2; ++end) {
+        if (meeting.secondOn[end]) touch(i, j, end);
+        if (meeting.firstOn[end]) touch(j, i, end);
+    }
+    if (meeting.overlaps) overlapping[i] = overlapping[j] = true;
 }
 
 void Arrangement::FindMeetings(Meetings& meetings) const {
@@ -221,7 +233,7 @@ void Arrangement::MakeNodesAndEdges(Meetings& meetings) {
         const auto addEdge = [&](unsigned to) {
             if (to == from) return;
             along.values.push_back(static_cast<unsigned>(edges.size()));
-            edges.push_back({from, to, static_cast<unsigned>(i), static_cast<unsigned>(i)});
+            edges.push_back({from, to, static_cast<unsigned>(i), NONE});
             from = to;
         };
         for (std::size_t stop = first[i]; stop < first[i + 1]; ++stop) addEdge(number[stops[stop].node]);
@@ -230,7 +242,7 @@ void Arrangement::MakeNodesAndEdges(Meetings& meetings) {
     }
 }
 
-/// Stretches that overlap have edges in common: these get the labels of all.
+/// Stretches that overlap have edges in common.
 void Arrangement::MergeOverlapping(const std::vector<bool>& overlapping) {
     std::vector<unsigned> several;
     for (unsigned e = 0; e < edges.size(); ++e) {
@@ -246,16 +258,16 @@ void Arrangement::MergeOverlapping(const std::vector<bool>& overlapping) {
         std::size_t end = i + 1;
         while (end < several.size() && between(several[end]) == between(several[i])) ++end;
         if (end - i > 1) {
-            std::vector<unsigned> all;
+            Shared all;
             for (std::size_t k = i; k < end; ++k) {
                 keeper[several[k]] = several[i];
-                const unsigned label = edges[several[k]].label;
-                all.insert(all.end(), labels.Begin(label), labels.End(label));
+                const unsigned stretch = edges[several[k]].stretch;
+                all.stretches.push_back(stretch);
+                all.labels.insert(all.labels.end(), labels.Begin(stretch), labels.End(stretch));
             }
-            std::sort(all.begin(), all.end());
-            edges[several[i]].label = static_cast<unsigned>(labels.Count());
-            labels.values.insert(labels.values.end(), all.begin(), all.end());
-            labels.EndRange();
+            std::sort(all.labels.begin(), all.labels.end());
+            edges[several[i]].shared = static_cast<unsigned>(shared.size());
+            shared.push_back(std::move(all));
         }
         i = end;
     }
@@ -321,49 +333,46 @@ int Arrangement::CompareNodes(unsigned a, unsigned b) const {
 }
 
 void Arrangement::TraceCycles() {
-    constexpr unsigned UNKNOWN = NONE;
-    cycleOf.assign(next.size(), UNKNOWN);
-    std::vector<unsigned> halves; // one of each cycle
+    cycleOf.assign(next.size(), NONE);
     for (unsigned half = 0; half < next.size(); ++half) {
-        if (cycleOf[half] != UNKNOWN) continue;
-        const auto cycle = static_cast<unsigned>(halves.size());
-        halves.push_back(half);
-        for (unsigned h = half; cycleOf[h] == UNKNOWN; h = next[h]) cycleOf[h] = cycle;
+        if (cycleOf[half] != NONE) continue;
+        const auto cycle = static_cast<unsigned>(cycles.size());
+        cycles.push_back({half, NONE, NONE});
+        for (unsigned h = half; cycleOf[h] == NONE; h = next[h]) cycleOf[h] = cycle;
     }
-    cycles = halves.size();
 
     // The part of the drawing that a node belongs to, and its least node: the end of a stretch. Ends are
     // sorted.
     Sets parts(nodes.size());
     for (const Edge& edge : edges) parts.Join(edge.from, edge.to);
     std::vector<unsigned> leasts;
-    std::vector<unsigned> faceOfCycle(halves.size(), UNKNOWN);
     for (unsigned node = 0; node < nodes.size(); ++node) {
-        if (parts.Find(node) == node && around.Size(node) != 0) leasts.push_back(node);
+        if (parts.Find(node) == node) leasts.push_back(node);
     }
     components = leasts.size();
     // What lies straight to the left of it is outside this part.
-    std::vector<bool> outer(halves.size());
-    const auto outerHalf = [&](unsigned least) { return *(around.End(least) - 1); };
-    for (const unsigned least : leasts) outer[cycleOf[outerHalf(least)]] = true;
+    for (const unsigned least : leasts) cycles[cycleOf[LeftOf(least)]].least = least;
 
     faces.push_back({NONE, {}});
-    for (unsigned cycle = 0; cycle < halves.size(); ++cycle) {
-        if (outer[cycle]) continue;
-        faceOfCycle[cycle] = static_cast<unsigned>(faces.size());
-        faces.push_back({halves[cycle], {}});
+    for (Cycle& cycle : cycles) {
+        if (cycle.least != NONE) continue;
+        cycle.face = static_cast<unsigned>(faces.size());
+        faces.push_back({cycle.half, {}});
     }
     // A part that lies below another's least node, or around it, has a lesser one: its face is known.
-    faceOf.assign(next.size(), UNKNOWN);
     for (const unsigned least : leasts) {
-        const unsigned half = outerHalf(least);
-        unsigned face = 0;
-        const std::size_t below = forest.Below(nodes[least].point);
-        if (below != StretchTree::NONE) face = faceOfCycle[cycleOf[2 * EdgeAt(below, nodes[least].point)]];
-        faceOfCycle[cycleOf[half]] = face;
+        const unsigned half = LeftOf(least), face = FaceLeftOf(nodes[least].point);
+        cycles[cycleOf[half]].face = face;
         faces[face].holes.push_back(half);
     }
-    for (std::size_t h = 0; h < next.size(); ++h) faceOf[h] = faceOfCycle[cycleOf[h]];
+    faceOf.resize(next.size());
+    for (std::size_t h = 0; h < next.size(); ++h) faceOf[h] = cycles[cycleOf[h]].face;
+}
+
+/// The face just to the left of a point, on which no edge lies there.
+unsigned Arrangement::FaceLeftOf(const LDPoint& p) const {
+    const std::size_t below = forest.Below(p);
+    return below == StretchTree::NONE ? 0 : cycles[cycleOf[2 * EdgeAt(below, p)]].face;
 }
 
 /// -1, 0 or 1: where a node of a stretch lies beside the upright line at x.
@@ -374,6 +383,24 @@ int Arrangement::CompareX(unsigned node, std::size_t stretch, double x) const {
     const double y = at.point.y;
     const Stretch upright{{x, y}, {x, std::abs(y) < 1 ? y + 1 : y / 2}};
     return CompareCrossings(stretches[stretch], Crosser(at, stretch), upright);
+}
+
+/// -1, 0 or 1: where a node of a stretch lies beside a point on it. Along a stretch, an upright one too, the
+/// order is that of the nodes.
+int Arrangement::CompareWith(std::size_t stretch, unsigned node, const LDPoint& p) const {
+    const Node& at = nodes[node];
+    if (at.one == NONE) return at.point == p ? 0 : LexicographicallyLess(at.point, p) ? -1 : 1;
+    const Stretch& crosser = Crosser(at, stretch);
+    return SideOf(crosser, p) * SideOf(crosser, stretches[stretch].a);
+}
+
+/// -1, 0 or 1: which of two nodes of a stretch comes first.
+int Arrangement::CompareAlong(unsigned stretch, unsigned node, unsigned other) const {
+    if (node == other) return 0;
+    const Node &p = nodes[node], &q = nodes[other];
+    if (q.one == NONE) return CompareWith(stretch, node, q.point);
+    if (p.one == NONE) return -CompareWith(stretch, other, p.point);
+    return CompareCrossings(stretches[stretch], Crosser(p, stretch), Crosser(q, stretch));
 }
 
 /// A stretch that crosses another one at a node of it.
@@ -400,15 +427,7 @@ void Arrangement::FindBridges() {
         degree[node] = around.Size(node);
         if (degree[node] == 1) loose.push_back(node);
     }
-    while (!loose.empty()) {
-        const unsigned node = loose.back();
-        loose.pop_back();
-        for (const unsigned* half = around.Begin(node); half != around.End(node); ++half) {
-            if (dangle[*half / 2]) continue;
-            dangle[*half / 2] = true;
-            if (--degree[Target(*half)] == 1) loose.push_back(Target(*half));
-        }
-    }
+    Prune(loose, [&](unsigned node) -> std::size_t& { return degree[node]; });
 }
 
 Arrangement::Place Arrangement::Locate(const LDPoint& p) const {
@@ -418,17 +437,10 @@ Arrangement::Place Arrangement::Locate(const LDPoint& p) const {
         if (on == StretchTree::NONE && InBox(stretches[i], p) && SideOf(stretches[i], p) == 0) on = i;
     });
     if (on == StretchTree::NONE) {
-        const std::size_t below = forest.Below(p);
-        place.face = below == StretchTree::NONE ? 0 : faceOf[2 * EdgeAt(below, p)];
+        place.face = FaceLeftOf(p);
         return place;
     }
-    // Along a stretch, an upright one too, the order is that of the nodes.
-    const auto before = [&](unsigned node) {
-        const Node& at = nodes[node];
-        if (at.one == NONE) return at.point == p ? 0 : LexicographicallyLess(at.point, p) ? -1 : 1;
-        const Stretch& crosser = Crosser(at, on);
-        return SideOf(crosser, p) * SideOf(crosser, stretches[on].a);
-    };
+    const auto before = [&](unsigned node) { return CompareWith(on, node, p); };
     const unsigned* const found = std::partition_point(along.Begin(on), along.End(on) - 1,
                                                        [&](unsigned e) { return before(edges[e].to) < 0; });
     if (before(edges[*found].from) == 0)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Geometry/Ranges.h"
 #include "Geometry/StretchForest.h"
 
 #include <cstddef>
@@ -7,17 +8,17 @@
 
 namespace ZoPrimitives {
 
-/// Ranges of numbers, one after the other: `values` from starts[i] to starts[i + 1].
-struct Ranges {
-    std::vector<std::size_t> starts{0};
-    std::vector<unsigned> values;
+/// How two stretches meet.
+struct Meeting {
+    bool crosses = false;  // away from the ends of both
+    bool overlaps = false; // they lie on one line
+    bool firstOn[2] = {};  // the ends of the first that lie on the second
+    bool secondOn[2] = {};
 
-    std::size_t Count() const { return starts.size() - 1; }
-    const unsigned* Begin(std::size_t i) const { return values.data() + starts[i]; }
-    const unsigned* End(std::size_t i) const { return values.data() + starts[i + 1]; }
-    std::size_t Size(std::size_t i) const { return starts[i + 1] - starts[i]; }
-    void EndRange() { starts.push_back(values.size()); }
+    static Meeting Of(const Stretch& first, const Stretch& second);
 };
+
+class ArrangementChange;
 
 /// What stretches divide the plane into, exactly as they are given: nodes where they end, cross and touch;
 /// edges between them, each once; faces. Only the coordinates of nodes are rounded.
@@ -38,34 +39,66 @@ public:
         unsigned from; // the lesser node
         unsigned to;
         unsigned stretch; // that it is a part of
-        unsigned label;
+        unsigned shared;  // by several stretches that lie upon each other: an index; NONE if it is not
+    };
+    struct Shared {
+        std::vector<unsigned> stretches;
+        std::vector<unsigned> labels; // sorted; one for each time that it was drawn
+    };
+    /// A closed walk around a face.
+    struct Cycle {
+        unsigned half;
+        unsigned face;
+        unsigned least; // the node that comes first by x, then by y, if it goes around a part of the drawing;
+                        // NONE if it goes around a face from inside
     };
     struct Face {
         unsigned half;               // one that goes around it; NONE for the outer face
         std::vector<unsigned> holes; // half-edges, one for each part of the drawing that lies within
     };
 
-    /// The stretches have length, and are finite. Stretch i has the labels of range i.
+    /// The stretches have length, and are finite. Stretch i has the labels of range i, sorted.
     Arrangement(std::vector<Stretch> stretches, Ranges labels);
+
+    // After changes, some have gone: nodes without edges, edges from NONE, faces without borders other than
+    // the outer one. `gone` tells which; their indices are used again.
 
     std::vector<Node> nodes;
     std::vector<Edge> edges;
-    Ranges labels;                // of an edge: range `label`, sorted; one for each time that it was drawn
+    std::vector<Shared> shared;
     Ranges around;                // half-edges that leave a node, counter-clockwise from straight down
     std::vector<unsigned> next;   // half-edge around the same face
     std::vector<Face> faces;      // 0 is the outer one
     std::vector<unsigned> faceOf; // half-edge
     std::vector<bool> bridge;     // edge: the same face lies on both sides
     std::vector<bool> dangle;     // edge: it leads to a loose end, or only to such edges
+    std::vector<Cycle> cycles;
     std::size_t components = 0;
-    std::size_t cycles = 0;
 
     std::vector<Stretch> stretches;
-    Ranges along; // edges of each stretch, in order
+    Ranges labels; // of a stretch
+    Ranges along;  // edges of each stretch, in order
     StretchForest forest;
+
+    struct Gone {
+        std::vector<unsigned> nodes, edges, faces, cycles, stretches, shared;
+    };
+    Gone gone;
 
     unsigned Origin(unsigned half) const { return half % 2 == 0 ? edges[half / 2].from : edges[half / 2].to; }
     unsigned Target(unsigned half) const { return Origin(half ^ 1); }
+    /// Of the things that an edge was drawn by: sorted; one for each time.
+    Numbers LabelsOf(unsigned edge) const {
+        const Edge& e = edges[edge];
+        return e.shared == NONE ? labels[e.stretch] : NumbersOf(shared[e.shared].labels);
+    }
+    /// The stretches that an edge is a part of.
+    Numbers StretchesOf(unsigned edge) const {
+        const Edge& e = edges[edge];
+        return e.shared == NONE ? Numbers{&e.stretch, &e.stretch + 1} : NumbersOf(shared[e.shared].stretches);
+    }
+    /// The half-edge at a node with what lies straight to the left of the node, if no edge lies there.
+    unsigned LeftOf(unsigned node) const { return *(around.End(node) - 1); }
     /// The sign of the turn from one half-edge to the other.
     int Turn(unsigned half, unsigned following) const;
     /// Exactly, by x, then by y.
@@ -80,6 +113,7 @@ public:
     Place Locate(const LDPoint& p) const;
 
 private:
+    friend class ArrangementChange;
     struct Meetings;
     void FindMeetings(Meetings& meetings) const;
     bool FindAcross(const unsigned* begin, const unsigned* end, Meetings& meetings) const;
@@ -88,12 +122,32 @@ private:
     void SortAround();
     void TraceCycles();
     void FindBridges();
+    unsigned FaceLeftOf(const LDPoint& p) const;
     unsigned EdgeAt(std::size_t stretch, const LDPoint& p) const;
+    int CompareAlong(unsigned stretch, unsigned node, unsigned other) const;
+    int CompareWith(std::size_t stretch, unsigned node, const LDPoint& p) const;
+    template <class Degree>
+    void Prune(std::vector<unsigned>& loose, Degree degree);
     int CompareX(unsigned node, std::size_t stretch, double x) const;
     const Stretch& Crosser(const Node& node, std::size_t stretch) const;
 
     std::vector<unsigned> cycleOf; // half-edge
     std::vector<unsigned> ends;    // nodes where stretches end: two for each
 };
+
+/// Marks the edges that lead to loose ends. `degree(node)` is a number that is counted down, at first of its
+/// edges.
+template <class Degree>
+void Arrangement::Prune(std::vector<unsigned>& loose, Degree degree) {
+    while (!loose.empty()) {
+        const unsigned node = loose.back();
+        loose.pop_back();
+        for (const unsigned half : around[node]) {
+            if (dangle[half / 2]) continue;
+            dangle[half / 2] = true;
+            if (--degree(Target(half)) == 1) loose.push_back(Target(half));
+        }
+    }
+}
 
 } // namespace ZoPrimitives

@@ -5,39 +5,65 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace ZoPrimitives {
 
 namespace {
 
-constexpr int MOST_ROUNDS = 20;
+constexpr std::size_t MOST_ROUNDS = 20;
 
 double Along(const LDPoint& from, const LDPoint& to, const LDPoint& p) {
     return (p.x - from.x) * (to.x - from.x) + (p.y - from.y) * (to.y - from.y);
 }
 
+/// Stretches are asked for a range of their edges by this coordinate, which grows along them.
+class Position {
+public:
+    explicit Position(const Stretch& s)
+        : wide(std::abs(s.b.x - s.a.x) >= std::abs(s.b.y - s.a.y)), rising(wide || s.b.y >= s.a.y) {}
+    double Of(const LDPoint& p) const { return wide ? p.x : rising ? p.y : -p.y; }
+
+private:
+    bool wide;
+    bool rising;
+};
+
+/// Removes an item of a list, and the list when it is empty.
+template <class Lists, class Remove>
+void EraseFrom(Lists& lists, unsigned list, Remove remove) {
+    const auto found = lists.find(list);
+    if (found == lists.end()) return;
+    remove(found->second);
+    if (found->second.empty()) lists.erase(found);
+}
+
 } // namespace
 
-GapClosing::GapClosing(const Arrangement& arrangement, unsigned precision)
-    : arrangement(arrangement), precision(precision),
-      reach(1.001 * std::pow(10.0, -static_cast<int>(precision))) {
+GapClosing::GapClosing(const Arrangement& drawing, unsigned decimals)
+    : arrangement(drawing), precision(decimals), reach(1.001 * std::pow(10.0, -static_cast<int>(decimals))) {
     for (unsigned node = 0; node < arrangement.nodes.size(); ++node) FindNear(node);
-    std::sort(nodePairs.begin(), nodePairs.end());
-    nodePairs.erase(std::unique(nodePairs.begin(), nodePairs.end()), nodePairs.end());
-    const auto key = [](const NearEdge& near) { return std::pair(near.edge, near.node); };
-    std::sort(edgePairs.begin(), edgePairs.end(),
-              [&](const NearEdge& a, const NearEdge& b) { return key(a) < key(b); });
-    edgePairs.erase(std::unique(edgePairs.begin(), edgePairs.end(),
-                                [&](const NearEdge& a, const NearEdge& b) { return key(a) == key(b); }),
-                    edgePairs.end());
+    NodeSet nodes;
+    for (const auto& [node, others] : nearNodes) nodes.insert(node);
+    for (const auto& [node, edges] : nearEdges) nodes.insert(node);
+    Choose(nodes);
 }
 
 bool GapClosing::IsEqual(const LDPoint& a, const LDPoint& b) const {
     return a == b || (Equal(a.x, b.x, precision) && Equal(a.y, b.y, precision));
 }
 
+Stretch GapClosing::SegmentOf(unsigned edge) const {
+    const Arrangement::Edge& e = arrangement.edges[edge];
+    return {arrangement.nodes[e.from].point, arrangement.nodes[e.to].point};
+}
+
+LDPoint GapClosing::PlaceOf(unsigned node) const {
+    const auto found = places.find(node);
+    return found == places.end() ? arrangement.nodes[node].point : found->second;
+}
+
 void GapClosing::FindNear(unsigned node) {
+    if (arrangement.around.Size(node) == 0) return; // it has gone
     const LDPoint& p = arrangement.nodes[node].point;
     arrangement.forest.ForEachNear(p, reach, [&](unsigned stretch) {
         const Stretch& s = arrangement.stretches[stretch];
@@ -56,21 +82,22 @@ void GapClosing::FindNear(unsigned node) {
 void GapClosing::TryEdges(unsigned node, unsigned stretch) {
     const LDPoint& p = arrangement.nodes[node].point;
     const Stretch& s = arrangement.stretches[stretch];
-    const bool wide = std::abs(s.b.x - s.a.x) >= std::abs(s.b.y - s.a.y);
-    const bool rising = wide || s.b.y >= s.a.y;
-    const auto position = [&](const LDPoint& q) { return wide ? q.x : rising ? q.y : -q.y; };
-    const auto end = [&](unsigned e) { return position(arrangement.nodes[arrangement.edges[e].to].point); };
-    const double at = position(p);
+    const Position position(s);
+    const auto end = [&](unsigned e) {
+        return position.Of(arrangement.nodes[arrangement.edges[e].to].point);
+    };
+    const double at = position.Of(p);
+    const Numbers along = arrangement.along[stretch];
     const unsigned* edge =
-        std::partition_point(arrangement.along.Begin(stretch), arrangement.along.End(stretch) - 1,
-                             [&](unsigned e) { return end(e) < at - reach; });
-    for (; edge != arrangement.along.End(stretch); ++edge) {
+        std::partition_point(along.begin(), along.end() - 1, [&](unsigned e) { return end(e) < at - reach; });
+    for (; edge != along.end(); ++edge) {
         const unsigned from = arrangement.edges[*edge].from, to = arrangement.edges[*edge].to;
         const LDPoint &a = arrangement.nodes[from].point, &b = arrangement.nodes[to].point;
-        if (position(a) > at + reach) break;
+        if (position.Of(a) > at + reach) break;
         for (const unsigned other : {from, to}) {
-            if (other != node && IsEqual(arrangement.nodes[other].point, p))
-                nodePairs.emplace_back(std::min(node, other), std::max(node, other));
+            if (other == node || !IsEqual(arrangement.nodes[other].point, p)) continue;
+            nearNodes[node].insert(other);
+            nearNodes[other].insert(node);
         }
         if (from == node || to == node || IsEqual(a, p) || IsEqual(b, p)) continue;
         // Led through the node, the edge must get shorter: otherwise two edges could take turns without end.
@@ -78,147 +105,355 @@ void GapClosing::TryEdges(unsigned node, unsigned stretch) {
         const bool loose = arrangement.around.Size(node) == 1;
         if (!loose && !(a.DistFrom2(p) < length && b.DistFrom2(p) < length)) continue;
         const LDPoint nearest = NearestPointOf({a, b, 0}, p);
-        if (IsEqual(nearest, p)) edgePairs.push_back({*edge, node, nearest});
+        if (!IsEqual(nearest, p)) continue;
+        if (nodesNear[*edge].insert(node).second) nearEdges[node].push_back({*edge, node, nearest});
     }
 }
 
-/// Nodes with more edges stay where they are, of equal ones the lesser; those near them move there.
-void GapClosing::ChooseTargets() {
-    target.resize(arrangement.nodes.size());
-    std::iota(target.begin(), target.end(), 0u);
-    Ranges near;
-    std::vector<unsigned> members;
-    std::vector<std::pair<unsigned, unsigned>> both = nodePairs;
-    for (const auto& [a, b] : nodePairs) both.emplace_back(b, a);
-    std::sort(both.begin(), both.end());
-    for (std::size_t i = 0; i < both.size();) {
-        members.push_back(both[i].first);
-        for (const unsigned node = both[i].first; i < both.size() && both[i].first == node; ++i)
-            near.values.push_back(both[i].second);
-        near.EndRange();
-    }
-    std::vector<std::size_t> order(members.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::sort(order.begin(), order.end(), [&](std::size_t i, std::size_t j) {
-        const std::size_t more = arrangement.around.Size(members[i]),
-                          less = arrangement.around.Size(members[j]);
-        return more != less ? more > less : arrangement.CompareNodes(members[i], members[j]) < 0;
+/// For the nodes within reach of a segment, and some that are farther.
+template <class Visit>
+void GapClosing::ForEachNodeNear(const Stretch& segment, Visit visit) const {
+    arrangement.forest.ForEachNear(segment, reach, [&](unsigned stretch) {
+        const Numbers along = arrangement.along[stretch];
+        if (along.size() == 0) return;
+        const Position position(arrangement.stretches[stretch]);
+        const double one = position.Of(segment.a), other = position.Of(segment.b);
+        const double low = std::min(one, other) - reach, high = std::max(one, other) + reach;
+        const auto place = [&](unsigned node) { return position.Of(arrangement.nodes[node].point); };
+        const unsigned* edge = std::partition_point(
+            along.begin(), along.end() - 1, [&](unsigned e) { return place(arrangement.edges[e].to) < low; });
+        for (; edge != along.end() && place(arrangement.edges[*edge].from) <= high; ++edge) {
+            visit(arrangement.edges[*edge].from);
+            visit(arrangement.edges[*edge].to);
+        }
     });
-    std::vector<bool> settled(arrangement.nodes.size());
-    for (const std::size_t i : order) {
-        if (settled[members[i]]) continue;
-        settled[members[i]] = true;
-        for (const unsigned* other = near.Begin(i); other != near.End(i); ++other) {
-            if (settled[*other]) continue;
-            settled[*other] = true;
-            target[*other] = members[i];
+}
+
+/// Forgets what a node is near to.
+void GapClosing::Forget(unsigned node) {
+    const auto others = nearNodes.find(node);
+    if (others != nearNodes.end()) {
+        for (const unsigned other : others->second)
+            EraseFrom(nearNodes, other, [&](NodeSet& near) { near.erase(node); });
+        nearNodes.erase(node);
+    }
+    const auto edges = nearEdges.find(node);
+    if (edges == nearEdges.end()) return;
+    for (const NearEdge& near : edges->second) {
+        EraseFrom(nodesNear, near.edge, [&](NodeSet& nodes) { nodes.erase(node); });
+        Unlead(near);
+    }
+    nearEdges.erase(edges);
+}
+
+/// The edge is not led through the node any more.
+void GapClosing::Unlead(const NearEdge& near) {
+    EraseFrom(led, near.edge, [&](std::vector<NearEdge>& nodes) {
+        nodes.erase(std::remove_if(nodes.begin(), nodes.end(),
+                                   [&](const NearEdge& other) { return other.node == near.node; }),
+                    nodes.end());
+    });
+}
+
+/// All that are near to one of the nodes, or to one that is, and so on: they choose together where they move.
+void GapClosing::AddNeighbours(NodeSet& nodes) const {
+    std::vector<unsigned> left(nodes.begin(), nodes.end());
+    while (!left.empty()) {
+        const auto near = nearNodes.find(left.back());
+        left.pop_back();
+        if (near == nearNodes.end()) continue;
+        for (const unsigned node : near->second) {
+            if (nodes.insert(node).second) left.push_back(node);
         }
     }
-    places.resize(target.size());
-    for (std::size_t node = 0; node < target.size(); ++node)
-        places[node] = arrangement.nodes[target[node]].point;
+}
+
+void GapClosing::AddEdgesNear(const NodeSet& nodes, std::set<unsigned>& edges) const {
+    for (const unsigned node : nodes) {
+        const auto near = nearEdges.find(node);
+        if (near == nearEdges.end()) continue;
+        for (const NearEdge& one : near->second) edges.insert(one.edge);
+    }
+}
+
+std::set<unsigned> GapClosing::Update(const ArrangementChange& change) {
+    std::set<unsigned> edges(change.edges.begin(), change.edges.end());
+    NodeSet changed(change.nodes.begin(), change.nodes.end());
+    for (const unsigned edge : change.edges) {
+        const auto near = nodesNear.find(edge);
+        if (near != nodesNear.end()) changed.insert(near->second.begin(), near->second.end());
+        if (arrangement.edges[edge].from == Arrangement::NONE) continue;
+        ForEachNodeNear(SegmentOf(edge), [&](unsigned node) { changed.insert(node); });
+    }
+    NodeSet nodes = changed;
+    AddNeighbours(nodes);
+    AddEdgesNear(nodes, edges);
+    for (const unsigned node : changed) Forget(node);
+    for (const unsigned node : changed) FindNear(node);
+    AddNeighbours(nodes);
+    AddEdgesNear(nodes, edges);
+    std::vector<LDPoint> before;
+    for (const unsigned node : nodes) before.push_back(PlaceOf(node));
+    Choose(nodes);
+    auto was = before.begin();
+    for (const unsigned node : nodes) {
+        if (PlaceOf(node) == *was++) continue;
+        for (const unsigned half : arrangement.around[node]) edges.insert(half / 2);
+    }
+    return edges;
+}
+
+/// Chooses where nodes move to, and through which nodes the edges near them lead.
+void GapClosing::Choose(const NodeSet& nodes) {
+    for (const unsigned node : nodes) {
+        targets.erase(node);
+        places.erase(node);
+        const auto near = nearEdges.find(node);
+        if (near == nearEdges.end()) continue;
+        for (const NearEdge& one : near->second) Unlead(one);
+    }
+    ChooseTargets(nodes);
+    for (const unsigned node : nodes) MoveLooseEnd(node);
+}
+
+/// Nodes with more edges stay where they are, of equal ones the lesser; those near them move there.
+void GapClosing::ChooseTargets(const NodeSet& nodes) {
+    std::vector<unsigned> order;
+    for (const unsigned node : nodes) {
+        if (nearNodes.count(node) != 0) order.push_back(node);
+    }
+    std::sort(order.begin(), order.end(), [&](unsigned i, unsigned j) {
+        const std::size_t more = arrangement.around.Size(i), less = arrangement.around.Size(j);
+        return more != less ? more > less : arrangement.CompareNodes(i, j) < 0;
+    });
+    std::set<unsigned> settled;
+    for (const unsigned node : order) {
+        if (!settled.insert(node).second) continue;
+        for (const unsigned other : nearNodes[node]) {
+            if (!settled.insert(other).second) continue;
+            targets[other] = node;
+            places[other] = arrangement.nodes[node].point;
+        }
+    }
+}
+
+/// By the distance; of equal ones, by where the edges are.
+bool GapClosing::IsLess(const NearEdge& a, const NearEdge& b) const {
+    const double ours = a.nearest.DistFrom2(arrangement.nodes[a.node].point);
+    const double theirs = b.nearest.DistFrom2(arrangement.nodes[b.node].point);
+    if (ours != theirs) return ours < theirs;
+    const Arrangement::Edge &e = arrangement.edges[a.edge], &f = arrangement.edges[b.edge];
+    const int from = arrangement.CompareNodes(e.from, f.from);
+    return from != 0 ? from < 0 : arrangement.CompareNodes(e.to, f.to) < 0;
 }
 
 /// A loose end near edges, and near no node, moves onto the nearest one. Other nodes stay, and edges are led
 /// through them.
-void GapClosing::MoveLooseEnds() {
-    std::vector<bool> moved(target.size());
-    for (const auto& [a, b] : nodePairs) moved[a] = moved[b] = true;
-    std::vector<std::size_t> byNode(edgePairs.size());
-    std::iota(byNode.begin(), byNode.end(), std::size_t{0});
-    const auto distance = [&](std::size_t i) {
-        return edgePairs[i].nearest.DistFrom2(arrangement.nodes[edgePairs[i].node].point);
-    };
-    std::sort(byNode.begin(), byNode.end(), [&](std::size_t i, std::size_t j) {
-        const NearEdge &a = edgePairs[i], &b = edgePairs[j];
-        if (a.node != b.node) return a.node < b.node;
-        return distance(i) != distance(j) ? distance(i) < distance(j) : i < j;
-    });
-    std::vector<bool> used(edgePairs.size());
-    unsigned last = Arrangement::NONE;
-    for (const std::size_t i : byNode) {
-        const NearEdge& near = edgePairs[i];
-        const bool first = near.node != last;
-        last = near.node;
-        if (target[near.node] != near.node) continue; // where it moves to has edges of its own near it
-        const bool loose = arrangement.around.Size(near.node) == 1 && !moved[near.node];
-        if (loose && first) places[near.node] = near.nearest;
-        used[i] = !loose || first;
+void GapClosing::MoveLooseEnd(unsigned node) {
+    const auto found = nearEdges.find(node);
+    if (found == nearEdges.end()) return;
+    if (targets.count(node) != 0) return; // where it moves to has edges of its own near it
+    const std::vector<NearEdge>& near = found->second;
+    if (arrangement.around.Size(node) == 1 && nearNodes.count(node) == 0) {
+        const NearEdge& nearest = *std::min_element(
+            near.begin(), near.end(), [&](const NearEdge& a, const NearEdge& b) { return IsLess(a, b); });
+        places[node] = nearest.nearest;
+        led[nearest.edge].push_back(nearest);
+        return;
     }
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < edgePairs.size(); ++i) {
-        if (used[i]) edgePairs[kept++] = edgePairs[i];
-    }
-    edgePairs.resize(kept);
+    for (const NearEdge& one : near) led[one.edge].push_back(one);
 }
 
 /// Through which places an edge is led, in order: all that are near, or only the nearest if otherwise a part
 /// would be as long as the edge.
-std::vector<LDPoint> GapClosing::Stops(Nearby first, Nearby last) const {
+std::vector<LDPoint> GapClosing::Stops(unsigned edge) const {
     std::vector<LDPoint> stops;
-    if (first == last) return stops;
-    const Arrangement::Edge& edge = arrangement.edges[first->edge];
-    const LDPoint &a = arrangement.nodes[edge.from].point, &b = arrangement.nodes[edge.to].point;
-    for (auto near = first; near != last; ++near) stops.push_back(places[near->node]);
-    std::sort(stops.begin(), stops.end(),
-              [&](const LDPoint& p, const LDPoint& q) { return Along(a, b, p) < Along(a, b, q); });
+    const auto found = led.find(edge);
+    if (found == led.end()) return stops;
+    const auto [a, b] = SegmentOf(edge);
+    for (const NearEdge& near : found->second) stops.push_back(PlaceOf(near.node));
+    std::sort(stops.begin(), stops.end(), [a = a, b = b](const LDPoint& p, const LDPoint& q) {
+        const double first = Along(a, b, p), second = Along(a, b, q);
+        return first != second ? first < second : LexicographicallyLess(p, q);
+    });
     double longest = 0;
     for (std::size_t i = 1; i < stops.size(); ++i)
         longest = std::max(longest, stops[i].DistFrom2(stops[i - 1]));
     if (longest < a.DistFrom2(b)) return stops;
-    const auto distance = [&](const NearEdge& near) { return near.nearest.DistFrom2(places[near.node]); };
+    const auto distance = [&](const NearEdge& near) { return near.nearest.DistFrom2(PlaceOf(near.node)); };
     const auto nearest = std::min_element(
-        first, last, [&](const NearEdge& p, const NearEdge& q) { return distance(p) < distance(q); });
-    return {places[nearest->node]};
+        found->second.begin(), found->second.end(), [&](const NearEdge& p, const NearEdge& q) {
+            return distance(p) != distance(q) ? distance(p) < distance(q)
+                                              : LexicographicallyLess(PlaceOf(p.node), PlaceOf(q.node));
+        });
+    return {PlaceOf(nearest->node)};
 }
 
-void GapClosing::Apply(std::vector<Stretch>& stretches, Ranges& labels, std::vector<Move>& moves) {
-    ChooseTargets();
-    MoveLooseEnds();
-    for (std::size_t node = 0; node < places.size(); ++node) {
-        const LDPoint& from = arrangement.nodes[node].point;
-        if (from != places[node]) moves.push_back({from, places[node]});
+bool GapClosing::IsLeft(unsigned edge) const {
+    const Arrangement::Edge& e = arrangement.edges[edge];
+    return places.count(e.from) == 0 && places.count(e.to) == 0 && led.count(edge) == 0;
+}
+
+std::vector<LDPoint> GapClosing::PathOf(unsigned edge) const {
+    const Arrangement::Edge& e = arrangement.edges[edge];
+    std::vector<LDPoint> path = Stops(edge);
+    path.insert(path.begin(), PlaceOf(e.from));
+    path.push_back(PlaceOf(e.to));
+    path.erase(std::unique(path.begin(), path.end()), path.end());
+    return path;
+}
+
+void GapClosing::TellMoves(std::vector<Move>& moves) const {
+    std::vector<unsigned> moved;
+    for (const auto& [node, to] : places) moved.push_back(node);
+    std::sort(moved.begin(), moved.end());
+    for (const unsigned node : moved) {
+        const LDPoint &from = arrangement.nodes[node].point, to = PlaceOf(node);
+        if (from != to) moves.push_back({from, to});
     }
-    stretches.clear();
-    labels = Ranges();
-    Nearby near = edgePairs.begin(); // by edge
-    std::vector<LDPoint> stops;
-    for (unsigned e = 0; e < arrangement.edges.size(); ++e) {
-        const Arrangement::Edge& edge = arrangement.edges[e];
-        const auto first = near;
-        while (near != edgePairs.cend() && near->edge == e) ++near;
-        stops = Stops(first, near);
-        for (auto led = first; led != near; ++led) {
-            const LDPoint& to = places[led->node];
-            if (led->nearest != to && std::find(stops.begin(), stops.end(), to) != stops.end())
-                moves.push_back({led->nearest, to});
-        }
-        stops.push_back(places[edge.to]);
-        LDPoint from = places[edge.from];
-        for (const LDPoint& to : stops) {
-            if (to == from) continue;
-            stretches.push_back({from, to});
-            labels.values.insert(labels.values.end(), arrangement.labels.Begin(edge.label),
-                                 arrangement.labels.End(edge.label));
-            labels.EndRange();
-            from = to;
+    moved.clear();
+    for (const auto& [edge, nodes] : led) moved.push_back(edge);
+    std::sort(moved.begin(), moved.end());
+    for (const unsigned edge : moved) {
+        const std::vector<LDPoint> stops = Stops(edge);
+        for (const NearEdge& near : led.at(edge)) {
+            const LDPoint to = PlaceOf(near.node);
+            if (near.nearest != to && std::find(stops.begin(), stops.end(), to) != stops.end())
+                moves.push_back({near.nearest, to});
         }
     }
 }
 
-std::unique_ptr<Arrangement> CloseGaps(std::vector<Stretch> stretches, Ranges labels, unsigned precision,
-                                       std::vector<GapClosing::Move>& moves, bool& settled) {
-    auto arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
-    settled = true;
-    if (precision >= FIRST_WITHOUT_TOLERANCE) return arrangement;
-    for (int round = 0;; ++round) {
-        GapClosing gaps(*arrangement, precision);
-        settled = !gaps.Moves();
-        if (settled || round == MOST_ROUNDS) return arrangement;
-        std::vector<Stretch> moved;
-        Ranges movedLabels;
-        gaps.Apply(moved, movedLabels, moves);
-        arrangement = std::make_unique<Arrangement>(std::move(moved), std::move(movedLabels));
+ClosedDrawing::ClosedDrawing(std::vector<Stretch> stretches, Ranges labels, unsigned decimals)
+    : precision(decimals) {
+    rounds.emplace_back();
+    rounds[0].arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
+    if (precision >= FIRST_WITHOUT_TOLERANCE) return;
+    rounds[0].gaps = std::make_unique<GapClosing>(*rounds[0].arrangement, precision);
+    AddRounds();
+}
+
+/// The round from which on nothing moves.
+std::size_t ClosedDrawing::ResultRound() const {
+    std::size_t round = 0;
+    while (round + 1 < rounds.size() && rounds[round].gaps->Moves()) ++round;
+    return round;
+}
+
+bool ClosedDrawing::IsSettled() const {
+    const Round& round = rounds[ResultRound()];
+    return round.gaps == nullptr || !round.gaps->Moves();
+}
+
+std::vector<GapClosing::Move> ClosedDrawing::Moves() const {
+    std::vector<GapClosing::Move> moves;
+    for (std::size_t round = 0; round < ResultRound(); ++round) rounds[round].gaps->TellMoves(moves);
+    return moves;
+}
+
+/// As long as something moves in the last one: the next one is of edges that were led elsewhere.
+void ClosedDrawing::AddRounds() {
+    while (rounds.back().gaps->Moves() && rounds.size() <= MOST_ROUNDS) {
+        Round& last = rounds.back();
+        const Arrangement& drawing = *last.arrangement;
+        std::vector<Stretch> stretches;
+        Ranges labels;
+        last.led = Ranges();
+        for (unsigned edge = 0; edge < drawing.edges.size(); ++edge) {
+            for (const Stretch& stretch : LedThrough(last, edge)) {
+                last.led.values.push_back(static_cast<unsigned>(stretches.size()));
+                stretches.push_back(stretch);
+                const Numbers drawn = drawing.LabelsOf(edge);
+                labels.values.insert(labels.values.end(), drawn.begin(), drawn.end());
+                labels.EndRange();
+            }
+            last.led.EndRange();
+        }
+        Round next;
+        next.arrangement = std::make_unique<Arrangement>(std::move(stretches), std::move(labels));
+        next.gaps = std::make_unique<GapClosing>(*next.arrangement, precision);
+        rounds.push_back(std::move(next));
+    }
+}
+
+unsigned ClosedDrawing::Find(const Labelled& wanted) const {
+    const Arrangement& drawing = *rounds[0].arrangement;
+    unsigned found = Arrangement::NONE;
+    drawing.forest.ForEachNear(wanted.stretch.a, 0, [&](unsigned i) {
+        const Stretch& s = drawing.stretches[i];
+        if (s.a == wanted.stretch.a && s.b == wanted.stretch.b && drawing.labels[i][0] == wanted.label)
+            found = i;
+    });
+    return found;
+}
+
+ClosedDrawing::Changes ClosedDrawing::Change(const std::vector<Labelled>& removed,
+                                             const std::vector<Labelled>& added) {
+    const std::size_t before = ResultRound();
+    auto change = std::make_unique<ArrangementChange>(*rounds[0].arrangement);
+    for (const Labelled& one : removed) change->Remove(Find(one));
+    for (const Labelled& one : added) change->Add(one.stretch, {one.label});
+    change->Finish();
+    Changes changes;
+    for (std::size_t round = 0;; ++round) {
+        if (round == before) changes = {false, change->nodes, change->edges, change->faces};
+        if (rounds[round].gaps == nullptr) break;
+        if (round + 1 == rounds.size()) {
+            rounds[round].gaps->Update(*change);
+            AddRounds();
+            break;
+        }
+        auto next = std::make_unique<ArrangementChange>(*rounds[round + 1].arrangement);
+        Pass(rounds[round], *change, *rounds[round + 1].arrangement, *next);
+        next->Finish();
+        change = std::move(next);
+    }
+    changes.all = ResultRound() != before;
+    return changes;
+}
+
+/// The stretches of the next round that an edge leads through.
+std::vector<Stretch> ClosedDrawing::LedThrough(const Round& round, unsigned edge) {
+    std::vector<Stretch> stretches;
+    if (round.arrangement->edges[edge].from == Arrangement::NONE) return stretches;
+    if (round.gaps->IsLeft(edge)) return {round.gaps->SegmentOf(edge)};
+    const std::vector<LDPoint> path = round.gaps->PathOf(edge);
+    for (std::size_t i = 1; i < path.size(); ++i) {
+        const bool turned = LexicographicallyLess(path[i], path[i - 1]);
+        stretches.push_back(turned ? Stretch{path[i], path[i - 1]} : Stretch{path[i - 1], path[i]});
+    }
+    return stretches;
+}
+
+/// Changes the next round where edges of this one lead elsewhere.
+void ClosedDrawing::Pass(Round& round, const ArrangementChange& change, const Arrangement& nextDrawing,
+                         ArrangementChange& next) {
+    struct Led {
+        unsigned edge;
+        std::vector<Stretch> stretches;
+    };
+    std::vector<Led> changed;
+    for (const unsigned edge : round.gaps->Update(change)) {
+        const Numbers drawn = round.arrangement->LabelsOf(edge), was = round.led[edge];
+        std::vector<Stretch> stretches = LedThrough(round, edge);
+        const auto isSame = [&](const Stretch& s, unsigned i) {
+            const Stretch& t = nextDrawing.stretches[i];
+            const Numbers labels = nextDrawing.labels[i];
+            return s.a == t.a && s.b == t.b &&
+                   std::equal(drawn.begin(), drawn.end(), labels.begin(), labels.end());
+        };
+        if (!std::equal(stretches.begin(), stretches.end(), was.begin(), was.end(), isSame))
+            changed.push_back({edge, std::move(stretches)});
+    }
+    for (const Led& led : changed) {
+        for (const unsigned stretch : round.led[led.edge]) next.Remove(stretch);
+    }
+    for (const Led& led : changed) {
+        std::vector<unsigned>& numbers = round.led.Change(led.edge);
+        numbers.clear();
+        const Numbers drawn = round.arrangement->LabelsOf(led.edge);
+        for (const Stretch& stretch : led.stretches)
+            numbers.push_back(next.Add(stretch, {drawn.begin(), drawn.end()}));
     }
 }
 

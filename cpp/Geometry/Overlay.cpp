@@ -59,9 +59,8 @@ public:
         }
         AddChords(pieces, precision < FIRST_WITHOUT_TOLERANCE ? std::pow(10.0, -1.0 * precision) / 4 : 0,
                   stretches, labels);
-        std::vector<GapClosing::Move> moves;
-        bool settled = true;
-        found = CloseGaps(std::move(stretches), std::move(labels), precision, moves, settled);
+        drawing = std::make_unique<ClosedDrawing>(std::move(stretches), std::move(labels), precision);
+        found = &drawing->Result();
         FindFaces(Within(given, kind));
     }
     TRegion Region() const;
@@ -73,15 +72,16 @@ private:
     void FindFaces(Within within);
     using Run = std::vector<unsigned>; // the pieces that all edges of it belong to
     Run PiecesOf(unsigned half) const {
-        const unsigned label = found->edges[half / 2].label;
-        return {found->labels.Begin(label), found->labels.End(label)};
+        const Numbers labels = found->LabelsOf(half / 2);
+        return {labels.begin(), labels.end()};
     }
     TContour ContourOf(std::vector<unsigned> ring) const;
     static double BulgeOf(const TPathPiece& piece, const LDPoint& from, const LDPoint& to);
 
     std::vector<TPathPiece> pieces;
     std::vector<std::size_t> borderOf; // a piece
-    std::unique_ptr<Arrangement> found;
+    std::unique_ptr<ClosedDrawing> drawing;
+    const Arrangement* found;
     std::vector<bool> inResult; // face
 };
 
@@ -101,9 +101,7 @@ void Overlaying::FindFaces(Within within) {
         return step.border - outer < face.holes.size() ? face.holes[step.border - outer] : NONE;
     };
     const auto cross = [&](unsigned half) {
-        const unsigned label = found->edges[half / 2].label;
-        for (const unsigned* piece = found->labels.Begin(label); piece != found->labels.End(label); ++piece)
-            within.Cross(borderOf[*piece]);
+        for (const unsigned piece : found->LabelsOf(half / 2)) within.Cross(borderOf[piece]);
     };
     inResult.resize(found->faces.size());
     std::vector<bool> known(found->faces.size());

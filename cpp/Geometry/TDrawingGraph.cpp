@@ -1,9 +1,7 @@
 #include "ZoPrimitives/TDrawingGraph.h"
 
 #include "Geometry/DrawnThings.h"
-#include "Geometry/GapClosing.h"
-#include "Geometry/Pieces.h"
-#include "Geometry/Rings.h"
+#include "Geometry/FoundGraph.h"
 #include "Values/FullTurn.h"
 #include "Values/NumberFields.h"
 #include "Values/PointClass.h"
@@ -17,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <new>
 #include <utility>
 
 namespace ZoPrimitives {
@@ -33,74 +32,6 @@ static_assert(std::size(PIECE_CODES) == DrawnThings::PIECE_NUMBERS);
 Point2D PointOf(const LDPoint& p) { return {p.x, p.y}; }
 
 } // namespace
-
-class ZO_HIDDEN TDrawingGraph::Result {
-public:
-    Result(const DrawnThings& added, unsigned decimals) {
-        std::vector<Stretch> stretches;
-        Ranges labels;
-        added.Collect(stretches, labels);
-        arrangement = CloseGaps(std::move(stretches), std::move(labels), decimals, moves, settled);
-    }
-
-    /// Of the region that a closed walk goes around, counted from `origin`.
-    double SignedArea(unsigned half, const LDPoint& origin) const {
-        double area = 0;
-        unsigned h = half;
-        do {
-            const LDPoint a = arrangement->nodes[arrangement->Origin(h)].point - origin;
-            const LDPoint b = arrangement->nodes[arrangement->Target(h)].point - origin;
-            area += (a.x * b.y - b.x * a.y) / 2;
-            h = arrangement->next[h];
-        } while (h != half);
-        return area;
-    }
-    std::vector<unsigned> Borders(unsigned face) const {
-        const Arrangement::Face& found = arrangement->faces[face];
-        std::vector<unsigned> halves;
-        if (found.half != Arrangement::NONE) halves.push_back(found.half);
-        halves.insert(halves.end(), found.holes.begin(), found.holes.end());
-        return halves;
-    }
-    /// Without repetition.
-    std::vector<unsigned> ThingsOf(unsigned edge) const {
-        const unsigned label = arrangement->edges[edge].label;
-        std::vector<unsigned> numbers(arrangement->labels.Begin(label), arrangement->labels.End(label));
-        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-        return numbers;
-    }
-    TRegion Region(unsigned face) const;
-
-    std::unique_ptr<Arrangement> arrangement;
-    std::vector<GapClosing::Move> moves;
-    bool settled = true;
-};
-
-TRegion TDrawingGraph::Result::Region(unsigned face) const {
-    TRegion region;
-    std::vector<unsigned> halves;
-    for (const unsigned border : Borders(face)) {
-        unsigned h = border;
-        do {
-            if (!arrangement->bridge[h / 2]) halves.push_back(h);
-            h = arrangement->next[h];
-        } while (h != border);
-    }
-    std::sort(halves.begin(), halves.end());
-    ForEachRing(
-        *arrangement, halves, [&](unsigned half) { return !arrangement->bridge[half / 2]; },
-        [&](const std::vector<unsigned>& ring) {
-            TContour contour;
-            contour.Reserve(ring.size());
-            for (const unsigned half : ring)
-                contour.Add(PointOf(arrangement->nodes[arrangement->Origin(half)].point));
-            if (IsOuterRing(*arrangement, ring))
-                region.AddContour(contour);
-            else
-                region.AddHole(contour);
-        });
-    return region;
-}
 
 ZO_POINT_BODY(TDrawingGraph)
 
@@ -192,9 +123,9 @@ bool TDrawingGraph::operator==(const ZoObject& other) const {
 
 unsigned TDrawingGraph::Add(const TPath2D& path) {
     things->Check(path);
-    result.reset();
     const unsigned thing = things->Begin();
     things->Add(path);
+    Change(thing, {}, things->StretchesOf(thing));
     return thing;
 }
 
@@ -202,15 +133,16 @@ unsigned TDrawingGraph::Add(const TRegion& region) {
     std::vector<TContour> contours;
     for (unsigned long long i = 1; i <= region.NContours(); ++i) contours.push_back(region.Contour(i));
     for (const TContour& contour : contours) things->Check(contour);
-    result.reset();
     const unsigned thing = things->Begin();
     for (const TContour& contour : contours) things->Add(contour);
+    Change(thing, {}, things->StretchesOf(thing));
     return thing;
 }
 
 bool TDrawingGraph::Remove(unsigned thing) {
+    const std::vector<Stretch> stretches = things->StretchesOf(thing);
     if (!things->Remove(thing)) return false;
-    result.reset();
+    Change(thing, stretches, {});
     return true;
 }
 
@@ -219,17 +151,27 @@ void TDrawingGraph::RemoveAll() {
     result.reset();
 }
 
-const TDrawingGraph::Result& TDrawingGraph::Found() const {
-    if (result == nullptr) result = std::make_unique<Result>(*things, precision);
+/// Tells a graph that was found what has changed since. It changes when it is next asked for.
+void TDrawingGraph::Change(unsigned thing, const std::vector<Stretch>& removed,
+                           const std::vector<Stretch>& added) {
+    if (result == nullptr) return;
+    try {
+        result->WillChange(thing, removed, added);
+    } catch (const std::bad_alloc&) {
+        result.reset(); // it is found as a whole again
+    }
+}
+
+const FoundGraph& TDrawingGraph::Found() const {
+    if (result != nullptr && !result->Change()) result.reset();
+    if (result == nullptr) result = std::make_unique<FoundGraph>(*things, precision);
     return *result;
 }
 
-unsigned TDrawingGraph::NNodes() const { return static_cast<unsigned>(Found().arrangement->nodes.size()); }
-unsigned TDrawingGraph::NEdges() const { return static_cast<unsigned>(Found().arrangement->edges.size()); }
-unsigned TDrawingGraph::NFaces() const {
-    return static_cast<unsigned>(Found().arrangement->faces.size()) - 1;
-}
-unsigned TDrawingGraph::NComponents() const { return static_cast<unsigned>(Found().arrangement->components); }
+unsigned TDrawingGraph::NNodes() const { return static_cast<unsigned>(Found().nodes.Count()); }
+unsigned TDrawingGraph::NEdges() const { return static_cast<unsigned>(Found().edges.Count()); }
+unsigned TDrawingGraph::NFaces() const { return static_cast<unsigned>(Found().faces.Count()); }
+unsigned TDrawingGraph::NComponents() const { return static_cast<unsigned>(Found().Drawn().components); }
 
 TPointNode TDrawingGraph::Node(unsigned number) const {
     ZO_ASSERT(number - 1 < NNodes(), "number >= 1 && number <= NNodes()", SOURCE);
@@ -247,21 +189,22 @@ TGraphFace TDrawingGraph::Face(unsigned number) const {
 }
 
 bool TDrawingGraph::IsConsistent() const {
-    const Arrangement& a = *Found().arrangement;
+    const FoundGraph& found = Found();
+    const Arrangement& a = found.Drawn();
     // Each part of the drawing has a closed walk around it, which is a hole of a face.
-    return a.nodes.size() + a.faces.size() == a.edges.size() + 1 + a.components &&
-           a.cycles == a.faces.size() - 1 + a.components;
+    return found.nodes.Count() + found.faces.Count() == found.edges.Count() + a.components &&
+           a.cycles.size() - a.gone.cycles.size() == found.faces.Count() + a.components;
 }
 
-unsigned TDrawingGraph::NMoves() const { return static_cast<unsigned>(Found().moves.size()); }
+unsigned TDrawingGraph::NMoves() const { return static_cast<unsigned>(Found().Moves().size()); }
 
 TGraphMove TDrawingGraph::Move(unsigned index) const {
     ZO_ASSERT(index - 1 < NMoves(), "index >= 1 && index <= NMoves()", SOURCE);
-    const GapClosing::Move& move = Found().moves[index - 1];
+    const GapClosing::Move& move = Found().Moves()[index - 1];
     return {PointOf(move.from), PointOf(move.to)};
 }
 
-bool TDrawingGraph::IsSettled() const { return Found().settled; }
+bool TDrawingGraph::IsSettled() const { return Found().IsSettled(); }
 
 TDrawingGraph& TDrawingGraph::Incoming() {
     if (incoming == nullptr) incoming = std::make_unique<TDrawingGraph>();
@@ -335,75 +278,96 @@ bool TDrawingGraph::ReadData(int code, InputStreamer& streamer) {
 TGraphPlace TDrawingGraph::Locate(const Point2D& point) const {
     const LDPoint p(point.X(), point.Y());
     ZO_ASSERT(IsFinite(p), "finite coordinates", SOURCE);
-    const Arrangement::Place place = Found().arrangement->Locate(p);
-    const auto number = [](unsigned index) { return index == Arrangement::NONE ? 0 : index + 1; };
-    return {number(place.node), number(place.edge), place.face == Arrangement::NONE ? 0 : place.face};
+    const FoundGraph& found = Found();
+    const Arrangement::Place place = found.Drawn().Locate(p);
+    const auto number = [](const DenseNumbers& numbers, unsigned index) {
+        return index == Arrangement::NONE ? 0 : numbers.NumberOf(index);
+    };
+    return {number(found.nodes, place.node), number(found.edges, place.edge),
+            place.face == Arrangement::NONE ? 0 : found.FaceNumber(place.face)};
 }
 
-Point2D TPointNode::Point() const { return PointOf(graph->Found().arrangement->nodes[number - 1].point); }
+Point2D TPointNode::Point() const {
+    const FoundGraph& found = graph->Found();
+    return PointOf(found.Drawn().nodes[found.nodes.IndexOf(number)].point);
+}
 
 unsigned TPointNode::NEdges() const {
-    return static_cast<unsigned>(graph->Found().arrangement->around.Size(number - 1));
+    const FoundGraph& found = graph->Found();
+    return static_cast<unsigned>(found.Drawn().around.Size(found.nodes.IndexOf(number)));
 }
 
 TSortedEdge TPointNode::Edge(unsigned index) const {
     ZO_ASSERT(index - 1 < NEdges(), "index >= 1 && index <= NEdges()", SOURCE);
-    return {graph, graph->Found().arrangement->around.Begin(number - 1)[index - 1]};
+    const FoundGraph& found = graph->Found();
+    return {graph, found.Drawn().around[found.nodes.IndexOf(number)][index - 1]};
 }
 
 TPointNode TLineEdge::Start() const {
-    return {graph, graph->Found().arrangement->edges[number - 1].from + 1};
+    const FoundGraph& found = graph->Found();
+    return {graph, found.nodes.NumberOf(found.Drawn().Origin(2 * found.edges.IndexOf(number)))};
 }
-TPointNode TLineEdge::End() const { return {graph, graph->Found().arrangement->edges[number - 1].to + 1}; }
+TPointNode TLineEdge::End() const {
+    const FoundGraph& found = graph->Found();
+    return {graph, found.nodes.NumberOf(found.Drawn().Target(2 * found.edges.IndexOf(number)))};
+}
 TSegment2D TLineEdge::Segment() const { return {Start().Point(), End().Point()}; }
-unsigned TLineEdge::LeftFace() const { return graph->Found().arrangement->faceOf[2 * (number - 1)]; }
-unsigned TLineEdge::RightFace() const { return graph->Found().arrangement->faceOf[2 * (number - 1) + 1]; }
-
-unsigned TLineEdge::NThings() const {
-    return static_cast<unsigned>(graph->Found().ThingsOf(number - 1).size());
+unsigned TLineEdge::LeftFace() const {
+    const FoundGraph& found = graph->Found();
+    return found.FaceBeside(2 * found.edges.IndexOf(number));
 }
+unsigned TLineEdge::RightFace() const {
+    const FoundGraph& found = graph->Found();
+    return found.FaceBeside(2 * found.edges.IndexOf(number) + 1);
+}
+
+unsigned TLineEdge::NThings() const { return static_cast<unsigned>(graph->Found().ThingsOf(number).size()); }
 
 unsigned TLineEdge::Thing(unsigned index) const {
-    const std::vector<unsigned> things = graph->Found().ThingsOf(number - 1);
+    const std::vector<unsigned> things = graph->Found().ThingsOf(number);
     ZO_ASSERT(index - 1 < things.size(), "index >= 1 && index <= NThings()", SOURCE);
     return things[index - 1];
 }
 
-bool TLineEdge::IsBridge() const { return graph->Found().arrangement->bridge[number - 1]; }
-bool TLineEdge::IsDangle() const { return graph->Found().arrangement->dangle[number - 1]; }
+bool TLineEdge::IsBridge() const {
+    const FoundGraph& found = graph->Found();
+    return found.Drawn().bridge[found.edges.IndexOf(number)];
+}
+bool TLineEdge::IsDangle() const {
+    const FoundGraph& found = graph->Found();
+    return found.Drawn().dangle[found.edges.IndexOf(number)];
+}
 
-TPointNode TSortedEdge::From() const { return {graph, graph->Found().arrangement->Origin(half) + 1}; }
-TPointNode TSortedEdge::To() const { return {graph, graph->Found().arrangement->Target(half) + 1}; }
-TLineEdge TSortedEdge::Edge() const { return {graph, half / 2 + 1}; }
+TPointNode TSortedEdge::From() const {
+    const FoundGraph& found = graph->Found();
+    return {graph, found.nodes.NumberOf(found.Drawn().Origin(half))};
+}
+TPointNode TSortedEdge::To() const {
+    const FoundGraph& found = graph->Found();
+    return {graph, found.nodes.NumberOf(found.Drawn().Target(half))};
+}
+TLineEdge TSortedEdge::Edge() const { return {graph, graph->Found().edges.NumberOf(half / 2)}; }
 
 double TSortedEdge::Angle() const {
-    const Arrangement& a = *graph->Found().arrangement;
+    const Arrangement& a = graph->Found().Drawn();
     const Stretch& s = a.stretches[a.edges[half / 2].stretch];
     const double forward = std::atan2(s.b.y / 2 - s.a.y / 2, s.b.x / 2 - s.a.x / 2);
     return half % 2 == 0 ? forward : forward + FULL_TURN / 2;
 }
 
-unsigned TSortedEdge::Face() const { return graph->Found().arrangement->faceOf[half]; }
+unsigned TSortedEdge::Face() const { return graph->Found().FaceBeside(half); }
 TSortedEdge TSortedEdge::Opposite() const { return {graph, half ^ 1}; }
 
 TSortedEdge TSortedEdge::NextAroundNode() const {
-    const Arrangement& a = *graph->Found().arrangement;
-    const unsigned node = a.Origin(half);
-    const unsigned* const found = std::find(a.around.Begin(node), a.around.End(node), half) + 1;
-    return {graph, found == a.around.End(node) ? *a.around.Begin(node) : *found};
+    const Arrangement& a = graph->Found().Drawn();
+    const Numbers around = a.around[a.Origin(half)];
+    const unsigned* const found = std::find(around.begin(), around.end(), half) + 1;
+    return {graph, found == around.end() ? around[0] : *found};
 }
 
-TSortedEdge TSortedEdge::NextAroundFace() const { return {graph, graph->Found().arrangement->next[half]}; }
+TSortedEdge TSortedEdge::NextAroundFace() const { return {graph, graph->Found().Drawn().next[half]}; }
 
-double TGraphFace::Area() const {
-    if (number == 0) return 0;
-    const TDrawingGraph::Result& found = graph->Found();
-    const std::vector<unsigned> borders = found.Borders(number);
-    const LDPoint origin = found.arrangement->nodes[found.arrangement->Origin(borders[0])].point;
-    double area = 0;
-    for (const unsigned border : borders) area += found.SignedArea(border, origin);
-    return area;
-}
+double TGraphFace::Area() const { return number == 0 ? 0 : graph->Found().Area(number); }
 
 TRegion TGraphFace::Region() const { return graph->Found().Region(number); }
 

@@ -506,6 +506,123 @@ TEST(TDrawingGraphTests, IsSoundForAnyDrawing) {
     }
 }
 
+/// All of a graph but its numbers: of each face, the edges of its borders, in order of their ends. `names`
+/// are those of things.
+using Shape = std::vector<std::vector<std::vector<double>>>;
+Shape ShapeOf(const TDrawingGraph& graph, const std::vector<int>& names) {
+    Shape shape;
+    for (unsigned i = 0; i <= graph.NFaces(); ++i) {
+        std::vector<std::vector<double>> edges{{i == 0 ? -1.0 : 0.0}};
+        const TGraphFace face = graph.Face(i);
+        for (unsigned k = 1; k <= face.NBorders(); ++k) {
+            TSortedEdge at = face.Border(k);
+            do {
+                const TLineEdge edge = at.Edge();
+                const Point2D from = at.From().Point(), to = at.To().Point();
+                std::vector<double> one{
+                    from.X(), from.Y(), to.X(), to.Y(), 1.0 * edge.IsBridge(), 1.0 * edge.IsDangle()};
+                for (unsigned t = 1; t <= edge.NThings(); ++t) one.push_back(names[edge.Thing(t) - 1]);
+                std::sort(one.begin() + 6, one.end());
+                edges.push_back(one);
+                at = at.NextAroundFace();
+            } while (at != face.Border(k));
+        }
+        std::sort(edges.begin(), edges.end());
+        shape.push_back(edges);
+    }
+    std::vector<std::vector<double>> rest{
+        {1.0 * graph.NNodes(), 1.0 * graph.NEdges(), 1.0 * graph.NComponents(), 1.0 * graph.IsSettled()}};
+    for (unsigned i = 1; i <= graph.NMoves(); ++i) {
+        const TGraphMove move = graph.Move(i);
+        rest.push_back({move.from.X(), move.from.Y(), move.to.X(), move.to.Y()});
+    }
+    std::sort(rest.begin(), rest.end());
+    shape.push_back(rest);
+    std::sort(shape.begin(), shape.end());
+    return shape;
+}
+
+TEST(TDrawingGraphTests, ChangesAsIfItWereDrawnAnew) {
+    Random random(31);
+    for (const auto& [name, make] : MAKERS) {
+        for (int i = 0; i < 8; ++i) {
+            for (const unsigned precision : {EXACT, 9u, 2u, 0u}) {
+                const Drawing drawing = make(random), more = make(random);
+                TDrawingGraph graph(precision);
+                std::vector<int> names;
+                std::vector<Line> lines;
+                std::vector<bool> isThere;
+                const auto add = [&](const Line& line) {
+                    graph.Add(TSegment2D({line[0], line[1]}, {line[2], line[3]}));
+                    names.push_back(static_cast<int>(lines.size()));
+                    lines.push_back(line);
+                    isThere.push_back(true);
+                };
+                for (const Line& line : drawing) add(line);
+                for (int step = 0; step < 10; ++step) {
+                    graph.NFaces(); // found, so that it changes
+                    for (int k = random.Pick(3); k >= 0; --k) {
+                        const auto thing = static_cast<unsigned>(random.Pick(static_cast<int>(lines.size())));
+                        if (random.Pick(2) == 0) {
+                            add(more[static_cast<unsigned>(random.Pick(static_cast<int>(more.size())))]);
+                        } else if (isThere[thing]) {
+                            ASSERT_TRUE(graph.Remove(thing + 1));
+                            isThere[thing] = false;
+                        }
+                    }
+                    TDrawingGraph anew(precision);
+                    std::vector<int> newNames;
+                    for (std::size_t k = lines.size(); k-- > 0;) {
+                        if (!isThere[k]) continue;
+                        anew.Add(TSegment2D({lines[k][2], lines[k][3]}, {lines[k][0], lines[k][1]}));
+                        newNames.push_back(names[k]);
+                    }
+                    const std::string what = name + std::to_string(i) + " " + std::to_string(precision) +
+                                             " " + std::to_string(step);
+                    ASSERT_TRUE(graph.IsConsistent()) << what;
+                    ASSERT_EQ(ShapeOf(graph, names), ShapeOf(anew, newNames)) << what;
+                }
+            }
+        }
+    }
+}
+
+TEST(TDrawingGraphTests, LeavesTheNumbersOfWhatIsAwayFromAChange) {
+    constexpr int SIDE = 12;
+    for (const unsigned precision : {EXACT, 3u}) {
+        TDrawingGraph graph(precision);
+        for (int i = 0; i <= SIDE; ++i) {
+            graph.Add(TSegment2D({0, 1.0 * i}, {1.0 * SIDE, 1.0 * i}));
+            graph.Add(TSegment2D({1.0 * i, 0}, {1.0 * i, 1.0 * SIDE}));
+        }
+        const auto numbers = [&] {
+            std::vector<unsigned> all;
+            for (int i = 0; i < SIDE * SIDE; ++i) {
+                const double x = i % SIDE, y = i / SIDE; // a corner, a side and the middle of each square
+                for (const Point2D& p : {Point2D(x, y), Point2D(x + 0.5, y), Point2D(x + 0.7, y + 0.5)}) {
+                    const TGraphPlace place = graph.Locate(p);
+                    all.push_back(place.node + place.edge + place.face);
+                }
+            }
+            return all;
+        };
+        const auto differences = [](const std::vector<unsigned>& a, const std::vector<unsigned>& b) {
+            return std::inner_product(a.begin(), a.end(), b.begin(), 0, std::plus<>(), std::not_equal_to<>());
+        };
+        const std::vector<unsigned> before = numbers();
+        const unsigned diagonal = graph.Add(TSegment2D({5, 5}, {6, 6}));
+        EXPECT_EQ(graph.NFaces(), SIDE * SIDE + 1u);
+        EXPECT_LE(differences(before, numbers()), 1) << "the square that it divides";
+        const unsigned bar =
+            graph.Add(TSegment2D({3, 7.5}, {4, 7.5})); // from one side of a square to another
+        EXPECT_LE(differences(before, numbers()), 4);
+        EXPECT_TRUE(graph.Remove(bar) && graph.Remove(diagonal));
+        EXPECT_LE(differences(before, numbers()), 5)
+            << "the last ones may have taken numbers that became free";
+        EXPECT_TRUE(graph.NFaces() == SIDE * SIDE && graph.IsConsistent());
+    }
+}
+
 #ifdef ZO_TEST_GEOS
 
 /// The faces that the other library finds.

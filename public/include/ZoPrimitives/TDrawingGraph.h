@@ -4,16 +4,19 @@
 #include "ZoPrimitives/TSegment2D.h"
 
 #include <memory>
+#include <vector>
 
 namespace ZoPrimitives {
 
 class DrawnThings;
+class FoundGraph;
+struct Stretch;
 class TDrawingGraph;
 class TLineEdge;
 class TSortedEdge;
 
 // Nodes, edges and faces of a graph, by number. They are valid until something is added to the graph or
-// removed from it. All counts are from 1, and indices are asserted.
+// removed from it; numbers mostly stay (see the graph). All counts are from 1, and indices are asserted.
 
 /// A point in which edges end.
 class ZO_API TPointNode {
@@ -132,8 +135,12 @@ struct TGraphPlace {
 /// (`Move`). At precision 21 and 22 nothing is moved, and the graph is that of the drawing exactly as it is
 /// given: only the nodes' coordinates are rounded, to the nearest doubles.
 ///
-/// The graph is found when it is first asked for, and after a change the whole of it anew; numbers do not
-/// depend on the order of adding. Use it on one thread at a time, as any operation may find it.
+/// The graph is found when it is first asked for; then numbers do not depend on the order of adding. After a
+/// change, what is near it is found anew when the graph is next asked, as if it were drawn like that at once,
+/// and nothing else is looked at. Then nodes, edges and faces away from it keep their numbers, but for the
+/// last ones, which take the numbers of those that are no more. All is numbered anew after a change of much
+/// of the drawing, and where closing gaps takes more steps than before, or fewer. Use a graph on one thread
+/// at a time, as any operation may find it.
 ///
 /// Streamed is the drawing: opened, it gives the same graph, and the next thing gets the number that it would
 /// have got. Arcs stay arcs; their chords are found anew, to the last bit by the same C runtime's sine and
@@ -204,15 +211,15 @@ private:
     friend class TLineEdge;
     friend class TPointNode;
     friend class TSortedEdge;
-    class Result;
-    const Result& Found() const;
+    const FoundGraph& Found() const;
+    void Change(unsigned thing, const std::vector<Stretch>& removed, const std::vector<Stretch>& added);
     TDrawingGraph& Incoming();
     bool TakeIncoming();
 
     unsigned precision;
     std::unique_ptr<DrawnThings> things;
-    mutable std::unique_ptr<Result> result;  // null: not found yet
-    std::unique_ptr<TDrawingGraph> incoming; // while it is read
+    mutable std::unique_ptr<FoundGraph> result; // null: not found yet
+    std::unique_ptr<TDrawingGraph> incoming;    // while it is read
 };
 
 } // namespace ZoPrimitives

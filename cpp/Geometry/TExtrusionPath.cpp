@@ -3,6 +3,7 @@
 #include "Geometry/Pieces.h"
 #include "Geometry/Space.h"
 #include "Geometry/SweptMesh.h"
+#include "Geometry/SweptWalls.h"
 #include "Values/NumberFields.h"
 #include "Values/PointClass.h"
 #include "ZoPrimitives/InputStreamer.h"
@@ -74,31 +75,41 @@ public:
     Legs(const TExtrusionPath& extrusion, std::vector<TPathPiece> border)
         : pieces(std::move(border)), fault(Place(extrusion)) {}
 
-    struct Leg {
-        Components direction;
-        double length; // of the line of the origin
-        // How much longer the line of the point (x, y) is: byX * x + byY * y.
-        double byX;
-        double byY;
-        double LengthAt(const LDPoint& p) const { return length + byX * p.x + byY * p.y; }
-    };
-
     TExtrusionFault Fault(unsigned long long* vertex) const {
         if (vertex != nullptr) *vertex = place;
         return fault;
     }
     const std::vector<TPathPiece>& Pieces() const { return pieces; }
-    const std::vector<Leg>& All() const { return legs; }
+    const std::vector<SweptLeg>& All() const { return legs; }
     const std::vector<Station>& Stations() const { return stations; }
 
+    double SignedDistance(const std::vector<SectionRing>& rings, const Components& point) const;
+    /// Where the line through a point is within the body, in lengths of the direction: one passage after the
+    /// other, with the normals of the surface.
+    struct Passage {
+        double from;
+        double to;
+        Components entering;
+        Components leaving;
+    };
+    std::vector<Passage> PassagesOf(const std::vector<SectionRing>& rings, const Components& point,
+                                    const Components& along) const;
+
 private:
+    /// How far before or behind the plane in which a leg begins, or the last one ends, counted from 0.
+    double Beyond(std::size_t plane, const Components& p) const {
+        return Dot(p - points[plane], across[plane]);
+    }
+    void AddPassages(std::size_t leg, const std::vector<SectionRing>& rings, const Components& point,
+                     const Components& along, std::vector<Passage>& passages) const;
+
     TExtrusionFault Place(const TExtrusionPath& extrusion) {
         if (!TakePoints(extrusion)) return NotFiniteExtrusion;
         if (!(std::abs(extrusion.Section().Area()) > 0)) return EmptySection;
         if (points.size() < 2) return NoPath;
         for (std::size_t i = 0; i + 1 < points.size(); ++i) {
             const Components along = points[i + 1] - points[i];
-            legs.push_back({Unit(along), Length(along), 0, 0});
+            legs.push_back({points[i], {}, {}, Unit(along), {0, 0, 0}, {Length(along), 0, 0}});
         }
         for (std::size_t i = 1; i < legs.size(); ++i) {
             place = numbers[i];
@@ -108,10 +119,9 @@ private:
         TakeStations(extrusion.Angle());
         for (std::size_t i = 0; i < legs.size(); ++i) {
             place = numbers[i];
-            Leg& leg = legs[i];
-            leg.byX = Dot(leg.direction, stations[i + 1].alongX - stations[i].alongX);
-            leg.byY = Dot(leg.direction, stations[i + 1].alongY - stations[i].alongY);
-            if (!(leg.length + RangeOf(pieces, leg.byX, leg.byY).low > 0)) return LegTooShort;
+            const auto& [origin, x, y, direction, start, end] = legs[i];
+            const double byX = end.byX - start.byX, byY = end.byY - start.byY;
+            if (!(end.z + RangeOf(pieces, byX, byY).low > 0)) return LegTooShort;
         }
         place = 0;
         return SoundExtrusion;
@@ -141,20 +151,32 @@ private:
         TVector3D::AcadArbitraryAxes(VectorOf(legs[0].direction), first, second, along);
         Components x = Of(first) * std::cos(angle) + Of(second) * std::sin(angle);
         Components y = Cross(legs[0].direction, x);
+        const auto begin = [&](SweptLeg& leg, const Components& normal) {
+            leg.alongX = x;
+            leg.alongY = y;
+            across.push_back(normal);
+        };
         stations.push_back({points[0], x, y});
+        begin(legs[0], legs[0].direction);
         for (std::size_t i = 1; i < legs.size(); ++i) {
             // Along the leg onto the plane of the mitre, then on at right angles to the next leg.
-            const Components& before = legs[i - 1].direction;
-            const Components& after = legs[i].direction;
-            const Components normal = Unit(before + after);
-            const auto ontoMitre = [&](const Components& v) {
-                return v - before * (Dot(normal, v) / Dot(normal, before));
+            SweptLeg &before = legs[i - 1], &after = legs[i];
+            const Components normal = Unit(before.direction + after.direction);
+            const auto climb = [&](const Components& v) {
+                return -Dot(normal, v) / Dot(normal, before.direction);
             };
-            stations.push_back({points[i], ontoMitre(x), ontoMitre(y)});
-            x = Unit(stations.back().alongX - after * Dot(after, stations.back().alongX));
-            y = Cross(after, x);
+            before.end.byX = climb(x);
+            before.end.byY = climb(y);
+            stations.push_back(
+                {points[i], x + before.direction * before.end.byX, y + before.direction * before.end.byY});
+            after.start.byX = Dot(after.direction, stations.back().alongX);
+            after.start.byY = Dot(after.direction, stations.back().alongY);
+            x = Unit(stations.back().alongX - after.direction * after.start.byX);
+            y = Cross(after.direction, x);
+            begin(after, normal);
         }
         stations.push_back({points.back(), x, y});
+        across.push_back(legs.back().direction);
     }
 
     /// The sum of two directions that rounding cannot tell from opposite ones.
@@ -163,11 +185,87 @@ private:
     std::vector<TPathPiece> pieces;
     std::vector<Components> points;
     std::vector<unsigned long long> numbers; // of the vertices that the points are
-    std::vector<Leg> legs;
+    std::vector<SweptLeg> legs;
+    std::vector<Components> across; // of the planes in which legs begin and end
     std::vector<Station> stations;
     unsigned long long place = 0;
     TExtrusionFault fault; // set last
 };
+
+double Legs::SignedDistance(const std::vector<SectionRing>& rings, const Components& point) const {
+    double least = std::numeric_limits<double>::infinity();
+    bool inside = false;
+    for (std::size_t i = 0; i < legs.size(); ++i) {
+        const Components p = legs[i].ToFrame(point);
+        if (!IsFinite(p)) continue;
+        const bool within = IsWithin(rings, {p.x, p.y});
+        // Planes between legs belong to the next one, in the same figures for both.
+        const bool last = i + 1 == legs.size();
+        const double behind = Beyond(i + 1, point);
+        inside = inside || (within && Beyond(i, point) >= 0 && (last ? behind <= 0 : behind < 0));
+        if (within && i == 0) least = std::min(least, std::abs(p.z));
+        if (within && last) least = std::min(least, std::abs(p.z - legs[i].end.z));
+        for (const SectionRing& ring : rings)
+            for (const TPathPiece& piece : ring.pieces) least = LesserWallDistance(legs[i], piece, p, least);
+    }
+    return inside ? -least : least;
+}
+
+void Legs::AddPassages(std::size_t index, const std::vector<SectionRing>& rings, const Components& point,
+                       const Components& along, std::vector<Passage>& passages) const {
+    const SweptLeg& leg = legs[index];
+    const Components p = leg.ToFrame(point), v = leg.DirectionInFrame(along);
+    if (!IsFinite(p)) return;
+    constexpr double endless = std::numeric_limits<double>::infinity();
+    // Between the planes: where, and which way the body ends there; nowhere in a mitre.
+    struct Bound {
+        double at;
+        Components normal;
+    };
+    Bound enters{-endless, {0, 0}}, leaves{endless, {0, 0}};
+    const bool first = index == 0, last = index + 1 == legs.size();
+    for (const bool isStart : {true, false}) {
+        const std::size_t plane = isStart ? index : index + 1;
+        const double beyond = Beyond(plane, point), climb = Dot(along, across[plane]);
+        if (climb == 0) {
+            if (isStart ? beyond < 0 : last ? beyond > 0 : beyond >= 0) return;
+            continue;
+        }
+        const bool isEnd = isStart ? first : last;
+        const Bound bound{-beyond / climb, leg.direction * (!isEnd ? 0 : isStart ? -1 : 1)};
+        if (isStart == (climb > 0))
+            enters = bound.at > enters.at ? bound : enters;
+        else
+            leaves = bound.at < leaves.at ? bound : leaves;
+    }
+    const auto turned = [&](const LDPoint& n) { return Unit(leg.alongX * n.x + leg.alongY * n.y); };
+    for (const SectionPassage& passage : ZoPrimitives::PassagesOf(rings, {p.x, p.y}, {v.x, v.y})) {
+        Passage found{std::max(enters.at, passage.from), std::min(leaves.at, passage.to),
+                      turned(passage.entering), turned(passage.leaving)};
+        if (!(found.from <= found.to)) continue;
+        if (enters.at > passage.from && Length(enters.normal) > 0) found.entering = enters.normal;
+        if (leaves.at < passage.to && Length(leaves.normal) > 0) found.leaving = leaves.normal;
+        passages.push_back(found);
+    }
+}
+
+std::vector<Legs::Passage> Legs::PassagesOf(const std::vector<SectionRing>& rings, const Components& point,
+                                            const Components& along) const {
+    std::vector<Passage> passages;
+    for (std::size_t i = 0; i < legs.size(); ++i) AddPassages(i, rings, point, along, passages);
+    std::sort(passages.begin(), passages.end(),
+              [](const Passage& a, const Passage& b) { return a.from < b.from; });
+    std::vector<Passage> joined;
+    for (const Passage& passage : passages) {
+        if (joined.empty() || passage.from > joined.back().to) {
+            joined.push_back(passage);
+        } else if (passage.to > joined.back().to) {
+            joined.back().to = passage.to;
+            joined.back().leaving = passage.leaving;
+        }
+    }
+    return joined;
+}
 
 Legs LegsOf(const TExtrusionPath& extrusion) {
     Legs legs(extrusion, PiecesOf(extrusion.Section()));
@@ -242,7 +340,7 @@ double TExtrusionPath::Volume() const {
     const TAreaProperties properties = section.AreaProperties();
     const Point2D centroid = properties.Centroid();
     double length = 0; // of the centroid's line
-    for (const Legs::Leg& leg : legs.All()) length += leg.LengthAt({centroid.X(), centroid.Y()});
+    for (const SweptLeg& leg : legs.All()) length += leg.LengthAt({centroid.X(), centroid.Y()});
     return std::abs(properties.Area()) * length;
 }
 
@@ -252,7 +350,7 @@ double TExtrusionPath::SurfaceArea() const {
     for (const TPathPiece& piece : legs.Pieces()) {
         const LDPoint centroid = CentroidOf(piece);
         double length = 0;
-        for (const Legs::Leg& leg : legs.All()) length += leg.LengthAt(centroid);
+        for (const SweptLeg& leg : legs.All()) length += leg.LengthAt(centroid);
         area += LengthOf(piece) * length;
     }
     return area;
@@ -271,15 +369,26 @@ T3DBox TExtrusionPath::BoundingBox() const {
     return box;
 }
 
-T3DMesh TExtrusionPath::FineMesh() const {
-    const RRect box = section.BoundingBox();
-    return Mesh(std::max(std::max(box.Width(), box.Height()) * 0x1p-14, std::numeric_limits<double>::min()));
+double TExtrusionPath::SignedDistance(const Point3D& point) const {
+    return LegsOf(*this).SignedDistance(RingsOf(section), Of(point));
 }
 
-double TExtrusionPath::SignedDistance(const Point3D& point) const { return FineMesh().SignedDistance(point); }
-
 bool TExtrusionPath::RayHit(const Point3D& origin, const TVector3D& direction, T3DHit& hit) const {
-    return FineMesh().RayHit(origin, direction, hit);
+    const Legs legs = LegsOf(*this);
+    const Components along = Unit(Of(direction));
+    ZO_ASSERT(Length(along) > 0, "a direction", SOURCE);
+    // From the point nearest to the path's start, both ways: no digits are lost far away.
+    const double ahead = Dot(legs.Stations()[0].origin - Of(origin), along);
+    const Components middle = Of(origin) + along * ahead;
+    for (const Legs::Passage& passage : legs.PassagesOf(RingsOf(section), middle, along)) {
+        if (!(passage.to + ahead >= 0)) continue;
+        const bool enters = passage.from + ahead >= 0;
+        const double at = enters ? passage.from : passage.to;
+        hit = {PointAt(middle + along * at), VectorOf(enters ? passage.entering : passage.leaving),
+               at + ahead};
+        return true;
+    }
+    return false;
 }
 
 T3DMesh TExtrusionPath::Mesh(double chordError) const {

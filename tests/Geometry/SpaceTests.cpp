@@ -216,7 +216,7 @@ void ExpectConsistent(const I3DShape& shape, const std::string& name, Random& ra
         const bool hits = shape.RayHit(from, towards, hit);
         ASSERT_TRUE(hits || distance > 0) << name << ": a ray leaves from inside";
         if (hits) {
-            ASSERT_NEAR(shape.SignedDistance(hit.point), 0, 2e-4 * size) << name;
+            ASSERT_NEAR(shape.SignedDistance(hit.point), 0, 1e-12 * size) << name;
             ASSERT_GE(hit.distance, std::abs(distance) * (1 - 1e-9) - 2e-4 * size) << name;
             // On the way there, the ray is on the side where it began.
             const Point3D half = from.InterpolaPontoComPercentual(hit.point, 0.5);
@@ -277,6 +277,99 @@ TEST(SpaceTests, ShapesAgreeWithTheirMeshes) {
             if (HasFatalFailure()) return;
         }
     }
+}
+
+TEST(SpaceTests, ExtrusionsOfRoundSections) {
+    Random random(61);
+    const auto any = [&](double size) {
+        return Point3D(random.Uniform(-size, size), random.Uniform(-size, size), random.Uniform(-size, size));
+    };
+    // Straight, a circle makes a cylinder.
+    for (int i = 0; i < 60; ++i) {
+        const double size = std::pow(10, random.Uniform(-9, 9)), radius = size * random.Uniform(0.01, 1);
+        const Point3D start = any(size), end = i % 4 == 0 ? start + Point3D(0, 0, size) : any(size);
+        const T3DCylinder cylinder(start, end, radius);
+        const TExtrusionPath round(TRegion(TContour(TCircle2D({0, 0}, radius))), {start, end}, i);
+        for (int k = 0; k < 40; ++k) {
+            const Point3D from = any(2 * size), to = any(2 * size);
+            ASSERT_NEAR(round.SignedDistance(from), cylinder.SignedDistance(from), 1e-12 * size) << i;
+            T3DHit hit, expected;
+            ASSERT_EQ(round.RayHit(from, TVector3D(from, to), hit),
+                      cylinder.RayHit(from, TVector3D(from, to), expected))
+                << i;
+            const double slope = std::abs(expected.normal.DotProduct(TVector3D(from, to).Normalized()));
+            ASSERT_LE(hit.point.Distance(expected.point) * slope, 1e-12 * size) << i;
+            ASSERT_LE((hit.normal - expected.normal).Magnitude(), slope < 0.01 ? 1 : 1e-9) << i;
+        }
+    }
+    // Around a corner, in the plane of the mitre and beside it.
+    const TExtrusionPath bend(TRegion(TContour(TCircle2D({0, 0}, 1))), {{0, 0, 0}, {0, 0, 20}, {-20, 0, 20}});
+    const std::tuple<const char*, Point3D, double> points[] = {
+        {"off the outer vertex of the ellipse", {4, 0, 24}, std::sqrt(18)},
+        {"off its side", {0, 3, 20}, 2},
+        {"within the outer vertex", {0.5, 0, 20.5}, -0.5},
+        {"in its middle", {0, 0, 20}, -1},
+        {"on the outer vertex", {1, 0, 21}, 0},
+        {"at the inner vertex", {-1, 0, 19}, 0},
+        {"in the corner", {-3, 0, 17}, 2},
+        {"above a wall", {-9, 0, 23}, 2},
+        {"below the end", {0.5, 0.5, -3}, 3},
+        {"off the end's rim", {4, 0, -4}, 5},
+    };
+    for (const auto& [name, point, distance] : points)
+        EXPECT_NEAR(bend.SignedDistance(point), distance, 1e-14) << name;
+
+    const auto contour = [](std::initializer_list<std::pair<Point2D, double>> vertices) {
+        TContour all;
+        for (const auto& [vertex, bulge] : vertices) all.Add(vertex, bulge);
+        return TRegion(all);
+    };
+    TRegion tube(TContour(TCircle2D({0.5, 0}, 2)));
+    tube.AddHole(TContour(TCircle2D({0.5, 0.2}, 1.5)));
+    const std::pair<const char*, TRegion> sections[] = {
+        {"straight", contour({{{-1, -1}, 0}, {{2, 0}, 0}, {{0, 0}, 0}, {{0, 2}, 0}})},
+        {"tube", tube},
+        {"sector", contour({{{0, 0}, 0}, {{3, 0}, QUARTER}, {{0, 3}, 0}})},
+        {"flat arcs", contour({{{-2, -1}, 1e-3}, {{2, -1}, 0}, {{2, 1}, -1e-9}, {{-2, 1}, 0}})},
+        {"almost a circle", contour({{{0, 2}, 50}, {{0.01, 2}, 0}})},
+        {"drop", contour({{{0, 0}, 0.8}, {{2, 2}, -0.3}})},
+    };
+    const std::initializer_list<Point3D> path = {{0, 0, 0}, {0, 0, 30}, {20, 5, 5}, {50, -20, 8}};
+    for (const auto& [name, section] : sections) {
+        const bool straight = std::string(name) == "straight";
+        const TExtrusionPath body(section, path, 0.7);
+        // Along the mitres, chords leave ellipses by more than arcs.
+        const double error = straight ? 1e-11 : 4e-4;
+        const T3DMesh mesh = body.Mesh(error / 4), coarse = body.Mesh(0.5);
+        for (int i = 0; i < 150; ++i) {
+            const Point3D corner = coarse.Vertex(1 + random.Pick(coarse.NVertices()));
+            const double away = std::pow(10, random.Uniform(-3, 2));
+            const Point3D from = corner + any(away);
+            ASSERT_NEAR(body.SignedDistance(from), mesh.SignedDistance(from), error) << name << i;
+            // No ray slips out where walls meet, nor in.
+            T3DHit hit, meshHit;
+            const TVector3D towards = i % 2 == 0 ? TVector3D(from, corner) : TVector3D(from, from + any(1));
+            const bool hits = body.RayHit(from, towards, hit);
+            if (body.SignedDistance(from) < 0) {
+                ASSERT_TRUE(hits) << name << i;
+            }
+            if (hits) {
+                ASSERT_NEAR(body.SignedDistance(hit.point), 0, 1e-12 * (100 + away)) << name << i;
+            }
+            if (i % 2 == 0) continue;
+            const bool meets = mesh.RayHit(from, towards, meshHit);
+            ASSERT_TRUE(hits == meets || !straight) << name << i;
+            const double slope = std::abs(hit.normal.DotProduct(towards.Normalized()));
+            if (hits && meets && (straight || hit.normal.DotProduct(meshHit.normal) > 0.99)) {
+                ASSERT_LE(std::abs(hit.distance - meshHit.distance) * slope, 2 * error) << name << i;
+            }
+        }
+    }
+    T3DHit hit;
+    const double nan = std::nan("");
+    EXPECT_FALSE(bend.RayHit({nan, 0, 0}, {1, 0, 0}, hit) || bend.RayHit({1e308, 0, 0}, {1, 1, 0}, hit));
+    EXPECT_EQ(bend.SignedDistance({nan, 0, 0}), HUGE_VAL);
+    EXPECT_EQ(AssertionOf([&] { bend.RayHit({1, 0, 0}, {0, 0, 0}, hit); }).expression, "a direction");
 }
 
 TEST(SpaceTests, ExtrusionsInClosedForm) {

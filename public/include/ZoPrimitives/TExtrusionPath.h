@@ -52,8 +52,8 @@ public:
     double Volume() const override;
     double SurfaceArea() const override;
     T3DBox BoundingBox() const override;
-    /// That of the mesh whose chord error is 2^-14 of the section's size: exact for a section without arcs.
-    /// Ask the mesh itself for many of them. The same goes for a hit.
+    /// To rounding, with arcs and mitres, as hits are. Where the nearest point lies on a mitre of a round
+    /// wall, which is an ellipse, it is searched for, in all places where it may be.
     double SignedDistance(const Point3D& point) const override;
     bool RayHit(const Point3D& origin, const TVector3D& direction, T3DHit& hit) const override;
     T3DMesh Mesh(double chordError) const override;
@@ -76,8 +76,6 @@ protected:
     bool ReadData(int code, InputStreamer& streamer) override;
 
 private:
-    T3DMesh FineMesh() const;
-
     TRegion section;
     std::vector<double> path; // three of each vertex
     double angle = 0;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Geometry/ClosedDrawing.h"
 #include "Geometry/DenseNumbers.h"
 #include "Geometry/DrawnThings.h"
-#include "Geometry/GapClosing.h"
 #include "ZoPrimitives/TRegion.h"
 
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include "Geometry/ChordFrame.h"
 #include "Geometry/Chords.h"
-#include "Geometry/GapClosing.h"
+#include "Geometry/ClosedDrawing.h"
 #include "Geometry/PiecePairs.h"
 #include "Geometry/Rings.h"
 

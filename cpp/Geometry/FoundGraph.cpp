@@ -57,7 +57,7 @@ bool FoundGraph::Change() {
     if (isChanging) return false;
     if (going.empty() && coming.empty()) return true;
     constexpr std::size_t FEW = 16;
-    if (going.size() + coming.size() > drawing.Size() / 16 + FEW) return false;
+    if (going.size() + coming.size() > drawing.Size() / 32 + FEW) return false;
     isChanging = true;
     moves.reset();
     const ClosedDrawing::Changes changes =

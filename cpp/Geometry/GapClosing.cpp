@@ -26,6 +26,11 @@ private:
     bool rising;
 };
 
+bool InBox(const Stretch& s, const LDPoint& p, double reach) {
+    return p.x >= s.a.x - reach && p.x <= s.b.x + reach && p.y >= std::min(s.a.y, s.b.y) - reach &&
+           p.y <= std::max(s.a.y, s.b.y) + reach;
+}
+
 /// Removes an item of a list, and the list when it is empty.
 template <class Lists, class Remove>
 void EraseFrom(Lists& lists, unsigned list, Remove remove) {
@@ -65,9 +70,7 @@ void GapClosing::FindNear(unsigned node) {
     const LDPoint& p = arrangement.nodes[node].point;
     arrangement.forest.ForEachNear(p, reach, [&](unsigned stretch) {
         const Stretch& s = arrangement.stretches[stretch];
-        if (p.x < s.a.x - reach || p.x > s.b.x + reach || p.y < std::min(s.a.y, s.b.y) - reach ||
-            p.y > std::max(s.a.y, s.b.y) + reach)
-            return;
+        if (!InBox(s, p, reach)) return;
         // A square of twice the reach about the point does not touch the line.
         const double dx = s.b.x - s.a.x, dy = s.b.y - s.a.y;
         const double cross = dx * (p.y - s.a.y) - dy * (p.x - s.a.x);
@@ -108,21 +111,24 @@ void GapClosing::TryEdges(unsigned node, unsigned stretch) {
     }
 }
 
-/// For the nodes within reach of a segment, and some that are farther.
+/// For the nodes within reach of a segment's box, several times for one.
 template <class Visit>
 void GapClosing::ForEachNodeNear(const Stretch& segment, Visit visit) const {
     arrangement.forest.ForEachNear(segment, reach, [&](unsigned stretch) {
         const Numbers along = arrangement.along[stretch];
         if (along.size() == 0) return;
         const Position position(arrangement.stretches[stretch]);
+        const auto visitNear = [&](unsigned node) {
+            if (InBox(segment, arrangement.nodes[node].point, reach)) visit(node);
+        };
         const double one = position.Of(segment.a), other = position.Of(segment.b);
         const double low = std::min(one, other) - reach, high = std::max(one, other) + reach;
         const auto place = [&](unsigned node) { return position.Of(arrangement.nodes[node].point); };
         const unsigned* edge = std::partition_point(
             along.begin(), along.end() - 1, [&](unsigned e) { return place(arrangement.edges[e].to) < low; });
         for (; edge != along.end() && place(arrangement.edges[*edge].from) <= high; ++edge) {
-            visit(arrangement.edges[*edge].from);
-            visit(arrangement.edges[*edge].to);
+            visitNear(arrangement.edges[*edge].from);
+            visitNear(arrangement.edges[*edge].to);
         }
     });
 }

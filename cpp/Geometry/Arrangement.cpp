@@ -361,7 +361,7 @@ void Arrangement::TraceCycles() {
     }
     // A part that lies below another's least node, or around it, has a lesser one: its face is known.
     for (const unsigned least : leasts) {
-        const unsigned half = LeftOf(least), face = FaceLeftOf(nodes[least].point);
+        const unsigned half = LeftOf(least), face = FaceLeftOf(HalfBelow(nodes[least].point));
         cycles[cycleOf[half]].face = face;
         faces[face].holes.push_back(half);
     }
@@ -369,10 +369,16 @@ void Arrangement::TraceCycles() {
     for (std::size_t h = 0; h < next.size(); ++h) faceOf[h] = cycles[cycleOf[h]].face;
 }
 
-/// The face just to the left of a point, on which no edge lies there.
-unsigned Arrangement::FaceLeftOf(const LDPoint& p) const {
+/// The half-edge with the face just to the left of a point, on which no edge lies there; NONE for the outer
+/// face.
+unsigned Arrangement::HalfBelow(const LDPoint& p) const {
     const std::size_t below = forest.Below(p);
-    return below == StretchTree::NONE ? 0 : cycles[cycleOf[2 * EdgeAt(below, p)]].face;
+    return below == StretchTree::NONE ? NONE : 2 * EdgeAt(below, p);
+}
+
+/// The face to the left of a half-edge while faces are being found.
+unsigned Arrangement::FaceLeftOf(unsigned half) const {
+    return half == NONE ? 0 : cycles[cycleOf[half]].face;
 }
 
 /// -1, 0 or 1: where a node of a stretch lies beside the upright line at x.
@@ -437,7 +443,8 @@ Arrangement::Place Arrangement::Locate(const LDPoint& p) const {
         if (on == StretchTree::NONE && InBox(stretches[i], p) && SideOf(stretches[i], p) == 0) on = i;
     });
     if (on == StretchTree::NONE) {
-        place.face = FaceLeftOf(p);
+        const unsigned half = HalfBelow(p);
+        place.face = half == NONE ? 0 : faceOf[half];
         return place;
     }
     const auto before = [&](unsigned node) { return CompareWith(on, node, p); };

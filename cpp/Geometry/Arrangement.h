@@ -122,7 +122,8 @@ private:
     void SortAround();
     void TraceCycles();
     void FindBridges();
-    unsigned FaceLeftOf(const LDPoint& p) const;
+    unsigned HalfBelow(const LDPoint& p) const;
+    unsigned FaceLeftOf(unsigned half) const;
     unsigned EdgeAt(std::size_t stretch, const LDPoint& p) const;
     int CompareAlong(unsigned stretch, unsigned node, unsigned other) const;
     int CompareWith(std::size_t stretch, unsigned node, const LDPoint& p) const;

@@ -443,7 +443,7 @@ void ArrangementChange::PlaceHoles() {
         return a.CompareNodes(a.cycles[c].least, a.cycles[d].least) < 0;
     });
     for (const unsigned cycle : holes) {
-        const unsigned face = a.FaceLeftOf(a.nodes[a.cycles[cycle].least].point);
+        const unsigned face = a.FaceLeftOf(a.HalfBelow(a.nodes[a.cycles[cycle].least].point));
         a.faces[face].holes.push_back(a.cycles[cycle].half);
         SetFace(cycle, face);
     }

@@ -1,13 +1,15 @@
 // The closed regions of drawings and overlays of regions, compared with GEOS, which nodes and polygonizes the
-// same lines, and overlays the same polygons.
+// same lines, and with GEOS and Boost.Geometry, which overlay the same polygons.
 
 #include "bench.h"
+#include "geometry_peers.h"
 
 #include "ZoPrimitives/TDrawingGraph.h"
 #include "ZoPrimitives/TRegion.h"
 
 #include <geos_c.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -109,32 +111,60 @@ void RunDrawing(std::size_t count, bool withPeer, int runs) {
     std::printf("\n");
 }
 
+/// Microseconds until a graph that was found is found again, when a line has come or gone.
+void RunChanges(std::size_t count) {
+    constexpr int CHANGES = 200;
+    const std::vector<Line> lines = RandomLines(count + CHANGES);
+    std::printf("  %9zu lines", count);
+    for (const unsigned precision : {EXACT, 6u}) {
+        TDrawingGraph graph(precision);
+        Add(graph, {lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(count)});
+        graph.NFaces();
+        std::vector<double> coming, going;
+        for (std::size_t i = count; i < lines.size(); ++i) {
+            double start = Now();
+            const auto [x1, y1, x2, y2] = lines[i];
+            graph.Add(TSegment2D({x1, y1}, {x2, y2}));
+            graph.NFaces();
+            coming.push_back((Now() - start) / 1e3);
+            start = Now();
+            graph.Remove(static_cast<unsigned>(i - count + 1));
+            graph.NFaces();
+            going.push_back((Now() - start) / 1e3);
+        }
+        std::printf("   %s: comes %6.0f   goes %6.0f", precision == EXACT ? "exact" : "tolerance",
+                    Median(coming), Median(going));
+        if (!graph.IsConsistent()) std::printf("   NOT CONSISTENT");
+    }
+    std::printf("\n");
+}
+
 /// A star with a rough border, about the middle.
-std::vector<Point2D> RoughStar(std::size_t vertices, unsigned seed, double x, double y) {
+Vertices RoughStar(std::size_t vertices, unsigned seed, double x, double y) {
     constexpr double PI = 3.141592653589793;
     std::mt19937 engine(seed);
-    std::vector<Point2D> points;
+    Vertices points;
     for (std::size_t i = 0; i < vertices; ++i) {
         const double angle = 2 * PI * static_cast<double>(i) / static_cast<double>(vertices);
         const double rough = static_cast<double>(engine() & 0xFFFF) / 0x10000;
         const double r = 400 + 10 * std::sin(37 * angle + seed) + rough;
-        points.emplace_back(x + r * std::cos(angle), y + r * std::sin(angle));
+        points.push_back({x + r * std::cos(angle), y + r * std::sin(angle)});
     }
     return points;
 }
 
-TRegion RegionOf(const std::vector<Point2D>& points) {
+TRegion RegionOf(const Vertices& points) {
     TContour contour;
     contour.Reserve(points.size());
-    for (const Point2D& point : points) contour.Add(point);
+    for (const auto& [x, y] : points) contour.Add({x, y});
     return TRegion(contour);
 }
 
-GEOSGeometry* PolygonOf(GEOSContextHandle_t handle, const std::vector<Point2D>& points) {
+GEOSGeometry* PolygonOf(GEOSContextHandle_t handle, const Vertices& points) {
     GEOSCoordSequence* ring = GEOSCoordSeq_create_r(handle, static_cast<unsigned>(points.size()) + 1, 2);
     for (unsigned i = 0; i <= points.size(); ++i) {
-        const Point2D& point = points[i % points.size()];
-        GEOSCoordSeq_setXY_r(handle, ring, i, point.X(), point.Y());
+        const auto& [x, y] = points[i % points.size()];
+        GEOSCoordSeq_setXY_r(handle, ring, i, x, y);
     }
     return GEOSGeom_createPolygon_r(handle, GEOSGeom_createLinearRing_r(handle, ring), nullptr, 0);
 }
@@ -147,16 +177,18 @@ void RunOverlays(unsigned vertices, int runs) {
         const char* name;
         Ours ours;
         Theirs theirs;
+        OverlayKind kind;
     };
-    const Overlay overlays[] = {{"union", &TRegion::Union, GEOSUnion_r},
-                                {"intersection", &TRegion::Intersection, GEOSIntersection_r},
-                                {"difference", &TRegion::Difference, GEOSDifference_r},
-                                {"exclusive or", &TRegion::ExclusiveOr, GEOSSymDifference_r}};
+    const Overlay overlays[] = {
+        {"union", &TRegion::Union, GEOSUnion_r, OverlayKind::UNION},
+        {"intersection", &TRegion::Intersection, GEOSIntersection_r, OverlayKind::INTERSECTION},
+        {"difference", &TRegion::Difference, GEOSDifference_r, OverlayKind::DIFFERENCE},
+        {"exclusive or", &TRegion::ExclusiveOr, GEOSSymDifference_r, OverlayKind::EXCLUSIVE_OR}};
     const auto first = RoughStar(vertices, 1, 500, 500), second = RoughStar(vertices, 2, 520, 510);
     const TRegion a = RegionOf(first), b = RegionOf(second);
     const auto handle = GEOS_init_r();
     GEOSGeometry *p = PolygonOf(handle, first), *q = PolygonOf(handle, second);
-    for (const auto& [name, ours, theirs] : overlays) {
+    for (const auto& [name, ours, theirs, kind] : overlays) {
         std::printf("  %7u vertices each   %-12s", vertices, name);
         double area = 0, theirArea = 0;
         for (const unsigned precision : {EXACT, 6u}) {
@@ -177,8 +209,14 @@ void RunOverlays(unsigned vertices, int runs) {
             GEOSArea_r(handle, found, &theirArea);
             GEOSGeom_destroy_r(handle, found);
         }
-        const bool same = std::abs(area - theirArea) < 1e-6 * area;
-        std::printf("   GEOS %6.0f%s\n", Median(times), same ? "" : "   DIFFERENT AREAS");
+        std::printf("   GEOS %6.0f", Median(times));
+        times.clear();
+        double boostArea = 0;
+        for (int run = 0; run < runs; ++run)
+            times.push_back(TimeBoostOverlay(first, second, kind, boostArea));
+        const auto same = [&](double other) { return std::abs(area - other) < 1e-6 * area; };
+        std::printf("   Boost %6.0f%s%s\n", Median(times), same(theirArea) ? "" : "   GEOS HAS ANOTHER AREA",
+                    same(boostArea) ? "" : "   BOOST HAS ANOTHER AREA");
     }
     for (GEOSGeometry* geometry : {p, q}) GEOSGeom_destroy_r(handle, geometry);
     GEOS_finish_r(handle);
@@ -192,6 +230,8 @@ void RunDrawings(int runs, bool quick) {
                 "among 100,000 faces in less than 2000 ns), ms\n");
     for (const unsigned count : {10'000u, 25'000u, 100'000u}) RunDrawing(count, true, runs);
     if (!quick) RunDrawing(1'000'000, false, 1);
+    std::printf("\nThe same when a line comes or goes, us\n");
+    for (const unsigned count : {10'000u, 100'000u}) RunChanges(count);
     std::printf("\nOverlays of two regions (no slower than GEOS), ms\n");
     for (const unsigned vertices : {10'000u, 100'000u}) RunOverlays(vertices, runs);
 }

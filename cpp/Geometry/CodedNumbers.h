@@ -1,25 +1,24 @@
 #pragma once
 
 #include "ZoPrimitives/InputStreamer.h"
-
-#include <initializer_list>
+#include "ZoPrimitives/OutputStreamer.h"
 
 namespace ZoPrimitives {
 
-/// A number in the text of an object: the code before it, and where it is kept.
-struct CodedNumber {
-    int code;
-    double* value;
-};
+// Numbers in the text of an object, each after its code: those of x, y and z of a point are 10 apart.
 
-/// Reads the number of that code; false, with nothing read, if there is none.
-inline bool ReadNumber(int code, InputStreamer& streamer, std::initializer_list<CodedNumber> numbers) {
-    for (const CodedNumber& number : numbers) {
-        if (number.code != code) continue;
-        streamer >> *number.value;
-        return true;
-    }
-    return false;
+template <class... Numbers>
+void WriteCoded(OutputStreamer& streamer, int code, const Numbers&... numbers) {
+    code -= 10;
+    ((streamer << (code += 10) << numbers), ...);
+}
+
+/// Reads the coordinate of that code, `first` being the code of x; false, with nothing read, if there is
+/// none.
+template <class... Numbers>
+bool ReadCoded(int code, InputStreamer& streamer, int first, Numbers&... numbers) {
+    first -= 10;
+    return ((code == (first += 10) && (streamer >> numbers, true)) || ...);
 }
 
 } // namespace ZoPrimitives

@@ -2,7 +2,6 @@
 
 #include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 
 #include <algorithm>
 #include <limits>
@@ -88,12 +87,13 @@ bool RRect::operator==(const ZoObject& other) const {
 
 void RRect::Write(OutputStreamer& streamer) {
     ZoObjectStreamable::Write(streamer);
-    streamer << 10 << x1Value << 20 << y1Value << 11 << x2Value << 21 << y2Value;
+    WriteCoded(streamer, 10, x1Value, y1Value);
+    WriteCoded(streamer, 11, x2Value, y2Value);
 }
 
 bool RRect::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer, {{10, &x1Value}, {20, &y1Value}, {11, &x2Value}, {21, &y2Value}}) ||
-           ZoObjectStreamable::ReadData(code, streamer);
+    return ReadCoded(code, streamer, 10, x1Value, y1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value) || ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

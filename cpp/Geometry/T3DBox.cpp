@@ -2,7 +2,6 @@
 
 #include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 
 #include <algorithm>
 #include <limits>
@@ -81,18 +80,13 @@ bool T3DBox::operator==(const ZoObject& other) const {
 
 void T3DBox::Write(OutputStreamer& streamer) {
     ZoObjectStreamable::Write(streamer);
-    streamer << 10 << x1Value << 20 << y1Value << 30 << z1Value << 11 << x2Value << 21 << y2Value << 31
-             << z2Value;
+    WriteCoded(streamer, 10, x1Value, y1Value, z1Value);
+    WriteCoded(streamer, 11, x2Value, y2Value, z2Value);
 }
 
 bool T3DBox::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer,
-                      {{10, &x1Value},
-                       {20, &y1Value},
-                       {30, &z1Value},
-                       {11, &x2Value},
-                       {21, &y2Value},
-                       {31, &z2Value}}) ||
+    return ReadCoded(code, streamer, 10, x1Value, y1Value, z1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value, z2Value) ||
            ZoObjectStreamable::ReadData(code, streamer);
 }
 

@@ -5,7 +5,6 @@
 #include "Geometry/SweptMesh.h"
 #include "Values/FullTurn.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/T3DMesh.h"
 #include "ZoPrimitives/TCircle2D.h"
 #include "ZoPrimitives/ZoAssert.h"
@@ -136,20 +135,15 @@ bool T3DCylinder::operator==(const ZoObject& other) const {
 
 void T3DCylinder::Write(OutputStreamer& streamer) {
     ZoObjectStreamable::Write(streamer);
-    streamer << 10 << x1Value << 20 << y1Value << 30 << z1Value << 11 << x2Value << 21 << y2Value << 31
-             << z2Value << 40 << radiusValue;
+    WriteCoded(streamer, 10, x1Value, y1Value, z1Value);
+    WriteCoded(streamer, 11, x2Value, y2Value, z2Value);
+    WriteCoded(streamer, 40, radiusValue);
 }
 
 bool T3DCylinder::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer,
-                      {{10, &x1Value},
-                       {20, &y1Value},
-                       {30, &z1Value},
-                       {11, &x2Value},
-                       {21, &y2Value},
-                       {31, &z2Value},
-                       {40, &radiusValue}}) ||
-           ZoObjectStreamable::ReadData(code, streamer);
+    return ReadCoded(code, streamer, 10, x1Value, y1Value, z1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value, z2Value) ||
+           ReadCoded(code, streamer, 40, radiusValue) || ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

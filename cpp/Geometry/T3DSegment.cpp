@@ -3,7 +3,6 @@
 #include "Geometry/CodedNumbers.h"
 #include "Geometry/Space.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/T3DMesh.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -83,18 +82,13 @@ bool T3DSegment::operator==(const ZoObject& other) const {
 
 void T3DSegment::Write(OutputStreamer& streamer) {
     ZoObjectStreamable::Write(streamer);
-    streamer << 10 << x1Value << 20 << y1Value << 30 << z1Value << 11 << x2Value << 21 << y2Value << 31
-             << z2Value;
+    WriteCoded(streamer, 10, x1Value, y1Value, z1Value);
+    WriteCoded(streamer, 11, x2Value, y2Value, z2Value);
 }
 
 bool T3DSegment::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer,
-                      {{10, &x1Value},
-                       {20, &y1Value},
-                       {30, &z1Value},
-                       {11, &x2Value},
-                       {21, &y2Value},
-                       {31, &z2Value}}) ||
+    return ReadCoded(code, streamer, 10, x1Value, y1Value, z1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value, z2Value) ||
            ZoObjectStreamable::ReadData(code, streamer);
 }
 

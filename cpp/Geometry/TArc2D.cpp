@@ -4,7 +4,6 @@
 #include "Geometry/Predicates.h"
 #include "Values/FullTurn.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <cmath>
@@ -85,12 +84,14 @@ bool TArc2D::operator==(const ZoObject& other) const {
 
 void TArc2D::Write(OutputStreamer& streamer) {
     TPath2D::Write(streamer);
-    streamer << 10 << x1Value << 20 << y1Value << 11 << x2Value << 21 << y2Value << 42 << bulgeValue;
+    WriteCoded(streamer, 10, x1Value, y1Value);
+    WriteCoded(streamer, 11, x2Value, y2Value);
+    WriteCoded(streamer, 42, bulgeValue);
 }
 
 bool TArc2D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer,
-                      {{10, &x1Value}, {20, &y1Value}, {11, &x2Value}, {21, &y2Value}, {42, &bulgeValue}}) ||
+    return ReadCoded(code, streamer, 10, x1Value, y1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value) || ReadCoded(code, streamer, 42, bulgeValue) ||
            TPath2D::ReadData(code, streamer);
 }
 

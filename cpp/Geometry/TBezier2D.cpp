@@ -3,7 +3,6 @@
 #include "Geometry/CodedNumbers.h"
 #include "Geometry/Pieces.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <algorithm>
@@ -223,16 +222,10 @@ void TBezier2D::Write(OutputStreamer& streamer) {
 }
 
 bool TBezier2D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer,
-                      {{10, &x1Value},
-                       {20, &y1Value},
-                       {11, &x2Value},
-                       {21, &y2Value},
-                       {12, &x3Value},
-                       {22, &y3Value},
-                       {13, &x4Value},
-                       {23, &y4Value}}) ||
-           ZoObjectStreamable::ReadData(code, streamer);
+    return ReadCoded(code, streamer, 10, x1Value, y1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value) ||
+           ReadCoded(code, streamer, 12, x3Value, y3Value) ||
+           ReadCoded(code, streamer, 13, x4Value, y4Value) || ZoObjectStreamable::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

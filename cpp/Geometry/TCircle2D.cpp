@@ -2,7 +2,6 @@
 
 #include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 namespace ZoPrimitives {
@@ -43,11 +42,12 @@ bool TCircle2D::operator==(const ZoObject& other) const {
 
 void TCircle2D::Write(OutputStreamer& streamer) {
     TPath2D::Write(streamer);
-    streamer << 10 << xValue << 20 << yValue << 40 << radiusValue;
+    WriteCoded(streamer, 10, xValue, yValue);
+    WriteCoded(streamer, 40, radiusValue);
 }
 
 bool TCircle2D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer, {{10, &xValue}, {20, &yValue}, {40, &radiusValue}}) ||
+    return ReadCoded(code, streamer, 10, xValue, yValue) || ReadCoded(code, streamer, 40, radiusValue) ||
            TPath2D::ReadData(code, streamer);
 }
 

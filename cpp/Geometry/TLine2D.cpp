@@ -3,7 +3,6 @@
 #include "Geometry/CodedNumbers.h"
 #include "Geometry/Predicates.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/TSegment2D.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -91,11 +90,12 @@ bool TLine2D::operator==(const ZoObject& other) const {
 
 void TLine2D::Write(OutputStreamer& streamer) {
     ZoObjectStreamable::Write(streamer);
-    streamer << 10 << xValue << 20 << yValue << 11 << dxValue << 21 << dyValue;
+    WriteCoded(streamer, 10, xValue, yValue);
+    WriteCoded(streamer, 11, dxValue, dyValue);
 }
 
 bool TLine2D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer, {{10, &xValue}, {20, &yValue}, {11, &dxValue}, {21, &dyValue}}) ||
+    return ReadCoded(code, streamer, 10, xValue, yValue) || ReadCoded(code, streamer, 11, dxValue, dyValue) ||
            ZoObjectStreamable::ReadData(code, streamer);
 }
 

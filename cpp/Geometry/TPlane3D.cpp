@@ -3,7 +3,6 @@
 #include "Geometry/CodedNumbers.h"
 #include "Geometry/Space.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <algorithm>
@@ -114,18 +113,13 @@ bool TPlane3D::operator==(const ZoObject& other) const {
 
 void TPlane3D::Write(OutputStreamer& streamer) {
     ZoObjectStreamable::Write(streamer);
-    streamer << 10 << xValue << 20 << yValue << 30 << zValue << 210 << dxValue << 220 << dyValue << 230
-             << dzValue;
+    WriteCoded(streamer, 10, xValue, yValue, zValue);
+    WriteCoded(streamer, 210, dxValue, dyValue, dzValue);
 }
 
 bool TPlane3D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer,
-                      {{10, &xValue},
-                       {20, &yValue},
-                       {30, &zValue},
-                       {210, &dxValue},
-                       {220, &dyValue},
-                       {230, &dzValue}}) ||
+    return ReadCoded(code, streamer, 10, xValue, yValue, zValue) ||
+           ReadCoded(code, streamer, 210, dxValue, dyValue, dzValue) ||
            ZoObjectStreamable::ReadData(code, streamer);
 }
 

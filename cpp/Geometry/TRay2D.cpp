@@ -2,7 +2,6 @@
 
 #include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/TLine2D.h"
 #include "ZoPrimitives/ZoAssert.h"
 
@@ -49,11 +48,12 @@ bool TRay2D::operator==(const ZoObject& other) const {
 
 void TRay2D::Write(OutputStreamer& streamer) {
     ZoObjectStreamable::Write(streamer);
-    streamer << 10 << xValue << 20 << yValue << 11 << dxValue << 21 << dyValue;
+    WriteCoded(streamer, 10, xValue, yValue);
+    WriteCoded(streamer, 11, dxValue, dyValue);
 }
 
 bool TRay2D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer, {{10, &xValue}, {20, &yValue}, {11, &dxValue}, {21, &dyValue}}) ||
+    return ReadCoded(code, streamer, 10, xValue, yValue) || ReadCoded(code, streamer, 11, dxValue, dyValue) ||
            ZoObjectStreamable::ReadData(code, streamer);
 }
 

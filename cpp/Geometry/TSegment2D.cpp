@@ -2,7 +2,6 @@
 
 #include "Geometry/CodedNumbers.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 namespace ZoPrimitives {
@@ -42,12 +41,13 @@ bool TSegment2D::operator==(const ZoObject& other) const {
 
 void TSegment2D::Write(OutputStreamer& streamer) {
     TPath2D::Write(streamer);
-    streamer << 10 << x1Value << 20 << y1Value << 11 << x2Value << 21 << y2Value;
+    WriteCoded(streamer, 10, x1Value, y1Value);
+    WriteCoded(streamer, 11, x2Value, y2Value);
 }
 
 bool TSegment2D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer, {{10, &x1Value}, {20, &y1Value}, {11, &x2Value}, {21, &y2Value}}) ||
-           TPath2D::ReadData(code, streamer);
+    return ReadCoded(code, streamer, 10, x1Value, y1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value) || TPath2D::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

@@ -3,7 +3,6 @@
 #include "Geometry/CodedNumbers.h"
 #include "Geometry/Predicates.h"
 #include "Values/PointClass.h"
-#include "ZoPrimitives/OutputStreamer.h"
 #include "ZoPrimitives/ZoAssert.h"
 
 #include <cmath>
@@ -78,19 +77,15 @@ bool TTriangle2D::operator==(const ZoObject& other) const {
 
 void TTriangle2D::Write(OutputStreamer& streamer) {
     TPath2D::Write(streamer);
-    streamer << 10 << x1Value << 20 << y1Value << 11 << x2Value << 21 << y2Value << 12 << x3Value << 22
-             << y3Value;
+    WriteCoded(streamer, 10, x1Value, y1Value);
+    WriteCoded(streamer, 11, x2Value, y2Value);
+    WriteCoded(streamer, 12, x3Value, y3Value);
 }
 
 bool TTriangle2D::ReadData(int code, InputStreamer& streamer) {
-    return ReadNumber(code, streamer,
-                      {{10, &x1Value},
-                       {20, &y1Value},
-                       {11, &x2Value},
-                       {21, &y2Value},
-                       {12, &x3Value},
-                       {22, &y3Value}}) ||
-           TPath2D::ReadData(code, streamer);
+    return ReadCoded(code, streamer, 10, x1Value, y1Value) ||
+           ReadCoded(code, streamer, 11, x2Value, y2Value) ||
+           ReadCoded(code, streamer, 12, x3Value, y3Value) || TPath2D::ReadData(code, streamer);
 }
 
 } // namespace ZoPrimitives

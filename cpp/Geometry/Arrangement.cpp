@@ -44,6 +44,17 @@ bool BoxesTouch(const Stretch& s, const Stretch& t) {
            std::min(t.a.y, t.b.y) <= std::max(s.a.y, s.b.y);
 }
 
+/// False only if they cross elsewhere.
+bool MayCrossIn(const StretchTree::Leaf& leaf, const Stretch& s, const Stretch& t) {
+    const Crossing at = CrossingOf(s, t);
+    if (!(at.denominator > 0)) return true;
+    const double fraction = at.numerator / at.denominator;
+    const LDPoint way = s.b - s.a;
+    const double error = (at.numeratorError + at.denominatorError) / at.denominator + 1e-15;
+    const double size = std::abs(way.x) + std::abs(way.y) + std::abs(s.a.x) + std::abs(s.a.y);
+    return leaf.IsNear({s.a.x + way.x * fraction, s.a.y + way.y * fraction}, 2 * error * size);
+}
+
 } // namespace
 
 /// Where stretches meet.
@@ -52,7 +63,7 @@ struct Arrangement::Meetings {
     std::vector<Pair> touches;     // of a stretch, between its ends, with a node
     std::vector<bool> overlapping; // stretches that have more than a point in common with another
 
-    void Add(const Arrangement& arrangement, unsigned i, unsigned j);
+    void Add(const Arrangement& arrangement, const StretchTree::Leaf& leaf, unsigned i, unsigned j);
 };
 
 Arrangement::Arrangement(std::vector<Stretch> given, Ranges givenLabels)
@@ -100,15 +111,19 @@ Meeting Meeting::Of(const Stretch& first, const Stretch& second) {
     return meeting;
 }
 
-void Arrangement::Meetings::Add(const Arrangement& arrangement, unsigned i, unsigned j) {
-    const Meeting meeting = Meeting::Of(arrangement.stretches[i], arrangement.stretches[j]);
+/// Of those in a leaf, unless they meet elsewhere.
+void Arrangement::Meetings::Add(const Arrangement& arrangement, const StretchTree::Leaf& leaf, unsigned i,
+                                unsigned j) {
+    const Stretch &s = arrangement.stretches[i], &t = arrangement.stretches[j];
+    const Meeting meeting = Meeting::Of(s, t);
     if (meeting.crosses) {
-        crossings.emplace_back(std::min(i, j), std::max(i, j));
+        if (MayCrossIn(leaf, s, t)) crossings.emplace_back(std::min(i, j), std::max(i, j));
         return;
     }
     const auto touch = [&](unsigned stretch, unsigned other, unsigned end) {
         const unsigned node = arrangement.ends[2 * other + end];
-        if (node != arrangement.ends[2 * stretch] && node != arrangement.ends[2 * stretch + 1])
+        if (leaf.IsNear(arrangement.nodes[node].point, 0) && node != arrangement.ends[2 * stretch] &&
+            node != arrangement.ends[2 * stretch + 1])
             touches.emplace_back(stretch, node);
     };
     for (unsigned end = 0; end < 2; ++end) {
@@ -120,60 +135,99 @@ void Arrangement::Meetings::Add(const Arrangement& arrangement, unsigned i, unsi
 
 void Arrangement::FindMeetings(Meetings& meetings) const {
     meetings.overlapping.resize(stretches.size());
-    constexpr std::ptrdiff_t MANY = 64;
-    forest.Whole().ForEachCell([&](const unsigned* begin, const unsigned* end) {
-        if (end - begin > MANY && FindAcross(begin, end, meetings)) return;
-        for (const unsigned* i = begin; i != end; ++i) {
-            for (const unsigned* j = i + 1; j != end; ++j) meetings.Add(*this, *i, *j);
+    constexpr std::size_t MANY = 64;
+    forest.Whole().ForEachLeaf([&](const StretchTree::Leaf& leaf) {
+        std::vector<unsigned> some(leaf.begin(), leaf.end());
+        const std::size_t rest = some.size() > MANY ? FindHub(some, leaf, meetings) : some.size();
+        for (std::size_t i = 0; i < rest; ++i) {
+            for (std::size_t j = i + 1; j < some.size(); ++j) meetings.Add(*this, leaf, some[i], some[j]);
         }
     });
     SortUnique(meetings.crossings);
     SortUnique(meetings.touches);
 }
 
-/// Many stretches are left in a cell where long ones lie side by side, as hatches do: only those meet whose
-/// ranges across the direction of a long one do. False if ranges overflow.
-bool Arrangement::FindAcross(const unsigned* begin, const unsigned* end, Meetings& meetings) const {
-    struct Range {
-        double low;
-        double high;
-        unsigned stretch;
-    };
-    const auto size = [&](unsigned i) {
-        return std::abs(stretches[i].b.x - stretches[i].a.x) + std::abs(stretches[i].b.y - stretches[i].a.y);
-    };
-    const Stretch& longest =
-        stretches[*std::max_element(begin, end, [&](unsigned i, unsigned j) { return size(i) < size(j); })];
-    const double dx = longest.b.x - longest.a.x, dy = longest.b.y - longest.a.y;
-    std::vector<Range> ranges;
-    for (const unsigned* i = begin; i != end; ++i) {
-        Range range{HUGE_VAL, -HUGE_VAL, *i};
-        for (const LDPoint& p : {stretches[*i].a, stretches[*i].b}) {
-            const double left = dx * (p.y - longest.a.y), right = dy * (p.x - longest.a.x);
-            const double error = 1e-15 * (std::abs(left) + std::abs(right)) + 1e-290;
-            if (!(error < 1e290)) return false;
-            range.low = std::min(range.low, left - right - error);
-            range.high = std::max(range.high, left - right + error);
-        }
-        ranges.push_back(range);
+/// A node on a stretch.
+struct Arrangement::Stop {
+    unsigned node;
+    unsigned other; // the stretch that crosses there; NONE where another one ends
+    Crossing crossing;
+};
+
+/// -1, 0 or 1: their order along a stretch.
+int Arrangement::CompareStops(const Stretch& s, const Stop& p, const Stop& q) const {
+    if (p.other == NONE && q.other == NONE) {
+        const LDPoint &a = nodes[p.node].point, &b = nodes[q.node].point;
+        return LexicographicallyLess(a, b) ? -1 : LexicographicallyLess(b, a) ? 1 : 0;
     }
-    std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) {
-        return a.low != b.low ? a.low < b.low : a.stretch < b.stretch;
-    });
-    for (auto i = ranges.begin(); i != ranges.end(); ++i) {
-        for (auto j = i + 1; j != ranges.end() && j->low <= i->high; ++j)
-            meetings.Add(*this, i->stretch, j->stretch);
-    }
+    if (p.other == NONE) // on the start's side of the line that crosses, it comes before
+        return -SideOf(stretches[q.other], nodes[p.node].point) * SideOf(stretches[q.other], s.a);
+    if (q.other == NONE)
+        return SideOf(stretches[p.other], nodes[q.node].point) * SideOf(stretches[p.other], s.a);
+    return CompareCrossings(s, stretches[p.other], p.crossing, stretches[q.other], q.crossing);
+}
+
+/// Where another stretch meets a stretch. False if it does not, or not in one point only.
+bool Arrangement::FindStop(unsigned stretch, unsigned other, Stop& stop) const {
+    const Stretch &s = stretches[stretch], &t = stretches[other];
+    if (!BoxesTouch(s, t) || CrossSign(s.a, s.b, t.a, t.b) == 0) return false;
+    const int ta = SideOf(s, t.a), tb = SideOf(s, t.b), sa = SideOf(t, s.a), sb = SideOf(t, s.b);
+    if (ta * tb > 0 || sa * sb > 0) return false;
+    stop = {NONE, NONE, {}};
+    if (sa == 0 || sb == 0)
+        stop.node = ends[2 * stretch + (sa == 0 ? 0 : 1)];
+    else if (ta == 0 || tb == 0)
+        stop.node = ends[2 * other + (ta == 0 ? 0 : 1)];
+    else
+        stop = {NONE, other, CrossingOf(s, t)};
     return true;
 }
 
+/// Finds the meetings among those of many stretches that pass through one point, if most do: each meets only
+/// a few others there that lead from one to the next. They go to the end of `some`; the number of those
+/// before them is returned.
+std::size_t Arrangement::FindHub(std::vector<unsigned>& some, const StretchTree::Leaf& leaf,
+                                 Meetings& meetings) const {
+    for (const std::size_t trial : {0u, 1u, 2u, 3u}) {
+        const unsigned spoke = some[trial * some.size() / 4];
+        const Stretch& s = stretches[spoke];
+        // The place on the spoke that most others have in common, if there is one.
+        Stop hub{}, stop{};
+        std::size_t votes = 0;
+        for (const unsigned other : some) {
+            if (!FindStop(spoke, other, stop)) continue;
+            if (votes == 0) hub = stop;
+            if (CompareStops(s, hub, stop) == 0)
+                ++votes;
+            else
+                --votes;
+        }
+        if (votes == 0) continue;
+        const auto passes = [&](unsigned other) {
+            return other == spoke || (FindStop(spoke, other, stop) && CompareStops(s, hub, stop) == 0);
+        };
+        const auto first = std::partition(some.begin(), some.end(), [&](unsigned i) { return !passes(i); });
+        if (2 * (some.end() - first) < some.end() - some.begin()) continue;
+        const auto turn = [&](unsigned i, unsigned j) {
+            return CrossSign(stretches[i].a, stretches[i].b, stretches[j].a, stretches[j].b);
+        };
+        std::sort(first, some.end(), [&](unsigned i, unsigned j) {
+            const int sign = turn(i, j);
+            return sign != 0 ? sign > 0 : i < j;
+        });
+        for (auto i = first; i != some.end();) {
+            const auto after = std::find_if(i, some.end(), [&](unsigned j) { return turn(*i, j) != 0; });
+            for (; i != after; ++i) {
+                for (auto j = i + 1; j != after; ++j) meetings.Add(*this, leaf, *i, *j);
+                meetings.Add(*this, leaf, *i, after == some.end() ? *first : *after);
+            }
+        }
+        return static_cast<std::size_t>(first - some.begin());
+    }
+    return some.size();
+}
+
 void Arrangement::MakeNodesAndEdges(Meetings& meetings) {
-    /// A node on a stretch.
-    struct Stop {
-        unsigned node;
-        unsigned other; // the stretch that crosses there; NONE where another one ends
-        Crossing crossing;
-    };
     const std::size_t endNodes = nodes.size();
     std::vector<std::size_t> first(stretches.size() + 1);
     for (const auto& [i, j] : meetings.crossings) ++first[i + 1], ++first[j + 1];
@@ -195,17 +249,7 @@ void Arrangement::MakeNodesAndEdges(Meetings& meetings) {
     Sets same(endNodes + meetings.crossings.size());
     for (std::size_t i = 0; i < stretches.size(); ++i) {
         const Stretch& s = stretches[i];
-        const auto compare = [&](const Stop& p, const Stop& q) {
-            if (p.other == NONE && q.other == NONE) {
-                const LDPoint &a = nodes[p.node].point, &b = nodes[q.node].point;
-                return LexicographicallyLess(a, b) ? -1 : LexicographicallyLess(b, a) ? 1 : 0;
-            }
-            if (p.other == NONE) // on the start's side of the line that crosses, it comes before
-                return -SideOf(stretches[q.other], nodes[p.node].point) * SideOf(stretches[q.other], s.a);
-            if (q.other == NONE)
-                return SideOf(stretches[p.other], nodes[q.node].point) * SideOf(stretches[p.other], s.a);
-            return CompareCrossings(s, stretches[p.other], p.crossing, stretches[q.other], q.crossing);
-        };
+        const auto compare = [&](const Stop& p, const Stop& q) { return CompareStops(s, p, q); };
         const auto begin = stops.begin() + static_cast<std::ptrdiff_t>(first[i]);
         const auto end = stops.begin() + static_cast<std::ptrdiff_t>(first[i + 1]);
         std::sort(begin, end, [&](const Stop& p, const Stop& q) { return compare(p, q) < 0; });

@@ -115,8 +115,11 @@ public:
 private:
     friend class ArrangementChange;
     struct Meetings;
+    struct Stop;
     void FindMeetings(Meetings& meetings) const;
-    bool FindAcross(const unsigned* begin, const unsigned* end, Meetings& meetings) const;
+    int CompareStops(const Stretch& along, const Stop& p, const Stop& q) const;
+    bool FindStop(unsigned stretch, unsigned other, Stop& stop) const;
+    std::size_t FindHub(std::vector<unsigned>& some, const StretchTree::Leaf& leaf, Meetings& meetings) const;
     void MakeNodesAndEdges(Meetings& meetings);
     void MergeOverlapping(const std::vector<bool>& overlapping);
     void SortAround();

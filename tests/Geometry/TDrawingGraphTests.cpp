@@ -463,6 +463,27 @@ const std::pair<const char*, Maker> MAKERS[] = {
          drawing.push_back({5, -1, 5, 4});
          return drawing;
      }},
+    {"hatches in a frame",
+     [](Random& random) {
+         Drawing drawing = {{0, 0, 60, 0}, {60, 0, 60, 20}, {60, 20, 0, 20}, {0, 20, 0, 0}};
+         for (int i = 0; i < 70; ++i) {
+             const int x = random.Pick(50), first = random.Pick(3), last = 20 - random.Pick(3);
+             drawing.push_back({x + first / 2.0, 1.0 * first, x + last / 2.0, 1.0 * last});
+         }
+         drawing.push_back({1.0 * random.Pick(20), 20, 60, 1.0 * random.Pick(20)});
+         return drawing;
+     }},
+    {"through a point",
+     [](Random& random) {
+         Drawing drawing;
+         for (int i = 0; i < 70; ++i) {
+             const double x = 16 * (random.Pick(13) - 6), y = 16 * (random.Pick(13) - 6);
+             const int behind = random.Pick(3), ahead = random.Pick(8) == 0 ? 0 : 1 + random.Pick(2);
+             drawing.push_back({-behind * x, -behind * y, ahead * x, ahead * y});
+         }
+         drawing.push_back({-100, 16.0 * random.Pick(9) - 64, 100, 16.0 * random.Pick(9) - 64});
+         return drawing;
+     }},
     {"of all sizes",
      [](Random& random) {
          return Lines(2 + random.Pick(12),
@@ -470,11 +491,16 @@ const std::pair<const char*, Maker> MAKERS[] = {
      }},
 };
 
+/// Fewer drawings are enough where each has many lines.
+int Fewer(int rounds, const std::string& name) {
+    return name == "hatches in a frame" || name == "through a point" ? rounds / 8 : rounds;
+}
+
 TEST(TDrawingGraphTests, IsSoundForAnyDrawing) {
     Random random(11);
     for (const auto& [name, make] : MAKERS) {
         const bool large = std::string(name) == "of all sizes";
-        for (int i = 0; i < 20; ++i) {
+        for (int i = 0; i < Fewer(20, name); ++i) {
             const Drawing drawing = make(random);
             for (const unsigned precision : {EXACT, 9u, 2u, 0u}) {
                 TDrawingGraph graph(precision);
@@ -545,7 +571,7 @@ Shape ShapeOf(const TDrawingGraph& graph, const std::vector<int>& names) {
 TEST(TDrawingGraphTests, ChangesAsIfItWereDrawnAnew) {
     Random random(31);
     for (const auto& [name, make] : MAKERS) {
-        for (int i = 0; i < 8; ++i) {
+        for (int i = 0; i < Fewer(8, name); ++i) {
             for (const unsigned precision : {EXACT, 9u, 2u, 0u}) {
                 const Drawing drawing = make(random), more = make(random);
                 TDrawingGraph graph(precision);
@@ -673,7 +699,7 @@ TEST(TDrawingGraphTests, HasTheFacesThatAPolygonizerFinds) {
     Peer peer;
     for (const auto& [name, make] : MAKERS) {
         if (std::string(name) == "of all sizes") continue;
-        for (int i = 0; i < 150; ++i) {
+        for (int i = 0; i < Fewer(150, name); ++i) {
             const Drawing drawing = make(random);
             // The same drawing again, drawn less well.
             Drawing slips = drawing;

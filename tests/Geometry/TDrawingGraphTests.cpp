@@ -297,21 +297,26 @@ TEST(TDrawingGraphTests, TellsThingsNeighboursAndPlaces) {
     for (const auto& [text, call] : refused) EXPECT_EQ(AssertionOf(call).expression, text);
 }
 
-/// All that is found, to the last bit.
-std::string DumpOf(const TDrawingGraph& graph) {
-    std::ostringstream text;
-    text << std::hexfloat;
-    for (unsigned i = 1; i <= graph.NNodes(); ++i)
-        text << graph.Node(i).Point().X() << ' ' << graph.Node(i).Point().Y() << '\n';
+/// All that is found, to the last bit, whatever its numbers.
+std::multiset<std::string> DumpOf(const TDrawingGraph& graph) {
+    std::multiset<std::string> all;
+    const auto add = [&](const Point2D& a, const Point2D& b, auto describe) {
+        std::ostringstream text;
+        text << std::hexfloat << a.X() << ' ' << a.Y() << ' ' << b.X() << ' ' << b.Y();
+        describe(text);
+        all.insert(text.str());
+    };
     for (unsigned i = 1; i <= graph.NEdges(); ++i) {
         const TLineEdge edge = graph.Edge(i);
-        text << edge.Start().Number() << ' ' << edge.End().Number() << ' ' << edge.LeftFace();
-        for (unsigned k = 1; k <= edge.NThings(); ++k) text << ' ' << edge.Thing(k);
-        text << '\n';
+        add(edge.Start().Point(), edge.End().Point(), [&](std::ostream& text) {
+            for (const unsigned face : {edge.LeftFace(), edge.RightFace()})
+                text << (face == 0 ? " outside " : " inside ") << graph.Face(face).NBorders();
+            for (unsigned k = 1; k <= edge.NThings(); ++k) text << ' ' << edge.Thing(k);
+        });
     }
     for (unsigned i = 1; i <= graph.NMoves(); ++i)
-        text << graph.Move(i).from.X() << ' ' << graph.Move(i).to.Y() << '\n';
-    return text.str();
+        add(graph.Move(i).from, graph.Move(i).to, [](std::ostream& text) { text << " moved"; });
+    return all;
 }
 
 TEST(TDrawingGraphTests, IsSavedAndOpenedAsItWasDrawn) {
@@ -326,6 +331,7 @@ TEST(TDrawingGraphTests, IsSavedAndOpenedAsItWasDrawn) {
     graph.Add(frame);
     graph.Add(TPolyline2D());
     const unsigned last = graph.Add(TSegment2D({0.004, -3}, {0, 7.1}));
+    EXPECT_NE(graph.NFaces(), 0u); // found now, and changed from here on
     graph.Remove(gone);
     graph.Remove(last);
     graph.Add(TSegment2D({0, 3}, {7, 3.002}));

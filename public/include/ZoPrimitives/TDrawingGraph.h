@@ -142,13 +142,13 @@ struct TGraphPlace {
 /// of the drawing, and where closing gaps takes more steps than before, or fewer. Use a graph on one thread
 /// at a time, as any operation may find it.
 ///
-/// Streamed is the drawing: opened, it gives the same graph, and the next thing gets the number that it would
-/// have got. Arcs stay arcs; their chords are found anew, to the last bit by the same C runtime's sine and
-/// cosine. A text holds 15 digits of each number. The fields are "precision", "chordError", "pieces", a list
-/// of doubles that holds x1, y1, x2, y2 and bulge of each piece drawn, and "things", a list of ints that
-/// holds how many pieces each thing has, -1 if it was removed. What `Add` and the constructor would not take
-/// is refused, and so are lists that do not fit each other; a graph that reading fails for stays as it was.
-/// Copies, and compares exactly, the drawing.
+/// Streamed is the drawing: opened, it gives the same graph, numbered as one that is found as a whole, and
+/// the next thing gets the number that it would have got. Arcs stay arcs; their chords are found anew, to the
+/// last bit by the same C runtime's sine and cosine. A text holds 15 digits of each number. The fields are
+/// "precision", "chordError", "pieces", a list of doubles that holds x1, y1, x2, y2 and bulge of each piece
+/// drawn, and "things", a list of ints that holds how many pieces each thing has, -1 if it was removed. What
+/// `Add` and the constructor would not take is refused, and so are lists that do not fit each other; a graph
+/// that reading fails for stays as it was. Copies, and compares exactly, the drawing.
 class ZO_API TDrawingGraph : public ZoObjectStreamable {
 public:
     /// Arcs become straight edges that leave them by at most `chordError`.

@@ -12,11 +12,6 @@ namespace {
 
 using Pair = std::pair<unsigned, unsigned>;
 
-void SortUnique(std::vector<Pair>& pairs) {
-    std::sort(pairs.begin(), pairs.end());
-    pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
-}
-
 /// Joins numbers into sets, each known by its least number.
 class Sets {
 public:

@@ -9,11 +9,6 @@ namespace ZoPrimitives {
 
 namespace {
 
-void SortUnique(std::vector<unsigned>& numbers) {
-    std::sort(numbers.begin(), numbers.end());
-    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-}
-
 void Erase(std::vector<unsigned>& numbers, unsigned number) {
     numbers.erase(std::find(numbers.begin(), numbers.end(), number));
 }

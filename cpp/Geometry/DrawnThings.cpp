@@ -7,14 +7,23 @@
 
 namespace ZoPrimitives {
 
-void DrawnThings::Check(const TPath2D& path) {
+std::size_t DrawnThings::ChordsOf(const TPathPiece& piece) const {
+    return piece.bulge == 0 ? 0 : PartsOf(piece, chordError);
+}
+
+std::size_t DrawnThings::Check(const TPath2D& path) const {
     const unsigned long long count = path.NPieces();
-    for (unsigned long long i = 1; i <= count; ++i)
-        ZO_ASSERT(IsFinite(path.Piece(i)), "finite coordinates", "cpp/Geometry/TDrawingGraph");
+    std::size_t needed = 0;
+    for (unsigned long long i = 1; i <= count; ++i) {
+        const TPathPiece piece = path.Piece(i);
+        ZO_ASSERT(IsFinite(piece), "finite coordinates", "cpp/Geometry/TDrawingGraph");
+        needed += ChordsOf(piece);
+    }
+    return needed;
 }
 
 unsigned DrawnThings::Begin() {
-    things.push_back({pieces.size(), 0});
+    things.push_back({pieces.size(), 0, 0});
     return static_cast<unsigned>(things.size());
 }
 
@@ -25,6 +34,8 @@ void DrawnThings::Add(const TPath2D& path) {
         if (piece.from == piece.to) continue;
         pieces.push_back(piece);
         ++things.back().count;
+        things.back().chords += ChordsOf(piece);
+        chords += ChordsOf(piece);
     }
 }
 
@@ -32,6 +43,7 @@ bool DrawnThings::Remove(unsigned thing) {
     if (thing - 1 >= things.size() || things[thing - 1].count == REMOVED) return false;
     removedPieces += static_cast<std::size_t>(things[thing - 1].count);
     things[thing - 1].count = REMOVED;
+    chords -= std::exchange(things[thing - 1].chords, 0);
     if (2 * removedPieces > pieces.size()) Compact();
     return true;
 }
@@ -145,8 +157,18 @@ bool DrawnThings::Complete() {
         thing.begin = begin;
         begin += static_cast<std::size_t>(std::max(thing.count, 0));
     }
-    return begin == pieces.size() && pending == 0 &&
-           std::all_of(pieces.begin(), pieces.end(), [](const TPathPiece& piece) { return IsFinite(piece); });
+    if (begin != pieces.size() || pending != 0) return false;
+    chords = 0;
+    for (Thing& thing : things) {
+        thing.chords = 0;
+        for (int i = 0; i < thing.count; ++i) {
+            const TPathPiece& piece = pieces[thing.begin + static_cast<std::size_t>(i)];
+            if (!IsFinite(piece)) return false;
+            thing.chords += ChordsOf(piece);
+        }
+        chords += thing.chords;
+    }
+    return HasRoomFor(0);
 }
 
 } // namespace ZoPrimitives

@@ -17,8 +17,10 @@ public:
     double ChordError() const { return chordError; }
     void ChordError(double value) { chordError = value; }
 
-    /// Asserts that all coordinates are finite.
-    static void Check(const TPath2D& path);
+    /// Asserts that all coordinates are finite. Returns how many chords its arcs have.
+    std::size_t Check(const TPath2D& path) const;
+    /// Whether arcs with so many chords may be added.
+    bool HasRoomFor(std::size_t newChords) const { return chords + newChords <= MOST_CHORDS; }
     /// Begins a thing and returns its number; paths are added to the last one.
     unsigned Begin();
     void Add(const TPath2D& path);
@@ -51,18 +53,22 @@ public:
     void AddNumber(double number);
     /// How many numbers the last piece has got; 0 if it has all.
     unsigned NPending() const { return pending; }
-    void AddThing(int count) { things.push_back({0, count}); }
+    void AddThing(int count) { things.push_back({0, count, 0}); }
     /// Gives the last thing one more piece; false if there is none to give it to.
     bool AddPiece();
-    /// To be called when everything is read. False if the lists do not fit each other or a number is not
-    /// finite.
+    /// To be called when everything is read. False if the lists do not fit each other, a number is not
+    /// finite, or arcs have too many chords.
     bool Complete();
 
 private:
     struct Thing {
         std::size_t begin; // its pieces
         int count;
+        std::size_t chords = 0;
     };
+    /// So that a small file cannot ask for all memory there is.
+    static constexpr std::size_t MOST_CHORDS = std::size_t{1} << 24;
+    std::size_t ChordsOf(const TPathPiece& piece) const;
     /// Forgets the pieces of things that were removed.
     void Compact();
     template <class Visit>
@@ -72,6 +78,7 @@ private:
     std::vector<TPathPiece> pieces; // of things removed, too, until they are more than half of all
     std::vector<Thing> things;
     std::size_t removedPieces = 0;
+    std::size_t chords = 0; // of all arcs
     unsigned pending = 0;
 };
 

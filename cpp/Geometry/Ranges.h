@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <unordered_map>
 #include <vector>
@@ -19,6 +20,12 @@ struct Numbers {
 
 inline Numbers NumbersOf(const std::vector<unsigned>& numbers) {
     return {numbers.data(), numbers.data() + numbers.size()};
+}
+
+template <class Item>
+void SortUnique(std::vector<Item>& items) {
+    std::sort(items.begin(), items.end());
+    items.erase(std::unique(items.begin(), items.end()), items.end());
 }
 
 /// Ranges of numbers, one after the other: `values` from starts[i] to starts[i + 1]; but those that were

@@ -1,5 +1,7 @@
 #include "Geometry/StretchForest.h"
 
+#include "Geometry/Ranges.h"
+
 #include <algorithm>
 
 namespace ZoPrimitives {
@@ -29,8 +31,7 @@ void StretchForest::Add(unsigned index) {
         trees.pop_back();
         sizes.pop_back();
     }
-    std::sort(contents.begin(), contents.end());
-    contents.erase(std::unique(contents.begin(), contents.end()), contents.end());
+    SortUnique(contents);
     contents.erase(std::remove_if(contents.begin(), contents.end(),
                                   [&](unsigned i) { return !std::isfinite((*stretches)[i].a.x); }),
                    contents.end());

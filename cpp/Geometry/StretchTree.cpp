@@ -1,5 +1,7 @@
 #include "Geometry/StretchTree.h"
 
+#include "Geometry/Ranges.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -83,8 +85,7 @@ void StretchTree::Build(const std::vector<Stretch>& all, std::vector<unsigned> c
 
 std::vector<unsigned> StretchTree::Contents() const {
     std::vector<unsigned> contents = items;
-    std::sort(contents.begin(), contents.end());
-    contents.erase(std::unique(contents.begin(), contents.end()), contents.end());
+    SortUnique(contents);
     return contents;
 }
 

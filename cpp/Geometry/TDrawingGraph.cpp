@@ -23,6 +23,7 @@ namespace ZoPrimitives {
 namespace {
 
 constexpr const char* SOURCE = "cpp/Geometry/TDrawingGraph";
+constexpr const char* FEW_CHORDS = "no more than 2^24 chords of arcs";
 constexpr unsigned MOST_PRECISION = 22; // that Math2 takes
 
 // Of the numbers of a piece, in a text.
@@ -122,7 +123,7 @@ bool TDrawingGraph::operator==(const ZoObject& other) const {
 }
 
 unsigned TDrawingGraph::Add(const TPath2D& path) {
-    things->Check(path);
+    ZO_ASSERT(things->HasRoomFor(things->Check(path)), FEW_CHORDS, SOURCE);
     const unsigned thing = things->Begin();
     things->Add(path);
     Change(thing, {}, things->StretchesOf(thing));
@@ -132,7 +133,9 @@ unsigned TDrawingGraph::Add(const TPath2D& path) {
 unsigned TDrawingGraph::Add(const TRegion& region) {
     std::vector<TContour> contours;
     for (unsigned long long i = 1; i <= region.NContours(); ++i) contours.push_back(region.Contour(i));
-    for (const TContour& contour : contours) things->Check(contour);
+    std::size_t chords = 0;
+    for (const TContour& contour : contours) chords += things->Check(contour);
+    ZO_ASSERT(things->HasRoomFor(chords), FEW_CHORDS, SOURCE);
     const unsigned thing = things->Begin();
     for (const TContour& contour : contours) things->Add(contour);
     Change(thing, {}, things->StretchesOf(thing));

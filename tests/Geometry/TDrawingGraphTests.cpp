@@ -293,6 +293,11 @@ TEST(TDrawingGraphTests, TellsThingsNeighboursAndPlaces) {
         {"number <= NFaces()", [&] { graph.Face(3); }},
         {"precision <= 22", [] { TDrawingGraph(23); }},
         {"chordError > 0", [] { TDrawingGraph(3, 0); }},
+        {"no more than 2^24 chords of arcs",
+         [] {
+             TDrawingGraph fine(3, 1e-99);
+             for (int i = 0; i < 17; ++i) fine.Add(TCircle2D({0, 0}, 1));
+         }},
     };
     for (const auto& [text, call] : refused) EXPECT_EQ(AssertionOf(call).expression, text);
 }
@@ -366,6 +371,12 @@ TEST(TDrawingGraphTests, RefusesDrawingsThatAreNone) {
                                       {0, ftListInt, "things"}}};
     const double endless = HUGE_VAL, none = std::nan("");
     const int most = 2147483647;
+    std::vector<double> arcs;
+    std::string arcsText;
+    for (int i = 0; i < 17; ++i) {
+        arcs.insert(arcs.end(), {0, 0, 1, 0, 1});
+        arcsText += " 10 0 20 0 11 1 21 0 42 1";
+    }
     struct Row {
         const char* name;
         std::vector<double> pieces;
@@ -391,6 +402,7 @@ TEST(TDrawingGraphTests, RefusesDrawingsThatAreNone) {
         {"less than removed", {}, {-2}, "71 0"},
         {"the least count", {}, {-most - 1}, "71 3"},
         {"counts that sum to 1", {0, 0, 1, 0, 0}, {most, most, 3}, "71 -1"},
+        {"a million chords of each arc", arcs, {17}, "40 1e-99 71 1" + arcsText, false, 22, 1e-99},
     };
     for (const Row& row : rows) {
         Payload payload;

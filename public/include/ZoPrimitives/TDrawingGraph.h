@@ -158,8 +158,8 @@ public:
     unsigned Precision() const { return precision; }
     double ChordError() const;
 
-    /// Adds a path and returns its number, from 1. That its coordinates are finite is asserted. A piece
-    /// without length leaves no trace.
+    /// Adds a path and returns its number, from 1. It is asserted that its coordinates are finite, and that
+    /// all arcs together have no more than 2^24 chords. A piece without length leaves no trace.
     unsigned Add(const TPath2D& path);
     /// Adds the borders of a region as one thing.
     unsigned Add(const TRegion& region);

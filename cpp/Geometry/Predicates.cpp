@@ -208,9 +208,14 @@ LDPoint CrossingPoint(const Stretch& along, const Stretch& line) {
     };
     if (inRange(numerator) && inRange(denominator)) {
         const Doubled fraction = numerator.value / denominator.value;
-        if (NearestCoordinate(fraction, error, along.a.x, along.b.x, point.x) &&
-            NearestCoordinate(fraction, error, along.a.y, along.b.y, point.y))
-            return point;
+        // Level and upright lines tell their own coordinate, which is often 0.
+        const auto found = [&](double LDPoint::*coordinate) {
+            const double from = along.a.*coordinate, to = along.b.*coordinate;
+            point.*coordinate = from == to ? from : line.a.*coordinate;
+            return from == to || line.a.*coordinate == line.b.*coordinate ||
+                   NearestCoordinate(fraction, error, from, to, point.*coordinate);
+        };
+        if (found(&LDPoint::x) && found(&LDPoint::y)) return point;
     }
     const ExactCrossing exact = ExactCrossingOf(along, line);
     return {ExactCoordinate(exact, along.a.x, along.b.x), ExactCoordinate(exact, along.a.y, along.b.y)};

@@ -3,6 +3,7 @@
 #include "extract.h"
 #include "failure.h"
 #include "options.h"
+#include "pictures.h"
 #include "plan.h"
 #include "report.h"
 #include "storage.h"
@@ -47,6 +48,7 @@ std::string Usage() {
         "       frame picture FILE OUT.svg      open a building and draw its elevation\n"
         "       frame plan TABLE OUT.svg        find the panels of a plan and what its girders carry,\n"
         "                                       print and draw them\n"
+        "       frame pictures FOLDER           draw what the library's geometry is, family by family\n"
         "\n"
         "options: --units metric|technical|imperial   what is printed and drawn is in these units\n"
         "         --separator .|,                     stands before their decimals\n"
@@ -161,6 +163,13 @@ std::string Folder(std::string path) {
     return path;
 }
 
+void MakeFolder(const std::string& path) {
+    std::error_code error;
+    std::filesystem::create_directories(PathOf(path), error);
+    if (!std::filesystem::is_directory(PathOf(path), error))
+        throw Failure(Words("The folder \"{1}\" cannot be made.", {path}));
+}
+
 int Demo(const std::string& program, const Options& options) {
     const std::string tables = Folder(options.words[1]);
     const std::string folder = Folder(options.words[2]);
@@ -170,10 +179,8 @@ int Demo(const std::string& program, const Options& options) {
     for (const std::string& word : options.given) command += Argument(word);
 
     const Model model = ReadTables(tables);
+    MakeFolder(folder);
     std::error_code error;
-    std::filesystem::create_directories(PathOf(folder), error);
-    if (!std::filesystem::is_directory(PathOf(folder), error))
-        throw Failure(Words("The folder \"{1}\" cannot be made.", {folder}));
     for (const std::string& word : {Words("Saved:"), Words("Saved again:")}) {
         const bool hadFile = std::filesystem::exists(PathOf(path), error);
         const auto start = std::chrono::steady_clock::now();
@@ -213,6 +220,13 @@ int ShowPlan(const Options& options) {
     return OK;
 }
 
+int DrawGeometry(const std::string& folder, const Units& units) {
+    MakeFolder(folder);
+    for (const FamilyPicture& picture : DrawFamilies(units))
+        WritePicture(picture.svg, (PathOf(folder) / picture.file).u8string());
+    return OK;
+}
+
 int Run(const std::string& program, const Options& options) {
     const auto& words = options.words;
     const Units& units = options.units;
@@ -235,6 +249,7 @@ int Run(const std::string& program, const Options& options) {
         {"read-text", 2, [&] { return ShowText(words[1], units); }},
         {"picture", 3, [&] { return Draw(options); }},
         {"plan", 3, [&] { return ShowPlan(options); }},
+        {"pictures", 2, [&] { return DrawGeometry(words[1], units); }},
     };
     const auto named = std::find_if(std::begin(commands), std::end(commands),
                                     [&](const auto& c) { return command == c.name; });

@@ -25,6 +25,19 @@ double CharacterWidth(char c) {
 
 std::string Coordinate(double value) { return FormatFloat(value, 2, false, '.').c_str(); }
 
+std::string Stroke(const std::string& colour, double width, const std::string& dashes) {
+    return "fill=\"none\" stroke=\"" + colour + "\" stroke-width=\"" + Coordinate(width) + "\"" +
+           (dashes.empty() ? "" : " stroke-dasharray=\"" + dashes + "\"");
+}
+
+std::string Fill(const std::string& colour, double opacity) {
+    return "fill=\"" + colour + "\"" + (opacity < 1 ? " fill-opacity=\"" + Coordinate(opacity) + "\"" : "");
+}
+
+std::string Area(const std::string& colour, double opacity) {
+    return Fill(colour, opacity) + " stroke=\"" + colour + "\" stroke-width=\"2\"";
+}
+
 std::string Escaped(const std::string& text) {
     std::string escaped;
     for (char c : text) {
@@ -123,6 +136,65 @@ void Drawing::Scale(const std::string& id, const TColorScale& colours, double x,
         Line(x + 20, at, x + 26, at, THIN);
         Text(x + 32, at + 4.5, number(between(i, ticks)));
     }
+}
+
+std::string View::Outline(const TPath2D& path) const {
+    std::string outline;
+    for (unsigned long long i = 1; i <= path.NPieces(); ++i) {
+        const TPathPiece piece = path.Piece(i);
+        const Point2D from(piece.from.x, piece.from.y), to(piece.to.x, piece.to.y);
+        if (i == 1) outline += "M" + At(from);
+        if (piece.bulge == 0) {
+            outline += "L" + At(to);
+            continue;
+        }
+        const double bulge = std::abs(piece.bulge);
+        const std::string radius = Coordinate(from.Distance(to) * unit * (1 + bulge * bulge) / bulge / 4);
+        outline += "A" + radius + " " + radius + " 0 " + (bulge > 1 ? "1 " : "0 ") +
+                   (piece.bulge > 0 ? "0 " : "1 ") + At(to);
+    }
+    return path.IsClosed() ? outline + "z" : outline;
+}
+
+void View::Draw(const TPath2D& path, const std::string& style) const {
+    drawing.Add("<path d=\"" + Outline(path) + "\" " + style + "/>\n");
+}
+
+void View::Draw(const TRegion& region, const std::string& style) const {
+    std::string outline;
+    for (unsigned long long i = 1; i <= region.NContours(); ++i) outline += Outline(region.Contour(i));
+    drawing.Add("<path d=\"" + outline + "\" fill-rule=\"evenodd\" " + style + "/>\n");
+}
+
+void View::Draw(const RRect& rectangle, const std::string& style) const {
+    Draw(TContour::Rectangle(rectangle), style);
+}
+
+void View::Arrow(const TSegment2D& shaft, const std::string& colour, double width) const {
+    const double length = shaft.Length();
+    if (!(length > 0)) return;
+    const Point2D back = (shaft.Start() - shaft.End()) / length / unit, aside(-back.Y(), back.X());
+    const Point2D neck = shaft.End() + back * 8;
+    Draw(TSegment2D(shaft.Start(), neck), Stroke(colour, width));
+    Draw(TContour({shaft.End(), neck + aside * 3.5, neck - aside * 3.5}), Fill(colour));
+}
+
+void View::Dot(const Point2D& place, const std::string& colour, double radius) const {
+    drawing.Add("<circle cx=\"" + Coordinate(X(place)) + "\" cy=\"" + Coordinate(Y(place)) + "\" r=\"" +
+                Coordinate(radius) + "\" " + Fill(colour) + "/>\n");
+}
+
+void View::Ring(const Point2D& place, const std::string& colour, double radius) const {
+    drawing.Add("<circle cx=\"" + Coordinate(X(place)) + "\" cy=\"" + Coordinate(Y(place)) + "\" r=\"" +
+                Coordinate(radius) + "\" " + Stroke(colour, 2) + "/>\n");
+}
+
+void View::Note(const Point2D& place, double dx, double dy, const std::string& text,
+                const std::string& style) const {
+    drawing.Text(X(place) + dx, Y(place) + dy, text,
+                 "font-size=\"12\" stroke=\"#ffffff\" stroke-width=\"3\" stroke-linejoin=\"round\" "
+                 "paint-order=\"stroke\"" +
+                     (style.empty() ? "" : " " + style));
 }
 
 } // namespace Frame

@@ -1,5 +1,6 @@
 #include "options.h"
 #include "picture.h"
+#include "pictures.h"
 #include "report.h"
 #include "tables.h"
 
@@ -9,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <fstream>
 
 namespace {
 
@@ -94,6 +96,16 @@ TEST(PictureTests, ShowsTheFrame) {
                              HasSubstr("stroke=\"#ff0000\"><title>column B1, W14x500, 147.0 in²</title>"),
                              HasSubstr("stroke=\"#0000ff\"><title>girder AB9, W24x68, 20.1 in²</title>"),
                              Not(HasSubstr("#a8a8a8"))));
+}
+
+TEST(PictureTests, ThoseOfTheDocumentsAreMadeByTheProgram) {
+    for (const auto& [file, svg] : DrawFamilies(Units::Named("metric", "."))) {
+        std::ifstream kept(FRAME_DOCS "/" + file, std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(kept), {}};
+        EXPECT_TRUE(text == svg) << file << " is another one: make it anew with frame pictures docs";
+        EXPECT_EQ(XmlFault(svg), "") << file;
+        EXPECT_LT(svg.size(), 40'000u) << file;
+    }
 }
 
 TEST(PictureTests, IsWellFormedWhateverTheBuildingIs) {

@@ -30,10 +30,6 @@ private:
     std::vector<unsigned> parents;
 };
 
-bool InBox(const Stretch& s, const LDPoint& p) {
-    return s.a.x <= p.x && p.x <= s.b.x && std::min(s.a.y, s.b.y) <= p.y && p.y <= std::max(s.a.y, s.b.y);
-}
-
 bool BoxesTouch(const Stretch& s, const Stretch& t) {
     return s.a.x <= t.b.x && t.a.x <= s.b.x && std::min(s.a.y, s.b.y) <= std::max(t.a.y, t.b.y) &&
            std::min(t.a.y, t.b.y) <= std::max(s.a.y, s.b.y);
@@ -66,7 +62,7 @@ Arrangement::Arrangement(std::vector<Stretch> given, Ranges givenLabels)
     std::vector<LDPoint> points;
     points.reserve(2 * stretches.size());
     for (Stretch& s : stretches) {
-        if (LexicographicallyLess(s.b, s.a)) std::swap(s.a, s.b);
+        s = StretchBetween(s.a, s.b);
         points.push_back(s.a);
         points.push_back(s.b);
     }
@@ -165,16 +161,17 @@ int Arrangement::CompareStops(const Stretch& s, const Stop& p, const Stop& q) co
 /// Where another stretch meets a stretch. False if it does not, or not in one point only.
 bool Arrangement::FindStop(unsigned stretch, unsigned other, Stop& stop) const {
     const Stretch &s = stretches[stretch], &t = stretches[other];
-    if (!BoxesTouch(s, t) || CrossSign(s.a, s.b, t.a, t.b) == 0) return false;
-    const int ta = SideOf(s, t.a), tb = SideOf(s, t.b), sa = SideOf(t, s.a), sb = SideOf(t, s.b);
-    if (ta * tb > 0 || sa * sb > 0) return false;
+    const Meeting meeting = Meeting::Of(s, t);
+    if (meeting.overlaps) return false;
     stop = {NONE, NONE, {}};
-    if (sa == 0 || sb == 0)
-        stop.node = ends[2 * stretch + (sa == 0 ? 0 : 1)];
-    else if (ta == 0 || tb == 0)
-        stop.node = ends[2 * other + (ta == 0 ? 0 : 1)];
-    else
+    if (meeting.crosses)
         stop = {NONE, other, CrossingOf(s, t)};
+    else if (meeting.firstOn[0] || meeting.firstOn[1])
+        stop.node = ends[2 * stretch + (meeting.firstOn[0] ? 0 : 1)];
+    else if (meeting.secondOn[0] || meeting.secondOn[1])
+        stop.node = ends[2 * other + (meeting.secondOn[0] ? 0 : 1)];
+    else
+        return false;
     return true;
 }
 

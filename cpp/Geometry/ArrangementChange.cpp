@@ -124,14 +124,19 @@ unsigned ArrangementChange::NewNode(const Arrangement::Node& node) {
     return place;
 }
 
-unsigned ArrangementChange::NewEdge(unsigned from, unsigned to, unsigned stretch) {
+unsigned ArrangementChange::PlaceForEdge() {
     const unsigned edge = PlaceFor(a.gone.edges, a.edges);
-    a.edges[edge] = {from, to, stretch, NONE};
     const std::size_t halves = 2 * a.edges.size();
     for (auto* list : {&a.next, &a.cycleOf, &a.faceOf}) list->resize(halves, NONE);
     a.bridge.resize(a.edges.size());
     a.dangle.resize(a.edges.size());
     edges.push_back(edge);
+    return edge;
+}
+
+unsigned ArrangementChange::NewEdge(unsigned from, unsigned to, unsigned stretch) {
+    const unsigned edge = PlaceForEdge();
+    a.edges[edge] = {from, to, stretch, NONE};
     AddHalf(from, 2 * edge);
     AddHalf(to, 2 * edge + 1);
     return edge;
@@ -152,7 +157,7 @@ void ArrangementChange::AddHalf(unsigned node, unsigned half) {
 /// A node comes to lie on an edge: the second part is a new one.
 void ArrangementChange::Split(unsigned edge, unsigned node) {
     Touch(edge);
-    const unsigned second = PlaceFor(a.gone.edges, a.edges);
+    const unsigned second = PlaceForEdge();
     const unsigned end = a.edges[edge].to;
     a.edges[second] = {node, end, a.edges[edge].stretch, NONE};
     a.edges[edge].to = node;
@@ -161,14 +166,10 @@ void ArrangementChange::Split(unsigned edge, unsigned node) {
         a.shared[place] = a.shared[a.edges[edge].shared];
         a.edges[second].shared = place;
     }
-    const std::size_t halves = 2 * a.edges.size();
-    for (auto* list : {&a.next, &a.cycleOf, &a.faceOf}) list->resize(halves, NONE);
     for (unsigned way = 0; way < 2; ++way) {
         a.cycleOf[2 * second + way] = a.cycleOf[2 * edge + way];
         a.faceOf[2 * second + way] = a.faceOf[2 * edge + way];
     }
-    a.bridge.resize(a.edges.size());
-    a.dangle.resize(a.edges.size());
     for (const unsigned stretch : a.StretchesOf(edge)) {
         std::vector<unsigned>& along = a.along.Change(stretch);
         along.insert(std::find(along.begin(), along.end(), edge) + 1, second);
@@ -176,7 +177,6 @@ void ArrangementChange::Split(unsigned edge, unsigned node) {
     std::vector<unsigned>& around = a.around.Change(end);
     *std::find(around.begin(), around.end(), 2 * edge + 1) = 2 * second + 1;
     a.around.Change(node) = {2 * second, 2 * edge + 1};
-    edges.push_back(second);
     nodes.push_back(node);
 }
 

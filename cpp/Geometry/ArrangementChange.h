@@ -35,6 +35,7 @@ private:
     unsigned NodeAtCrossing(unsigned stretch, unsigned line);
     unsigned NodeAtPoint(unsigned stretch, const LDPoint& p);
     unsigned NewNode(const Arrangement::Node& node);
+    unsigned PlaceForEdge();
     unsigned NewEdge(unsigned from, unsigned to, unsigned stretch);
     void AddHalf(unsigned node, unsigned half);
     void Split(unsigned edge, unsigned node);

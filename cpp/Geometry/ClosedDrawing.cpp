@@ -103,12 +103,12 @@ ClosedDrawing::Changes ClosedDrawing::Change(const std::vector<Labelled>& remove
 std::vector<Stretch> ClosedDrawing::LedThrough(const Round& round, unsigned edge) {
     std::vector<Stretch> stretches;
     if (round.arrangement->edges[edge].from == Arrangement::NONE) return stretches;
-    if (round.gaps->IsLeft(edge)) return {round.gaps->SegmentOf(edge)};
-    const std::vector<LDPoint> path = round.gaps->PathOf(edge);
-    for (std::size_t i = 1; i < path.size(); ++i) {
-        const bool turned = LexicographicallyLess(path[i], path[i - 1]);
-        stretches.push_back(turned ? Stretch{path[i], path[i - 1]} : Stretch{path[i - 1], path[i]});
+    if (round.gaps->IsLeft(edge)) {
+        const Stretch segment = round.gaps->SegmentOf(edge);
+        return {StretchBetween(segment.a, segment.b)};
     }
+    const std::vector<LDPoint> path = round.gaps->PathOf(edge);
+    for (std::size_t i = 1; i < path.size(); ++i) stretches.push_back(StretchBetween(path[i - 1], path[i]));
     return stretches;
 }
 

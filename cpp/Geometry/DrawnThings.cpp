@@ -34,8 +34,9 @@ void DrawnThings::Add(const TPath2D& path) {
         if (piece.from == piece.to) continue;
         pieces.push_back(piece);
         ++things.back().count;
-        things.back().chords += ChordsOf(piece);
-        chords += ChordsOf(piece);
+        const std::size_t more = ChordsOf(piece);
+        things.back().chords += more;
+        chords += more;
     }
 }
 
@@ -65,7 +66,7 @@ void DrawnThings::ForEachStretch(const Thing& thing, Visit visit) const {
         LDPoint from = piece.from;
         const auto lead = [&](const LDPoint& to) {
             if (from == to || !IsFinite(to)) return;
-            visit(LexicographicallyLess(from, to) ? Stretch{from, to} : Stretch{to, from});
+            visit(StretchBetween(from, to));
             from = to;
         };
         const unsigned parts = PartsOf(piece, chordError);

@@ -26,11 +26,6 @@ private:
     bool rising;
 };
 
-bool InBox(const Stretch& s, const LDPoint& p, double reach) {
-    return p.x >= s.a.x - reach && p.x <= s.b.x + reach && p.y >= std::min(s.a.y, s.b.y) - reach &&
-           p.y <= std::max(s.a.y, s.b.y) + reach;
-}
-
 /// Removes an item of a list, and the list when it is empty.
 template <class Lists, class Remove>
 void EraseFrom(Lists& lists, unsigned list, Remove remove) {
@@ -210,7 +205,6 @@ std::set<unsigned> GapClosing::Update(const ArrangementChange& change) {
 /// Chooses where nodes move to, and through which nodes the edges near them lead.
 void GapClosing::Choose(const NodeSet& nodes) {
     for (const unsigned node : nodes) {
-        targets.erase(node);
         places.erase(node);
         const auto near = nearEdges.find(node);
         if (near == nearEdges.end()) continue;
@@ -235,7 +229,6 @@ void GapClosing::ChooseTargets(const NodeSet& nodes) {
         if (!settled.insert(node).second) continue;
         for (const unsigned other : nearNodes[node]) {
             if (!settled.insert(other).second) continue;
-            targets[other] = node;
             places[other] = arrangement.nodes[node].point;
         }
     }
@@ -256,7 +249,7 @@ bool GapClosing::IsLess(const NearEdge& a, const NearEdge& b) const {
 void GapClosing::MoveLooseEnd(unsigned node) {
     const auto found = nearEdges.find(node);
     if (found == nearEdges.end()) return;
-    if (targets.count(node) != 0) return; // where it moves to has edges of its own near it
+    if (places.count(node) != 0) return; // moved to another node, which has edges of its own near it
     const std::vector<NearEdge>& near = found->second;
     if (arrangement.around.Size(node) == 1 && nearNodes.count(node) == 0) {
         const NearEdge& nearest = *std::min_element(

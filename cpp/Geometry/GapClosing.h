@@ -21,10 +21,12 @@ public:
     /// Whether anything is near enough to be moved.
     bool Moves() const { return !nearNodes.empty() || !nearEdges.empty(); }
     void TellMoves(std::vector<Move>& moves) const;
+    /// From one node of an edge to the other, as they are rounded: no longer to the greater one always.
     Stretch SegmentOf(unsigned edge) const;
     /// Whether an edge stays as it is.
     bool IsLeft(unsigned edge) const;
-    /// The points through which an edge leads when everything is moved. None if nothing is left of it.
+    /// The points through which an edge leads when everything is moved. A single one if nothing is left of
+    /// it.
     std::vector<LDPoint> PathOf(unsigned edge) const;
     /// After a change of the arrangement: which edges may lead elsewhere than before, those that went
     /// included.
@@ -59,7 +61,6 @@ private:
     std::unordered_map<unsigned, NodeSet> nearNodes;               // of a node
     std::unordered_map<unsigned, std::vector<NearEdge>> nearEdges; // of a node
     std::unordered_map<unsigned, NodeSet> nodesNear;               // to an edge
-    std::unordered_map<unsigned, unsigned> targets;                // of nodes that move to others
     std::unordered_map<unsigned, LDPoint> places;                  // of nodes that move
     std::unordered_map<unsigned, std::vector<NearEdge>> led; // of an edge: the nodes through which it is led
 };

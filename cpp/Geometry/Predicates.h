@@ -2,6 +2,8 @@
 
 #include "ZoPrimitives/LDPoint.h"
 
+#include <algorithm>
+
 namespace ZoPrimitives {
 
 // Decisions on points as they are given, right for all finite doubles: a filter decides in doubles, and exact
@@ -44,6 +46,17 @@ int CompareCrossingPoints(const Stretch& a, const Stretch& b, const Stretch& c, 
 /// By x, then by y.
 inline bool LexicographicallyLess(const LDPoint& a, const LDPoint& b) {
     return a.x < b.x || (a.x == b.x && a.y < b.y);
+}
+
+/// From the lexicographically lesser point to the greater.
+inline Stretch StretchBetween(const LDPoint& p, const LDPoint& q) {
+    return LexicographicallyLess(q, p) ? Stretch{q, p} : Stretch{p, q};
+}
+
+/// Whether a point lies within `reach` of the box of a stretch that runs to the right, or straight up.
+inline bool InBox(const Stretch& s, const LDPoint& p, double reach = 0) {
+    return p.x >= s.a.x - reach && p.x <= s.b.x + reach && p.y >= std::min(s.a.y, s.b.y) - reach &&
+           p.y <= std::max(s.a.y, s.b.y) + reach;
 }
 
 } // namespace ZoPrimitives

@@ -126,7 +126,7 @@ unsigned TDrawingGraph::Add(const TPath2D& path) {
     ZO_ASSERT(things->HasRoomFor(things->Check(path)), FEW_CHORDS, SOURCE);
     const unsigned thing = things->Begin();
     things->Add(path);
-    Change(thing, {}, things->StretchesOf(thing));
+    if (result != nullptr) Change(thing, {}, things->StretchesOf(thing));
     return thing;
 }
 
@@ -138,14 +138,15 @@ unsigned TDrawingGraph::Add(const TRegion& region) {
     ZO_ASSERT(things->HasRoomFor(chords), FEW_CHORDS, SOURCE);
     const unsigned thing = things->Begin();
     for (const TContour& contour : contours) things->Add(contour);
-    Change(thing, {}, things->StretchesOf(thing));
+    if (result != nullptr) Change(thing, {}, things->StretchesOf(thing));
     return thing;
 }
 
 bool TDrawingGraph::Remove(unsigned thing) {
-    const std::vector<Stretch> stretches = things->StretchesOf(thing);
+    std::vector<Stretch> stretches;
+    if (result != nullptr) stretches = things->StretchesOf(thing);
     if (!things->Remove(thing)) return false;
-    Change(thing, stretches, {});
+    if (result != nullptr) Change(thing, stretches, {});
     return true;
 }
 
@@ -157,7 +158,6 @@ void TDrawingGraph::RemoveAll() {
 /// Tells a graph that was found what has changed since. It changes when it is next asked for.
 void TDrawingGraph::Change(unsigned thing, const std::vector<Stretch>& removed,
                            const std::vector<Stretch>& added) {
-    if (result == nullptr) return;
     try {
         result->WillChange(thing, removed, added);
     } catch (const std::bad_alloc&) {

@@ -502,6 +502,17 @@ const std::pair<const char*, Maker> MAKERS[] = {
          drawing.push_back({-100, 16.0 * random.Pick(9) - 64, 100, 16.0 * random.Pick(9) - 64});
          return drawing;
      }},
+    {"nearly upright, across levels",
+     [](Random& random) {
+         Drawing drawing;
+         for (int i = 2 + random.Pick(6); i > 0; --i)
+             drawing.push_back({1 + random.Pick(3) * 0x1p-52, 4, 1 + random.Pick(3) * 0x1p-52, 0});
+         for (int i = 3 + random.Pick(5); i > 0; --i) {
+             const double y = random.Uniform(0.5, 3.5);
+             drawing.push_back({0, y, 1 + random.Pick(2) * 1.5, y + random.Pick(2) * 0.4});
+         }
+         return drawing;
+     }},
     {"of all sizes",
      [](Random& random) {
          return Lines(2 + random.Pick(12),
@@ -717,6 +728,7 @@ TEST(TDrawingGraphTests, HasTheFacesThatAPolygonizerFinds) {
     Peer peer;
     for (const auto& [name, make] : MAKERS) {
         if (std::string(name) == "of all sizes") continue;
+        if (std::string(name) == "nearly upright, across levels") continue; // which the peer rounds
         for (int i = 0; i < Fewer(150, name); ++i) {
             const Drawing drawing = make(random);
             // The same drawing again, drawn less well.
